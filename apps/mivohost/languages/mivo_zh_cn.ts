@@ -1,0 +1,85 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="zh_CN" sourcelanguage="en">
+<context>
+    <name>SystemSettingsDialog</name>
+    <message>
+        <source>SystemSettings</source>
+        <comment>Widget</comment>
+        <translation>系统设置</translation>
+    </message>
+    <message>
+        <source>GeneralSettings</source>
+        <comment>Widget</comment>
+        <translation>常规</translation>
+    </message>
+    <message>
+        <source>UndoRedo</source>
+        <comment>Widget</comment>
+        <translation>撤销与重做</translation>
+    </message>
+    <message>
+        <source>UndoSteps</source>
+        <comment>Widget</comment>
+        <translation>撤销步数</translation>
+    </message>
+    <message>
+        <source>RestartTakeEffect</source>
+        <comment>Widget</comment>
+        <translation>重启后生效</translation>
+    </message>
+    <message>
+        <source>OnlineSettings</source>
+        <comment>Widget</comment>
+        <translation>在线</translation>
+    </message>
+    <message>
+        <source>AutoSyncResources</source>
+        <comment>Widget</comment>
+        <translation>自动同步资源</translation>
+    </message>
+</context>
+<context>
+    <name>MivoHost</name>
+    <message>
+        <source>Title</source>
+        <comment>MainWindow</comment>
+        <translation>媒体播放与演出控制</translation>
+    </message>
+    <message>
+        <source>Settings</source>
+        <comment>MainWindow</comment>
+        <translation>系统设置…</translation>
+    </message>
+    <message>
+        <source>Language</source>
+        <comment>MainWindow</comment>
+        <translation>语言</translation>
+    </message>
+    <message>
+        <source>Log</source>
+        <comment>MainWindow</comment>
+        <translation>日志</translation>
+    </message>
+    <message>
+        <source>StorePutAside</source>
+        <comment>MainWindow</comment>
+        <translation>设置文件无法读取，已另存为“%1”。所有设置已恢复为默认值。</translation>
+    </message>
+    <message>
+        <source>StoreInUse</source>
+        <comment>MainWindow</comment>
+        <translation>设置文件“%1”正被另一个 mivohost 使用。请先将其关闭。</translation>
+    </message>
+    <message>
+        <source>StoreFailed</source>
+        <comment>MainWindow</comment>
+        <translation>无法打开设置文件“%1”：%2</translation>
+    </message>
+    <message>
+        <source>SettingNotSaved</source>
+        <comment>MainWindow</comment>
+        <translation>有一项设置无法保存：%1。仍使用原来的值。</translation>
+    </message>
+</context>
+</TS>

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QtCore/QString>
+#include <QtCore/QVariant>
+
+#include <functional>
+
+namespace mivohost {
+
+/// Where the store keeps its settings. All operations on the runtime thread.
+class SettingsPersistence
+{
+public:
+    using ChangeHandler = std::function<void(const QString& key, const QVariant& value)>;
+
+    virtual ~SettingsPersistence() = default;
+
+    /// Every setting that was ever written: texts and whole numbers by key.
+    virtual QVariantHash loadAll() = 0;
+
+    /// Writes one setting; when it returns true the value outlives a crash and a power cut.
+    /// Otherwise the old value stays, and lastError() says why.
+    virtual bool write(const QString& key, const QVariant& value) = 0;
+    virtual QString lastError() const = 0;
+
+    /// From now on reports changes that someone else makes, on the runtime thread.
+    virtual void watch(ChangeHandler handler) = 0;
+};
+
+} // namespace mivohost

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QtCore/QString>
+
+class QObject;
+
+namespace mivohost {
+
+/// Sends the process's log to the standard error, and to `file` (five of 1 MiB each) unless it is
+/// empty or cannot be written.
+void startLog(const QString& file);
+
+/// Shows every further log line in `view` as well, through its slot `appendPlainText(QString)`.
+/// Undone by detachLogView() before `view` goes.
+void attachLogView(QObject* view);
+void detachLogView();
+
+} // namespace mivohost

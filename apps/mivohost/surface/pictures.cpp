@@ -1,0 +1,77 @@
+#include "surface/pictures.h"
+
+#include "surface/mainwindow.h"
+#include "surface/settingsview.h"
+
+#include <mivosettingswidgets/isettingbox.h>
+#include <mivosettingswidgets/settingsdialog.h>
+
+#include <QtCore/QDir>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QScrollArea>
+#include <QtWidgets/QStackedWidget>
+
+namespace mivohost {
+
+namespace {
+
+QScrollArea* sectionOf(QWidget* page)
+{
+    QWidget* ancestor = page;
+    while (ancestor != nullptr && qobject_cast<QScrollArea*>(ancestor) == nullptr) {
+        ancestor = ancestor->parentWidget();
+    }
+    return qobject_cast<QScrollArea*>(ancestor);
+}
+
+/// Chooses the page's section as a person does, by its button, and scrolls to the page.
+void showPage(QWidget* dialog, QWidget* page)
+{
+    auto* section = sectionOf(page);
+    auto* sections = dialog->findChild<QStackedWidget*>();
+    const auto buttons = dialog->findChildren<QPushButton*>();
+    int id = sections->indexOf(section);
+    for (QPushButton* button : buttons) {
+        if (button->property("style") == QLatin1String("settingBtn") && id-- == 0) {
+            button->click();
+        }
+    }
+    QApplication::processEvents();
+    section->ensureWidgetVisible(page);
+    QApplication::processEvents();
+}
+
+} // namespace
+
+bool drawPictures(MainWindow& window, const QString& folder)
+{
+    const QDir directory(folder);
+    if (!directory.mkpath(QStringLiteral("."))) {
+        return false;
+    }
+    const qreal scale = window.devicePixelRatioF();
+    const QString scaleName = scale == 1 ? QString() : QStringLiteral("@%1x").arg(scale);
+    const auto save = [&](QWidget& widget, const QString& name, const QString& language) {
+        QApplication::processEvents();
+        return widget.grab().save(directory.filePath(
+            QStringLiteral("%1-%2%3.png").arg(name, language, scaleName)));
+    };
+
+    bool saved = true;
+    window.show();
+    window.openSettings();
+    auto& dialog = window.settings().dialog();
+    for (const QString& language : {QStringLiteral("en"), QStringLiteral("zh_cn")}) {
+        window.switchLanguage(language);
+        saved = save(window, QStringLiteral("mainwindow"), language) && saved;
+        for (auto* page : window.settings().pages()) {
+            showPage(&dialog, page);
+            const auto className = QString::fromLatin1(page->metaObject()->className()).toLower();
+            saved = save(dialog, className.section(QStringLiteral("::"), -1), language) && saved;
+        }
+    }
+    return saved;
+}
+
+} // namespace mivohost

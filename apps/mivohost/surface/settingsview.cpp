@@ -1,0 +1,62 @@
+#include "surface/settingsview.h"
+
+#include <mivosettingswidgets/onlinesettingbox.h>
+#include <mivosettingswidgets/settingsdialog.h>
+#include <mivosettingswidgets/settingwdigettranslatemanager.h>
+#include <mivosettingswidgets/undosettingbox.h>
+
+#include <QtCore/QFile>
+
+// Resources of a static library, and the macro does not work within a namespace.
+static void useResources()
+{
+    Q_INIT_RESOURCE(languages);
+    Q_INIT_RESOURCE(style);
+}
+
+namespace mivohost {
+
+using namespace mivo::settings;
+
+std::vector<QString> languageFiles()
+{
+    useResources();
+    return {QStringLiteral(":/languages/mivo_en.qm"), QStringLiteral(":/languages/mivo_zh_cn.qm")};
+}
+
+QString hostStyleSheet()
+{
+    useResources();
+    QFile sheet(QStringLiteral(":/style/mivo.qss"));
+    sheet.open(QIODevice::ReadOnly);
+    return QString::fromUtf8(sheet.readAll());
+}
+
+SettingsView::SettingsView(IZRRuntime& runtime, MivoSettings& settings, QWidget* parent)
+    : m_dialog(std::make_unique<SettingsDialog>(parent))
+{
+    m_dialog->loadLanguageFiles(languageFiles());
+    // Within a section the pages stand from the most to the least used.
+    const auto add = [&](auto* page, int priorityIndex) {
+        page->setZRRuntime(&runtime);
+        page->setPriorityIndex(priorityIndex);
+        page->setSettings(&settings);
+        m_dialog->insertSettingBox(page);
+        m_pages.push_back(page);
+    };
+    add(new UndoSettingBox, 20);
+    add(new OnlineSettingBox, 30);
+    switchLanguage(SettingWdigetTranslateManager::instance().translator().language());
+}
+
+SettingsView::~SettingsView() = default;
+
+void SettingsView::switchLanguage(const QString& language)
+{
+    m_dialog->switchLanguage(language);
+    for (ISettingBox* page : m_pages) {
+        page->switchLanguage(language);
+    }
+}
+
+} // namespace mivohost

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QtCore/QString>
+
+#include <memory>
+#include <vector>
+
+class IZRRuntime;
+class MivoSettings;
+class QWidget;
+
+namespace mivo::settings {
+class ISettingBox;
+class SettingsDialog;
+} // namespace mivo::settings
+
+namespace mivohost {
+
+/// The language files that the host brings along, in the form of loadLanguageFiles().
+std::vector<QString> languageFiles();
+
+/// The host's look, for the whole application.
+QString hostStyleSheet();
+
+/// The settings dialog with all pages, bound to a store. GUI thread.
+class SettingsView
+{
+public:
+    /// `parent` may be null. `runtime` and `settings` must outlive the view.
+    SettingsView(IZRRuntime& runtime, MivoSettings& settings, QWidget* parent);
+    ~SettingsView();
+
+    mivo::settings::SettingsDialog& dialog() { return *m_dialog; }
+    const std::vector<mivo::settings::ISettingBox*>& pages() const { return m_pages; }
+
+    /// Switches the dialog and every page.
+    void switchLanguage(const QString& language);
+
+private:
+    std::unique_ptr<mivo::settings::SettingsDialog> m_dialog;
+    std::vector<mivo::settings::ISettingBox*> m_pages; // owned by the dialog
+};
+
+} // namespace mivohost

@@ -1,0 +1,96 @@
+# mivo_add_library(), mivo_add_test(): what every target of the project has in common.
+
+include(GenerateExportHeader)
+
+set(CMAKE_CXX_STANDARD 17)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_AUTOMOC ON)
+set(CMAKE_AUTORCC ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
+set(CMAKE_INSTALL_RPATH $ORIGIN/../${CMAKE_INSTALL_LIBDIR} $ORIGIN)
+
+find_program(MIVO_CCACHE ccache)
+if(MIVO_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${MIVO_CCACHE})
+endif()
+
+set(MIVO_SANITIZE_FLAGS "")
+if(MIVO_SANITIZE STREQUAL "address")
+    set(MIVO_SANITIZE_FLAGS -fsanitize=address,undefined -fno-sanitize-recover=all
+                            -fno-omit-frame-pointer)
+elseif(MIVO_SANITIZE STREQUAL "thread")
+    set(MIVO_SANITIZE_FLAGS -fsanitize=thread -fno-omit-frame-pointer)
+elseif(MIVO_SANITIZE)
+    message(FATAL_ERROR "MIVO_SANITIZE is \"address\", \"thread\" or empty")
+endif()
+
+# Warnings and sanitizers, for every target of the project.
+function(mivo_target target)
+    if(MSVC)
+        target_compile_options(${target} PRIVATE /W4 /utf-8 /permissive- $<$<BOOL:${MIVO_WERROR}>:/WX>)
+    else()
+        target_compile_options(
+            ${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion
+                              $<$<BOOL:${MIVO_WERROR}>:-Werror> ${MIVO_SANITIZE_FLAGS})
+        target_link_options(${target} PRIVATE ${MIVO_SANITIZE_FLAGS})
+    endif()
+    target_compile_definitions(${target} PRIVATE QT_NO_CAST_TO_ASCII QT_NO_CAST_FROM_BYTEARRAY
+                                                 QT_NO_FOREACH)
+endfunction()
+
+# Precompiles the widget headers for the target, or uses those of another one.
+function(mivo_precompile target)
+    if(NOT MIVO_PCH)
+        return()
+    endif()
+    if(ARGC GREATER 1)
+        target_precompile_headers(${target} REUSE_FROM ${ARGV1})
+    else()
+        target_precompile_headers(${target} PRIVATE <QtWidgets> <functional> <future> <memory>
+                                  <string> <vector>)
+    endif()
+endfunction()
+
+# mivo_add_library(NAME SOURCES file... HEADERS file... [PUBLIC lib...] [PRIVATE lib...])
+# A shared library with hidden visibility and the export header <NAME/export.h>. HEADERS are the
+# public ones: they are installed, and included as <NAME/file.h>.
+function(mivo_add_library name)
+    cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "SOURCES;HEADERS;PUBLIC;PRIVATE")
+    add_library(${name} SHARED ${ARG_SOURCES} ${ARG_HEADERS})
+    add_library(mivo::${name} ALIAS ${name})
+    mivo_target(${name})
+    string(TOUPPER ${name} upper)
+    generate_export_header(${name} BASE_NAME ${upper}
+                           EXPORT_FILE_NAME ${PROJECT_BINARY_DIR}/include/${name}/export.h)
+    target_include_directories(
+        ${name} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/libs>
+                       $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include>
+                       $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+    target_link_libraries(${name} PUBLIC ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE})
+    if(Qt5::Widgets IN_LIST ARG_PUBLIC)
+        mivo_precompile(${name})
+    endif()
+    set_target_properties(${name} PROPERTIES VERSION ${PROJECT_VERSION}
+                                             SOVERSION ${PROJECT_VERSION_MAJOR})
+    install(TARGETS ${name} EXPORT mivosettingswidgetsTargets
+            LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+            RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+            ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+    install(FILES ${ARG_HEADERS} ${PROJECT_BINARY_DIR}/include/${name}/export.h
+            DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${name})
+endfunction()
+
+# mivo_add_test(NAME [SOURCES more...] [LIBRARIES lib...]): tests/NAME.cpp as one ctest entry.
+function(mivo_add_test name)
+    cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "SOURCES;LIBRARIES")
+    add_executable(${name} ${name}.cpp ${ARG_SOURCES})
+    mivo_target(${name})
+    mivo_precompile(${name} mivotestsupport)
+    target_link_libraries(${name} PRIVATE mivotestsupport ${ARG_LIBRARIES})
+    add_test(NAME ${name} COMMAND ${name})
+endfunction()

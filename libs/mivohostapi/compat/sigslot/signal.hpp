@@ -1,0 +1,66 @@
+#pragma once
+
+// The part of the sigslot library's interface that this project uses, over Boost.Signals2, for
+// systems that do not package sigslot itself.
+
+#include <boost/signals2/connection.hpp>
+#include <boost/signals2/signal.hpp>
+
+#include <cstddef>
+#include <utility>
+
+namespace sigslot {
+
+/// Handle of one connected slot. It owns nothing: the slot stays connected when the handle goes,
+/// and disconnecting is safe on any thread and after the signal itself is gone.
+class connection
+{
+public:
+    connection() = default;
+    explicit connection(boost::signals2::connection impl) : m_impl(std::move(impl)) {}
+
+    bool connected() const noexcept { return m_impl.connected(); }
+
+    /// True when the slot was still connected.
+    bool disconnect()
+    {
+        const bool was = m_impl.connected();
+        m_impl.disconnect();
+        return was;
+    }
+
+private:
+    boost::signals2::connection m_impl;
+};
+
+template <typename... Args>
+class signal
+{
+public:
+    template <typename Class, typename Object, typename... Params>
+    connection connect(void (Class::*method)(Params...), Object* object)
+    {
+        return connection(m_impl.connect(
+            [method, object](Args... args) { (static_cast<Class*>(object)->*method)(args...); }));
+    }
+
+    template <typename Callable>
+    connection connect(Callable callable)
+    {
+        return connection(m_impl.connect(std::move(callable)));
+    }
+
+    void disconnect_all() { m_impl.disconnect_all_slots(); }
+    std::size_t slot_count() const { return m_impl.num_slots(); }
+
+    template <typename... Values>
+    void operator()(Values&&... values) const
+    {
+        m_impl(std::forward<Values>(values)...);
+    }
+
+private:
+    boost::signals2::signal<void(Args...)> m_impl;
+};
+
+} // namespace sigslot

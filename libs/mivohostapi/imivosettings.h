@@ -1,0 +1,34 @@
+#pragma once
+
+#include <sigslot/signal.hpp>
+
+#include <QtCore/qglobal.h>
+
+/// The host's settings store, as the library calls it.
+///
+/// Threads: every operation, and every connecting to and disconnecting from a signal, happens on
+/// the runtime thread (see IZRRuntime). The store emits its signals on that thread too, after it
+/// has taken the new value over, also for a write that a page made. Ownership: the host's; a store
+/// outlives the pages bound to it. A setter refuses or corrects what is out of range, and reports
+/// what it holds then through the change signal; it never throws.
+class Q_DECL_EXPORT IMivoSettings
+{
+public:
+    virtual ~IMivoSettings() = default;
+
+    /// Undo steps that the host keeps, 1 to 500; taken up at the host's next start.
+    virtual void setUndoStep(int step) = 0;
+    virtual int getUndoStep() = 0;
+
+    /// Whether resources are synchronised without being asked.
+    virtual void setAutoSyncResources(bool on) = 0;
+    virtual bool getAutoSyncResources() = 0;
+
+    sigslot::signal<const int> undoStepChanged;
+    sigslot::signal<const bool> autoSyncResourcesChanged;
+};
+
+/// The store type that a host derives its own store from and that pages are bound to.
+class Q_DECL_EXPORT MivoSettings : public IMivoSettings
+{
+};

@@ -1,0 +1,12 @@
+#include "mivosettingswidgets/isettingbox.h"
+
+namespace mivo::settings {
+
+ISettingBox::ISettingBox(const QString& title, QWidget* parent) : QGroupBox(title, parent) {}
+ISettingBox::ISettingBox(QWidget* parent) : QGroupBox(parent) {}
+ISettingBox::ISettingBox() = default;
+ISettingBox::~ISettingBox() = default;
+
+void ISettingBox::setSettingsFilePath(const QString& /*path*/) {}
+
+} // namespace mivo::settings

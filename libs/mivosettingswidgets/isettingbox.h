@@ -1,0 +1,59 @@
+#pragma once
+
+#include "mivosettingswidgets/export.h"
+
+#include <QtWidgets/QGroupBox>
+
+#include <vector>
+
+class IZRRuntime;
+
+namespace mivo::settings {
+
+/// One page of the settings dialog.
+///
+/// GUI thread throughout. The host creates a page, hands it its services (which stay the host's and
+/// must outlive the page) and inserts it into a SettingsDialog, whose widget tree owns it from then
+/// on. Order: construct, setZRRuntime, setPriorityIndex and setTitleText as needed,
+/// loadLanguageFiles, the page's own setSettings, insert.
+class MIVOSETTINGSWIDGETS_EXPORT ISettingBox : public QGroupBox
+{
+    Q_OBJECT
+
+public:
+    ISettingBox(const QString& title, QWidget* parent);
+    explicit ISettingBox(QWidget* parent);
+    ISettingBox();
+    ~ISettingBox() override;
+
+    /// Does nothing, and no page overrides it.
+    virtual void setSettingsFilePath(const QString& path);
+
+    /// The key under which the dialog groups pages: at first the untranslated name of the page's
+    /// section, and its translation after translateLanguage.
+    virtual void setTitleText(const QString& text) = 0;
+    virtual QString titleText() = 0;
+
+    /// The page's place within its section, in ascending order; -1 (the default) means behind all
+    /// that are there when it is inserted.
+    virtual void setPriorityIndex(int index) = 0;
+    virtual int priorityIndex() const = 0;
+
+    /// Sets every text again in the translator's language and announces the section's name.
+    virtual void translateLanguage() = 0;
+
+    /// Switches the translator that all pages and the dialog share, then translates this page only.
+    virtual void switchLanguage(const QString& language) = 0;
+
+    /// Adds language files (.qm) to the shared translator; one that cannot be loaded is passed over.
+    virtual void loadLanguageFiles(const std::vector<QString>& files) const = 0;
+
+    /// The runtime of all store calls; must be set before the store, and never null.
+    virtual void setZRRuntime(IZRRuntime* runtime) = 0;
+
+signals:
+    /// The name of the page's section was translated anew.
+    void sigTitleTextChanged(const QString& titleText);
+};
+
+} // namespace mivo::settings

@@ -1,0 +1,89 @@
+#include "mivosettingswidgets/onlinesettingbox.h"
+
+#include "controls.h"
+#include "settingpageimpl.h"
+
+#include <mivowidgets/checkbox.h>
+
+#include <QtWidgets/QHBoxLayout>
+
+namespace mivo::settings {
+
+using mivo::widgets::CheckBox;
+
+class OnlineSettingBox::Impl : public SettingPageImpl
+{
+    Q_OBJECT
+
+public:
+    explicit Impl(OnlineSettingBox* page);
+
+    void onAutoSyncResourcesChanged(bool on) { queue("setAutoSyncResources", on); }
+
+public slots:
+    void setAutoSyncResources(const bool on) { showValue(m_autoSync, on); }
+    void onAutoSyncResourcesStateChanged(int state);
+
+protected:
+    void initSettings() override;
+
+private:
+    CheckBox* m_autoSync;
+};
+
+OnlineSettingBox::Impl::Impl(OnlineSettingBox* page)
+    : SettingPageImpl(page, QStringLiteral("GeneralSettings")), m_autoSync(new CheckBox(page))
+{
+    page->setObjectName(QStringLiteral("generalSettingGroupBox"));
+
+    auto* row = new QHBoxLayout;
+    row->setContentsMargins(0, 0, 0, 0);
+    row->addWidget(m_autoSync);
+    row->addStretch();
+    auto* column = new QVBoxLayout(page);
+    column->addLayout(row);
+    column->setContentsMargins(30, 20, 0, 16);
+
+    text(QStringLiteral("OnlineSettings"), [page](const QString& title) { page->setTitle(title); });
+    text(QStringLiteral("AutoSyncResources"),
+         [this](const QString& label) { m_autoSync->setText(label); });
+    navigationText(QStringLiteral("GeneralSettings"));
+
+    connect(m_autoSync, &CheckBox::stateChanged, this, &Impl::onAutoSyncResourcesStateChanged);
+    follow(&IMivoSettings::autoSyncResourcesChanged, &Impl::onAutoSyncResourcesChanged);
+}
+
+void OnlineSettingBox::Impl::initSettings()
+{
+    if (startFetching()) {
+        fetch(&IMivoSettings::getAutoSyncResources, "setAutoSyncResources");
+    }
+}
+
+void OnlineSettingBox::Impl::onAutoSyncResourcesStateChanged(int state)
+{
+    submit("onAutoSyncResourcesStateChanged", &IMivoSettings::setAutoSyncResources,
+           state == Qt::Checked);
+}
+
+OnlineSettingBox::OnlineSettingBox(QWidget* parent) : SettingPage(parent)
+{
+    setImpl(std::make_unique<Impl>(this));
+}
+
+OnlineSettingBox::~OnlineSettingBox() = default;
+
+void OnlineSettingBox::setSettings(MivoSettings* settings)
+{
+    impl<Impl>().setSettings(settings);
+}
+
+void OnlineSettingBox::unsetSettings()
+{
+    impl<Impl>().unsetSettings();
+    impl<Impl>().sharedSettings = nullptr;
+}
+
+} // namespace mivo::settings
+
+#include "onlinesettingbox.moc"

@@ -1,0 +1,111 @@
+#include "settingpageimpl.h"
+
+#include "mivosettingswidgets/isettingbox.h"
+#include "texts.h"
+
+#include <QtWidgets/QLabel>
+
+namespace mivo::settings {
+
+SettingPageImpl::SettingPageImpl(ISettingBox* page, const QString& navigationKey)
+    : owner(page), titleText(navigationKey)
+{
+}
+
+SettingPageImpl::~SettingPageImpl() = default;
+
+void SettingPageImpl::setSettings(MivoSettings* settings, const CallSite& site)
+{
+    sharedSettings = settings;
+    callInRuntime(zrRuntime, site.file, site.line, site.function, [this] {
+        for (const auto& connectTo : m_followed) {
+            m_connections.push_back(connectTo(*sharedSettings));
+        }
+    });
+    initSettings();
+}
+
+void SettingPageImpl::unsetSettings(const CallSite& site)
+{
+    if (sharedSettings == nullptr) {
+        return;
+    }
+    callInRuntime(zrRuntime, site.file, site.line, site.function, [this] {
+        for (auto& connection : m_connections) {
+            connection.disconnect();
+        }
+        m_connections.clear();
+    });
+}
+
+void SettingPageImpl::releaseStore()
+{
+    if (m_connections.empty()) {
+        return;
+    }
+    try {
+        unsetSettings();
+    } catch (const std::future_error&) {
+        // The runtime stopped with the task still queued: no signal can be on its way any more.
+    }
+    for (auto& connection : m_connections) {
+        connection.disconnect();
+    }
+    m_connections.clear();
+}
+
+void SettingPageImpl::translateLanguage()
+{
+    for (Text& entry : m_texts) {
+        QString translated = settings::text(entry.key);
+        if (!entry.set) {
+            emit owner->sigTitleTextChanged(translated);
+            titleText = translated;
+        } else if (entry.shown != translated) {
+            entry.shown = std::move(translated);
+            entry.set(entry.shown);
+        }
+    }
+}
+
+bool SettingPageImpl::hasStore(const CallSite& site) const
+{
+    if (sharedSettings == nullptr) {
+        warn(site, "sharedSettings is nullptr!");
+    }
+    return sharedSettings != nullptr;
+}
+
+bool SettingPageImpl::startFetching(const CallSite& site)
+{
+    if (!hasStore(site)) {
+        return false;
+    }
+    m_showFetched = zrRuntime->isUiSyncEnabled();
+    return true;
+}
+
+void SettingPageImpl::text(const QString& key, std::function<void(const QString&)> set)
+{
+    m_texts.push_back({key, std::move(set), settings::text(key)});
+    m_texts.back().set(m_texts.back().shown);
+}
+
+void SettingPageImpl::text(const QString& key, QLabel* label, QWidget* buddy)
+{
+    label->setBuddy(buddy);
+    text(key, [label, buddy](const QString& translated) {
+        label->setText(translated);
+        if (buddy != nullptr) {
+            buddy->setAccessibleName(translated);
+        }
+    });
+}
+
+void SettingPageImpl::navigationText(const QString& key)
+{
+    // Not before translateLanguage(): until then the dialog groups the page by the key.
+    m_texts.push_back({key, nullptr, QString()});
+}
+
+} // namespace mivo::settings

@@ -1,0 +1,140 @@
+#pragma once
+
+#include "mivohostapi/imivosettings.h"
+#include "storeaccess.h"
+
+#include <QtCore/QObject>
+#include <QtCore/QString>
+
+#include <functional>
+#include <vector>
+
+class QLabel;
+class QWidget;
+
+namespace mivo::settings {
+
+class ISettingBox;
+
+/// The type text under which a value travels through a call queued by slot name.
+template <typename T>
+constexpr const char* queuedTypeText();
+template <>
+constexpr const char* queuedTypeText<int>()
+{
+    return "const int";
+}
+template <>
+constexpr const char* queuedTypeText<bool>()
+{
+    return "const bool";
+}
+
+/// Base of every page's Impl: the common fields, and the verbs in which a page is written.
+///
+/// GUI thread, but for what is said to run on the runtime thread.
+class SettingPageImpl : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// `navigationKey` is the section's untranslated name.
+    SettingPageImpl(ISettingBox* page, const QString& navigationKey);
+    ~SettingPageImpl() override;
+
+    MivoSettings* sharedSettings = nullptr;
+    IZRRuntime* zrRuntime = nullptr;
+    ISettingBox* owner;
+    QString titleText;
+    int priorityIndex = -1;
+
+    /// Binds to the store: connects all that is followed, then calls initSettings().
+    void setSettings(MivoSettings* settings, const CallSite& site = "setSettings");
+
+    /// Disconnects all that is followed; without a store, nothing. The store stays known.
+    void unsetSettings(const CallSite& site = "unsetSettings");
+
+    /// Like unsetSettings(), but leaves no connection behind even where the runtime refuses or has
+    /// stopped: for the end of the page.
+    void releaseStore();
+
+    /// Sets every registered text again, in the order of registration.
+    void translateLanguage();
+
+protected:
+    /// Reads every value with fetch(); runs at the end of setSettings().
+    virtual void initSettings() = 0;
+
+    /// False, and the null-store warning under the function of `site`, without a store.
+    bool hasStore(const CallSite& site) const;
+
+    /// To be called first in initSettings(): hasStore(), and asks the runtime whether the values
+    /// that are fetched from here on are shown.
+    bool startFetching(const CallSite& site = "initSettings");
+
+    /// Reads one value from the store and queues it to the slot of that name. While the runtime's
+    /// UI is not synchronised the value is read and dropped; kept on purpose, so that the runtime
+    /// sees the same calls.
+    template <typename Getter>
+    void fetch(Getter getter, const char* slot, const CallSite& site = "initSettings")
+    {
+        const auto value = callInRuntime(zrRuntime, site.file, site.line, site.function, getter,
+                                         sharedSettings);
+        if (m_showFetched) {
+            queue(slot, value);
+        }
+    }
+
+    /// Writes a value to the store; without one, the null-store warning.
+    template <typename Setter, typename Value>
+    void submit(const CallSite& site, Setter setter, const Value& value)
+    {
+        if (hasStore(site)) {
+            callInRuntime(zrRuntime, site.file, site.line, site.function, setter, sharedSettings,
+                          value);
+        }
+    }
+
+    /// Has `forward` called on the runtime thread for every change that the store announces while
+    /// the page is bound. `forward` may only queue().
+    template <typename Impl, typename Signal, typename Value>
+    void follow(Signal IMivoSettings::*signal, void (Impl::*forward)(Value))
+    {
+        m_followed.push_back([this, signal, forward](MivoSettings& store) {
+            return (store.*signal).connect(forward, static_cast<Impl*>(this));
+        });
+    }
+
+    /// Calls the slot of that name with `value` from the event loop. Any thread.
+    template <typename T>
+    void queue(const char* slot, const T& value)
+    {
+        QMetaObject::invokeMethod(this, slot, Qt::QueuedConnection,
+                                  QGenericArgument(queuedTypeText<T>(), &value));
+    }
+
+    /// Registers a text: `set` gets the translation of `key` now, and again whenever it differs
+    /// after a change of language.
+    void text(const QString& key, std::function<void(const QString&)> set);
+
+    /// The same for a label; the control next to it becomes its buddy and is named after it.
+    void text(const QString& key, QLabel* label, QWidget* buddy = nullptr);
+
+    /// Registers the place among the texts where the section's name is translated and announced.
+    void navigationText(const QString& key);
+
+private:
+    struct Text
+    {
+        QString key;
+        std::function<void(const QString&)> set; // null: the section's name
+        QString shown;
+    };
+
+    std::vector<std::function<sigslot::connection(MivoSettings&)>> m_followed;
+    std::vector<sigslot::connection> m_connections; // runtime thread, while the GUI thread waits
+    std::vector<Text> m_texts;
+    bool m_showFetched = false;
+};
+
+} // namespace mivo::settings

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "mivohostapi/izrruntime.h"
+#include "qvspdlog/spdlogapplication.h"
+
+#include <fmt/format.h>
+
+#include <functional>
+#include <future>
+#include <memory>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+
+namespace mivo::settings {
+
+/// Where a call stands: named by its function, found by file and line. Converts from the
+/// function's name, taking file and line of that place. All texts are literals.
+struct CallSite
+{
+    // NOLINTNEXTLINE(google-explicit-constructor)
+    CallSite(const char* functionName, const char* fileName = __builtin_FILE(),
+             int lineNumber = __builtin_LINE())
+        : file(fileName), line(lineNumber), function(functionName)
+    {
+    }
+
+    const char* file;
+    int line;
+    const char* function;
+};
+
+/// What follows the last slash of either kind.
+constexpr std::string_view sourceBaseName(std::string_view path)
+{
+    const auto slash = path.find_last_of("\\/");
+    return slash == std::string_view::npos ? path : path.substr(slash + 1);
+}
+
+/// The library's one log line, at level warn: the message, then on a line of its own
+/// " //file:function()#line.". `format` has a `{}` for each of `args`. Any thread.
+template <typename... Args>
+void warn(const CallSite& site, fmt::format_string<Args...> format, Args&&... args)
+{
+    QV::SpdlogApplication::instance().logger()->warn(
+        "{} \n //{}:{}()#{}.", fmt::format(format, std::forward<Args>(args)...),
+        sourceBaseName(site.file), site.function, site.line);
+}
+
+/// Calls `callable(args...)` on the runtime thread and returns its result; a runtime that refuses
+/// gives a value-initialised one. Blocks the caller unless it is on the runtime thread itself.
+/// A runtime that drops the task instead of running it makes this throw std::future_error.
+template <typename Callable, typename... Args>
+auto callInRuntime(IZRRuntime* runtime, const char* file, int line, const char* function,
+                   Callable&& callable, Args&&... args)
+{
+    auto bound = std::bind(std::forward<Callable>(callable), std::forward<Args>(args)...);
+    using Result = std::decay_t<decltype(bound())>;
+
+    if (!runtime->canInvoke(file, line, function)) {
+        return Result();
+    }
+    if (runtime->isInRuntimeThread()) {
+        return static_cast<Result>(bound());
+    }
+    auto task = std::make_shared<std::packaged_task<Result()>>(std::move(bound));
+    auto result = task->get_future();
+    // The queue is to hold the only reference, so that a dropped task breaks its promise.
+    runtime->post([task = std::move(task)] { (*task)(); }, file, line, function);
+    return result.get();
+}
+
+} // namespace mivo::settings

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "mivosettingswidgets/settingwdigettranslatemanager.h"
+
+#include <vector>
+
+namespace mivo::settings {
+
+/// The library's text for `key` in the shared translator's language.
+inline QString text(const QString& key)
+{
+    return velorn::trans::translate(SettingWdigetTranslateManager::instance().translator(),
+                                    QStringLiteral("SystemSettingsDialog"),
+                                    QStringLiteral("Widget"), key);
+}
+
+inline void loadIntoTranslator(const std::vector<QString>& files)
+{
+    for (const QString& file : files) {
+        SettingWdigetTranslateManager::instance().translator().load(file);
+    }
+}
+
+} // namespace mivo::settings

@@ -1,0 +1,12 @@
+#include "mivowidgets/checkbox.h"
+
+namespace mivo::widgets {
+
+CheckBox::CheckBox(QWidget* parent) : CheckBox(QString(), parent) {}
+
+CheckBox::CheckBox(const QString& text, QWidget* parent) : QCheckBox(text, parent)
+{
+    setProperty("style", QStringLiteral("checkBox"));
+}
+
+} // namespace mivo::widgets

@@ -1,0 +1,100 @@
+#include "zrtranslate/translator.h"
+
+#include <QtCore/QSet>
+#include <QtCore/QTranslator>
+
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+namespace velorn::trans {
+
+namespace {
+
+QString normalised(const QString& language)
+{
+    return language.toLower().replace('-', '_');
+}
+
+} // namespace
+
+class Translator::Impl
+{
+public:
+    // Newest first, so that a later file overrides an earlier one.
+    using Files = std::vector<std::unique_ptr<QTranslator>>;
+
+    QSet<QString> loaded;
+    std::unordered_map<QString, Files> languages;
+    const Files* active = nullptr;
+    QString language;
+    MissingTextHandler missing;
+};
+
+Translator::Translator() : m_impl(std::make_unique<Impl>()) {}
+Translator::~Translator() = default;
+
+bool Translator::load(const QString& file)
+{
+    if (m_impl->loaded.contains(file)) {
+        return true;
+    }
+    auto texts = std::make_unique<QTranslator>();
+    if (!texts->load(file) || texts->language().isEmpty()) {
+        return false;
+    }
+    auto& files = m_impl->languages[normalised(texts->language())];
+    files.insert(files.begin(), std::move(texts));
+    m_impl->loaded.insert(file);
+    switchLanguage(m_impl->language);
+    return true;
+}
+
+void Translator::switchLanguage(const QString& language)
+{
+    m_impl->language = language;
+    const auto found = m_impl->languages.find(normalised(language));
+    m_impl->active = found == m_impl->languages.end() ? nullptr : &found->second;
+}
+
+QString Translator::language() const
+{
+    return m_impl->language;
+}
+
+QString Translator::translate(const QString& catalogue, const QString& context,
+                              const QString& key) const
+{
+    if (m_impl->language.isEmpty()) {
+        return key;
+    }
+    if (m_impl->active) {
+        const QByteArray catalogueName = catalogue.toUtf8();
+        const QByteArray contextName = context.toUtf8();
+        const QByteArray keyName = key.toUtf8();
+        for (const auto& texts : *m_impl->active) {
+            QString text = texts->translate(catalogueName.constData(), keyName.constData(),
+                                            contextName.constData());
+            if (!text.isEmpty()) {
+                return text;
+            }
+        }
+    }
+    if (m_impl->missing) {
+        m_impl->missing(catalogue, context, key);
+    }
+    return key;
+}
+
+void Translator::setMissingTextHandler(MissingTextHandler handler)
+{
+    m_impl->missing = std::move(handler);
+}
+
+QString translate(const Translator& translator, const QString& catalogue, const QString& context,
+                  const QString& key)
+{
+    return translator.translate(catalogue, context, key);
+}
+
+} // namespace velorn::trans

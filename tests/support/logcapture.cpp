@@ -1,0 +1,53 @@
+#include "support/logcapture.h"
+
+#include "qvspdlog/spdlogapplication.h"
+
+#include <spdlog/sinks/base_sink.h>
+
+class LogCapture::Sink : public spdlog::sinks::base_sink<std::mutex>
+{
+public:
+    std::vector<std::string> lines()
+    {
+        const std::lock_guard lock(mutex_);
+        return m_lines;
+    }
+
+    void clear()
+    {
+        const std::lock_guard lock(mutex_);
+        m_lines.clear();
+    }
+
+protected:
+    void sink_it_(const spdlog::details::log_msg& message) override
+    {
+        const auto level = spdlog::level::to_string_view(message.level);
+        m_lines.push_back(std::string(level.data(), level.size()) + '|'
+                          + std::string(message.payload.data(), message.payload.size()));
+    }
+    void flush_() override {}
+
+private:
+    std::vector<std::string> m_lines;
+};
+
+LogCapture::LogCapture() : m_sink(std::make_shared<Sink>())
+{
+    QV::SpdlogApplication::instance().setLogger(std::make_shared<spdlog::logger>("test", m_sink));
+}
+
+LogCapture::~LogCapture()
+{
+    QV::SpdlogApplication::instance().setLogger(nullptr);
+}
+
+std::vector<std::string> LogCapture::lines() const
+{
+    return m_sink->lines();
+}
+
+void LogCapture::clear()
+{
+    m_sink->clear();
+}

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+/// Takes over the process's log while it lives. Each entry is "level|message".
+class LogCapture
+{
+public:
+    LogCapture();
+    ~LogCapture();
+
+    std::vector<std::string> lines() const;
+    void clear();
+
+private:
+    class Sink;
+    std::shared_ptr<Sink> m_sink;
+};

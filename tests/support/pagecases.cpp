@@ -1,0 +1,83 @@
+#include "support/pagecases.h"
+
+#include <mivosettingswidgets/onlinesettingbox.h>
+#include <mivosettingswidgets/undosettingbox.h>
+
+#include <QtTest/QTest>
+#include <QtWidgets/QAbstractButton>
+#include <QtWidgets/QDoubleSpinBox>
+
+using namespace mivo::settings;
+
+namespace {
+
+template <typename Page>
+PageCase pageCase(std::string sourceFile, bool keepsStoreWhenUnset,
+                  std::vector<ControlCase> controls)
+{
+    return {Page::staticMetaObject.className(),
+            std::move(sourceFile),
+            keepsStoreWhenUnset,
+            [] { return new Page; },
+            [](ISettingBox* page, MivoSettings* store) {
+                static_cast<Page*>(page)->setSettings(store);
+            },
+            [](ISettingBox* page) { static_cast<Page*>(page)->unsetSettings(); },
+            std::move(controls)};
+}
+
+/// Types `text` over the old value, and leaves the field.
+std::function<void(QWidget*)> typing(const char* text)
+{
+    return [text](QWidget* control) {
+        control->setFocus();
+        QTest::keySequence(control, QKeySequence::SelectAll);
+        QTest::keyClicks(control, QString::fromLatin1(text));
+        QTest::keyClick(control, Qt::Key_Tab);
+        control->clearFocus();
+    };
+}
+
+void clicking(QWidget* control)
+{
+    QTest::mouseClick(control, Qt::LeftButton, {}, QPoint(8, control->height() / 2));
+}
+
+} // namespace
+
+const std::vector<PageCase>& pageCases()
+{
+    static const std::vector<PageCase> cases{
+        pageCase<UndoSettingBox>("undosettingbox.cpp", true,
+                                 {{"UndoStep", "mivo::widgets::SpinEditBox", 0, 50., 120, 500, 1.,
+                                   80., typing("80"), "slotUndoStepChanged"}}),
+        pageCase<OnlineSettingBox>("onlinesettingbox.cpp", false,
+                                   {{"AutoSyncResources", "mivo::widgets::CheckBox", 0, false,
+                                     false, false, false, true, clicking,
+                                     "onAutoSyncResourcesStateChanged"}}),
+    };
+    return cases;
+}
+
+QWidget* findControl(QWidget* page, const ControlCase& control)
+{
+    int index = control.index;
+    const auto children = page->findChildren<QWidget*>();
+    for (QWidget* child : children) {
+        if (qstrcmp(child->metaObject()->className(), control.type) == 0 && index-- == 0) {
+            return child;
+        }
+    }
+    return nullptr;
+}
+
+QVariant shownBy(QWidget* control)
+{
+    if (auto* button = qobject_cast<QAbstractButton*>(control)) {
+        return button->isChecked();
+    }
+    if (auto* edit = qobject_cast<QDoubleSpinBox*>(control)) {
+        return edit->value();
+    }
+    return {};
+}

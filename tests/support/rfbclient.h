@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QtCore/QPoint>
+#include <QtCore/QString>
+#include <QtNetwork/QTcpSocket>
+
+/// A person at the screen of a program that runs on Qt's VNC platform: keyboard and mouse over the
+/// RFB protocol.
+class RfbClient
+{
+public:
+    /// Waits until the program listens on `port`; false after half a minute.
+    bool connectTo(quint16 port);
+
+    /// Presses and releases an X11 key symbol; for printable ASCII that is the character itself.
+    void key(quint32 symbol);
+    void type(const QString& text);
+    void click(const QPoint& position);
+
+    static constexpr quint32 tab = 0xff09;
+    static constexpr quint32 enter = 0xff0d;
+    static constexpr quint32 up = 0xff52;
+
+private:
+    bool read(qint64 bytes, QByteArray& into);
+    void send(const QByteArray& bytes);
+
+    QTcpSocket m_socket;
+};

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "runtime/runtimethread.h"
+
+#include <atomic>
+#include <mutex>
+#include <string>
+#include <vector>
+
+/// The reference host's runtime, with answers that a test chooses and a record of what is posted.
+class TestRuntime : public mivohost::RuntimeThread
+{
+public:
+    struct Posted
+    {
+        std::string file;
+        int line;
+        std::string function;
+    };
+
+    ~TestRuntime() override { stop(); }
+
+    std::atomic<bool> uiSync{true};
+    std::atomic<bool> refuses{false};
+
+    void post(std::function<void()> task, const char* file, int line, const char* function) override;
+    bool isUiSyncEnabled() const override { return uiSync; }
+    bool canInvoke(const char* file, int line, const char* function) const override;
+
+    /// What was posted since the last call of this, but for call().
+    std::vector<Posted> takePosted();
+
+    std::thread::id thread();
+
+private:
+    std::mutex m_postedMutex;
+    std::vector<Posted> m_posted;
+};

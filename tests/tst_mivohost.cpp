@@ -1,0 +1,175 @@
+#include "support/rfbclient.h"
+
+#include <gtest/gtest.h>
+
+#include <QtCore/QDir>
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QFile>
+#include <QtCore/QProcess>
+#include <QtCore/QTemporaryDir>
+#include <QtGui/QImage>
+#include <QtNetwork/QTcpServer>
+
+#include <csignal>
+
+namespace {
+
+/// The reference host as its own process, with a person in front of it.
+class Program
+{
+public:
+    explicit Program(const QString& store, const QStringList& more = {})
+    {
+        QTcpServer probe; // a port that is free right now
+        probe.listen(QHostAddress::LocalHost);
+        m_port = probe.serverPort();
+        probe.close();
+        auto environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("QT_QPA_PLATFORM",
+                           QStringLiteral("vnc:port=%1:size=1280x900").arg(m_port));
+        environment.insert("LANG", "C.UTF-8");
+        m_process.setProcessEnvironment(environment);
+        m_process.setProcessChannelMode(QProcess::MergedChannels);
+        m_process.start(MIVOHOST_PROGRAM, QStringList{"--store", store} + more);
+    }
+
+    ~Program() { kill(); }
+
+    bool hasScreen() { return m_person.connectTo(m_port); }
+    RfbClient& person() { return m_person; }
+
+    /// Waits until the program has said `text`, from where the last call left off.
+    bool says(const QByteArray& text)
+    {
+        QElapsedTimer elapsed;
+        elapsed.start();
+        while (!m_said.contains(text) && elapsed.elapsed() < 20000) {
+            m_process.waitForReadyRead(200);
+            m_said += m_process.readAll();
+        }
+        const auto at = m_said.indexOf(text);
+        if (at >= 0) {
+            m_said.remove(0, at + text.size());
+        }
+        return at >= 0;
+    }
+
+    bool ends() { return m_process.waitForFinished(20000); }
+    int exitCode() const { return m_process.exitCode(); }
+    QByteArray output() { return m_said + m_process.readAll(); }
+
+    void kill()
+    {
+        if (m_process.state() != QProcess::NotRunning) {
+            ::kill(static_cast<pid_t>(m_process.processId()), SIGKILL);
+            m_process.waitForFinished();
+        }
+    }
+
+private:
+    quint16 m_port = 0;
+    QProcess m_process;
+    QByteArray m_said;
+    RfbClient m_person;
+};
+
+class Host : public ::testing::Test
+{
+protected:
+    /// Runs the program to its end without a screen.
+    int run(const QStringList& arguments, QByteArray& output)
+    {
+        QProcess process;
+        auto environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("QT_QPA_PLATFORM", "offscreen");
+        process.setProcessEnvironment(environment);
+        process.start(MIVOHOST_PROGRAM, QStringList{"--store", store()} + arguments);
+        process.waitForFinished(60000);
+        output = process.readAllStandardOutput();
+        return process.exitCode();
+    }
+
+    QString store() const { return folder.filePath("settings.sqlite"); }
+
+    QTemporaryDir folder;
+};
+
+/// In the settings dialog: from the first focus to the undo steps.
+void reachUndoSteps(RfbClient& person)
+{
+    person.key(RfbClient::tab);
+    person.key(RfbClient::tab);
+}
+
+} // namespace
+
+TEST_F(Host, KeepsAnEditThroughAKillAndShowsItAgain)
+{
+    {
+        Program program(store(), {"--settings"});
+        ASSERT_TRUE(program.hasScreen());
+        ASSERT_TRUE(program.says("settings dialog open"));
+        reachUndoSteps(program.person());
+        program.person().type("80");
+        program.person().key(RfbClient::tab);
+        ASSERT_TRUE(program.says("setting undoStep = 80")) << program.output().constData();
+        program.kill();
+    }
+    QByteArray output;
+    ASSERT_EQ(run({"--print-settings"}, output), 0);
+    EXPECT_TRUE(output.contains("undoStep=80\n")) << output.constData();
+
+    // The control shows it: one step up from what it shows is 81.
+    Program again(store(), {"--settings"});
+    ASSERT_TRUE(again.hasScreen());
+    ASSERT_TRUE(again.says("settings dialog open"));
+    reachUndoSteps(again.person());
+    again.person().key(RfbClient::up);
+    again.person().key(RfbClient::enter);
+    EXPECT_TRUE(again.says("setting undoStep = 81")) << again.output().constData();
+}
+
+TEST_F(Host, TheSecondOnTheSameStoreSaysSoAndStops)
+{
+    Program first(store(), {"--settings"});
+    ASSERT_TRUE(first.hasScreen());
+    ASSERT_TRUE(first.says("settings dialog open"));
+
+    Program second(store());
+    ASSERT_TRUE(second.hasScreen());
+    EXPECT_TRUE(second.says("is in use by another mivohost")) << second.output().constData();
+    second.person().key(RfbClient::enter);
+    ASSERT_TRUE(second.ends()) << "the message is closed by Return, and the program with it";
+    EXPECT_EQ(second.exitCode(), 2);
+
+    QByteArray output;
+    EXPECT_EQ(run({"--print-settings"}, output), 2);
+}
+
+TEST_F(Host, PutsAnUnreadableStoreAside)
+{
+    QFile file(store());
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(QByteArray(4096, 'x'));
+    file.close();
+    Program program(store());
+    ASSERT_TRUE(program.hasScreen());
+    EXPECT_TRUE(program.says("put aside as")) << program.output().constData();
+    EXPECT_EQ(QDir(folder.path()).entryList({"settings.sqlite.unreadable-*"}).size(), 1);
+}
+
+TEST_F(Host, DrawsEveryPageInEveryLanguage)
+{
+    QByteArray output;
+    const QString pictures = folder.filePath("pictures");
+    ASSERT_EQ(run({"--pictures", pictures}, output), 0);
+    for (const char* name : {"mainwindow", "undosettingbox", "onlinesettingbox"}) {
+        QImage english(pictures + '/' + name + "-en.png");
+        QImage chinese(pictures + '/' + name + "-zh_cn.png");
+        EXPECT_FALSE(english.isNull()) << name;
+        EXPECT_EQ(english.size(), chinese.size()) << name;
+        EXPECT_NE(english, chinese) << name;
+    }
+    EXPECT_EQ(QImage(pictures + "/undosettingbox-en.png").size(), QSize(1080, 800));
+    EXPECT_NE(run({"--pictures", "/proc/no/such"}, output), 0);
+}

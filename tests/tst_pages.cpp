@@ -1,0 +1,383 @@
+#include "support/fakestore.h"
+#include "support/logcapture.h"
+#include "support/pagecases.h"
+#include "support/testruntime.h"
+
+#include "surface/settingsview.h"
+
+#include <mivosettingswidgets/settingsdialog.h>
+#include <mivosettingswidgets/settingwdigettranslatemanager.h>
+
+#include <gtest/gtest.h>
+
+#include <QtTest/QSignalSpy>
+#include <QtTest/QTest>
+#include <QtGui/QWheelEvent>
+#include <QtWidgets/QAbstractButton>
+#include <QtWidgets/QAbstractSpinBox>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QComboBox>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QVBoxLayout>
+
+#include <regex>
+
+using namespace mivo::settings;
+
+namespace {
+
+/// Delivers all events, also those that events cause.
+void settle()
+{
+    QApplication::processEvents();
+    QApplication::sendPostedEvents();
+}
+
+class Pages : public ::testing::TestWithParam<PageCase>
+{
+protected:
+    Pages()
+    {
+        for (const QString& file : mivohost::languageFiles()) {
+            translator().load(file);
+        }
+        translator().switchLanguage(QString());
+        for (const ControlCase& control : GetParam().controls) {
+            store.change(control.setting, control.stored);
+        }
+        page = GetParam().make();
+        auto* layout = new QVBoxLayout(&window);
+        layout->addWidget(page);
+        page->setZRRuntime(&runtime);
+    }
+
+    static velorn::trans::Translator& translator()
+    {
+        return SettingWdigetTranslateManager::instance().translator();
+    }
+
+    void show()
+    {
+        window.show();
+        window.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    }
+
+    void bind()
+    {
+        GetParam().bind(page, &store);
+        settle();
+    }
+
+    QWidget* widgetOf(const ControlCase& control) const { return findControl(page, control); }
+
+    static std::vector<QWidget*> controlsIn(QWidget* parent)
+    {
+        std::vector<QWidget*> controls;
+        const auto children = parent->findChildren<QWidget*>();
+        for (QWidget* child : children) {
+            const bool isPart = qobject_cast<QLineEdit*>(child) != nullptr
+                                && qobject_cast<QAbstractSpinBox*>(child->parentWidget()) != nullptr;
+            if (!isPart
+                && (qobject_cast<QAbstractButton*>(child) || qobject_cast<QAbstractSpinBox*>(child)
+                    || qobject_cast<QComboBox*>(child) || qobject_cast<QLineEdit*>(child))) {
+                controls.push_back(child);
+            }
+        }
+        return controls;
+    }
+
+    // In this order, so that the page goes first.
+    TestRuntime runtime;
+    FakeStore store;
+    LogCapture log;
+    QWidget window;
+    ISettingBox* page = nullptr;
+};
+
+TEST_P(Pages, AreBuiltWithTheirDefaultsAndFiledBehindAllOthers)
+{
+    EXPECT_EQ(page->priorityIndex(), -1);
+    page->setPriorityIndex(7);
+    EXPECT_EQ(page->priorityIndex(), 7);
+    QSignalSpy announced(page, &ISettingBox::sigTitleTextChanged);
+    page->setTitleText("Elsewhere");
+    EXPECT_EQ(page->titleText(), "Elsewhere");
+    EXPECT_TRUE(announced.isEmpty());
+    for (const ControlCase& control : GetParam().controls) {
+        ASSERT_NE(widgetOf(control), nullptr) << control.setting;
+        EXPECT_EQ(shownBy(widgetOf(control)), control.initial) << control.setting;
+    }
+    EXPECT_TRUE(store.calls().empty());
+}
+
+TEST_P(Pages, ShowWhatTheStoreHoldsReadOnceEachOnTheRuntimeThread)
+{
+    GetParam().bind(page, &store);
+    for (const ControlCase& control : GetParam().controls) {
+        EXPECT_EQ(shownBy(widgetOf(control)), control.initial) << "shown before the event loop ran";
+    }
+    settle();
+    for (const ControlCase& control : GetParam().controls) {
+        EXPECT_EQ(shownBy(widgetOf(control)), control.stored) << control.setting;
+    }
+    for (const FakeStore::Call& call : store.calls()) {
+        EXPECT_EQ(call.operation.substr(0, 3), "get");
+        EXPECT_EQ(call.thread, runtime.thread());
+    }
+    const auto posted = runtime.takePosted();
+    ASSERT_EQ(posted.size(), store.calls("get").size() + 1) << "one hop per value";
+    EXPECT_EQ(posted.front().function, "setSettings");
+    EXPECT_EQ(posted.back().function, "initSettings");
+}
+
+TEST_P(Pages, WriteAnEditOnceOnTheRuntimeThread)
+{
+    show();
+    bind();
+    for (const ControlCase& control : GetParam().controls) {
+        store.forgetCalls();
+        runtime.takePosted();
+        control.edit(widgetOf(control));
+        settle(); // the store announces the new value: it must not be written again
+        const auto calls = store.calls();
+        ASSERT_EQ(calls.size(), 1U) << control.setting;
+        EXPECT_EQ(calls[0].operation, "set" + control.setting);
+        EXPECT_EQ(calls[0].value, control.edited);
+        EXPECT_EQ(calls[0].thread, runtime.thread());
+        EXPECT_EQ(shownBy(widgetOf(control)), control.edited);
+        const auto posted = runtime.takePosted();
+        ASSERT_EQ(posted.size(), 1U);
+        EXPECT_EQ(posted[0].function, control.writeSlot);
+    }
+}
+
+TEST_P(Pages, FollowTheStoreWithoutEcho)
+{
+    bind();
+    for (const ControlCase& control : GetParam().controls) {
+        // A value that differs from the one before makes the change visible.
+        for (const QVariant& value : {control.edited, control.changed, control.edited}) {
+            const QVariant before = shownBy(widgetOf(control));
+            store.forgetCalls();
+            runtime.call([&] { store.change(control.setting, value); });
+            EXPECT_EQ(shownBy(widgetOf(control)), before) << "a control was touched off its thread";
+            settle();
+            EXPECT_EQ(shownBy(widgetOf(control)), value) << control.setting;
+            EXPECT_TRUE(store.calls().empty()) << control.setting;
+        }
+    }
+}
+
+TEST_P(Pages, WithoutAStoreAnEditIsLoggedAndNothingElse)
+{
+    show();
+    for (const ControlCase& control : GetParam().controls) {
+        log.clear();
+        control.edit(widgetOf(control));
+        EXPECT_EQ(shownBy(widgetOf(control)), control.edited);
+        ASSERT_EQ(log.lines().size(), 1U) << control.setting;
+        const std::regex line("warning\\|sharedSettings is nullptr! \n //" + GetParam().sourceFile
+                              + ":" + control.writeSlot + "\\(\\)#[1-9][0-9]*\\.");
+        EXPECT_TRUE(std::regex_match(log.lines()[0], line)) << log.lines()[0];
+    }
+    GetParam().unbind(page);
+    EXPECT_TRUE(runtime.takePosted().empty());
+}
+
+TEST_P(Pages, ARefusingRuntimeLeavesEmptyValuesAndNoTrace)
+{
+    show();
+    runtime.refuses = true;
+    bind();
+    for (const ControlCase& control : GetParam().controls) {
+        EXPECT_EQ(shownBy(widgetOf(control)), control.refused) << control.setting;
+        control.edit(widgetOf(control));
+    }
+    EXPECT_TRUE(store.calls().empty());
+    EXPECT_EQ(store.connections(), 0U);
+    EXPECT_TRUE(log.lines().empty());
+}
+
+TEST_P(Pages, WithoutUiSyncTheValuesAreReadAndDroppedButChangesShow)
+{
+    runtime.uiSync = false;
+    bind();
+    EXPECT_EQ(store.calls("get").size(), GetParam().controls.size());
+    for (const ControlCase& control : GetParam().controls) {
+        EXPECT_EQ(shownBy(widgetOf(control)), control.initial) << control.setting;
+        runtime.call([&] { store.change(control.setting, control.edited); });
+        settle();
+        EXPECT_EQ(shownBy(widgetOf(control)), control.edited) << control.setting;
+    }
+}
+
+TEST_P(Pages, LetGoOfTheStoreWhenTheyAreUnset)
+{
+    show();
+    bind();
+    GetParam().bind(page, &store); // connects a second time
+    EXPECT_EQ(store.connections(), 2 * GetParam().controls.size());
+    settle();
+    const ControlCase& control = GetParam().controls.front();
+    runtime.call([&] { store.change(control.setting, control.changed); });
+    GetParam().unbind(page);
+    EXPECT_EQ(store.connections(), 0U);
+    settle();
+    EXPECT_EQ(shownBy(widgetOf(control)), control.changed) << "it was on its way already";
+
+    store.forgetCalls();
+    control.edit(widgetOf(control));
+    EXPECT_EQ(store.calls("set").size(), GetParam().keepsStoreWhenUnset ? 1U : 0U);
+    EXPECT_EQ(log.lines().size(), GetParam().keepsStoreWhenUnset ? 0U : 1U);
+}
+
+TEST_P(Pages, MayBeDestroyedWhileBoundWithAValueOnItsWay)
+{
+    bind();
+    const ControlCase& control = GetParam().controls.front();
+    runtime.call([&] { store.change(control.setting, control.edited); });
+    delete page;
+    EXPECT_EQ(store.connections(), 0U);
+    runtime.call([&] { store.change(control.setting, control.changed); });
+    settle();
+}
+
+TEST_P(Pages, LeaveNoConnectionBehindEvenWhenTheRuntimeRefusesOrHasStopped)
+{
+    bind();
+    runtime.refuses = true;
+    delete page;
+    EXPECT_EQ(store.connections(), 0U);
+
+    runtime.refuses = false;
+    page = GetParam().make();
+    page->setZRRuntime(&runtime);
+    bind();
+    EXPECT_GT(store.connections(), 0U);
+    runtime.stop();
+    delete page;
+    EXPECT_EQ(store.connections(), 0U);
+}
+
+TEST_P(Pages, SurviveAStormOfChangesWhileTheyComeAndGo)
+{
+    std::atomic<bool> storming{true};
+    std::thread storm([&] {
+        for (int i = 0; storming; ++i) {
+            for (const ControlCase& control : GetParam().controls) {
+                runtime.call([&] {
+                    store.change(control.setting, i % 2 ? control.edited : control.changed);
+                });
+            }
+        }
+    });
+    for (int i = 0; i < 30; ++i) {
+        bind();
+        delete page;
+        page = GetParam().make();
+        page->setZRRuntime(&runtime);
+    }
+    storming = false;
+    storm.join();
+    bind();
+    for (const ControlCase& control : GetParam().controls) {
+        EXPECT_EQ(shownBy(widgetOf(control)), store.calls("get" + control.setting).back().value);
+    }
+}
+
+TEST_P(Pages, AreWholeInBothLanguagesThereAndBack)
+{
+    QStringList missing;
+    translator().setMissingTextHandler(
+        [&missing](const QString&, const QString&, const QString& key) { missing.append(key); });
+    const auto texts = [this] {
+        QStringList all{page->title(), page->titleText()};
+        for (QLabel* label : page->findChildren<QLabel*>()) {
+            all.append(label->text());
+        }
+        for (QWidget* control : controlsIn(page)) {
+            auto* button = qobject_cast<QAbstractButton*>(control);
+            all.append(button ? button->text() : control->accessibleName());
+        }
+        return all;
+    };
+    const QString key = page->titleText();
+    QSignalSpy announced(page, &ISettingBox::sigTitleTextChanged);
+
+    page->switchLanguage("en");
+    const QStringList english = texts();
+    page->switchLanguage("zh_cn");
+    const QStringList chinese = texts();
+    page->switchLanguage("en");
+    EXPECT_EQ(texts(), english);
+    EXPECT_TRUE(missing.isEmpty()) << missing.join(", ").toStdString();
+
+    const QRegularExpression han("\\p{Han}");
+    for (int i = 0; i < english.size(); ++i) {
+        EXPECT_EQ(english[i].isEmpty(), chinese[i].isEmpty());
+        EXPECT_FALSE(han.match(english[i]).hasMatch()) << english[i].toStdString();
+        if (!chinese[i].isEmpty()) {
+            EXPECT_TRUE(han.match(chinese[i]).hasMatch()) << chinese[i].toStdString();
+        }
+    }
+    ASSERT_EQ(announced.size(), 3);
+    EXPECT_EQ(announced[0][0].toString(), english[1]);
+    EXPECT_EQ(announced[1][0].toString(), chinese[1]);
+    EXPECT_NE(english[1], key);
+    translator().setMissingTextHandler(nullptr);
+}
+
+TEST_P(Pages, NameEveryControlAfterItsLabelAndReachItByTab)
+{
+    show();
+    page->switchLanguage("zh_cn");
+    for (QWidget* control : controlsIn(page)) {
+        auto* accessible = QAccessible::queryAccessibleInterface(control);
+        ASSERT_NE(accessible, nullptr);
+        EXPECT_FALSE(accessible->text(QAccessible::Name).isEmpty())
+            << control->metaObject()->className();
+    }
+    for (QLabel* label : page->findChildren<QLabel*>()) {
+        if (label->buddy() != nullptr) {
+            EXPECT_EQ(label->buddy()->accessibleName(), label->text());
+        }
+    }
+    QSet<QWidget*> reached;
+    for (int i = 0; i < 100; ++i) {
+        QTest::keyClick(QApplication::focusWidget() ? QApplication::focusWidget() : page,
+                        Qt::Key_Tab);
+        reached.insert(QApplication::focusWidget());
+    }
+    for (QWidget* control : controlsIn(page)) {
+        EXPECT_TRUE(reached.contains(control)) << control->metaObject()->className();
+    }
+}
+
+TEST_P(Pages, TheWheelOverAControlWithoutFocusChangesNothing)
+{
+    show();
+    bind();
+    for (QWidget* control : controlsIn(page)) {
+        control->clearFocus();
+        store.forgetCalls();
+        const QVariant before = shownBy(control);
+        const QPoint middle = control->rect().center();
+        QWheelEvent wheel(middle, control->mapToGlobal(middle), {}, {0, 120}, Qt::NoButton,
+                          Qt::NoModifier, Qt::NoScrollPhase, false);
+        wheel.setAccepted(false);
+        QApplication::sendEvent(control, &wheel);
+        EXPECT_EQ(shownBy(control), before);
+        EXPECT_FALSE(control->hasFocus());
+        EXPECT_TRUE(store.calls().empty());
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(All, Pages, ::testing::ValuesIn(pageCases()),
+                         [](const auto& info) {
+                             const std::string& name = info.param.name;
+                             return name.substr(name.rfind(':') + 1);
+                         });
+
+} // namespace

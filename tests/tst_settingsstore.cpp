@@ -1,0 +1,301 @@
+#include "store/settingsstore.h"
+#include "store/sqlitepersistence.h"
+
+#include "support/logcapture.h"
+#include "support/otherprocess.h"
+
+#include <gtest/gtest.h>
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QProcess>
+#include <QtCore/QTemporaryDir>
+#include <QtSql/QSqlDatabase>
+#include <QtSql/QSqlQuery>
+
+#include <csignal>
+
+using mivohost::SettingsPersistence;
+using mivohost::SettingsStore;
+using mivohost::SqlitePersistence;
+using Status = SqlitePersistence::Status;
+
+namespace {
+
+/// Persistence in memory whose writes can be made to fail, and which others can change.
+class FakePersistence : public SettingsPersistence
+{
+public:
+    QVariantHash loadAll() override { return rows; }
+    bool write(const QString& key, const QVariant& value) override
+    {
+        if (!fails) {
+            rows[key] = value;
+            ++writes;
+        }
+        return !fails;
+    }
+    QString lastError() const override { return "disk full"; }
+    void watch(ChangeHandler handler) override { elsewhere = std::move(handler); }
+
+    QVariantHash rows;
+    bool fails = false;
+    int writes = 0;
+    ChangeHandler elsewhere;
+};
+
+class Store : public ::testing::Test
+{
+protected:
+    std::unique_ptr<SettingsStore> make(const QVariantHash& rows = {})
+    {
+        auto persistence = std::make_unique<FakePersistence>();
+        kept = persistence.get();
+        kept->rows = rows;
+        auto store = std::make_unique<SettingsStore>(std::move(persistence));
+        store->undoStepChanged.connect([this](int step) { announced.push_back(step); });
+        return store;
+    }
+
+    FakePersistence* kept = nullptr;
+    std::vector<int> announced;
+    LogCapture log;
+};
+
+class StoreFile : public ::testing::Test
+{
+protected:
+    QString path() const { return folder.filePath("settings.sqlite"); }
+
+    void write(const QByteArray& content) const
+    {
+        QFile file(path());
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(content);
+    }
+
+    /// Runs statements on the file with nothing of the host's between.
+    void execute(const QStringList& statements) const
+    {
+        {
+            auto database = QSqlDatabase::addDatabase("QSQLITE", "raw");
+            database.setDatabaseName(path());
+            ASSERT_TRUE(database.open());
+            QSqlQuery query(database);
+            for (const QString& statement : statements) {
+                ASSERT_TRUE(query.exec(statement)) << statement.toStdString();
+            }
+        }
+        QSqlDatabase::removeDatabase("raw");
+    }
+
+    QTemporaryDir folder;
+    LogCapture log;
+};
+
+} // namespace
+
+TEST_F(Store, StartsWithTheDefaultsAndKeepsWhatIsSet)
+{
+    auto store = make();
+    EXPECT_EQ(store->getUndoStep(), 50);
+    EXPECT_FALSE(store->getAutoSyncResources());
+    EXPECT_EQ(store->getLanguage(), "");
+    store->setUndoStep(80);
+    store->setAutoSyncResources(true);
+    store->setLanguage("zh_cn");
+    EXPECT_EQ(announced, std::vector{80});
+    const QVariantHash rows = kept->rows;
+    store = make(rows);
+    EXPECT_EQ(store->getUndoStep(), 80);
+    EXPECT_TRUE(store->getAutoSyncResources());
+    EXPECT_EQ(store->getLanguage(), "zh_cn");
+}
+
+TEST_F(Store, DoesNotWriteWhatIsThereAlready)
+{
+    auto store = make();
+    store->setUndoStep(80);
+    store->setUndoStep(80);
+    EXPECT_EQ(kept->writes, 1);
+    EXPECT_EQ(announced, std::vector{80});
+}
+
+TEST_F(Store, CorrectsWhatNoPageCouldHaveSentAndSaysWhatItHolds)
+{
+    auto store = make();
+    store->setUndoStep(0);
+    store->setUndoStep(100000);
+    store->setUndoStep(501);
+    EXPECT_EQ(store->getUndoStep(), 500);
+    EXPECT_EQ(announced, (std::vector{1, 500, 500}));
+}
+
+TEST_F(Store, ResetsUnusableRowsToTheirDefaults)
+{
+    struct Case
+    {
+        QVariant row;
+        bool usable;
+    };
+    const std::vector<Case> cases{{1, true},      {500, true},   {"80", true},     {0, false},
+                                  {501, false},   {-7, false},   {"many", false},  {"", false},
+                                  {2.5, false},   {QVariant(), false},
+                                  {9999999999LL, false}};
+    for (const Case& test : cases) {
+        log.clear();
+        auto store = make({{"undoStep", test.row}, {"fromALaterVersion", "kept"}});
+        EXPECT_EQ(store->getUndoStep() == 50, !test.usable) << test.row.toString().toStdString();
+        EXPECT_EQ(kept->rows["undoStep"] == 50, !test.usable);
+        EXPECT_EQ(log.lines().size(), test.usable ? 0U : 1U);
+        EXPECT_EQ(kept->rows["fromALaterVersion"], "kept");
+    }
+    auto store = make({{"autoSyncResources", 2}});
+    EXPECT_FALSE(store->getAutoSyncResources());
+}
+
+TEST_F(Store, AWriteThatFailsChangesNothingAndTellsEverybody)
+{
+    auto store = make({{"undoStep", 70}});
+    QString told;
+    store->setFailureHandler([&told](const QString& reason) { told = reason; });
+    kept->fails = true;
+    store->setUndoStep(80);
+    EXPECT_EQ(store->getUndoStep(), 70);
+    EXPECT_EQ(announced, std::vector{70}) << "the control must go back to what is kept";
+    EXPECT_EQ(told, "disk full");
+    ASSERT_EQ(log.lines().size(), 1U);
+    EXPECT_EQ(log.lines()[0], "error|setting undoStep could not be saved: disk full");
+}
+
+TEST_F(Store, FollowsChangesFromElsewhere)
+{
+    auto store = make();
+    kept->elsewhere("undoStep", 90);
+    kept->elsewhere("undoStep", 90);
+    kept->elsewhere("undoStep", 9000);
+    kept->elsewhere("unknown", 1);
+    EXPECT_EQ(store->getUndoStep(), 90);
+    EXPECT_EQ(announced, std::vector{90});
+    EXPECT_EQ(kept->writes, 0);
+}
+
+TEST_F(StoreFile, IsMadeWithItsFolderAndReadAgain)
+{
+    const QString deep = folder.filePath(QStringLiteral("a/设置/settings.sqlite"));
+    {
+        auto opened = SqlitePersistence::open(deep);
+        ASSERT_EQ(opened.status, Status::opened) << opened.error.toStdString();
+        EXPECT_TRUE(opened.persistence->loadAll().isEmpty());
+        EXPECT_TRUE(opened.persistence->write("undoStep", 80));
+        EXPECT_TRUE(opened.persistence->write("undoStep", 81));
+        EXPECT_TRUE(opened.persistence->write("language", QStringLiteral("zh_cn")));
+    }
+    auto again = SqlitePersistence::open(deep);
+    ASSERT_EQ(again.status, Status::opened);
+    EXPECT_EQ(again.persistence->loadAll(),
+              (QVariantHash{{"undoStep", 81}, {"language", "zh_cn"}}));
+}
+
+TEST_F(StoreFile, BelongsToOneProcessUntilThatEnds)
+{
+    auto first = SqlitePersistence::open(path());
+    ASSERT_EQ(first.status, Status::opened);
+    first.persistence->write("undoStep", 80);
+    QProcess second;
+    second.start(QCoreApplication::applicationFilePath(), {"--as-opener", path()});
+    ASSERT_TRUE(second.waitForFinished());
+    EXPECT_EQ(second.exitCode(), static_cast<int>(Status::inUse));
+    first.persistence.reset();
+    second.start(QCoreApplication::applicationFilePath(), {"--as-opener", path()});
+    ASSERT_TRUE(second.waitForFinished());
+    EXPECT_EQ(second.exitCode(), static_cast<int>(Status::opened));
+}
+
+TEST_F(StoreFile, IsPutAsideWhenItCannotBeRead)
+{
+    const QByteArray garbage(5000, 'x');
+    const std::vector<std::pair<const char*, std::function<void()>>> cases{
+        {"garbage", [&] { write(garbage); }},
+        {"cut off",
+         [&] {
+             execute({"CREATE TABLE setting (key TEXT PRIMARY KEY, value) WITHOUT ROWID",
+                      "INSERT INTO setting VALUES ('a', zeroblob(100000))"});
+             QFile::resize(path(), 8192);
+         }},
+        {"another layout", [&] { execute({"CREATE TABLE setting (name TEXT)"}); }},
+        {"a later version", [&] { execute({"PRAGMA user_version=99"}); }},
+        {"a folder", [&] { QDir().mkpath(path()); }},
+    };
+    for (const auto& [label, damage] : cases) {
+        damage();
+        const auto before = QFileInfo(path()).size();
+        auto opened = SqlitePersistence::open(path());
+        ASSERT_EQ(opened.status, Status::putAside) << label << ' ' << opened.error.toStdString();
+        EXPECT_TRUE(opened.persistence->loadAll().isEmpty()) << label;
+        EXPECT_TRUE(opened.persistence->write("undoStep", 80)) << label;
+        EXPECT_EQ(QFileInfo(opened.asidePath).size(), before) << label;
+        EXPECT_EQ(QFileInfo(opened.asidePath).path(), folder.path());
+        opened.persistence.reset();
+        EXPECT_EQ(SqlitePersistence::open(path()).status, Status::opened) << label;
+        QFile::remove(path());
+    }
+    // An empty file is what a crash at the first start leaves; there is nothing in it to keep.
+    write({});
+    EXPECT_EQ(SqlitePersistence::open(path()).status, Status::opened);
+}
+
+TEST_F(StoreFile, SaysWhyItCannotBeOpened)
+{
+    auto opened = SqlitePersistence::open("/proc/no/such/settings.sqlite");
+    EXPECT_EQ(opened.status, Status::failed);
+    EXPECT_FALSE(opened.error.isEmpty());
+    EXPECT_EQ(opened.persistence, nullptr);
+}
+
+TEST_F(StoreFile, LosesNothingThatWasWrittenWhenTheProcessIsKilled)
+{
+    int known = 0;
+    for (int round = 0; round < 8; ++round) {
+        QProcess writer;
+        writer.start(QCoreApplication::applicationFilePath(), {"--as-writer", path()});
+        QByteArray said;
+        // Another moment each time, also in the middle of opening the file.
+        while (said.count('\n') < round * 7 && writer.waitForReadyRead()) {
+            said += writer.readAll();
+        }
+        ::kill(static_cast<pid_t>(writer.processId()), SIGKILL);
+        writer.waitForFinished();
+        said += writer.readAll();
+        said.truncate(said.lastIndexOf('\n') + 1);
+        if (!said.isEmpty()) {
+            known = said.trimmed().split('\n').last().toInt();
+        }
+        auto opened = SqlitePersistence::open(path());
+        ASSERT_EQ(opened.status, Status::opened) << opened.error.toStdString();
+        EXPECT_GE(opened.persistence->loadAll().value("count").toInt(), known);
+    }
+    EXPECT_GT(known, 0);
+}
+
+namespace {
+
+/// What the tests above start of this program as other processes.
+int runAsOtherProcess(const QStringList& arguments)
+{
+    auto opened = SqlitePersistence::open(arguments.at(1));
+    if (arguments[0] == "--as-opener") {
+        return static_cast<int>(opened.status);
+    }
+    int count = opened.persistence->loadAll().value("count").toInt();
+    while (opened.persistence->write("count", ++count)) {
+        std::printf("%d\n", count);
+        std::fflush(stdout);
+    }
+    return -1;
+}
+
+const bool registered = (otherProcess() = runAsOtherProcess, true);
+
+} // namespace

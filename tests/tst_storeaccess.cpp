@@ -1,0 +1,90 @@
+#include "storeaccess.h"
+
+#include "support/fakestore.h"
+#include "support/logcapture.h"
+#include "support/testruntime.h"
+
+#include <gtest/gtest.h>
+
+using namespace mivo::settings;
+
+namespace {
+
+/// Queues nothing: every task is destroyed at once.
+class DroppingRuntime : public TestRuntime
+{
+public:
+    void post(std::function<void()> /*task*/, const char*, int, const char*) override {}
+};
+
+} // namespace
+
+TEST(StoreAccess, BaseNameFollowsTheLastSlashOfEitherKind)
+{
+    EXPECT_EQ(sourceBaseName("c:\\src\\libs\\page.cpp"), "page.cpp");
+    EXPECT_EQ(sourceBaseName("/src/libs/page.cpp"), "page.cpp");
+    EXPECT_EQ(sourceBaseName("c:\\src/libs\\a/page.cpp"), "page.cpp");
+    EXPECT_EQ(sourceBaseName("page.cpp"), "page.cpp");
+    EXPECT_EQ(sourceBaseName("libs/"), "");
+}
+
+TEST(StoreAccess, WarningHasItsPlaceOnALineOfItsOwn)
+{
+    const LogCapture log;
+    warn(CallSite("someFunction", "d:\\lib\\page.cpp", 17), "id({}) of {}!", 3, "x");
+    warn(CallSite("other", "/lib/page.cpp", 1), "plain");
+    EXPECT_EQ(log.lines(), (std::vector<std::string>{
+                               "warning|id(3) of x! \n //page.cpp:someFunction()#17.",
+                               "warning|plain \n //page.cpp:other()#1."}));
+}
+
+TEST(StoreAccess, RunsOnTheRuntimeThreadAndNamesTheCaller)
+{
+    TestRuntime runtime;
+    FakeStore store;
+    callInRuntime(&runtime, "a.cpp", 5, "write", &IMivoSettings::setUndoStep, &store, 80);
+    EXPECT_EQ(callInRuntime(&runtime, "a.cpp", 6, "read", &IMivoSettings::getUndoStep, &store), 80);
+
+    const auto calls = store.calls();
+    ASSERT_EQ(calls.size(), 2U);
+    EXPECT_EQ(calls[0].thread, runtime.thread());
+    EXPECT_EQ(calls[1].thread, runtime.thread());
+    const auto posted = runtime.takePosted();
+    ASSERT_EQ(posted.size(), 2U) << "one hop per value";
+    EXPECT_EQ(posted[1].file, "a.cpp");
+    EXPECT_EQ(posted[1].line, 6);
+    EXPECT_EQ(posted[1].function, "read");
+}
+
+TEST(StoreAccess, CallsStraightThroughOnTheRuntimeThread)
+{
+    TestRuntime runtime;
+    FakeStore store;
+    runtime.call([&] {
+        callInRuntime(&runtime, "a.cpp", 1, "f", &IMivoSettings::setUndoStep, &store, 7);
+    });
+    EXPECT_EQ(store.calls("setUndoStep").size(), 1U);
+    EXPECT_TRUE(runtime.takePosted().empty());
+}
+
+TEST(StoreAccess, ARefusingRuntimeGivesValueInitialisedResults)
+{
+    TestRuntime runtime;
+    runtime.refuses = true;
+    FakeStore store;
+    bool ran = false;
+    EXPECT_EQ(callInRuntime(&runtime, "", 1, "f", [] { return 5; }), 0);
+    EXPECT_EQ(callInRuntime(&runtime, "", 1, "f", [] { return QString("x"); }), QString());
+    callInRuntime(&runtime, "", 1, "f", [&ran] { ran = true; });
+    EXPECT_FALSE(ran);
+    EXPECT_TRUE(runtime.takePosted().empty());
+}
+
+TEST(StoreAccess, ADroppedTaskBreaksItsPromiseAndAThrowingOneReachesTheCaller)
+{
+    DroppingRuntime dropping;
+    EXPECT_THROW(callInRuntime(&dropping, "", 1, "f", [] { return 5; }), std::future_error);
+    TestRuntime runtime;
+    EXPECT_THROW(callInRuntime(&runtime, "", 1, "f", [] { throw std::runtime_error("no"); }),
+                 std::runtime_error);
+}
