@@ -10,9 +10,9 @@
 
 #include <gtest/gtest.h>
 
+#include <QtGui/QWheelEvent>
 #include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
-#include <QtGui/QWheelEvent>
 #include <QtWidgets/QAbstractButton>
 #include <QtWidgets/QAbstractSpinBox>
 #include <QtWidgets/QApplication>
@@ -77,8 +77,9 @@ protected:
         std::vector<QWidget*> controls;
         const auto children = parent->findChildren<QWidget*>();
         for (QWidget* child : children) {
-            const bool isPart = qobject_cast<QLineEdit*>(child) != nullptr
-                                && qobject_cast<QAbstractSpinBox*>(child->parentWidget()) != nullptr;
+            const bool isPart =
+                qobject_cast<QLineEdit*>(child) != nullptr
+                && qobject_cast<QAbstractSpinBox*>(child->parentWidget()) != nullptr;
             if (!isPart
                 && (qobject_cast<QAbstractButton*>(child) || qobject_cast<QAbstractSpinBox*>(child)
                     || qobject_cast<QComboBox*>(child) || qobject_cast<QLineEdit*>(child))) {
@@ -374,10 +375,9 @@ TEST_P(Pages, TheWheelOverAControlWithoutFocusChangesNothing)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(All, Pages, ::testing::ValuesIn(pageCases()),
-                         [](const auto& info) {
-                             const std::string& name = info.param.name;
-                             return name.substr(name.rfind(':') + 1);
-                         });
+INSTANTIATE_TEST_SUITE_P(All, Pages, ::testing::ValuesIn(pageCases()), [](const auto& info) {
+    const std::string& name = info.param.name;
+    return name.substr(name.rfind(':') + 1);
+});
 
 } // namespace

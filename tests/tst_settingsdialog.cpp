@@ -1,10 +1,10 @@
 #include <mivosettingswidgets/settingsdialog.h>
 
-#include "surface/settingsview.h"
 #include "support/fakestore.h"
 #include "support/logcapture.h"
 #include "support/plainpage.h"
 #include "support/testruntime.h"
+#include "surface/settingsview.h"
 
 #include <mivosettingswidgets/settingwdigettranslatemanager.h>
 #include <mivosettingswidgets/settingwidget.h>

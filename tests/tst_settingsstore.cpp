@@ -139,10 +139,10 @@ TEST_F(Store, ResetsUnusableRowsToTheirDefaults)
         QVariant row;
         bool usable;
     };
-    const std::vector<Case> cases{{1, true},      {500, true},   {"80", true},     {0, false},
-                                  {501, false},   {-7, false},   {"many", false},  {"", false},
-                                  {2.5, false},   {QVariant(), false},
-                                  {9999999999LL, false}};
+    const std::vector<Case> cases{{1, true},           {500, true},          {"80", true},
+                                  {0, false},          {501, false},         {-7, false},
+                                  {"many", false},     {"", false},          {2.5, false},
+                                  {QVariant(), false}, {9999999999LL, false}};
     for (const Case& test : cases) {
         log.clear();
         auto store = make({{"undoStep", test.row}, {"fromALaterVersion", "kept"}});

@@ -33,9 +33,9 @@ TEST(StoreAccess, WarningHasItsPlaceOnALineOfItsOwn)
     const LogCapture log;
     warn(CallSite("someFunction", "d:\\lib\\page.cpp", 17), "id({}) of {}!", 3, "x");
     warn(CallSite("other", "/lib/page.cpp", 1), "plain");
-    EXPECT_EQ(log.lines(), (std::vector<std::string>{
-                               "warning|id(3) of x! \n //page.cpp:someFunction()#17.",
-                               "warning|plain \n //page.cpp:other()#1."}));
+    EXPECT_EQ(log.lines(),
+              (std::vector<std::string>{"warning|id(3) of x! \n //page.cpp:someFunction()#17.",
+                                        "warning|plain \n //page.cpp:other()#1."}));
 }
 
 TEST(StoreAccess, RunsOnTheRuntimeThreadAndNamesTheCaller)
@@ -60,9 +60,8 @@ TEST(StoreAccess, CallsStraightThroughOnTheRuntimeThread)
 {
     TestRuntime runtime;
     FakeStore store;
-    runtime.call([&] {
-        callInRuntime(&runtime, "a.cpp", 1, "f", &IMivoSettings::setUndoStep, &store, 7);
-    });
+    runtime.call(
+        [&] { callInRuntime(&runtime, "a.cpp", 1, "f", &IMivoSettings::setUndoStep, &store, 7); });
     EXPECT_EQ(store.calls("setUndoStep").size(), 1U);
     EXPECT_TRUE(runtime.takePosted().empty());
 }

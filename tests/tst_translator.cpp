@@ -59,9 +59,8 @@ TEST(Translator, AMissingTextIsTheKeyAndIsReported)
 {
     Translator translator;
     QStringList missing;
-    translator.setMissingTextHandler([&missing](const QString&, const QString&, const QString& name) {
-        missing.append(name);
-    });
+    translator.setMissingTextHandler(
+        [&missing](const QString&, const QString&, const QString& name) { missing.append(name); });
     for (const QString& file : mivohost::languageFiles()) {
         translator.load(file);
     }

@@ -41,10 +41,10 @@ void loadLanguages()
         translator.load(file);
     }
     translator.switchLanguage(systemLanguage());
-    translator.setMissingTextHandler([](const QString& /*catalogue*/, const QString& /*context*/,
-                                        const QString& key) {
-        QV::SpdlogApplication::instance().logger()->warn("no text for {}", key.toStdString());
-    });
+    translator.setMissingTextHandler(
+        [](const QString& /*catalogue*/, const QString& /*context*/, const QString& key) {
+            QV::SpdlogApplication::instance().logger()->warn("no text for {}", key.toStdString());
+        });
 }
 
 /// Says on the standard error, and to a person at a screen, why the program does not start.
@@ -78,8 +78,8 @@ int run(const QCommandLineParser& arguments)
         return refuse(storeInUse, hostText(QStringLiteral("StoreInUse")).arg(path), withWindow);
     }
     if (!opened.persistence) {
-        return refuse(storeFailed,
-                      hostText(QStringLiteral("StoreFailed")).arg(path, opened.error), withWindow);
+        return refuse(storeFailed, hostText(QStringLiteral("StoreFailed")).arg(path, opened.error),
+                      withWindow);
     }
     auto store = runtime.call(
         [&opened] { return std::make_unique<SettingsStore>(std::move(opened.persistence)); });
@@ -103,8 +103,8 @@ int run(const QCommandLineParser& arguments)
         if (drawing) {
             const QString folder = arguments.value(QStringLiteral("pictures"));
             if (!drawPictures(window, folder)) {
-                code = refuse(notWritten, QStringLiteral("cannot write pictures to ") + folder,
-                              false);
+                code =
+                    refuse(notWritten, QStringLiteral("cannot write pictures to ") + folder, false);
             }
         } else {
             window.show();

@@ -17,7 +17,8 @@ public:
     /// instead destroy the task without running it: a caller that waits for its result then gets
     /// `std::future_error` (broken promise). `file`, `line` and `function` name the caller for the
     /// runtime's own diagnostics; the texts are literals.
-    virtual void post(std::function<void()> task, const char* file, int line, const char* function) = 0;
+    virtual void post(std::function<void()> task, const char* file, int line,
+                      const char* function) = 0;
 
     /// Whether a page that is being bound shows the values that it reads.
     virtual bool isUiSyncEnabled() const = 0;

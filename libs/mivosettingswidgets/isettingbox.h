@@ -45,7 +45,8 @@ public:
     /// Switches the translator that all pages and the dialog share, then translates this page only.
     virtual void switchLanguage(const QString& language) = 0;
 
-    /// Adds language files (.qm) to the shared translator; one that cannot be loaded is passed over.
+    /// Adds language files (.qm) to the shared translator; one that cannot be loaded is passed
+    /// over.
     virtual void loadLanguageFiles(const std::vector<QString>& files) const = 0;
 
     /// The runtime of all store calls; must be set before the store, and never null.

@@ -10,9 +10,9 @@ class SettingBox::Impl : public QObject
     Q_OBJECT
 
 public:
-    explicit Impl(SettingBox* box) : owner(box), titleLabel(new QLabel), layout(new QVBoxLayout(box))
-    {
-    }
+    explicit Impl(SettingBox* box)
+        : owner(box), titleLabel(new QLabel), layout(new QVBoxLayout(box))
+    {}
 
     SettingBox* owner;
     QLabel* titleLabel;

@@ -9,8 +9,7 @@ namespace mivo::settings {
 
 SettingPageImpl::SettingPageImpl(ISettingBox* page, const QString& navigationKey)
     : owner(page), titleText(navigationKey)
-{
-}
+{}
 
 SettingPageImpl::~SettingPageImpl() = default;
 

@@ -78,8 +78,8 @@ protected:
     template <typename Getter>
     void fetch(Getter getter, const char* slot, const CallSite& site = "initSettings")
     {
-        const auto value = callInRuntime(zrRuntime, site.file, site.line, site.function, getter,
-                                         sharedSettings);
+        const auto value =
+            callInRuntime(zrRuntime, site.file, site.line, site.function, getter, sharedSettings);
         if (m_showFetched) {
             queue(slot, value);
         }

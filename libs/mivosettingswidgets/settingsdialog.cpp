@@ -47,7 +47,8 @@ public:
 
 public slots:
     void buttonGroupClickedSlot(int id);
-    void updateSettingsButtonTextSlot(QString titleText); // NOLINT(performance-unnecessary-value-param)
+    void
+    updateSettingsButtonTextSlot(QString titleText); // NOLINT(performance-unnecessary-value-param)
 };
 
 SettingsDialog::Impl::Impl(SettingsDialog* dialog) : owner(dialog)

@@ -31,7 +31,8 @@ public:
     /// Applies a style sheet to the dialog only. Cheapest before pages are inserted.
     void setSettingsstyleSheet(const QString& styleSheet);
 
-    /// Adds language files (.qm) to the shared translator; one that cannot be loaded is passed over.
+    /// Adds language files (.qm) to the shared translator; one that cannot be loaded is passed
+    /// over.
     void loadLanguageFiles(const std::vector<QString>& files) const;
 
     /// Switches the shared translator, then translates the dialog's own texts. Pages are switched

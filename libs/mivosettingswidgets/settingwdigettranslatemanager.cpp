@@ -2,8 +2,7 @@
 
 SettingWdigetTranslateManager::SettingWdigetTranslateManager()
     : m_translator(std::make_unique<velorn::trans::Translator>())
-{
-}
+{}
 
 SettingWdigetTranslateManager::~SettingWdigetTranslateManager() = default;
 

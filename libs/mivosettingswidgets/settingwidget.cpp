@@ -32,8 +32,7 @@ class SettingWidget::Impl : public QObject
     Q_OBJECT
 
 public:
-    explicit Impl(SettingWidget* section)
-        : owner(section), content(new QWidget(section))
+    explicit Impl(SettingWidget* section) : owner(section), content(new QWidget(section))
     {
         content->setProperty("style", QStringLiteral("BG3"));
         column = new QVBoxLayout(content);
@@ -69,8 +68,8 @@ void SettingWidget::insertSettingsBox(ISettingBox* box, int index) const
     polishWhenShown(box);
     // Kept on purpose: a second page with a key is placed, but not recorded.
     const auto place = m_impl->order.emplace(index, box).first;
-    m_impl->column->insertWidget(
-        static_cast<int>(std::distance(m_impl->order.begin(), place)), box);
+    m_impl->column->insertWidget(static_cast<int>(std::distance(m_impl->order.begin(), place)),
+                                 box);
     connect(box, &ISettingBox::sigTitleTextChanged, this, &SettingWidget::sigTitleTextChanged);
 }
 

@@ -22,8 +22,7 @@ struct CallSite
     CallSite(const char* functionName, const char* fileName = __builtin_FILE(),
              int lineNumber = __builtin_LINE())
         : file(fileName), line(lineNumber), function(functionName)
-    {
-    }
+    {}
 
     const char* file;
     int line;

@@ -8,8 +8,7 @@ namespace QV {
 
 SpdlogBase::SpdlogBase(std::shared_ptr<spdlog::logger> first)
     : m_first(std::move(first)), m_logger(m_first)
-{
-}
+{}
 
 std::shared_ptr<spdlog::logger> SpdlogBase::logger() const
 {
@@ -24,10 +23,9 @@ void SpdlogBase::setLogger(std::shared_ptr<spdlog::logger> logger)
 }
 
 SpdlogApplication::SpdlogApplication()
-    : SpdlogBase(std::make_shared<spdlog::logger>(
-          "mivo", std::make_shared<spdlog::sinks::stderr_sink_mt>()))
-{
-}
+    : SpdlogBase(
+        std::make_shared<spdlog::logger>("mivo", std::make_shared<spdlog::sinks::stderr_sink_mt>()))
+{}
 
 SpdlogApplication& SpdlogApplication::instance()
 {

@@ -17,8 +17,8 @@ namespace velorn::trans {
 class ZRTRANSLATE_EXPORT Translator
 {
 public:
-    using MissingTextHandler = std::function<void(
-        const QString& catalogue, const QString& context, const QString& key)>;
+    using MissingTextHandler =
+        std::function<void(const QString& catalogue, const QString& context, const QString& key)>;
 
     Translator();
     ~Translator();

@@ -51,10 +51,10 @@ const std::vector<PageCase>& pageCases()
         pageCase<UndoSettingBox>("undosettingbox.cpp", true,
                                  {{"UndoStep", "mivo::widgets::SpinEditBox", 0, 50., 120, 500, 1.,
                                    80., typing("80"), "slotUndoStepChanged"}}),
-        pageCase<OnlineSettingBox>("onlinesettingbox.cpp", false,
-                                   {{"AutoSyncResources", "mivo::widgets::CheckBox", 0, false,
-                                     false, false, false, true, clicking,
-                                     "onAutoSyncResourcesStateChanged"}}),
+        pageCase<OnlineSettingBox>(
+            "onlinesettingbox.cpp", false,
+            {{"AutoSyncResources", "mivo::widgets::CheckBox", 0, false, false, false, false, true,
+              clicking, "onAutoSyncResourcesStateChanged"}}),
     };
     return cases;
 }

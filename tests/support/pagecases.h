@@ -15,16 +15,16 @@ class MivoSettings;
 /// One control of a page, its setting, and what a person does to it.
 struct ControlCase
 {
-    std::string setting;  ///< the store's name of it: getX, setX, xChanged
-    const char* type;     ///< class name of the control; the `index`-th of that type on the page
+    std::string setting; ///< the store's name of it: getX, setX, xChanged
+    const char* type;    ///< class name of the control; the `index`-th of that type on the page
     int index;
-    QVariant initial;     ///< shown when nothing is bound
-    QVariant stored;      ///< held by the store before the page is bound
-    QVariant changed;     ///< announced by the store while it is bound
-    QVariant refused;     ///< shown after binding through a runtime that refuses
-    QVariant edited;      ///< reached by `edit`
+    QVariant initial;                   ///< shown when nothing is bound
+    QVariant stored;                    ///< held by the store before the page is bound
+    QVariant changed;                   ///< announced by the store while it is bound
+    QVariant refused;                   ///< shown after binding through a runtime that refuses
+    QVariant edited;                    ///< reached by `edit`
     std::function<void(QWidget*)> edit; ///< by mouse and keyboard, from any value but `edited`
-    std::string writeSlot; ///< named by the null-store warning
+    std::string writeSlot;              ///< named by the null-store warning
 };
 
 /// One page: how it is made and bound, and its controls. A new page joins all tests of pages by a

@@ -2,8 +2,8 @@
 
 #include <QtCore/QDataStream>
 #include <QtCore/QElapsedTimer>
-#include <QtCore/QThread>
 #include <QtCore/QtEndian>
+#include <QtCore/QThread>
 
 namespace {
 

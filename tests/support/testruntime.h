@@ -23,7 +23,8 @@ public:
     std::atomic<bool> uiSync{true};
     std::atomic<bool> refuses{false};
 
-    void post(std::function<void()> task, const char* file, int line, const char* function) override;
+    void post(std::function<void()> task, const char* file, int line,
+              const char* function) override;
     bool isUiSyncEnabled() const override { return uiSync; }
     bool canInvoke(const char* file, int line, const char* function) const override;
 

@@ -71,9 +71,9 @@ void RuntimeThread::runTasks()
             try {
                 task.run();
             } catch (const std::exception& error) {
-                QV::SpdlogApplication::instance().logger()->error(
-                    "a task of {} ({}:{}) threw: {}", task.function, task.file, task.line,
-                    error.what());
+                QV::SpdlogApplication::instance().logger()->error("a task of {} ({}:{}) threw: {}",
+                                                                  task.function, task.file,
+                                                                  task.line, error.what());
             }
         } // the task goes before the lock is taken: what it owned may post
         lock.lock();

@@ -23,7 +23,8 @@ public:
     RuntimeThread(const RuntimeThread&) = delete;
     RuntimeThread& operator=(const RuntimeThread&) = delete;
 
-    void post(std::function<void()> task, const char* file, int line, const char* function) override;
+    void post(std::function<void()> task, const char* file, int line,
+              const char* function) override;
     bool isUiSyncEnabled() const override { return true; }
     bool isInRuntimeThread() const override;
     bool canInvoke(const char* file, int line, const char* function) const override;

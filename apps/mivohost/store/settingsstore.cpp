@@ -25,8 +25,9 @@ struct Setting
         const int number = raw.toString().toInt(&isNumber);
         switch (static_cast<QMetaType::Type>(fallback.userType())) {
         case QMetaType::Int:
-            return isNumber && number >= lowest && number <= highest ? std::optional(QVariant(number))
-                                                                     : std::nullopt;
+            return isNumber && number >= lowest && number <= highest
+                       ? std::optional(QVariant(number))
+                       : std::nullopt;
         case QMetaType::Bool:
             return isNumber && (number == 0 || number == 1) ? std::optional(QVariant(number == 1))
                                                             : std::nullopt;

@@ -17,7 +17,15 @@ namespace mivohost {
 namespace {
 
 // SQLite's primary result codes.
-enum Code { notFromSqlite = -1, ok = 0, error = 1, busy = 5, corrupt = 11, cannotOpen = 14, notADatabase = 26 };
+enum Code {
+    notFromSqlite = -1,
+    ok = 0,
+    error = 1,
+    busy = 5,
+    corrupt = 11,
+    cannotOpen = 14,
+    notADatabase = 26
+};
 
 constexpr int layoutVersion = 1;
 
@@ -37,8 +45,9 @@ bool meansUnreadable(int code)
 
 QString freeAsidePath(const QString& path)
 {
-    const QString stem = path + QStringLiteral(".unreadable-")
-                         + QDateTime::currentDateTimeUtc().toString(QStringLiteral("yyyyMMdd-hhmmss"));
+    const QString stem =
+        path + QStringLiteral(".unreadable-")
+        + QDateTime::currentDateTimeUtc().toString(QStringLiteral("yyyyMMdd-hhmmss"));
     QString candidate = stem;
     for (int n = 2; QFileInfo::exists(candidate); ++n) {
         candidate = stem + QLatin1Char('-') + QString::number(n);
@@ -104,9 +113,8 @@ std::unique_ptr<SqlitePersistence> SqlitePersistence::tryOpen(const QString& pat
     }
     QSqlQuery query(database);
     // The exclusive mode comes first: the system releases the lock even when the process is killed.
-    for (const char* statement :
-         {"PRAGMA locking_mode=EXCLUSIVE", "PRAGMA journal_mode=WAL", "PRAGMA synchronous=FULL",
-          "BEGIN IMMEDIATE", "COMMIT"}) {
+    for (const char* statement : {"PRAGMA locking_mode=EXCLUSIVE", "PRAGMA journal_mode=WAL",
+                                  "PRAGMA synchronous=FULL", "BEGIN IMMEDIATE", "COMMIT"}) {
         if (!query.exec(QLatin1String(statement))) {
             return fail(query.lastError());
         }
@@ -141,9 +149,9 @@ std::unique_ptr<SqlitePersistence> SqlitePersistence::tryOpen(const QString& pat
     return persistence;
 }
 
-SqlitePersistence::SqlitePersistence(QString connectionName) : m_connection(std::move(connectionName))
-{
-}
+SqlitePersistence::SqlitePersistence(QString connectionName)
+    : m_connection(std::move(connectionName))
+{}
 
 SqlitePersistence::~SqlitePersistence()
 {

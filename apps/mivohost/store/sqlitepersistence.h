@@ -41,7 +41,8 @@ private:
     explicit SqlitePersistence(QString connectionName);
 
     /// One try; on an error the SQLite result code is in `code`.
-    static std::unique_ptr<SqlitePersistence> tryOpen(const QString& path, int& code, QString& error);
+    static std::unique_ptr<SqlitePersistence> tryOpen(const QString& path, int& code,
+                                                      QString& error);
 
     QString m_connection;
     QString m_error;

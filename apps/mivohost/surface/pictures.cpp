@@ -54,8 +54,8 @@ bool drawPictures(MainWindow& window, const QString& folder)
     const QString scaleName = scale == 1 ? QString() : QStringLiteral("@%1x").arg(scale);
     const auto save = [&](QWidget& widget, const QString& name, const QString& language) {
         QApplication::processEvents();
-        return widget.grab().save(directory.filePath(
-            QStringLiteral("%1-%2%3.png").arg(name, language, scaleName)));
+        return widget.grab().save(
+            directory.filePath(QStringLiteral("%1-%2%3.png").arg(name, language, scaleName)));
     };
 
     bool saved = true;

@@ -1,0 +1,62 @@
+// Opening the settings dialog for the first time in a process: prints microseconds of the variant
+// that its argument names. The floor gets its recipe from another process, so that nothing of it
+// is warm.
+
+#include "opening.h"
+
+#include <mivosettingswidgets/settingwdigettranslatemanager.h>
+
+#include <QtCore/QProcess>
+
+#include <cstdio>
+
+namespace {
+
+void useEnglish()
+{
+    auto& translator = SettingWdigetTranslateManager::instance().translator();
+    for (const QString& file : mivohost::languageFiles()) {
+        translator.load(file);
+    }
+    translator.switchLanguage(QStringLiteral("en"));
+}
+
+opening::Recipe recipeFromElsewhere()
+{
+    QProcess other;
+    other.start(QApplication::applicationFilePath(), {"--recipe"});
+    other.waitForFinished();
+    return QString::fromUtf8(other.readAllStandardOutput()).split('\n');
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const QString variant = argc == 2 ? QString::fromLatin1(argv[1]) : QString();
+    if (variant == "--variants") {
+        std::puts("floor\nours");
+        return 0;
+    }
+    const QApplication application(argc, argv);
+    double seconds = 0;
+    if (variant == "--recipe") {
+        useEnglish();
+        std::fputs(opening::makeRecipe().join('\n').toUtf8().constData(), stdout);
+        return 0;
+    }
+    if (variant == "floor") {
+        const opening::Recipe recipe = recipeFromElsewhere();
+        seconds = opening::secondsToOpenRaw(recipe);
+    } else if (variant == "ours") {
+        useEnglish();
+        mivohost::RuntimeThread runtime;
+        BenchStore store;
+        seconds = opening::secondsToOpenOurs(runtime, store);
+    } else {
+        std::fprintf(stderr, "usage: bench_open_cold --variants | floor | ours\n");
+        return 2;
+    }
+    std::printf("%.1f\n", 1e6 * seconds);
+    return 0;
+}

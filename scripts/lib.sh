@@ -1,0 +1,68 @@
+# Sourced by the scripts beside it: packages, configuring and building.
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+
+packages_build="g++ cmake ninja-build ccache qtbase5-dev qttools5-dev qttools5-dev-tools
+    libqt5svg5 libqt5sql5-sqlite libspdlog-dev libfmt-dev libboost-dev fonts-noto-core fonts-noto-cjk"
+packages_test="libgtest-dev"
+packages_bench="libbenchmark-dev python3 util-linux"
+packages_clang="clang llvm libclang-rt-14-dev"
+packages_check="clang clang-format clang-tidy git libgtest-dev libbenchmark-dev"
+
+fail() {
+    echo "$(basename "$0"): $1" >&2
+    exit "${2:-1}"
+}
+
+# need_packages GROUP...: installs what is missing of the groups.
+need_packages() {
+    local group list missing=()
+    command -v dpkg-query >/dev/null || {
+        echo "no dpkg here: the needed libraries are taken as installed" >&2
+        return 0
+    }
+    list=$packages_build
+    for group in "$@"; do
+        local name=packages_$group
+        list+=" ${!name}"
+    done
+    local installed
+    # shellcheck disable=SC2086
+    installed=" $(dpkg-query -W -f '${Status}/${Package} ' $list 2>/dev/null | tr '\n' ' ') "
+    for package in $list; do
+        [[ $installed == *"install ok installed/$package "* ]] || missing+=("$package")
+    done
+    [ ${#missing[@]} -eq 0 ] && return 0
+
+    local as_root=()
+    if [ "$(id -u)" -ne 0 ]; then
+        command -v sudo >/dev/null || fail "please install as root: ${missing[*]}"
+        as_root=(sudo)
+    fi
+    echo "installing: ${missing[*]}" >&2
+    "${as_root[@]}" apt-get -qq update >&2
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -qq install -y \
+        --no-install-recommends "${missing[@]}" >&2
+}
+
+# configure_and_build PRESET [TARGET...]: configures once (and again when MIVO_WERROR asks for
+# another value), then builds; says nothing when all goes well.
+configure_and_build() {
+    local preset=$1 werror=${MIVO_WERROR:-OFF} log
+    shift
+    local dir=$root/build/$preset
+    cd "$root"
+    log=$(mktemp)
+    if [ ! -f "$dir/build.ninja" ] || ! grep -q "^MIVO_WERROR:BOOL=$werror\$" "$dir/CMakeCache.txt"; then
+        echo "configuring $preset" >&2
+        cmake --preset "$preset" -DMIVO_WERROR="$werror" >"$log" 2>&1 || {
+            cat "$log" >&2
+            fail "configuring $preset failed"
+        }
+    fi
+    cmake --build "$dir" ${1:+--target "$@"} >"$log" 2>&1 || {
+        cat "$log" >&2
+        fail "building $preset failed"
+    }
+    rm -f "$log"
+}
