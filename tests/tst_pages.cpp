@@ -46,9 +46,14 @@ protected:
         for (const ControlCase& control : GetParam().controls) {
             store.change(control.setting, control.stored);
         }
+        new QVBoxLayout(&window);
+        makePage();
+    }
+
+    void makePage()
+    {
         page = GetParam().make();
-        auto* layout = new QVBoxLayout(&window);
-        layout->addWidget(page);
+        window.layout()->addWidget(page);
         page->setZRRuntime(&runtime);
     }
 
@@ -253,8 +258,7 @@ TEST_P(Pages, LeaveNoConnectionBehindEvenWhenTheRuntimeRefusesOrHasStopped)
     EXPECT_EQ(store.connections(), 0U);
 
     runtime.refuses = false;
-    page = GetParam().make();
-    page->setZRRuntime(&runtime);
+    makePage();
     bind();
     EXPECT_GT(store.connections(), 0U);
     runtime.stop();
@@ -277,8 +281,7 @@ TEST_P(Pages, SurviveAStormOfChangesWhileTheyComeAndGo)
     for (int i = 0; i < 30; ++i) {
         bind();
         delete page;
-        page = GetParam().make();
-        page->setZRRuntime(&runtime);
+        makePage();
     }
     storming = false;
     storm.join();

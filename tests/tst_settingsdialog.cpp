@@ -183,6 +183,19 @@ TEST_F(Dialog, HiddenSectionsAreNeitherPolishedNorPainted)
     EXPECT_EQ(hidden->width(), shown->width());
 }
 
+TEST_F(Dialog, KeepsItsSizesUnderTheHostsStyleSheet)
+{
+    dialog.setSettingsstyleSheet(mivohost::hostStyleSheet());
+    insert("Display");
+    dialog.show();
+    QApplication::processEvents();
+    EXPECT_EQ(dialog.size(), QSize(1080, 800));
+    EXPECT_EQ(button(0)->size(), QSize(128, 32));
+    EXPECT_EQ(button(1)->geometry().top() - button(0)->geometry().bottom(), 5);
+    EXPECT_EQ(stack()->geometry().left(), 129) << "buttons, and a line of one pixel";
+    EXPECT_EQ(dialog.grab().toImage().pixelColor(128, 400), QColor("#3a434d"));
+}
+
 TEST_F(Dialog, IsWholeByKeyboard)
 {
     for (const char* title : {"GeneralSettings", "A", "B"}) {

@@ -21,6 +21,7 @@
 
 #include <cstdio>
 #include <memory>
+#include <optional>
 
 using namespace mivohost;
 
@@ -63,8 +64,11 @@ int run(const QCommandLineParser& arguments)
     const bool drawing = arguments.isSet(QStringLiteral("pictures"));
     const bool withWindow = !printing && !drawing;
     const QDir data(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation));
-    QTemporaryDir scratch; // pictures show the defaults, and leave the user's store alone
-    QString path = drawing ? scratch.filePath(QStringLiteral("settings.sqlite"))
+    std::optional<QTemporaryDir> scratch; // pictures show the defaults, whatever the user has set
+    if (drawing) {
+        scratch.emplace();
+    }
+    QString path = drawing ? scratch->filePath(QStringLiteral("settings.sqlite"))
                            : data.filePath(QStringLiteral("settings.sqlite"));
     if (arguments.isSet(QStringLiteral("store"))) {
         path = arguments.value(QStringLiteral("store"));

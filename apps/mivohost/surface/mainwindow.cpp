@@ -34,7 +34,7 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store)
     m_notice->setWordWrap(true);
     m_notice->hide();
     m_settingsButton->setProperty("style", QStringLiteral("general"));
-    m_settingsButton->setShortcut(Qt::CTRL | Qt::Key_Comma);
+    m_settingsButton->setShortcut(QStringLiteral("Ctrl+,"));
     m_language->addItem(QStringLiteral("English"), QStringLiteral("en"));
     m_language->addItem(QStringLiteral("简体中文"), QStringLiteral("zh_cn"));
     m_languageLabel->setBuddy(m_language);
