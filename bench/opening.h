@@ -40,7 +40,7 @@ inline QString rawKind(const QWidget* control)
         return {};
     }
     for (const QMetaObject* type = control->metaObject(); type; type = type->superClass()) {
-        const QString name = QString::fromLatin1(type->className());
+        QString name = QString::fromLatin1(type->className());
         if (name.startsWith('Q')) {
             return name;
         }

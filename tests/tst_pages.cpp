@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QtGui/QAccessible>
 #include <QtGui/QWheelEvent>
 #include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
@@ -185,7 +186,7 @@ TEST_P(Pages, WithoutAStoreAnEditIsLoggedAndNothingElse)
         EXPECT_EQ(shownBy(widgetOf(control)), control.edited);
         ASSERT_EQ(log.lines().size(), 1U) << control.setting;
         const std::regex line("warning\\|sharedSettings is nullptr! \n //" + GetParam().sourceFile
-                              + ":" + control.writeSlot + "\\(\\)#[1-9][0-9]*\\.");
+                              + ":" + control.writeSlot + R"(\(\)#[1-9][0-9]*\.)");
         EXPECT_TRUE(std::regex_match(log.lines()[0], line)) << log.lines()[0];
     }
     GetParam().unbind(page);

@@ -47,8 +47,7 @@ public:
 
 public slots:
     void buttonGroupClickedSlot(int id);
-    void
-    updateSettingsButtonTextSlot(QString titleText); // NOLINT(performance-unnecessary-value-param)
+    void updateSettingsButtonTextSlot(const QString& titleText);
 };
 
 SettingsDialog::Impl::Impl(SettingsDialog* dialog) : owner(dialog)
@@ -118,7 +117,7 @@ void SettingsDialog::Impl::buttonGroupClickedSlot(int id)
     sections->setCurrentIndex(id);
 }
 
-void SettingsDialog::Impl::updateSettingsButtonTextSlot(QString titleText)
+void SettingsDialog::Impl::updateSettingsButtonTextSlot(const QString& titleText)
 {
     auto* section = qobject_cast<QWidget*>(sender());
     if (sender() == nullptr) {

@@ -4,6 +4,7 @@
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QEvent>
+#include <QtCore/QVariant>
 #include <QtWidgets/QScrollBar>
 #include <QtWidgets/QVBoxLayout>
 

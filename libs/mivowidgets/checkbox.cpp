@@ -1,5 +1,7 @@
 #include "mivowidgets/checkbox.h"
 
+#include <QtCore/QVariant>
+
 namespace mivo::widgets {
 
 CheckBox::CheckBox(QWidget* parent) : CheckBox(QString(), parent) {}

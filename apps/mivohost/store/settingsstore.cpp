@@ -142,6 +142,7 @@ void SettingsStore::setFailureHandler(FailureHandler handler)
 std::vector<std::pair<QString, QVariant>> SettingsStore::all() const
 {
     std::vector<std::pair<QString, QVariant>> rows;
+    rows.reserve(settings.size());
     for (const Setting& setting : settings) {
         rows.emplace_back(setting.key, value(setting.key));
     }
