@@ -228,6 +228,31 @@ TEST_F(Dialog, IsWholeByKeyboard)
     EXPECT_FALSE(dialog.isVisible());
 }
 
+TEST_F(Dialog, TabGoesFromTopToBottomWhateverTheOrderOfInsertion)
+{
+    insert("B", 2);
+    std::vector<PlainPage*> pages{insert("A", 30), insert("A", 10), insert("A", 20)};
+    std::swap(pages[0], pages[2]);
+    std::swap(pages[0], pages[1]); // by priority
+    dialog.show();
+    dialog.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+    button(2)->click();
+    button(0)->setFocus();
+    std::vector<QWidget*> expected{button(1), button(2)};
+    for (PlainPage* page : pages) {
+        expected.push_back(page->findChild<QLineEdit*>());
+    }
+    expected.push_back(button(0));
+    for (QWidget* next : expected) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        while (qobject_cast<QScrollArea*>(QApplication::focusWidget()) != nullptr) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        }
+        EXPECT_EQ(QApplication::focusWidget(), next);
+    }
+}
+
 namespace {
 
 /// The host's own dialog over a fake store.

@@ -162,6 +162,7 @@ void SettingsDialog::insertSettingBox(ISettingBox* box)
     PushButton* button = m_impl->makeButton(name, dialogWidget(), last);
     button->setText(title);
     m_impl->navigation->insertWidget(last, button);
+    setTabOrder(m_impl->buttons->button(last - 1), button);
 
     auto* section = new SettingWidget(dialogWidget());
     m_impl->sections->insertWidget(last, section);

@@ -8,8 +8,10 @@
 #include <QtWidgets/QScrollBar>
 #include <QtWidgets/QVBoxLayout>
 
+#include <algorithm>
 #include <iterator>
 #include <map>
+#include <vector>
 
 namespace mivo::settings {
 
@@ -26,6 +28,19 @@ void polishWhenShown(QWidget* widget)
     }
 }
 
+/// The controls of a page that Tab stops at, in their order.
+std::vector<QWidget*> tabStops(QWidget* page)
+{
+    std::vector<QWidget*> stops;
+    for (QWidget* next = page->nextInFocusChain(); next != page; next = next->nextInFocusChain()) {
+        if (page->isAncestorOf(next) && (next->focusPolicy() & Qt::TabFocus) != 0
+            && next->focusProxy() == nullptr) {
+            stops.push_back(next);
+        }
+    }
+    return stops;
+}
+
 } // namespace
 
 class SettingWidget::Impl : public QObject
@@ -40,6 +55,20 @@ public:
         column->setContentsMargins(20, 20, 20, 20);
         column->setSpacing(8);
         column->addStretch(1);
+    }
+
+    /// Tab goes through the pages from top to bottom; those from `position` on are new there.
+    void orderTabStops(int position) const
+    {
+        QWidget* previous = nullptr;
+        for (int i = std::max(0, position - 1); i < column->count() - 1; ++i) {
+            for (QWidget* stop : tabStops(column->itemAt(i)->widget())) {
+                if (previous != nullptr && i >= position) {
+                    QWidget::setTabOrder(previous, stop);
+                }
+                previous = stop;
+            }
+        }
     }
 
     SettingWidget* owner;
@@ -69,8 +98,9 @@ void SettingWidget::insertSettingsBox(ISettingBox* box, int index) const
     polishWhenShown(box);
     // Kept on purpose: a second page with a key is placed, but not recorded.
     const auto place = m_impl->order.emplace(index, box).first;
-    m_impl->column->insertWidget(static_cast<int>(std::distance(m_impl->order.begin(), place)),
-                                 box);
+    const auto position = static_cast<int>(std::distance(m_impl->order.begin(), place));
+    m_impl->column->insertWidget(position, box);
+    m_impl->orderTabStops(position);
     connect(box, &ISettingBox::sigTitleTextChanged, this, &SettingWidget::sigTitleTextChanged);
 }
 
