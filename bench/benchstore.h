@@ -10,6 +10,13 @@ public:
     int getUndoStep() override { return m_undoStep; }
     void setAutoSyncResources(bool on) override { autoSyncResourcesChanged(m_autoSync = on); }
     bool getAutoSyncResources() override { return m_autoSync; }
+    STResourceSettingsInfo getResourceSettings() override { return {}; }
+    void setPictureDuration(int /*milliseconds*/) override {}
+    int getPictureDuration() override { return 5000; }
+    void setPowerPointDuration(int /*milliseconds*/) override {}
+    int getPowerPointDuration() override { return 5000; }
+    void setOSDDuration(int /*milliseconds*/) override {}
+    int getOSDDuration() override { return 5000; }
 
 private:
     int m_undoStep = 50;

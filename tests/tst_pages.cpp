@@ -189,7 +189,15 @@ TEST_P(Pages, WithoutAStoreAnEditIsLoggedAndNothingElse)
                               + ":" + control.writeSlot + R"(\(\)#[1-9][0-9]*\.)");
         EXPECT_TRUE(std::regex_match(log.lines()[0], line)) << log.lines()[0];
     }
+    log.clear();
     GetParam().unbind(page);
+    EXPECT_EQ(log.lines().size(), GetParam().checksStore ? 1U : 0U);
+    if (GetParam().checksStore) {
+        GetParam().bind(page, nullptr);
+        ASSERT_EQ(log.lines().size(), 2U);
+        EXPECT_NE(log.lines()[0].find(":unsetSettings()#"), std::string::npos);
+        EXPECT_NE(log.lines()[1].find(":setSettings()#"), std::string::npos);
+    }
     EXPECT_TRUE(runtime.takePosted().empty());
 }
 
@@ -211,7 +219,7 @@ TEST_P(Pages, WithoutUiSyncTheValuesAreReadAndDroppedButChangesShow)
 {
     runtime.uiSync = false;
     bind();
-    EXPECT_EQ(store.calls("get").size(), GetParam().controls.size());
+    EXPECT_EQ(store.calls("get").size(), GetParam().getters);
     for (const ControlCase& control : GetParam().controls) {
         EXPECT_EQ(shownBy(widgetOf(control)), control.initial) << control.setting;
         runtime.call([&] { store.change(control.setting, control.edited); });
@@ -225,7 +233,7 @@ TEST_P(Pages, LetGoOfTheStoreWhenTheyAreUnset)
     show();
     bind();
     GetParam().bind(page, &store); // connects a second time
-    EXPECT_EQ(store.connections(), 2 * GetParam().controls.size());
+    EXPECT_EQ(store.connections(), 2 * GetParam().signals_);
     settle();
     const ControlCase& control = GetParam().controls.front();
     runtime.call([&] { store.change(control.setting, control.changed); });
@@ -288,7 +296,7 @@ TEST_P(Pages, SurviveAStormOfChangesWhileTheyComeAndGo)
     storm.join();
     bind();
     for (const ControlCase& control : GetParam().controls) {
-        EXPECT_EQ(shownBy(widgetOf(control)), store.calls("get" + control.setting).back().value);
+        EXPECT_EQ(shownBy(widgetOf(control)), store.value(control.setting)) << control.setting;
     }
 }
 
@@ -305,6 +313,11 @@ TEST_P(Pages, AreWholeInBothLanguagesThereAndBack)
         for (QWidget* control : controlsIn(page)) {
             auto* button = qobject_cast<QAbstractButton*>(control);
             all.append(button ? button->text() : control->accessibleName());
+            if (auto* combo = qobject_cast<QComboBox*>(control)) {
+                for (int i = 0; i < combo->count(); ++i) {
+                    all.append(combo->itemText(i));
+                }
+            }
         }
         return all;
     };

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "mivohostapi/settingsrecords.h"
+
 #include <sigslot/signal.hpp>
 
 #include <QtCore/qglobal.h>
@@ -24,8 +26,20 @@ public:
     virtual void setAutoSyncResources(bool on) = 0;
     virtual bool getAutoSyncResources() = 0;
 
+    /// The kind of resource that was chosen last, and its duration.
+    virtual STResourceSettingsInfo getResourceSettings() = 0;
+
+    /// How long a resource of each kind plays: milliseconds, 3000 up to a second before a day.
+    virtual void setPictureDuration(int milliseconds) = 0;
+    virtual int getPictureDuration() = 0;
+    virtual void setPowerPointDuration(int milliseconds) = 0;
+    virtual int getPowerPointDuration() = 0;
+    virtual void setOSDDuration(int milliseconds) = 0;
+    virtual int getOSDDuration() = 0;
+
     sigslot::signal<const int> undoStepChanged;
     sigslot::signal<const bool> autoSyncResourcesChanged;
+    sigslot::signal<const STResourceSettingsInfo&> resourceSettingsChanged; ///< of any one kind
 };
 
 /// The store type that a host derives its own store from and that pages are bound to.

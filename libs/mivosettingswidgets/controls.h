@@ -2,6 +2,8 @@
 
 #include <QtCore/QSignalBlocker>
 #include <QtWidgets/QAbstractButton>
+#include <QtWidgets/QComboBox>
+#include <QtWidgets/QDateTimeEdit>
 #include <QtWidgets/QDoubleSpinBox>
 
 namespace mivo::settings {
@@ -12,6 +14,22 @@ inline void showValue(QAbstractButton* button, bool on)
 {
     const QSignalBlocker blocker(button);
     button->setChecked(on);
+}
+
+inline void showValue(QTimeEdit* edit, int milliseconds)
+{
+    const QSignalBlocker blocker(edit);
+    edit->setTime(QTime::fromMSecsSinceStartOfDay(milliseconds));
+}
+
+/// Chooses the item of that data; without one, the choice stays.
+inline void showValue(QComboBox* combo, const QVariant& data)
+{
+    const QSignalBlocker blocker(combo);
+    const int index = combo->findData(data);
+    if (index != -1) {
+        combo->setCurrentIndex(index);
+    }
 }
 
 inline void showValue(QDoubleSpinBox* edit, double value)

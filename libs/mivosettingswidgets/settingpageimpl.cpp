@@ -67,12 +67,12 @@ void SettingPageImpl::translateLanguage()
     }
 }
 
-bool SettingPageImpl::hasStore(const CallSite& site) const
+bool SettingPageImpl::isStore(const MivoSettings* settings, const CallSite& site)
 {
-    if (sharedSettings == nullptr) {
+    if (settings == nullptr) {
         warn(site, "sharedSettings is nullptr!");
     }
-    return sharedSettings != nullptr;
+    return settings != nullptr;
 }
 
 bool SettingPageImpl::startFetching(const CallSite& site)
@@ -84,9 +84,10 @@ bool SettingPageImpl::startFetching(const CallSite& site)
     return true;
 }
 
-void SettingPageImpl::text(const QString& key, std::function<void(const QString&)> set)
+void SettingPageImpl::text(const QString& key, std::function<void(const QString&)> set,
+                           const QString& initial)
 {
-    m_texts.push_back({key, std::move(set), settings::text(key)});
+    m_texts.push_back({key, std::move(set), initial.isEmpty() ? settings::text(key) : initial});
     m_texts.back().set(m_texts.back().shown);
 }
 

@@ -18,17 +18,14 @@ class ISettingBox;
 
 /// The type text under which a value travels through a call queued by slot name.
 template <typename T>
-constexpr const char* queuedTypeText();
+constexpr const char* queuedTypeText = nullptr;
 template <>
-constexpr const char* queuedTypeText<int>()
-{
-    return "const int";
-}
+inline constexpr const char* queuedTypeText<int> = "const int";
 template <>
-constexpr const char* queuedTypeText<bool>()
-{
-    return "const bool";
-}
+inline constexpr const char* queuedTypeText<bool> = "const bool";
+template <>
+inline constexpr const char* queuedTypeText<STResourceSettingsInfo> =
+    "const STResourceSettingsInfo&";
 
 /// Base of every page's Impl: the common fields, and the verbs in which a page is written.
 ///
@@ -61,29 +58,41 @@ public:
     /// Sets every registered text again, in the order of registration.
     void translateLanguage();
 
+    /// False, and the null-store warning under the function of `site`, without a store. Also for
+    /// the argument of a page's setSettings() that may be null.
+    bool hasStore(const CallSite& site) const { return isStore(sharedSettings, site); }
+    static bool isStore(const MivoSettings* settings, const CallSite& site);
+
 protected:
     /// Reads every value with fetch(); runs at the end of setSettings().
     virtual void initSettings() = 0;
-
-    /// False, and the null-store warning under the function of `site`, without a store.
-    bool hasStore(const CallSite& site) const;
 
     /// To be called first in initSettings(): hasStore(), and asks the runtime whether the values
     /// that are fetched from here on are shown.
     bool startFetching(const CallSite& site = "initSettings");
 
-    /// Reads one value from the store and queues it to the slot of that name. While the runtime's
-    /// UI is not synchronised the value is read and dropped; kept on purpose, so that the runtime
-    /// sees the same calls.
+    /// Reads one value from the store, which must be there.
+    template <typename Getter>
+    auto read(Getter getter, const CallSite& site = "initSettings")
+    {
+        return callInRuntime(zrRuntime, site.file, site.line, site.function, getter,
+                             sharedSettings);
+    }
+
+    /// Reads one value and queues it to the slot of that name. While the runtime's UI is not
+    /// synchronised the value is read and dropped; kept on purpose, so that the runtime sees the
+    /// same calls.
     template <typename Getter>
     void fetch(Getter getter, const char* slot, const CallSite& site = "initSettings")
     {
-        const auto value =
-            callInRuntime(zrRuntime, site.file, site.line, site.function, getter, sharedSettings);
+        const auto value = read(getter, site);
         if (m_showFetched) {
             queue(slot, value);
         }
     }
+
+    /// Whether initSettings() is to show what it read by read(); as startFetching() found it.
+    bool showsFetched() const { return m_showFetched; }
 
     /// Writes a value to the store; without one, the null-store warning.
     template <typename Setter, typename Value>
@@ -109,13 +118,16 @@ protected:
     template <typename T>
     void queue(const char* slot, const T& value)
     {
+        static_assert(queuedTypeText<T> != nullptr, "a type that is queued needs its text");
+        qMetaTypeId<T>(); // registers a record before its first journey
         QMetaObject::invokeMethod(this, slot, Qt::QueuedConnection,
-                                  QGenericArgument(queuedTypeText<T>(), &value));
+                                  QGenericArgument(queuedTypeText<T>, &value));
     }
 
     /// Registers a text: `set` gets the translation of `key` now, and again whenever it differs
-    /// after a change of language.
-    void text(const QString& key, std::function<void(const QString&)> set);
+    /// after a change of language. An `initial` text takes the place of the first translation.
+    void text(const QString& key, std::function<void(const QString&)> set,
+              const QString& initial = {});
 
     /// The same for a label; the control next to it becomes its buddy and is named after it.
     void text(const QString& key, QLabel* label, QWidget* buddy = nullptr);

@@ -26,6 +26,13 @@ public:
     int getUndoStep() override { return undoStep; }
     void setAutoSyncResources(bool on) override { autoSyncResourcesChanged(on); }
     bool getAutoSyncResources() override { return false; }
+    STResourceSettingsInfo getResourceSettings() override { return {}; }
+    void setPictureDuration(int /*milliseconds*/) override {}
+    int getPictureDuration() override { return 5000; }
+    void setPowerPointDuration(int /*milliseconds*/) override {}
+    int getPowerPointDuration() override { return 5000; }
+    void setOSDDuration(int /*milliseconds*/) override {}
+    int getOSDDuration() override { return 5000; }
 
     int undoStep = 33;
 };

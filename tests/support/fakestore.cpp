@@ -12,9 +12,21 @@ void FakeStore::change(const std::string& setting, const QVariant& value)
         undoStepChanged(value.toInt());
     } else if (setting == "AutoSyncResources") {
         autoSyncResourcesChanged(value.toBool());
+    } else if (setting == "PictureDuration") {
+        resourceSettingsChanged(STResourceSettingsInfo{ResourcePicture, value.toInt()});
+    } else if (setting == "PowerPointDuration") {
+        resourceSettingsChanged(STResourceSettingsInfo{ResourcePowerPoint, value.toInt()});
+    } else if (setting == "OSDDuration") {
+        resourceSettingsChanged(STResourceSettingsInfo{ResourceOSD, value.toInt()});
     } else {
         throw std::invalid_argument("no such setting: " + setting);
     }
+}
+
+QVariant FakeStore::value(const std::string& setting) const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_values.at(setting);
 }
 
 std::vector<FakeStore::Call> FakeStore::calls(const std::string& prefix) const
@@ -37,7 +49,15 @@ void FakeStore::forgetCalls()
 
 std::size_t FakeStore::connections() const
 {
-    return undoStepChanged.slot_count() + autoSyncResourcesChanged.slot_count();
+    return undoStepChanged.slot_count() + autoSyncResourcesChanged.slot_count()
+           + resourceSettingsChanged.slot_count();
+}
+
+STResourceSettingsInfo FakeStore::getResourceSettings()
+{
+    const std::lock_guard lock(m_mutex);
+    m_calls.push_back({"getResourceSettings", {}, std::this_thread::get_id()});
+    return {ResourcePicture, m_values["PictureDuration"].toInt()};
 }
 
 QVariant FakeStore::get(const std::string& setting)

@@ -29,9 +29,18 @@ public:
     void setAutoSyncResources(bool on) override { set("AutoSyncResources", on); }
     bool getAutoSyncResources() override { return get("AutoSyncResources").toBool(); }
 
+    STResourceSettingsInfo getResourceSettings() override;
+    void setPictureDuration(int ms) override { set("PictureDuration", ms); }
+    int getPictureDuration() override { return get("PictureDuration").toInt(); }
+    void setPowerPointDuration(int ms) override { set("PowerPointDuration", ms); }
+    int getPowerPointDuration() override { return get("PowerPointDuration").toInt(); }
+    void setOSDDuration(int ms) override { set("OSDDuration", ms); }
+    int getOSDDuration() override { return get("OSDDuration").toInt(); }
+
     /// A change from elsewhere: takes the value over and announces it, unrecorded.
     void change(const std::string& setting, const QVariant& value);
 
+    QVariant value(const std::string& setting) const;
     std::vector<Call> calls(const std::string& prefix = {}) const;
     void forgetCalls();
 

@@ -1,10 +1,12 @@
 #include "support/pagecases.h"
 
 #include <mivosettingswidgets/onlinesettingbox.h>
+#include <mivosettingswidgets/resplaycontrolsettingbox.h>
 #include <mivosettingswidgets/undosettingbox.h>
 
 #include <QtTest/QTest>
 #include <QtWidgets/QAbstractButton>
+#include <QtWidgets/QDateTimeEdit>
 #include <QtWidgets/QDoubleSpinBox>
 
 using namespace mivo::settings;
@@ -12,12 +14,15 @@ using namespace mivo::settings;
 namespace {
 
 template <typename Page>
-PageCase pageCase(std::string sourceFile, bool keepsStoreWhenUnset,
-                  std::vector<ControlCase> controls)
+PageCase pageCase(std::string sourceFile, bool keepsStoreWhenUnset, bool checksStore,
+                  std::size_t getters, std::size_t followed, std::vector<ControlCase> controls)
 {
     return {Page::staticMetaObject.className(),
             std::move(sourceFile),
             keepsStoreWhenUnset,
+            checksStore,
+            getters,
+            followed,
             [] { return new Page; },
             [](ISettingBox* page, MivoSettings* store) {
                 static_cast<Page*>(page)->setSettings(store);
@@ -38,6 +43,16 @@ std::function<void(QWidget*)> typing(const char* text)
     };
 }
 
+/// Types the digits of a time over the sections of the old one, and leaves the field.
+std::function<void(QWidget*)> typingTime(const char* digits)
+{
+    return [digits](QWidget* control) {
+        control->setFocus(Qt::TabFocusReason); // selects the first section
+        QTest::keyClicks(control, QString::fromLatin1(digits));
+        control->clearFocus();
+    };
+}
+
 void clicking(QWidget* control)
 {
     QTest::mouseClick(control, Qt::LeftButton, {}, QPoint(8, control->height() / 2));
@@ -48,13 +63,17 @@ void clicking(QWidget* control)
 const std::vector<PageCase>& pageCases()
 {
     static const std::vector<PageCase> cases{
-        pageCase<UndoSettingBox>("undosettingbox.cpp", true,
+        pageCase<UndoSettingBox>("undosettingbox.cpp", true, false, 1, 1,
                                  {{"UndoStep", "mivo::widgets::SpinEditBox", 0, 50., 120, 500, 1.,
                                    80., typing("80"), "slotUndoStepChanged"}}),
         pageCase<OnlineSettingBox>(
-            "onlinesettingbox.cpp", false,
+            "onlinesettingbox.cpp", false, false, 1, 1,
             {{"AutoSyncResources", "mivo::widgets::CheckBox", 0, false, false, false, false, true,
               clicking, "onAutoSyncResourcesStateChanged"}}),
+        pageCase<ResPlayControlSettingBox>(
+            "resplaycontrolsettingbox.cpp", true, true, 1, 1,
+            {{"PictureDuration", "mivo::widgets::TimeEditBox", 0, 5000, 8000, 9000, 5000, 83000,
+              typingTime("000123"), "onDurationTimeChanged"}}),
     };
     return cases;
 }
@@ -75,6 +94,9 @@ QVariant shownBy(QWidget* control)
 {
     if (auto* button = qobject_cast<QAbstractButton*>(control)) {
         return button->isChecked();
+    }
+    if (auto* edit = qobject_cast<QTimeEdit*>(control)) {
+        return edit->time().msecsSinceStartOfDay();
     }
     if (auto* edit = qobject_cast<QDoubleSpinBox*>(control)) {
         return edit->value();

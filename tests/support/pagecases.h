@@ -34,6 +34,9 @@ struct PageCase
     std::string name;
     std::string sourceFile;
     bool keepsStoreWhenUnset;
+    bool checksStore;     ///< setSettings() and unsetSettings() log a missing store
+    std::size_t getters;  ///< store reads of one binding
+    std::size_t signals_; ///< store signals that are followed
     std::function<mivo::settings::ISettingBox*()> make;
     std::function<void(mivo::settings::ISettingBox*, MivoSettings*)> bind;
     std::function<void(mivo::settings::ISettingBox*)> unbind;

@@ -38,6 +38,36 @@
         <comment>Widget</comment>
         <translation>Synchronise resources automatically</translation>
     </message>
+    <message>
+        <source>DisplaySettings</source>
+        <comment>Widget</comment>
+        <translation>Display</translation>
+    </message>
+    <message>
+        <source>PlayControl</source>
+        <comment>Widget</comment>
+        <translation>Play control</translation>
+    </message>
+    <message>
+        <source>DefaultPlayDuration</source>
+        <comment>Widget</comment>
+        <translation>Default play duration</translation>
+    </message>
+    <message>
+        <source>Picture</source>
+        <comment>Widget</comment>
+        <translation>Picture</translation>
+    </message>
+    <message>
+        <source>PowerPoint</source>
+        <comment>Widget</comment>
+        <translation>Presentation slide</translation>
+    </message>
+    <message>
+        <source>OSD</source>
+        <comment>Widget</comment>
+        <translation>On-screen display</translation>
+    </message>
 </context>
 <context>
     <name>MivoHost</name>

@@ -38,6 +38,36 @@
         <comment>Widget</comment>
         <translation>自动同步资源</translation>
     </message>
+    <message>
+        <source>DisplaySettings</source>
+        <comment>Widget</comment>
+        <translation>显示</translation>
+    </message>
+    <message>
+        <source>PlayControl</source>
+        <comment>Widget</comment>
+        <translation>播放控制</translation>
+    </message>
+    <message>
+        <source>DefaultPlayDuration</source>
+        <comment>Widget</comment>
+        <translation>默认播放时长</translation>
+    </message>
+    <message>
+        <source>Picture</source>
+        <comment>Widget</comment>
+        <translation>图片</translation>
+    </message>
+    <message>
+        <source>PowerPoint</source>
+        <comment>Widget</comment>
+        <translation>演示文稿</translation>
+    </message>
+    <message>
+        <source>OSD</source>
+        <comment>Widget</comment>
+        <translation>屏幕显示</translation>
+    </message>
 </context>
 <context>
     <name>MivoHost</name>

@@ -15,8 +15,9 @@ struct Setting
 {
     const char* key;
     QVariant fallback; // its type is the setting's type: int, bool or QString
-    int lowest = 0;
-    int highest = 0;
+    int lowest;
+    int highest;
+    void (*announce)(SettingsStore&); // or null: nobody follows it
 
     /// `raw` as a value of this setting, if it is one.
     std::optional<QVariant> accept(const QVariant& raw) const
@@ -45,10 +46,37 @@ struct Setting
     }
 };
 
+// Durations: from three seconds to one second before a day.
+constexpr int shortest = 3000;
+constexpr int longest = 86399000;
+
+/// Emits the change signal with what the getter gives.
+template <auto Signal, auto Getter>
+void announce(SettingsStore& store)
+{
+    (store.*Signal)((store.*Getter)());
+}
+
+template <EnumResourceKind Kind, auto Getter>
+void announceDuration(SettingsStore& store)
+{
+    store.resourceSettingsChanged(STResourceSettingsInfo{Kind, (store.*Getter)()});
+}
+
+using Store = SettingsStore;
+
 const std::array settings{
-    Setting{"undoStep", 50, 1, 500},
-    Setting{"autoSyncResources", false},
-    Setting{"language", QString()},
+    Setting{"undoStep", 50, 1, 500, announce<&Store::undoStepChanged, &Store::getUndoStep>},
+    Setting{"autoSyncResources", false, 0, 1,
+            announce<&Store::autoSyncResourcesChanged, &Store::getAutoSyncResources>},
+    Setting{"resourceType", ResourcePicture, ResourcePicture, ResourceOSD, nullptr},
+    Setting{"pictureDuration", 5000, shortest, longest,
+            announceDuration<ResourcePicture, &Store::getPictureDuration>},
+    Setting{"powerPointDuration", 5000, shortest, longest,
+            announceDuration<ResourcePowerPoint, &Store::getPowerPointDuration>},
+    Setting{"osdDuration", 5000, shortest, longest,
+            announceDuration<ResourceOSD, &Store::getOSDDuration>},
+    Setting{"language", QString(), 0, 0, nullptr},
 };
 
 const Setting* find(const QString& key)
@@ -97,7 +125,9 @@ SettingsStore::SettingsStore(std::unique_ptr<SettingsPersistence> persistence)
         const auto accepted = setting ? setting->accept(changed) : std::nullopt;
         if (accepted && m_values[key] != *accepted) {
             m_values[key] = *accepted;
-            announce(key);
+            if (setting->announce != nullptr) {
+                setting->announce(*this);
+            }
         }
     });
 }
@@ -122,6 +152,48 @@ void SettingsStore::setAutoSyncResources(bool on)
 bool SettingsStore::getAutoSyncResources()
 {
     return value("autoSyncResources").toBool();
+}
+
+STResourceSettingsInfo SettingsStore::getResourceSettings()
+{
+    switch (value("resourceType").toInt()) {
+    case ResourcePowerPoint:
+        return {ResourcePowerPoint, getPowerPointDuration()};
+    case ResourceOSD:
+        return {ResourceOSD, getOSDDuration()};
+    default:
+        return {ResourcePicture, getPictureDuration()};
+    }
+}
+
+void SettingsStore::setPictureDuration(int milliseconds)
+{
+    set("pictureDuration", milliseconds);
+}
+
+int SettingsStore::getPictureDuration()
+{
+    return value("pictureDuration").toInt();
+}
+
+void SettingsStore::setPowerPointDuration(int milliseconds)
+{
+    set("powerPointDuration", milliseconds);
+}
+
+int SettingsStore::getPowerPointDuration()
+{
+    return value("powerPointDuration").toInt();
+}
+
+void SettingsStore::setOSDDuration(int milliseconds)
+{
+    set("osdDuration", milliseconds);
+}
+
+int SettingsStore::getOSDDuration()
+{
+    return value("osdDuration").toInt();
 }
 
 void SettingsStore::setLanguage(const QString& language)
@@ -156,7 +228,8 @@ QVariant SettingsStore::value(const char* key) const
 
 void SettingsStore::set(const char* key, const QVariant& wanted)
 {
-    const QVariant corrected = find(key)->corrected(wanted);
+    const Setting* setting = find(key);
+    const QVariant corrected = setting->corrected(wanted);
     if (corrected != wanted) {
         log().warn("setting {} cannot be {}; taken as {}", key, wanted.toString().toStdString(),
                    corrected.toString().toStdString());
@@ -175,15 +248,8 @@ void SettingsStore::set(const char* key, const QVariant& wanted)
     } else if (corrected == wanted) {
         return; // nothing new, and the control shows it already
     }
-    announce(key);
-}
-
-void SettingsStore::announce(const QString& key)
-{
-    if (key == QLatin1String("undoStep")) {
-        undoStepChanged(getUndoStep());
-    } else if (key == QLatin1String("autoSyncResources")) {
-        autoSyncResourcesChanged(getAutoSyncResources());
+    if (setting->announce != nullptr) {
+        setting->announce(*this);
     }
 }
 

@@ -23,6 +23,13 @@ public:
     int getUndoStep() override;
     void setAutoSyncResources(bool on) override;
     bool getAutoSyncResources() override;
+    STResourceSettingsInfo getResourceSettings() override;
+    void setPictureDuration(int milliseconds) override;
+    int getPictureDuration() override;
+    void setPowerPointDuration(int milliseconds) override;
+    int getPowerPointDuration() override;
+    void setOSDDuration(int milliseconds) override;
+    int getOSDDuration() override;
 
     /// The host's own: "en", "zh_cn", or empty until the user has chosen.
     void setLanguage(const QString& language);
@@ -38,8 +45,6 @@ public:
 private:
     QVariant value(const char* key) const;
     void set(const char* key, const QVariant& wanted);
-    void announce(const QString& key);
-
     std::unique_ptr<SettingsPersistence> m_persistence;
     QVariantHash m_values;
     FailureHandler m_failure;

@@ -1,6 +1,7 @@
 #include "surface/settingsview.h"
 
 #include <mivosettingswidgets/onlinesettingbox.h>
+#include <mivosettingswidgets/resplaycontrolsettingbox.h>
 #include <mivosettingswidgets/settingsdialog.h>
 #include <mivosettingswidgets/settingwdigettranslatemanager.h>
 #include <mivosettingswidgets/undosettingbox.h>
@@ -46,6 +47,7 @@ SettingsView::SettingsView(IZRRuntime& runtime, MivoSettings& settings, QWidget*
     };
     add(new UndoSettingBox, 20);
     add(new OnlineSettingBox, 30);
+    add(new ResPlayControlSettingBox, 20);
     switchLanguage(SettingWdigetTranslateManager::instance().translator().language());
 }
 

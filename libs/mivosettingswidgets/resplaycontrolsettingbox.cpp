@@ -1,0 +1,213 @@
+#include "mivosettingswidgets/resplaycontrolsettingbox.h"
+
+#include "controls.h"
+#include "settingpageimpl.h"
+
+#include <mivowidgets/combobox.h>
+#include <mivowidgets/timeeditbox.h>
+
+#include <QtWidgets/QHBoxLayout>
+#include <QtWidgets/QLabel>
+
+#include <deque>
+#include <map>
+
+namespace mivo::settings {
+
+using mivo::widgets::ComboBox;
+using mivo::widgets::TimeEditBox;
+
+namespace {
+
+const std::map<int, void (IMivoSettings::*)(int)>& durationSetters()
+{
+    static const std::map<int, void (IMivoSettings::*)(int)> setters{
+        {ResourcePicture, &IMivoSettings::setPictureDuration},
+        {ResourcePowerPoint, &IMivoSettings::setPowerPointDuration},
+        {ResourceOSD, &IMivoSettings::setOSDDuration}};
+    return setters;
+}
+
+const std::map<int, int (IMivoSettings::*)()>& durationGetters()
+{
+    static const std::map<int, int (IMivoSettings::*)()> getters{
+        {ResourcePicture, &IMivoSettings::getPictureDuration},
+        {ResourcePowerPoint, &IMivoSettings::getPowerPointDuration},
+        {ResourceOSD, &IMivoSettings::getOSDDuration}};
+    return getters;
+}
+
+} // namespace
+
+class ResPlayControlSettingBox::Impl : public SettingPageImpl
+{
+    Q_OBJECT
+
+public:
+    explicit Impl(ResPlayControlSettingBox* page);
+
+    void onResourceSettingsChanged(const STResourceSettingsInfo& info)
+    {
+        queue("setResourceSettings", info);
+    }
+
+public slots:
+    void onDurationTimeChanged(const QTime& time);
+    void onResTypeComboBoxIndexChanged(int index);
+    void setResType(int kind) { showValue(m_kind, kind); }
+    void setDurationTime(int milliseconds);
+    void setResourceSettings(const STResourceSettingsInfo& info);
+
+protected:
+    void initSettings() override;
+
+private:
+    void layOut();
+
+    /// Queues the duration of a kind; it is shown if that kind is still chosen when it arrives.
+    void queueDuration(int kind, int milliseconds);
+
+    QLabel* m_label;
+    ComboBox* m_kind;
+    TimeEditBox* m_duration;
+    std::deque<int> m_queuedKinds; // of the durations on their way, in their order
+};
+
+ResPlayControlSettingBox::Impl::Impl(ResPlayControlSettingBox* page)
+    : SettingPageImpl(page, QStringLiteral("DisplaySettings")), m_label(new QLabel),
+      m_kind(new ComboBox(page)), m_duration(new TimeEditBox(page))
+{
+    m_kind->addItem(QString(), ResourcePicture);
+    m_kind->addItem(QString(), ResourcePowerPoint);
+    m_kind->addItem(QString(), ResourceOSD);
+    m_duration->setDisplayFormat(QStringLiteral("hh:mm:ss"));
+    m_duration->setButtonSymbols(QAbstractSpinBox::UpDownArrows);
+    m_duration->setTime(QTime(0, 0, 5));
+    m_duration->setTimeRange(QTime(0, 0, 3), QTime(23, 59, 59));
+    layOut();
+
+    text(
+        QStringLiteral("PlayControl"), [page](const QString& title) { page->setTitle(title); },
+        QStringLiteral("Play Control"));
+    m_label->setBuddy(m_duration);
+    text(
+        QStringLiteral("DefaultPlayDuration"),
+        [this](const QString& label) {
+            m_label->setText(label);
+            m_kind->setAccessibleName(label);
+            m_duration->setAccessibleName(label);
+        },
+        QStringLiteral("default Play Duration:"));
+    int item = 0;
+    for (const char* key : {"Picture", "PowerPoint", "OSD"}) {
+        text(QString::fromLatin1(key),
+             [this, item](const QString& kind) { m_kind->setItemText(item, kind); });
+        ++item;
+    }
+    navigationText(QStringLiteral("DisplaySettings"));
+
+    connect(m_duration, &TimeEditBox::timeChanged, this, &Impl::onDurationTimeChanged);
+    connect(m_kind, qOverload<int>(&ComboBox::currentIndexChanged), this,
+            &Impl::onResTypeComboBoxIndexChanged);
+    follow(&IMivoSettings::resourceSettingsChanged, &Impl::onResourceSettingsChanged);
+}
+
+void ResPlayControlSettingBox::Impl::layOut()
+{
+    owner->setObjectName(QStringLiteral("ResPlayControlSettingGroupBox"));
+    m_kind->setFixedWidth(140);
+    m_duration->setFixedWidth(100);
+
+    auto* row = new QHBoxLayout;
+    row->setContentsMargins(2, 0, 0, 0);
+    row->addWidget(m_label);
+    row->addWidget(m_kind);
+    row->addWidget(m_duration);
+    row->addStretch();
+
+    auto* column = new QVBoxLayout(owner);
+    column->addLayout(row);
+    column->addSpacing(10);
+    column->addStretch();
+    column->setContentsMargins(30, 20, 0, 16);
+}
+
+void ResPlayControlSettingBox::Impl::initSettings()
+{
+    if (!startFetching()) {
+        return;
+    }
+    const auto info = read(&IMivoSettings::getResourceSettings);
+    if (showsFetched()) {
+        queue("setResType", info.resourceType);
+        queueDuration(info.resourceType, info.duration);
+    }
+}
+
+void ResPlayControlSettingBox::Impl::onDurationTimeChanged(const QTime& time)
+{
+    const auto setter = durationSetters().find(m_kind->currentData().toInt());
+    if (hasStore("onDurationTimeChanged") && setter != durationSetters().end()) {
+        submit("onDurationTimeChanged", setter->second,
+               time.isValid() ? time.msecsSinceStartOfDay() : 0);
+    }
+}
+
+void ResPlayControlSettingBox::Impl::onResTypeComboBoxIndexChanged(int index)
+{
+    if (!hasStore("onResTypeComboBoxIndexChanged")) {
+        return;
+    }
+    const int kind = m_kind->itemData(index).toInt();
+    const auto getter = durationGetters().find(kind);
+    if (getter != durationGetters().end()) {
+        queueDuration(kind, read(getter->second, "onResTypeComboBoxIndexChanged"));
+    }
+}
+
+void ResPlayControlSettingBox::Impl::queueDuration(int kind, int milliseconds)
+{
+    m_queuedKinds.push_back(kind);
+    queue("setDurationTime", milliseconds);
+}
+
+void ResPlayControlSettingBox::Impl::setDurationTime(int milliseconds)
+{
+    if (!m_queuedKinds.empty()) {
+        const int kind = m_queuedKinds.front();
+        m_queuedKinds.pop_front();
+        setResourceSettings({kind, milliseconds});
+    }
+}
+
+void ResPlayControlSettingBox::Impl::setResourceSettings(const STResourceSettingsInfo& info)
+{
+    if (info.resourceType == m_kind->currentData().toInt()) {
+        showValue(m_duration, info.duration);
+    }
+}
+
+ResPlayControlSettingBox::ResPlayControlSettingBox(QWidget* parent) : SettingPage(parent)
+{
+    setImpl(std::make_unique<Impl>(this));
+}
+
+ResPlayControlSettingBox::~ResPlayControlSettingBox() = default;
+
+void ResPlayControlSettingBox::setSettings(MivoSettings* settings)
+{
+    if (Impl::isStore(settings, "setSettings")) {
+        impl<Impl>().setSettings(settings);
+    }
+}
+
+void ResPlayControlSettingBox::unsetSettings()
+{
+    if (impl<Impl>().hasStore("unsetSettings")) {
+        impl<Impl>().unsetSettings();
+    }
+}
+
+} // namespace mivo::settings
+
+#include "resplaycontrolsettingbox.moc"

@@ -1,0 +1,93 @@
+#include <mivosettingswidgets/resplaycontrolsettingbox.h>
+
+#include "support/fakestore.h"
+#include "support/testruntime.h"
+
+#include <mivowidgets/combobox.h>
+#include <mivowidgets/timeeditbox.h>
+
+#include <gtest/gtest.h>
+
+#include <QtTest/QTest>
+#include <QtWidgets/QApplication>
+
+namespace {
+
+class PlayControl : public ::testing::Test
+{
+protected:
+    PlayControl()
+    {
+        store.change("PictureDuration", 4000);
+        store.change("PowerPointDuration", 7000);
+        store.change("OSDDuration", 60000);
+        page.setZRRuntime(&runtime);
+        page.setSettings(&store);
+        QApplication::processEvents();
+        kind = page.findChild<mivo::widgets::ComboBox*>();
+        duration = page.findChild<mivo::widgets::TimeEditBox*>();
+        store.forgetCalls();
+    }
+
+    int shown() const { return duration->time().msecsSinceStartOfDay(); }
+
+    TestRuntime runtime;
+    FakeStore store;
+    mivo::settings::ResPlayControlSettingBox page;
+    mivo::widgets::ComboBox* kind = nullptr;
+    mivo::widgets::TimeEditBox* duration = nullptr;
+};
+
+} // namespace
+
+TEST_F(PlayControl, ChoosingAKindShowsItsDurationAndWritesNothing)
+{
+    EXPECT_EQ(shown(), 4000);
+    for (const auto& [index, milliseconds] : {std::pair(1, 7000), {2, 60000}, {0, 4000}}) {
+        kind->setCurrentIndex(index);
+        QApplication::processEvents();
+        EXPECT_EQ(shown(), milliseconds);
+    }
+    EXPECT_TRUE(store.calls("set").empty());
+
+    kind->setCurrentIndex(2);
+    QApplication::processEvents();
+    duration->setTime(QTime(1, 2, 3));
+    ASSERT_EQ(store.calls("set").size(), 1U);
+    EXPECT_EQ(store.calls("set")[0].operation, "setOSDDuration");
+    EXPECT_EQ(store.calls("set")[0].value, 3723000);
+}
+
+TEST_F(PlayControl, AnAnswerForAKindThatIsNoLongerChosenIsNotShown)
+{
+    kind->setCurrentIndex(1); // its duration is on its way ...
+    kind->setCurrentIndex(2); // ... and so is this one
+    QObject::connect(duration, &QTimeEdit::timeChanged, [] { FAIL() << "written back"; });
+    // The first answer alone: what it would show must not appear.
+    QCoreApplication::sendPostedEvents();
+    EXPECT_EQ(shown(), 60000);
+    runtime.call([this] { store.change("PowerPointDuration", 9000); });
+    QApplication::processEvents();
+    EXPECT_EQ(shown(), 60000) << "a change of another kind";
+    kind->setCurrentIndex(1);
+    QApplication::processEvents();
+    EXPECT_EQ(shown(), 9000);
+}
+
+TEST_F(PlayControl, KeepsToItsLimits)
+{
+    duration->setTime(QTime(0, 0, 0));
+    EXPECT_EQ(shown(), 3000);
+    duration->setTime(QTime(23, 59, 59, 999));
+    EXPECT_LE(shown(), 86399999);
+    for (const auto& call : store.calls("set")) {
+        EXPECT_GE(call.value.toInt(), 3000);
+        EXPECT_LE(call.value.toInt(), 86399000);
+    }
+    // A kind outside of the tables changes nothing in the store.
+    kind->addItem("Other", 99);
+    store.forgetCalls();
+    kind->setCurrentIndex(3);
+    duration->setTime(QTime(0, 1, 0));
+    EXPECT_TRUE(store.calls().empty());
+}
