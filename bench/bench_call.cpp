@@ -1,9 +1,9 @@
 // One read of the store from the GUI thread: callInRuntime on the host's runtime, beside the bare
 // hand-over to a thread, and beside Qt's own blocking call.
 
-#include "benchstore.h"
 #include "runtime/runtimethread.h"
 #include "storeaccess.h"
+#include "support/teststore.h"
 
 #include <benchmark/benchmark.h>
 
@@ -56,7 +56,7 @@ private:
 void floor(benchmark::State& state)
 {
     BareThread thread;
-    BenchStore store;
+    TestStore store;
     for (auto _ : state) {
         std::packaged_task<int()> task([&store] { return store.getUndoStep(); });
         auto result = task.get_future();
@@ -68,7 +68,7 @@ void floor(benchmark::State& state)
 void ours(benchmark::State& state)
 {
     mivohost::RuntimeThread runtime;
-    BenchStore store;
+    TestStore store;
     for (auto _ : state) {
         benchmark::DoNotOptimize(mivo::settings::callInRuntime(
             &runtime, __FILE__, __LINE__, "bench", &IMivoSettings::getUndoStep, &store));
@@ -81,7 +81,7 @@ void blockingQueued(benchmark::State& state)
     QObject object;
     object.moveToThread(&thread);
     thread.start();
-    BenchStore store;
+    TestStore store;
     for (auto _ : state) {
         int value = 0;
         QMetaObject::invokeMethod(

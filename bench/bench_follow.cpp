@@ -1,8 +1,8 @@
 // A change in the store until the control shows it, beside a bare queued setValue: one at a time,
 // and as a burst of which the last is waited for.
 
-#include "benchstore.h"
 #include "runtime/runtimethread.h"
+#include "support/teststore.h"
 
 #include <mivosettingswidgets/undosettingbox.h>
 #include <mivowidgets/spineditbox.h>
@@ -52,13 +52,13 @@ void floor(benchmark::State& state)
 void ours(benchmark::State& state)
 {
     mivohost::RuntimeThread runtime;
-    BenchStore store;
+    TestStore store;
     mivo::settings::UndoSettingBox page;
     page.setZRRuntime(&runtime);
     page.setSettings(&store);
     auto* edit = page.findChild<mivo::widgets::SpinEditBox*>();
     QCoreApplication::processEvents();
-    measure(state, runtime, *edit, [&store](int value) { store.setUndoStep(value); });
+    measure(state, runtime, *edit, [&store](int value) { store.undoStepChanged(value); });
 }
 
 BENCHMARK(floor)->Name("follow/floor")->Arg(1)->Arg(1000)->UseRealTime()->MinTime(0.05);

@@ -1,8 +1,8 @@
 // The language of everything, switched there and back in an open dialog: microseconds a text,
 // beside one look-up in a bare QTranslator.
 
-#include "benchstore.h"
 #include "runtime/runtimethread.h"
+#include "support/teststore.h"
 #include "surface/settingsview.h"
 
 #include <mivosettingswidgets/settingsdialog.h>
@@ -40,7 +40,7 @@ struct OpenDialog
     }
 
     mivohost::RuntimeThread runtime;
-    BenchStore store;
+    TestStore store;
     mivohost::SettingsView view;
     QStringList keys;
 };

@@ -28,7 +28,7 @@ void ours(benchmark::State& state, bool styled)
 {
     useLook(styled);
     mivohost::RuntimeThread runtime;
-    BenchStore store;
+    TestStore store;
     for (auto _ : state) {
         state.SetIterationTime(opening::secondsToOpenOurs(runtime, store));
     }

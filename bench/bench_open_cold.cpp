@@ -51,7 +51,7 @@ int main(int argc, char** argv)
     } else if (variant == "ours") {
         useEnglish();
         mivohost::RuntimeThread runtime;
-        BenchStore store;
+        TestStore store;
         seconds = opening::secondsToOpenOurs(runtime, store);
     } else {
         std::fprintf(stderr, "usage: bench_open_cold --variants | floor | ours\n");

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "benchstore.h"
 #include "runtime/runtimethread.h"
+#include "support/teststore.h"
 #include "surface/settingsview.h"
 
 #include <mivosettingswidgets/isettingbox.h>
@@ -114,7 +114,7 @@ inline Recipe recipeOf(mivohost::SettingsView& view)
 inline Recipe makeRecipe()
 {
     mivohost::RuntimeThread runtime;
-    BenchStore store;
+    TestStore store;
     mivohost::SettingsView view(runtime, store, nullptr);
     return recipeOf(view);
 }
@@ -184,7 +184,7 @@ double secondsToOpen(Make make)
     return 1e-9 * static_cast<double>(timer.nsecsElapsed());
 }
 
-inline double secondsToOpenOurs(mivohost::RuntimeThread& runtime, BenchStore& store)
+inline double secondsToOpenOurs(mivohost::RuntimeThread& runtime, TestStore& store)
 {
     return secondsToOpen([&] {
         auto view = std::make_unique<mivohost::SettingsView>(runtime, store, nullptr);

@@ -1,7 +1,7 @@
 #include <mivosettingswidgets/resplaycontrolsettingbox.h>
 
-#include "support/fakestore.h"
 #include "support/testruntime.h"
+#include "support/teststore.h"
 
 #include <mivowidgets/combobox.h>
 #include <mivowidgets/timeeditbox.h>
@@ -18,21 +18,18 @@ class PlayControl : public ::testing::Test
 protected:
     PlayControl()
     {
-        store.change("PictureDuration", 4000);
-        store.change("PowerPointDuration", 7000);
-        store.change("OSDDuration", 60000);
         page.setZRRuntime(&runtime);
         page.setSettings(&store);
         QApplication::processEvents();
         kind = page.findChild<mivo::widgets::ComboBox*>();
         duration = page.findChild<mivo::widgets::TimeEditBox*>();
-        store.forgetCalls();
     }
 
     int shown() const { return duration->time().msecsSinceStartOfDay(); }
 
     TestRuntime runtime;
-    FakeStore store;
+    TestStore store{
+        {{"pictureDuration", 4000}, {"powerPointDuration", 7000}, {"osdDuration", 60000}}};
     mivo::settings::ResPlayControlSettingBox page;
     mivo::widgets::ComboBox* kind = nullptr;
     mivo::widgets::TimeEditBox* duration = nullptr;
@@ -48,14 +45,14 @@ TEST_F(PlayControl, ChoosingAKindShowsItsDurationAndWritesNothing)
         QApplication::processEvents();
         EXPECT_EQ(shown(), milliseconds);
     }
-    EXPECT_TRUE(store.calls("set").empty());
+    EXPECT_TRUE(store.kept.writes.empty());
 
     kind->setCurrentIndex(2);
     QApplication::processEvents();
     duration->setTime(QTime(1, 2, 3));
-    ASSERT_EQ(store.calls("set").size(), 1U);
-    EXPECT_EQ(store.calls("set")[0].operation, "setOSDDuration");
-    EXPECT_EQ(store.calls("set")[0].value, 3723000);
+    ASSERT_EQ(store.kept.writes.size(), 1U);
+    EXPECT_EQ(store.kept.writes[0].key, "osdDuration");
+    EXPECT_EQ(store.kept.writes[0].value, 3723000);
 }
 
 TEST_F(PlayControl, AnAnswerForAKindThatIsNoLongerChosenIsNotShown)
@@ -66,7 +63,7 @@ TEST_F(PlayControl, AnAnswerForAKindThatIsNoLongerChosenIsNotShown)
     // The first answer alone: what it would show must not appear.
     QCoreApplication::sendPostedEvents();
     EXPECT_EQ(shown(), 60000);
-    runtime.call([this] { store.change("PowerPointDuration", 9000); });
+    runtime.call([this] { store.change("powerPointDuration", 9000); });
     QApplication::processEvents();
     EXPECT_EQ(shown(), 60000) << "a change of another kind";
     kind->setCurrentIndex(1);
@@ -80,14 +77,14 @@ TEST_F(PlayControl, KeepsToItsLimits)
     EXPECT_EQ(shown(), 3000);
     duration->setTime(QTime(23, 59, 59, 999));
     EXPECT_LE(shown(), 86399999);
-    for (const auto& call : store.calls("set")) {
-        EXPECT_GE(call.value.toInt(), 3000);
-        EXPECT_LE(call.value.toInt(), 86399000);
+    for (const auto& write : store.kept.writes) {
+        EXPECT_GE(write.value.toInt(), 3000);
+        EXPECT_LE(write.value.toInt(), 86399000);
     }
     // A kind outside of the tables changes nothing in the store.
     kind->addItem("Other", 99);
-    store.forgetCalls();
+    store.kept.writes.clear();
     kind->setCurrentIndex(3);
     duration->setTime(QTime(0, 1, 0));
-    EXPECT_TRUE(store.calls().empty());
+    EXPECT_TRUE(store.kept.writes.empty());
 }

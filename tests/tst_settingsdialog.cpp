@@ -1,9 +1,9 @@
 #include <mivosettingswidgets/settingsdialog.h>
 
-#include "support/fakestore.h"
 #include "support/logcapture.h"
 #include "support/plainpage.h"
 #include "support/testruntime.h"
+#include "support/teststore.h"
 #include "surface/settingsview.h"
 
 #include <mivosettingswidgets/settingwdigettranslatemanager.h>
@@ -270,11 +270,11 @@ protected:
         edit->setFocus();
         QTest::keySequence(edit, QKeySequence::SelectAll);
         QTest::keyClicks(edit, "80");
-        EXPECT_TRUE(store.calls("set").empty()) << "written before the edit was finished";
+        EXPECT_TRUE(store.kept.writes.empty()) << "written before the edit was finished";
     }
 
     TestRuntime runtime;
-    FakeStore store;
+    TestStore store;
     std::unique_ptr<mivohost::SettingsView> view;
     mivo::widgets::SpinEditBox* edit = nullptr;
 };
@@ -284,30 +284,30 @@ protected:
 TEST_F(BoundDialog, ReturnFinishesAnEditAndPressesNoButton)
 {
     QTest::keyClick(edit, Qt::Key_Return);
-    ASSERT_EQ(store.calls("set").size(), 1U);
-    EXPECT_EQ(store.calls("set")[0].value, 80);
+    ASSERT_EQ(store.kept.writes.size(), 1U);
+    EXPECT_EQ(store.kept.writes[0].value, 80);
     EXPECT_TRUE(view->dialog().isVisible());
 }
 
 TEST_F(BoundDialog, ClosingFinishesAnEdit)
 {
     view->dialog().close();
-    ASSERT_FALSE(store.calls("set").empty());
-    EXPECT_EQ(store.calls("set").back().value, 80);
+    ASSERT_FALSE(store.kept.writes.empty());
+    EXPECT_EQ(store.kept.writes.back().value, 80);
 }
 
 TEST_F(BoundDialog, EscapeFinishesAnEdit)
 {
     QTest::keyClick(edit, Qt::Key_Escape);
     EXPECT_FALSE(view->dialog().isVisible());
-    ASSERT_FALSE(store.calls("set").empty());
-    EXPECT_EQ(store.calls("set").back().value, 80);
+    ASSERT_FALSE(store.kept.writes.empty());
+    EXPECT_EQ(store.kept.writes.back().value, 80);
 }
 
 TEST_F(BoundDialog, DestroyingItFinishesAnEdit)
 {
     view.reset();
-    ASSERT_FALSE(store.calls("set").empty());
-    EXPECT_EQ(store.calls("set").back().value, 80);
+    ASSERT_FALSE(store.kept.writes.empty());
+    EXPECT_EQ(store.kept.writes.back().value, 80);
     EXPECT_EQ(store.connections(), 0U);
 }

@@ -1,8 +1,8 @@
-#include "store/settingsstore.h"
 #include "store/sqlitepersistence.h"
 
 #include "support/logcapture.h"
 #include "support/otherprocess.h"
+#include "support/teststore.h"
 
 #include <gtest/gtest.h>
 
@@ -16,49 +16,21 @@
 
 #include <csignal>
 
-using mivohost::SettingsPersistence;
-using mivohost::SettingsStore;
 using mivohost::SqlitePersistence;
 using Status = SqlitePersistence::Status;
 
 namespace {
 
-/// Persistence in memory whose writes can be made to fail, and which others can change.
-class FakePersistence : public SettingsPersistence
-{
-public:
-    QVariantHash loadAll() override { return rows; }
-    bool write(const QString& key, const QVariant& value) override
-    {
-        if (!fails) {
-            rows[key] = value;
-            ++writes;
-        }
-        return !fails;
-    }
-    QString lastError() const override { return "disk full"; }
-    void watch(ChangeHandler handler) override { elsewhere = std::move(handler); }
-
-    QVariantHash rows;
-    bool fails = false;
-    int writes = 0;
-    ChangeHandler elsewhere;
-};
-
 class Store : public ::testing::Test
 {
 protected:
-    std::unique_ptr<SettingsStore> make(const QVariantHash& rows = {})
+    std::unique_ptr<TestStore> make(const QVariantHash& rows = {})
     {
-        auto persistence = std::make_unique<FakePersistence>();
-        kept = persistence.get();
-        kept->rows = rows;
-        auto store = std::make_unique<SettingsStore>(std::move(persistence));
+        auto store = std::make_unique<TestStore>(rows);
         store->undoStepChanged.connect([this](int step) { announced.push_back(step); });
         return store;
     }
 
-    FakePersistence* kept = nullptr;
     std::vector<int> announced;
     LogCapture log;
 };
@@ -106,7 +78,7 @@ TEST_F(Store, StartsWithTheDefaultsAndKeepsWhatIsSet)
     store->setAutoSyncResources(true);
     store->setLanguage("zh_cn");
     EXPECT_EQ(announced, std::vector{80});
-    const QVariantHash rows = kept->rows;
+    const QVariantHash rows = store->kept.rows;
     store = make(rows);
     EXPECT_EQ(store->getUndoStep(), 80);
     EXPECT_TRUE(store->getAutoSyncResources());
@@ -118,7 +90,7 @@ TEST_F(Store, DoesNotWriteWhatIsThereAlready)
     auto store = make();
     store->setUndoStep(80);
     store->setUndoStep(80);
-    EXPECT_EQ(kept->writes, 1);
+    EXPECT_EQ(store->kept.writes.size(), 1U);
     EXPECT_EQ(announced, std::vector{80});
 }
 
@@ -147,9 +119,9 @@ TEST_F(Store, ResetsUnusableRowsToTheirDefaults)
         log.clear();
         auto store = make({{"undoStep", test.row}, {"fromALaterVersion", "kept"}});
         EXPECT_EQ(store->getUndoStep() == 50, !test.usable) << test.row.toString().toStdString();
-        EXPECT_EQ(kept->rows["undoStep"] == 50, !test.usable);
+        EXPECT_EQ(store->kept.rows["undoStep"] == 50, !test.usable);
         EXPECT_EQ(log.lines().size(), test.usable ? 0U : 1U);
-        EXPECT_EQ(kept->rows["fromALaterVersion"], "kept");
+        EXPECT_EQ(store->kept.rows["fromALaterVersion"], "kept");
     }
     auto store = make({{"autoSyncResources", 2}});
     EXPECT_FALSE(store->getAutoSyncResources());
@@ -160,7 +132,7 @@ TEST_F(Store, AWriteThatFailsChangesNothingAndTellsEverybody)
     auto store = make({{"undoStep", 70}});
     QString told;
     store->setFailureHandler([&told](const QString& reason) { told = reason; });
-    kept->fails = true;
+    store->kept.fails = true;
     store->setUndoStep(80);
     EXPECT_EQ(store->getUndoStep(), 70);
     EXPECT_EQ(announced, std::vector{70}) << "the control must go back to what is kept";
@@ -172,13 +144,13 @@ TEST_F(Store, AWriteThatFailsChangesNothingAndTellsEverybody)
 TEST_F(Store, FollowsChangesFromElsewhere)
 {
     auto store = make();
-    kept->elsewhere("undoStep", 90);
-    kept->elsewhere("undoStep", 90);
-    kept->elsewhere("undoStep", 9000);
-    kept->elsewhere("unknown", 1);
+    store->change("undoStep", 90);
+    store->change("undoStep", 90);
+    store->change("undoStep", 9000);
+    store->change("unknown", 1);
     EXPECT_EQ(store->getUndoStep(), 90);
     EXPECT_EQ(announced, std::vector{90});
-    EXPECT_EQ(kept->writes, 0);
+    EXPECT_EQ(store->kept.writes.size(), 0U);
 }
 
 TEST_F(StoreFile, IsMadeWithItsFolderAndReadAgain)

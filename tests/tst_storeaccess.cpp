@@ -1,8 +1,8 @@
 #include "storeaccess.h"
 
-#include "support/fakestore.h"
 #include "support/logcapture.h"
 #include "support/testruntime.h"
+#include "support/teststore.h"
 
 #include <gtest/gtest.h>
 
@@ -41,14 +41,12 @@ TEST(StoreAccess, WarningHasItsPlaceOnALineOfItsOwn)
 TEST(StoreAccess, RunsOnTheRuntimeThreadAndNamesTheCaller)
 {
     TestRuntime runtime;
-    FakeStore store;
+    TestStore store;
     callInRuntime(&runtime, "a.cpp", 5, "write", &IMivoSettings::setUndoStep, &store, 80);
     EXPECT_EQ(callInRuntime(&runtime, "a.cpp", 6, "read", &IMivoSettings::getUndoStep, &store), 80);
 
-    const auto calls = store.calls();
-    ASSERT_EQ(calls.size(), 2U);
-    EXPECT_EQ(calls[0].thread, runtime.thread());
-    EXPECT_EQ(calls[1].thread, runtime.thread());
+    ASSERT_EQ(store.kept.writes.size(), 1U);
+    EXPECT_EQ(store.kept.writes[0].thread, runtime.thread());
     const auto posted = runtime.takePosted();
     ASSERT_EQ(posted.size(), 2U) << "one hop per value";
     EXPECT_EQ(posted[1].file, "a.cpp");
@@ -59,10 +57,10 @@ TEST(StoreAccess, RunsOnTheRuntimeThreadAndNamesTheCaller)
 TEST(StoreAccess, CallsStraightThroughOnTheRuntimeThread)
 {
     TestRuntime runtime;
-    FakeStore store;
+    TestStore store;
     runtime.call(
         [&] { callInRuntime(&runtime, "a.cpp", 1, "f", &IMivoSettings::setUndoStep, &store, 7); });
-    EXPECT_EQ(store.calls("setUndoStep").size(), 1U);
+    EXPECT_EQ(store.kept.writes.size(), 1U);
     EXPECT_TRUE(runtime.takePosted().empty());
 }
 
@@ -70,7 +68,7 @@ TEST(StoreAccess, ARefusingRuntimeGivesValueInitialisedResults)
 {
     TestRuntime runtime;
     runtime.refuses = true;
-    FakeStore store;
+    TestStore store;
     bool ran = false;
     EXPECT_EQ(callInRuntime(&runtime, "", 1, "f", [] { return 5; }), 0);
     EXPECT_EQ(callInRuntime(&runtime, "", 1, "f", [] { return QString("x"); }), QString());

@@ -37,9 +37,76 @@ public:
     virtual void setOSDDuration(int milliseconds) = 0;
     virtual int getOSDDuration() = 0;
 
+    virtual STMivoAutoStartSettings getAutoStartSettings() = 0;
+    virtual void setAutoStart(bool on) = 0;
+    virtual void setCloseSoftWareMinimize(bool on) = 0;
+    virtual void setAutoStartDelayTime(int seconds) = 0; ///< 0 to 300
+
+    virtual STMivoTimedShutdownSettings getTimedShutdownSettings() = 0;
+    virtual void setTimedShutdownSettings(const STMivoTimedShutdownSettings& info) = 0;
+    virtual STMivoTimedAutomaticRestartSettings getTimedAutomaticRestartSettings() = 0;
+    virtual void
+    setTimedAutomaticRestartSettings(const STMivoTimedAutomaticRestartSettings& info) = 0;
+
+    /// What the operator decided when the moment had come: true carries the action out now. Comes
+    /// once more with the answer of the prompt after a count-down that ran out.
+    virtual void executeTimedShutdown(bool now) = 0;
+    virtual void executeTimedAutomaticRestart(bool now) = 0;
+
+    virtual STProjectFileSettingsInfo getProjectFileSettings() = 0;
+    virtual void setOpenRecentFiles(bool on) = 0;
+    virtual void setOpenProjectFileDefaultPlay(bool on) = 0;
+    virtual void setAutoSaveProjectFiles(bool on) = 0;
+    virtual void setAutoSaveProjectFilesInterval(int minutes) = 0; ///< 1 to 30
+    virtual void setAutoSaveProjectFilesMaxNum(int saves) = 0;     ///< 1 to 20
+    virtual void setAutoSavePath(const QString& folder) = 0;
+    virtual void setNotPromptForSave(bool on) = 0;
+    virtual void setNewProjResetOutput(bool on) = 0;
+
+    virtual STFileInfoSettings getFileInfoSettings() = 0;
+    virtual void setPlayLogStorageTimeType(int type) = 0; ///< an EnumPlayLogStorageTime
+    virtual void setPlayLogPath(const std::string& folder) = 0;
+    virtual void setCachePath(const std::string& folder) = 0;
+    virtual void setSharePath(const std::string& folder) = 0;
+
     sigslot::signal<const int> undoStepChanged;
     sigslot::signal<const bool> autoSyncResourcesChanged;
     sigslot::signal<const STResourceSettingsInfo&> resourceSettingsChanged; ///< of any one kind
+
+    sigslot::signal<const bool> autoStartChanged;
+    sigslot::signal<const bool> closeSoftWareMinimizeChanged;
+    sigslot::signal<const int> autoStartDelayTimeChanged;
+    sigslot::signal<const STMivoAutoStartSettings&> autoStartSettingsChanged; ///< all at once
+
+    /// The schedules; `...Loaded` where they became known only now, before the first change.
+    sigslot::signal<const STMivoTimedShutdownSettings&> timedShutdownSettingsLoaded;
+    sigslot::signal<const STMivoTimedShutdownSettings&> timedShutdownSettingsChanged;
+    sigslot::signal<const bool> timedShutdownEnabledChanged; ///< the rest of the schedule stays
+    sigslot::signal<const STMivoTimedAutomaticRestartSettings&> timedAutomaticRestartSettingsLoaded;
+    sigslot::signal<const STMivoTimedAutomaticRestartSettings&>
+        timedAutomaticRestartSettingsChanged;
+
+    /// The moment has come: a prompt counts down these seconds.
+    sigslot::signal<const int> timedShutdownCount;
+    sigslot::signal<const int> timedAutomaticRestartCount;
+
+    /// From the companion shell: ends the prompt; with true the action is carried out now.
+    sigslot::signal<const bool> linkShutdown;
+    sigslot::signal<const bool> linkRestart;
+
+    sigslot::signal<const bool> openRecentFilesChanged;
+    sigslot::signal<const bool> openProjectFileDefaultPlayChanged;
+    sigslot::signal<const bool> autoSaveProjectFilesChanged;
+    sigslot::signal<const int> autoSaveProjectFilesIntervalChanged;
+    sigslot::signal<const int> autoSaveProjectFilesMaxNumChanged;
+    sigslot::signal<const QString&> autoSavePathChanged;
+    sigslot::signal<const bool> notPromptForSaveChanged;
+    sigslot::signal<const bool> newProjResetOutputChanged;
+
+    sigslot::signal<const int> playLogStorageTimeTypeChanged;
+    sigslot::signal<const std::string&> playLogPathChanged;
+    sigslot::signal<const std::string&> cachePathChanged;
+    sigslot::signal<const std::string&> sharePathChanged;
 };
 
 /// The store type that a host derives its own store from and that pages are bound to.

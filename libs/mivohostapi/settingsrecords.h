@@ -1,8 +1,11 @@
 #pragma once
 
 #include <QtCore/QMetaType>
+#include <QtCore/QString>
 
 #include <ostream>
+#include <string>
+#include <tuple>
 
 // Records of the settings store: values, equal when all their fields are. Their defaults are what a
 // first run shows.
@@ -16,13 +19,103 @@ struct STResourceSettingsInfo
     int resourceType = ResourcePicture; ///< an EnumResourceKind
     int duration = 5000;                ///< milliseconds
 
-    friend bool operator==(const STResourceSettingsInfo& a, const STResourceSettingsInfo& b)
-    {
-        return a.resourceType == b.resourceType && a.duration == b.duration;
-    }
-    friend std::ostream& operator<<(std::ostream& out, const STResourceSettingsInfo& info)
-    {
-        return out << "kind " << info.resourceType << ": " << info.duration << " ms";
-    }
+    auto fields() const { return std::tie(resourceType, duration); }
 };
 Q_DECLARE_METATYPE(STResourceSettingsInfo)
+
+/// How the application starts and closes.
+struct STMivoAutoStartSettings
+{
+    bool autoStart = false;             ///< start when the user logs on
+    bool closeSoftWareMinimize = false; ///< closing the main window minimises to the tray
+    int autoStartDelayTime = 0;         ///< seconds from log-on to start, 0 to 300
+
+    auto fields() const { return std::tie(autoStart, closeSoftWareMinimize, autoStartDelayTime); }
+};
+Q_DECLARE_METATYPE(STMivoAutoStartSettings)
+
+/// When the machine is shut down.
+struct STMivoTimedShutdownSettings
+{
+    bool enabled = false;
+    int weekDayIndex = 0;          ///< 0 every day, 1 Monday ... 7 Sunday
+    std::string time = "00:00:00"; ///< of the day, "hh:mm:ss"
+
+    auto fields() const { return std::tie(enabled, weekDayIndex, time); }
+};
+Q_DECLARE_METATYPE(STMivoTimedShutdownSettings)
+
+/// When the machine is restarted.
+struct STMivoTimedAutomaticRestartSettings
+{
+    bool enabled = false;
+    int monthIndex = 0;            ///< 0 every month, 1 January ... 12 December
+    int dayIndex = 0;              ///< 0 every day, else the day of the month
+    std::string time = "00:00:00"; ///< of the day, "hh:mm:ss"
+
+    auto fields() const { return std::tie(enabled, monthIndex, dayIndex, time); }
+};
+Q_DECLARE_METATYPE(STMivoTimedAutomaticRestartSettings)
+
+/// How project files are opened, saved and closed.
+struct STProjectFileSettingsInfo
+{
+    bool openRecentFiles = false; ///< open the last project after the start
+    bool openProjectFileDefaultPlay = false;
+    bool autoSaveProjectFiles = false;
+    int autoSaveProjectFilesInterval = 5; ///< minutes, 1 to 30
+    int autoSaveProjectFilesMaxNum = 5;   ///< saves that are kept, 1 to 20
+    QString autoSavePath;                 ///< folder of the saves
+    bool notPromptForSave = false;        ///< close without asking whether to save
+    bool newProjResetOutput = false;      ///< a new project resets the outputs
+
+    auto fields() const
+    {
+        return std::tie(openRecentFiles, openProjectFileDefaultPlay, autoSaveProjectFiles,
+                        autoSaveProjectFilesInterval, autoSaveProjectFilesMaxNum, autoSavePath,
+                        notPromptForSave, newProjResetOutput);
+    }
+};
+Q_DECLARE_METATYPE(STProjectFileSettingsInfo)
+
+/// How long the play log goes back.
+enum EnumPlayLogStorageTime {
+    PlayLogPermanent,
+    PlayLogOneMonth,
+    PlayLogThreeMonths,
+    PlayLogSixMonths,
+    PlayLogTwelveMonths
+};
+
+/// Where the application keeps its files. Paths in UTF-8.
+struct STFileInfoSettings
+{
+    int playLogStorageTimeType = PlayLogPermanent; ///< an EnumPlayLogStorageTime
+    std::string playLogPath;
+    std::string cachePath;
+    std::string sharePath;
+
+    auto fields() const
+    {
+        return std::tie(playLogStorageTimeType, playLogPath, cachePath, sharePath);
+    }
+};
+Q_DECLARE_METATYPE(STFileInfoSettings)
+
+inline std::ostream& operator<<(std::ostream& out, const QString& text)
+{
+    return out << text.toStdString();
+}
+
+template <typename Record>
+auto operator==(const Record& a, const Record& b) -> decltype(a.fields(), bool())
+{
+    return a.fields() == b.fields();
+}
+
+template <typename Record>
+auto operator<<(std::ostream& out, const Record& record) -> decltype(record.fields(), out)
+{
+    std::apply([&out](const auto&... field) { ((out << field << "; "), ...); }, record.fields());
+    return out;
+}

@@ -64,15 +64,15 @@ const std::vector<PageCase>& pageCases()
 {
     static const std::vector<PageCase> cases{
         pageCase<UndoSettingBox>("undosettingbox.cpp", true, false, 1, 1,
-                                 {{"UndoStep", "mivo::widgets::SpinEditBox", 0, 50., 120, 500, 1.,
+                                 {{"undoStep", "mivo::widgets::SpinEditBox", 0, 50., 120, 500, 1.,
                                    80., typing("80"), "slotUndoStepChanged"}}),
         pageCase<OnlineSettingBox>(
             "onlinesettingbox.cpp", false, false, 1, 1,
-            {{"AutoSyncResources", "mivo::widgets::CheckBox", 0, false, false, false, false, true,
+            {{"autoSyncResources", "mivo::widgets::CheckBox", 0, false, false, false, false, true,
               clicking, "onAutoSyncResourcesStateChanged"}}),
         pageCase<ResPlayControlSettingBox>(
             "resplaycontrolsettingbox.cpp", true, true, 1, 1,
-            {{"PictureDuration", "mivo::widgets::TimeEditBox", 0, 5000, 8000, 9000, 5000, 83000,
+            {{"pictureDuration", "mivo::widgets::TimeEditBox", 0, 5000, 8000, 9000, 5000, 83000,
               typingTime("000123"), "onDurationTimeChanged"}}),
     };
     return cases;

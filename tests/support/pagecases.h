@@ -15,7 +15,7 @@ class MivoSettings;
 /// One control of a page, its setting, and what a person does to it.
 struct ControlCase
 {
-    std::string setting; ///< the store's name of it: getX, setX, xChanged
+    const char* setting; ///< its key in the store
     const char* type;    ///< class name of the control; the `index`-th of that type on the page
     int index;
     QVariant initial;                   ///< shown when nothing is bound
@@ -28,7 +28,7 @@ struct ControlCase
 };
 
 /// One page: how it is made and bound, and its controls. A new page joins all tests of pages by a
-/// case here and its operations in FakeStore.
+/// case here.
 struct PageCase
 {
     std::string name;

@@ -2,6 +2,8 @@
 
 #include "qvspdlog/spdlogapplication.h"
 
+#include <QtCore/QTime>
+
 #include <algorithm>
 #include <array>
 #include <optional>
@@ -11,72 +13,171 @@ namespace mivohost {
 
 namespace {
 
+using Announce = void (*)(SettingsStore&, const QVariant&);
+
 struct Setting
 {
     const char* key;
     QVariant fallback; // its type is the setting's type: int, bool or QString
-    int lowest;
-    int highest;
-    void (*announce)(SettingsStore&); // or null: nobody follows it
+    int lowest = 0;
+    int highest = 0;
+    Announce announce = nullptr;               // null: nobody follows it
+    bool (*isValid)(const QString&) = nullptr; // of a text; null: every text is
+
+    Setting(const char* settingKey, bool value, Announce announcing = nullptr)
+        : key(settingKey), fallback(value), highest(1), announce(announcing)
+    {}
+    Setting(const char* settingKey, int value, int from, int to, Announce announcing = nullptr)
+        : key(settingKey), fallback(value), lowest(from), highest(to), announce(announcing)
+    {}
+    Setting(const char* settingKey, const QString& value, Announce announcing = nullptr,
+            bool (*isValidText)(const QString&) = nullptr)
+        : key(settingKey), fallback(value), announce(announcing), isValid(isValidText)
+    {}
 
     /// `raw` as a value of this setting, if it is one.
     std::optional<QVariant> accept(const QVariant& raw) const
     {
+        if (fallback.userType() == QMetaType::QString) {
+            const QString text = raw.toString();
+            return isValid == nullptr || isValid(text) ? std::optional(QVariant(text))
+                                                       : std::nullopt;
+        }
         bool isNumber = false;
         const int number = raw.toString().toInt(&isNumber);
-        switch (static_cast<QMetaType::Type>(fallback.userType())) {
-        case QMetaType::Int:
-            return isNumber && number >= lowest && number <= highest
-                       ? std::optional(QVariant(number))
-                       : std::nullopt;
-        case QMetaType::Bool:
-            return isNumber && (number == 0 || number == 1) ? std::optional(QVariant(number == 1))
-                                                            : std::nullopt;
-        default:
-            return raw.toString();
+        if (!isNumber || number < lowest || number > highest) {
+            return std::nullopt;
         }
+        return fallback.userType() == QMetaType::Bool ? QVariant(number == 1) : QVariant(number);
     }
 
-    /// The nearest value that the setting can have.
-    QVariant corrected(const QVariant& wanted) const
+    /// What is taken over for `wanted`: the nearest number in the range, or `held` for a text that
+    /// is no value of this setting.
+    QVariant corrected(const QVariant& wanted, const QVariant& held) const
     {
-        return fallback.userType() == QMetaType::Int
-                   ? QVariant(std::clamp(wanted.toInt(), lowest, highest))
-                   : wanted;
+        if (fallback.userType() == QMetaType::Int) {
+            return std::clamp(wanted.toInt(), lowest, highest);
+        }
+        return isValid == nullptr || isValid(wanted.toString()) ? wanted : held;
     }
 };
+
+// Records are kept as one text each, so that a crash leaves a record whole: "enabled|index|time".
+
+QStringList fieldsOf(const QString& record)
+{
+    return record.split('|');
+}
+
+bool isIndex(const QString& text, int highest)
+{
+    bool isNumber = false;
+    const int number = text.toInt(&isNumber);
+    return isNumber && number >= 0 && number <= highest;
+}
+
+bool isTimeOfDay(const QString& text)
+{
+    return QTime::fromString(text, QStringLiteral("hh:mm:ss")).isValid();
+}
+
+bool isShutdown(const QString& record)
+{
+    const QStringList fields = fieldsOf(record);
+    return fields.size() == 3 && isIndex(fields[0], 1) && isIndex(fields[1], 7)
+           && isTimeOfDay(fields[2]);
+}
+
+bool isRestart(const QString& record)
+{
+    const QStringList fields = fieldsOf(record);
+    return fields.size() == 4 && isIndex(fields[0], 1) && isIndex(fields[1], 12)
+           && isIndex(fields[2], 31) && isTimeOfDay(fields[3]);
+}
+
+template <typename T>
+T as(const QVariant& value)
+{
+    return value.value<T>();
+}
+
+template <>
+std::string as(const QVariant& value)
+{
+    return value.toString().toStdString();
+}
+
+template <>
+STMivoTimedShutdownSettings as(const QVariant& value)
+{
+    const QStringList fields = fieldsOf(value.toString());
+    return {fields[0] == QLatin1String("1"), fields[1].toInt(), fields[2].toStdString()};
+}
+
+template <>
+STMivoTimedAutomaticRestartSettings as(const QVariant& value)
+{
+    const QStringList fields = fieldsOf(value.toString());
+    return {fields[0] == QLatin1String("1"), fields[1].toInt(), fields[2].toInt(),
+            fields[3].toStdString()};
+}
+
+template <typename T>
+void emitWith(sigslot::signal<T>& changed, const QVariant& value)
+{
+    changed(as<std::decay_t<T>>(value));
+}
+
+/// Emits a change signal with the value.
+template <auto Signal>
+void announce(SettingsStore& store, const QVariant& value)
+{
+    emitWith(store.*Signal, value);
+}
+
+template <EnumResourceKind Kind>
+void announceDuration(SettingsStore& store, const QVariant& value)
+{
+    store.resourceSettingsChanged(STResourceSettingsInfo{Kind, value.toInt()});
+}
 
 // Durations: from three seconds to one second before a day.
 constexpr int shortest = 3000;
 constexpr int longest = 86399000;
 
-/// Emits the change signal with what the getter gives.
-template <auto Signal, auto Getter>
-void announce(SettingsStore& store)
-{
-    (store.*Signal)((store.*Getter)());
-}
-
-template <EnumResourceKind Kind, auto Getter>
-void announceDuration(SettingsStore& store)
-{
-    store.resourceSettingsChanged(STResourceSettingsInfo{Kind, (store.*Getter)()});
-}
-
 using Store = SettingsStore;
 
 const std::array settings{
-    Setting{"undoStep", 50, 1, 500, announce<&Store::undoStepChanged, &Store::getUndoStep>},
-    Setting{"autoSyncResources", false, 0, 1,
-            announce<&Store::autoSyncResourcesChanged, &Store::getAutoSyncResources>},
-    Setting{"resourceType", ResourcePicture, ResourcePicture, ResourceOSD, nullptr},
-    Setting{"pictureDuration", 5000, shortest, longest,
-            announceDuration<ResourcePicture, &Store::getPictureDuration>},
-    Setting{"powerPointDuration", 5000, shortest, longest,
-            announceDuration<ResourcePowerPoint, &Store::getPowerPointDuration>},
-    Setting{"osdDuration", 5000, shortest, longest,
-            announceDuration<ResourceOSD, &Store::getOSDDuration>},
-    Setting{"language", QString(), 0, 0, nullptr},
+    Setting("undoStep", 50, 1, 500, announce<&Store::undoStepChanged>),
+    Setting("autoSyncResources", false, announce<&Store::autoSyncResourcesChanged>),
+    Setting("resourceType", ResourcePicture, ResourcePicture, ResourceOSD),
+    Setting("pictureDuration", 5000, shortest, longest, announceDuration<ResourcePicture>),
+    Setting("powerPointDuration", 5000, shortest, longest, announceDuration<ResourcePowerPoint>),
+    Setting("osdDuration", 5000, shortest, longest, announceDuration<ResourceOSD>),
+    Setting("autoStart", false, announce<&Store::autoStartChanged>),
+    Setting("closeSoftWareMinimize", false, announce<&Store::closeSoftWareMinimizeChanged>),
+    Setting("autoStartDelayTime", 0, 0, 300, announce<&Store::autoStartDelayTimeChanged>),
+    Setting("timedShutdown", "0|0|00:00:00", announce<&Store::timedShutdownSettingsChanged>,
+            isShutdown),
+    Setting("timedAutomaticRestart", "0|0|0|00:00:00",
+            announce<&Store::timedAutomaticRestartSettingsChanged>, isRestart),
+    Setting("openRecentFiles", false, announce<&Store::openRecentFilesChanged>),
+    Setting("openProjectFileDefaultPlay", false,
+            announce<&Store::openProjectFileDefaultPlayChanged>),
+    Setting("autoSaveProjectFiles", false, announce<&Store::autoSaveProjectFilesChanged>),
+    Setting("autoSaveProjectFilesInterval", 5, 1, 30,
+            announce<&Store::autoSaveProjectFilesIntervalChanged>),
+    Setting("autoSaveProjectFilesMaxNum", 5, 1, 20,
+            announce<&Store::autoSaveProjectFilesMaxNumChanged>),
+    Setting("autoSavePath", QString(), announce<&Store::autoSavePathChanged>),
+    Setting("notPromptForSave", false, announce<&Store::notPromptForSaveChanged>),
+    Setting("newProjResetOutput", false, announce<&Store::newProjResetOutputChanged>),
+    Setting("playLogStorageTimeType", PlayLogPermanent, PlayLogPermanent, PlayLogTwelveMonths,
+            announce<&Store::playLogStorageTimeTypeChanged>),
+    Setting("playLogPath", QString(), announce<&Store::playLogPathChanged>),
+    Setting("cachePath", QString(), announce<&Store::cachePathChanged>),
+    Setting("sharePath", QString(), announce<&Store::sharePathChanged>),
+    Setting("language", QString()),
 };
 
 const Setting* find(const QString& key)
@@ -87,7 +188,7 @@ const Setting* find(const QString& key)
 }
 
 /// Bool is kept as 0 or 1, so that a row reads the same whatever wrote it.
-QVariant stored(const QVariant& value)
+QVariant asRow(const QVariant& value)
 {
     return value.userType() == QMetaType::Bool ? QVariant(value.toInt()) : value;
 }
@@ -99,12 +200,14 @@ spdlog::logger& log()
 
 } // namespace
 
-SettingsStore::SettingsStore(std::unique_ptr<SettingsPersistence> persistence)
+SettingsStore::SettingsStore(std::unique_ptr<SettingsPersistence> persistence,
+                             const QVariantHash& defaults)
     : m_persistence(std::move(persistence))
 {
     const QVariantHash kept = m_persistence->loadAll();
     for (const Setting& setting : settings) {
-        m_values[setting.key] = setting.fallback;
+        const QVariant fallback = defaults.value(setting.key, setting.fallback);
+        m_values[setting.key] = fallback;
         const auto row = kept.find(setting.key);
         if (row == kept.end()) {
             continue;
@@ -114,8 +217,8 @@ SettingsStore::SettingsStore(std::unique_ptr<SettingsPersistence> persistence)
             continue;
         }
         log().warn("setting {} was {}, which it cannot be; reset to {}", setting.key,
-                   row->toString().toStdString(), setting.fallback.toString().toStdString());
-        if (!m_persistence->write(setting.key, stored(setting.fallback))) {
+                   row->toString().toStdString(), fallback.toString().toStdString());
+        if (!m_persistence->write(setting.key, asRow(fallback))) {
             log().error("setting {} could not be reset: {}", setting.key,
                         m_persistence->lastError().toStdString());
         }
@@ -126,33 +229,13 @@ SettingsStore::SettingsStore(std::unique_ptr<SettingsPersistence> persistence)
         if (accepted && m_values[key] != *accepted) {
             m_values[key] = *accepted;
             if (setting->announce != nullptr) {
-                setting->announce(*this);
+                setting->announce(*this, *accepted);
             }
         }
     });
 }
 
 SettingsStore::~SettingsStore() = default;
-
-void SettingsStore::setUndoStep(int step)
-{
-    set("undoStep", step);
-}
-
-int SettingsStore::getUndoStep()
-{
-    return value("undoStep").toInt();
-}
-
-void SettingsStore::setAutoSyncResources(bool on)
-{
-    set("autoSyncResources", on);
-}
-
-bool SettingsStore::getAutoSyncResources()
-{
-    return value("autoSyncResources").toBool();
-}
 
 STResourceSettingsInfo SettingsStore::getResourceSettings()
 {
@@ -166,44 +249,52 @@ STResourceSettingsInfo SettingsStore::getResourceSettings()
     }
 }
 
-void SettingsStore::setPictureDuration(int milliseconds)
+STMivoAutoStartSettings SettingsStore::getAutoStartSettings()
 {
-    set("pictureDuration", milliseconds);
+    return {value("autoStart").toBool(), value("closeSoftWareMinimize").toBool(),
+            value("autoStartDelayTime").toInt()};
 }
 
-int SettingsStore::getPictureDuration()
+STMivoTimedShutdownSettings SettingsStore::getTimedShutdownSettings()
 {
-    return value("pictureDuration").toInt();
+    return as<STMivoTimedShutdownSettings>(value("timedShutdown"));
 }
 
-void SettingsStore::setPowerPointDuration(int milliseconds)
+STMivoTimedAutomaticRestartSettings SettingsStore::getTimedAutomaticRestartSettings()
 {
-    set("powerPointDuration", milliseconds);
+    return as<STMivoTimedAutomaticRestartSettings>(value("timedAutomaticRestart"));
 }
 
-int SettingsStore::getPowerPointDuration()
+STProjectFileSettingsInfo SettingsStore::getProjectFileSettings()
 {
-    return value("powerPointDuration").toInt();
+    return {
+        value("openRecentFiles").toBool(),           value("openProjectFileDefaultPlay").toBool(),
+        value("autoSaveProjectFiles").toBool(),      value("autoSaveProjectFilesInterval").toInt(),
+        value("autoSaveProjectFilesMaxNum").toInt(), value("autoSavePath").toString(),
+        value("notPromptForSave").toBool(),          value("newProjResetOutput").toBool()};
 }
 
-void SettingsStore::setOSDDuration(int milliseconds)
+STFileInfoSettings SettingsStore::getFileInfoSettings()
 {
-    set("osdDuration", milliseconds);
+    return {value("playLogStorageTimeType").toInt(), as<std::string>(value("playLogPath")),
+            as<std::string>(value("cachePath")), as<std::string>(value("sharePath"))};
 }
 
-int SettingsStore::getOSDDuration()
+QVariant SettingsStore::stored(const STMivoTimedShutdownSettings& info)
 {
-    return value("osdDuration").toInt();
+    return QStringLiteral("%1|%2|%3")
+        .arg(info.enabled ? 1 : 0)
+        .arg(info.weekDayIndex)
+        .arg(QString::fromStdString(info.time));
 }
 
-void SettingsStore::setLanguage(const QString& language)
+QVariant SettingsStore::stored(const STMivoTimedAutomaticRestartSettings& info)
 {
-    set("language", language);
-}
-
-QString SettingsStore::getLanguage() const
-{
-    return value("language").toString();
+    return QStringLiteral("%1|%2|%3|%4")
+        .arg(info.enabled ? 1 : 0)
+        .arg(info.monthIndex)
+        .arg(info.dayIndex)
+        .arg(QString::fromStdString(info.time));
 }
 
 void SettingsStore::setFailureHandler(FailureHandler handler)
@@ -221,21 +312,16 @@ std::vector<std::pair<QString, QVariant>> SettingsStore::all() const
     return rows;
 }
 
-QVariant SettingsStore::value(const char* key) const
-{
-    return m_values.value(key);
-}
-
 void SettingsStore::set(const char* key, const QVariant& wanted)
 {
     const Setting* setting = find(key);
-    const QVariant corrected = setting->corrected(wanted);
+    const QVariant corrected = setting->corrected(wanted, value(key));
     if (corrected != wanted) {
         log().warn("setting {} cannot be {}; taken as {}", key, wanted.toString().toStdString(),
                    corrected.toString().toStdString());
     }
     if (corrected != value(key)) {
-        if (m_persistence->write(key, stored(corrected))) {
+        if (m_persistence->write(key, asRow(corrected))) {
             m_values[key] = corrected;
             log().info("setting {} = {}", key, corrected.toString().toStdString());
         } else {
@@ -249,7 +335,7 @@ void SettingsStore::set(const char* key, const QVariant& wanted)
         return; // nothing new, and the control shows it already
     }
     if (setting->announce != nullptr) {
-        setting->announce(*this);
+        setting->announce(*this, value(key));
     }
 }
 

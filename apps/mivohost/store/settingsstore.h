@@ -16,24 +16,71 @@ public:
     using FailureHandler = std::function<void(const QString& reason)>;
 
     /// Loads what was kept; a value that is out of range is reset to its default and logged.
-    explicit SettingsStore(std::unique_ptr<SettingsPersistence> persistence);
+    /// `defaults` holds, by key, what only the host knows.
+    explicit SettingsStore(std::unique_ptr<SettingsPersistence> persistence,
+                           const QVariantHash& defaults = {});
     ~SettingsStore() override;
 
-    void setUndoStep(int step) override;
-    int getUndoStep() override;
-    void setAutoSyncResources(bool on) override;
-    bool getAutoSyncResources() override;
+    /// What the operator decided about a timed action; the host carries it out.
+    sigslot::signal<const bool> timedShutdownDecided;
+    sigslot::signal<const bool> timedAutomaticRestartDecided;
+
+    void setUndoStep(int step) override { set("undoStep", step); }
+    void setAutoSyncResources(bool on) override { set("autoSyncResources", on); }
+    void setPictureDuration(int milliseconds) override { set("pictureDuration", milliseconds); }
+    void setPowerPointDuration(int milliseconds) override
+    {
+        set("powerPointDuration", milliseconds);
+    }
+    void setOSDDuration(int milliseconds) override { set("osdDuration", milliseconds); }
+    void setAutoStart(bool on) override { set("autoStart", on); }
+    void setCloseSoftWareMinimize(bool on) override { set("closeSoftWareMinimize", on); }
+    void setAutoStartDelayTime(int seconds) override { set("autoStartDelayTime", seconds); }
+    void setOpenRecentFiles(bool on) override { set("openRecentFiles", on); }
+    void setOpenProjectFileDefaultPlay(bool on) override { set("openProjectFileDefaultPlay", on); }
+    void setAutoSaveProjectFiles(bool on) override { set("autoSaveProjectFiles", on); }
+    void setAutoSaveProjectFilesInterval(int minutes) override
+    {
+        set("autoSaveProjectFilesInterval", minutes);
+    }
+    void setAutoSaveProjectFilesMaxNum(int saves) override
+    {
+        set("autoSaveProjectFilesMaxNum", saves);
+    }
+    void setAutoSavePath(const QString& folder) override { set("autoSavePath", folder); }
+    void setNotPromptForSave(bool on) override { set("notPromptForSave", on); }
+    void setNewProjResetOutput(bool on) override { set("newProjResetOutput", on); }
+    void setPlayLogStorageTimeType(int type) override { set("playLogStorageTimeType", type); }
+    void setPlayLogPath(const std::string& folder) override { set("playLogPath", stored(folder)); }
+    void setCachePath(const std::string& folder) override { set("cachePath", stored(folder)); }
+    void setSharePath(const std::string& folder) override { set("sharePath", stored(folder)); }
+    void setTimedShutdownSettings(const STMivoTimedShutdownSettings& info) override
+    {
+        set("timedShutdown", stored(info));
+    }
+    void setTimedAutomaticRestartSettings(const STMivoTimedAutomaticRestartSettings& info) override
+    {
+        set("timedAutomaticRestart", stored(info));
+    }
+
+    int getUndoStep() override { return value("undoStep").toInt(); }
+    bool getAutoSyncResources() override { return value("autoSyncResources").toBool(); }
+    int getPictureDuration() override { return value("pictureDuration").toInt(); }
+    int getPowerPointDuration() override { return value("powerPointDuration").toInt(); }
+    int getOSDDuration() override { return value("osdDuration").toInt(); }
     STResourceSettingsInfo getResourceSettings() override;
-    void setPictureDuration(int milliseconds) override;
-    int getPictureDuration() override;
-    void setPowerPointDuration(int milliseconds) override;
-    int getPowerPointDuration() override;
-    void setOSDDuration(int milliseconds) override;
-    int getOSDDuration() override;
+    STMivoAutoStartSettings getAutoStartSettings() override;
+    STMivoTimedShutdownSettings getTimedShutdownSettings() override;
+    STMivoTimedAutomaticRestartSettings getTimedAutomaticRestartSettings() override;
+    STProjectFileSettingsInfo getProjectFileSettings() override;
+    STFileInfoSettings getFileInfoSettings() override;
+
+    void executeTimedShutdown(bool now) override { timedShutdownDecided(now); }
+    void executeTimedAutomaticRestart(bool now) override { timedAutomaticRestartDecided(now); }
 
     /// The host's own: "en", "zh_cn", or empty until the user has chosen.
-    void setLanguage(const QString& language);
-    QString getLanguage() const;
+    void setLanguage(const QString& language) { set("language", language); }
+    QString getLanguage() const { return value("language").toString(); }
 
     /// Called on the runtime thread when a value could not be kept. The store then goes on with the
     /// old value and announces it, so that no control shows what is not saved.
@@ -43,8 +90,12 @@ public:
     std::vector<std::pair<QString, QVariant>> all() const;
 
 private:
-    QVariant value(const char* key) const;
+    static QVariant stored(const std::string& text) { return QString::fromStdString(text); }
+    static QVariant stored(const STMivoTimedShutdownSettings& info);
+    static QVariant stored(const STMivoTimedAutomaticRestartSettings& info);
+    QVariant value(const char* key) const { return m_values.value(QLatin1String(key)); }
     void set(const char* key, const QVariant& wanted);
+
     std::unique_ptr<SettingsPersistence> m_persistence;
     QVariantHash m_values;
     FailureHandler m_failure;

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <sigslot/signal.hpp>
+
+#include <QtCore/qglobal.h>
+#include <QtCore/QMetaType>
+#include <QtCore/QString>
+
+#include <memory>
+#include <vector>
+
+namespace mivo::mediadispatch {
+
+/// Which program plays when a project is opened.
+struct STDefaultPlayProgramInfo
+{
+    bool lastTime = true;  ///< the one that was played last; the rest has no meaning then
+    qint64 programId = -1; ///< a program of the project
+    QString programName;   ///< as it was when it was chosen, for a program that is gone
+
+    friend bool operator==(const STDefaultPlayProgramInfo& a, const STDefaultPlayProgramInfo& b)
+    {
+        return a.lastTime == b.lastTime
+               && (a.lastTime || (a.programId == b.programId && a.programName == b.programName));
+    }
+};
+
+/// A program of the open project. Its id stays the same for as long as it exists.
+class IProgram
+{
+public:
+    virtual ~IProgram() = default;
+    virtual qint64 id() const = 0;
+    virtual QString name() const = 0;
+};
+
+/// A group of programs, which stand in the order in which they are to be shown.
+class IProgramGroup
+{
+public:
+    virtual ~IProgramGroup() = default;
+    virtual QString name() const = 0;
+    virtual std::vector<std::weak_ptr<IProgram>> programs() const = 0;
+};
+
+/// The programs of the open project, and its saving. The host implements it; all operations are
+/// called on the runtime thread, where the signals are emitted too.
+class IProgramDispatch
+{
+public:
+    virtual ~IProgramDispatch() = default;
+
+    /// False while no project is open.
+    virtual bool isUsable() const = 0;
+
+    /// Saves the open project. `flags` says which of its parts.
+    virtual void saveProjectFile(int flags) = 0;
+
+    virtual std::vector<std::weak_ptr<IProgramGroup>> programGroups() const = 0;
+    virtual STDefaultPlayProgramInfo getDefaultPlayProgram() const = 0;
+    virtual void setDefaultPlayProgram(const STDefaultPlayProgramInfo& info) = 0;
+
+    sigslot::signal<> programListChanged;
+    sigslot::signal<> defaultPlayProgramChanged;
+};
+
+} // namespace mivo::mediadispatch
+Q_DECLARE_METATYPE(mivo::mediadispatch::STDefaultPlayProgramInfo)

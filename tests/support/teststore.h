@@ -1,0 +1,86 @@
+#pragma once
+
+#include "store/settingsstore.h"
+
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+/// Settings in memory: records every write, fails on demand, and can be changed from elsewhere.
+class MemoryPersistence : public mivohost::SettingsPersistence
+{
+public:
+    explicit MemoryPersistence(const QVariantHash& kept = {}) : rows(kept) {}
+
+    struct Write
+    {
+        QString key;
+        QVariant value;
+        std::thread::id thread;
+    };
+
+    QVariantHash loadAll() override { return rows; }
+    bool write(const QString& key, const QVariant& value) override
+    {
+        if (!fails) {
+            rows[key] = value;
+            writes.push_back({key, value, std::this_thread::get_id()});
+        }
+        return !fails;
+    }
+    QString lastError() const override { return QStringLiteral("disk full"); }
+    void watch(ChangeHandler handler) override { elsewhere = std::move(handler); }
+
+    QVariantHash rows;
+    std::vector<Write> writes;
+    bool fails = false;
+    ChangeHandler elsewhere;
+};
+
+/// The reference store on settings in memory. Not while the runtime works on it: on the runtime
+/// thread, or before and after.
+class TestStore : public mivohost::SettingsStore
+{
+public:
+    explicit TestStore(const QVariantHash& rows = {}) : TestStore(new MemoryPersistence(rows)) {}
+
+    MemoryPersistence& kept;
+
+    /// A change from elsewhere: taken over and announced, not written.
+    void change(const QString& key, const QVariant& value)
+    {
+        kept.elsewhere(key, value.userType() == QMetaType::Bool ? value.toInt() : value);
+    }
+
+    QVariant held(const QString& key) const
+    {
+        for (const auto& [name, value] : all()) {
+            if (name == key) {
+                return value;
+            }
+        }
+        return {};
+    }
+
+    /// Slots that are connected to any signal that pages follow.
+    std::size_t connections() const
+    {
+        const auto count = [](const auto&... signal) { return (signal.slot_count() + ...); };
+        return count(
+            undoStepChanged, autoSyncResourcesChanged, resourceSettingsChanged, autoStartChanged,
+            closeSoftWareMinimizeChanged, autoStartDelayTimeChanged, autoStartSettingsChanged,
+            timedShutdownSettingsLoaded, timedShutdownSettingsChanged, timedShutdownEnabledChanged,
+            timedAutomaticRestartSettingsLoaded, timedAutomaticRestartSettingsChanged,
+            timedShutdownCount, timedAutomaticRestartCount, linkShutdown, linkRestart,
+            openRecentFilesChanged, openProjectFileDefaultPlayChanged, autoSaveProjectFilesChanged,
+            autoSaveProjectFilesIntervalChanged, autoSaveProjectFilesMaxNumChanged,
+            autoSavePathChanged, notPromptForSaveChanged, newProjResetOutputChanged,
+            playLogStorageTimeTypeChanged, playLogPathChanged, cachePathChanged, sharePathChanged);
+    }
+
+private:
+    explicit TestStore(MemoryPersistence* persistence)
+        : SettingsStore(std::unique_ptr<MemoryPersistence>(persistence)), kept(*persistence)
+    {}
+};
