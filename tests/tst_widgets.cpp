@@ -1,6 +1,7 @@
 #include <mivowidgets/dialog.h>
 #include <mivowidgets/pushbutton.h>
 #include <mivowidgets/spineditbox.h>
+#include <mivowidgets/tipdialog.h>
 
 #include <gtest/gtest.h>
 
@@ -99,4 +100,39 @@ TEST(PushButton, TakesReturnOnlyWhileItHasTheFocus)
     QTest::keyClick(button, Qt::Key_Return);
     QTest::keyClick(button, Qt::Key_Space);
     EXPECT_EQ(clicked.size(), 2);
+}
+
+TEST(TipDialog, ReturnsThePressedButtonAndReturnAloneDoesNoHarm)
+{
+    const struct
+    {
+        bool withCancel;
+        Qt::Key key;
+        int result;
+    } cases[]{
+        {true, Qt::Key_Return, TipDialog::cancelled},
+        {false, Qt::Key_Return, TipDialog::accepted},
+        {true, Qt::Key_Escape, TipDialog::dismissed},
+        {false, Qt::Key_Escape, TipDialog::dismissed},
+        {true, Qt::Key_Backtab, TipDialog::dismissed},
+    };
+    for (const auto& test : cases) {
+        TipDialog dialog;
+        dialog.setTipText("Really?");
+        dialog.setButtonTexts("No", "Yes");
+        dialog.setCancelButtonVisible(test.withCancel);
+        QTimer::singleShot(0, &dialog, [&] {
+            QTest::keyClick(dialog.focusWidget(), test.key);
+            dialog.close(); // for a key that pressed no button
+        });
+        EXPECT_EQ(dialog.run(), test.result) << test.key;
+    }
+}
+
+TEST(TipDialog, EndsWithItsParent)
+{
+    auto parent = std::make_unique<QWidget>();
+    auto* dialog = new TipDialog(parent.get());
+    QTimer::singleShot(0, [&] { parent.reset(); });
+    EXPECT_EQ(dialog->run(), TipDialog::dismissed);
 }

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "mivowidgets/dialog.h"
+
+class QLabel;
+
+namespace mivo::widgets {
+
+class PushButton;
+
+/// A modal prompt: a tip, a smaller assist text, an accept button, and a cancel button that is
+/// hidden until it is asked for. GUI thread.
+class MIVOWIDGETS_EXPORT TipDialog : public Dialog
+{
+    Q_OBJECT
+
+public:
+    enum Kind { information = 0, question = 1, warning = 2 };
+    enum Result { dismissed = 0, accepted = 1, cancelled = 2 };
+
+    explicit TipDialog(QWidget* parent = nullptr);
+
+    /// The icon; a number that is no Kind shows none.
+    void setTipKind(int kind);
+    void setTipText(const QString& text);
+    QString tipText() const;
+    void setAssistText(const QString& text);
+    void setButtonTexts(const QString& cancel, const QString& accept);
+    void setCancelButtonVisible(bool visible);
+
+    /// Shows the prompt and returns, when it is closed, the pressed button: a Result. Escape, the
+    /// window's close button and the end of the dialog's parent dismiss it. The caller may be gone
+    /// by then: it runs an event loop of its own.
+    int run();
+
+private:
+    QLabel* m_icon;
+    QLabel* m_tip;
+    QLabel* m_assist;
+    PushButton* m_cancel;
+    PushButton* m_accept;
+};
+
+} // namespace mivo::widgets
