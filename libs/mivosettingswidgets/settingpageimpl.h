@@ -24,8 +24,21 @@ inline constexpr const char* queuedTypeText<int> = "const int";
 template <>
 inline constexpr const char* queuedTypeText<bool> = "const bool";
 template <>
+inline constexpr const char* queuedTypeText<QString> = "const QString&";
+template <>
 inline constexpr const char* queuedTypeText<STResourceSettingsInfo> =
     "const STResourceSettingsInfo&";
+template <>
+inline constexpr const char* queuedTypeText<STMivoAutoStartSettings> =
+    "const STMivoAutoStartSettings&";
+template <>
+inline constexpr const char* queuedTypeText<STMivoTimedShutdownSettings> =
+    "const STMivoTimedShutdownSettings&";
+template <>
+inline constexpr const char* queuedTypeText<STMivoTimedAutomaticRestartSettings> =
+    "const STMivoTimedAutomaticRestartSettings&";
+template <>
+inline constexpr const char* queuedTypeText<STFileInfoSettings> = "const STFileInfoSettings&";
 
 /// Base of every page's Impl: the common fields, and the verbs in which a page is written.
 ///

@@ -33,7 +33,8 @@ QString hostStyleSheet()
     return QString::fromUtf8(sheet.readAll());
 }
 
-SettingsView::SettingsView(IZRRuntime& runtime, MivoSettings& settings, QWidget* parent)
+SettingsView::SettingsView(IZRRuntime& runtime, MivoSettings& settings, QWidget* parent,
+                           const SettingsServices& /*services*/)
     : m_dialog(std::make_unique<SettingsDialog>(parent))
 {
     m_dialog->loadLanguageFiles(languageFiles());

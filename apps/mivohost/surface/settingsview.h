@@ -9,6 +9,13 @@ class IZRRuntime;
 class MivoSettings;
 class QWidget;
 
+namespace mivo::mediadispatch {
+class IProgramDispatch;
+}
+namespace mivo::projectfilemgr {
+class IProjectFileMgr;
+}
+
 namespace mivo::settings {
 class ISettingBox;
 class SettingsDialog;
@@ -22,12 +29,20 @@ std::vector<QString> languageFiles();
 /// The host's look, for the whole application.
 QString hostStyleSheet();
 
+/// What the host gives to pages besides the store; each may be missing.
+struct SettingsServices
+{
+    std::shared_ptr<mivo::mediadispatch::IProgramDispatch> programs;
+    mivo::projectfilemgr::IProjectFileMgr* projectFile = nullptr; // outlives the view
+};
+
 /// The settings dialog with all pages, bound to a store. GUI thread.
 class SettingsView
 {
 public:
     /// `parent` may be null. `runtime` and `settings` must outlive the view.
-    SettingsView(IZRRuntime& runtime, MivoSettings& settings, QWidget* parent);
+    SettingsView(IZRRuntime& runtime, MivoSettings& settings, QWidget* parent,
+                 const SettingsServices& services = {});
     ~SettingsView();
 
     mivo::settings::SettingsDialog& dialog() { return *m_dialog; }
