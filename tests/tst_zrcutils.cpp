@@ -1,0 +1,168 @@
+#include "zrcutils/folderpermission.h"
+#include "zrcutils/processutils.h"
+
+#include "support/otherprocess.h"
+
+#include <gtest/gtest.h>
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QFile>
+#include <QtCore/QProcess>
+#include <QtCore/QTemporaryDir>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// Copies of this program, under names of their own, that run until they are told to end.
+class Processes : public ::testing::Test
+{
+protected:
+    std::string copy(const std::string& name) const
+    {
+        const fs::path path = fs::path(QFile::encodeName(folder.path()).toStdString()) / name;
+        fs::copy_file("/proc/self/exe", path);
+        return path.string();
+    }
+
+    static bool start(QProcess& process, const std::string& path)
+    {
+        process.start(QFile::decodeName(path.c_str()), {"--as-waiting"});
+        return process.waitForReadyRead();
+    }
+
+    static void end(QProcess& process)
+    {
+        process.closeWriteChannel();
+        process.waitForFinished();
+    }
+
+    QTemporaryDir folder;
+};
+
+} // namespace
+
+TEST_F(Processes, AreFoundByTheWholeNameOfTheirExecutable)
+{
+    const std::string name = "a name beyond fifteen characters 播放器.x";
+    const std::string path = copy(name);
+    EXPECT_FALSE(ProcessUtils::processIsRunning(name));
+    QProcess process;
+    ASSERT_TRUE(start(process, path));
+    EXPECT_TRUE(ProcessUtils::processIsRunning(name));
+    for (const std::string& other :
+         {name.substr(0, 15), name.substr(1), name + " ", std::string("A") + name.substr(1), path,
+          '/' + name, name + '\0', std::string(), std::string(100000, 'a')}) {
+        EXPECT_FALSE(ProcessUtils::processIsRunning(other)) << other.substr(0, 100);
+    }
+    // As during an update.
+    fs::remove(path);
+    EXPECT_TRUE(ProcessUtils::processIsRunning(name));
+    end(process);
+    EXPECT_FALSE(ProcessUtils::processIsRunning(name));
+}
+
+TEST_F(Processes, AreFoundByTheFileThatALinkLeadsTo)
+{
+    const std::string path = copy("the executable");
+    const std::string link = path + " link";
+    fs::create_symlink(path, link);
+    QProcess process;
+    ASSERT_TRUE(start(process, link));
+    EXPECT_TRUE(ProcessUtils::processIsRunning("the executable"));
+    EXPECT_FALSE(ProcessUtils::processIsRunning("the executable link"));
+    end(process);
+}
+
+TEST_F(Processes, DoNotRunOnceTheyAreZombies)
+{
+    std::string path = copy("soon a zombie");
+    std::string argument = "--as-waiting";
+    char* arguments[] = {path.data(), argument.data(), nullptr};
+    pid_t process = 0;
+    ASSERT_EQ(posix_spawn(&process, path.c_str(), nullptr, nullptr, arguments, environ), 0);
+    EXPECT_TRUE(ProcessUtils::processIsRunning("soon a zombie"));
+    ::kill(process, SIGKILL);
+    siginfo_t ended{};
+    ASSERT_EQ(::waitid(P_PID, static_cast<id_t>(process), &ended, WEXITED | WNOWAIT), 0);
+    EXPECT_FALSE(ProcessUtils::processIsRunning("soon a zombie"));
+    ::waitpid(process, nullptr, 0);
+}
+
+TEST_F(Processes, OfOthersAreFoundByTheNameTheyWereStartedWith)
+{
+    if (::geteuid() != 0) {
+        GTEST_SKIP() << "only root can become somebody else";
+    }
+    QProcess process;
+    ASSERT_TRUE(start(process, copy("the executable of root")));
+    QProcess asking;
+    for (const auto& [name, found] :
+         {std::pair("the executable of root", 1), std::pair("the executable", 0)}) {
+        asking.start(QCoreApplication::applicationFilePath(), {"--as-nobody", name});
+        ASSERT_TRUE(asking.waitForFinished());
+        EXPECT_EQ(asking.exitCode(), found);
+    }
+    end(process);
+}
+
+TEST(FolderWritePermission, IsWhatWritingShows)
+{
+    const QTemporaryDir temporary;
+    const std::string root = QFile::encodeName(temporary.path()).toStdString();
+    const std::string open = root + "/媒体 and a blank";
+    const std::string writeOnly = root + "/write-only";
+    const std::string readOnly = root + "/read-only";
+    const std::string immutable = root + "/immutable";
+    for (const std::string& folder : {open, writeOnly, readOnly, immutable}) {
+        fs::create_directory(folder);
+    }
+    std::ofstream(open + "/file") << "content";
+    fs::permissions(writeOnly, fs::perms::owner_write | fs::perms::owner_exec);
+    fs::permissions(readOnly, fs::perms::owner_read | fs::perms::owner_exec);
+    EXPECT_TRUE(folderWritePermission(open));
+    EXPECT_TRUE(folderWritePermission(open + "//"));
+    EXPECT_TRUE(folderWritePermission(writeOnly));
+    EXPECT_EQ(folderWritePermission(readOnly), ::geteuid() == 0) << "root may, whatever the mode";
+    for (const std::string& no : {std::string(), root + "/missing", open + "/file", open + "/file/",
+                                  std::string("/proc"), std::string("/sys"), open + '\0' + "/more",
+                                  std::string("\xff\xfe"), std::string(100000, 'a')}) {
+        EXPECT_FALSE(folderWritePermission(no)) << no.substr(0, 100);
+    }
+    EXPECT_EQ(std::distance(fs::directory_iterator(open), {}), 1) << "nothing is left behind";
+    EXPECT_EQ(fs::file_size(open + "/file"), 7U);
+    fs::permissions(writeOnly, fs::perms::owner_all);
+    EXPECT_TRUE(fs::is_empty(writeOnly));
+
+    const QString attributes = QFile::decodeName(immutable.c_str());
+    if (QProcess::execute("chattr", {"+i", attributes}) != 0) {
+        GTEST_SKIP() << "no immutable folders here";
+    }
+    EXPECT_FALSE(folderWritePermission(immutable));
+    QProcess::execute("chattr", {"-i", attributes});
+}
+
+namespace {
+
+int runAsOtherProcess(const QStringList& arguments)
+{
+    if (arguments[0] == "--as-nobody") {
+        return ::setuid(65534) == 0
+                   ? static_cast<int>(ProcessUtils::processIsRunning(arguments.at(1).toStdString()))
+                   : 2;
+    }
+    std::puts("started");
+    std::fflush(stdout);
+    return std::getchar() == EOF ? 0 : 1;
+}
+
+const bool registered = (otherProcess() = runAsOtherProcess, true);
+
+} // namespace
