@@ -1,4 +1,12 @@
 #include "support/rfbclient.h"
+#include "support/testruntime.h"
+#include "support/teststore.h"
+
+#include "surface/settingsview.h"
+
+#include <mivosettingswidgets/settingsdialog.h>
+#include <mivosettingswidgets/undosettingbox.h>
+#include <mivowidgets/spineditbox.h>
 
 #include <gtest/gtest.h>
 
@@ -9,6 +17,8 @@
 #include <QtCore/QTemporaryDir>
 #include <QtGui/QImage>
 #include <QtNetwork/QTcpServer>
+#include <QtTest/QTest>
+#include <QtWidgets/QApplication>
 
 #include <csignal>
 
@@ -94,11 +104,32 @@ protected:
     QTemporaryDir folder;
 };
 
-/// In the settings dialog: from the first focus through the navigation to the undo steps.
+/// The Tab keys that lead from the dialog's first focus to the undo steps, found in a dialog of
+/// this process.
+int tabsToUndoSteps()
+{
+    TestRuntime runtime;
+    TestStore store;
+    mivohost::SettingsView view(runtime, store, nullptr);
+    view.dialog().show();
+    view.dialog().activateWindow();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&view.dialog()));
+    const auto* page = view.dialog().findChild<mivo::settings::UndoSettingBox*>();
+    const auto* undoSteps = page->findChild<mivo::widgets::SpinEditBox*>();
+    int tabs = 0;
+    do {
+        QWidget* focus = QApplication::focusWidget();
+        QTest::keyClick(focus != nullptr ? focus : &view.dialog(), Qt::Key_Tab);
+        ++tabs;
+    } while (QApplication::focusWidget() != undoSteps && tabs < 200);
+    EXPECT_LT(tabs, 200);
+    return tabs;
+}
+
 void reachUndoSteps(RfbClient& person)
 {
-    constexpr int sections = 2;
-    for (int i = 0; i <= sections; ++i) {
+    static const int tabs = tabsToUndoSteps();
+    for (int i = 0; i < tabs; ++i) {
         person.key(RfbClient::tab);
     }
 }
@@ -165,8 +196,8 @@ TEST_F(Host, DrawsEveryPageInEveryLanguage)
     QByteArray output;
     const QString pictures = folder.filePath("pictures");
     ASSERT_EQ(run({"--pictures", pictures}, output), 0);
-    for (const char* name :
-         {"mainwindow", "undosettingbox", "onlinesettingbox", "resplaycontrolsettingbox"}) {
+    for (const char* name : {"mainwindow", "undosettingbox", "onlinesettingbox",
+                             "resplaycontrolsettingbox", "generalsettingbox"}) {
         QImage english(pictures + '/' + name + "-en.png");
         QImage chinese(pictures + '/' + name + "-zh_cn.png");
         EXPECT_FALSE(english.isNull()) << name;

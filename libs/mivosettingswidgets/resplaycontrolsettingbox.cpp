@@ -94,16 +94,10 @@ ResPlayControlSettingBox::Impl::Impl(ResPlayControlSettingBox* page)
         QStringLiteral("DefaultPlayDuration"),
         [this](const QString& label) {
             m_label->setText(label);
-            m_kind->setAccessibleName(label);
-            m_duration->setAccessibleName(label);
+            nameAll({m_kind, m_duration}, label);
         },
         QStringLiteral("default Play Duration:"));
-    int item = 0;
-    for (const char* key : {"Picture", "PowerPoint", "OSD"}) {
-        text(QString::fromLatin1(key),
-             [this, item](const QString& kind) { m_kind->setItemText(item, kind); });
-        ++item;
-    }
+    itemTexts(m_kind, {"Picture", "PowerPoint", "OSD"});
     navigationText(QStringLiteral("DisplaySettings"));
 
     connect(m_duration, &TimeEditBox::timeChanged, this, &Impl::onDurationTimeChanged);

@@ -3,6 +3,7 @@
 #include "mivosettingswidgets/isettingbox.h"
 #include "texts.h"
 
+#include <QtWidgets/QComboBox>
 #include <QtWidgets/QLabel>
 
 namespace mivo::settings {
@@ -100,6 +101,17 @@ void SettingPageImpl::text(const QString& key, QLabel* label, QWidget* buddy)
             buddy->setAccessibleName(translated);
         }
     });
+}
+
+void SettingPageImpl::itemTexts(QComboBox* combo, const std::vector<const char*>& keys)
+{
+    for (int item = 0; item < static_cast<int>(keys.size()); ++item) {
+        if (item == combo->count()) {
+            combo->addItem(QString());
+        }
+        text(QString::fromLatin1(keys[static_cast<std::size_t>(item)]),
+             [combo, item](const QString& translated) { combo->setItemText(item, translated); });
+    }
 }
 
 void SettingPageImpl::navigationText(const QString& key)

@@ -9,6 +9,7 @@
 #include <functional>
 #include <vector>
 
+class QComboBox;
 class QLabel;
 class QWidget;
 
@@ -144,6 +145,9 @@ protected:
 
     /// The same for a label; the control next to it becomes its buddy and is named after it.
     void text(const QString& key, QLabel* label, QWidget* buddy = nullptr);
+
+    /// The same for the items of a combo box, from the first on; those that are missing are added.
+    void itemTexts(QComboBox* combo, const std::vector<const char*>& keys);
 
     /// Registers the place among the texts where the section's name is translated and announced.
     void navigationText(const QString& key);

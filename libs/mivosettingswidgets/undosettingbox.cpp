@@ -58,16 +58,6 @@ void UndoSettingBox::Impl::layOut()
 {
     owner->setObjectName(QStringLiteral("generalSettingGroupBox"));
     m_stepEdit->setFixedWidth(72);
-    m_tipIcon->setObjectName(QStringLiteral("shareSpaceTips"));
-    m_tipIcon->setFixedSize(13, 13);
-    m_tipText->setObjectName(QStringLiteral("shareSpaceTipsText"));
-    m_tipText->setFixedHeight(18);
-
-    auto* icon = new QVBoxLayout;
-    icon->addStretch();
-    icon->addWidget(m_tipIcon);
-    icon->addStretch();
-    icon->setContentsMargins(0, 3, 0, 0);
 
     auto* row = new QHBoxLayout;
     row->setContentsMargins(0, 0, 0, 0);
@@ -76,8 +66,7 @@ void UndoSettingBox::Impl::layOut()
     row->addSpacing(8);
     row->addWidget(m_stepEdit);
     row->addSpacing(8);
-    row->addLayout(icon);
-    row->addWidget(m_tipText);
+    addTip(row, m_tipIcon, m_tipText);
     row->addStretch();
 
     auto* column = new QVBoxLayout(owner);

@@ -1,5 +1,6 @@
 #include "support/pagecases.h"
 
+#include <mivosettingswidgets/generalsettingbox.h>
 #include <mivosettingswidgets/onlinesettingbox.h>
 #include <mivosettingswidgets/resplaycontrolsettingbox.h>
 #include <mivosettingswidgets/undosettingbox.h>
@@ -63,6 +64,14 @@ void clicking(QWidget* control)
 const std::vector<PageCase>& pageCases()
 {
     static const std::vector<PageCase> cases{
+        pageCase<GeneralSettingBox>(
+            "generalsettingbox.cpp", true, false, 3, 13,
+            {{"autoStart", "mivo::widgets::CheckBox", 0, false, false, false, false, true, clicking,
+              "onStartUpCheckBoxStateChanged"},
+             {"autoStartDelayTime", "mivo::widgets::SpinEditBox", 0, 0., 20, 300, 0., 80.,
+              typing("80"), "onDelayTimeChanged"},
+             {"closeSoftWareMinimize", "mivo::widgets::CheckBox", 1, false, false, false, false,
+              true, clicking, "onCloseSoftwareMinimizeCheckBoxStateChanged"}}),
         pageCase<UndoSettingBox>("undosettingbox.cpp", true, false, 1, 1,
                                  {{"undoStep", "mivo::widgets::SpinEditBox", 0, 50., 120, 500, 1.,
                                    80., typing("80"), "slotUndoStepChanged"}}),

@@ -68,6 +68,211 @@
         <comment>Widget</comment>
         <translation>On-screen display</translation>
     </message>
+    <message>
+        <source>StartCloseGroup</source>
+        <comment>Widget</comment>
+        <translation>Start and close</translation>
+    </message>
+    <message>
+        <source>StartupSelfStart</source>
+        <comment>Widget</comment>
+        <translation>Start with the system</translation>
+    </message>
+    <message>
+        <source>Delay</source>
+        <comment>Widget</comment>
+        <translation>Delay</translation>
+    </message>
+    <message>
+        <source>Seconds</source>
+        <comment>Widget</comment>
+        <translation>seconds</translation>
+    </message>
+    <message>
+        <source>Second</source>
+        <comment>Widget</comment>
+        <translation>second</translation>
+    </message>
+    <message>
+        <source>SlowLoadingSoundCardPrompt</source>
+        <comment>Widget</comment>
+        <translation>For sound cards that are slow to load</translation>
+    </message>
+    <message>
+        <source>MinimizeToTrayWhenClosingSoftware</source>
+        <comment>Widget</comment>
+        <translation>Minimize to the tray when the window is closed</translation>
+    </message>
+    <message>
+        <source>TimedAutomaticRestart</source>
+        <comment>Widget</comment>
+        <translation>Restart automatically</translation>
+    </message>
+    <message>
+        <source>TimedShutdown</source>
+        <comment>Widget</comment>
+        <translation>Shut down</translation>
+    </message>
+    <message>
+        <source>EveryMonth</source>
+        <comment>Widget</comment>
+        <translation>Monthly</translation>
+    </message>
+    <message>
+        <source>EveryDay</source>
+        <comment>Widget</comment>
+        <translation>Daily</translation>
+    </message>
+    <message>
+        <source>Day</source>
+        <comment>Widget</comment>
+        <translation>Day</translation>
+    </message>
+    <message>
+        <source>AutomaticRestartCountdownTextPrefix</source>
+        <comment>Widget</comment>
+        <translation>The machine restarts in</translation>
+    </message>
+    <message>
+        <source>AutomaticRestartCountdownTextSuffix</source>
+        <comment>Widget</comment>
+        <translation>unless you cancel.</translation>
+    </message>
+    <message>
+        <source>ShutdownCountdownTextPrefix</source>
+        <comment>Widget</comment>
+        <translation>The machine shuts down in</translation>
+    </message>
+    <message>
+        <source>ShutdownCountdownTextSuffix</source>
+        <comment>Widget</comment>
+        <translation>unless you cancel.</translation>
+    </message>
+    <message>
+        <source>CancelAutomaticRestart</source>
+        <comment>Widget</comment>
+        <translation>Do not restart</translation>
+    </message>
+    <message>
+        <source>ImmediateAutomaticRestart</source>
+        <comment>Widget</comment>
+        <translation>Restart now</translation>
+    </message>
+    <message>
+        <source>AutomaticRestartCancelText</source>
+        <comment>Widget</comment>
+        <translation>The open project is saved before the restart.</translation>
+    </message>
+    <message>
+        <source>CancelShutdown</source>
+        <comment>Widget</comment>
+        <translation>Do not shut down</translation>
+    </message>
+    <message>
+        <source>ImmediateShutdown</source>
+        <comment>Widget</comment>
+        <translation>Shut down now</translation>
+    </message>
+    <message>
+        <source>ShutdownCancelText</source>
+        <comment>Widget</comment>
+        <translation>The open project is saved before the shutdown.</translation>
+    </message>
+    <message>
+        <source>January</source>
+        <comment>Widget</comment>
+        <translation>Jan</translation>
+    </message>
+    <message>
+        <source>February</source>
+        <comment>Widget</comment>
+        <translation>Feb</translation>
+    </message>
+    <message>
+        <source>March</source>
+        <comment>Widget</comment>
+        <translation>Mar</translation>
+    </message>
+    <message>
+        <source>April</source>
+        <comment>Widget</comment>
+        <translation>Apr</translation>
+    </message>
+    <message>
+        <source>May</source>
+        <comment>Widget</comment>
+        <translation>May</translation>
+    </message>
+    <message>
+        <source>June</source>
+        <comment>Widget</comment>
+        <translation>Jun</translation>
+    </message>
+    <message>
+        <source>July</source>
+        <comment>Widget</comment>
+        <translation>Jul</translation>
+    </message>
+    <message>
+        <source>August</source>
+        <comment>Widget</comment>
+        <translation>Aug</translation>
+    </message>
+    <message>
+        <source>September</source>
+        <comment>Widget</comment>
+        <translation>Sep</translation>
+    </message>
+    <message>
+        <source>October</source>
+        <comment>Widget</comment>
+        <translation>Oct</translation>
+    </message>
+    <message>
+        <source>November</source>
+        <comment>Widget</comment>
+        <translation>Nov</translation>
+    </message>
+    <message>
+        <source>December</source>
+        <comment>Widget</comment>
+        <translation>Dec</translation>
+    </message>
+    <message>
+        <source>Monday</source>
+        <comment>Widget</comment>
+        <translation>Mon</translation>
+    </message>
+    <message>
+        <source>Tuesday</source>
+        <comment>Widget</comment>
+        <translation>Tue</translation>
+    </message>
+    <message>
+        <source>Wednesday</source>
+        <comment>Widget</comment>
+        <translation>Wed</translation>
+    </message>
+    <message>
+        <source>Thursday</source>
+        <comment>Widget</comment>
+        <translation>Thu</translation>
+    </message>
+    <message>
+        <source>Friday</source>
+        <comment>Widget</comment>
+        <translation>Fri</translation>
+    </message>
+    <message>
+        <source>Saturday</source>
+        <comment>Widget</comment>
+        <translation>Sat</translation>
+    </message>
+    <message>
+        <source>Sunday</source>
+        <comment>Widget</comment>
+        <translation>Sun</translation>
+    </message>
 </context>
 <context>
     <name>MivoHost</name>

@@ -1,5 +1,6 @@
 #include "surface/settingsview.h"
 
+#include <mivosettingswidgets/generalsettingbox.h>
 #include <mivosettingswidgets/onlinesettingbox.h>
 #include <mivosettingswidgets/resplaycontrolsettingbox.h>
 #include <mivosettingswidgets/settingsdialog.h>
@@ -34,7 +35,7 @@ QString hostStyleSheet()
 }
 
 SettingsView::SettingsView(IZRRuntime& runtime, MivoSettings& settings, QWidget* parent,
-                           const SettingsServices& /*services*/)
+                           const SettingsServices& services)
     : m_dialog(std::make_unique<SettingsDialog>(parent))
 {
     m_dialog->loadLanguageFiles(languageFiles());
@@ -46,6 +47,10 @@ SettingsView::SettingsView(IZRRuntime& runtime, MivoSettings& settings, QWidget*
         m_dialog->insertSettingBox(page);
         m_pages.push_back(page);
     };
+    auto* general = new GeneralSettingBox;
+    general->setProgramDispatch(services.programs);
+    general->setProjectFileMgr(services.projectFile);
+    add(general, 10);
     add(new UndoSettingBox, 20);
     add(new OnlineSettingBox, 30);
     add(new ResPlayControlSettingBox, 20);

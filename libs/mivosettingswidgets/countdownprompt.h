@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QtCore/QPointer>
+#include <QtCore/QString>
+#include <QtCore/QTimer>
+
+#include <functional>
+#include <optional>
+
+class QWidget;
+
+namespace mivo::widgets {
+class TipDialog;
+}
+
+namespace mivo::settings {
+
+/// The translation keys of a count-down prompt.
+struct CountdownKeys
+{
+    const char* text; // of what stands around the number: this, and "Prefix" or "Suffix"
+    const char* cancel;
+    const char* accept;
+    const char* assist;
+};
+
+/// A modal prompt that counts seconds down. GUI thread.
+class CountdownPrompt
+{
+public:
+    /// `onTick` runs at the start and then each second, and is to call tick().
+    CountdownPrompt(const CountdownKeys& keys, std::function<void()> onTick);
+
+    /// Counts `seconds` down to zero and returns how the prompt ended, a TipDialog::Result; a
+    /// count-down that ran out dismisses it. Runs an event loop. Nothing is returned when the
+    /// prompt was open already, which then counts anew, or when `parent` is gone, and this with it.
+    std::optional<int> count(QWidget* parent, int seconds);
+
+    /// Shows the next second while the prompt is open; true when the count-down has run out.
+    bool tick();
+
+    void dismiss();
+
+private:
+    QString text() const;
+
+    CountdownKeys m_keys;
+    std::function<void()> m_onTick;
+    QPointer<mivo::widgets::TipDialog> m_dialog;
+    QTimer m_timer;
+    int m_secondsLeft = 0;
+};
+
+} // namespace mivo::settings

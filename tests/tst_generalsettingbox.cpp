@@ -1,0 +1,409 @@
+#include <mivosettingswidgets/generalsettingbox.h>
+
+#include "support/logcapture.h"
+#include "support/testruntime.h"
+#include "support/teststore.h"
+
+#include "surface/settingsview.h"
+
+#include <mivohostapi/iprogramdispatch.h>
+#include <mivohostapi/iprojectfilemgr.h>
+#include <mivosettingswidgets/settingwdigettranslatemanager.h>
+#include <mivowidgets/checkbox.h>
+#include <mivowidgets/combobox.h>
+#include <mivowidgets/pushbutton.h>
+#include <mivowidgets/timeeditbox.h>
+#include <mivowidgets/tipdialog.h>
+
+#include <gtest/gtest.h>
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QFile>
+#include <QtCore/QProcess>
+#include <QtCore/QTemporaryDir>
+#include <QtTest/QSignalSpy>
+#include <QtTest/QTest>
+#include <QtWidgets/QApplication>
+
+using namespace mivo::settings;
+using namespace mivo::widgets;
+
+namespace {
+
+using Words = std::vector<std::string>;
+
+/// Writes what it is asked into the list of all that happens.
+class Dispatch : public mivo::mediadispatch::IProgramDispatch
+{
+public:
+    explicit Dispatch(Words& happened) : m_happened(happened) {}
+    bool isUsable() const override { return usable; }
+    void saveProjectFile(int flags) override
+    {
+        m_happened.push_back("save " + std::to_string(flags));
+    }
+    std::vector<std::weak_ptr<mivo::mediadispatch::IProgramGroup>> programGroups() const override
+    {
+        return {};
+    }
+    mivo::mediadispatch::STDefaultPlayProgramInfo getDefaultPlayProgram() const override
+    {
+        return {};
+    }
+    void setDefaultPlayProgram(const mivo::mediadispatch::STDefaultPlayProgramInfo&) override {}
+
+    bool usable = true;
+
+private:
+    Words& m_happened;
+};
+
+class Manager : public mivo::projectfilemgr::IProjectFileMgr
+{
+public:
+    explicit Manager(Words& happened) : m_happened(happened) {}
+    void saveCompleted() override { m_happened.emplace_back("saved"); }
+
+private:
+    Words& m_happened;
+};
+
+class General : public ::testing::Test
+{
+protected:
+    General()
+    {
+        auto& translator = SettingWdigetTranslateManager::instance().translator();
+        for (const QString& file : mivohost::languageFiles()) {
+            translator.load(file);
+        }
+        translator.switchLanguage("en");
+        page = std::make_unique<GeneralSettingBox>();
+        page->setZRRuntime(&runtime);
+        const auto boxes = page->findChildren<CheckBox*>();
+        const auto combos = page->findChildren<ComboBox*>();
+        const auto times = page->findChildren<TimeEditBox*>();
+        restart = boxes[2];
+        month = combos[0];
+        day = combos[1];
+        restartTime = times[0];
+        shutdown = boxes[3];
+        weekDay = combos[2];
+        shutdownTime = times[1];
+        store.timedShutdownDecided.connect(
+            [this](bool now) { happened.emplace_back(now ? "shut down" : "no shutdown"); });
+        store.timedAutomaticRestartDecided.connect(
+            [this](bool now) { happened.emplace_back(now ? "restart" : "no restart"); });
+    }
+
+    ~General() override { page.reset(); }
+
+    void bind()
+    {
+        page->setSettings(&store);
+        QApplication::processEvents();
+    }
+
+    /// Calls of the runtime of that name within the next quarter of a second.
+    std::size_t callsOf(const std::string& function)
+    {
+        QTest::qWait(250);
+        const auto posted = runtime.takePosted();
+        return static_cast<std::size_t>(
+            std::count_if(posted.begin(), posted.end(),
+                          [&](const auto& call) { return call.function == function; }));
+    }
+
+    static TipDialog* prompt()
+    {
+        return qobject_cast<TipDialog*>(QApplication::activeModalWidget());
+    }
+
+    /// Has the store ask for a prompt, does `act` once it is open, and returns when it has ended.
+    void whilePromptIsOpen(const std::function<void()>& ask, const std::function<void()>& act)
+    {
+        bool acted = false;
+        QTimer watch;
+        QObject::connect(&watch, &QTimer::timeout, [&] {
+            if (prompt() != nullptr && !std::exchange(acted, true)) {
+                act();
+            }
+        });
+        watch.start(5);
+        runtime.call(ask);
+        QApplication::processEvents(); // runs the prompt
+        EXPECT_TRUE(acted) << "no prompt came";
+    }
+
+    void askShutdown(int seconds, const std::function<void()>& act)
+    {
+        whilePromptIsOpen([=] { store.timedShutdownCount(seconds); }, act);
+    }
+
+    void askRestart(int seconds, const std::function<void()>& act)
+    {
+        whilePromptIsOpen([=] { store.timedAutomaticRestartCount(seconds); }, act);
+    }
+
+    static void press(int button)
+    {
+        const auto buttons = prompt()->findChildren<PushButton*>();
+        buttons[button == TipDialog::cancelled ? 0 : 1]->click();
+    }
+
+    TestRuntime runtime;
+    TestStore store;
+    LogCapture log;
+    Words happened; // in this order, on whatever thread, while the others wait
+    std::unique_ptr<GeneralSettingBox> page;
+    CheckBox* restart = nullptr;
+    ComboBox* month = nullptr;
+    ComboBox* day = nullptr;
+    TimeEditBox* restartTime = nullptr;
+    CheckBox* shutdown = nullptr;
+    ComboBox* weekDay = nullptr;
+    TimeEditBox* shutdownTime = nullptr;
+};
+
+} // namespace
+
+TEST_F(General, WritesAScheduleOnceForEachEditATenthOfASecondLater)
+{
+    shutdown->click();
+    EXPECT_TRUE(log.lines().empty()) << "nothing is written before the schedule is known";
+    bind();
+    EXPECT_FALSE(shutdown->isChecked());
+    runtime.takePosted();
+    shutdown->click();
+    weekDay->setCurrentIndex(3);
+    shutdownTime->setTime(QTime(22, 30));
+    EXPECT_TRUE(runtime.takePosted().empty());
+    EXPECT_EQ(log.lines().at(0), "info|tmp tmp tmp client notify server modify data");
+    EXPECT_EQ(callsOf("delaySetTimedShutdown"), 3U);
+    EXPECT_EQ(store.kept.rows["timedShutdown"], "1|3|22:30:00");
+
+    restart->click();
+    EXPECT_EQ(callsOf("delaySetTimedRestart"), 1U);
+    month->setCurrentIndex(2);
+    EXPECT_EQ(callsOf("delaySetTimedRestart"), 2U);
+    day->setCurrentIndex(5);
+    restartTime->setTime(QTime(4, 0));
+    EXPECT_EQ(callsOf("delaySetTimedRestart"), 2U);
+    EXPECT_EQ(store.kept.rows["timedAutomaticRestart"], "1|2|5|04:00:00");
+}
+
+TEST_F(General, AnEditThatWaitsIsWrittenWhenThePageEnds)
+{
+    bind();
+    shutdown->click();
+    restart->click();
+    page.reset();
+    EXPECT_EQ(store.kept.rows["timedShutdown"], "1|0|00:00:00");
+    EXPECT_EQ(store.kept.rows["timedAutomaticRestart"], "1|0|0|00:00:00");
+}
+
+TEST_F(General, FollowsSchedulesWithoutWritingThemBack)
+{
+    store.change("timedAutomaticRestart", "1|1|31|03:04:05");
+    bind();
+    EXPECT_EQ(month->currentIndex(), 1);
+    EXPECT_EQ(day->currentIndex(), 31) << "also where the month before is shorter";
+    EXPECT_EQ(day->currentText(), "Day 31");
+    EXPECT_EQ(restartTime->time(), QTime(3, 4, 5));
+    runtime.call([this] {
+        store.change("timedShutdown", "1|7|06:00:00");
+        store.timedShutdownEnabledChanged(false);
+    });
+    QApplication::processEvents();
+    QApplication::processEvents(); // one more for the record that the switch makes
+    EXPECT_FALSE(shutdown->isChecked());
+    EXPECT_EQ(weekDay->currentIndex(), 7);
+    EXPECT_EQ(shutdownTime->time(), QTime(6, 0));
+    EXPECT_EQ(callsOf("delaySetTimedShutdown") + callsOf("delaySetTimedRestart"), 0U);
+    EXPECT_TRUE(store.kept.writes.empty());
+}
+
+TEST_F(General, AScheduleThatIsAnnouncedLaterIsEditedOnlyOnceItIsLoaded)
+{
+    runtime.uiSync = false;
+    bind();
+    runtime.call([this] { store.change("timedShutdown", "1|7|06:00:00"); });
+    QApplication::processEvents();
+    EXPECT_TRUE(shutdown->isChecked());
+    weekDay->setCurrentIndex(1);
+    EXPECT_EQ(callsOf("delaySetTimedShutdown"), 0U);
+    runtime.call([this] {
+        store.timedShutdownSettingsLoaded(STMivoTimedShutdownSettings{true, 2, "06:00:00"});
+    });
+    QApplication::processEvents();
+    EXPECT_EQ(weekDay->currentIndex(), 2);
+    weekDay->setCurrentIndex(1);
+    EXPECT_EQ(callsOf("delaySetTimedShutdown"), 1U);
+}
+
+TEST_F(General, TheDaysAreThoseOfTheMonth)
+{
+    const int year = QDate::currentDate().year();
+    for (int index = 1; index <= 12; ++index) {
+        day->setCurrentIndex(index == 2 ? 31 : 28);
+        const int chosen = day->currentIndex();
+        month->setCurrentIndex(index);
+        const int days = QDate(year, index, 1).daysInMonth();
+        EXPECT_EQ(day->count(), days + 1);
+        EXPECT_EQ(day->currentIndex(), std::min(chosen, days));
+    }
+    month->setCurrentIndex(0);
+    EXPECT_EQ(day->count(), QDate::currentDate().daysInMonth() + 1);
+    EXPECT_EQ(day->itemText(0), "Daily");
+    EXPECT_EQ(day->itemText(5), "Day 5");
+    page->switchLanguage("zh_cn");
+    EXPECT_EQ(day->itemText(5), QStringLiteral("5日"));
+}
+
+TEST_F(General, APromptReportsWhatTheOperatorDecides)
+{
+    const auto dispatch = std::make_shared<Dispatch>(happened);
+    Manager manager(happened);
+    page->setProgramDispatch(dispatch);
+    page->setProjectFileMgr(&manager);
+    bind();
+    askShutdown(5, [] {
+        EXPECT_EQ(prompt()->tipText(), "The machine shuts down in 5 seconds unless you cancel.");
+        press(TipDialog::accepted);
+    });
+    EXPECT_EQ(happened, (Words{"save 4096", "saved", "shut down"})) << "saved before";
+    happened.clear();
+    askShutdown(5, [] { press(TipDialog::cancelled); });
+    askShutdown(5, [] { prompt()->close(); });
+    askRestart(5, [] { press(TipDialog::cancelled); });
+    EXPECT_EQ(happened, (Words{"no shutdown", "no shutdown", "no restart"}));
+
+    happened.clear();
+    dispatch->usable = false;
+    askRestart(5, [] { press(TipDialog::accepted); });
+    page->setProgramDispatch(nullptr);
+    page->setProjectFileMgr(nullptr);
+    askRestart(5, [] { press(TipDialog::accepted); });
+    EXPECT_EQ(happened, (Words{"saved", "restart", "restart"}));
+}
+
+TEST_F(General, ACountDownThatRunsOutReportsTwice)
+{
+    bind();
+    page->switchLanguage("zh_cn");
+    QStringList shown;
+    askShutdown(1, [&] {
+        shown.append(prompt()->tipText());
+        QTimer::singleShot(900, prompt(), [&] { EXPECT_NE(prompt(), nullptr); });
+    });
+    EXPECT_EQ(shown, QStringList{QStringLiteral("电脑将在1秒后关机。")});
+    EXPECT_EQ(happened, (Words{"shut down", "no shutdown"}));
+    happened.clear();
+    runtime.call([this] { store.timedAutomaticRestartCount(0); });
+    QApplication::processEvents();
+    EXPECT_EQ(happened, (Words{"restart", "no restart"})) << "no time, no prompt";
+}
+
+TEST_F(General, ARestartWaitsForTheShutdownPromptAndGoesOnWhenThatIsCancelled)
+{
+    bind();
+    QString restartText;
+    askShutdown(30, [&] {
+        TipDialog* const shutdownPrompt = prompt();
+        runtime.call([this] { store.timedAutomaticRestartCount(20); });
+        QTimer::singleShot(3200, Qt::PreciseTimer, shutdownPrompt, [&, shutdownPrompt] {
+            EXPECT_EQ(prompt(), shutdownPrompt);
+            EXPECT_EQ(shutdownPrompt->tipText(),
+                      "The machine shuts down in 27 seconds unless you cancel.");
+            QTimer::singleShot(0, page.get(), [&] {
+                restartText = prompt()->tipText();
+                press(TipDialog::cancelled);
+            });
+            press(TipDialog::cancelled);
+        });
+    });
+    EXPECT_EQ(restartText, "The machine restarts in 9997 seconds unless you cancel.");
+    EXPECT_EQ(happened, (Words{"no restart", "no shutdown"}));
+
+    // Confirmed, the shutdown leaves no room for a restart.
+    happened.clear();
+    askShutdown(30, [&] {
+        runtime.call([this] { store.timedAutomaticRestartCount(20); });
+        QTimer::singleShot(0, prompt(), [] { press(TipDialog::accepted); });
+    });
+    EXPECT_EQ(happened, Words{"shut down"});
+}
+
+TEST_F(General, ASecondRequestCountsAnewInTheSamePrompt)
+{
+    bind();
+    for (const bool isShutdown : {true, false}) {
+        auto& count = isShutdown ? store.timedShutdownCount : store.timedAutomaticRestartCount;
+        whilePromptIsOpen([&] { count(30); },
+                          [&] {
+                              TipDialog* const first = prompt();
+                              runtime.call([&] { count(50); });
+                              QTimer::singleShot(0, first, [first] {
+                                  EXPECT_EQ(prompt(), first);
+                                  EXPECT_NE(first->tipText().indexOf("50"), -1);
+                                  press(TipDialog::cancelled);
+                              });
+                          });
+    }
+    EXPECT_EQ(happened, (Words{"no shutdown", "no restart"}));
+}
+
+TEST_F(General, ThePageMayEndInItsPrompt)
+{
+    bind();
+    askShutdown(30, [&] { page.reset(); });
+    EXPECT_TRUE(happened.empty());
+    EXPECT_EQ(store.connections(), 0U);
+}
+
+TEST_F(General, TheRuntimeMayStopWhileAPromptIsOpen)
+{
+    bind();
+    askShutdown(30, [&] {
+        runtime.stop();
+        press(TipDialog::accepted);
+    });
+    EXPECT_TRUE(happened.empty());
+}
+
+TEST_F(General, TheShellEndsAPromptOnlyWhileItRuns)
+{
+    bind();
+    runtime.call([this] {
+        store.linkShutdown(true);
+        store.linkRestart(true);
+    });
+    QApplication::processEvents();
+    EXPECT_TRUE(happened.empty());
+
+    // A process of the shell's name.
+    const QTemporaryDir folder;
+    const QString shell =
+        folder.filePath(QCoreApplication::applicationName() + QStringLiteral("_Shell.exe"));
+    ASSERT_TRUE(QFile::copy(QStringLiteral("/bin/sleep"), shell));
+    QProcess process;
+    process.start(shell, {QStringLiteral("60")});
+    ASSERT_TRUE(process.waitForStarted());
+    askShutdown(30, [this] { runtime.call([this] { store.linkShutdown(false); }); });
+    EXPECT_EQ(happened, Words{"no shutdown"});
+    happened.clear();
+    askRestart(30, [this] { runtime.call([this] { store.linkRestart(true); }); });
+    EXPECT_EQ(happened, (Words{"restart", "no restart"}));
+    process.kill();
+    process.waitForFinished();
+}
+
+TEST_F(General, SaysWhereTheStoreIsMissing)
+{
+    page->setSettings(nullptr);
+    page->unsetSettings();
+    ASSERT_EQ(log.lines().size(), 1U);
+    EXPECT_EQ(log.lines()[0].find("warning|sharedSettings is nullptr \n //generalsettingbox.cpp:"
+                                  "setSettings()#"),
+              0U);
+}
