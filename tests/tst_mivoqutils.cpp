@@ -157,7 +157,7 @@ TEST_F(MayBeCleared, RefusesRootsAndWhatTheHomeLiesIn)
     write(work / "file");
 
     const QByteArray before = qgetenv("HOME");
-    const auto check = [this](bool may, const std::vector<fs::path>& paths) {
+    const auto check = [](bool may, const std::vector<fs::path>& paths) {
         for (const fs::path& path : paths) {
             EXPECT_EQ(mayBeCleared(text(path)), may) << path;
         }
