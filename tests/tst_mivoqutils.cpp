@@ -248,7 +248,7 @@ TEST_F(ClearFolder, RemovesAllInItAndNothingThatALinkLeadsTo)
 
 TEST_F(ClearFolder, TakesANestingBeyondStackOpenFilesAndPathLength)
 {
-    constexpr int depth = 3000;
+    constexpr int depth = 700;
     const std::string name(40, 'd');
     int folder = ::open(work.c_str(), O_DIRECTORY | O_RDONLY);
     for (int level = 0; level < depth; ++level) {
@@ -265,7 +265,7 @@ TEST_F(ClearFolder, TakesANestingBeyondStackOpenFilesAndPathLength)
     ClearResult result;
     const std::unique_ptr<QThread> thread(
         QThread::create([&] { result = clearFolder(text(work)); }));
-    thread->setStackSize(256 * 1024);
+    thread->setStackSize(128 * 1024);
     thread->start();
     thread->wait();
     ::setrlimit(RLIMIT_NOFILE, &files);
