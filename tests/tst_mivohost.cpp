@@ -1,3 +1,6 @@
+#include "project/project.h"
+#include "store/sqlitepersistence.h"
+
 #include "support/rfbclient.h"
 #include "support/testruntime.h"
 #include "support/teststore.h"
@@ -13,6 +16,7 @@
 #include <QtCore/QDir>
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 #include <QtCore/QProcess>
 #include <QtCore/QTemporaryDir>
 #include <QtGui/QImage>
@@ -38,6 +42,7 @@ public:
         environment.insert("QT_QPA_PLATFORM",
                            QStringLiteral("vnc:port=%1:size=1280x900").arg(m_port));
         environment.insert("LANG", "C.UTF-8");
+        environment.insert("XDG_CONFIG_HOME", QFileInfo(store).absolutePath() + "/config");
         m_process.setProcessEnvironment(environment);
         m_process.setProcessChannelMode(QProcess::MergedChannels);
         m_process.start(MIVOHOST_PROGRAM, QStringList{"--store", store} + more);
@@ -206,4 +211,47 @@ TEST_F(Host, DrawsEveryPageInEveryLanguage)
     }
     EXPECT_EQ(QImage(pictures + "/undosettingbox-en.png").size(), QSize(1080, 800));
     EXPECT_NE(run({"--pictures", "/proc/no/such"}, output), 0);
+}
+
+TEST_F(Host, StartsAsItsSettingsSayAndPlaysOnAKey)
+{
+    const QString project = folder.filePath("show.mivo");
+    {
+        QFile file(project);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(mivohost::projectToJson({{{"Group", {{5, "Five"}, {6, "Six"}}}}, {}, 6}));
+        auto opened = mivohost::SqlitePersistence::open(store());
+        ASSERT_TRUE(opened.persistence);
+        for (const auto& [key, value] :
+             std::vector<std::pair<QString, QVariant>>{{"openRecentFiles", 1},
+                                                       {"openProjectFileDefaultPlay", 1},
+                                                       {"recentProjectFiles", project},
+                                                       {"autoStart", 1}}) {
+            ASSERT_TRUE(opened.persistence->write(key, value));
+        }
+    }
+    Program program(store());
+    ASSERT_TRUE(program.hasScreen());
+    EXPECT_TRUE(program.says("playing program Six")) << program.output().constData();
+    // The window is there when it takes keys: the programs have the focus from the start.
+    constexpr quint32 down = 0xff54;
+    program.person().key(down);
+    program.person().key(RfbClient::enter);
+    EXPECT_TRUE(program.says("playing program Five")) << program.output().constData();
+    QFile entry(folder.filePath("config/autostart/mivohost.desktop"));
+    ASSERT_TRUE(entry.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(entry.readAll().contains("\"--start-delay\" \"0\"\n"));
+}
+
+TEST_F(Host, WaitsBeforeItOpensAnything)
+{
+    QByteArray output;
+    QElapsedTimer elapsed;
+    elapsed.start();
+    EXPECT_EQ(run({"--start-delay", "1", "--print-settings"}, output), 0);
+    EXPECT_GE(elapsed.elapsed(), 1000);
+    EXPECT_TRUE(output.contains("/projectbackups\n")) << output.constData();
+    for (const char* wrong : {"-1", "301", "soon", ""}) {
+        EXPECT_EQ(run({"--start-delay", wrong, "--print-settings"}, output), 1) << wrong;
+    }
 }

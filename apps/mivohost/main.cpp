@@ -1,10 +1,15 @@
+#include "project/projectfile.h"
 #include "runtime/runtimethread.h"
 #include "store/settingsstore.h"
 #include "store/sqlitepersistence.h"
 #include "surface/hostlog.h"
+#include "surface/hosttext.h"
 #include "surface/mainwindow.h"
 #include "surface/pictures.h"
 #include "surface/settingsview.h"
+#include "system/autostart.h"
+#include "system/power.h"
+#include "system/timedactions.h"
 
 #include "qvspdlog/spdlogapplication.h"
 
@@ -12,10 +17,12 @@
 
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QDir>
+#include <QtCore/QEventLoop>
 #include <QtCore/QFileInfo>
 #include <QtCore/QLocale>
 #include <QtCore/QStandardPaths>
 #include <QtCore/QTemporaryDir>
+#include <QtCore/QTimer>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QMessageBox>
 
@@ -27,7 +34,7 @@ using namespace mivohost;
 
 namespace {
 
-enum ExitCode { finished = 0, storeInUse = 2, storeFailed = 3, notWritten = 4 };
+enum ExitCode { finished = 0, badArgument = 1, storeInUse = 2, storeFailed = 3, notWritten = 4 };
 
 QString systemLanguage()
 {
@@ -58,6 +65,69 @@ ExitCode refuse(ExitCode code, const QString& message, bool withWindow)
     return code;
 }
 
+/// Folders that the settings start with; each is made when something is to be put there.
+QVariantHash defaultFolders(const QDir& data)
+{
+    QVariantHash folders;
+    for (const auto& [key, name] :
+         {std::pair("autoSavePath", "projectbackups"), std::pair("playLogPath", "playlog"),
+          std::pair("cachePath", "cache"), std::pair("sharePath", "sharedfolder")}) {
+        folders[key] = QDir::toNativeSeparators(data.filePath(name));
+    }
+    return folders;
+}
+
+/// Lets the event loop run so long.
+void wait(int seconds)
+{
+    QV::SpdlogApplication::instance().logger()->info("waiting {} s before the start", seconds);
+    QEventLoop loop;
+    QTimer::singleShot(seconds * 1000, &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
+/// The program with its window, from here to its end.
+int runWindow(MainWindow& window, RuntimeThread& runtime, SettingsStore& store,
+              const QCommandLineParser& arguments)
+{
+    const auto notify = [&window](const char* key) {
+        return [&window, key = QString::fromLatin1(key)](const QString& reason) {
+            QMetaObject::invokeMethod(
+                &window, [&window, key, reason] { window.showNotice(key, reason); },
+                Qt::QueuedConnection);
+        };
+    };
+    QStringList startArguments; // what holds for this start holds for the one at log-on
+    if (arguments.isSet(QStringLiteral("store"))) {
+        startArguments << QStringLiteral("--store")
+                       << QFileInfo(arguments.value(QStringLiteral("store"))).absoluteFilePath();
+    }
+    const bool allowed = arguments.isSet(QStringLiteral("allow-power-actions"));
+    if (allowed) {
+        startArguments << QStringLiteral("--allow-power-actions");
+    }
+    const Autostart autostart(runtime, store, QCoreApplication::applicationFilePath(),
+                              startArguments, notify("AutostartFailed"));
+    const TimedActions timed(
+        runtime, store,
+        [&window, allowed, failed = notify("PowerActionFailed")](PowerAction action) {
+            QMetaObject::invokeMethod(
+                &window, [=, &window] { carryOut(action, allowed, &window, failed); },
+                Qt::QueuedConnection);
+        });
+
+    // Hiding to the tray is not the end.
+    QApplication::setQuitOnLastWindowClosed(false);
+    QObject::connect(&window, &MainWindow::closed, &QApplication::quit);
+    window.showTray();
+    window.show();
+    window.settings(); // there from the start: its pages ask about the timed actions
+    if (arguments.isSet(QStringLiteral("settings"))) {
+        window.openSettings();
+    }
+    return QApplication::exec();
+}
+
 int run(const QCommandLineParser& arguments)
 {
     const bool printing = arguments.isSet(QStringLiteral("print-settings"));
@@ -76,6 +146,16 @@ int run(const QCommandLineParser& arguments)
     data.mkpath(QStringLiteral("."));
     startLog(withWindow ? data.filePath(QStringLiteral("mivohost.log")) : QString());
 
+    if (arguments.isSet(QStringLiteral("start-delay"))) {
+        bool isNumber = false;
+        const int seconds = arguments.value(QStringLiteral("start-delay")).toInt(&isNumber);
+        if (!isNumber || seconds < 0 || seconds > 300) {
+            return refuse(badArgument, QStringLiteral("--start-delay takes 0 to 300 seconds"),
+                          false);
+        }
+        wait(seconds);
+    }
+
     RuntimeThread runtime;
     auto opened = runtime.call([&path] { return SqlitePersistence::open(path); });
     if (opened.status == SqlitePersistence::Status::inUse) {
@@ -85,8 +165,9 @@ int run(const QCommandLineParser& arguments)
         return refuse(storeFailed, hostText(QStringLiteral("StoreFailed")).arg(path, opened.error),
                       withWindow);
     }
-    auto store = runtime.call(
-        [&opened] { return std::make_unique<SettingsStore>(std::move(opened.persistence)); });
+    auto store = runtime.call([&] {
+        return std::make_unique<SettingsStore>(std::move(opened.persistence), defaultFolders(data));
+    });
 
     int code = finished;
     if (printing) {
@@ -94,7 +175,8 @@ int run(const QCommandLineParser& arguments)
             std::printf("%s=%s\n", qPrintable(key), qPrintable(value.toString()));
         }
     } else {
-        MainWindow window(runtime, *store);
+        ProjectFile project(runtime, *store);
+        MainWindow window(runtime, *store, project);
         const QString language = runtime.call([&store] { return store->getLanguage(); });
         window.switchLanguage(language.isEmpty() ? systemLanguage() : language);
         if (opened.status == SqlitePersistence::Status::putAside) {
@@ -104,6 +186,7 @@ int run(const QCommandLineParser& arguments)
             window.showNotice(QStringLiteral("StorePutAside"),
                               QFileInfo(opened.asidePath).fileName());
         }
+        project.start();
         if (drawing) {
             const QString folder = arguments.value(QStringLiteral("pictures"));
             if (!drawPictures(window, folder)) {
@@ -111,11 +194,7 @@ int run(const QCommandLineParser& arguments)
                     refuse(notWritten, QStringLiteral("cannot write pictures to ") + folder, false);
             }
         } else {
-            window.show();
-            if (arguments.isSet(QStringLiteral("settings"))) {
-                window.openSettings();
-            }
-            code = QApplication::exec();
+            code = runWindow(window, runtime, *store, arguments);
         }
     }
     runtime.call([&store] { store.reset(); });
@@ -146,6 +225,11 @@ int main(int argc, char** argv)
         {QStringLiteral("print-settings"), QStringLiteral("Print all settings, then end.")},
         {QStringLiteral("store"), QStringLiteral("Use this settings file."),
          QStringLiteral("file")},
+        {QStringLiteral("start-delay"),
+         QStringLiteral("Wait so long before anything is opened, 0 to 300."),
+         QStringLiteral("seconds")},
+        {QStringLiteral("allow-power-actions"),
+         QStringLiteral("Let timed actions really shut down or restart the machine.")},
     });
     arguments.process(application);
 

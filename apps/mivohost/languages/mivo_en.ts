@@ -316,5 +316,180 @@
         <comment>MainWindow</comment>
         <translation>A setting could not be saved: %1. Its old value stays in force.</translation>
     </message>
+    <message>
+        <source>Project</source>
+        <comment>MainWindow</comment>
+        <translation>&amp;Project</translation>
+    </message>
+    <message>
+        <source>NewProject</source>
+        <comment>MainWindow</comment>
+        <translation>&amp;New</translation>
+    </message>
+    <message>
+        <source>OpenProject</source>
+        <comment>MainWindow</comment>
+        <translation>&amp;Open…</translation>
+    </message>
+    <message>
+        <source>RecentProjects</source>
+        <comment>MainWindow</comment>
+        <translation>Open &amp;recent</translation>
+    </message>
+    <message>
+        <source>SaveProject</source>
+        <comment>MainWindow</comment>
+        <translation>&amp;Save</translation>
+    </message>
+    <message>
+        <source>SaveProjectAs</source>
+        <comment>MainWindow</comment>
+        <translation>Save &amp;as…</translation>
+    </message>
+    <message>
+        <source>Quit</source>
+        <comment>MainWindow</comment>
+        <translation>&amp;Quit</translation>
+    </message>
+    <message>
+        <source>ShowWindow</source>
+        <comment>MainWindow</comment>
+        <translation>Show window</translation>
+    </message>
+    <message>
+        <source>OpenProjectTitle</source>
+        <comment>MainWindow</comment>
+        <translation>Open project</translation>
+    </message>
+    <message>
+        <source>SaveProjectTitle</source>
+        <comment>MainWindow</comment>
+        <translation>Save project</translation>
+    </message>
+    <message>
+        <source>ProjectFiles</source>
+        <comment>MainWindow</comment>
+        <translation>Project files</translation>
+    </message>
+    <message>
+        <source>UnnamedProject</source>
+        <comment>MainWindow</comment>
+        <translation>Unnamed project</translation>
+    </message>
+    <message>
+        <source>Programs</source>
+        <comment>MainWindow</comment>
+        <translation>Programs</translation>
+    </message>
+    <message>
+        <source>Playing</source>
+        <comment>MainWindow</comment>
+        <translation>Playing: %1</translation>
+    </message>
+    <message>
+        <source>NothingPlaying</source>
+        <comment>MainWindow</comment>
+        <translation>Nothing is playing</translation>
+    </message>
+    <message>
+        <source>SaveQuestion</source>
+        <comment>MainWindow</comment>
+        <translation>Save the changes to “%1”?</translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <comment>MainWindow</comment>
+        <translation>Save</translation>
+    </message>
+    <message>
+        <source>DoNotSave</source>
+        <comment>MainWindow</comment>
+        <translation>Do not save</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <comment>MainWindow</comment>
+        <translation>Cancel</translation>
+    </message>
+    <message>
+        <source>ProjectNotOpened</source>
+        <comment>MainWindow</comment>
+        <translation>The project could not be opened: %1. The open project stays.</translation>
+    </message>
+    <message>
+        <source>ProjectNotSaved</source>
+        <comment>MainWindow</comment>
+        <translation>The project could not be saved: %1</translation>
+    </message>
+    <message>
+        <source>AutomaticSaveFailed</source>
+        <comment>MainWindow</comment>
+        <translation>The project could not be saved automatically: %1</translation>
+    </message>
+    <message>
+        <source>AutostartFailed</source>
+        <comment>MainWindow</comment>
+        <translation>The start at log-on could not be set: %1</translation>
+    </message>
+    <message>
+        <source>PowerActionFailed</source>
+        <comment>MainWindow</comment>
+        <translation>The machine could not be shut down or restarted: %1</translation>
+    </message>
+    <message>
+        <source>ShowBefore</source>
+        <comment>MainWindow</comment>
+        <translation>Before the show</translation>
+    </message>
+    <message>
+        <source>ShowDoors</source>
+        <comment>MainWindow</comment>
+        <translation>Doors open</translation>
+    </message>
+    <message>
+        <source>ShowWelcome</source>
+        <comment>MainWindow</comment>
+        <translation>Welcome</translation>
+    </message>
+    <message>
+        <source>ShowMain</source>
+        <comment>MainWindow</comment>
+        <translation>Show</translation>
+    </message>
+    <message>
+        <source>ShowOpening</source>
+        <comment>MainWindow</comment>
+        <translation>Opening film</translation>
+    </message>
+    <message>
+        <source>ShowInterview</source>
+        <comment>MainWindow</comment>
+        <translation>Interview</translation>
+    </message>
+    <message>
+        <source>ShowMusic</source>
+        <comment>MainWindow</comment>
+        <translation>Live music</translation>
+    </message>
+    <message>
+        <source>ShowFinale</source>
+        <comment>MainWindow</comment>
+        <translation>Finale</translation>
+    </message>
+    <message>
+        <source>ShowAfter</source>
+        <comment>MainWindow</comment>
+        <translation>After the show</translation>
+    </message>
+    <message>
+        <source>ShowThanks</source>
+        <comment>MainWindow</comment>
+        <translation>Thanks</translation>
+    </message>
+    <message>
+        <source>ShowBlack</source>
+        <comment>MainWindow</comment>
+        <translation>Black</translation>
+    </message>
 </context>
 </TS>

@@ -178,6 +178,7 @@ const std::array settings{
     Setting("cachePath", QString(), announce<&Store::cachePathChanged>),
     Setting("sharePath", QString(), announce<&Store::sharePathChanged>),
     Setting("language", QString()),
+    Setting("recentProjectFiles", QString()),
 };
 
 const Setting* find(const QString& key)

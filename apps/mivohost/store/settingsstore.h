@@ -82,6 +82,10 @@ public:
     void setLanguage(const QString& language) { set("language", language); }
     QString getLanguage() const { return value("language").toString(); }
 
+    /// The host's own: paths of project files, one a line, the most recent first.
+    void setRecentProjectFiles(const QString& files) { set("recentProjectFiles", files); }
+    QString getRecentProjectFiles() const { return value("recentProjectFiles").toString(); }
+
     /// Called on the runtime thread when a value could not be kept. The store then goes on with the
     /// old value and announces it, so that no control shows what is not saved.
     void setFailureHandler(FailureHandler handler);

@@ -1,9 +1,12 @@
 #include "surface/mainwindow.h"
 
+#include "project/projectfile.h"
 #include "runtime/runtimethread.h"
 #include "store/settingsstore.h"
 #include "surface/hostlog.h"
+#include "surface/hosttext.h"
 #include "surface/settingsview.h"
+#include "system/tray.h"
 
 #include "qvspdlog/spdlogapplication.h"
 
@@ -11,23 +14,35 @@
 #include <mivosettingswidgets/settingwdigettranslatemanager.h>
 #include <mivowidgets/pushbutton.h>
 
+#include <QtCore/QDir>
+#include <QtCore/QFileInfo>
+#include <QtGui/QCloseEvent>
+#include <QtWidgets/QApplication>
 #include <QtWidgets/QComboBox>
+#include <QtWidgets/QFileDialog>
 #include <QtWidgets/QLabel>
+#include <QtWidgets/QMenuBar>
+#include <QtWidgets/QMessageBox>
 #include <QtWidgets/QPlainTextEdit>
+#include <QtWidgets/QTreeWidget>
 #include <QtWidgets/QVBoxLayout>
+
+#include <utility>
 
 namespace mivohost {
 
-QString hostText(const QString& key)
-{
-    return velorn::trans::translate(SettingWdigetTranslateManager::instance().translator(),
-                                    QStringLiteral("MivoHost"), QStringLiteral("MainWindow"), key);
-}
+namespace {
 
-MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store)
-    : m_runtime(runtime), m_store(store), m_title(new QLabel), m_notice(new QLabel),
-      m_settingsButton(new mivo::widgets::PushButton), m_languageLabel(new QLabel),
-      m_language(new QComboBox), m_logLabel(new QLabel), m_log(new QPlainTextEdit)
+constexpr int idRole = Qt::UserRole;
+
+} // namespace
+
+MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile& project)
+    : m_runtime(runtime), m_store(store), m_project(project), m_title(new QLabel),
+      m_notice(new QLabel), m_settingsButton(new mivo::widgets::PushButton),
+      m_languageLabel(new QLabel), m_language(new QComboBox), m_programsLabel(new QLabel),
+      m_programs(new QTreeWidget), m_playing(new QLabel), m_logLabel(new QLabel),
+      m_log(new QPlainTextEdit)
 {
     m_title->setObjectName(QStringLiteral("hostTitle"));
     m_notice->setProperty("style", QStringLiteral("notice"));
@@ -38,35 +53,58 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store)
     m_language->addItem(QStringLiteral("English"), QStringLiteral("en"));
     m_language->addItem(QStringLiteral("简体中文"), QStringLiteral("zh_cn"));
     m_languageLabel->setBuddy(m_language);
+    m_programs->setObjectName(QStringLiteral("programs"));
+    m_programs->setHeaderHidden(true);
+    m_programsLabel->setBuddy(m_programs);
+    m_playing->setObjectName(QStringLiteral("playing"));
+    m_playing->setTextFormat(Qt::PlainText);
+    m_playing->setWordWrap(true);
     m_log->setReadOnly(true);
     m_log->setTabChangesFocus(true);
     m_log->setMaximumBlockCount(1000);
     m_logLabel->setBuddy(m_log);
+    addMenu();
 
     auto* row = new QHBoxLayout;
     row->addWidget(m_settingsButton);
     row->addStretch();
     row->addWidget(m_languageLabel);
     row->addWidget(m_language);
+    auto* columns = new QGridLayout;
+    columns->setHorizontalSpacing(16);
+    columns->setVerticalSpacing(6);
+    columns->addWidget(m_programsLabel, 0, 0);
+    columns->addWidget(m_programs, 1, 0);
+    columns->addWidget(m_playing, 2, 0);
+    columns->addWidget(m_logLabel, 0, 1);
+    columns->addWidget(m_log, 1, 1, 2, 1);
+    columns->setColumnStretch(0, 2);
+    columns->setColumnStretch(1, 3);
     auto* column = new QVBoxLayout;
     column->setContentsMargins(24, 20, 24, 20);
     column->setSpacing(12);
     column->addWidget(m_title);
     column->addWidget(m_notice);
     column->addLayout(row);
-    column->addWidget(m_logLabel);
-    column->addWidget(m_log);
+    column->addLayout(columns);
     auto* content = new QWidget;
     content->setLayout(column);
     setCentralWidget(content);
-    resize(760, 460);
+    resize(840, 540);
+    m_programs->setFocus();
 
     connect(m_settingsButton, &QPushButton::clicked, this, &MainWindow::openSettings);
     connect(m_language, qOverload<int>(&QComboBox::activated), this, &MainWindow::chooseLanguage);
-    m_store.setFailureHandler([this](const QString& reason) {
-        QMetaObject::invokeMethod(
-            this, [this, reason] { showNotice(QStringLiteral("SettingNotSaved"), reason); },
-            Qt::QueuedConnection);
+    connect(m_programs, &QTreeWidget::itemActivated, this, &MainWindow::play);
+    connect(&m_project, &ProjectFile::changed, this, &MainWindow::showProject);
+    connect(&m_project, &ProjectFile::nameWanted, this, &MainWindow::saveProjectAs);
+    connect(&m_project, &ProjectFile::failed, this, &MainWindow::showNotice);
+    m_runtime.call([this] {
+        m_store.setFailureHandler([this](const QString& reason) {
+            QMetaObject::invokeMethod(
+                this, [this, reason] { showNotice(QStringLiteral("SettingNotSaved"), reason); },
+                Qt::QueuedConnection);
+        });
     });
     attachLogView(m_log);
 }
@@ -77,10 +115,49 @@ MainWindow::~MainWindow()
     m_runtime.call([this] { m_store.setFailureHandler(nullptr); });
 }
 
+void MainWindow::addMenu()
+{
+    m_projectMenu = menuBar()->addMenu(QString());
+    const auto add = [this](const char* key, const QKeySequence& keys, auto slot) {
+        QAction* action = m_projectMenu->addAction(QString());
+        action->setShortcut(keys);
+        connect(action, &QAction::triggered, this, slot);
+        m_actions.emplace_back(action, key);
+    };
+    add("NewProject", QKeySequence::New, &MainWindow::newProject);
+    add("OpenProject", QKeySequence::Open, &MainWindow::openProject);
+    m_recentMenu = m_projectMenu->addMenu(QString());
+    m_actions.emplace_back(m_recentMenu->menuAction(), "RecentProjects");
+    add("SaveProject", QKeySequence::Save, [this] { m_project.save(); });
+    add("SaveProjectAs", QKeySequence(QStringLiteral("Ctrl+Shift+S")), &MainWindow::saveProjectAs);
+    m_projectMenu->addSeparator();
+    add("Quit", QKeySequence(QStringLiteral("Ctrl+Q")), &MainWindow::quit);
+    m_actions.emplace_back(m_projectMenu->menuAction(), "Project");
+    connect(m_projectMenu, &QMenu::aboutToShow, this, &MainWindow::fillRecentMenu);
+}
+
+void MainWindow::fillRecentMenu()
+{
+    m_recentMenu->clear();
+    int number = 0;
+    for (const QString& file : m_project.recentFiles()) {
+        const QString path = QDir::toNativeSeparators(file).replace('&', QLatin1String("&&"));
+        const QAction* action =
+            m_recentMenu->addAction(QStringLiteral("&%1  ").arg(++number) + path);
+        connect(action, &QAction::triggered, this, [this, file] {
+            if (mayLeaveProject()) {
+                m_project.open(file);
+            }
+        });
+    }
+    m_recentMenu->setEnabled(number > 0);
+}
+
 SettingsView& MainWindow::settings()
 {
     if (!m_settings) {
-        m_settings = std::make_unique<SettingsView>(m_runtime, m_store, this);
+        m_settings = std::make_unique<SettingsView>(
+            m_runtime, m_store, this, SettingsServices{m_project.dispatch(), &m_project});
     }
     return *m_settings;
 }
@@ -92,6 +169,26 @@ void MainWindow::openSettings()
     dialog.raise();
     dialog.activateWindow();
     QV::SpdlogApplication::instance().logger()->info("settings dialog open");
+}
+
+void MainWindow::showTray()
+{
+    m_tray = std::make_unique<Tray>();
+    connect(m_tray.get(), &Tray::showRequested, this, [this] {
+        setWindowState(windowState() & ~Qt::WindowMinimized);
+        show();
+        raise();
+        activateWindow();
+    });
+    connect(m_tray.get(), &Tray::settingsRequested, this, &MainWindow::openSettings);
+    connect(m_tray.get(), &Tray::quitRequested, this, &MainWindow::quit);
+}
+
+void MainWindow::quit()
+{
+    m_quitting = true;
+    close();
+    m_quitting = false;
 }
 
 void MainWindow::switchLanguage(const QString& language)
@@ -114,10 +211,27 @@ void MainWindow::showNotice(const QString& key, const QString& argument)
 
 void MainWindow::closeEvent(QCloseEvent* event)
 {
+    const auto [start, files] = m_runtime.call([this] {
+        return std::pair(m_store.getAutoStartSettings(), m_store.getProjectFileSettings());
+    });
+    const bool hides = !m_quitting
+                       && hidesOnClose(start.closeSoftWareMinimize, m_tray && m_tray->isThere(),
+                                       qApp->isSavingSession());
+    if (!hides && !files.notPromptForSave && !mayLeaveProject()) {
+        event->ignore();
+        return;
+    }
     if (m_settings) {
         m_settings->dialog().close();
     }
+    if (hides) {
+        event->ignore();
+        hide();
+        QV::SpdlogApplication::instance().logger()->info("main window hidden to the tray");
+        return;
+    }
     QMainWindow::closeEvent(event);
+    emit closed();
 }
 
 void MainWindow::chooseLanguage(int index)
@@ -129,14 +243,127 @@ void MainWindow::chooseLanguage(int index)
 
 void MainWindow::setTexts()
 {
-    setWindowTitle(QStringLiteral("mivohost"));
-    m_title->setText(hostText(QStringLiteral("Title")));
-    m_settingsButton->setText(hostText(QStringLiteral("Settings")));
-    m_languageLabel->setText(hostText(QStringLiteral("Language")));
-    m_logLabel->setText(hostText(QStringLiteral("Log")));
+    for (const auto& [action, key] : m_actions) {
+        action->setText(hostText(key));
+    }
+    m_title->setText(hostText("Title"));
+    m_settingsButton->setText(hostText("Settings"));
+    m_languageLabel->setText(hostText("Language"));
+    m_programsLabel->setText(hostText("Programs"));
+    m_logLabel->setText(hostText("Log"));
     if (!m_noticeKey.isEmpty()) {
         m_notice->setText(hostText(m_noticeKey).arg(m_noticeArgument));
     }
+    if (m_tray) {
+        m_tray->setTexts();
+    }
+    showProject();
+}
+
+void MainWindow::showProject()
+{
+    const ProgramDispatch::State& state = m_project.state();
+    setWindowTitle(projectName().replace(QLatin1String("[*]"), QLatin1String("[*][*]"))
+                   + QStringLiteral("[*] – mivohost"));
+    setWindowModified(state.modified);
+    if (m_shownGroups != state.project.groups) {
+        m_shownGroups = state.project.groups;
+        m_programs->clear();
+        for (const Project::Group& group : m_shownGroups) {
+            auto* item = new QTreeWidgetItem(m_programs, {group.name});
+            for (const Project::Program& program : group.programs) {
+                (new QTreeWidgetItem(item, {program.name}))->setData(0, idRole, program.id);
+            }
+        }
+        m_programs->expandAll();
+        m_programs->setCurrentItem(m_programs->topLevelItem(0));
+    }
+    for (QTreeWidgetItemIterator item(m_programs); *item != nullptr; ++item) {
+        const QVariant id = (*item)->data(0, idRole);
+        QFont font = m_programs->font();
+        font.setBold(id.isValid() && id.toLongLong() == state.playing);
+        (*item)->setFont(0, font);
+    }
+    const Project::Program* playing = state.project.find(state.playing);
+    m_playing->setText(playing == nullptr ? hostText("NothingPlaying")
+                                          : hostText("Playing").arg(playing->name));
+}
+
+void MainWindow::play(const QTreeWidgetItem* item)
+{
+    const QVariant id = item->data(0, idRole);
+    if (id.isValid()) {
+        m_project.play(id.toLongLong());
+    }
+}
+
+void MainWindow::newProject()
+{
+    if (mayLeaveProject()) {
+        m_project.create();
+    }
+}
+
+void MainWindow::openProject()
+{
+    const QString file = mayLeaveProject() ? askForFile(false) : QString();
+    if (!file.isEmpty()) {
+        m_project.open(file);
+    }
+}
+
+void MainWindow::saveProjectAs()
+{
+    const QString file = askForFile(true);
+    if (!file.isEmpty()) {
+        m_project.saveAs(file);
+    }
+}
+
+QString MainWindow::askForFile(bool saving)
+{
+    QFileDialog dialog(this, hostText(saving ? "SaveProjectTitle" : "OpenProjectTitle"));
+    dialog.setAcceptMode(saving ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+    dialog.setFileMode(saving ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    dialog.setDefaultSuffix(QStringLiteral("mivo"));
+    dialog.setNameFilter(hostText("ProjectFiles") + QStringLiteral(" (*.mivo)"));
+    const QFileInfo file(m_project.state().file);
+    if (!m_project.state().file.isEmpty()) {
+        dialog.setDirectory(file.absolutePath());
+    }
+    if (saving) {
+        dialog.selectFile(projectName() + QStringLiteral(".mivo"));
+    }
+    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
+}
+
+bool MainWindow::mayLeaveProject()
+{
+    m_project.refresh();
+    if (!m_project.state().modified) {
+        return true;
+    }
+    QMessageBox question(QMessageBox::Question, QStringLiteral("mivohost"),
+                         hostText("SaveQuestion").arg(projectName()), QMessageBox::NoButton, this);
+    question.setTextFormat(Qt::PlainText);
+    QPushButton* save = question.addButton(hostText("Save"), QMessageBox::AcceptRole);
+    const QAbstractButton* drop =
+        question.addButton(hostText("DoNotSave"), QMessageBox::DestructiveRole);
+    QPushButton* cancel = question.addButton(hostText("Cancel"), QMessageBox::RejectRole);
+    question.setDefaultButton(save);
+    question.setEscapeButton(cancel);
+    question.exec();
+    if (question.clickedButton() == save) {
+        m_project.save();
+        return !m_project.state().modified;
+    }
+    return question.clickedButton() == drop;
+}
+
+QString MainWindow::projectName() const
+{
+    const QString& file = m_project.state().file;
+    return file.isEmpty() ? hostText("UnnamedProject") : QFileInfo(file).completeBaseName();
 }
 
 } // namespace mivohost

@@ -1,36 +1,48 @@
 #pragma once
 
+#include "project/project.h"
+
 #include <QtWidgets/QMainWindow>
 
 #include <memory>
+#include <vector>
 
+class QAction;
 class QComboBox;
 class QLabel;
+class QMenu;
 class QPlainTextEdit;
 class QPushButton;
+class QTreeWidget;
+class QTreeWidgetItem;
 
 namespace mivohost {
 
+class ProjectFile;
 class RuntimeThread;
 class SettingsStore;
 class SettingsView;
+class Tray;
 
-/// The text of the host's own catalogue.
-QString hostText(const QString& key);
-
-/// The host's main window: opens the settings, chooses the language, shows the log. GUI thread;
-/// `runtime` and `store` must outlive it.
+/// The host's main window: the project and its programs, the settings, the language, the log. GUI
+/// thread; `runtime`, `store` and `project` must outlive it.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
 
 public:
-    MainWindow(RuntimeThread& runtime, SettingsStore& store);
+    MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile& project);
     ~MainWindow() override;
 
     /// The settings dialog, made at the first call.
     SettingsView& settings();
     void openSettings();
+
+    /// From now on with an icon in the system's tray, to which closing may hide the window.
+    void showTray();
+
+    /// Closes the window for good, unless the user wants to save first and does not.
+    void quit();
 
     /// Switches every text of the program.
     void switchLanguage(const QString& language);
@@ -38,25 +50,52 @@ public:
     /// Tells of a problem until the window is closed; the text is made again in each language.
     void showNotice(const QString& key, const QString& argument);
 
+signals:
+    /// The window was closed for good.
+    void closed();
+
 protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
+    void addMenu();
+    void fillRecentMenu();
     void chooseLanguage(int index);
     void setTexts();
+    void showProject();
+    void play(const QTreeWidgetItem* item);
+
+    void newProject();
+    void openProject();
+    void saveProjectAs();
+    /// The path that the user chose; empty when none. `saving` says for which of the two.
+    QString askForFile(bool saving);
+    /// Asks whether to save what is not saved. False when the user wants to stay.
+    bool mayLeaveProject();
+    QString projectName() const;
 
     RuntimeThread& m_runtime;
     SettingsStore& m_store;
+    ProjectFile& m_project;
+    QMenu* m_projectMenu = nullptr;
+    QMenu* m_recentMenu = nullptr;
+    std::vector<std::pair<QAction*, const char*>> m_actions; // with the keys of their texts
     QLabel* m_title;
     QLabel* m_notice;
     QPushButton* m_settingsButton;
     QLabel* m_languageLabel;
     QComboBox* m_language;
+    QLabel* m_programsLabel;
+    QTreeWidget* m_programs;
+    QLabel* m_playing;
     QLabel* m_logLabel;
     QPlainTextEdit* m_log;
     QString m_noticeKey;
     QString m_noticeArgument;
+    std::vector<Project::Group> m_shownGroups;
+    bool m_quitting = false;
     std::unique_ptr<SettingsView> m_settings;
+    std::unique_ptr<Tray> m_tray;
 };
 
 } // namespace mivohost

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "mivohostapi/iprogramdispatch.h"
+#include "project/project.h"
+
+#include <memory>
+#include <vector>
+
+namespace mivohost {
+
+/// The open project: its programs, its playing, and its file. Playing is what a reference host can
+/// do of it: it says so.
+///
+/// Made on any thread; from then on called on the runtime thread, where the signals are emitted.
+class ProgramDispatch : public mivo::mediadispatch::IProgramDispatch
+{
+public:
+    using DefaultPlay = mivo::mediadispatch::STDefaultPlayProgramInfo;
+
+    /// A copy of all that a person sees of the project.
+    struct State
+    {
+        Project project;
+        QString file; ///< absolute; empty while the project has none
+        bool modified = false;
+        qint64 playing = -1; ///< -1: nothing
+        int revision = 0;    ///< another number after each change of the project
+    };
+
+    ProgramDispatch();
+    ~ProgramDispatch() override;
+
+    bool isUsable() const override { return m_usable; }
+
+    /// Saves to the project's file, always the whole project; saveFailed() where that does not
+    /// work. A project without a file stays unsaved: somebody has to ask for a name.
+    void saveProjectFile(int flags) override;
+
+    std::vector<std::weak_ptr<mivo::mediadispatch::IProgramGroup>> programGroups() const override;
+    DefaultPlay getDefaultPlayProgram() const override { return m_state.project.defaultPlay; }
+    void setDefaultPlayProgram(const DefaultPlay& info) override;
+
+    /// Replaces the open project by one without a file.
+    void create(Project project);
+
+    /// Replaces the open project by a file's. Where that cannot be read the open project stays, and
+    /// the reason is returned; otherwise an empty text.
+    QString open(const QString& file);
+
+    /// Saves to another file, which is the project's from then on. False, and saveFailed(), where
+    /// that does not work.
+    bool saveAs(const QString& file);
+
+    /// Plays a program of the project; without one of that id it does nothing.
+    void play(qint64 id);
+
+    const State& state() const { return m_state; }
+
+    sigslot::signal<> stateChanged;             ///< of any part of the state
+    sigslot::signal<const QString&> saveFailed; ///< with the reason
+
+private:
+    class Group;
+
+    void replace(Project project, const QString& file);
+    void setModified(bool modified);
+
+    bool m_usable = false;
+    State m_state;
+    std::vector<std::shared_ptr<Group>> m_groups;
+};
+
+} // namespace mivohost

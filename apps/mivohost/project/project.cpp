@@ -1,0 +1,133 @@
+#include "project/project.h"
+
+#include "surface/hosttext.h"
+
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtCore/QSet>
+
+#include <utility>
+
+namespace mivohost {
+
+namespace {
+
+constexpr int formatVersion = 1;
+constexpr double highestId = 9007199254740992.0; // 2^53: JSON numbers are exact up to here
+
+const QString formatKey = QStringLiteral("mivoProject");
+const QString markKey = QStringLiteral("automaticSaveOf");
+
+/// -1 for what is no id.
+qint64 idOf(const QJsonValue& value)
+{
+    const double number = value.toDouble(-1);
+    const bool isId = number >= 0 && number <= highestId
+                      && static_cast<double>(static_cast<qint64>(number)) == number;
+    return isId ? static_cast<qint64>(number) : -1;
+}
+
+} // namespace
+
+const Project::Program* Project::find(qint64 id) const
+{
+    for (const Group& group : groups) {
+        for (const Program& program : group.programs) {
+            if (program.id == id) {
+                return &program;
+            }
+        }
+    }
+    return nullptr;
+}
+
+const Project::Program* Project::toPlayOnOpening() const
+{
+    const Program* chosen = defaultPlay.lastTime ? nullptr : find(defaultPlay.programId);
+    return chosen != nullptr ? chosen : find(lastPlayed);
+}
+
+QByteArray projectToJson(const Project& project, const QString& automaticSaveOf)
+{
+    QJsonArray groups;
+    for (const Project::Group& group : project.groups) {
+        QJsonArray programs;
+        for (const Project::Program& program : group.programs) {
+            programs.append(QJsonObject{{"id", program.id}, {"name", program.name}});
+        }
+        groups.append(QJsonObject{{"name", group.name}, {"programs", programs}});
+    }
+    QJsonObject root{{formatKey, formatVersion},
+                     {"groups", groups},
+                     {"defaultPlay", QJsonObject{{"lastTime", project.defaultPlay.lastTime},
+                                                 {"programId", project.defaultPlay.programId},
+                                                 {"programName", project.defaultPlay.programName}}},
+                     {"lastPlayed", project.lastPlayed}};
+    if (!automaticSaveOf.isNull()) {
+        root.insert(markKey, automaticSaveOf);
+    }
+    return QJsonDocument(root).toJson();
+}
+
+std::optional<Project> projectFromJson(const QByteArray& content, QString& error)
+{
+    QJsonParseError parseError;
+    const QJsonObject root = QJsonDocument::fromJson(content, &parseError).object();
+    if (parseError.error != QJsonParseError::NoError) {
+        error = parseError.errorString();
+        return std::nullopt;
+    }
+    if (root.value(formatKey).toInt() != formatVersion) {
+        error = root.contains(formatKey) ? QStringLiteral("written by a later version")
+                                         : QStringLiteral("not a project file");
+        return std::nullopt;
+    }
+    Project project;
+    QSet<qint64> ids;
+    for (const QJsonValue group : root.value(QLatin1String("groups")).toArray()) {
+        Project::Group& added = project.groups.emplace_back();
+        added.name = group[QLatin1String("name")].toString();
+        for (const QJsonValue program : group[QLatin1String("programs")].toArray()) {
+            const qint64 id = idOf(program[QLatin1String("id")]);
+            if (id < 0 || ids.contains(id)) {
+                error = QStringLiteral("a program has no id of its own");
+                return std::nullopt;
+            }
+            ids.insert(id);
+            added.programs.push_back({id, program[QLatin1String("name")].toString()});
+        }
+    }
+    const QJsonValue chosen = root.value(QLatin1String("defaultPlay"));
+    project.defaultPlay = {chosen[QLatin1String("lastTime")].toBool(true),
+                           idOf(chosen[QLatin1String("programId")]),
+                           chosen[QLatin1String("programName")].toString()};
+    project.lastPlayed = idOf(root.value(QLatin1String("lastPlayed")));
+    return project;
+}
+
+QString automaticSaveMark(const QByteArray& content)
+{
+    const QJsonValue mark = QJsonDocument::fromJson(content).object().value(markKey);
+    return mark.isString() ? mark.toString(QLatin1String("")) : QString();
+}
+
+Project sampleShow()
+{
+    Project show;
+    qint64 id = 0;
+    const std::vector<std::pair<const char*, std::vector<const char*>>> keys{
+        {"ShowBefore", {"ShowDoors", "ShowWelcome"}},
+        {"ShowMain", {"ShowOpening", "ShowInterview", "ShowMusic", "ShowFinale"}},
+        {"ShowAfter", {"ShowThanks", "ShowBlack"}}};
+    for (const auto& [group, programs] : keys) {
+        Project::Group& added = show.groups.emplace_back();
+        added.name = hostText(group);
+        for (const char* program : programs) {
+            added.programs.push_back({++id, hostText(program)});
+        }
+    }
+    return show;
+}
+
+} // namespace mivohost

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "mivohostapi/iprogramdispatch.h"
+
+#include <QtCore/QByteArray>
+#include <QtCore/QString>
+
+#include <optional>
+#include <vector>
+
+namespace mivohost {
+
+/// What a project file holds.
+struct Project
+{
+    struct Program
+    {
+        qint64 id = -1; ///< unique within the project, 0 to 2^53
+        QString name;
+
+        friend bool operator==(const Program& a, const Program& b)
+        {
+            return a.id == b.id && a.name == b.name;
+        }
+    };
+    struct Group
+    {
+        QString name;
+        std::vector<Program> programs;
+
+        friend bool operator==(const Group& a, const Group& b)
+        {
+            return a.name == b.name && a.programs == b.programs;
+        }
+    };
+
+    std::vector<Group> groups;
+    mivo::mediadispatch::STDefaultPlayProgramInfo defaultPlay;
+    qint64 lastPlayed = -1; ///< -1: none yet
+
+    /// Null without a program of that id.
+    const Program* find(qint64 id) const;
+
+    /// The program to play when the project is opened: the chosen one, or where that is gone the
+    /// one played last. Null where there is neither.
+    const Program* toPlayOnOpening() const;
+};
+
+/// The content of a project file (JSON). `automaticSaveOf` marks it as an automatic save of that
+/// project, whose path may be empty; null: it is none.
+QByteArray projectToJson(const Project& project, const QString& automaticSaveOf = {});
+
+/// Nothing, and the reason in `error`, for what is no project file.
+std::optional<Project> projectFromJson(const QByteArray& content, QString& error);
+
+/// The mark of an automatic save; null for every other file.
+QString automaticSaveMark(const QByteArray& content);
+
+/// The show that a new project starts with, in the language in force. GUI thread.
+Project sampleShow();
+
+} // namespace mivohost

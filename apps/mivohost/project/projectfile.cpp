@@ -1,0 +1,163 @@
+#include "project/projectfile.h"
+
+#include "project/autosave.h"
+#include "runtime/runtimethread.h"
+#include "store/settingsstore.h"
+
+#include "qvspdlog/spdlogapplication.h"
+
+#include <QtCore/QFileInfo>
+
+#include <algorithm>
+#include <utility>
+
+namespace mivohost {
+
+namespace {
+
+constexpr int wholeProject = -1; // all flags
+
+} // namespace
+
+ProjectFile::ProjectFile(RuntimeThread& runtime, SettingsStore& store)
+    : m_runtime(runtime), m_store(store), m_dispatch(std::make_shared<ProgramDispatch>())
+{
+    const auto tell = [this](const char* key, const QString& argument) {
+        QMetaObject::invokeMethod(
+            this, [this, key = QString::fromLatin1(key), argument] { emit failed(key, argument); },
+            Qt::QueuedConnection);
+    };
+    m_runtime.call([this, tell] {
+        m_connections = {
+            m_dispatch->stateChanged.connect([this] {
+                QMetaObject::invokeMethod(this, &ProjectFile::refresh, Qt::QueuedConnection);
+            }),
+            m_dispatch->saveFailed.connect(
+                [tell](const QString& reason) { tell("ProjectNotSaved", reason); }),
+        };
+    });
+    m_autoSave =
+        std::make_unique<AutoSave>(runtime, store, m_dispatch, [tell](const QString& reason) {
+            tell("AutomaticSaveFailed", reason);
+        });
+}
+
+ProjectFile::~ProjectFile()
+{
+    m_autoSave.reset();
+    m_runtime.call([this] {
+        for (auto& connection : m_connections) {
+            connection.disconnect();
+        }
+        m_dispatch.reset();
+    });
+}
+
+void ProjectFile::start()
+{
+    const bool openLast =
+        m_runtime.call([this] { return m_store.getProjectFileSettings().openRecentFiles; });
+    const QStringList recent = recentFiles();
+    if (!openLast || recent.isEmpty() || !open(recent.first())) {
+        m_runtime.call([this, show = sampleShow()] { m_dispatch->create(show); });
+        refresh();
+    }
+}
+
+void ProjectFile::create()
+{
+    m_runtime.call([this, show = sampleShow()] {
+        m_dispatch->create(show);
+        const auto logger = QV::SpdlogApplication::instance().logger();
+        logger->info("new project");
+        if (m_store.getProjectFileSettings().newProjResetOutput) {
+            logger->info("outputs reset");
+        }
+    });
+    refresh();
+}
+
+bool ProjectFile::open(const QString& file)
+{
+    const QString reason = m_runtime.call([this, &file] {
+        const QString failure = m_dispatch->open(file);
+        if (failure.isEmpty() && m_store.getProjectFileSettings().openProjectFileDefaultPlay) {
+            if (const auto* program = m_dispatch->state().project.toPlayOnOpening()) {
+                m_dispatch->play(program->id);
+            }
+        }
+        return failure;
+    });
+    if (!reason.isEmpty()) {
+        QV::SpdlogApplication::instance().logger()->error("project {} could not be opened: {}",
+                                                          file.toStdString(), reason.toStdString());
+        emit failed(QStringLiteral("ProjectNotOpened"), QStringLiteral("%1: %2").arg(file, reason));
+        return false;
+    }
+    refresh();
+    addRecentFile();
+    return true;
+}
+
+void ProjectFile::save()
+{
+    m_runtime.call([this] { m_dispatch->saveProjectFile(wholeProject); });
+    saveCompleted();
+}
+
+bool ProjectFile::saveAs(const QString& file)
+{
+    const bool saved = m_runtime.call([this, &file] { return m_dispatch->saveAs(file); });
+    refresh();
+    if (saved) {
+        addRecentFile();
+    }
+    return saved;
+}
+
+void ProjectFile::play(qint64 id)
+{
+    m_runtime.call([this, id] { m_dispatch->play(id); });
+    refresh();
+}
+
+QStringList ProjectFile::recentFiles() const
+{
+    QStringList files = m_runtime.call([this] { return m_store.getRecentProjectFiles(); })
+                            .split('\n', Qt::SkipEmptyParts);
+    files.erase(std::remove_if(files.begin(), files.end(),
+                               [](const QString& file) { return !QFileInfo::exists(file); }),
+                files.end());
+    return files.mid(0, mostRecentFiles);
+}
+
+void ProjectFile::saveCompleted()
+{
+    refresh();
+    if (m_state.file.isEmpty()) {
+        emit nameWanted();
+    } else if (!m_state.modified) {
+        addRecentFile();
+    }
+}
+
+void ProjectFile::refresh()
+{
+    m_state = m_runtime.call([this] { return m_dispatch->state(); });
+    emit changed();
+}
+
+void ProjectFile::addRecentFile()
+{
+    QStringList files{m_state.file};
+    for (const QString& file : recentFiles()) {
+        if (QFileInfo(file) != QFileInfo(m_state.file)) {
+            files.append(file);
+        }
+    }
+    const QString text = QStringList(files.mid(0, mostRecentFiles)).join('\n');
+    m_runtime.call([this, &text] { m_store.setRecentProjectFiles(text); });
+    emit changed();
+}
+
+} // namespace mivohost

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <sigslot/signal.hpp>
+
+#include <QtCore/QByteArray>
+#include <QtCore/QStringList>
+
+#include <functional>
+#include <vector>
+
+namespace mivohost {
+
+class RuntimeThread;
+class SettingsStore;
+
+/// A freedesktop autostart entry that starts `program` with `arguments`, literally.
+QByteArray autostartEntry(const QString& name, const QString& program,
+                          const QStringList& arguments);
+
+/// Has the program started when the user logs on, as the store's settings say: through a
+/// freedesktop autostart entry, on Windows through the Run key. The delay travels as the option
+/// "--start-delay SECONDS".
+///
+/// Made and destroyed on the GUI thread; works on the runtime thread. `runtime` and `store` must
+/// outlive it.
+class Autostart
+{
+public:
+    using FailureHandler = std::function<void(const QString& reason)>;
+
+    /// Brings the entry in line with the store at once, and at each change. `arguments` come before
+    /// the delay. `failed` is called on the runtime thread, also from here.
+    Autostart(RuntimeThread& runtime, SettingsStore& store, const QString& program,
+              const QStringList& arguments, FailureHandler failed);
+    ~Autostart();
+
+    Autostart(const Autostart&) = delete;
+    Autostart& operator=(const Autostart&) = delete;
+
+    /// Where the entry is kept, named after the application.
+    static QString entryPath();
+
+private:
+    void apply();
+
+    RuntimeThread& m_runtime;
+    SettingsStore& m_store;
+    QString m_program;
+    QStringList m_arguments;
+    FailureHandler m_failed;
+    std::vector<sigslot::connection> m_connections; // runtime thread
+};
+
+} // namespace mivohost

@@ -1,0 +1,177 @@
+#include "system/timedactions.h"
+
+#include "runtime/runtimethread.h"
+#include "store/settingsstore.h"
+
+#include "qvspdlog/spdlogapplication.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace mivohost {
+
+namespace {
+
+constexpr int secondsToDecide = 60;
+constexpr int tickMilliseconds = 1000;
+constexpr int daysLookedBack = 31; // for a deadline that was missed
+
+QTime timeOfDay(const std::string& text)
+{
+    return QTime::fromString(QString::fromStdString(text), QStringLiteral("hh:mm:ss"));
+}
+
+QDateTime wallOf(const QDateTime& now)
+{
+    return {now.date(), now.time(), Qt::UTC};
+}
+
+/// The first moment, in milliseconds since the epoch, at which a clock in the zone of `zoned` shows
+/// `wall` or later.
+qint64 firstMoment(const QDateTime& wall, QDateTime zoned)
+{
+    constexpr qint64 day = 24 * 60 * 60 * 1000;
+    const qint64 shown = wall.toMSecsSinceEpoch();
+    const auto offsetAt = [&zoned](qint64 moment) {
+        zoned.setMSecsSinceEpoch(moment);
+        return qint64{zoned.offsetFromUtc()} * 1000;
+    };
+    const qint64 before = offsetAt(shown - day);
+    const qint64 after = offsetAt(shown + day);
+    qint64 early = shown - std::max(before, after);
+    qint64 late = shown - std::min(before, after);
+    if (early + offsetAt(early) >= shown) {
+        return early;
+    }
+    while (late - early > 1) {
+        const qint64 middle = early + (late - early) / 2;
+        (middle + offsetAt(middle) >= shown ? late : early) = middle;
+    }
+    return late;
+}
+
+} // namespace
+
+Schedule::Schedule(const STMivoTimedShutdownSettings& settings)
+    : enabled(settings.enabled), weekDay(settings.weekDayIndex), time(timeOfDay(settings.time))
+{}
+
+Schedule::Schedule(const STMivoTimedAutomaticRestartSettings& settings)
+    : enabled(settings.enabled), month(settings.monthIndex), day(settings.dayIndex),
+      time(timeOfDay(settings.time))
+{}
+
+bool Schedule::isOn(const QDate& date) const
+{
+    return enabled && (weekDay == 0 || weekDay == date.dayOfWeek())
+           && (month == 0 || month == date.month()) && (day == 0 || day == date.day());
+}
+
+std::optional<DeadlineWatch::Deadline> DeadlineWatch::look(const QDateTime& now,
+                                                           const Schedule& schedule)
+{
+    const bool sameAsBefore = m_schedule && m_schedule->fields() == schedule.fields();
+    m_schedule = schedule;
+    const qint64 instant = now.toMSecsSinceEpoch();
+    const QDateTime wall = wallOf(now);
+    // Kept apart: a local time that is kept changes its instant with the system's zone.
+    const qint64 lastInstant = std::exchange(m_lastInstant, instant);
+    const QDateTime lastWall = std::exchange(m_lastWall, wall);
+    if (!sameAsBefore) {
+        return std::nullopt;
+    }
+    const QDate first =
+        std::max(std::min(lastWall.date(), wall.date()), wall.date().addDays(-daysLookedBack));
+    for (QDate date = wall.date(); date >= first; date = date.addDays(-1)) {
+        if (!schedule.isOn(date)) {
+            continue;
+        }
+        const QDateTime deadline(date, schedule.time, Qt::UTC);
+        const qint64 moment = firstMoment(deadline, now);
+        // The one finds what passes while a zone further west turns the clock back, the other what
+        // a zone further east leaves behind.
+        const bool passed = (lastInstant < moment && moment <= instant)
+                            || (lastWall < deadline && deadline <= wall);
+        if (passed && !m_wereDue.contains(deadline)) {
+            const bool due = instant - moment <= graceSeconds * 1000;
+            if (due) {
+                m_wereDue.insert(deadline);
+            }
+            return Deadline{deadline, (instant - moment) / 1000, due};
+        }
+    }
+    return std::nullopt;
+}
+
+TimedActions::TimedActions(RuntimeThread& runtime, SettingsStore& store, CarryOut carryOut,
+                           Clock clock)
+    : m_runtime(runtime), m_store(store), m_carryOut(std::move(carryOut)), m_clock(std::move(clock))
+{
+    m_runtime.call([this] {
+        // A look at every edit: what is set to a time that has just passed must not be due.
+        m_connections = {
+            m_store.timedShutdownSettingsChanged.connect(
+                [this](const STMivoTimedShutdownSettings&) { look(); }),
+            m_store.timedAutomaticRestartSettingsChanged.connect(
+                [this](const STMivoTimedAutomaticRestartSettings&) { look(); }),
+            m_store.timedShutdownDecided.connect([this](bool now) { decide(m_shutdown, now); }),
+            m_store.timedAutomaticRestartDecided.connect(
+                [this](bool now) { decide(m_restart, now); }),
+        };
+        look();
+    });
+    connect(&m_tick, &QTimer::timeout, this,
+            [this] { m_runtime.post([this] { look(); }, __FILE__, __LINE__, "look"); });
+    m_tick.start(tickMilliseconds);
+}
+
+TimedActions::~TimedActions()
+{
+    m_tick.stop();
+    // Queued behind the last look.
+    m_runtime.call([this] {
+        for (auto& connection : m_connections) {
+            connection.disconnect();
+        }
+    });
+}
+
+void TimedActions::look()
+{
+    const QDateTime now = m_clock();
+    if (isDue(m_shutdown, now, Schedule(m_store.getTimedShutdownSettings()))) {
+        m_store.timedShutdownCount(secondsToDecide);
+    }
+    if (isDue(m_restart, now, Schedule(m_store.getTimedAutomaticRestartSettings()))) {
+        m_store.timedAutomaticRestartCount(secondsToDecide);
+    }
+}
+
+bool TimedActions::isDue(Kind& kind, const QDateTime& now, const Schedule& schedule)
+{
+    const auto deadline = kind.watch.look(now, schedule);
+    if (!deadline) {
+        return false;
+    }
+    const std::string wall =
+        deadline->wall.toString(QStringLiteral("yyyy-MM-dd hh:mm:ss")).toStdString();
+    const auto logger = QV::SpdlogApplication::instance().logger();
+    if (deadline->due) {
+        kind.carriedOut = false;
+        logger->info("timed {} of {} is due", kind.name, wall);
+    } else {
+        logger->warn("timed {} of {} was missed by {} s and is skipped", kind.name, wall,
+                     deadline->secondsAgo);
+    }
+    return deadline->due;
+}
+
+void TimedActions::decide(Kind& kind, bool now)
+{
+    // One prompt may decide twice, and its second word may be no.
+    if (now && !std::exchange(kind.carriedOut, true)) {
+        m_carryOut(kind.action);
+    }
+}
+
+} // namespace mivohost

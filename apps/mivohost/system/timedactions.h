@@ -1,0 +1,110 @@
+#pragma once
+
+#include "mivohostapi/settingsrecords.h"
+
+#include <sigslot/signal.hpp>
+
+#include <QtCore/QDateTime>
+#include <QtCore/QObject>
+#include <QtCore/QSet>
+#include <QtCore/QTimer>
+
+#include <functional>
+#include <optional>
+#include <tuple>
+#include <vector>
+
+namespace mivohost {
+
+class RuntimeThread;
+class SettingsStore;
+
+enum class PowerAction { shutdown, restart };
+
+/// The days on which something is due, and when on those; 0 stands for each.
+struct Schedule
+{
+    bool enabled = false;
+    int weekDay = 0; ///< 1 Monday ... 7 Sunday
+    int month = 0;
+    int day = 0; ///< of the month; months that are shorter are left out
+    QTime time;  ///< local, whole seconds
+
+    explicit Schedule(const STMivoTimedShutdownSettings& settings);
+    explicit Schedule(const STMivoTimedAutomaticRestartSettings& settings);
+
+    bool isOn(const QDate& date) const;
+    auto fields() const { return std::tie(enabled, weekDay, month, day, time); }
+};
+
+/// Tells when a schedule's moment has come, by a wall clock that may be set, change its zone, skip
+/// or repeat an hour, or pass over the time for which the machine slept. On any one thread.
+class DeadlineWatch
+{
+public:
+    /// Longer ago than this, a deadline is missed.
+    static constexpr int graceSeconds = 60;
+
+    struct Deadline
+    {
+        QDateTime wall; ///< as a clock on the wall shows it; its time spec has no meaning
+        qint64 secondsAgo = 0;
+        bool due = false; ///< otherwise missed
+    };
+
+    /// What passed between the look before this one and `now`, which is local time: the latest
+    /// deadline, if there is one and it was not due before. The first look, and the first one on
+    /// another schedule, find nothing. A time that the clock skips on that day passes when it
+    /// skips; of one that it shows twice the first counts.
+    std::optional<Deadline> look(const QDateTime& now, const Schedule& schedule);
+
+private:
+    std::optional<Schedule> m_schedule;
+    qint64 m_lastInstant = 0; // milliseconds since the epoch
+    QDateTime m_lastWall;
+    QSet<QDateTime> m_wereDue;
+};
+
+/// Asks for the timed actions of the store's schedules when they are due, and has them carried out
+/// when the operator has decided so.
+///
+/// Made and destroyed on the GUI thread, whose event loop ticks; everything else happens on the
+/// runtime thread. `runtime` and `store` must outlive it.
+class TimedActions : public QObject
+{
+    Q_OBJECT
+
+public:
+    using Clock = std::function<QDateTime()>;                 // local time
+    using CarryOut = std::function<void(PowerAction action)>; // called on the runtime thread
+
+    TimedActions(RuntimeThread& runtime, SettingsStore& store, CarryOut carryOut,
+                 Clock clock = &QDateTime::currentDateTime);
+    ~TimedActions() override;
+
+    /// Looks at the clock, as each tick does. Runtime thread.
+    void look();
+
+private:
+    struct Kind
+    {
+        PowerAction action;
+        const char* name;
+        DeadlineWatch watch;
+        bool carriedOut = false; // since it was asked for last
+    };
+
+    bool isDue(Kind& kind, const QDateTime& now, const Schedule& schedule);
+    void decide(Kind& kind, bool now);
+
+    RuntimeThread& m_runtime;
+    SettingsStore& m_store;
+    CarryOut m_carryOut;
+    Clock m_clock;
+    QTimer m_tick{this};
+    Kind m_shutdown{PowerAction::shutdown, "shutdown", {}};
+    Kind m_restart{PowerAction::restart, "restart", {}};
+    std::vector<sigslot::connection> m_connections; // runtime thread
+};
+
+} // namespace mivohost
