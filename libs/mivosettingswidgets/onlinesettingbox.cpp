@@ -45,8 +45,7 @@ OnlineSettingBox::Impl::Impl(OnlineSettingBox* page)
     column->setContentsMargins(30, 20, 0, 16);
 
     text(QStringLiteral("OnlineSettings"), [page](const QString& title) { page->setTitle(title); });
-    text(QStringLiteral("AutoSyncResources"),
-         [this](const QString& label) { m_autoSync->setText(label); });
+    text(QStringLiteral("AutoSyncResources"), m_autoSync);
     navigationText(QStringLiteral("GeneralSettings"));
 
     connect(m_autoSync, &CheckBox::stateChanged, this, &Impl::onAutoSyncResourcesStateChanged);

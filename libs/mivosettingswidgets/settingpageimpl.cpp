@@ -3,6 +3,7 @@
 #include "mivosettingswidgets/isettingbox.h"
 #include "texts.h"
 
+#include <QtWidgets/QAbstractButton>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QLabel>
 
@@ -92,15 +93,23 @@ void SettingPageImpl::text(const QString& key, std::function<void(const QString&
     m_texts.back().set(m_texts.back().shown);
 }
 
-void SettingPageImpl::text(const QString& key, QLabel* label, QWidget* buddy)
+void SettingPageImpl::text(const QString& key, QLabel* label, QWidget* buddy,
+                           const QString& initial)
 {
     label->setBuddy(buddy);
-    text(key, [label, buddy](const QString& translated) {
+    const auto set = [label, buddy](const QString& translated) {
         label->setText(translated);
         if (buddy != nullptr) {
             buddy->setAccessibleName(translated);
         }
-    });
+    };
+    text(key, set, initial);
+}
+
+void SettingPageImpl::text(const QString& key, QAbstractButton* button, const QString& initial)
+{
+    text(
+        key, [button](const QString& translated) { button->setText(translated); }, initial);
 }
 
 void SettingPageImpl::itemTexts(QComboBox* combo, const std::vector<const char*>& keys)

@@ -9,6 +9,7 @@
 #include <functional>
 #include <vector>
 
+class QAbstractButton;
 class QComboBox;
 class QLabel;
 class QWidget;
@@ -128,14 +129,29 @@ protected:
         });
     }
 
+    /// The same for the signals of a service, which `connectTo` connects on the runtime thread.
+    void follow(std::function<sigslot::connection()> connectTo)
+    {
+        m_followed.push_back(
+            [connectTo = std::move(connectTo)](MivoSettings&) { return connectTo(); });
+    }
+
     /// Calls the slot of that name with `value` from the event loop. Any thread.
     template <typename T>
     void queue(const char* slot, const T& value)
     {
+        queue(this, slot, value, queuedTypeText<T>);
+    }
+
+    /// The same for a slot of an object that lives as long as this one, with a type text that is
+    /// not the usual one.
+    template <typename T>
+    static void queue(QObject* target, const char* slot, const T& value, const char* typeText)
+    {
         static_assert(queuedTypeText<T> != nullptr, "a type that is queued needs its text");
         qMetaTypeId<T>(); // registers a record before its first journey
-        QMetaObject::invokeMethod(this, slot, Qt::QueuedConnection,
-                                  QGenericArgument(queuedTypeText<T>, &value));
+        QMetaObject::invokeMethod(target, slot, Qt::QueuedConnection,
+                                  QGenericArgument(typeText, &value));
     }
 
     /// Registers a text: `set` gets the translation of `key` now, and again whenever it differs
@@ -144,7 +160,17 @@ protected:
               const QString& initial = {});
 
     /// The same for a label; the control next to it becomes its buddy and is named after it.
-    void text(const QString& key, QLabel* label, QWidget* buddy = nullptr);
+    void text(const QString& key, QLabel* label, QWidget* buddy = nullptr,
+              const QString& initial = {});
+    void text(const QString& key, QAbstractButton* button, const QString& initial = {});
+
+    /// The first form, for a part of a page that has texts of its own.
+    auto textRegistrar()
+    {
+        return [this](const char* key, std::function<void(const QString&)> set) {
+            text(QString::fromLatin1(key), std::move(set));
+        };
+    }
 
     /// The same for the items of a combo box, from the first on; those that are missing are added.
     void itemTexts(QComboBox* combo, const std::vector<const char*>& keys);

@@ -1,14 +1,20 @@
 #include "support/pagecases.h"
 
+#include "support/dialogs.h"
+
+#include <mivosettingswidgets/fileinfosettingbox.h>
 #include <mivosettingswidgets/generalsettingbox.h>
 #include <mivosettingswidgets/onlinesettingbox.h>
 #include <mivosettingswidgets/resplaycontrolsettingbox.h>
 #include <mivosettingswidgets/undosettingbox.h>
 
+#include <QtCore/QTemporaryDir>
 #include <QtTest/QTest>
 #include <QtWidgets/QAbstractButton>
+#include <QtWidgets/QComboBox>
 #include <QtWidgets/QDateTimeEdit>
 #include <QtWidgets/QDoubleSpinBox>
+#include <QtWidgets/QLineEdit>
 
 using namespace mivo::settings;
 
@@ -59,6 +65,36 @@ void clicking(QWidget* control)
     QTest::mouseClick(control, Qt::LeftButton, {}, QPoint(8, control->height() / 2));
 }
 
+/// Chooses the last item with the keyboard.
+void choosingLast(QWidget* control)
+{
+    control->setFocus();
+    QTest::keyClick(control, Qt::Key_End);
+    control->clearFocus();
+}
+
+const QString& someFolder()
+{
+    static const QTemporaryDir folder;
+    static const QString path = folder.path();
+    return path;
+}
+
+/// Presses the button behind a path, and chooses a folder in the dialog that opens.
+void browsing(QWidget* control)
+{
+    whenModal<QFileDialog>([](QFileDialog& dialog) { chooseFolder(dialog, someFolder()); });
+    clicking(control->nextInFocusChain());
+}
+
+ControlCase folder(const char* setting, int index, const char* subFolder, const char* writeSlot)
+{
+    return {setting,   "mivo::widgets::EditBox", index,
+            QString(), "/stored/folder",         "/folder/from elsewhere/目录",
+            QString(), someFolder() + subFolder, browsing,
+            writeSlot};
+}
+
 } // namespace
 
 const std::vector<PageCase>& pageCases()
@@ -83,6 +119,13 @@ const std::vector<PageCase>& pageCases()
             "resplaycontrolsettingbox.cpp", true, true, 1, 1,
             {{"pictureDuration", "mivo::widgets::TimeEditBox", 0, 5000, 8000, 9000, 5000, 83000,
               typingTime("000123"), "onDurationTimeChanged"}}),
+        pageCase<FileInfoSettingBox>(
+            "fileinfosettingbox.cpp", true, true, 1, 4,
+            {{"playLogStorageTimeType", "mivo::widgets::ComboBox", 0, 0, 1, 3, 0, 4, choosingLast,
+              "onPlayLogStorageTimeComboBoxIndexChanged"},
+             folder("playLogPath", 0, "/playlog", "onPlayLogPathChanged"),
+             folder("cachePath", 1, "/cache", "onCacheChanged"),
+             folder("sharePath", 2, "/sharedfolder", "onShareChanged")}),
     };
     return cases;
 }
@@ -109,6 +152,12 @@ QVariant shownBy(QWidget* control)
     }
     if (auto* edit = qobject_cast<QDoubleSpinBox*>(control)) {
         return edit->value();
+    }
+    if (auto* combo = qobject_cast<QComboBox*>(control)) {
+        return combo->currentData();
+    }
+    if (auto* edit = qobject_cast<QLineEdit*>(control)) {
+        return edit->text();
     }
     return {};
 }

@@ -273,6 +273,226 @@
         <comment>Widget</comment>
         <translation>Sun</translation>
     </message>
+    <message>
+        <source>ProjectFile</source>
+        <comment>Widget</comment>
+        <translation>Project file</translation>
+    </message>
+    <message>
+        <source>OpenRecentFilesAfterStartup</source>
+        <comment>Widget</comment>
+        <translation>Open the most recent project after startup</translation>
+    </message>
+    <message>
+        <source>OpenProjectFileDefaultPlay</source>
+        <comment>Widget</comment>
+        <translation>Play a program when a project is opened</translation>
+    </message>
+    <message>
+        <source>LastTime</source>
+        <comment>Widget</comment>
+        <translation>Last played</translation>
+    </message>
+    <message>
+        <source>ProgramList</source>
+        <comment>Widget</comment>
+        <translation>Programs</translation>
+    </message>
+    <message>
+        <source>AutoSaveProjectFiles</source>
+        <comment>Widget</comment>
+        <translation>Save the project automatically</translation>
+    </message>
+    <message>
+        <source>Interval</source>
+        <comment>Widget</comment>
+        <translation>every</translation>
+    </message>
+    <message>
+        <source>saves</source>
+        <comment>Widget</comment>
+        <translation>minutes</translation>
+    </message>
+    <message>
+        <source>SaveMaximumQuantity</source>
+        <comment>Widget</comment>
+        <translation>Saves kept</translation>
+    </message>
+    <message>
+        <source>NoPromptWhenCloseSoftware</source>
+        <comment>Widget</comment>
+        <translation>Close the application without asking to save the project</translation>
+    </message>
+    <message>
+        <source>NewProjResetOutput</source>
+        <comment>Widget</comment>
+        <translation>Reset the outputs for a new project</translation>
+    </message>
+    <message>
+        <source>NewProjResetRecommand</source>
+        <comment>Widget</comment>
+        <translation>Recommended: a new project then starts without the outputs of the last one</translation>
+    </message>
+    <message>
+        <source>AutoSavePath</source>
+        <comment>Widget</comment>
+        <translation>Folder of automatic saves</translation>
+    </message>
+    <message>
+        <source>Browse</source>
+        <comment>Widget</comment>
+        <translation>Browse…</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <comment>Widget</comment>
+        <translation>Open</translation>
+    </message>
+    <message>
+        <source>Clear</source>
+        <comment>Widget</comment>
+        <translation>Clear…</translation>
+    </message>
+    <message>
+        <source>NoSpace</source>
+        <comment>Widget</comment>
+        <translation>The drive is full</translation>
+    </message>
+    <message>
+        <source>RemainSpace</source>
+        <comment>Widget</comment>
+        <translation>Free: </translation>
+    </message>
+    <message>
+        <source>FileInfoGroup</source>
+        <comment>Widget</comment>
+        <translation>Files and folders</translation>
+    </message>
+    <message>
+        <source>PlayLogStorageTime</source>
+        <comment>Widget</comment>
+        <translation>Keep the play log</translation>
+    </message>
+    <message>
+        <source>PermanentDefault</source>
+        <comment>Widget</comment>
+        <translation>Forever</translation>
+    </message>
+    <message>
+        <source>OneMonth</source>
+        <comment>Widget</comment>
+        <translation>1 month</translation>
+    </message>
+    <message>
+        <source>ThreeMonths</source>
+        <comment>Widget</comment>
+        <translation>3 months</translation>
+    </message>
+    <message>
+        <source>SixMonths</source>
+        <comment>Widget</comment>
+        <translation>6 months</translation>
+    </message>
+    <message>
+        <source>TwelveMonths</source>
+        <comment>Widget</comment>
+        <translation>12 months</translation>
+    </message>
+    <message>
+        <source>LogPath</source>
+        <comment>Widget</comment>
+        <translation>Play log</translation>
+    </message>
+    <message>
+        <source>CachePath</source>
+        <comment>Widget</comment>
+        <translation>Cache</translation>
+    </message>
+    <message>
+        <source>SharePath</source>
+        <comment>Widget</comment>
+        <translation>Shared files</translation>
+    </message>
+    <message>
+        <source>SelectFolder</source>
+        <comment>Widget</comment>
+        <translation>Choose a folder</translation>
+    </message>
+    <message>
+        <source>NameInput</source>
+        <comment>Widget</comment>
+        <translation>Folder:</translation>
+    </message>
+    <message>
+        <source>OpenProject</source>
+        <comment>Widget</comment>
+        <translation>Choose</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <comment>Widget</comment>
+        <translation>Cancel</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <comment>Widget</comment>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>MoblieTips</source>
+        <comment>Widget</comment>
+        <translation>This folder is on a removable or mobile device. Please choose one on a fixed drive.</translation>
+    </message>
+    <message>
+        <source>MoblieTip</source>
+        <comment>Widget</comment>
+        <translation>This folder is on a removable or mobile device. Automatic saves need a fixed drive.</translation>
+    </message>
+    <message>
+        <source>NoPermission</source>
+        <comment>Widget</comment>
+        <translation>You may not write files in this folder. Please choose another one.</translation>
+    </message>
+    <message>
+        <source>NoAuthorized</source>
+        <comment>Widget</comment>
+        <translation>You may not write files in this folder. Automatic saves need another one.</translation>
+    </message>
+    <message>
+        <source>MakeDirTips</source>
+        <comment>Widget</comment>
+        <translation>The sub-folder could not be created in the chosen folder.</translation>
+    </message>
+    <message>
+        <source>ClearTips</source>
+        <comment>Widget</comment>
+        <translation>Delete everything in this folder? This cannot be undone.</translation>
+    </message>
+    <message>
+        <source>ClearingFolder</source>
+        <comment>Widget</comment>
+        <translation>Clearing the folder…</translation>
+    </message>
+    <message>
+        <source>ClearRefused</source>
+        <comment>Widget</comment>
+        <translation>This folder is not cleared: it is missing, or it is the root of a drive or holds the user’s own files.</translation>
+    </message>
+    <message>
+        <source>ClearIncomplete</source>
+        <comment>Widget</comment>
+        <translation>Not everything could be removed. Still there:</translation>
+    </message>
+    <message>
+        <source>ClearMore</source>
+        <comment>Widget</comment>
+        <translation>… and %1 more</translation>
+    </message>
+    <message>
+        <source>OpenFolderFailed</source>
+        <comment>Widget</comment>
+        <translation>This folder cannot be opened.</translation>
+    </message>
 </context>
 <context>
     <name>MivoHost</name>

@@ -1,5 +1,6 @@
 #include "surface/settingsview.h"
 
+#include <mivosettingswidgets/fileinfosettingbox.h>
 #include <mivosettingswidgets/generalsettingbox.h>
 #include <mivosettingswidgets/onlinesettingbox.h>
 #include <mivosettingswidgets/resplaycontrolsettingbox.h>
@@ -51,6 +52,7 @@ SettingsView::SettingsView(IZRRuntime& runtime, MivoSettings& settings, QWidget*
     general->setProgramDispatch(services.programs);
     general->setProjectFileMgr(services.projectFile);
     add(general, 10);
+    add(new FileInfoSettingBox, 14);
     add(new UndoSettingBox, 20);
     add(new OnlineSettingBox, 30);
     add(new ResPlayControlSettingBox, 20);

@@ -1,0 +1,77 @@
+#pragma once
+
+#include "mivosettingswidgets/export.h"
+
+#include <QtCore/QPointer>
+#include <QtCore/QStringList>
+#include <QtWidgets/QWidget>
+
+#include <functional>
+#include <optional>
+#include <string>
+
+class QFileDialog;
+
+namespace mivo::settings {
+
+/// What a page has of its own in the choice of a folder: keys of texts, and lines of the log.
+struct FolderRules
+{
+    const char* acceptKey;        ///< the dialog's accept button
+    const char* notAFolderLine;   ///< the selection is no folder
+    const char* sameFolderLine;   ///< the selection is the folder that is set already; may be null
+    const char* mobileTipKey;     ///< the folder is on a mobile device
+    const char* permissionTipKey; ///< the user may not write there
+    bool checksBeforeComparing;   ///< else the selection is compared with what is set first
+};
+
+MIVOSETTINGSWIDGETS_EXPORT extern const FolderRules projectFolderRules;
+MIVOSETTINGSWIDGETS_EXPORT extern const FolderRules fileInfoFolderRules;
+
+/// The means of the choice, for tests to replace.
+struct MIVOSETTINGSWIDGETS_EXPORT FolderMeans
+{
+    FolderMeans();
+
+    std::function<std::optional<QStringList>(QFileDialog&)> select; ///< nothing when cancelled
+    std::function<bool(const QString&)> isMobile;
+};
+
+/// One choice of a folder by the user: dialog, checks, each with its line in Qt's log and some with
+/// a modal tip, and the sub-folder that is made in the chosen folder. GUI thread.
+///
+/// The page may be destroyed while a dialog is open: the dialog is closed then, the choice ends
+/// with false, and no path that was passed is touched.
+class MIVOSETTINGSWIDGETS_EXPORT FolderSelection
+{
+public:
+    FolderSelection(const FolderRules& rules, QWidget* page, FolderMeans means = {});
+
+    /// Both start at the folder "path" and, on success, leave the result there: the chosen folder,
+    /// and the sub-folder `suffix` in it.
+    bool openBrowseFileDialog(QString& path) const;
+    bool createSecLevelDir(QString& path, const std::string& suffix) const;
+
+private:
+    bool mayBeUsed(const QString& folder) const;
+
+    const FolderRules& m_rules;
+    QPointer<QWidget> m_page;
+    FolderMeans m_means;
+};
+
+/// Shows a modal tip: an information (0) or a warning (2), with a smaller text below. It is closed
+/// when the page goes, which may be null already.
+void showTip(const QPointer<QWidget>& page, const QString& text, int kind,
+             const QString& assistText = {});
+
+/// Asks, over the page, whether the folder is to be cleared; no when the page goes meanwhile.
+bool confirmClearing(QWidget* page, const QString& folder);
+
+/// The drive that a path begins with, as "D:"; empty when it does not.
+MIVOSETTINGSWIDGETS_EXPORT QString driveOf(const QString& path);
+
+/// The path without one "/" at its end; the root stays.
+MIVOSETTINGSWIDGETS_EXPORT QString withoutTrailingSlash(const QString& path);
+
+} // namespace mivo::settings

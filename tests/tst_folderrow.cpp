@@ -1,0 +1,283 @@
+#include "folderrow.h"
+
+#include "support/dialogs.h"
+
+#include <mivowidgets/editbox.h>
+#include <mivowidgets/pushbutton.h>
+
+#include <QtCore/QDir>
+#include <QtCore/QTemporaryDir>
+#include <QtTest/QSignalSpy>
+#include <QtWidgets/QHBoxLayout>
+#include <QtWidgets/QProgressDialog>
+
+#include <atomic>
+
+using namespace mivo::settings;
+using mivo::qutils::ClearResult;
+using mivo::widgets::TipDialog;
+
+namespace {
+
+constexpr double gibibyte = 1 << 30;
+
+class Row : public ::testing::Test
+{
+protected:
+    Row()
+    {
+        means.bytesAvailable = [this](const QString& drive) {
+            asked.append(drive);
+            return available;
+        };
+    }
+
+    ~Row() override { delete page; }
+
+    void make()
+    {
+        tip = new QLabel("full");
+        row = new FolderRow(page, tip, means);
+        row->setParent(page);
+        page->setLayout(row->layout);
+        row->addTexts("Cache", [](const char* key, const std::function<void(const QString&)>& set) {
+            set(QString::fromLatin1(key));
+        });
+        page->show();
+        page->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(page));
+    }
+
+    /// Clears on the thread of the row until it is told to end.
+    void clearForever()
+    {
+        means.clear = [this](const QString&, const std::function<bool(int)>& goOn) {
+            ClearResult result;
+            for (clearing = true; goOn(result.removed); ++result.removed) {
+                QThread::msleep(2);
+            }
+            result.cancelled = true;
+            clearing = false;
+            return result;
+        };
+    }
+
+    void pressClear(TipDialog::Result answer = TipDialog::accepted)
+    {
+        whenModal<TipDialog>([answer](TipDialog& dialog) { dialog.done(answer); });
+        QTest::mouseClick(row->clear, Qt::LeftButton);
+    }
+
+    FolderRow::Means means;
+    QStringList asked;
+    qint64 available = static_cast<qint64>(99 * gibibyte);
+    std::atomic<bool> clearing{false};
+    QPointer<QWidget> page = new QWidget;
+    QPointer<FolderRow> row;
+    QPointer<QLabel> tip;
+    TipWatch watch;
+};
+
+} // namespace
+
+TEST_F(Row, ShowsWholeGibibytesAndWarnsBelowOne)
+{
+    make();
+    QSignalSpy checked(row, &FolderRow::spaceChecked);
+    const struct
+    {
+        const char* path;
+        double gibibytes;
+        const char* shown;
+        bool usedUp;
+    } cases[]{
+        {"D:/a", 0.9, "RemainSpace0.0 G", true},
+        {"D:/b", 1.9, "RemainSpace1.0 G", false},
+        {"D:/c", 99, "RemainSpace99.0 G", false},
+        {"Q:/d", -1 / gibibyte, "RemainSpace0.0 G", true}, // a drive that does not answer
+        {"//server/share", 0.5, "", false},
+        {"/home/e", 0.5, "", false},
+        {"D:/", 1, "RemainSpace1.0 G", false},
+        {"", 0.5, "", false},
+    };
+    for (const auto& test : cases) {
+        asked.clear();
+        checked.clear();
+        available = static_cast<qint64>(test.gibibytes * gibibyte);
+        row->setPath(test.path);
+        EXPECT_EQ(row->space->text(), test.shown) << test.path;
+        EXPECT_EQ(tip->isVisible(), test.usedUp) << test.path;
+        EXPECT_EQ(asked.size(), *test.shown ? 1 : 0) << "one query for each path";
+        ASSERT_EQ(checked.size(), 1) << test.path;
+        EXPECT_EQ(checked[0][0].toBool(), test.usedUp) << test.path;
+        EXPECT_EQ(row->edit->cursorPosition(), 0);
+
+        row->setPath(test.path);
+        EXPECT_EQ(checked.size(), 1) << "the path is shown already";
+        EXPECT_EQ(asked.size(), *test.shown ? 1 : 0);
+    }
+}
+
+TEST_F(Row, ThePathIsForReadingAndNeededForClearing)
+{
+    make();
+    EXPECT_FALSE(row->clear->isEnabled());
+    row->setPath("D:/cache");
+    EXPECT_TRUE(row->clear->isEnabled());
+    QTest::keyClicks(row->edit, "x");
+    EXPECT_EQ(row->path(), "D:/cache");
+    row->setPath(QString());
+    EXPECT_FALSE(row->clear->isEnabled());
+}
+
+TEST_F(Row, ClearsWhatIsInTheFolderAfterAYesOnly)
+{
+    const QTemporaryDir folder;
+    ASSERT_TRUE(QDir(folder.path()).mkpath("a/b/c"));
+    QFile file(folder.filePath("a/b/目录.txt"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.close();
+    make();
+    row->setPath(folder.path());
+    QSignalSpy checked(row, &FolderRow::spaceChecked);
+
+    for (const auto answer : {TipDialog::dismissed, TipDialog::cancelled}) {
+        pressClear(answer);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return watch.tips.empty(); }));
+        QTest::qWait(20);
+        EXPECT_TRUE(file.exists());
+        EXPECT_TRUE(checked.isEmpty());
+    }
+    pressClear();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !checked.isEmpty(); })) << "the space is asked again";
+    EXPECT_TRUE(QDir(folder.path()).isEmpty());
+    EXPECT_TRUE(QFileInfo(folder.path()).isDir());
+    EXPECT_TRUE(watch.tips.empty());
+}
+
+TEST_F(Row, AsksWithTheFolderNamed)
+{
+    make();
+    row->setPath("/nowhere/目录");
+    whenModal<TipDialog>([this](TipDialog& dialog) {
+        EXPECT_EQ(dialog.parent(), page);
+        EXPECT_EQ(dialog.tipText(), "ClearTips");
+        EXPECT_EQ(dialog.findChild<QLabel*>("tipAssistText")->text(),
+                  QDir::toNativeSeparators("/nowhere/目录"));
+        QStringList buttons;
+        for (QPushButton* button : dialog.findChildren<QPushButton*>()) {
+            EXPECT_TRUE(button->isVisible());
+            buttons.append(button->text());
+        }
+        EXPECT_EQ(buttons, QStringList({"Cancel", "OK"}));
+        dialog.reject();
+    });
+    QTest::mouseClick(row->clear, Qt::LeftButton);
+}
+
+TEST_F(Row, TellsOfAFolderThatMayNotBeCleared)
+{
+    make();
+    for (const QString& folder : {QDir::rootPath(), QDir::homePath(), QString("/nowhere")}) {
+        watch.tips.clear();
+        row->setPath(folder);
+        pressClear();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return watch.tips.size() == 1; }));
+        EXPECT_EQ(watch.tips[0].text, "ClearRefused");
+        EXPECT_EQ(watch.tips[0].assist, QDir::toNativeSeparators(folder));
+        EXPECT_EQ(watch.tips[0].kind, TipDialog::warning);
+    }
+}
+
+TEST_F(Row, NamesWhatCouldNotBeRemoved)
+{
+    means.clear = [](const QString&, const std::function<bool(int)>&) {
+        ClearResult result;
+        for (int i = 0; i < 12; ++i) {
+            result.notRemoved.append("/kept/" + QString::number(i));
+        }
+        return result;
+    };
+    make();
+    row->setPath("/kept");
+    pressClear();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return watch.tips.size() == 1; }));
+    EXPECT_EQ(watch.tips[0].text, "ClearIncomplete");
+    EXPECT_TRUE(watch.tips[0].assist.contains("/kept/9\n"));
+    EXPECT_FALSE(watch.tips[0].assist.contains("/kept/10")) << "the tip must fit on the screen";
+}
+
+TEST_F(Row, ALongClearingShowsItsProgressAndCanBeCancelled)
+{
+    clearForever();
+    make();
+    row->setPath("D:/cache");
+    pressClear();
+    asked.clear();
+    QTest::qWait(100);
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr) << "a quick one shows nothing";
+    QTest::mouseClick(row->clear, Qt::LeftButton); // one at a time
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+
+    bool closed = false;
+    whenModal<QProgressDialog>([&](QProgressDialog& dialog) {
+        EXPECT_TRUE(dialog.labelText().contains("cache"));
+        QTest::mouseClick(dialog.findChild<QPushButton*>(), Qt::LeftButton);
+        closed = true;
+    });
+    EXPECT_TRUE(QTest::qWaitFor([&] { return closed && asked.size() == 1; }));
+    EXPECT_FALSE(clearing);
+    EXPECT_EQ(page->findChild<QProgressDialog*>(), nullptr);
+    EXPECT_TRUE(watch.tips.empty());
+}
+
+TEST_F(Row, ItsPageMayGoOrCloseWhileItClears)
+{
+    for (const bool progressIsOpen : {false, true}) {
+        clearForever();
+        page = new QWidget;
+        make();
+        row->setPath("D:/cache");
+        pressClear();
+        if (progressIsOpen) {
+            EXPECT_TRUE(
+                QTest::qWaitFor([] { return QApplication::activeModalWidget() != nullptr; }));
+        }
+        EXPECT_TRUE(QTest::qWaitFor([this] { return clearing.load(); }));
+        delete page;
+        EXPECT_FALSE(clearing) << "the thread has ended";
+        EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+    }
+    clearForever();
+    page = new QWidget;
+    make();
+    row->setPath("D:/cache");
+    pressClear();
+    page->close();
+    QTest::qWait(700);
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+    EXPECT_TRUE(clearing) << "it goes on: it was asked for";
+}
+
+TEST_F(Row, ItsPageMayGoWhileItAsksOrTells)
+{
+    means.clear = [](const QString&, const std::function<bool(int)>&) {
+        ClearResult result;
+        result.refused = true;
+        return result;
+    };
+    make();
+    row->setPath("D:/cache");
+    whenModal<TipDialog>([this](TipDialog& /*dialog*/) { delete page; });
+    QTest::mouseClick(row->clear, Qt::LeftButton);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return page.isNull(); }));
+
+    page = new QWidget;
+    make();
+    row->setPath("D:/cache");
+    watch.tips.clear();
+    pressClear();
+    watch.onTip = [this] { delete page; };
+    EXPECT_TRUE(QTest::qWaitFor([this] { return page.isNull(); }));
+    EXPECT_TRUE(QTest::qWaitFor([] { return QApplication::activeModalWidget() == nullptr; }));
+}
