@@ -5,6 +5,7 @@
 #include <mivosettingswidgets/fileinfosettingbox.h>
 #include <mivosettingswidgets/generalsettingbox.h>
 #include <mivosettingswidgets/onlinesettingbox.h>
+#include <mivosettingswidgets/projectsettingbox.h>
 #include <mivosettingswidgets/resplaycontrolsettingbox.h>
 #include <mivosettingswidgets/undosettingbox.h>
 
@@ -87,6 +88,12 @@ void browsing(QWidget* control)
     clicking(control->nextInFocusChain());
 }
 
+ControlCase checkBox(const char* setting, int index, const char* writeSlot)
+{
+    return {setting,  "mivo::widgets::CheckBox", index, false, false, false, false, true, clicking,
+            writeSlot};
+}
+
 ControlCase folder(const char* setting, int index, const char* subFolder, const char* writeSlot)
 {
     return {setting,   "mivo::widgets::EditBox", index,
@@ -119,6 +126,20 @@ const std::vector<PageCase>& pageCases()
             "resplaycontrolsettingbox.cpp", true, true, 1, 1,
             {{"pictureDuration", "mivo::widgets::TimeEditBox", 0, 5000, 8000, 9000, 5000, 83000,
               typingTime("000123"), "onDurationTimeChanged"}}),
+        pageCase<ProjectSettingBox>(
+            "projectsettingbox.cpp", true, false, 1, 8,
+            {checkBox("openRecentFiles", 0, "onOpenRecentFilesCheckBoxStateChanged"),
+             checkBox("openProjectFileDefaultPlay", 1,
+                      "onOpenProjectFileDefaultPlayCheckBoxStateChanged"),
+             // Before the boxes that it makes editable.
+             checkBox("autoSaveProjectFiles", 2, "onAutoSaveProjectFilesCheckBoxStateChanged"),
+             {"autoSaveProjectFilesInterval", "mivo::widgets::SpinEditBox", 0, 1., 12, 30, 5., 7.,
+              typing("7"), "onIntervalSpinBoxValueChanged"},
+             {"autoSaveProjectFilesMaxNum", "mivo::widgets::SpinEditBox", 1, 5., 8, 20, 5., 1.,
+              typing("1"), "onAutoSaveMaxNumSpinBoxValueChanged"},
+             folder("autoSavePath", 0, "/projectbackups", "onAutoSavePathChanged"),
+             checkBox("notPromptForSave", 3, "onNotPromptForSaveCheckBoxStateChanged"),
+             checkBox("newProjResetOutput", 4, "onNewProjResetOutputCheckBoxStateChanged")}),
         pageCase<FileInfoSettingBox>(
             "fileinfosettingbox.cpp", true, true, 1, 4,
             {{"playLogStorageTimeType", "mivo::widgets::ComboBox", 0, 0, 1, 3, 0, 4, choosingLast,

@@ -3,6 +3,7 @@
 #include <mivosettingswidgets/fileinfosettingbox.h>
 #include <mivosettingswidgets/generalsettingbox.h>
 #include <mivosettingswidgets/onlinesettingbox.h>
+#include <mivosettingswidgets/projectsettingbox.h>
 #include <mivosettingswidgets/resplaycontrolsettingbox.h>
 #include <mivosettingswidgets/settingsdialog.h>
 #include <mivosettingswidgets/settingwdigettranslatemanager.h>
@@ -52,6 +53,10 @@ SettingsView::SettingsView(IZRRuntime& runtime, MivoSettings& settings, QWidget*
     general->setProgramDispatch(services.programs);
     general->setProjectFileMgr(services.projectFile);
     add(general, 10);
+    auto* project = new ProjectSettingBox;
+    project->setProgramDispatch(services.programs);
+    project->setCheckIconPath(QStringLiteral(":/style/icons/check.svg"));
+    add(project, 12);
     add(new FileInfoSettingBox, 14);
     add(new UndoSettingBox, 20);
     add(new OnlineSettingBox, 30);

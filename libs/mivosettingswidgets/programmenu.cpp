@@ -1,0 +1,96 @@
+#include "programmenu.h"
+
+#include "texts.h"
+
+Q_DECLARE_METATYPE(std::weak_ptr<mivo::mediadispatch::IProgram>)
+
+namespace mivo::settings {
+
+using mivo::mediadispatch::IProgram;
+using mivo::mediadispatch::IProgramDispatch;
+
+ProgramList::ProgramList(const IProgramDispatch& dispatch)
+    : chosen(dispatch.getDefaultPlayProgram())
+{
+    for (const auto& weakGroup : dispatch.programGroups()) {
+        const auto group = weakGroup.lock();
+        if (!group) {
+            continue;
+        }
+        groups.push_back({group->name(), {}});
+        for (const auto& weakProgram : group->programs()) {
+            if (const auto program = weakProgram.lock()) {
+                groups.back().programs.push_back({program->id(), program->name(), weakProgram});
+            }
+        }
+    }
+}
+
+QString ProgramList::chosenName() const
+{
+    if (chosen.lastTime) {
+        return {};
+    }
+    for (const Group& group : groups) {
+        for (const Program& program : group.programs) {
+            if (program.id == chosen.programId) {
+                return program.name;
+            }
+        }
+    }
+    return chosen.programName;
+}
+
+ProgramMenu::ProgramMenu(QWidget* parent) : QMenu(parent), m_lastTime(addAction(QString()))
+{
+    setObjectName(QStringLiteral("groupMenu"));
+    setFixedWidth(140);
+}
+
+void ProgramMenu::setPrograms(const ProgramList& list, const QIcon& chosenIcon)
+{
+    removePrograms();
+    m_lastTime->setIcon(list.chosen.lastTime ? chosenIcon : QIcon());
+    if (list.groups.empty()) {
+        return;
+    }
+    addSeparator();
+    addAction(text(QStringLiteral("ProgramList")))->setEnabled(false); // a heading
+    constexpr int groupTextWidth = 100;
+    for (const auto& group : list.groups) {
+        const QString shown = fontMetrics().elidedText(group.name, Qt::ElideRight, groupTextWidth);
+        QMenu* menu = addMenu(controlText(shown));
+        menu->setEnabled(!group.programs.empty());
+        for (const auto& program : group.programs) {
+            QAction* action = menu->addAction(controlText(program.name));
+            action->setData(QVariant::fromValue(program.program));
+            if (!list.chosen.lastTime && program.id == list.chosen.programId) {
+                action->setIcon(chosenIcon);
+            }
+        }
+    }
+}
+
+std::weak_ptr<IProgram> ProgramMenu::programOf(const QAction& action)
+{
+    return action.data().value<std::weak_ptr<IProgram>>();
+}
+
+void ProgramMenu::removePrograms()
+{
+    const auto entries = actions();
+    for (QAction* entry : entries) {
+        if (entry->menu() != nullptr) {
+            delete entry->menu(); // and its entry
+        } else if (entry != m_lastTime) {
+            delete entry;
+        }
+    }
+}
+
+QString controlText(QString name)
+{
+    return name.replace(QLatin1Char('&'), QLatin1String("&&"));
+}
+
+} // namespace mivo::settings
