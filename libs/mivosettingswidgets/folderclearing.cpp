@@ -13,27 +13,30 @@ FolderClearing::FolderClearing(const QString& folder, QWidget* page, const Clear
 {
     QTimer::singleShot(std::chrono::milliseconds(500), this,
                        [this, folder, page = QPointer<QWidget>(page)] {
-                           if (m_running && page && page->isVisible()) {
+                           if (isRunning() && page && page->isVisible()) {
                                showProgress(folder, page);
                            }
                        });
     m_thread = std::thread([this, folder, clear] {
-        auto result = clear(folder, [this](int /*removed*/) { return !m_cancelled; });
-        const auto finish = [this, result = std::move(result)] {
-            m_result = result;
-            m_running = false;
-            delete m_progress;
-            emit finished();
-        };
-        QMetaObject::invokeMethod(this, finish, Qt::QueuedConnection);
+        m_result = clear(folder, [this](int /*removed*/) { return !m_cancelled; });
+        QMetaObject::invokeMethod(this, "finish", Qt::QueuedConnection);
     });
 }
 
 FolderClearing::~FolderClearing()
 {
     m_cancelled = true;
+    if (isRunning()) {
+        m_thread.join();
+    }
+    delete m_progress;
+}
+
+void FolderClearing::finish()
+{
     m_thread.join();
     delete m_progress;
+    emit finished();
 }
 
 void FolderClearing::showProgress(const QString& folder, QWidget* page)

@@ -27,7 +27,7 @@ public:
     /// Cancels, and waits until the entry at hand is done.
     ~FolderClearing() override;
 
-    bool isRunning() const { return m_running; }
+    bool isRunning() const { return m_thread.joinable(); }
 
     /// Valid when finished() is emitted.
     const qutils::ClearResult& result() const { return m_result; }
@@ -35,11 +35,13 @@ public:
 signals:
     void finished();
 
+private slots:
+    void finish();
+
 private:
     void showProgress(const QString& folder, QWidget* page);
 
-    qutils::ClearResult m_result;
-    bool m_running = true;
+    qutils::ClearResult m_result; // the thread's until it is joined
     std::atomic<bool> m_cancelled{false};
     QPointer<QProgressDialog> m_progress;
     std::thread m_thread;

@@ -56,7 +56,7 @@ void ProgramMenu::setPrograms(const ProgramList& list, const QIcon& chosenIcon)
     }
     addSeparator();
     addAction(text(QStringLiteral("ProgramList")))->setEnabled(false); // a heading
-    constexpr int groupTextWidth = 100;
+    constexpr int groupTextWidth = 80; // between the icon and the arrow
     for (const auto& group : list.groups) {
         const QString shown = fontMetrics().elidedText(group.name, Qt::ElideRight, groupTextWidth);
         QMenu* menu = addMenu(controlText(shown));
