@@ -114,7 +114,11 @@ protected:
 int tabsToUndoSteps()
 {
     TestRuntime runtime;
-    TestStore store;
+    // With folders, as the host has them: some buttons are disabled without.
+    TestStore store({{"autoSavePath", "/a"},
+                     {"playLogPath", "/b"},
+                     {"cachePath", "/c"},
+                     {"sharePath", "/d"}});
     mivohost::SettingsView view(runtime, store, nullptr);
     view.dialog().show();
     view.dialog().activateWindow();
