@@ -235,6 +235,7 @@ TEST_F(Row, ItsPageMayGoOrCloseWhileItClears)
 {
     for (const bool progressIsOpen : {false, true}) {
         clearForever();
+        delete page;
         page = new QWidget;
         make();
         row->setPath("D:/cache");

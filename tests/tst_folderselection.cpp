@@ -57,7 +57,7 @@ protected:
     }
 
     /// Through the real dialog.
-    bool choose(const QString& name, std::function<void(QFileDialog&)> before = {})
+    bool choose(const QString& name, const std::function<void(QFileDialog&)>& before = {})
     {
         whenModal<QFileDialog>([=](QFileDialog& dialog) {
             if (before) {

@@ -91,7 +91,7 @@ class FileWidget : public QWidget
     Q_OBJECT
 
 signals:
-    void timeChanged(int minutes);
+    void timeChanged(int /*minutes*/);
     void checkRemainSpace();
 };
 

@@ -48,7 +48,7 @@ public slots:
     }
 
 signals:
-    void shown(bool on);
+    void shown(bool /*on*/);
 
 private:
     CheckBox* m_box;
