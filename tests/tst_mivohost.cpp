@@ -115,10 +115,8 @@ int tabsToUndoSteps()
 {
     TestRuntime runtime;
     // With folders, as the host has them: some buttons are disabled without.
-    TestStore store({{"autoSavePath", "/a"},
-                     {"playLogPath", "/b"},
-                     {"cachePath", "/c"},
-                     {"sharePath", "/d"}});
+    TestStore store(
+        {{"autoSavePath", "/a"}, {"playLogPath", "/b"}, {"cachePath", "/c"}, {"sharePath", "/d"}});
     mivohost::SettingsView view(runtime, store, nullptr);
     view.dialog().show();
     view.dialog().activateWindow();
@@ -245,6 +243,23 @@ TEST_F(Host, StartsAsItsSettingsSayAndPlaysOnAKey)
     QFile entry(folder.filePath("config/autostart/mivohost.desktop"));
     ASSERT_TRUE(entry.open(QIODevice::ReadOnly));
     EXPECT_TRUE(entry.readAll().contains("\"--start-delay\" \"0\"\n"));
+}
+
+TEST_F(Host, CountsDownToAScheduledRestartAndCarriesItOutWhenToldTo)
+{
+    {
+        auto opened = mivohost::SqlitePersistence::open(store());
+        ASSERT_TRUE(opened.persistence);
+        const QString soon = QTime::currentTime().addSecs(4).toString("hh:mm:ss");
+        ASSERT_TRUE(opened.persistence->write("timedAutomaticRestart", "1|0|0|" + soon));
+    }
+    Program program(store());
+    ASSERT_TRUE(program.hasScreen());
+    ASSERT_TRUE(program.says("is due")) << program.output().constData();
+    QTest::qWait(1500);                   // the prompt opens
+    program.person().key(RfbClient::tab); // from the button that cancels to the other one
+    program.person().key(RfbClient::enter);
+    EXPECT_TRUE(program.says("would restart the machine now")) << program.output().constData();
 }
 
 TEST_F(Host, WaitsBeforeItOpensAnything)

@@ -160,6 +160,16 @@ TEST_F(ProjectTest, ASaveThatFailsIsToldAndStaysUnsaved)
     EXPECT_EQ(nameWanted.size(), 1);
 }
 
+TEST_F(ProjectTest, ASaveThatNobodyWatchesAsksForNoName)
+{
+    start({{"autoSavePath", path("saves")}});
+    QSignalSpy nameWanted(file.get(), &ProjectFile::nameWanted);
+    file->play(3);
+    file->saveCompleted();
+    EXPECT_EQ(nameWanted.size(), 0);
+    EXPECT_EQ(QDir(path("saves")).entryList({"unnamed-*.mivo"}).size(), 1);
+}
+
 TEST_F(ProjectTest, OffersItsProgramsToThePages)
 {
     start();

@@ -6,6 +6,7 @@
 
 #include "qvspdlog/spdlogapplication.h"
 
+#include <QtCore/QDateTime>
 #include <QtCore/QFileInfo>
 
 #include <algorithm>
@@ -101,6 +102,11 @@ bool ProjectFile::open(const QString& file)
 
 void ProjectFile::save()
 {
+    refresh();
+    if (m_state.file.isEmpty()) {
+        emit nameWanted();
+        return;
+    }
     m_runtime.call([this] { m_dispatch->saveProjectFile(wholeProject); });
     saveCompleted();
 }
@@ -135,7 +141,7 @@ void ProjectFile::saveCompleted()
 {
     refresh();
     if (m_state.file.isEmpty()) {
-        emit nameWanted();
+        m_runtime.call([this] { m_autoSave->save(QDateTime::currentDateTime()); });
     } else if (!m_state.modified) {
         addRecentFile();
     }

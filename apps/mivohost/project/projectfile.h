@@ -55,7 +55,8 @@ public:
     /// Files that were opened or saved and are still there, the last one first.
     QStringList recentFiles() const;
 
-    /// Asks for a name if the project has none yet, else takes its file up as the most recent one.
+    /// Takes the project's file up as the most recent one. Nobody may be at the screen: a project
+    /// without a file is not asked for one, but saved among the automatic saves.
     void saveCompleted() override;
 
 signals:
