@@ -8,6 +8,7 @@
 
 #include <mivosettingswidgets/settingwdigettranslatemanager.h>
 #include <mivosettingswidgets/settingwidget.h>
+#include <mivosettingswidgets/undosettingbox.h>
 #include <mivowidgets/spineditbox.h>
 
 #include <gtest/gtest.h>
@@ -266,7 +267,8 @@ protected:
         view->dialog().show();
         view->dialog().activateWindow();
         EXPECT_TRUE(QTest::qWaitForWindowActive(&view->dialog()));
-        edit = view->dialog().findChild<mivo::widgets::SpinEditBox*>();
+        edit =
+            view->dialog().findChild<UndoSettingBox*>()->findChild<mivo::widgets::SpinEditBox*>();
         edit->setFocus();
         QTest::keySequence(edit, QKeySequence::SelectAll);
         QTest::keyClicks(edit, "80");
