@@ -25,8 +25,11 @@ if(MIVO_SANITIZE STREQUAL "address")
                             -fno-omit-frame-pointer)
 elseif(MIVO_SANITIZE STREQUAL "thread")
     set(MIVO_SANITIZE_FLAGS -fsanitize=thread -fno-omit-frame-pointer)
+elseif(MIVO_SANITIZE STREQUAL "fuzzer")
+    set(MIVO_SANITIZE_FLAGS -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all
+                            -fno-omit-frame-pointer)
 elseif(MIVO_SANITIZE)
-    message(FATAL_ERROR "MIVO_SANITIZE is \"address\", \"thread\" or empty")
+    message(FATAL_ERROR "MIVO_SANITIZE is \"address\", \"thread\", \"fuzzer\" or empty")
 endif()
 
 # Warnings and sanitizers, for every target of the project.
@@ -43,16 +46,17 @@ function(mivo_target target)
                                                  QT_NO_FOREACH)
 endfunction()
 
-# Precompiles the widget headers for the target, or uses those of another one.
+# mivo_precompile(TARGET [header...]): the widget headers and more for the target.
+# mivo_precompile(TARGET FROM OTHER): those of another target.
 function(mivo_precompile target)
     if(NOT MIVO_PCH)
         return()
     endif()
-    if(ARGC GREATER 1)
-        target_precompile_headers(${target} REUSE_FROM ${ARGV1})
+    if(ARGV1 STREQUAL "FROM")
+        target_precompile_headers(${target} REUSE_FROM ${ARGV2})
     else()
         target_precompile_headers(${target} PRIVATE <QtWidgets> <functional> <future> <memory>
-                                  <string> <vector>)
+                                  <string> <vector> ${ARGN})
     endif()
 endfunction()
 
@@ -90,7 +94,7 @@ function(mivo_add_test name)
     cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "SOURCES;LIBRARIES")
     add_executable(${name} ${name}.cpp ${ARG_SOURCES})
     mivo_target(${name})
-    mivo_precompile(${name} mivotestsupport)
+    mivo_precompile(${name} FROM mivotestsupport)
     target_link_libraries(${name} PRIVATE mivotestsupport ${ARG_LIBRARIES})
     add_test(NAME ${name} COMMAND ${name})
 endfunction()

@@ -1,5 +1,6 @@
 #include "surface/mainwindow.h"
 
+#include "peripherals/peripherals.h"
 #include "project/projectfile.h"
 #include "runtime/runtimethread.h"
 #include "surface/settingsview.h"
@@ -72,7 +73,8 @@ protected:
     RuntimeThread runtime;
     TestStore store;
     ProjectFile project{runtime, store};
-    MainWindow window{runtime, store, project};
+    Peripherals peripherals{runtime, store};
+    MainWindow window{runtime, store, project, peripherals};
     QSignalSpy closed{&window, &MainWindow::closed};
 };
 

@@ -1,4 +1,5 @@
 #include "zrcutils/folderpermission.h"
+#include "zrcutils/nocachefile.h"
 #include "zrcutils/processutils.h"
 
 #include "support/otherprocess.h"
@@ -9,11 +10,13 @@
 #include <QtCore/QFile>
 #include <QtCore/QProcess>
 #include <QtCore/QTemporaryDir>
+#include <QtCore/QThread>
 
 #include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <spawn.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -149,6 +152,60 @@ TEST(FolderWritePermission, IsWhatWritingShows)
     QProcess::execute("chattr", {"-i", attributes});
 }
 
+TEST(NoCacheFile, ReplacesTheWholeFileOrNothing)
+{
+    const QTemporaryDir folder;
+    const fs::path base = fs::path(QFile::encodeName(folder.path()).toStdString());
+    const std::string path = (base / u8"设置 file.json").string();
+    const auto content = [&path] {
+        std::ifstream file(path, std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(file), {});
+    };
+    const std::string odd("a\0b\r\n\xff", 6);
+    EXPECT_TRUE(NoCacheFile::saveToFile(path, odd));
+    EXPECT_EQ(content(), odd);
+    fs::permissions(path, fs::perms::owner_read | fs::perms::owner_write);
+    EXPECT_TRUE(NoCacheFile::saveToFile(path, ""));
+    EXPECT_EQ(content(), "");
+    EXPECT_EQ(fs::status(path).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+    EXPECT_TRUE(NoCacheFile::saveToFile(path, "kept"));
+
+    EXPECT_FALSE(NoCacheFile::saveToFile((base / "no such" / "file").string(), "x"));
+    fs::create_directory(base / "folder");
+    EXPECT_FALSE(NoCacheFile::saveToFile((base / "folder").string(), "x"));
+    EXPECT_FALSE(NoCacheFile::saveToFile("", "x"));
+
+    // A disk that is full: the limit stops a write in its middle.
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit old{};
+    ::getrlimit(RLIMIT_FSIZE, &old);
+    const rlimit small{100000, old.rlim_max};
+    ::setrlimit(RLIMIT_FSIZE, &small);
+    EXPECT_FALSE(NoCacheFile::saveToFile(path, std::string(200000, 'x')));
+    ::setrlimit(RLIMIT_FSIZE, &old);
+    EXPECT_EQ(content(), "kept");
+    EXPECT_EQ(std::distance(fs::directory_iterator(base), {}), 2) << "something was left behind";
+}
+
+TEST(NoCacheFile, IsWholeWhenItsWriterIsKilled)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("file");
+    for (int round = 0; round < 10; ++round) {
+        QProcess writer;
+        writer.start(QCoreApplication::applicationFilePath(), {"--as-writer", path});
+        ASSERT_TRUE(writer.waitForReadyRead());
+        QThread::usleep(static_cast<unsigned long>(700 * round)); // another moment each time
+        ::kill(static_cast<pid_t>(writer.processId()), SIGKILL);
+        writer.waitForFinished();
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        const QByteArray content = file.readAll();
+        ASSERT_EQ(content.size(), 300000);
+        EXPECT_EQ(content.count(content[0]), content.size());
+    }
+}
+
 namespace {
 
 int runAsOtherProcess(const QStringList& arguments)
@@ -157,6 +214,16 @@ int runAsOtherProcess(const QStringList& arguments)
         return ::setuid(65534) == 0
                    ? static_cast<int>(ProcessUtils::processIsRunning(arguments.at(1).toStdString()))
                    : 2;
+    }
+    if (arguments[0] == "--as-writer") {
+        for (char letter = 'a';; letter = letter == 'z' ? 'a' : static_cast<char>(letter + 1)) {
+            if (!NoCacheFile::saveToFile(arguments.at(1).toStdString(),
+                                         std::string(300000, letter))) {
+                return 1;
+            }
+            std::puts("saved");
+            std::fflush(stdout);
+        }
     }
     std::puts("started");
     std::fflush(stdout);

@@ -1,3 +1,4 @@
+#include "peripherals/peripherals.h"
 #include "project/projectfile.h"
 #include "runtime/runtimethread.h"
 #include "store/settingsstore.h"
@@ -8,6 +9,7 @@
 #include "surface/pictures.h"
 #include "surface/settingsview.h"
 #include "system/autostart.h"
+#include "system/listener.h"
 #include "system/power.h"
 #include "system/timedactions.h"
 
@@ -116,6 +118,8 @@ int runWindow(MainWindow& window, RuntimeThread& runtime, SettingsStore& store,
                 Qt::QueuedConnection);
         });
 
+    const Listener listener(runtime, store);
+
     // Hiding to the tray is not the end.
     QApplication::setQuitOnLastWindowClosed(false);
     QObject::connect(&window, &MainWindow::closed, &QApplication::quit);
@@ -176,7 +180,8 @@ int run(const QCommandLineParser& arguments)
         }
     } else {
         ProjectFile project(runtime, *store);
-        MainWindow window(runtime, *store, project);
+        Peripherals peripherals(runtime, *store);
+        MainWindow window(runtime, *store, project, peripherals);
         const QString language = runtime.call([&store] { return store->getLanguage(); });
         window.switchLanguage(language.isEmpty() ? systemLanguage() : language);
         if (opened.status == SqlitePersistence::Status::putAside) {

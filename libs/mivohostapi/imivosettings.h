@@ -69,6 +69,13 @@ public:
     virtual void setCachePath(const std::string& folder) = 0;
     virtual void setSharePath(const std::string& folder) = 0;
 
+    /// The listening ports, TCP and UDP. The host opens or closes them as is wished and announces
+    /// what came of it.
+    virtual STPortInfo getTcpPort() = 0;
+    virtual void setTcpPort(const STPortInfo& info) = 0;
+    virtual STPortInfo getUdpPort() = 0;
+    virtual void setUdpPort(const STPortInfo& info) = 0;
+
     sigslot::signal<const int> undoStepChanged;
     sigslot::signal<const bool> autoSyncResourcesChanged;
     sigslot::signal<const STResourceSettingsInfo&> resourceSettingsChanged; ///< of any one kind
@@ -102,6 +109,11 @@ public:
     sigslot::signal<const QString&> autoSavePathChanged;
     sigslot::signal<const bool> notPromptForSaveChanged;
     sigslot::signal<const bool> newProjResetOutputChanged;
+
+    sigslot::signal<const STPortInfo&> tcpPortChanged;
+    sigslot::signal<const STPortInfo&> udpPortChanged;
+    sigslot::signal<const std::string&> tcpPortFailed; ///< why it stays closed
+    sigslot::signal<const std::string&> udpPortFailed;
 
     sigslot::signal<const int> playLogStorageTimeTypeChanged;
     sigslot::signal<const std::string&> playLogPathChanged;

@@ -3,6 +3,7 @@
 #include <QtCore/QMetaType>
 #include <QtCore/QString>
 
+#include <cstdint>
 #include <ostream>
 #include <string>
 #include <tuple>
@@ -101,6 +102,16 @@ struct STFileInfoSettings
     }
 };
 Q_DECLARE_METATYPE(STFileInfoSettings)
+
+/// A port on which the application listens.
+struct STPortInfo
+{
+    bool open = false; ///< wished when it is written, and what came of it when it is announced
+    std::uint16_t port = 0;
+
+    auto fields() const { return std::tie(open, port); }
+};
+Q_DECLARE_METATYPE(STPortInfo)
 
 inline std::ostream& operator<<(std::ostream& out, const QString& text)
 {

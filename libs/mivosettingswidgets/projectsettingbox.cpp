@@ -118,7 +118,7 @@ private:
     void enableAutoSave(bool on);
     static void queueChecked(StoredCheck* check, bool on)
     {
-        queue(check, "setChecked", on, "bool");
+        queueTo(check, "setChecked", on, "bool");
     }
 
     /// Has `use` called on the runtime thread; without a dispatcher, false and a warning.
@@ -513,7 +513,7 @@ void ProjectSettingBox::Impl::checkedProgramAction(const std::weak_ptr<IProgram>
 void ProjectSettingBox::Impl::updateDefaultPlayBtnText()
 {
     if (const auto list = programs("updateDefaultPlayBtnText")) {
-        queue(this, "setText", list->chosenName(), "QString");
+        queueTo(this, "setText", list->chosenName(), "QString");
     }
 }
 

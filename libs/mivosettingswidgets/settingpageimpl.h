@@ -136,20 +136,21 @@ protected:
             [connectTo = std::move(connectTo)](MivoSettings&) { return connectTo(); });
     }
 
-    /// Calls the slot of that name with `value` from the event loop. Any thread.
-    template <typename T>
-    void queue(const char* slot, const T& value)
+    /// Calls the slot of that name with `values` from the event loop. Any thread.
+    template <typename... T>
+    void queue(const char* slot, const T&... values)
     {
-        queue(this, slot, value, queuedTypeText<T>);
+        (registerQueued<T>(), ...);
+        QMetaObject::invokeMethod(this, slot, Qt::QueuedConnection,
+                                  QGenericArgument(queuedTypeText<T>, &values)...);
     }
 
     /// The same for a slot of an object that lives as long as this one, with a type text that is
     /// not the usual one.
     template <typename T>
-    static void queue(QObject* target, const char* slot, const T& value, const char* typeText)
+    static void queueTo(QObject* target, const char* slot, const T& value, const char* typeText)
     {
-        static_assert(queuedTypeText<T> != nullptr, "a type that is queued needs its text");
-        qMetaTypeId<T>(); // registers a record before its first journey
+        registerQueued<T>();
         QMetaObject::invokeMethod(target, slot, Qt::QueuedConnection,
                                   QGenericArgument(typeText, &value));
     }
@@ -179,6 +180,14 @@ protected:
     void navigationText(const QString& key);
 
 private:
+    /// Before the first journey of a type.
+    template <typename T>
+    static void registerQueued()
+    {
+        static_assert(queuedTypeText<T> != nullptr, "a type that is queued needs its text");
+        qMetaTypeId<T>();
+    }
+
     struct Text
     {
         QString key;

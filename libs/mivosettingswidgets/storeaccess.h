@@ -36,14 +36,22 @@ constexpr std::string_view sourceBaseName(std::string_view path)
     return slash == std::string_view::npos ? path : path.substr(slash + 1);
 }
 
-/// The library's one log line, at level warn: the message, then on a line of its own
-/// " //file:function()#line.". `format` has a `{}` for each of `args`. Any thread.
+/// The library's one log line: the message, then on a line of its own " //file:function()#line.".
+/// `format` has a `{}` for each of `args`. Any thread.
+template <typename... Args>
+void logAt(spdlog::level::level_enum level, const CallSite& site,
+           fmt::format_string<Args...> format, Args&&... args)
+{
+    QV::SpdlogApplication::instance().logger()->log(
+        level, "{} \n //{}:{}()#{}.", fmt::format(format, std::forward<Args>(args)...),
+        sourceBaseName(site.file), site.function, site.line);
+}
+
+/// The same at level warn, which nearly all of them have.
 template <typename... Args>
 void warn(const CallSite& site, fmt::format_string<Args...> format, Args&&... args)
 {
-    QV::SpdlogApplication::instance().logger()->warn(
-        "{} \n //{}:{}()#{}.", fmt::format(format, std::forward<Args>(args)...),
-        sourceBaseName(site.file), site.function, site.line);
+    logAt(spdlog::level::warn, site, format, std::forward<Args>(args)...);
 }
 
 /// Calls `callable(args...)` on the runtime thread and returns its result; a runtime that refuses

@@ -2,6 +2,7 @@
 
 #include "mivowidgets/pushbutton.h"
 
+#include <QtCore/QPointer>
 #include <QtCore/QVariant>
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QLabel>
@@ -41,7 +42,7 @@ TipDialog::TipDialog(QWidget* parent)
     column->setSpacing(20);
     column->addLayout(message, 1);
     column->addLayout(buttons);
-    setMinimumWidth(420);
+    setMinimumWidth(460);
     setTipKind(information);
 
     connect(m_cancel, &PushButton::clicked, this, [this] { done(cancelled); });
@@ -86,6 +87,19 @@ int TipDialog::run()
     // What does no harm is what Return chooses.
     (m_cancel->isHidden() ? m_accept : m_cancel)->setFocus();
     return exec();
+}
+
+int TipDialog::ask(QWidget* parent, Kind kind, const QString& text, const QString& cancel,
+                   const QString& accept)
+{
+    const QPointer<TipDialog> dialog = new TipDialog(parent); // goes with its parent
+    dialog->setTipKind(kind);
+    dialog->setTipText(text);
+    dialog->setButtonTexts(cancel, accept);
+    dialog->setCancelButtonVisible(!cancel.isEmpty());
+    const int result = dialog->run();
+    delete dialog;
+    return result;
 }
 
 } // namespace mivo::widgets

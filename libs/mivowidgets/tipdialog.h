@@ -33,6 +33,10 @@ public:
     /// by then: it runs an event loop of its own.
     int run();
 
+    /// Runs a prompt for once: a Result. Without a cancel text it has only the accept button.
+    static int ask(QWidget* parent, Kind kind, const QString& text, const QString& cancel,
+                   const QString& accept);
+
 private:
     QLabel* m_icon;
     QLabel* m_tip;

@@ -4,6 +4,7 @@
 
 #include <mivosettingswidgets/fileinfosettingbox.h>
 #include <mivosettingswidgets/generalsettingbox.h>
+#include <mivosettingswidgets/netdevicesettingwidget.h>
 #include <mivosettingswidgets/onlinesettingbox.h>
 #include <mivosettingswidgets/projectsettingbox.h>
 #include <mivosettingswidgets/resplaycontrolsettingbox.h>
@@ -102,6 +103,24 @@ ControlCase folder(const char* setting, int index, const char* subFolder, const 
             writeSlot};
 }
 
+PageCase networkCase()
+{
+    const auto closedPort = [](const QVariant& port) { return "0|" + port.toString(); };
+    const auto port = [&](const char* setting, int index, double number, const char* writeSlot) {
+        return ControlCase{setting,      "mivo::widgets::SpinEditBox",
+                           index,        0.,
+                           number,       65534.,
+                           0.,           80.,
+                           typing("80"), writeSlot,
+                           closedPort};
+    };
+    auto network = pageCase<DeviceSettingWidget>("netdevicesettingwidget.cpp", true, false, 2, 4,
+                                                 {port("tcpPort", 0, 7000., "onTcpPortChanged"),
+                                                  port("udpPort", 1, 7001., "onUdpPortChanged")});
+    network.qtWarning = "_settings is null";
+    return network;
+}
+
 } // namespace
 
 const std::vector<PageCase>& pageCases()
@@ -122,6 +141,7 @@ const std::vector<PageCase>& pageCases()
             "onlinesettingbox.cpp", false, false, 1, 1,
             {{"autoSyncResources", "mivo::widgets::CheckBox", 0, false, false, false, false, true,
               clicking, "onAutoSyncResourcesStateChanged"}}),
+        networkCase(),
         pageCase<ResPlayControlSettingBox>(
             "resplaycontrolsettingbox.cpp", true, true, 1, 1,
             {{"pictureDuration", "mivo::widgets::TimeEditBox", 0, 5000, 8000, 9000, 5000, 83000,

@@ -25,6 +25,10 @@ struct ControlCase
     QVariant edited;                    ///< reached by `edit`
     std::function<void(QWidget*)> edit; ///< by mouse and keyboard, from any value but `edited`
     std::string writeSlot;              ///< named by the null-store warning
+    /// What the store keeps for a value that is shown, where it is not the value itself.
+    std::function<QVariant(const QVariant&)> record = nullptr;
+
+    QVariant kept(const QVariant& shown) const { return record ? record(shown) : shown; }
 };
 
 /// One page: how it is made and bound, and its controls. A new page joins all tests of pages by a
@@ -41,6 +45,8 @@ struct PageCase
     std::function<void(mivo::settings::ISettingBox*, MivoSettings*)> bind;
     std::function<void(mivo::settings::ISettingBox*)> unbind;
     std::vector<ControlCase> controls;
+    const char* qtWarning =
+        nullptr; ///< said by Qt's log, and not by ours, where a store is missing
 };
 
 const std::vector<PageCase>& pageCases();

@@ -22,7 +22,8 @@ public:
 private:
     static void take(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message)
     {
-        if (type == QtWarningMsg && message.startsWith("--")) { // else it is Qt's
+        const bool isOurs = message.startsWith("--") || message.startsWith("_settings");
+        if (type == QtWarningMsg && isOurs) {
             lines().push_back(message.toStdString());
         }
     }

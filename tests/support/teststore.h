@@ -75,8 +75,9 @@ public:
             timedShutdownCount, timedAutomaticRestartCount, linkShutdown, linkRestart,
             openRecentFilesChanged, openProjectFileDefaultPlayChanged, autoSaveProjectFilesChanged,
             autoSaveProjectFilesIntervalChanged, autoSaveProjectFilesMaxNumChanged,
-            autoSavePathChanged, notPromptForSaveChanged, newProjResetOutputChanged,
-            playLogStorageTimeTypeChanged, playLogPathChanged, cachePathChanged, sharePathChanged);
+            autoSavePathChanged, notPromptForSaveChanged, newProjResetOutputChanged, tcpPortChanged,
+            udpPortChanged, tcpPortFailed, udpPortFailed, playLogStorageTimeTypeChanged,
+            playLogPathChanged, cachePathChanged, sharePathChanged);
     }
 
 private:

@@ -493,6 +493,101 @@
         <comment>Widget</comment>
         <translation>This folder cannot be opened.</translation>
     </message>
+    <message>
+        <source>netSetting</source>
+        <comment>Widget</comment>
+        <translation>Network</translation>
+    </message>
+    <message>
+        <source>udpPort</source>
+        <comment>Widget</comment>
+        <translation>UDP port</translation>
+    </message>
+    <message>
+        <source>tcpPort</source>
+        <comment>Widget</comment>
+        <translation>TCP port</translation>
+    </message>
+    <message>
+        <source>open</source>
+        <comment>Widget</comment>
+        <translation>Open</translation>
+    </message>
+    <message>
+        <source>close</source>
+        <comment>Widget</comment>
+        <translation>Close</translation>
+    </message>
+    <message>
+        <source>exteranlContralSetting</source>
+        <comment>Widget</comment>
+        <translation>External control</translation>
+    </message>
+    <message>
+        <source>openSuccess</source>
+        <comment>Widget</comment>
+        <translation>Open</translation>
+    </message>
+    <message>
+        <source>UseMIDI</source>
+        <comment>Widget</comment>
+        <translation>Use MIDI</translation>
+    </message>
+    <message>
+        <source>MIDIDevice</source>
+        <comment>Widget</comment>
+        <translation>Devices</translation>
+    </message>
+    <message>
+        <source>useDMX</source>
+        <comment>Widget</comment>
+        <translation>Use DMX (Art-Net)</translation>
+    </message>
+    <message>
+        <source>NodeName</source>
+        <comment>Widget</comment>
+        <translation>Node name</translation>
+    </message>
+    <message>
+        <source>ChannelOffest</source>
+        <comment>Widget</comment>
+        <translation>Channel offset</translation>
+    </message>
+    <message>
+        <source>Subnet</source>
+        <comment>Widget</comment>
+        <translation>Subnet</translation>
+    </message>
+    <message>
+        <source>Domain</source>
+        <comment>Widget</comment>
+        <translation>Net</translation>
+    </message>
+    <message>
+        <source>ApplyDMX</source>
+        <comment>Widget</comment>
+        <translation>Apply</translation>
+    </message>
+    <message>
+        <source>UseOSC</source>
+        <comment>Widget</comment>
+        <translation>Use OSC</translation>
+    </message>
+    <message>
+        <source>OSCPort</source>
+        <comment>Widget</comment>
+        <translation>OSC port</translation>
+    </message>
+    <message>
+        <source>ConfirmCoverExistShortCut</source>
+        <comment>Widget</comment>
+        <translation>Another action has this already. Move it here?</translation>
+    </message>
+    <message>
+        <source>SystemShortCutWithRepeat</source>
+        <comment>Widget</comment>
+        <translation>The application itself needs this key. Choose another one.</translation>
+    </message>
 </context>
 <context>
     <name>MivoHost</name>

@@ -493,6 +493,101 @@
         <comment>Widget</comment>
         <translation>无法打开该文件夹。</translation>
     </message>
+    <message>
+        <source>netSetting</source>
+        <comment>Widget</comment>
+        <translation>网络</translation>
+    </message>
+    <message>
+        <source>udpPort</source>
+        <comment>Widget</comment>
+        <translation>UDP 端口</translation>
+    </message>
+    <message>
+        <source>tcpPort</source>
+        <comment>Widget</comment>
+        <translation>TCP 端口</translation>
+    </message>
+    <message>
+        <source>open</source>
+        <comment>Widget</comment>
+        <translation>打开</translation>
+    </message>
+    <message>
+        <source>close</source>
+        <comment>Widget</comment>
+        <translation>关闭</translation>
+    </message>
+    <message>
+        <source>exteranlContralSetting</source>
+        <comment>Widget</comment>
+        <translation>外部控制</translation>
+    </message>
+    <message>
+        <source>openSuccess</source>
+        <comment>Widget</comment>
+        <translation>已打开</translation>
+    </message>
+    <message>
+        <source>UseMIDI</source>
+        <comment>Widget</comment>
+        <translation>启用 MIDI</translation>
+    </message>
+    <message>
+        <source>MIDIDevice</source>
+        <comment>Widget</comment>
+        <translation>MIDI 设备</translation>
+    </message>
+    <message>
+        <source>useDMX</source>
+        <comment>Widget</comment>
+        <translation>启用 DMX (Art-Net)</translation>
+    </message>
+    <message>
+        <source>NodeName</source>
+        <comment>Widget</comment>
+        <translation>节点名称</translation>
+    </message>
+    <message>
+        <source>ChannelOffest</source>
+        <comment>Widget</comment>
+        <translation>通道偏移</translation>
+    </message>
+    <message>
+        <source>Subnet</source>
+        <comment>Widget</comment>
+        <translation>子网</translation>
+    </message>
+    <message>
+        <source>Domain</source>
+        <comment>Widget</comment>
+        <translation>网域</translation>
+    </message>
+    <message>
+        <source>ApplyDMX</source>
+        <comment>Widget</comment>
+        <translation>应用</translation>
+    </message>
+    <message>
+        <source>UseOSC</source>
+        <comment>Widget</comment>
+        <translation>启用 OSC</translation>
+    </message>
+    <message>
+        <source>OSCPort</source>
+        <comment>Widget</comment>
+        <translation>OSC 端口</translation>
+    </message>
+    <message>
+        <source>ConfirmCoverExistShortCut</source>
+        <comment>Widget</comment>
+        <translation>该快捷键已被其他操作使用，是否移到此处？</translation>
+    </message>
+    <message>
+        <source>SystemShortCutWithRepeat</source>
+        <comment>Widget</comment>
+        <translation>该按键为系统快捷键，请选择其他按键。</translation>
+    </message>
 </context>
 <context>
     <name>MivoHost</name>

@@ -11,6 +11,9 @@
 
 namespace mivohost {
 
+using mivo::peripheralcontrol::SAddDMXInfo;
+using mivo::peripheralcontrol::SAddOSCInfo;
+
 namespace {
 
 using Announce = void (*)(SettingsStore&, const QVariant&);
@@ -95,10 +98,39 @@ bool isRestart(const QString& record)
            && isIndex(fields[2], 31) && isTimeOfDay(fields[3]);
 }
 
+bool isPort(const QString& record)
+{
+    const QStringList fields = fieldsOf(record);
+    return fields.size() == 2 && isIndex(fields[0], 1) && isIndex(fields[1], 65534);
+}
+
+/// "enabled|port"
+bool isOsc(const QString& record)
+{
+    const QStringList fields = fieldsOf(record);
+    return fields.size() == 2 && isIndex(fields[0], 1) && isIndex(fields[1], 65535)
+           && fields[1].toInt() > 0;
+}
+
+/// "enabled|channel offset|subnet|domain|node name"; the name may have any character.
+bool isDmx(const QString& record)
+{
+    const QStringList fields = fieldsOf(record);
+    return fields.size() >= 5 && isIndex(fields[0], 1) && isIndex(fields[1], 512)
+           && isIndex(fields[2], 15) && isIndex(fields[3], 15);
+}
+
 template <typename T>
 T as(const QVariant& value)
 {
     return value.value<T>();
+}
+
+template <>
+STPortInfo as(const QVariant& value)
+{
+    const QStringList fields = fieldsOf(value.toString());
+    return {fields[0] == QLatin1String("1"), fields[1].toUShort()};
 }
 
 template <>
@@ -141,6 +173,14 @@ void announceDuration(SettingsStore& store, const QVariant& value)
     store.resourceSettingsChanged(STResourceSettingsInfo{Kind, value.toInt()});
 }
 
+template <SettingsStore::Port Port>
+void announcePort(SettingsStore& store, const QVariant& value)
+{
+    store.wishPort(Port, as<STPortInfo>(value));
+}
+
+constexpr std::array portKeys{"tcpPort", "udpPort"}; // by SettingsStore::Port
+
 // Durations: from three seconds to one second before a day.
 constexpr int shortest = 3000;
 constexpr int longest = 86399000;
@@ -177,8 +217,15 @@ const std::array settings{
     Setting("playLogPath", QString(), announce<&Store::playLogPathChanged>),
     Setting("cachePath", QString(), announce<&Store::cachePathChanged>),
     Setting("sharePath", QString(), announce<&Store::sharePathChanged>),
+    Setting("tcpPort", "0|8000", announcePort<Store::tcp>, isPort),
+    Setting("udpPort", "0|8001", announcePort<Store::udp>, isPort),
     Setting("language", QString()),
     Setting("recentProjectFiles", QString()),
+    Setting("midiEnabled", false),
+    Setting("midiBindings", QString()),
+    Setting("dmx", "0|0|0|0|mivo", nullptr, isDmx),
+    Setting("dmxBindings", QString()),
+    Setting("osc", "0|9000", nullptr, isOsc),
 };
 
 const Setting* find(const QString& key)
@@ -223,6 +270,9 @@ SettingsStore::SettingsStore(std::unique_ptr<SettingsPersistence> persistence,
             log().error("setting {} could not be reset: {}", setting.key,
                         m_persistence->lastError().toStdString());
         }
+    }
+    for (const Port port : {tcp, udp}) {
+        m_ports[port] = as<STPortInfo>(value(portKeys[port]));
     }
     m_persistence->watch([this](const QString& key, const QVariant& changed) {
         const Setting* setting = find(key);
@@ -281,6 +331,40 @@ STFileInfoSettings SettingsStore::getFileInfoSettings()
             as<std::string>(value("cachePath")), as<std::string>(value("sharePath"))};
 }
 
+QVariant SettingsStore::stored(const STPortInfo& info)
+{
+    return QStringLiteral("%1|%2").arg(info.open ? 1 : 0).arg(info.port);
+}
+
+SAddDMXInfo SettingsStore::getDmxInfo() const
+{
+    const QString record = value("dmx").toString();
+    const QStringList fields = fieldsOf(record);
+    return {fields[0] == QLatin1String("1"), record.section('|', 4).toStdString(),
+            fields[1].toInt(), fields[2].toInt(), fields[3].toInt()};
+}
+
+SAddOSCInfo SettingsStore::getOscInfo() const
+{
+    const QStringList fields = fieldsOf(value("osc").toString());
+    return {fields[0] == QLatin1String("1"), fields[1].toInt()};
+}
+
+QVariant SettingsStore::stored(const SAddDMXInfo& info)
+{
+    return QStringLiteral("%1|%2|%3|%4|%5")
+        .arg(info.enabled ? 1 : 0)
+        .arg(info.channelOffset)
+        .arg(info.subnet)
+        .arg(info.domain)
+        .arg(QString::fromStdString(info.nodeName));
+}
+
+QVariant SettingsStore::stored(const SAddOSCInfo& info)
+{
+    return QStringLiteral("%1|%2").arg(info.enabled ? 1 : 0).arg(info.port);
+}
+
 QVariant SettingsStore::stored(const STMivoTimedShutdownSettings& info)
 {
     return QStringLiteral("%1|%2|%3")
@@ -296,6 +380,43 @@ QVariant SettingsStore::stored(const STMivoTimedAutomaticRestartSettings& info)
         .arg(info.monthIndex)
         .arg(info.dayIndex)
         .arg(QString::fromStdString(info.time));
+}
+
+void SettingsStore::setPortHandler(PortHandler handler)
+{
+    m_portHandler = std::move(handler);
+    for (const Port port : {tcp, udp}) {
+        const STPortInfo wished = m_ports[port];
+        if (m_portHandler && wished.open) {
+            m_ports[port].open = false;
+            m_portHandler(port, wished);
+        }
+    }
+}
+
+void SettingsStore::wishPort(Port port, const STPortInfo& wished)
+{
+    if (m_portHandler) {
+        m_portHandler(port, wished);
+    } else {
+        reportPort(port, wished);
+    }
+}
+
+void SettingsStore::reportPort(Port port, const STPortInfo& info, const std::string& reason)
+{
+    m_ports[port] = info;
+    // Not through set(): what has come of a wish is no wish.
+    const QVariant kept = stored(info);
+    if (kept != value(portKeys[port]) && m_persistence->write(portKeys[port], kept)) {
+        m_values[portKeys[port]] = kept;
+    }
+    (port == tcp ? tcpPortChanged : udpPortChanged)(info);
+    if (!reason.empty()) {
+        log().warn("{} {} is not open: {}", port == tcp ? "TCP port" : "UDP port", info.port,
+                   reason);
+        (port == tcp ? tcpPortFailed : udpPortFailed)(reason);
+    }
 }
 
 void SettingsStore::setFailureHandler(FailureHandler handler)

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "mivohostapi/imivosettings.h"
+#include "mivohostapi/peripherals.h"
 #include "store/settingspersistence.h"
 
+#include <array>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -63,6 +65,9 @@ public:
         set("timedAutomaticRestart", stored(info));
     }
 
+    void setTcpPort(const STPortInfo& info) override { set("tcpPort", stored(info)); }
+    void setUdpPort(const STPortInfo& info) override { set("udpPort", stored(info)); }
+
     int getUndoStep() override { return value("undoStep").toInt(); }
     bool getAutoSyncResources() override { return value("autoSyncResources").toBool(); }
     int getPictureDuration() override { return value("pictureDuration").toInt(); }
@@ -74,6 +79,8 @@ public:
     STMivoTimedAutomaticRestartSettings getTimedAutomaticRestartSettings() override;
     STProjectFileSettingsInfo getProjectFileSettings() override;
     STFileInfoSettings getFileInfoSettings() override;
+    STPortInfo getTcpPort() override { return m_ports[tcp]; }
+    STPortInfo getUdpPort() override { return m_ports[udp]; }
 
     void executeTimedShutdown(bool now) override { timedShutdownDecided(now); }
     void executeTimedAutomaticRestart(bool now) override { timedAutomaticRestartDecided(now); }
@@ -86,6 +93,31 @@ public:
     void setRecentProjectFiles(const QString& files) { set("recentProjectFiles", files); }
     QString getRecentProjectFiles() const { return value("recentProjectFiles").toString(); }
 
+    /// The host's own: its inputs for controllers, and their bindings as the services keep them.
+    void setMidiEnabled(bool on) { set("midiEnabled", on); }
+    bool getMidiEnabled() const { return value("midiEnabled").toBool(); }
+    void setMidiBindings(const std::string& text) { set("midiBindings", stored(text)); }
+    std::string getMidiBindings() const { return value("midiBindings").toString().toStdString(); }
+    void setDmxInfo(const mivo::peripheralcontrol::SAddDMXInfo& info) { set("dmx", stored(info)); }
+    mivo::peripheralcontrol::SAddDMXInfo getDmxInfo() const;
+    void setDmxBindings(const std::string& text) { set("dmxBindings", stored(text)); }
+    std::string getDmxBindings() const { return value("dmxBindings").toString().toStdString(); }
+    void setOscInfo(const mivo::peripheralcontrol::SAddOSCInfo& info) { set("osc", stored(info)); }
+    mivo::peripheralcontrol::SAddOSCInfo getOscInfo() const;
+
+    enum Port { tcp, udp };
+    using PortHandler = std::function<void(Port port, const STPortInfo& wished)>;
+
+    /// Called on the runtime thread with each wish about a port, and once for each port that was
+    /// open when the program ended; is to answer by reportPort(). Without one, wishes come true.
+    void setPortHandler(PortHandler handler);
+
+    /// Has a wish about a port carried out.
+    void wishPort(Port port, const STPortInfo& wished);
+
+    /// What came of a wish: announced, and kept. `reason` says why the port is not open.
+    void reportPort(Port port, const STPortInfo& info, const std::string& reason = {});
+
     /// Called on the runtime thread when a value could not be kept. The store then goes on with the
     /// old value and announces it, so that no control shows what is not saved.
     void setFailureHandler(FailureHandler handler);
@@ -95,14 +127,19 @@ public:
 
 private:
     static QVariant stored(const std::string& text) { return QString::fromStdString(text); }
+    static QVariant stored(const STPortInfo& info);
     static QVariant stored(const STMivoTimedShutdownSettings& info);
     static QVariant stored(const STMivoTimedAutomaticRestartSettings& info);
+    static QVariant stored(const mivo::peripheralcontrol::SAddDMXInfo& info);
+    static QVariant stored(const mivo::peripheralcontrol::SAddOSCInfo& info);
     QVariant value(const char* key) const { return m_values.value(QLatin1String(key)); }
     void set(const char* key, const QVariant& wanted);
 
     std::unique_ptr<SettingsPersistence> m_persistence;
     QVariantHash m_values;
     FailureHandler m_failure;
+    PortHandler m_portHandler;
+    std::array<STPortInfo, 2> m_ports; // as they are, not as they are wished
 };
 
 } // namespace mivohost

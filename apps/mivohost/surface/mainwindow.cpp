@@ -1,5 +1,6 @@
 #include "surface/mainwindow.h"
 
+#include "peripherals/peripherals.h"
 #include "project/projectfile.h"
 #include "runtime/runtimethread.h"
 #include "store/settingsstore.h"
@@ -37,9 +38,10 @@ constexpr int idRole = Qt::UserRole;
 
 } // namespace
 
-MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile& project)
-    : m_runtime(runtime), m_store(store), m_project(project), m_title(new QLabel),
-      m_notice(new QLabel), m_settingsButton(new mivo::widgets::PushButton),
+MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile& project,
+                       Peripherals& peripherals)
+    : m_runtime(runtime), m_store(store), m_project(project), m_peripherals(peripherals),
+      m_title(new QLabel), m_notice(new QLabel), m_settingsButton(new mivo::widgets::PushButton),
       m_languageLabel(new QLabel), m_language(new QComboBox), m_programsLabel(new QLabel),
       m_programs(new QTreeWidget), m_playing(new QLabel), m_logLabel(new QLabel),
       m_log(new QPlainTextEdit)
@@ -157,7 +159,9 @@ SettingsView& MainWindow::settings()
 {
     if (!m_settings) {
         m_settings = std::make_unique<SettingsView>(
-            m_runtime, m_store, this, SettingsServices{m_project.dispatch(), &m_project});
+            m_runtime, m_store, this,
+            SettingsServices{m_project.dispatch(), &m_project, &m_peripherals.midi(),
+                             &m_peripherals.dmx(), &m_peripherals.osc()});
     }
     return *m_settings;
 }

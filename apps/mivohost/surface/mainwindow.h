@@ -18,6 +18,7 @@ class QTreeWidgetItem;
 
 namespace mivohost {
 
+class Peripherals;
 class ProjectFile;
 class RuntimeThread;
 class SettingsStore;
@@ -25,13 +26,14 @@ class SettingsView;
 class Tray;
 
 /// The host's main window: the project and its programs, the settings, the language, the log. GUI
-/// thread; `runtime`, `store` and `project` must outlive it.
+/// thread; all that it is given must outlive it.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
 
 public:
-    MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile& project);
+    MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile& project,
+               Peripherals& peripherals);
     ~MainWindow() override;
 
     /// The settings dialog, made at the first call.
@@ -77,6 +79,7 @@ private:
     RuntimeThread& m_runtime;
     SettingsStore& m_store;
     ProjectFile& m_project;
+    Peripherals& m_peripherals;
     QMenu* m_projectMenu = nullptr;
     QMenu* m_recentMenu = nullptr;
     std::vector<std::pair<QAction*, const char*>> m_actions; // with the keys of their texts

@@ -2,6 +2,7 @@
 
 #include <mivosettingswidgets/fileinfosettingbox.h>
 #include <mivosettingswidgets/generalsettingbox.h>
+#include <mivosettingswidgets/netdevicesettingwidget.h>
 #include <mivosettingswidgets/onlinesettingbox.h>
 #include <mivosettingswidgets/projectsettingbox.h>
 #include <mivosettingswidgets/resplaycontrolsettingbox.h>
@@ -60,6 +61,11 @@ SettingsView::SettingsView(IZRRuntime& runtime, MivoSettings& settings, QWidget*
     add(new FileInfoSettingBox, 14);
     add(new UndoSettingBox, 20);
     add(new OnlineSettingBox, 30);
+    auto* network = new DeviceSettingWidget;
+    network->setMidiMgr(services.midi);
+    network->setDmxMgr(services.dmx);
+    network->setOscMgr(services.osc);
+    add(network, 10);
     add(new ResPlayControlSettingBox, 20);
     switchLanguage(SettingWdigetTranslateManager::instance().translator().language());
 }

@@ -12,6 +12,11 @@ class QWidget;
 namespace mivo::mediadispatch {
 class IProgramDispatch;
 }
+namespace mivo::peripheralcontrol {
+class DmxPeripheral;
+class MidiPeripheral;
+class OscPeripheral;
+} // namespace mivo::peripheralcontrol
 namespace mivo::projectfilemgr {
 class IProjectFileMgr;
 }
@@ -34,6 +39,9 @@ struct SettingsServices
 {
     std::shared_ptr<mivo::mediadispatch::IProgramDispatch> programs;
     mivo::projectfilemgr::IProjectFileMgr* projectFile = nullptr; // outlives the view
+    mivo::peripheralcontrol::MidiPeripheral* midi = nullptr;
+    mivo::peripheralcontrol::DmxPeripheral* dmx = nullptr;
+    mivo::peripheralcontrol::OscPeripheral* osc = nullptr;
 };
 
 /// The settings dialog with all pages, bound to a store. GUI thread.

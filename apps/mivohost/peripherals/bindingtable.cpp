@@ -1,0 +1,141 @@
+#include "peripherals/bindingtable.h"
+
+#include "qvspdlog/spdlogapplication.h"
+
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+
+namespace mivohost {
+
+namespace {
+
+const QString typeKey = QStringLiteral("type");
+const QString pathKey = QStringLiteral("path");
+const QString controlKey = QStringLiteral("control");
+
+} // namespace
+
+BindingTable::BindingTable(Setup setup) : m_setup(std::move(setup))
+{
+    restore(m_setup.kept);
+}
+
+void BindingTable::learn(int type, const std::string& path)
+{
+    const std::lock_guard lock(m_mutex);
+    m_learning = Action(type, path);
+}
+
+void BindingTable::stopLearning()
+{
+    const std::lock_guard lock(m_mutex);
+    m_learning.reset();
+}
+
+void BindingTable::bind(const BindInfo& info)
+{
+    const std::lock_guard lock(m_mutex);
+    if (m_setup.isControl(info.keyValue)) {
+        put({info.type, info.oprKey}, info.keyValue);
+        save();
+    }
+}
+
+void BindingTable::unbind(int type, const std::string& path)
+{
+    const std::lock_guard lock(m_mutex);
+    if (remove({type, path})) {
+        save();
+    }
+}
+
+std::vector<BindingTable::BindInfo> BindingTable::bindings() const
+{
+    const std::lock_guard lock(m_mutex);
+    std::vector<BindInfo> all;
+    all.reserve(m_controls.size());
+    for (const auto& [action, control] : m_controls) {
+        all.push_back({action.first, action.second, control});
+    }
+    return all;
+}
+
+std::pair<BindingTable::Outcome, BindingTable::BindInfo>
+BindingTable::use(const std::string& control, bool triggers, bool teaches)
+{
+    const std::lock_guard lock(m_mutex);
+    const auto held = m_actions.find(control);
+    if (m_learning && teaches) {
+        const Action action = *std::exchange(m_learning, std::nullopt);
+        const BindInfo info{action.first, action.second, control};
+        if (held == m_actions.end()) {
+            put(action, control);
+            save();
+        } else if (held->second != action) {
+            return {Outcome::refused, info};
+        }
+        return {Outcome::learned, info};
+    }
+    if (!triggers || m_locked || held == m_actions.end()) {
+        return {};
+    }
+    return {Outcome::triggered, {held->second.first, held->second.second, control}};
+}
+
+void BindingTable::put(const Action& action, const std::string& control)
+{
+    remove(action);
+    const auto held = m_actions.find(control);
+    if (held != m_actions.end()) {
+        m_controls.erase(held->second);
+    }
+    m_actions[control] = action;
+    m_controls[action] = control;
+}
+
+bool BindingTable::remove(const Action& action)
+{
+    const auto held = m_controls.find(action);
+    if (held == m_controls.end()) {
+        return false;
+    }
+    m_actions.erase(held->second);
+    m_controls.erase(held);
+    return true;
+}
+
+void BindingTable::restore(const std::string& kept)
+{
+    if (kept.empty()) {
+        return;
+    }
+    const auto document = QJsonDocument::fromJson(QByteArray::fromStdString(kept));
+    int dropped = document.isArray() ? 0 : 1;
+    for (const QJsonValue value : document.array()) {
+        const QJsonObject entry = value.toObject();
+        const std::string control = entry[controlKey].toString().toStdString();
+        if (entry[typeKey].isDouble() && entry[pathKey].isString() && m_setup.isControl(control)) {
+            put({entry[typeKey].toInt(), entry[pathKey].toString().toStdString()}, control);
+        } else {
+            ++dropped;
+        }
+    }
+    if (dropped > 0) {
+        QV::SpdlogApplication::instance().logger()->warn(
+            "{} bindings of controls could not be read: {}", dropped, kept);
+    }
+}
+
+void BindingTable::save() const
+{
+    QJsonArray entries;
+    for (const auto& [action, control] : m_controls) {
+        entries.append(QJsonObject{{typeKey, action.first},
+                                   {pathKey, QString::fromStdString(action.second)},
+                                   {controlKey, QString::fromStdString(control)}});
+    }
+    m_setup.save(QJsonDocument(entries).toJson(QJsonDocument::Compact).toStdString());
+}
+
+} // namespace mivohost

@@ -1,0 +1,102 @@
+#pragma once
+
+#include "mivohostapi/peripherals.h"
+
+#include <atomic>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+namespace mivohost {
+
+/// Which control of a device triggers which action: one control for each action and one action for
+/// each control. Every operation on any thread.
+class BindingTable
+{
+public:
+    using BindInfo = mivo::peripheralcontrol::SDeviceBindInfo;
+
+    struct Setup
+    {
+        /// Whether a text names a control of this kind; a binding to another text is refused.
+        bool (*isControl)(const std::string& text) = nullptr;
+        /// What was last saved, or empty. What cannot be read of it is dropped and logged.
+        std::string kept;
+        /// Keeps all bindings as one text. Called after each change, on the thread that made it, in
+        /// the order of the changes; it must not call the table.
+        std::function<void(const std::string& text)> save;
+    };
+
+    explicit BindingTable(Setup setup);
+
+    void learn(int type, const std::string& path);
+    void stopLearning();
+    void bind(const BindInfo& info);
+    void unbind(int type, const std::string& path);
+    std::vector<BindInfo> bindings() const;
+    void setLocked(bool locked) { m_locked = locked; }
+
+    enum class Outcome {
+        nothing,
+        triggered, ///< the action of the control is to be carried out
+        learned,   ///< the control is bound to the action that was waiting for one
+        refused    ///< it is not, because another action has the control
+    };
+
+    /// What the use of a control leads to, and whose binding it is. `triggers`: it carries out the
+    /// action that it is bound to. `teaches`: an action that waits for a control takes it, and then
+    /// nothing is carried out.
+    std::pair<Outcome, BindInfo> use(const std::string& control, bool triggers, bool teaches);
+
+private:
+    using Action = std::pair<int, std::string>; // type and path
+
+    void put(const Action& action, const std::string& control);
+    bool remove(const Action& action);
+    void restore(const std::string& kept);
+    void save() const;
+
+    const Setup m_setup;
+    std::atomic<bool> m_locked{false};
+    mutable std::mutex m_mutex;
+    std::unordered_map<std::string, Action> m_actions; // by control
+    std::map<Action, std::string> m_controls;          // by action
+    std::optional<Action> m_learning;
+};
+
+/// The part of a service that its table of bindings answers. `Base` is the kind's interface.
+template <typename Base>
+class BoundPeripheral : public Base
+{
+public:
+    void learn(int type, const std::string& path) override { m_table.learn(type, path); }
+    void stopLearning() override { m_table.stopLearning(); }
+    void bind(const BindingTable::BindInfo& info) override { m_table.bind(info); }
+    void unbind(int type, const std::string& path) override { m_table.unbind(type, path); }
+    std::vector<BindingTable::BindInfo> bindings() const override { return m_table.bindings(); }
+    void setLocked(bool locked) override { m_table.setLocked(locked); }
+
+protected:
+    explicit BoundPeripheral(BindingTable::Setup setup) : m_table(std::move(setup)) {}
+
+    /// As BindingTable::use, and emits what came of it on the caller's thread.
+    void use(const std::string& control, bool triggers, bool teaches)
+    {
+        const auto [outcome, info] = m_table.use(control, triggers, teaches);
+        if (outcome == BindingTable::Outcome::triggered) {
+            this->controlMessage(info.type, info.oprKey, info.keyValue);
+        } else if (outcome != BindingTable::Outcome::nothing) {
+            this->bindResult(info, outcome == BindingTable::Outcome::learned);
+        }
+    }
+
+private:
+    BindingTable m_table;
+};
+
+} // namespace mivohost

@@ -1,0 +1,168 @@
+#include "peripherals/dmxservice.h"
+
+#include <QtNetwork/QNetworkInterface>
+
+#include <algorithm>
+#include <charconv>
+
+namespace mivohost {
+
+using mivo::peripheralcontrol::SAddDMXInfo;
+
+namespace {
+
+constexpr int channels = 512;
+constexpr std::uint8_t upperHalf = 128;
+constexpr std::size_t mostSenders = 4;
+constexpr qint64 senderGoneAfter = 10000; // milliseconds; a sender repeats its levels every four s
+constexpr int mostAnswers = 10;           // a second; consoles ask every three seconds
+constexpr int readAtOnce = 64;            // then other events have their turn
+
+const std::string prefix = "DMX ";
+
+/// Where the node is for those who are in the sender's network.
+void putPlace(ArtNetNode& node, const QHostAddress& sender)
+{
+    for (const QNetworkInterface& card : QNetworkInterface::allInterfaces()) {
+        for (const QNetworkAddressEntry& entry : card.addressEntries()) {
+            if (entry.ip().protocol() == QAbstractSocket::IPv4Protocol
+                && sender.isInSubnet(entry.ip(), entry.prefixLength())) {
+                node.ipv4 = entry.ip().toIPv4Address();
+                const QByteArray hardware =
+                    QByteArray::fromHex(card.hardwareAddress().remove(':').toLatin1());
+                std::copy_n(hardware.begin(), std::min<int>(hardware.size(), 6), node.hardware);
+                return;
+            }
+        }
+    }
+}
+
+} // namespace
+
+DmxService::DmxService(BindingTable::Setup setup, std::uint16_t port)
+    : BoundPeripheral(std::move(setup)), m_port(port)
+{
+    QObject::connect(&m_socket, &QUdpSocket::readyRead, &m_socket, [this] { read(); });
+}
+
+bool DmxService::isControl(const std::string& text)
+{
+    int channel = 0;
+    const char* const end = text.data() + text.size();
+    return text.compare(0, prefix.size(), prefix) == 0 && text[prefix.size()] != '0'
+           && std::from_chars(text.data() + prefix.size(), end, channel).ptr == end && channel >= 1
+           && channel <= channels;
+}
+
+void DmxService::setInfo(const SAddDMXInfo& info)
+{
+    m_info = info;
+    m_info.channelOffset = std::clamp(info.channelOffset, 0, channels);
+    m_info.subnet = std::clamp(info.subnet, 0, 15);
+    m_info.domain = std::clamp(info.domain, 0, 15);
+    m_socket.close();
+    m_senders.clear();
+    m_levels = {};
+    std::string error;
+    if (m_info.enabled
+        && !m_socket.bind(QHostAddress::AnyIPv4, m_port,
+                          QUdpSocket::ShareAddress | QUdpSocket::ReuseAddressHint)) {
+        error = "UDP port " + std::to_string(m_port) + ": " + m_socket.errorString().toStdString();
+        m_socket.close();
+    }
+    infoChanged(m_info);
+    if (!error.empty() || m_hasFailed) {
+        m_hasFailed = !error.empty();
+        failed(error);
+    }
+}
+
+void DmxService::read()
+{
+    std::array<std::uint8_t, 1024> bytes; // more than any datagram that is taken
+    std::vector<int> rising;
+    for (int i = 0; i < readAtOnce && m_socket.hasPendingDatagrams(); ++i) {
+        QHostAddress sender;
+        const qint64 size = m_socket.readDatagram(reinterpret_cast<char*>(bytes.data()),
+                                                  static_cast<qint64>(bytes.size()), &sender);
+        if (size < 0) {
+            break;
+        }
+        const auto datagram = parseArtNet(bytes.data(), static_cast<std::size_t>(size));
+        const bool isTaken = datagram.kind == ArtNetDatagram::dmx
+                                 ? take(datagram, sender, rising)
+                                 : datagram.kind == ArtNetDatagram::poll && answer(sender);
+        m_ignored += isTaken ? 0 : 1;
+    }
+    if (!rising.empty()) {
+        // From the event loop: an action may open a dialog, and nothing is read in this slot then.
+        QMetaObject::invokeMethod(
+            &m_socket,
+            [this, rising] {
+                for (const int channel : rising) {
+                    use(prefix + std::to_string(channel), true, true);
+                }
+            },
+            Qt::QueuedConnection);
+    }
+}
+
+bool DmxService::take(const ArtNetDatagram& datagram, const QHostAddress& sender,
+                      std::vector<int>& rising)
+{
+    if (datagram.net != m_info.domain || datagram.subnet != m_info.subnet
+        || datagram.universe != 0) {
+        return false;
+    }
+    m_senders.erase(
+        std::remove_if(m_senders.begin(), m_senders.end(),
+                       [](const Sender& other) { return other.heard.hasExpired(senderGoneAfter); }),
+        m_senders.end());
+    auto known = std::find_if(m_senders.begin(), m_senders.end(),
+                              [&sender](const Sender& other) { return other.address == sender; });
+    const bool isNew = known == m_senders.end();
+    if (isNew) {
+        if (m_senders.size() == mostSenders) {
+            return false;
+        }
+        known = m_senders.insert(known, Sender());
+        known->address = sender;
+    }
+    known->heard.start();
+    std::copy_n(datagram.levels, datagram.channels, known->levels.begin());
+    const Levels before = m_levels;
+    m_levels = {};
+    for (const Sender& other : m_senders) {
+        std::transform(m_levels.begin(), m_levels.end(), other.levels.begin(), m_levels.begin(),
+                       [](std::uint8_t a, std::uint8_t b) { return std::max(a, b); });
+    }
+    for (auto i = static_cast<std::size_t>(m_info.channelOffset); i < m_levels.size(); ++i) {
+        if (!isNew && before[i] < upperHalf && m_levels[i] >= upperHalf) {
+            rising.push_back(static_cast<int>(i) - m_info.channelOffset + 1);
+        }
+    }
+    return true;
+}
+
+bool DmxService::answer(const QHostAddress& poller)
+{
+    if (!m_answerTime.isValid() || m_answerTime.hasExpired(1000)) {
+        m_answerTime.start();
+        m_answers = 0;
+    }
+    if (m_answers == mostAnswers) {
+        return false;
+    }
+    ++m_answers;
+    ArtNetNode node;
+    node.name = m_info.nodeName;
+    node.net = m_info.domain;
+    node.subnet = m_info.subnet;
+    putPlace(node, poller);
+    const auto reply = artNetPollReply(node);
+    return m_socket.writeDatagram(reinterpret_cast<const char*>(reply.data()),
+                                  static_cast<qint64>(reply.size()), poller, m_port)
+           >= 0;
+}
+
+} // namespace mivohost

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "peripherals/artnet.h"
+#include "peripherals/bindingtable.h"
+
+#include <QtCore/QElapsedTimer>
+#include <QtNetwork/QHostAddress>
+#include <QtNetwork/QUdpSocket>
+
+#include <array>
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace mivohost {
+
+/// DMX over Art-Net: universe 0 of a net ("domain") and subnet. GUI thread, all signals too.
+///
+/// "DMX 1" is the first channel behind the channel offset. A channel triggers when its level goes
+/// up through the middle, from at most 127 to at least 128; an action that waits for a control
+/// takes the first channel that does. Where several senders give levels, the highest one holds;
+/// what a sender begins with triggers nothing.
+///
+/// Polls are answered, so that consoles see the node. All other datagrams are ignored and counted.
+class DmxService : public BoundPeripheral<mivo::peripheralcontrol::DmxPeripheral>
+{
+public:
+    /// Starts disabled. `port` is where Art-Net is spoken, here and at the others.
+    explicit DmxService(BindingTable::Setup setup, std::uint16_t port = artNetPort);
+
+    static bool isControl(const std::string& text);
+
+    /// Numbers outside of their ranges are taken as the nearest ones. When the port cannot be
+    /// opened there is no input; the settings stay, and giving them again is another try.
+    void setInfo(const mivo::peripheralcontrol::SAddDMXInfo& info) override;
+    mivo::peripheralcontrol::SAddDMXInfo info() const override { return m_info; }
+
+    /// Datagrams that came and were neither levels for this input nor a poll that was answered.
+    std::size_t ignored() const { return m_ignored; }
+
+private:
+    using Levels = std::array<std::uint8_t, 512>;
+    struct Sender
+    {
+        QHostAddress address;
+        QElapsedTimer heard;
+        Levels levels{};
+    };
+
+    void read();
+    bool take(const ArtNetDatagram& datagram, const QHostAddress& sender, std::vector<int>& rising);
+    bool answer(const QHostAddress& poller);
+
+    const std::uint16_t m_port;
+    mivo::peripheralcontrol::SAddDMXInfo m_info;
+    bool m_hasFailed = false;
+    std::size_t m_ignored = 0;
+    std::vector<Sender> m_senders;
+    Levels m_levels{}; // the highest of all senders
+    QElapsedTimer m_answerTime;
+    int m_answers = 0;
+    QUdpSocket m_socket;
+};
+
+} // namespace mivohost

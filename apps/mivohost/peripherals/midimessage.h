@@ -1,0 +1,68 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace mivohost {
+
+/// A MIDI message that an action can hang on.
+struct MidiMessage
+{
+    enum Kind { note, controller, program };
+
+    Kind kind = note;
+    int channel = 1; ///< 1 to 16
+    int number = 0;  ///< of the note, controller or program, 0 to 127
+    int value = 0;   ///< velocity (0: the note ends) or position; of a program always 127
+
+    friend bool operator==(const MidiMessage& a, const MidiMessage& b)
+    {
+        return a.kind == b.kind && a.channel == b.channel && a.number == b.number
+               && a.value == b.value;
+    }
+};
+
+/// Reads one whole message; nothing for bytes that are none, and for every message that is not of a
+/// control: clock, active sensing, system exclusive, pressure, pitch bend, channel modes.
+std::optional<MidiMessage> parseMidi(const unsigned char* bytes, std::size_t size);
+
+/// What moved, as text: "CC 7 ch 1 (X)", "Note C4 ch 1 (X)" with C4 as note 60, "Program 5 ch 1
+/// (X)".
+std::string midiControlText(const MidiMessage& message, std::string_view device);
+
+/// The message (its value is 0) and device that such a text names.
+struct MidiControl
+{
+    MidiMessage message;
+    std::string device;
+};
+std::optional<MidiControl> midiControlOf(const std::string& text);
+
+/// Tells moves of the controls of one device from repeats.
+class MidiControls
+{
+public:
+    struct Use
+    {
+        bool triggers; ///< a note or program begins, or a controller goes up through its middle
+        bool teaches;  ///< the control moved: it did not just send the same again
+    };
+
+    MidiControls();
+
+    /// A controller that was not heard of before counts as being at its lowest.
+    Use take(const MidiMessage& message);
+
+private:
+    using ByNumber = std::array<std::int8_t, 128>;
+
+    // What was last heard; -1 for nothing yet.
+    std::array<std::array<ByNumber, 16>, 2> m_values; // of notes and controllers, by channel
+    std::array<std::int8_t, 16> m_programs;           // by channel
+};
+
+} // namespace mivohost

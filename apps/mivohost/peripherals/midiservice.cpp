@@ -1,0 +1,259 @@
+#include "peripherals/midiservice.h"
+
+#include "peripherals/midimessage.h"
+#include "qvspdlog/spdlogapplication.h"
+
+#include <RtMidi.h>
+
+#include <algorithm>
+#include <regex>
+#include <stdexcept>
+
+namespace mivohost {
+
+using mivo::peripheralcontrol::SMIDIDevInfo;
+
+namespace {
+
+constexpr int lookEvery = 1000; // milliseconds
+
+template <typename... Args>
+void warn(fmt::format_string<Args...> format, Args&&... args)
+{
+    QV::SpdlogApplication::instance().logger()->warn(format, std::forward<Args>(args)...);
+}
+
+} // namespace
+
+// --- Names ---
+
+MidiPort MidiPort::ofAlsa(const std::string& listed)
+{
+    static const std::regex numbers(" [0-9]+:[0-9]+$");
+    return {listed, std::regex_replace(listed, numbers, "")};
+}
+
+MidiPort MidiPort::ofWindows(const std::string& listed, unsigned place)
+{
+    // The place is no part of the id: it changes when a device before this one goes.
+    const std::string end = ' ' + std::to_string(place);
+    const bool hasEnd = listed.size() >= end.size()
+                        && listed.compare(listed.size() - end.size(), end.size(), end) == 0;
+    const std::string name = hasEnd ? listed.substr(0, listed.size() - end.size()) : listed;
+    return {name, name};
+}
+
+std::vector<std::string> MidiDeviceNames::update(const std::vector<MidiPort>& ports)
+{
+    auto before = std::exchange(m_named, {});
+    std::vector<std::string> names(ports.size());
+    for (std::size_t i = 0; i < ports.size(); ++i) {
+        const auto same = std::find_if(before.begin(), before.end(), [&](const auto& named) {
+            return named.first.id == ports[i].id;
+        });
+        if (same != before.end()) {
+            names[i] = same->second;
+            before.erase(same);
+        }
+    }
+    for (std::size_t i = 0; i < ports.size(); ++i) {
+        for (int number = 1; names[i].empty(); ++number) {
+            std::string name = ports[i].name;
+            if (number > 1) {
+                name += " #" + std::to_string(number);
+            }
+            if (std::find(names.begin(), names.end(), name) == names.end()) {
+                names[i] = std::move(name);
+            }
+        }
+        m_named.emplace_back(ports[i], names[i]);
+    }
+    return names;
+}
+
+// --- Devices ---
+
+class MidiService::BackEnd
+{
+public:
+    /// Throws RtMidiError when the system does not offer it.
+    BackEnd(RtMidi::Api backEnd, const std::string& clientName)
+        : api(backEnd), m_watcher(backEnd, clientName)
+    {
+        m_watcher.setErrorCallback([](RtMidiError::Type /*type*/, const std::string& reason,
+                                      void* error) { *static_cast<std::string*>(error) = reason; },
+                                   &m_error);
+    }
+
+    const RtMidi::Api api;
+
+    /// In the order of their places. Throws std::runtime_error when the back end has gone.
+    std::vector<MidiPort> ports()
+    {
+        std::vector<MidiPort> found;
+        const unsigned count = m_watcher.getPortCount();
+        for (unsigned place = 0; place < count && m_error.empty(); ++place) {
+            const std::string listed = m_watcher.getPortName(place);
+            MidiPort port{listed, listed};
+            if (api == RtMidi::LINUX_ALSA) {
+                port = MidiPort::ofAlsa(listed);
+            } else if (api == RtMidi::WINDOWS_MM) {
+                port = MidiPort::ofWindows(listed, place);
+            }
+            port.id = RtMidi::getApiName(api) + ' ' + port.id;
+            found.push_back(std::move(port));
+        }
+        if (!m_error.empty()) {
+            throw std::runtime_error(std::exchange(m_error, {}));
+        }
+        return found;
+    }
+
+private:
+    std::string m_error;
+    RtMidiIn m_watcher;
+};
+
+class MidiService::Input
+{
+public:
+    Input(MidiService& service, RtMidi::Api api, unsigned place, std::string deviceName)
+        : device(std::move(deviceName)), m_service(service), m_midi(api, service.m_clientName)
+    {
+        m_midi.setErrorCallback(
+            [](RtMidiError::Type /*type*/, const std::string& reason, void* input) {
+                warn("MIDI input {}: {}", static_cast<Input*>(input)->device, reason);
+            },
+            this);
+        m_midi.setCallback([](double /*seconds*/, std::vector<unsigned char>* bytes,
+                              void* input) { static_cast<Input*>(input)->receive(*bytes); },
+                           this);
+        m_midi.openPort(place, device);
+    }
+
+    const std::string device;
+    bool isOpen() const { return m_midi.isPortOpen(); }
+
+private:
+    /// On the device's thread.
+    void receive(const std::vector<unsigned char>& bytes)
+    {
+        if (const auto message = parseMidi(bytes.data(), bytes.size())) {
+            const MidiControls::Use use = m_controls.take(*message);
+            if (use.triggers || use.teaches) {
+                m_service.use(midiControlText(*message, device), use.triggers, use.teaches);
+            }
+        }
+    }
+
+    MidiService& m_service;
+    MidiControls m_controls;
+    RtMidiIn m_midi; // the last one: its thread uses the others
+};
+
+MidiService::MidiService(BindingTable::Setup setup, std::string clientName)
+    : BoundPeripheral(std::move(setup)), m_clientName(std::move(clientName))
+{
+    QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { look(); });
+}
+
+MidiService::~MidiService() = default;
+
+bool MidiService::isControl(const std::string& text)
+{
+    return midiControlOf(text).has_value();
+}
+
+void MidiService::setEnabled(bool on)
+{
+    if (on == m_enabled) {
+        return;
+    }
+    m_enabled = on;
+    if (on) {
+        start();
+    } else {
+        stop();
+    }
+    enabledChanged(on);
+}
+
+std::vector<SMIDIDevInfo> MidiService::devices() const
+{
+    return m_devices;
+}
+
+void MidiService::start()
+{
+    std::vector<RtMidi::Api> apis;
+    RtMidi::getCompiledApi(apis);
+    for (const RtMidi::Api api : apis) {
+        try {
+            m_backEnds.push_back(std::make_unique<BackEnd>(api, m_clientName));
+        } catch (const RtMidiError& error) {
+            warn("no MIDI over {}: {}", RtMidi::getApiDisplayName(api), error.what());
+        }
+    }
+    look();
+    m_timer.start(lookEvery);
+}
+
+void MidiService::stop()
+{
+    m_timer.stop();
+    m_inputs.clear();
+    m_backEnds.clear();
+    m_names.update({});
+    if (!m_devices.empty()) {
+        m_devices.clear();
+        devicesChanged(m_devices);
+    }
+}
+
+void MidiService::look()
+{
+    struct Place
+    {
+        RtMidi::Api api;
+        unsigned number;
+    };
+    std::vector<MidiPort> ports;
+    std::vector<Place> places;
+    for (auto& backEnd : m_backEnds) {
+        try {
+            unsigned number = 0;
+            for (MidiPort& port : backEnd->ports()) {
+                ports.push_back(std::move(port));
+                places.push_back({backEnd->api, number++});
+            }
+        } catch (const std::runtime_error& error) {
+            warn("no MIDI over {}: {}", RtMidi::getApiDisplayName(backEnd->api), error.what());
+            backEnd.reset();
+        }
+    }
+    m_backEnds.erase(std::remove(m_backEnds.begin(), m_backEnds.end(), nullptr), m_backEnds.end());
+
+    const auto names = m_names.update(ports);
+    auto before = std::exchange(m_inputs, {});
+    std::vector<SMIDIDevInfo> devices;
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        const auto open =
+            std::find_if(before.begin(), before.end(), [&names, i](const auto& input) {
+                return input != nullptr && input->device == names[i];
+            });
+        m_inputs.push_back(
+            open != before.end()
+                ? std::move(*open)
+                : std::make_unique<Input>(*this, places[i].api, places[i].number, names[i]));
+        if (m_inputs.back()->isOpen()) {
+            devices.push_back({names[i]});
+        }
+    }
+    before.clear();
+    if (devices != m_devices) {
+        m_devices = std::move(devices);
+        devicesChanged(m_devices);
+    }
+}
+
+} // namespace mivohost

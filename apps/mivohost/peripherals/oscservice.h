@@ -1,0 +1,64 @@
+#pragma once
+
+#include "mivohostapi/peripherals.h"
+
+#include <atomic>
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <unordered_map>
+
+namespace mivohost {
+
+/// Open Sound Control over UDP. GUI thread; controlMessage is emitted on the server's thread.
+///
+/// An address is a path: one that the table of actions has is that action, any other one under
+/// /Peripherals/ is of type ShortCutOfPath. So nothing is bound or learned: every action has its
+/// path as its control, for good. The last argument of controlMessage is the first argument of the
+/// message as text, empty without one.
+///
+/// The actions of the table are buttons: their release, which is a first argument of 0 or false
+/// ("0" and "false" as well), triggers nothing. Actions of type ShortCutOfPath get every value.
+///
+/// All else is ignored and counted: other addresses, address patterns (one message is to be one
+/// action), addresses and texts over 1024 bytes or not in UTF-8, and what is no message at all.
+/// Bundles are taken apart at once, whatever their time.
+class OscService : public mivo::peripheralcontrol::OscPeripheral
+{
+public:
+    /// Starts disabled.
+    OscService();
+    ~OscService() override;
+
+    /// Reports the action's path as bound to it.
+    void learn(int type, const std::string& path) override;
+    void stopLearning() override {}
+    void bind(const mivo::peripheralcontrol::SDeviceBindInfo& /*info*/) override {}
+    void unbind(int /*type*/, const std::string& /*path*/) override {}
+    /// All actions of the table.
+    std::vector<mivo::peripheralcontrol::SDeviceBindInfo> bindings() const override;
+    void setLocked(bool locked) override { m_locked = locked; }
+
+    /// A port outside of its range is taken as the nearest one. When the port cannot be opened
+    /// there is no server; the settings stay, and giving them again is another try.
+    void setInfo(const mivo::peripheralcontrol::SAddOSCInfo& info) override;
+    mivo::peripheralcontrol::SAddOSCInfo info() const override { return m_info; }
+
+    /// Messages that came and were no action. Any thread.
+    std::size_t ignored() const { return m_ignored; }
+
+private:
+    struct Server;
+
+    /// On the server's thread; `arguments` is the library's array of them.
+    void receive(const char* path, const char* types, void** arguments);
+
+    const std::unordered_map<std::string, int> m_actions; // types by path
+    mivo::peripheralcontrol::SAddOSCInfo m_info;
+    bool m_hasFailed = false;
+    std::atomic<bool> m_locked{false};
+    std::atomic<std::size_t> m_ignored{0};
+    std::unique_ptr<Server> m_server; // the last one: its thread uses the others
+};
+
+} // namespace mivohost

@@ -1,0 +1,69 @@
+#include "peripherals/peripherals.h"
+
+#include "mivohostapi/izrruntime.h"
+#include "mivosettingswidgets/shortcutmgr.h"
+#include "mivosettingswidgets/storeaccess.h"
+#include "store/settingsstore.h"
+
+namespace mivohost {
+
+using mivo::peripheralcontrol::SAddDMXInfo;
+using mivo::peripheralcontrol::SAddOSCInfo;
+
+struct Peripherals::Kept
+{
+    bool midiEnabled = false;
+    std::string midiBindings;
+    SAddOSCInfo osc;
+    SAddDMXInfo dmx;
+    std::string dmxBindings;
+
+    static Kept of(SettingsStore& store)
+    {
+        return {store.getMidiEnabled(), store.getMidiBindings(), store.getOscInfo(),
+                store.getDmxInfo(), store.getDmxBindings()};
+    }
+};
+
+namespace {
+
+/// A function that has the store keep a value, from any thread.
+template <typename Value>
+auto writing(IZRRuntime& runtime, SettingsStore& store, void (SettingsStore::*set)(Value))
+{
+    return [&runtime, &store, set](const std::decay_t<Value>& value) {
+        runtime.post([&store, set, value] { (store.*set)(value); }, __FILE__, __LINE__,
+                     "Peripherals");
+    };
+}
+
+} // namespace
+
+Peripherals::Peripherals(IZRRuntime& runtime, SettingsStore& store)
+    : Peripherals(runtime, store,
+                  mivo::settings::callInRuntime(&runtime, __FILE__, __LINE__, "Peripherals",
+                                                [&store] { return Kept::of(store); }))
+{}
+
+Peripherals::Peripherals(IZRRuntime& runtime, SettingsStore& store, const Kept& kept)
+    : m_midi({MidiService::isControl, kept.midiBindings,
+              writing(runtime, store, &SettingsStore::setMidiBindings)}),
+      m_dmx({DmxService::isControl, kept.dmxBindings,
+             writing(runtime, store, &SettingsStore::setDmxBindings)})
+{
+    m_midi.setEnabled(kept.midiEnabled);
+    m_osc.setInfo(kept.osc);
+    m_dmx.setInfo(kept.dmx);
+    m_midi.enabledChanged.connect(writing(runtime, store, &SettingsStore::setMidiEnabled));
+    m_osc.infoChanged.connect(writing(runtime, store, &SettingsStore::setOscInfo));
+    m_dmx.infoChanged.connect(writing(runtime, store, &SettingsStore::setDmxInfo));
+}
+
+void Peripherals::giveTo(mivo::settings::ShortCutMgr& manager)
+{
+    manager.setMidiMgr(&m_midi);
+    manager.setOscMgr(&m_osc);
+    manager.setDmxMgr(&m_dmx);
+}
+
+} // namespace mivohost

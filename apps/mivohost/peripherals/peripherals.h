@@ -1,0 +1,43 @@
+#pragma once
+
+#include "peripherals/dmxservice.h"
+#include "peripherals/midiservice.h"
+#include "peripherals/oscservice.h"
+
+class IZRRuntime;
+
+namespace mivo::settings {
+class ShortCutMgr;
+}
+
+namespace mivohost {
+
+class SettingsStore;
+
+/// The host's services for controllers, with the settings and bindings that the store keeps. GUI
+/// thread. Runtime and store are borrowed: the store must live until the runtime has run what was
+/// posted to it before this object went.
+class Peripherals
+{
+public:
+    /// Reads the store and opens what is enabled. What changes from now on is written to the store.
+    Peripherals(IZRRuntime& runtime, SettingsStore& store);
+
+    /// The manager must go first, or is told by the services that they go.
+    void giveTo(mivo::settings::ShortCutMgr& manager);
+
+    MidiService& midi() { return m_midi; }
+    OscService& osc() { return m_osc; }
+    DmxService& dmx() { return m_dmx; }
+
+private:
+    struct Kept;
+
+    Peripherals(IZRRuntime& runtime, SettingsStore& store, const Kept& kept);
+
+    MidiService m_midi;
+    OscService m_osc;
+    DmxService m_dmx;
+};
+
+} // namespace mivohost

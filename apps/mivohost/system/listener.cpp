@@ -1,0 +1,71 @@
+#include "system/listener.h"
+
+#include "runtime/runtimethread.h"
+
+#include "qvspdlog/spdlogapplication.h"
+
+#include <QtNetwork/QNetworkProxy>
+#include <QtNetwork/QTcpServer>
+#include <QtNetwork/QTcpSocket>
+#include <QtNetwork/QUdpSocket>
+
+namespace mivohost {
+
+Listener::Listener(RuntimeThread& runtime, SettingsStore& store)
+    : m_runtime(runtime), m_store(store), m_tcp(std::make_unique<QTcpServer>()),
+      m_udp(std::make_unique<QUdpSocket>())
+{
+    connect(m_tcp.get(), &QTcpServer::newConnection, this, [this] {
+        while (QTcpSocket* socket = m_tcp->nextPendingConnection()) {
+            connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+            socket->disconnectFromHost();
+        }
+    });
+    connect(m_udp.get(), &QUdpSocket::readyRead, this, [this] {
+        char byte = 0;
+        while (m_udp->hasPendingDatagrams()) {
+            m_udp->readDatagram(&byte, 1); // drops the rest
+        }
+    });
+    m_runtime.call([this] {
+        m_store.setPortHandler([this](SettingsStore::Port port, const STPortInfo& wished) {
+            QMetaObject::invokeMethod(
+                this, [this, port, wished] { carryOut(port, wished); }, Qt::QueuedConnection);
+        });
+    });
+}
+
+Listener::~Listener()
+{
+    m_runtime.call([this] { m_store.setPortHandler(nullptr); });
+}
+
+void Listener::carryOut(SettingsStore::Port port, const STPortInfo& wished)
+{
+    const bool isTcp = port == SettingsStore::tcp;
+    m_tcp->setProxy(QNetworkProxy::NoProxy);
+    isTcp ? m_tcp->close() : m_udp->close();
+    STPortInfo result = wished;
+    QString reason;
+    if (wished.open && wished.port == 0) {
+        // The system would choose one that nobody knows.
+        reason = QStringLiteral("0 is no port");
+        result.open = false;
+    } else if (wished.open) {
+        result.open =
+            isTcp ? m_tcp->listen(QHostAddress::Any, wished.port)
+                  : m_udp->bind(QHostAddress::Any, wished.port, QAbstractSocket::DontShareAddress);
+        if (!result.open) {
+            reason = isTcp ? m_tcp->errorString() : m_udp->errorString();
+        }
+    }
+    if (result.open) {
+        QV::SpdlogApplication::instance().logger()->info("{} port {} is open",
+                                                         isTcp ? "TCP" : "UDP", result.port);
+    }
+    m_runtime.post([this, port, result,
+                    text = reason.toStdString()] { m_store.reportPort(port, result, text); },
+                   __FILE__, __LINE__, "carryOut");
+}
+
+} // namespace mivohost

@@ -1,0 +1,136 @@
+#pragma once
+
+#include "mivohostapi/shortcuttypes.h"
+
+#include <sigslot/signal.hpp>
+
+#include <string>
+#include <vector>
+
+namespace mivo::peripheralcontrol {
+
+/// What binds a control of a device to an action. Texts in UTF-8.
+struct SDeviceBindInfo
+{
+    int type = 0;         ///< the action, an EnumShortCutType
+    std::string oprKey;   ///< the action's path
+    std::string keyValue; ///< the control, as it is shown and as it is found again: "CC 7 ch 1"
+
+    friend bool operator==(const SDeviceBindInfo& a, const SDeviceBindInfo& b)
+    {
+        return a.type == b.type && a.oprKey == b.oprKey && a.keyValue == b.keyValue;
+    }
+};
+
+/// A service that receives the messages of one kind of controllers and knows what they are bound
+/// to. The host implements and owns it, and keeps its bindings from one run to the next.
+///
+/// The operations are called on the GUI thread; the signals may be emitted on any thread, also
+/// during an operation.
+class Peripheral
+{
+public:
+    Peripheral() = default;
+    Peripheral(const Peripheral&) = delete;
+    Peripheral& operator=(const Peripheral&) = delete;
+    virtual ~Peripheral() { gone(); }
+
+    /// Has the next control that is moved bound to the action: `bindResult` tells of it. A control
+    /// that is bound to another action already fails and stays as it was.
+    virtual void learn(int type, const std::string& path) = 0;
+    virtual void stopLearning() = 0;
+
+    /// Binds a control to an action, and takes both from what they were bound to before.
+    virtual void bind(const SDeviceBindInfo& info) = 0;
+    virtual void unbind(int type, const std::string& path) = 0;
+    virtual std::vector<SDeviceBindInfo> bindings() const = 0;
+
+    /// While it is locked, no message triggers anything.
+    virtual void setLocked(bool locked) = 0;
+
+    /// A bound control was used: the action's type and path, and the control.
+    sigslot::signal<const int, const std::string&, const std::string&> controlMessage;
+
+    /// How learning ended: the action, the control, and whether they are bound to each other now.
+    sigslot::signal<const SDeviceBindInfo&, const bool> bindResult;
+
+    /// The service ends; emitted on the GUI thread.
+    sigslot::signal<> gone;
+};
+
+/// A MIDI input device: known by its name, twins by a running number.
+struct SMIDIDevInfo
+{
+    std::string name;
+
+    friend bool operator==(const SMIDIDevInfo& a, const SMIDIDevInfo& b)
+    {
+        return a.name == b.name;
+    }
+};
+
+class MidiPeripheral : public Peripheral
+{
+public:
+    virtual void setEnabled(bool on) = 0;
+    virtual bool isEnabled() const = 0;
+    virtual std::vector<SMIDIDevInfo> devices() const = 0;
+
+    sigslot::signal<const std::vector<SMIDIDevInfo>&> devicesChanged;
+    sigslot::signal<const bool> enabledChanged;
+};
+
+/// The settings of the DMX input over Art-Net.
+struct SAddDMXInfo
+{
+    bool enabled = false;
+    std::string nodeName = "mivo";
+    int channelOffset = 0; ///< 0 to 512
+    int subnet = 0;        ///< 0 to 15
+    int domain = 0;        ///< the net, 0 to 15
+
+    friend bool operator==(const SAddDMXInfo& a, const SAddDMXInfo& b)
+    {
+        return a.enabled == b.enabled && a.nodeName == b.nodeName
+               && a.channelOffset == b.channelOffset && a.subnet == b.subnet
+               && a.domain == b.domain;
+    }
+};
+
+class DmxPeripheral : public Peripheral
+{
+public:
+    /// Takes the settings over; `failed` tells when the input could not be opened with them.
+    virtual void setInfo(const SAddDMXInfo& info) = 0;
+    virtual SAddDMXInfo info() const = 0;
+
+    sigslot::signal<const SAddDMXInfo&> infoChanged;
+    sigslot::signal<const std::string&> failed; ///< the reason; empty when all is well again
+};
+
+/// The settings of the OSC input.
+struct SAddOSCInfo
+{
+    bool enabled = false;
+    int port = 9000; ///< UDP, 1 to 65535
+
+    friend bool operator==(const SAddOSCInfo& a, const SAddOSCInfo& b)
+    {
+        return a.enabled == b.enabled && a.port == b.port;
+    }
+};
+
+class OscPeripheral : public Peripheral
+{
+public:
+    /// Takes the settings over; `failed` tells when the port could not be opened.
+    virtual void setInfo(const SAddOSCInfo& info) = 0;
+    virtual SAddOSCInfo info() const = 0;
+
+    sigslot::signal<const SAddOSCInfo&> infoChanged;
+    sigslot::signal<const std::string&> failed; ///< the reason; empty when all is well again
+};
+
+} // namespace mivo::peripheralcontrol
+Q_DECLARE_METATYPE(mivo::peripheralcontrol::SAddDMXInfo)
+Q_DECLARE_METATYPE(mivo::peripheralcontrol::SAddOSCInfo)

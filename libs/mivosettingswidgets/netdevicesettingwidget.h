@@ -1,0 +1,36 @@
+#pragma once
+
+#include "mivosettingswidgets/settingpage.h"
+
+namespace mivo::peripheralcontrol {
+class DmxPeripheral;
+class MidiPeripheral;
+class OscPeripheral;
+} // namespace mivo::peripheralcontrol
+
+namespace mivo::settings {
+
+/// The page of the listening ports and of the external controllers: MIDI, DMX and OSC input.
+class MIVOSETTINGSWIDGETS_EXPORT DeviceSettingWidget : public SettingPage
+{
+    Q_OBJECT
+
+public:
+    explicit DeviceSettingWidget(QWidget* parent = nullptr);
+    ~DeviceSettingWidget() override;
+
+    /// The services are borrowed: one that ends is forgotten by itself, another one takes the place
+    /// of the one before, and null lets it go. Their section is disabled without one.
+    void setMidiMgr(mivo::peripheralcontrol::MidiPeripheral* midi);
+    void setDmxMgr(mivo::peripheralcontrol::DmxPeripheral* dmx);
+    void setOscMgr(mivo::peripheralcontrol::OscPeripheral* osc);
+
+    /// Binds to the store, which must not be null; needs the runtime.
+    void setSettings(MivoSettings* settings);
+    void unsetSettings();
+
+private:
+    class Impl;
+};
+
+} // namespace mivo::settings

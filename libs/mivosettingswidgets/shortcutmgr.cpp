@@ -1,0 +1,872 @@
+#include "mivosettingswidgets/shortcutmgr.h"
+
+#include "mivohostapi/peripherals.h"
+#include "shortcutfile.h"
+#include "shortcuttable.h"
+#include "storeaccess.h"
+#include "texts.h"
+#include "zrcutils/nocachefile.h"
+
+#include <mivowidgets/shortcutcover.h>
+#include <mivowidgets/tipdialog.h>
+
+#include <QtCore/QFile>
+#include <QtCore/QSet>
+#include <QtCore/QThread>
+#include <QtWidgets/QApplication>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <mutex>
+#include <unordered_map>
+#include <utility>
+
+namespace mivo::settings {
+
+using mivo::peripheralcontrol::DmxPeripheral;
+using mivo::peripheralcontrol::MidiPeripheral;
+using mivo::peripheralcontrol::OscPeripheral;
+using mivo::peripheralcontrol::Peripheral;
+using mivo::peripheralcontrol::SDeviceBindInfo;
+using mivo::peripheralcontrol::SMIDIDevInfo;
+using mivo::widgets::ShortCutCover;
+using mivo::widgets::TipDialog;
+
+namespace {
+
+constexpr std::size_t mostWaiting = 4096;
+
+struct ControlMessage
+{
+    EnumPeripheralShortCutType kind;
+    int action;
+    std::string path;
+    std::string value;
+};
+
+/// A binding of type ShortCutOfPath that a device has made.
+struct PendingBinding
+{
+    EnumPeripheralShortCutType kind;
+    EnumShortCutType type;
+    std::string oprKey;
+    std::string keyValue;
+};
+
+bool matches(const STShortCutItem& item, EnumShortCutType type, const std::string& path)
+{
+    return item.type == type && item.path == path;
+}
+
+/// The content of a file, or nothing where there is none that can be opened.
+std::string contentOf(const std::filesystem::path& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    if (!file) {
+        return {};
+    }
+    std::string content(std::filesystem::file_size(path), '\0');
+    file.read(content.data(), static_cast<std::streamsize>(content.size()));
+    content.resize(static_cast<std::size_t>(file.gcount()));
+    return content;
+}
+
+std::filesystem::path shortCutFile()
+{
+    return std::filesystem::u8path(shortCutFilePath().toStdString());
+}
+
+} // namespace
+
+class ShortCutMgr::Impl : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit Impl(ShortCutMgr* manager) : m_manager(manager) {}
+    ~Impl() override;
+
+    MidiPeripheral* midi = nullptr;
+    OscPeripheral* osc = nullptr;
+    DmxPeripheral* dmx = nullptr;
+    STLinkShortCutInfo table;
+    QSet<ShortCutCover*> indexCovers;
+    QSet<ShortCutCover*> pathCovers;
+    EnumPeripheralShortCutType currentKind = PeripheralKeyboard;
+    std::string currentPath;
+    std::vector<PendingBinding> pendingBindings;
+    bool projectFileLoadComplete = false;
+
+    void load();
+    void save();
+    void pushTextsToCovers();
+    void takeTextsFromCovers();
+    void clearKeys();
+    void clearPeripheral(EnumPeripheralShortCutType kind);
+    void rebind(EnumPeripheralShortCutType kind, const SDeviceBindInfo& info);
+    void showPendingTexts() const;
+    void reportEmptiness();
+    bool isEmpty() const
+    {
+        return table.indexShortCutList.empty() && table.pathShortCutList.empty();
+    }
+
+    Peripheral* service(EnumPeripheralShortCutType kind) const;
+    template <typename Service>
+    bool use(Service*& member, Service* service, EnumPeripheralShortCutType kind);
+    void keep(EnumPeripheralShortCutType kind, sigslot::connection connection)
+    {
+        m_connections[kind].push_back(std::move(connection));
+    }
+
+    template <typename Function>
+    void forEachCover(Function function) const
+    {
+        // The sets may change in a call of a cover.
+        for (const auto& covers : {indexCovers, pathCovers}) {
+            for (ShortCutCover* cover : covers) {
+                function(*cover);
+            }
+        }
+    }
+
+public slots:
+    void addShortCutsItem(EnumShortCutType type, const std::string& path,
+                          const std::string& shortCutStr, ShortCutModuleType moduleType);
+    void delShortCutsItem(EnumShortCutType type, const std::string& path,
+                          ShortCutModuleType moduleType);
+    bool existShortCutsItem(EnumShortCutType type, const std::string& path,
+                            const std::string& shortCutStr);
+    bool systemShortCutRepeat(const QString& text);
+    void bindShortCutAndCover(const QList<ShortCutCover*>& coverList);
+    void disBindShortCutAndCover(const QList<ShortCutCover*>& coverList);
+    void onSaveShortCutInfoList(bool isSave);
+    void delProgramCoverPtr(ShortCutCover* cover);
+    void setPeripheralBind(int index, const std::string& strOprkey);
+    void delPeripheralBind(int index, const std::string& strOprkey);
+    void setOscBindData(EnumPeripheralShortCutType enCurType);
+    void onSetShortCoverVisible(bool flag);
+    void addPeripheralBind(const SDeviceBindInfo& bindDesc);
+    bool hasPeripheralBinded(EnumPeripheralShortCutType kind) const;
+    QString getBindedShortCutKeyName(int oprKey, const std::string& strOprKey) const;
+    void reripheralBind(int nOprKey, std::string strOprKey, std::string strKeyValue,
+                        bool bBindSuccess, EnumPeripheralShortCutType enType);
+
+private slots:
+    void deliverMessages();
+
+private:
+    bool removeItem(EnumShortCutType type, const std::string& path, ShortCutModuleType module);
+    ShortCutCover* coverOf(int type, const std::string& path) const;
+    bool confirmMove() const;
+    void receive(ControlMessage message);
+    void emitMessage(const ControlMessage& message);
+
+    ShortCutMgr* m_manager;
+    bool m_fileIsUnreadable = false;
+    std::map<EnumPeripheralShortCutType, std::vector<sigslot::connection>> m_connections;
+
+    // Messages from other threads, on their way to this one.
+    std::mutex m_mutex;
+    std::vector<ControlMessage> m_messages;
+    std::size_t m_dropped = 0;
+};
+
+ShortCutMgr::Impl::~Impl()
+{
+    for (auto& [kind, connections] : m_connections) {
+        for (auto& connection : connections) {
+            connection.disconnect();
+        }
+    }
+}
+
+// --- The file ---
+
+void ShortCutMgr::Impl::load()
+{
+    table.indexShortCutList.clear();
+    table.pathShortCutList.clear();
+    m_fileIsUnreadable = false;
+    const CallSite site("loadShortCutInfoList");
+    try {
+        const auto path = shortCutFile();
+        if (!std::ifstream(path, std::ios::binary)) {
+            return; // a first run
+        }
+        m_fileIsUnreadable = true;
+        table.shortCutInfoList = parseShortCuts(contentOf(path));
+        m_fileIsUnreadable = false;
+    } catch (const std::filesystem::filesystem_error& error) {
+        logAt(spdlog::level::err, site, "filesystem_error error msg: {}", error.what());
+        return;
+    } catch (const std::exception& error) {
+        logAt(spdlog::level::err, site, "std::exception error msg: {}", error.what());
+        return;
+    }
+    for (const STShortCutItem& item : table.shortCutInfoList) {
+        (item.type == ShortCutOfPath ? table.pathShortCutList : table.indexShortCutList)
+            .push_back(item);
+    }
+}
+
+void ShortCutMgr::Impl::save()
+{
+    auto items = table.indexShortCutList;
+    items.insert(items.end(), table.pathShortCutList.begin(), table.pathShortCutList.end());
+    const CallSite site("saveShortCutInfoList");
+    try {
+        const auto path = shortCutFile();
+        if (std::exchange(m_fileIsUnreadable, false)) {
+            auto copy = path;
+            copy += ".bad";
+            std::filesystem::copy_file(path, copy,
+                                       std::filesystem::copy_options::overwrite_existing);
+        }
+        NoCacheFile::saveToFile(path.u8string(), formatShortCuts(items));
+    } catch (const std::filesystem::filesystem_error& error) {
+        logAt(spdlog::level::err, site, "filesystem_error error msg: {}", error.what());
+    } catch (const std::exception& error) {
+        logAt(spdlog::level::err, site, "std::exception error msg: {}", error.what());
+    }
+    table.shortCutInfoList = std::move(items);
+    emit m_manager->signalShortCutSave(table);
+}
+
+void ShortCutMgr::Impl::onSaveShortCutInfoList(bool isSave)
+{
+    if (isSave) {
+        save();
+    }
+}
+
+// --- Keys ---
+
+void ShortCutMgr::Impl::reportEmptiness()
+{
+    emit m_manager->signalClearShortCutState(isEmpty());
+}
+
+bool ShortCutMgr::Impl::removeItem(EnumShortCutType type, const std::string& path,
+                                   ShortCutModuleType module)
+{
+    auto& list = module != ShortCutModulePath ? table.indexShortCutList : table.pathShortCutList;
+    const auto found = std::find_if(list.begin(), list.end(), [&](const STShortCutItem& item) {
+        return matches(item, type, path);
+    });
+    if (found == list.end()) {
+        return false;
+    }
+    list.erase(found);
+    return true;
+}
+
+void ShortCutMgr::Impl::addShortCutsItem(EnumShortCutType type, const std::string& path,
+                                         const std::string& shortCutStr,
+                                         ShortCutModuleType moduleType)
+{
+    while (removeItem(type, path, moduleType)) {
+    }
+    (moduleType == ShortCutModuleIndex ? table.indexShortCutList : table.pathShortCutList)
+        .push_back({type, path, shortCutStr});
+    save();
+    emit m_manager->signalClearShortCutState(false);
+    emit m_manager->signalShortCutStrChanged(type, path, shortCutStr);
+}
+
+void ShortCutMgr::Impl::delShortCutsItem(EnumShortCutType type, const std::string& path,
+                                         ShortCutModuleType moduleType)
+{
+    if (removeItem(type, path, moduleType)) {
+        save();
+        emit m_manager->signalShortCutStrChanged(type, path, std::string());
+    } else if (isEmpty()) {
+        emit m_manager->signalClearShortCutState(true);
+    }
+}
+
+bool ShortCutMgr::Impl::confirmMove() const
+{
+    return TipDialog::ask(QApplication::activeWindow(), TipDialog::question,
+                          text(QStringLiteral("ConfirmCoverExistShortCut")),
+                          text(QStringLiteral("Cancel")), text(QStringLiteral("OK")))
+           == TipDialog::accepted;
+}
+
+bool ShortCutMgr::Impl::existShortCutsItem(EnumShortCutType type, const std::string& path,
+                                           const std::string& shortCutStr)
+{
+    auto items = table.indexShortCutList;
+    items.insert(items.end(), table.pathShortCutList.begin(), table.pathShortCutList.end());
+    const auto found =
+        std::find_if(items.begin(), items.end(), [&shortCutStr](const STShortCutItem& item) {
+            return item.shortCutStr == shortCutStr;
+        });
+    if (found == items.end()) {
+        return false;
+    }
+    if (matches(*found, type, path)) {
+        return true;
+    }
+    if (!confirmMove()) {
+        return true;
+    }
+    const STShortCutItem old = *found;
+    removeItem(old.type, old.path,
+               old.type == ShortCutOfPath ? ShortCutModulePath : ShortCutModuleIndex);
+    if (ShortCutCover* cover = coverOf(old.type, old.path)) {
+        cover->shortCutStrChanged(QString());
+    }
+    emit m_manager->signalShortCutStrChanged(old.type, old.path, std::string());
+    return false;
+}
+
+bool ShortCutMgr::Impl::systemShortCutRepeat(const QString& text)
+{
+    if (!isReservedKeySequence(text)) {
+        return false;
+    }
+    TipDialog::ask(QApplication::activeWindow(), TipDialog::warning,
+                   settings::text(QStringLiteral("SystemShortCutWithRepeat")), QString(),
+                   settings::text(QStringLiteral("OK")));
+    return true;
+}
+
+void ShortCutMgr::Impl::clearKeys()
+{
+    const auto before = std::exchange(table, {}).shortCutInfoList;
+    forEachCover([](ShortCutCover& cover) { cover.shortCutStrChanged(QString()); });
+    save();
+    for (const STShortCutItem& item : before) {
+        emit m_manager->signalShortCutStrChanged(item.type, item.path, std::string());
+    }
+    emit m_manager->signalClearShortCutState(true);
+}
+
+// --- Covers ---
+
+void ShortCutMgr::Impl::bindShortCutAndCover(const QList<ShortCutCover*>& coverList)
+{
+    for (ShortCutCover* cover : coverList) {
+        if (cover == nullptr || indexCovers.contains(cover) || pathCovers.contains(cover)) {
+            continue;
+        }
+        connect(cover, &ShortCutCover::signalDelShortCutsItem, this, &Impl::delShortCutsItem);
+        connect(cover, &ShortCutCover::signalExistShortCutsItem, this, &Impl::existShortCutsItem);
+        connect(cover, &ShortCutCover::signalAddShortCutsItem, this, &Impl::addShortCutsItem);
+        connect(cover, &ShortCutCover::signalCheckRepeat, this, &Impl::systemShortCutRepeat);
+        connect(cover, &ShortCutCover::signalCoverEsc, m_manager,
+                &ShortCutMgr::signalCloseShortByEsc);
+        connect(cover, &ShortCutCover::signalKeyEventComplete, m_manager,
+                &ShortCutMgr::signalKeyEventCompleted);
+        connect(m_manager, &ShortCutMgr::signalCloseShortByEsc, cover,
+                &ShortCutCover::setShortCoverClearFocus);
+        connect(cover, &ShortCutCover::signalSetPeripheralBind, this, &Impl::setPeripheralBind);
+        connect(cover, &ShortCutCover::signalDelPeripheralBind, this, &Impl::delPeripheralBind);
+        connect(cover, &QObject::destroyed, this, [this, cover] { delProgramCoverPtr(cover); });
+        (cover->getShortCutType() == ShortCutModuleIndex ? indexCovers : pathCovers).insert(cover);
+    }
+}
+
+void ShortCutMgr::Impl::disBindShortCutAndCover(const QList<ShortCutCover*>& coverList)
+{
+    for (ShortCutCover* cover : coverList) {
+        if (indexCovers.contains(cover) || pathCovers.contains(cover)) {
+            cover->disconnect(this);
+            cover->disconnect(m_manager);
+            m_manager->disconnect(cover);
+            delProgramCoverPtr(cover);
+        }
+    }
+}
+
+void ShortCutMgr::Impl::delProgramCoverPtr(ShortCutCover* cover)
+{
+    indexCovers.remove(cover);
+    pathCovers.remove(cover);
+}
+
+ShortCutCover* ShortCutMgr::Impl::coverOf(int type, const std::string& path) const
+{
+    if (type == ShortCutOfPath) {
+        for (ShortCutCover* cover : pathCovers) {
+            if (cover->getPeripheralShortCutPath() == path) {
+                return cover;
+            }
+        }
+    } else {
+        for (ShortCutCover* cover : indexCovers) {
+            if (cover->getShortCutIndex() == type) {
+                return cover;
+            }
+        }
+    }
+    return nullptr;
+}
+
+void ShortCutMgr::Impl::pushTextsToCovers()
+{
+    std::unordered_map<int, const STShortCutItem*> byType;
+    std::unordered_map<std::string, const STShortCutItem*> byPath;
+    for (const STShortCutItem& item : table.indexShortCutList) {
+        byType[item.type] = &item;
+    }
+    for (const STShortCutItem& item : table.pathShortCutList) {
+        byPath[item.path] = &item;
+    }
+    const auto textOf = [](const auto& items, const auto& key) {
+        const auto found = items.find(key);
+        return found == items.end() ? QString()
+                                    : QString::fromStdString(found->second->shortCutStr);
+    };
+    for (ShortCutCover* cover : std::as_const(indexCovers)) {
+        cover->shortCutStrChanged(textOf(byType, static_cast<int>(cover->getShortCutIndex())));
+    }
+    for (ShortCutCover* cover : std::as_const(pathCovers)) {
+        cover->shortCutStrChanged(textOf(byPath, cover->getShortCutPath()));
+    }
+}
+
+void ShortCutMgr::Impl::takeTextsFromCovers()
+{
+    std::unordered_map<int, std::size_t> byType;
+    std::unordered_map<std::string, std::size_t> byPath;
+    for (std::size_t i = 0; i < table.indexShortCutList.size(); ++i) {
+        byType[table.indexShortCutList[i].type] = i;
+    }
+    for (std::size_t i = 0; i < table.pathShortCutList.size(); ++i) {
+        byPath[table.pathShortCutList[i].path] = i;
+    }
+    const auto take = [](auto& places, const auto& key, std::vector<STShortCutItem>& items,
+                         const ShortCutCover& cover) {
+        const std::string shown = cover.getShortCutStr().toStdString();
+        if (shown.empty()) {
+            return;
+        }
+        const auto [place, isNew] = places.try_emplace(key, items.size());
+        if (isNew) {
+            items.push_back({cover.getShortCutIndex(), cover.getShortCutPath(), shown});
+        } else {
+            items[place->second].shortCutStr = shown;
+        }
+    };
+    for (const ShortCutCover* cover : std::as_const(indexCovers)) {
+        take(byType, static_cast<int>(cover->getShortCutIndex()), table.indexShortCutList, *cover);
+    }
+    for (const ShortCutCover* cover : std::as_const(pathCovers)) {
+        take(byPath, cover->getShortCutPath(), table.pathShortCutList, *cover);
+    }
+}
+
+void ShortCutMgr::Impl::onSetShortCoverVisible(bool flag)
+{
+    m_manager->slotShowAllShortCutCover(flag, currentKind);
+}
+
+// --- Controls of devices ---
+
+Peripheral* ShortCutMgr::Impl::service(EnumPeripheralShortCutType kind) const
+{
+    switch (kind) {
+    case PeripheralMidi:
+        return midi;
+    case PeripheralDmx:
+        return dmx;
+    case PeripheralOsc:
+        return osc;
+    default:
+        return nullptr;
+    }
+}
+
+template <typename Service>
+bool ShortCutMgr::Impl::use(Service*& member, Service* service, EnumPeripheralShortCutType kind)
+{
+    if (service == nullptr) {
+        return false;
+    }
+    for (auto& connection : m_connections[kind]) {
+        connection.disconnect();
+    }
+    m_connections[kind].clear();
+    member = service;
+    keep(kind, service->controlMessage.connect(
+                   [this, kind](int action, const std::string& path, const std::string& value) {
+                       receive({kind, action, path, value});
+                   }));
+    keep(kind, service->gone.connect([this, kind, &member] {
+        member = nullptr;
+        m_connections.erase(kind);
+    }));
+    if (kind != PeripheralOsc) {
+        keep(kind,
+             service->bindResult.connect([this, kind](const SDeviceBindInfo& info, bool isBound) {
+                 QMetaObject::invokeMethod(this, "reripheralBind", Qt::QueuedConnection,
+                                           Q_ARG(int, info.type), Q_ARG(std::string, info.oprKey),
+                                           Q_ARG(std::string, info.keyValue), Q_ARG(bool, isBound),
+                                           Q_ARG(EnumPeripheralShortCutType, kind));
+             }));
+    }
+    for (const SDeviceBindInfo& info : service->bindings()) {
+        if (ShortCutCover* cover = coverOf(info.type, info.oprKey)) {
+            cover->updateShortCutCoverKey(kind, QString::fromStdString(info.keyValue));
+        }
+    }
+    return true;
+}
+
+void ShortCutMgr::Impl::receive(ControlMessage message)
+{
+    if (QThread::currentThread() == thread()) {
+        emitMessage(message);
+        return;
+    }
+    const std::lock_guard lock(m_mutex);
+    if (m_messages.size() == mostWaiting) {
+        ++m_dropped;
+        return;
+    }
+    m_messages.push_back(std::move(message));
+    if (m_messages.size() == 1) {
+        QMetaObject::invokeMethod(this, "deliverMessages", Qt::QueuedConnection);
+    }
+}
+
+void ShortCutMgr::Impl::deliverMessages()
+{
+    std::vector<ControlMessage> messages;
+    std::size_t dropped = 0;
+    {
+        const std::lock_guard lock(m_mutex);
+        messages.swap(m_messages);
+        dropped = std::exchange(m_dropped, 0);
+    }
+    if (dropped > 0) {
+        warn("deliverMessages", "{} messages of devices were dropped!", dropped);
+    }
+    for (const ControlMessage& message : messages) {
+        emitMessage(message);
+    }
+}
+
+void ShortCutMgr::Impl::emitMessage(const ControlMessage& message)
+{
+    const bool isRewritten =
+        message.kind == PeripheralOsc && message.action == ShortCutOfPath && !message.path.empty();
+    emit m_manager->signalPeripheralsControl(
+        message.action, isRewritten ? reportedPath(message.path) : message.path, message.value);
+    if (message.kind != PeripheralMidi) {
+        emit m_manager->signalUpdateDeviceStatus(message.kind, true);
+    }
+}
+
+void ShortCutMgr::Impl::setPeripheralBind(int index, const std::string& strOprkey)
+{
+    // Asked for by a cover, of the kind for which the covers are open.
+    currentPath = strOprkey;
+    if (Peripheral* asked = service(currentKind)) {
+        asked->learn(index, strOprkey);
+    }
+}
+
+void ShortCutMgr::Impl::delPeripheralBind(int index, const std::string& strOprkey)
+{
+    Peripheral* asked = service(currentKind);
+    if (asked == nullptr) {
+        return;
+    }
+    asked->unbind(index, strOprkey);
+    pendingBindings.erase(std::remove_if(pendingBindings.begin(), pendingBindings.end(),
+                                         [&](const PendingBinding& pending) {
+                                             return pending.kind == currentKind
+                                                    && pending.oprKey == strOprkey;
+                                         }),
+                          pendingBindings.end());
+    if (ShortCutCover* cover = coverOf(index, strOprkey)) {
+        cover->updateShortCutCoverKey(currentKind, QString());
+    }
+    emit m_manager->signalUpdateClearPeripheralsState(currentKind,
+                                                      hasPeripheralBinded(currentKind));
+}
+
+void ShortCutMgr::Impl::addPeripheralBind(const SDeviceBindInfo& bindDesc)
+{
+    if (Peripheral* asked = service(currentKind)) {
+        asked->bind(bindDesc);
+    }
+}
+
+bool ShortCutMgr::Impl::hasPeripheralBinded(EnumPeripheralShortCutType kind) const
+{
+    bool found = false;
+    forEachCover(
+        [&](const ShortCutCover& cover) { found = found || !cover.keyText(kind).isEmpty(); });
+    return found;
+}
+
+QString ShortCutMgr::Impl::getBindedShortCutKeyName(int oprKey, const std::string& strOprKey) const
+{
+    const ShortCutCover* cover = coverOf(oprKey, strOprKey);
+    return cover == nullptr ? QString() : cover->keyText(currentKind);
+}
+
+void ShortCutMgr::Impl::setOscBindData(EnumPeripheralShortCutType enCurType)
+{
+    if (Peripheral* asked = service(enCurType)) {
+        for (const SDeviceBindInfo& info : asked->bindings()) {
+            if (ShortCutCover* cover = coverOf(info.type, info.oprKey)) {
+                cover->updateShortCutCoverKey(enCurType, QString::fromStdString(info.keyValue));
+            }
+        }
+    }
+}
+
+void ShortCutMgr::Impl::reripheralBind(int nOprKey, std::string strOprKey, std::string strKeyValue,
+                                       bool bBindSuccess, EnumPeripheralShortCutType enType)
+{
+    const QString key = QString::fromStdString(strKeyValue);
+    ShortCutCover* cover = coverOf(nOprKey, strOprKey);
+    if (bBindSuccess) {
+        if (cover != nullptr) {
+            cover->updateShortCutCoverKey(enType, key);
+        }
+        emit m_manager->signalUpdateClearPeripheralsState(enType, true);
+        if (nOprKey == ShortCutOfPath && enType != PeripheralOsc) {
+            pendingBindings.push_back({enType, ShortCutOfPath, strOprKey, strKeyValue});
+        }
+        return;
+    }
+    currentPath = strOprKey;
+    if (cover != nullptr && cover->keyText(enType) == key) {
+        return; // it holds the key itself
+    }
+    if (confirmMove()) {
+        rebind(enType, {nOprKey, std::move(strOprKey), std::move(strKeyValue)});
+    }
+}
+
+void ShortCutMgr::Impl::rebind(EnumPeripheralShortCutType kind, const SDeviceBindInfo& info)
+{
+    const QString key = QString::fromStdString(info.keyValue);
+    if (kind == PeripheralMidi || kind == PeripheralDmx) {
+        if (Peripheral* asked = service(kind)) {
+            asked->bind(info);
+        }
+    }
+    forEachCover([&](ShortCutCover& cover) {
+        if (cover.keyText(kind) == key) {
+            cover.updateShortCutCoverKey(kind, QString());
+        }
+    });
+    if (ShortCutCover* cover = coverOf(info.type, info.oprKey)) {
+        cover->updateShortCutCoverKey(kind, key);
+    }
+    pendingBindings.erase(std::remove_if(pendingBindings.begin(), pendingBindings.end(),
+                                         [&](const PendingBinding& pending) {
+                                             return pending.kind == kind
+                                                    && (pending.keyValue == info.keyValue
+                                                        || pending.oprKey == info.oprKey);
+                                         }),
+                          pendingBindings.end());
+    if (info.type == ShortCutOfPath && kind != PeripheralOsc) {
+        pendingBindings.push_back({kind, ShortCutOfPath, info.oprKey, info.keyValue});
+    }
+    emit m_manager->signalUpdateClearPeripheralsState(kind, hasPeripheralBinded(kind));
+}
+
+void ShortCutMgr::Impl::clearPeripheral(EnumPeripheralShortCutType kind)
+{
+    Peripheral* asked = service(kind);
+    if (asked == nullptr) {
+        return;
+    }
+    for (const SDeviceBindInfo& info : asked->bindings()) {
+        asked->unbind(info.type, info.oprKey);
+    }
+    pendingBindings.erase(
+        std::remove_if(pendingBindings.begin(), pendingBindings.end(),
+                       [kind](const PendingBinding& pending) { return pending.kind == kind; }),
+        pendingBindings.end());
+    forEachCover([kind](ShortCutCover& cover) { cover.updateShortCutCoverKey(kind, QString()); });
+    emit m_manager->signalUpdateClearPeripheralsState(kind, false);
+}
+
+void ShortCutMgr::Impl::showPendingTexts() const
+{
+    std::unordered_map<std::string, ShortCutCover*> byPath;
+    for (ShortCutCover* cover : pathCovers) {
+        byPath[cover->getPeripheralShortCutPath()] = cover;
+    }
+    for (const PendingBinding& pending : pendingBindings) {
+        const auto cover = byPath.find(pending.oprKey);
+        if (cover != byPath.end() && pending.kind != PeripheralOsc) {
+            cover->second->updateShortCutCoverKey(pending.kind,
+                                                  QString::fromStdString(pending.keyValue));
+        }
+    }
+}
+
+// --- The manager ---
+
+ShortCutMgr::ShortCutMgr() : m_impl(std::make_unique<Impl>(this))
+{
+    qRegisterMetaType<EnumPeripheralShortCutType>("EnumPeripheralShortCutType");
+    qRegisterMetaType<std::string>();
+}
+
+ShortCutMgr::~ShortCutMgr() = default;
+
+void ShortCutMgr::loadShortCutInfoList()
+{
+    m_impl->load();
+}
+
+void ShortCutMgr::saveShortCutInfoList()
+{
+    m_impl->save();
+}
+
+STLinkShortCutInfo ShortCutMgr::linkShortCutInfo() const
+{
+    return m_impl->table;
+}
+
+void ShortCutMgr::shortCutInfoSave(const STLinkShortCutInfo& info)
+{
+    const STLinkShortCutInfo wanted = info; // it may be what linkShortCutInfo() is made of
+    slotClearShortCut(true, PeripheralKeyboard);
+    m_impl->table = wanted;
+    m_impl->save();
+    m_impl->load();
+    setAllShortCutStr();
+}
+
+void ShortCutMgr::setAllShortCutStr()
+{
+    m_impl->pushTextsToCovers();
+    m_impl->reportEmptiness();
+    m_impl->takeTextsFromCovers();
+    m_impl->save();
+}
+
+void ShortCutMgr::setProgramShortCutInfo()
+{
+    m_impl->takeTextsFromCovers();
+}
+
+void ShortCutMgr::setBindShortCutAndCover(const QList<ShortCutCover*>& covers)
+{
+    m_impl->bindShortCutAndCover(covers);
+}
+
+void ShortCutMgr::setDisbindShortCutAndCover(const QList<ShortCutCover*>& covers) const
+{
+    m_impl->disBindShortCutAndCover(covers);
+}
+
+void ShortCutMgr::delShortCutCover(ShortCutCover* cover)
+{
+    m_impl->disBindShortCutAndCover({cover});
+}
+
+void ShortCutMgr::delShortCutCoverList(const QList<ShortCutCover*>& covers)
+{
+    m_impl->disBindShortCutAndCover(covers);
+}
+
+void ShortCutMgr::rebindPeripheral(EnumPeripheralShortCutType kind, int type,
+                                   const std::string& oprKey, const std::string& keyValue)
+{
+    m_impl->rebind(kind, {type, oprKey, keyValue});
+}
+
+void ShortCutMgr::updatePeripheralKeyName() const
+{
+    m_impl->showPendingTexts();
+}
+
+void ShortCutMgr::setMidiMgr(MidiPeripheral* midi)
+{
+    if (m_impl->use(m_impl->midi, midi, PeripheralMidi)) {
+        m_impl->keep(
+            PeripheralMidi,
+            midi->devicesChanged.connect([this](const std::vector<SMIDIDevInfo>& devices) {
+                const bool online = !devices.empty();
+                QMetaObject::invokeMethod(
+                    m_impl.get(),
+                    [this, online] { emit signalUpdateDeviceStatus(PeripheralMidi, online); },
+                    Qt::AutoConnection);
+            }));
+    }
+}
+
+void ShortCutMgr::setDmxMgr(DmxPeripheral* dmx)
+{
+    m_impl->use(m_impl->dmx, dmx, PeripheralDmx);
+}
+
+void ShortCutMgr::setOscMgr(OscPeripheral* osc)
+{
+    const auto report = [this](const mivo::peripheralcontrol::SAddOSCInfo& info) {
+        QMetaObject::invokeMethod(
+            m_impl.get(),
+            [this, port = info.port] {
+                emit signalUpdateOscUrl("osc.udp://" + QSysInfo::machineHostName().toStdString()
+                                        + ':' + std::to_string(port) + '/');
+            },
+            Qt::AutoConnection);
+    };
+    if (m_impl->use(m_impl->osc, osc, PeripheralOsc)) {
+        m_impl->keep(PeripheralOsc, osc->infoChanged.connect(report));
+    }
+}
+
+bool ShortCutMgr::getProjectFileLoadComplete() const
+{
+    return m_impl->projectFileLoadComplete;
+}
+
+void ShortCutMgr::setProjectFileLoadComplete(bool complete)
+{
+    m_impl->projectFileLoadComplete = complete;
+}
+
+void ShortCutMgr::slotClearShortCut(bool clear, EnumPeripheralShortCutType kind)
+{
+    if (!clear) {
+        return;
+    }
+    if (kind == PeripheralKeyboard) {
+        m_impl->clearKeys();
+    } else {
+        m_impl->clearPeripheral(kind);
+    }
+}
+
+void ShortCutMgr::slotShowAllShortCutCover(bool show, EnumPeripheralShortCutType kind) const
+{
+    m_impl->currentKind = kind;
+    m_impl->forEachCover([show, kind](ShortCutCover& cover) {
+        cover.acceptEventState(!show);
+        cover.setShortCoverVisible(show, kind);
+    });
+    if (!show) {
+        if (Peripheral* asked = m_impl->service(kind)) {
+            asked->stopLearning();
+        }
+    }
+}
+
+void ShortCutMgr::slotLockScreenChanged(bool locked)
+{
+    for (const auto kind : {PeripheralMidi, PeripheralDmx, PeripheralOsc}) {
+        if (Peripheral* asked = m_impl->service(kind)) {
+            asked->setLocked(locked);
+        }
+    }
+}
+
+} // namespace mivo::settings
+
+#include "shortcutmgr.moc"

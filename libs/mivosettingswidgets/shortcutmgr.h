@@ -1,0 +1,96 @@
+#pragma once
+
+#include "mivohostapi/shortcuttypes.h"
+#include "mivosettingswidgets/export.h"
+
+#include <QtCore/QList>
+#include <QtCore/QObject>
+
+#include <memory>
+#include <string>
+
+namespace mivo::peripheralcontrol {
+class DmxPeripheral;
+class MidiPeripheral;
+class OscPeripheral;
+} // namespace mivo::peripheralcontrol
+namespace mivo::widgets {
+class ShortCutCover;
+}
+
+namespace mivo::settings {
+
+/// Every shortcut of the application: keys, kept in the shortcut file, and controls of devices,
+/// kept by the services of their kind. GUI thread; the services' signals may come from any thread,
+/// and what the manager emits for them comes from the GUI thread.
+class MIVOSETTINGSWIDGETS_EXPORT ShortCutMgr : public QObject
+{
+    Q_OBJECT
+
+public:
+    ShortCutMgr();
+    ~ShortCutMgr() override;
+
+    /// Reads the shortcut file. Without one, or with one that cannot be read, the table is empty;
+    /// the latter is logged, and the file copied beside itself before it is written over.
+    void loadShortCutInfoList();
+
+    /// Writes the shortcut file, whose folder must exist.
+    void saveShortCutInfoList();
+
+    STLinkShortCutInfo linkShortCutInfo() const;
+
+    /// Replaces the whole table, on the device and on the covers.
+    void shortCutInfoSave(const STLinkShortCutInfo& info);
+
+    /// Has every cover show its entry's text.
+    void setAllShortCutStr();
+    /// Has the table hold what the covers show.
+    void setProgramShortCutInfo();
+
+    /// Covers are borrowed; one that is destroyed is forgotten by itself.
+    void setBindShortCutAndCover(const QList<mivo::widgets::ShortCutCover*>& covers);
+    void setDisbindShortCutAndCover(const QList<mivo::widgets::ShortCutCover*>& covers) const;
+    void delShortCutCover(mivo::widgets::ShortCutCover* cover);
+    void delShortCutCoverList(const QList<mivo::widgets::ShortCutCover*>& covers);
+
+    /// Binds a control of a device to an action, and takes it from the one that had it.
+    void rebindPeripheral(EnumPeripheralShortCutType kind, int type, const std::string& oprKey,
+                          const std::string& keyValue);
+    void updatePeripheralKeyName() const;
+
+    /// The services are borrowed; one that ends is forgotten by itself, another one takes the place
+    /// of the one before, and a null one changes nothing.
+    void setMidiMgr(mivo::peripheralcontrol::MidiPeripheral* midi);
+    void setDmxMgr(mivo::peripheralcontrol::DmxPeripheral* dmx);
+    void setOscMgr(mivo::peripheralcontrol::OscPeripheral* osc);
+
+    bool getProjectFileLoadComplete() const;
+    void setProjectFileLoadComplete(bool complete);
+
+public slots:
+    /// Clears every binding of the kind; with false nothing.
+    void slotClearShortCut(bool clear, EnumPeripheralShortCutType kind);
+    void slotShowAllShortCutCover(bool show, EnumPeripheralShortCutType kind) const;
+    void slotLockScreenChanged(bool locked);
+
+signals:
+    void signalClearShortCutState(bool empty);
+    void signalCloseShortByEsc();
+    void signalKeyEventCompleted();
+    void signalOpenShortCover(bool open, EnumPeripheralShortCutType kind);
+    void signalPeripheralsControl(int action, const std::string& path, const std::string& value);
+    void signalShortCutSave(const STLinkShortCutInfo& info);
+    void signalShortCutStrChanged(const EnumShortCutType& type, const std::string& path,
+                                  const std::string& text);
+    void signalShowMonitorWidget(EnumPeripheralShortCutType kind);
+    void signalUpdateClearPeripheralsState(EnumPeripheralShortCutType kind, bool anyBound);
+    void signalUpdateDeviceStatus(EnumPeripheralShortCutType kind, bool online);
+    void signalUpdateOscUrl(const std::string& url);
+
+private:
+    class Impl;
+    std::unique_ptr<Impl> m_impl;
+};
+
+} // namespace mivo::settings

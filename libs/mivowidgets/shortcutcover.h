@@ -1,0 +1,102 @@
+#pragma once
+
+#include "mivohostapi/shortcuttypes.h"
+#include "mivowidgets/export.h"
+
+#include <QtCore/QMap>
+#include <QtCore/QString>
+#include <QtGui/QKeySequence>
+#include <QtWidgets/QWidget>
+
+#include <string>
+
+class QToolButton;
+
+namespace mivo::widgets {
+
+/// Covers one control of the host while shortcuts are edited, shows what triggers the control's
+/// action, and lets the user bind a key or a control of a device to it. GUI thread.
+///
+/// Made hidden, as a child of the control that it covers, whose size it follows. With the focus it
+/// takes the next key sequence, or asks for the next control of the device. Backspace and Delete
+/// clear, Tab and Backtab go on to the next cover, Escape ends editing.
+class MIVOWIDGETS_EXPORT ShortCutCover : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// For an action that its type identifies.
+    ShortCutCover(EnumShortCutType index, const std::string& path, QWidget* covered);
+    /// For an action that its path identifies, of type ShortCutOfPath.
+    ShortCutCover(const std::string& path, QWidget* covered);
+
+    ShortCutModuleType getShortCutType() const { return m_module; }
+    EnumShortCutType getShortCutIndex() const { return m_index; }
+    std::string getShortCutPath() const { return m_path; }
+    std::string getPeripheralShortCutPath() const { return m_path; }
+
+    /// What the clear button is called, for its tip and for screen readers.
+    void setClearText(const QString& text);
+
+    /// The key sequence, empty when none is bound.
+    QString getShortCutStr() const { return keyText(PeripheralKeyboard); }
+    /// What is bound of that kind, empty when nothing is.
+    QString keyText(EnumPeripheralShortCutType kind) const { return m_texts.value(kind); }
+
+public slots:
+    void shortCutStrChanged(const QString& text);
+    void updateShortCutCoverKey(EnumPeripheralShortCutType kind, const QString& text);
+    void setShortCoverVisible(bool visible, EnumPeripheralShortCutType kind);
+    /// Whether the control below acts: not while its shortcuts are edited.
+    void acceptEventState(bool accepts);
+    void setShortCoverClearFocus();
+
+signals:
+    void signalAddShortCutsItem(EnumShortCutType type, const std::string& path,
+                                const std::string& shortCutStr, ShortCutModuleType moduleType);
+    void signalDelShortCutsItem(EnumShortCutType type, const std::string& path,
+                                ShortCutModuleType moduleType);
+    /// True: another action holds the sequence and keeps it.
+    bool signalExistShortCutsItem(EnumShortCutType type, const std::string& path,
+                                  const std::string& shortCutStr);
+    /// True: the sequence belongs to the application.
+    bool signalCheckRepeat(const QString& text);
+    void signalCoverEsc();
+    void signalKeyEventComplete();
+    void signalSetPeripheralBind(int index, const std::string& strOprkey);
+    void signalDelPeripheralBind(int index, const std::string& strOprkey);
+
+protected:
+    bool event(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    ShortCutCover(ShortCutModuleType module, EnumShortCutType index, const std::string& path,
+                  QWidget* covered);
+    void bindKeys(const QString& text);
+    void clearBinding();
+    void setText(EnumPeripheralShortCutType kind, const QString& text);
+
+    ShortCutModuleType m_module;
+    EnumShortCutType m_index;
+    std::string m_path;
+    QToolButton* m_clear;
+    EnumPeripheralShortCutType m_kind = PeripheralKeyboard;
+    QMap<EnumPeripheralShortCutType, QString> m_texts;
+    bool m_blocked = false; // the control below
+    Qt::FocusPolicy m_focusPolicy;
+};
+
+/// A key press as text: key names joined by " + ", modifiers first, Ctrl before Shift before Alt;
+/// empty while only modifiers are held. Any thread.
+MIVOWIDGETS_EXPORT QString keySequenceText(int key, Qt::KeyboardModifiers modifiers);
+
+/// The shortcut of such a text; empty when it is none.
+MIVOWIDGETS_EXPORT QKeySequence keySequenceOf(const QString& text);
+
+} // namespace mivo::widgets

@@ -1,0 +1,106 @@
+#include "system/listener.h"
+
+#include "support/logcapture.h"
+#include "support/testruntime.h"
+#include "support/teststore.h"
+
+#include <gtest/gtest.h>
+
+#include <QtNetwork/QTcpServer>
+#include <QtNetwork/QTcpSocket>
+#include <QtNetwork/QUdpSocket>
+#include <QtTest/QTest>
+#include <QtWidgets/QApplication>
+
+using mivohost::Listener;
+using Store = mivohost::SettingsStore;
+
+namespace {
+
+class Ports : public ::testing::Test
+{
+protected:
+    Ports()
+    {
+        store.tcpPortChanged.connect([this](const STPortInfo& info) { came.push_back(info); });
+        store.udpPortChanged.connect([this](const STPortInfo& info) { came.push_back(info); });
+        store.tcpPortFailed.connect([this](const std::string& why) { reason = why; });
+        store.udpPortFailed.connect([this](const std::string& why) { reason = why; });
+    }
+
+    /// Wishes, and returns what came of it.
+    STPortInfo wish(Store::Port port, const STPortInfo& info)
+    {
+        reason.clear();
+        runtime.call([&] {
+            came.clear();
+            port == Store::tcp ? store.setTcpPort(info) : store.setUdpPort(info);
+        });
+        EXPECT_TRUE(
+            QTest::qWaitFor([this] { return runtime.call([this] { return !came.empty(); }); }));
+        return runtime.call([this] { return came.empty() ? STPortInfo{} : came.back(); });
+    }
+
+    static quint16 freePort()
+    {
+        QTcpServer probe;
+        probe.listen(QHostAddress::LocalHost);
+        return probe.serverPort();
+    }
+
+    TestRuntime runtime;
+    TestStore store;
+    LogCapture log;
+    std::vector<STPortInfo> came; // runtime thread
+    std::string reason;
+};
+
+} // namespace
+
+TEST_F(Ports, AreReallyOpenedAndClosed)
+{
+    const Listener listener(runtime, store);
+    const quint16 port = freePort();
+    EXPECT_EQ(wish(Store::tcp, {true, port}), (STPortInfo{true, port}));
+    QTcpSocket client;
+    client.connectToHost(QHostAddress::LocalHost, port);
+    EXPECT_TRUE(client.waitForConnected());
+    EXPECT_EQ(store.kept.rows["tcpPort"], QString("1|%1").arg(port));
+    EXPECT_EQ(wish(Store::tcp, {false, port}), (STPortInfo{false, port}));
+    QTcpSocket late;
+    late.connectToHost(QHostAddress::LocalHost, port);
+    EXPECT_FALSE(late.waitForConnected());
+
+    EXPECT_EQ(wish(Store::udp, {true, port}), (STPortInfo{true, port}));
+    QUdpSocket other;
+    EXPECT_FALSE(other.bind(QHostAddress::Any, port));
+}
+
+TEST_F(Ports, ThatCannotBeOpenedStayClosedAndSayWhy)
+{
+    const Listener listener(runtime, store);
+    QTcpServer tcp;
+    ASSERT_TRUE(tcp.listen(QHostAddress::Any));
+    EXPECT_EQ(wish(Store::tcp, {true, tcp.serverPort()}), (STPortInfo{false, tcp.serverPort()}));
+    EXPECT_FALSE(reason.empty());
+    EXPECT_EQ(store.kept.rows["tcpPort"], QString("0|%1").arg(tcp.serverPort()));
+    QUdpSocket udp;
+    ASSERT_TRUE(udp.bind(QHostAddress::Any));
+    EXPECT_FALSE(wish(Store::udp, {true, udp.localPort()}).open);
+    EXPECT_FALSE(reason.empty());
+    EXPECT_FALSE(wish(Store::udp, {true, 0}).open);
+    // The same wish is tried again.
+    tcp.close();
+    EXPECT_TRUE(wish(Store::tcp, {true, freePort()}).open);
+}
+
+TEST_F(Ports, ThatWereOpenAreOpenedAgainAtTheNextStart)
+{
+    const quint16 port = freePort();
+    TestStore again({{"tcpPort", QString("1|%1").arg(port)}});
+    EXPECT_TRUE(again.getTcpPort().open) << "without a host, wishes come true";
+    const Listener listener(runtime, again);
+    EXPECT_FALSE(runtime.call([&] { return again.getTcpPort().open; }));
+    EXPECT_TRUE(
+        QTest::qWaitFor([&] { return runtime.call([&] { return again.getTcpPort().open; }); }));
+}

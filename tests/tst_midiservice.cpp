@@ -1,0 +1,445 @@
+#include "peripherals/midimessage.h"
+#include "peripherals/midiservice.h"
+
+#include "support/logcapture.h"
+#include "support/otherprocess.h"
+
+#include <gtest/gtest.h>
+
+#include <RtMidi.h>
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QProcess>
+#include <QtCore/QStandardPaths>
+#include <QtTest/QTest>
+
+#include <cstdio>
+#include <iostream>
+#include <mutex>
+#include <thread>
+
+using namespace mivo::peripheralcontrol;
+using namespace mivohost;
+
+namespace {
+
+using Bytes = std::vector<unsigned char>;
+using Names = std::vector<std::string>;
+
+/// A device in a program of its own, which is unplugged by killing it: plays the messages that it
+/// is given as lines of hexadecimal bytes. Says when it is there.
+int playMidi(const QStringList& arguments)
+{
+    for (int attempt = 0; attempt < 50; ++attempt) {
+        try {
+            RtMidiOut out(RtMidi::UNIX_JACK, arguments.at(1).toStdString());
+            out.openVirtualPort("out");
+            std::cout << "ready" << std::endl;
+            for (std::string line; std::getline(std::cin, line);) {
+                const QByteArray bytes = QByteArray::fromHex(QByteArray::fromStdString(line));
+                out.sendMessage(reinterpret_cast<const unsigned char*>(bytes.data()),
+                                static_cast<std::size_t>(bytes.size()));
+            }
+            std::_Exit(0);
+        } catch (const RtMidiError&) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(100)); // no server yet
+        }
+    }
+    return 1;
+}
+
+const bool isRegistered = [] {
+    otherProcess() = playMidi;
+    return true;
+}();
+
+/// The server that all tests of real devices share; ends with the program, even if that crashes:
+/// it is one that ends with its last client.
+class Server
+{
+public:
+    static bool isRunning()
+    {
+#ifdef __SANITIZE_THREAD__
+        // The library of JACK cancels its threads within calls that ThreadSanitizer ignores, and
+        // that ends the program.
+        return false;
+#else
+        static Server server;
+        return server.m_isRunning;
+#endif
+    }
+
+private:
+    Server()
+    {
+        const QString name = QString("mivotest-%1").arg(QCoreApplication::applicationPid());
+        qputenv("JACK_DEFAULT_SERVER", name.toLatin1());
+        m_process.setProcessChannelMode(QProcess::MergedChannels);
+        // Long periods, so that no message is lost on a busy machine.
+        m_process.start("jackd",
+                        {"-n", name, "-r", "-T", "-d", "dummy", "-r", "48000", "-p", "1024"});
+        m_process.waitForStarted();
+        for (int attempt = 0; attempt < 50 && !m_process.waitForFinished(100); ++attempt) {
+            auto client = std::make_unique<RtMidiIn>(RtMidi::UNIX_JACK, "tests");
+            try {
+                client->openVirtualPort("in");
+            } catch (const RtMidiError&) {
+                continue;
+            }
+            // Closing a client crashes now and then: this one is never closed.
+            static const RtMidiIn* const last = client.release();
+            m_isRunning = last != nullptr;
+            return;
+        }
+    }
+
+    ~Server()
+    {
+        m_process.terminate();
+        if (!m_process.waitForFinished(5000)) {
+            m_process.kill();
+            m_process.waitForFinished();
+        }
+    }
+
+    QProcess m_process;
+    bool m_isRunning = false;
+};
+
+class Player
+{
+public:
+    explicit Player(const QString& name)
+    {
+        m_process.setProcessChannelMode(QProcess::SeparateChannels);
+        m_process.setStandardErrorFile(QProcess::nullDevice());
+        m_process.start(QCoreApplication::applicationFilePath(), {"--as-player", name});
+        QByteArray said;
+        while (!said.contains("ready") && m_process.waitForReadyRead(20000)) {
+            said += m_process.readAllStandardOutput();
+        }
+        EXPECT_TRUE(said.contains("ready"));
+    }
+    ~Player()
+    {
+        m_process.kill();
+        m_process.waitForFinished();
+    }
+
+    void play(const char* hex)
+    {
+        m_process.write(hex);
+        m_process.write("\n");
+        m_process.waitForBytesWritten();
+    }
+
+private:
+    QProcess m_process;
+};
+
+/// A service and what comes of it.
+class Midi : public ::testing::Test
+{
+protected:
+    Midi() : service({MidiService::isControl, {}, [](const std::string&) {}}, "mivotest")
+    {
+        service.controlMessage.connect(
+            [this](int /*type*/, const std::string& path, const std::string& control) {
+                const std::lock_guard lock(mutex);
+                used.push_back(path + ' ' + control);
+            });
+        service.bindResult.connect([this](const SDeviceBindInfo& info, bool isBound) {
+            const std::lock_guard lock(mutex);
+            results.push_back((isBound ? "bound " : "refused ") + info.oprKey + ' '
+                              + info.keyValue);
+        });
+        service.devicesChanged.connect([this](const std::vector<SMIDIDevInfo>& devices) {
+            EXPECT_EQ(devices, service.devices());
+        });
+    }
+
+    Names names() const
+    {
+        Names all;
+        for (const SMIDIDevInfo& device : service.devices()) {
+            all.push_back(device.name);
+        }
+        std::sort(all.begin(), all.end());
+        return all;
+    }
+
+    /// What was triggered since the last call; before, `device` plays its last note.
+    Names take(Player& player, const std::string& device)
+    {
+        const std::string last = "Note G9 ch 16 (" + device + ')';
+        service.bind({1, "last", last});
+        player.play("9f7f01");
+        EXPECT_TRUE(QTest::qWaitFor([&] {
+            const std::lock_guard lock(mutex);
+            return !used.empty() && used.back() == "last " + last;
+        }));
+        const std::lock_guard lock(mutex);
+        if (!used.empty()) {
+            used.pop_back();
+        }
+        return std::exchange(used, {});
+    }
+
+    bool waitFor(const Names& expected)
+    {
+        return QTest::qWaitFor([&] { return names() == expected; }, 10000);
+    }
+
+    LogCapture log;
+    std::mutex mutex;
+    Names used;
+    Names results;
+    MidiService service;
+};
+
+} // namespace
+
+TEST(MidiMessages, OnlyThoseOfControlsAreRead)
+{
+    using M = MidiMessage;
+    const struct
+    {
+        Bytes bytes;
+        std::optional<MidiMessage> message;
+    } cases[]{
+        {{0x90, 60, 100}, M{M::note, 1, 60, 100}},
+        {{0x9F, 127, 0}, M{M::note, 16, 127, 0}},
+        {{0x80, 60, 64}, M{M::note, 1, 60, 0}},
+        {{0xB0, 7, 127}, M{M::controller, 1, 7, 127}},
+        {{0xB3, 119, 0}, M{M::controller, 4, 119, 0}},
+        {{0xC1, 5}, M{M::program, 2, 5, 127}},
+        {{}, {}},
+        {{0x90}, {}},
+        {{0x90, 60}, {}},
+        {{0x90, 60, 100, 0}, {}},
+        {{0x90, 0x80, 100}, {}},
+        {{0x90, 60, 0x80}, {}},
+        {{60, 100, 1}, {}},
+        {{0xC1, 5, 0}, {}},
+        {{0xC1}, {}},
+        {{0xB0, 120, 0}, {}},  // all sound off
+        {{0xB0, 123, 0}, {}},  // all notes off
+        {{0xA0, 60, 100}, {}}, // pressure of a key
+        {{0xD0, 100}, {}},     // pressure of a channel
+        {{0xE0, 0, 64}, {}},   // pitch bend
+        {{0xF8}, {}},          // clock
+        {{0xFE}, {}},          // active sensing
+        {{0xF0, 1, 0xF7}, {}}, // system exclusive
+        {{0xF1, 5}, {}},       // time code
+        {{0xF2, 5, 5}, {}},    // song position
+    };
+    for (const auto& test : cases) {
+        // An exact copy: AddressSanitizer sees what is read beyond it.
+        const Bytes exact(test.bytes);
+        EXPECT_EQ(parseMidi(exact.data(), exact.size()), test.message)
+            << QByteArray(reinterpret_cast<const char*>(exact.data()),
+                          static_cast<int>(exact.size()))
+                   .toHex(' ')
+                   .toStdString();
+    }
+    EXPECT_FALSE(parseMidi(nullptr, 0));
+}
+
+TEST(MidiMessages, NameEveryControlByATextThatIsReadBack)
+{
+    EXPECT_EQ(midiControlText({MidiMessage::controller, 1, 7, 0}, "X"), "CC 7 ch 1 (X)");
+    EXPECT_EQ(midiControlText({MidiMessage::note, 1, 60, 0}, "X #2"), "Note C4 ch 1 (X #2)");
+    EXPECT_EQ(midiControlText({MidiMessage::program, 16, 0, 0}, "X"), "Program 0 ch 16 (X)");
+    int read = 0;
+    for (const auto kind : {MidiMessage::note, MidiMessage::controller, MidiMessage::program}) {
+        for (int channel = 1; channel <= 16; ++channel) {
+            for (int number = 0; number < (kind == MidiMessage::controller ? 120 : 128); ++number) {
+                const MidiMessage message{kind, channel, number, 0};
+                const auto control = midiControlOf(midiControlText(message, "a (b) ch 3 (c"));
+                ASSERT_TRUE(control) << midiControlText(message, "");
+                ASSERT_EQ(control->message, message);
+                ASSERT_EQ(control->device, "a (b) ch 3 (c");
+                ++read;
+            }
+        }
+    }
+    EXPECT_EQ(read, 16 * (128 + 120 + 128));
+}
+
+TEST(MidiMessages, TriggerOnceAndTeachOnlyWhatMoved)
+{
+    constexpr auto note = MidiMessage::note;
+    constexpr auto controller = MidiMessage::controller;
+    constexpr auto program = MidiMessage::program;
+    const struct
+    {
+        MidiMessage message;
+        bool triggers;
+        bool teaches;
+    } steps[]{
+        {{controller, 1, 7, 63}, false, true},   {{controller, 1, 7, 63}, false, false},
+        {{controller, 1, 7, 64}, true, true},    {{controller, 1, 7, 127}, false, true},
+        {{controller, 1, 7, 127}, false, false}, {{controller, 1, 7, 64}, false, true},
+        {{controller, 1, 7, 0}, false, true},    {{controller, 1, 7, 127}, true, true},
+        {{controller, 2, 7, 127}, true, true},   {{controller, 1, 8, 127}, true, true},
+        {{controller, 1, 8, 127}, false, false}, {{note, 1, 60, 1}, true, true},
+        {{note, 1, 60, 1}, true, false},         {{note, 1, 60, 0}, false, false},
+        {{note, 1, 60, 1}, true, true},          {{note, 1, 61, 0}, false, false},
+        {{program, 1, 5, 127}, true, true},      {{program, 1, 5, 127}, true, false},
+        {{program, 1, 6, 127}, true, true},      {{program, 1, 5, 127}, true, true},
+        {{program, 2, 5, 127}, true, true},
+    };
+    MidiControls controls;
+    for (const auto& step : steps) {
+        const auto use = controls.take(step.message);
+        const std::string what =
+            midiControlText(step.message, "X") + " at " + std::to_string(step.message.value);
+        EXPECT_EQ(use.triggers, step.triggers) << what;
+        EXPECT_EQ(use.teaches, step.teaches) << what;
+    }
+}
+
+TEST(MidiDevices, KeepTheirNamesInWhateverOrderTheyAre)
+{
+    const auto alsa = [](std::initializer_list<const char*> listed) {
+        std::vector<MidiPort> ports;
+        for (const char* name : listed) {
+            ports.push_back(MidiPort::ofAlsa(name));
+        }
+        return ports;
+    };
+    MidiDeviceNames names;
+    EXPECT_EQ(names.update(alsa({"X:X 1 20:0", "Y:Y 1 24:0", "X:X 1 28:0"})),
+              (Names{"X:X 1", "Y:Y 1", "X:X 1 #2"}));
+    EXPECT_EQ(names.update(alsa({"X:X 1 28:0", "Y:Y 1 24:0", "X:X 1 20:0"})),
+              (Names{"X:X 1 #2", "Y:Y 1", "X:X 1"}));
+    EXPECT_EQ(names.update(alsa({"X:X 1 28:0"})), Names{"X:X 1 #2"}) << "it stayed";
+    EXPECT_EQ(names.update(alsa({"Y:Y 1 20:0", "X:X 1 28:0", "X:X 1 32:0"})),
+              (Names{"Y:Y 1", "X:X 1 #2", "X:X 1"}));
+    EXPECT_EQ(names.update({}), Names{});
+    EXPECT_EQ(names.update(alsa({"X:X 1 28:0"})), Names{"X:X 1"});
+    EXPECT_EQ(names.update({MidiPort::ofWindows("X 0", 0), MidiPort::ofWindows("Y 2 1", 1),
+                            MidiPort::ofWindows("X 2", 2)}),
+              (Names{"X", "Y 2", "X #2"}));
+    EXPECT_EQ(names.update({MidiPort::ofWindows("Y 2 0", 0), MidiPort::ofWindows("X 1", 1)}),
+              (Names{"Y 2", "X"}));
+    // A device that is called like a twin.
+    EXPECT_EQ(names.update(alsa({"Z #2 1:0", "Z 2:0", "Z 3:0"})), (Names{"Z #2", "Z", "Z #3"}));
+}
+
+TEST_F(Midi, WithoutABackEndThereAreNoDevicesAndOneLineForEach)
+{
+    const QByteArray before = qgetenv("JACK_DEFAULT_SERVER");
+    qputenv("JACK_DEFAULT_SERVER", "mivotest-none");
+    service.setEnabled(true);
+    QTest::qWait(2200);
+    qputenv("JACK_DEFAULT_SERVER", before);
+    EXPECT_TRUE(service.isEnabled());
+    Names missing;
+    for (const std::string& line : log.lines()) {
+        const std::string start = "warning|no MIDI over ";
+        ASSERT_EQ(line.rfind(start, 0), 0U) << line;
+        missing.push_back(line.substr(start.size(), line.find(':') - start.size()));
+    }
+    EXPECT_EQ(std::count(missing.begin(), missing.end(), "Jack"), 1);
+    std::sort(missing.begin(), missing.end());
+    EXPECT_EQ(std::unique(missing.begin(), missing.end()), missing.end());
+}
+
+TEST_F(Midi, ControlsOfRealDevicesAreLearnedAndTrigger)
+{
+    if (!Server::isRunning()) {
+        GTEST_SKIP() << "no jackd, or none that can be used here";
+    }
+    Player keys("keys");
+    service.setEnabled(true);
+    ASSERT_TRUE(waitFor({"keys:out"}));
+    const struct
+    {
+        std::vector<const char*> noise; // is not to be learned
+        const char* taught;
+        std::string control;
+        std::vector<const char*> use; // triggers once
+    } cases[]{
+        {{"f8", "fe", "f0017ff7", "803c40", "903c00", "e00040", "b07b00"},
+         "903c01",
+         "Note C4 ch 1 (keys:out)",
+         {"903c00", "903c7f", "803c40"}},
+        {{"b2074c", "b2074c"},
+         "b2074d",
+         "CC 7 ch 3 (keys:out)",
+         {"b20700", "b2073f", "b20740", "b2077f", "b20740"}},
+        {{"d040"}, "c105", "Program 5 ch 2 (keys:out)", {"c104", "c105"}},
+    };
+    keys.play("b2074c"); // it was there before
+    for (const auto& test : cases) {
+        results.clear();
+        take(keys, "keys:out");
+        service.learn(187, "a");
+        for (const char* message : test.noise) {
+            keys.play(message);
+        }
+        QTest::qWait(100);
+        EXPECT_EQ(results, Names{}) << test.control;
+        keys.play(test.taught);
+        EXPECT_TRUE(QTest::qWaitFor([&] {
+            const std::lock_guard lock(mutex);
+            return !results.empty();
+        }));
+        EXPECT_EQ(results, Names{"bound a " + test.control});
+        take(keys, "keys:out");
+        for (const char* message : test.use) {
+            keys.play(message);
+        }
+        EXPECT_EQ(take(keys, "keys:out"), Names{"a " + test.control});
+    }
+    service.learn(188, "b");
+    results.clear();
+    keys.play("c104");
+    keys.play("c105");
+    take(keys, "keys:out");
+    EXPECT_EQ(results, Names{"bound b Program 4 ch 2 (keys:out)"});
+    service.learn(188, "b");
+    keys.play("c104");
+    keys.play("c105");
+    service.setEnabled(false);
+    EXPECT_EQ(names(), Names{});
+}
+
+TEST_F(Midi, BindingsSurviveAReplugInAnotherOrder)
+{
+    if (!Server::isRunning()) {
+        GTEST_SKIP() << "no jackd, or none that can be used here";
+    }
+    auto keys = std::make_unique<Player>("keys");
+    auto pads = std::make_unique<Player>("pads");
+    service.bind({187, "keys", "CC 7 ch 1 (keys:out)"});
+    service.bind({188, "pads", "CC 7 ch 1 (pads:out)"});
+    service.setEnabled(true);
+    ASSERT_TRUE(waitFor({"keys:out", "pads:out"}));
+    const auto use = [this](Player& player, const std::string& device) {
+        player.play("b00700");
+        player.play("b0077f");
+        return take(player, device);
+    };
+    EXPECT_EQ(use(*keys, "keys:out"), Names{"keys CC 7 ch 1 (keys:out)"});
+    EXPECT_EQ(use(*pads, "pads:out"), Names{"pads CC 7 ch 1 (pads:out)"});
+
+    QElapsedTimer time;
+    keys.reset();
+    time.start();
+    ASSERT_TRUE(waitFor({"pads:out"}));
+    EXPECT_LT(time.elapsed(), 2000) << "an unplugged device is noticed";
+    EXPECT_EQ(use(*pads, "pads:out"), Names{"pads CC 7 ch 1 (pads:out)"});
+    pads.reset();
+    ASSERT_TRUE(waitFor({}));
+    pads = std::make_unique<Player>("pads");
+    keys = std::make_unique<Player>("keys");
+    time.start();
+    ASSERT_TRUE(waitFor({"keys:out", "pads:out"}));
+    EXPECT_LT(time.elapsed(), 2000) << "a plugged device is noticed";
+    EXPECT_EQ(use(*keys, "keys:out"), Names{"keys CC 7 ch 1 (keys:out)"});
+    EXPECT_EQ(use(*pads, "pads:out"), Names{"pads CC 7 ch 1 (pads:out)"});
+}

@@ -1,0 +1,138 @@
+#include "peripherals/peripherals.h"
+
+#include "support/testruntime.h"
+#include "support/teststore.h"
+
+#include <mivosettingswidgets/shortcutmgr.h>
+
+#include <gtest/gtest.h>
+
+#include <QtCore/QThread>
+#include <QtCore/QTimer>
+#include <QtNetwork/QUdpSocket>
+#include <QtTest/QTest>
+
+#include <atomic>
+#include <thread>
+
+using namespace mivo::peripheralcontrol;
+using namespace mivohost;
+
+namespace {
+
+class PeripheralsOfHost : public ::testing::Test
+{
+protected:
+    PeripheralsOfHost()
+    {
+        QUdpSocket socket;
+        EXPECT_TRUE(socket.bind(QHostAddress::AnyIPv4));
+        port = socket.localPort();
+    }
+
+    QVariantHash rows()
+    {
+        return runtime.call([this] { return store.kept.rows; });
+    }
+
+    /// One OSC message without arguments.
+    void sendOsc(QByteArray address) const
+    {
+        address.append(QByteArray(4 - address.size() % 4, '\0')).append(",\0\0\0", 4);
+        QUdpSocket().writeDatagram(address, QHostAddress::LocalHost, port);
+    }
+
+    std::uint16_t port = 0;
+    TestStore store;
+    TestRuntime runtime;
+};
+
+} // namespace
+
+TEST_F(PeripheralsOfHost, WriteWhatChangesAndReadItBackOnTheNextStart)
+{
+    const SAddDMXInfo dmx{false, "a|b", 12, 3, 4};
+    {
+        Peripherals peripherals(runtime, store);
+        EXPECT_EQ(peripherals.dmx().info(), SAddDMXInfo());
+        EXPECT_EQ(peripherals.osc().info(), SAddOSCInfo());
+        EXPECT_FALSE(peripherals.midi().isEnabled());
+        EXPECT_TRUE(rows().isEmpty()) << "a start writes nothing";
+        peripherals.dmx().setInfo(dmx);
+        peripherals.osc().setInfo({false, 9001});
+        peripherals.midi().setEnabled(true);
+        peripherals.midi().bind({187, "a", "CC 7 ch 1 (X)"});
+        peripherals.dmx().bind({188, "b", "DMX 12"});
+    }
+    const QVariantHash kept = rows();
+    EXPECT_EQ(kept["dmx"], "0|12|3|4|a|b");
+    EXPECT_EQ(kept["osc"], "0|9001");
+    for (const auto& write : store.kept.writes) {
+        EXPECT_EQ(write.thread, runtime.thread());
+    }
+    Peripherals peripherals(runtime, store);
+    EXPECT_EQ(peripherals.dmx().info(), dmx);
+    EXPECT_EQ(peripherals.osc().info(), (SAddOSCInfo{false, 9001}));
+    EXPECT_TRUE(peripherals.midi().isEnabled());
+    EXPECT_EQ(peripherals.midi().bindings(),
+              (std::vector<SDeviceBindInfo>{{187, "a", "CC 7 ch 1 (X)"}}));
+    EXPECT_EQ(peripherals.dmx().bindings(), (std::vector<SDeviceBindInfo>{{188, "b", "DMX 12"}}));
+}
+
+TEST_F(PeripheralsOfHost, RowsThatCannotBeAreReset)
+{
+    const struct
+    {
+        const char* key;
+        const char* row;
+        bool usable;
+    } cases[]{
+        {"dmx", "1|512|15|15|", true}, {"dmx", "1|513|0|0|a", false}, {"dmx", "1|0|16|0|a", false},
+        {"dmx", "1|0|0|16|a", false},  {"dmx", "1|0|0|0", false},     {"dmx", "", false},
+        {"dmx", "2|0|0|0|a", false},   {"osc", "1|65535", true},      {"osc", "1|65536", false},
+        {"osc", "1|0", false},         {"osc", "1", false},           {"osc", "1|9000|", false},
+        {"midiEnabled", "1", true},    {"midiEnabled", "2", false},
+    };
+    for (const auto& test : cases) {
+        const TestStore read({{test.key, test.row}});
+        EXPECT_EQ(read.kept.writes.empty(), test.usable) << test.key << ' ' << test.row;
+    }
+}
+
+TEST_F(PeripheralsOfHost, MessagesOfTheNetworkReachTheManagerAlsoInAFlood)
+{
+    Peripherals peripherals(runtime, store);
+    mivo::settings::ShortCutMgr manager;
+    peripherals.giveTo(manager);
+    std::vector<std::string> said;
+    bool isOnThisThread = true;
+    QObject::connect(&manager, &mivo::settings::ShortCutMgr::signalPeripheralsControl,
+                     [&](int action, const std::string& path, const std::string& value) {
+                         isOnThisThread =
+                             isOnThisThread && QThread::currentThread() == manager.thread();
+                         said.push_back(std::to_string(action) + ' ' + path + ' ' + value);
+                     });
+    peripherals.osc().setInfo({true, port});
+    sendOsc("/Peripherals/Global/MuteSwitch");
+    sendOsc("/Peripherals/group/one");
+    EXPECT_TRUE(QTest::qWaitFor([&said] { return said.size() == 2; }));
+    EXPECT_EQ(said,
+              (std::vector<std::string>{"189 /Peripherals/Global/MuteSwitch ", "211 group:one "}));
+
+    std::atomic<bool> ends{false};
+    std::thread flood([&] {
+        while (!ends) {
+            sendOsc("/Peripherals/Global/MuteSwitch");
+        }
+    });
+    int turns = 0;
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, [&turns] { ++turns; });
+    timer.start(5);
+    const bool hadTurns = QTest::qWaitFor([&turns] { return turns >= 20; }, 30000);
+    ends = true;
+    flood.join();
+    EXPECT_TRUE(hadTurns);
+    EXPECT_GT(said.size(), 2U);
+    EXPECT_TRUE(isOnThisThread);
+}
