@@ -89,6 +89,26 @@ function(mivo_add_library name)
             DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${name})
 endfunction()
 
+# mivo_add_tests(NAME UNITS unit... [LIBRARIES lib...]): one program of tst_UNIT.cpp for each unit,
+# and for each a ctest entry that runs the test suites of that file.
+function(mivo_add_tests name)
+    cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "UNITS;LIBRARIES")
+    list(TRANSFORM ARG_UNITS PREPEND tst_)
+    list(TRANSFORM ARG_UNITS APPEND .cpp OUTPUT_VARIABLE sources)
+    add_executable(${name} ${sources})
+    mivo_target(${name})
+    mivo_precompile(${name} FROM mivotestsupport)
+    target_link_libraries(${name} PRIVATE mivotestsupport ${ARG_LIBRARIES})
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${sources})
+    foreach(unit ${ARG_UNITS})
+        file(STRINGS ${unit}.cpp lines REGEX "^TEST(_F|_P)?\\(")
+        list(TRANSFORM lines REPLACE "^TEST[_FP]*\\(([A-Za-z0-9_]+).*" "\\1.*:*/\\1.*")
+        list(REMOVE_DUPLICATES lines)
+        list(JOIN lines ":" filter)
+        add_test(NAME ${unit} COMMAND ${name} --gtest_filter=${filter})
+    endforeach()
+endfunction()
+
 # mivo_add_test(NAME [SOURCES more...] [LIBRARIES lib...]): tests/NAME.cpp as one ctest entry.
 function(mivo_add_test name)
     cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "SOURCES;LIBRARIES")

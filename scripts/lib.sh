@@ -6,7 +6,7 @@ packages_build="g++ cmake ninja-build ccache qtbase5-dev qttools5-dev qttools5-d
     libqt5svg5 libqt5sql5-sqlite libspdlog-dev libfmt-dev libboost-dev rapidjson-dev
     pkg-config librtmidi-dev liblo-dev
     fonts-noto-core fonts-noto-cjk"
-packages_test="libgtest-dev liblo-tools jackd2"
+packages_test="libgtest-dev libbenchmark-dev liblo-tools jackd2"
 packages_bench="libbenchmark-dev python3 util-linux"
 packages_clang="clang llvm libclang-rt-14-dev"
 packages_check="clang clang-format clang-tidy git libgtest-dev libbenchmark-dev"

@@ -13,6 +13,8 @@
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 
+namespace autostarttest {
+
 using mivohost::Autostart;
 
 namespace {
@@ -150,3 +152,5 @@ TEST(Tray, TakesTheWindowOnlyWhereItCanBeGotBack)
                   bits == 3);
     }
 }
+
+} // namespace autostarttest

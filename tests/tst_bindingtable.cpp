@@ -10,6 +10,8 @@
 #include <array>
 #include <thread>
 
+namespace bindingtabletest {
+
 using mivohost::BindingTable;
 using Outcome = BindingTable::Outcome;
 using Infos = std::vector<BindingTable::BindInfo>;
@@ -174,3 +176,5 @@ TEST(Controls, AreNamedByOneTextEach)
         EXPECT_EQ(mivohost::DmxService::isControl(test.text), test.isDmx) << test.text;
     }
 }
+
+} // namespace bindingtabletest

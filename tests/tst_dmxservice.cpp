@@ -5,6 +5,8 @@
 #include <QtNetwork/QNetworkDatagram>
 #include <QtTest/QTest>
 
+namespace dmxservicetest {
+
 using namespace mivo::peripheralcontrol;
 using namespace mivohost;
 
@@ -313,3 +315,5 @@ TEST_F(Dmx, AFloodIsReadAFewAtATime)
     EXPECT_LT(service.ignored(), before + 100) << "other events have their turn";
     EXPECT_TRUE(QTest::qWaitFor([&] { return service.ignored() == before + 150; }));
 }
+
+} // namespace dmxservicetest

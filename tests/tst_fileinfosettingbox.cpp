@@ -12,6 +12,8 @@
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QSignalSpy>
 
+namespace fileinfosettingboxtest {
+
 using mivo::settings::FileInfoSettingBox;
 using mivo::widgets::EditBox;
 
@@ -117,3 +119,5 @@ TEST_F(FileInfo, MayBeDestroyedWhileItsFolderDialogIsOpen)
     EXPECT_TRUE(store.kept.writes.empty());
     EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
 }
+
+} // namespace fileinfosettingboxtest

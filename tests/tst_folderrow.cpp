@@ -13,6 +13,8 @@
 
 #include <atomic>
 
+namespace folderrowtest {
+
 using namespace mivo::settings;
 using mivo::qutils::ClearResult;
 using mivo::widgets::TipDialog;
@@ -282,3 +284,5 @@ TEST_F(Row, ItsPageMayGoWhileItAsksOrTells)
     EXPECT_TRUE(QTest::qWaitFor([this] { return page.isNull(); }));
     EXPECT_TRUE(QTest::qWaitFor([] { return QApplication::activeModalWidget() == nullptr; }));
 }
+
+} // namespace folderrowtest

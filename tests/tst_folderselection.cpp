@@ -7,6 +7,8 @@
 #include <QtCore/QFile>
 #include <QtCore/QTemporaryDir>
 
+namespace folderselectiontest {
+
 using namespace mivo::settings;
 
 namespace {
@@ -249,3 +251,5 @@ TEST(FolderPaths, ADriveIsTwoCharactersAtTheStart)
         EXPECT_EQ(withoutTrailingSlash(test.path), test.trimmed) << test.path;
     }
 }
+
+} // namespace folderselectiontest

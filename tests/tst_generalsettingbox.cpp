@@ -26,6 +26,8 @@
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
 
+namespace generalsettingboxtest {
+
 using namespace mivo::settings;
 using namespace mivo::widgets;
 
@@ -408,3 +410,5 @@ TEST_F(General, SaysWhereTheStoreIsMissing)
                                   "setSettings()#"),
               0U);
 }
+
+} // namespace generalsettingboxtest

@@ -12,6 +12,8 @@
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
 
+namespace listenertest {
+
 using mivohost::Listener;
 using Store = mivohost::SettingsStore;
 
@@ -104,3 +106,5 @@ TEST_F(Ports, ThatWereOpenAreOpenedAgainAtTheNextStart)
     EXPECT_TRUE(
         QTest::qWaitFor([&] { return runtime.call([&] { return again.getTcpPort().open; }); }));
 }
+
+} // namespace listenertest

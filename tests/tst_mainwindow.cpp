@@ -26,6 +26,8 @@
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QTreeWidget>
 
+namespace mainwindowtest {
+
 using namespace mivohost;
 
 namespace {
@@ -183,3 +185,5 @@ TEST_F(Window, HasEveryTextInBothLanguages)
     EXPECT_EQ(asked.at(1), QStringLiteral("是否保存对“未命名项目”的更改？"));
     EXPECT_EQ(playing(), QStringLiteral("正在播放：开放入场"));
 }
+
+} // namespace mainwindowtest

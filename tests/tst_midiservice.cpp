@@ -50,7 +50,7 @@ int playMidi(const QStringList& arguments)
 }
 
 const bool isRegistered = [] {
-    otherProcess() = playMidi;
+    otherProcesses()["--as-player"] = playMidi;
     return true;
 }();
 

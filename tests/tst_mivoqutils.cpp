@@ -20,6 +20,8 @@
 #include <thread>
 #include <unistd.h>
 
+namespace mivoqutilstest {
+
 namespace fs = std::filesystem;
 using namespace mivo::qutils;
 
@@ -405,5 +407,7 @@ TEST_F(Folders, HaveAVolumeWhoseFreeBytesAreKnown)
     EXPECT_EQ(bytesAvailable({}), -1);
     EXPECT_EQ(bytesAvailable(text(work / "gone")), -1);
 }
+
+} // namespace mivoqutilstest
 
 #include "tst_mivoqutils.moc"

@@ -10,6 +10,8 @@
 
 #include <mutex>
 
+namespace oscservicetest {
+
 using namespace mivo::peripheralcontrol;
 using mivohost::OscService;
 
@@ -253,3 +255,5 @@ TEST_F(Osc, EveryActionOfTheTableHasItsPathAsItsControl)
     send(message(output.c_str()));
     EXPECT_EQ(take(), (Used{"211 /Peripherals/other ", "187 " + output + " "}));
 }
+
+} // namespace oscservicetest

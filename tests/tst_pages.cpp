@@ -26,6 +26,8 @@
 #include <regex>
 #include <utility>
 
+namespace pagestest {
+
 using namespace mivo::settings;
 
 namespace {
@@ -411,3 +413,5 @@ INSTANTIATE_TEST_SUITE_P(All, Pages, ::testing::ValuesIn(pageCases()), [](const 
 });
 
 } // namespace
+
+} // namespace pagestest

@@ -15,6 +15,8 @@
 #include <atomic>
 #include <thread>
 
+namespace peripheralstest {
+
 using namespace mivo::peripheralcontrol;
 using namespace mivohost;
 
@@ -136,3 +138,5 @@ TEST_F(PeripheralsOfHost, MessagesOfTheNetworkReachTheManagerAlsoInAFlood)
     EXPECT_GT(said.size(), 2U);
     EXPECT_TRUE(isOnThisThread);
 }
+
+} // namespace peripheralstest

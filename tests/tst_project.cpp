@@ -16,6 +16,8 @@
 #include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 
+namespace projecttest {
+
 using namespace mivohost;
 
 namespace {
@@ -390,3 +392,5 @@ TEST_F(AutoSaveTest, TicksAsTheSettingsSay)
     set(false, 1);
     EXPECT_FALSE(tick->isActive());
 }
+
+} // namespace projecttest

@@ -19,6 +19,8 @@
 
 #include <set>
 
+namespace projectsettingboxtest {
+
 using namespace mivo::mediadispatch;
 using mivo::settings::ProjectSettingBox;
 using mivo::widgets::CheckBox;
@@ -478,5 +480,7 @@ TEST_F(Project, TabGoesThroughTheControlsAsTheyAreRead)
     }
     EXPECT_EQ(QApplication::focusWidget(), page->findChildren<CheckBox*>().first());
 }
+
+} // namespace projectsettingboxtest
 
 #include "tst_projectsettingbox.moc"

@@ -11,6 +11,8 @@
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
 
+namespace resplaycontroltest {
+
 namespace {
 
 class PlayControl : public ::testing::Test
@@ -88,3 +90,5 @@ TEST_F(PlayControl, KeepsToItsLimits)
     duration->setTime(QTime(0, 1, 0));
     EXPECT_TRUE(store.kept.writes.empty());
 }
+
+} // namespace resplaycontroltest

@@ -6,6 +6,8 @@
 
 #include <thread>
 
+namespace runtimethreadtest {
+
 using mivohost::RuntimeThread;
 
 TEST(RuntimeThread, RunsTasksInOrderOnItsOwnThread)
@@ -70,3 +72,5 @@ TEST(RuntimeThread, AThrowingTaskIsLoggedWithItsOriginAndTheNextOneRuns)
     ASSERT_EQ(log.lines().size(), 1U);
     EXPECT_EQ(log.lines()[0], "error|a task of poster (file.cpp:12) threw: boom");
 }
+
+} // namespace runtimethreadtest

@@ -5,6 +5,8 @@
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QLabel>
 
+namespace settingboxtest {
+
 using mivo::settings::SettingBox;
 
 TEST(SettingBox, StacksRowsUnderItsTitle)
@@ -42,3 +44,5 @@ TEST(SettingBox, KeepsTheHostsTags)
     EXPECT_EQ(box.className(), "audio");
     EXPECT_EQ(box.priorityIndex(), -4);
 }
+
+} // namespace settingboxtest

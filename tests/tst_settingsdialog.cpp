@@ -21,6 +21,8 @@
 
 #include <regex>
 
+namespace settingsdialogtest {
+
 using namespace mivo::settings;
 
 namespace {
@@ -313,3 +315,5 @@ TEST_F(BoundDialog, DestroyingItFinishesAnEdit)
     EXPECT_EQ(store.kept.writes.back().value, 80);
     EXPECT_EQ(store.connections(), 0U);
 }
+
+} // namespace settingsdialogtest

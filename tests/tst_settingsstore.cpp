@@ -16,6 +16,8 @@
 
 #include <csignal>
 
+namespace settingsstoretest {
+
 using mivohost::SqlitePersistence;
 using Status = SqlitePersistence::Status;
 
@@ -231,7 +233,7 @@ TEST_F(StoreFile, LosesNothingThatWasWrittenWhenTheProcessIsKilled)
     int known = 0;
     for (int round = 0; round < 8; ++round) {
         QProcess writer;
-        writer.start(QCoreApplication::applicationFilePath(), {"--as-writer", path()});
+        writer.start(QCoreApplication::applicationFilePath(), {"--as-store-writer", path()});
         QByteArray said;
         // Another moment each time, also in the middle of opening the file.
         while (said.count('\n') < round * 7 && writer.waitForReadyRead()) {
@@ -268,6 +270,11 @@ int runAsOtherProcess(const QStringList& arguments)
     return -1;
 }
 
-const bool registered = (otherProcess() = runAsOtherProcess, true);
+const bool registered = [] {
+    otherProcesses()["--as-opener"] = otherProcesses()["--as-store-writer"] = runAsOtherProcess;
+    return true;
+}();
 
 } // namespace
+
+} // namespace settingsstoretest

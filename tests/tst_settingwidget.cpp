@@ -7,6 +7,8 @@
 #include <QtTest/QSignalSpy>
 #include <QtWidgets/QScrollBar>
 
+namespace settingwidgettest {
+
 using mivo::settings::SettingWidget;
 
 namespace {
@@ -81,3 +83,5 @@ TEST(SettingWidget, OwnsItsPagesAndKeepsATitleToItself)
     auto* layout = section.widget()->layout();
     EXPECT_NE(layout->itemAt(layout->count() - 1)->spacerItem(), nullptr);
 }
+
+} // namespace settingwidgettest

@@ -8,6 +8,8 @@
 #include <set>
 #include <stdexcept>
 
+namespace shortcutfiletest {
+
 using namespace mivo::settings;
 
 namespace {
@@ -177,3 +179,5 @@ TEST(ShortCutTable, ReservesKeysExactly)
         EXPECT_FALSE(isReservedKeySequence(text)) << text;
     }
 }
+
+} // namespace shortcutfiletest

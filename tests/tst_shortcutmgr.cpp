@@ -22,6 +22,8 @@
 #include <algorithm>
 #include <thread>
 
+namespace shortcutmgrtest {
+
 using namespace mivo::peripheralcontrol;
 using namespace mivo::settings;
 using namespace mivo::widgets;
@@ -443,3 +445,5 @@ TEST(KeySequences, AreWrittenWithTheirModifiersInOrderAndReadBack)
         EXPECT_TRUE(keySequenceOf(text).isEmpty()) << text;
     }
 }
+
+} // namespace shortcutmgrtest

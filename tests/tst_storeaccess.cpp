@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+namespace storeaccesstest {
+
 using namespace mivo::settings;
 
 namespace {
@@ -85,3 +87,5 @@ TEST(StoreAccess, ADroppedTaskBreaksItsPromiseAndAThrowingOneReachesTheCaller)
     EXPECT_THROW(callInRuntime(&runtime, "", 1, "f", [] { throw std::runtime_error("no"); }),
                  std::runtime_error);
 }
+
+} // namespace storeaccesstest

@@ -14,6 +14,8 @@
 #include <QtCore/QTimeZone>
 #include <QtTest/QTest>
 
+namespace timedactionstest {
+
 using mivohost::DeadlineWatch;
 using mivohost::PowerAction;
 using mivohost::Schedule;
@@ -369,3 +371,5 @@ TEST(Power, GoesToTheSystemOnlyWhenAllowed)
     EXPECT_EQ(lines.readAll(), "poweroff\nreboot\n");
     qputenv("PATH", path);
 }
+
+} // namespace timedactionstest

@@ -10,6 +10,8 @@
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QTranslator>
 
+namespace translatortest {
+
 using velorn::trans::Translator;
 
 namespace {
@@ -92,3 +94,5 @@ TEST(Translator, TheManagerHandsOutOneTranslator)
     EXPECT_EQ(&manager, &SettingWdigetTranslateManager::instance());
     EXPECT_EQ(&manager.translator(), &SettingWdigetTranslateManager::instance().translator());
 }
+
+} // namespace translatortest

@@ -16,6 +16,8 @@
 #include <QtWidgets/QScrollBar>
 #include <QtWidgets/QVBoxLayout>
 
+namespace widgetstest {
+
 using namespace mivo::widgets;
 
 TEST(SpinEditBox, TakesWholeNumbersWhenTheEditIsFinished)
@@ -137,3 +139,5 @@ TEST(TipDialog, EndsWithItsParent)
     QTimer::singleShot(0, [&] { parent.reset(); });
     EXPECT_EQ(dialog->run(), TipDialog::dismissed);
 }
+
+} // namespace widgetstest

@@ -20,6 +20,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+namespace zrcutilstest {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -193,7 +195,7 @@ TEST(NoCacheFile, IsWholeWhenItsWriterIsKilled)
     const QString path = folder.filePath("file");
     for (int round = 0; round < 10; ++round) {
         QProcess writer;
-        writer.start(QCoreApplication::applicationFilePath(), {"--as-writer", path});
+        writer.start(QCoreApplication::applicationFilePath(), {"--as-file-writer", path});
         ASSERT_TRUE(writer.waitForReadyRead());
         QThread::usleep(static_cast<unsigned long>(700 * round)); // another moment each time
         ::kill(static_cast<pid_t>(writer.processId()), SIGKILL);
@@ -215,7 +217,7 @@ int runAsOtherProcess(const QStringList& arguments)
                    ? static_cast<int>(ProcessUtils::processIsRunning(arguments.at(1).toStdString()))
                    : 2;
     }
-    if (arguments[0] == "--as-writer") {
+    if (arguments[0] == "--as-file-writer") {
         for (char letter = 'a';; letter = letter == 'z' ? 'a' : static_cast<char>(letter + 1)) {
             if (!NoCacheFile::saveToFile(arguments.at(1).toStdString(),
                                          std::string(300000, letter))) {
@@ -230,6 +232,13 @@ int runAsOtherProcess(const QStringList& arguments)
     return std::getchar() == EOF ? 0 : 1;
 }
 
-const bool registered = (otherProcess() = runAsOtherProcess, true);
+const bool registered = [] {
+    for (const char* role : {"--as-waiting", "--as-nobody", "--as-file-writer"}) {
+        otherProcesses()[role] = runAsOtherProcess;
+    }
+    return true;
+}();
 
 } // namespace
+
+} // namespace zrcutilstest

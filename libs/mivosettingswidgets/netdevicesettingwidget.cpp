@@ -93,10 +93,10 @@ public slots:
     void setUDPPortInfo(const bool open, const uint16_t port) { m_udp.show(open, port); }
     void setTCPFailure(const QString& reason) { m_tcp.showFailure(reason); }
     void setUDPFailure(const QString& reason) { m_udp.showFailure(reason); }
-    void setDmxData(SAddDMXInfo info);
+    void setDmxData(const SAddDMXInfo& info);
     void setDmxEnable(bool on) { showValue(m_useDmx, on); }
     void setDmxFailure(const QString& reason) { m_dmxFailure->setText(reason); }
-    void addMIDIDevices(std::vector<std::string> names);
+    void addMIDIDevices(const std::vector<std::string>& names);
     void setMidiEnable(bool on) { showValue(m_useMidi, on); }
     void setOscData(SAddOSCInfo info) { showValue(m_oscPort, info.port); }
     void setOscEnable(bool on) { showValue(m_useOsc, on); }
@@ -464,7 +464,7 @@ void DeviceSettingWidget::Impl::queueDevices(const std::vector<SMIDIDevInfo>& de
     queue("addMIDIDevices", names);
 }
 
-void DeviceSettingWidget::Impl::addMIDIDevices(std::vector<std::string> names)
+void DeviceSettingWidget::Impl::addMIDIDevices(const std::vector<std::string>& names)
 {
     m_devices->clear();
     for (const std::string& name : names) {
@@ -483,7 +483,7 @@ void DeviceSettingWidget::Impl::useDmx(DmxPeripheral* dmx)
     }
 }
 
-void DeviceSettingWidget::Impl::setDmxData(SAddDMXInfo info)
+void DeviceSettingWidget::Impl::setDmxData(const SAddDMXInfo& info)
 {
     const QSignalBlocker blocker(m_nodeName);
     m_nodeName->setText(QString::fromStdString(info.nodeName));

@@ -734,9 +734,9 @@ STLinkShortCutInfo ShortCutMgr::linkShortCutInfo() const
 
 void ShortCutMgr::shortCutInfoSave(const STLinkShortCutInfo& info)
 {
-    const STLinkShortCutInfo wanted = info; // it may be what linkShortCutInfo() is made of
+    STLinkShortCutInfo wanted = info; // it may be what linkShortCutInfo() is made of
     slotClearShortCut(true, PeripheralKeyboard);
-    m_impl->table = wanted;
+    m_impl->table = std::move(wanted);
     m_impl->save();
     m_impl->load();
     setAllShortCutStr();

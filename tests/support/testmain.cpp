@@ -6,17 +6,20 @@
 #include <QtCore/QTemporaryDir>
 #include <QtWidgets/QApplication>
 
-std::function<int(const QStringList&)>& otherProcess()
+#include <iostream>
+
+std::map<QString, OtherProcess>& otherProcesses()
 {
-    static std::function<int(const QStringList&)> role;
-    return role;
+    static std::map<QString, OtherProcess> roles;
+    return roles;
 }
 
 int main(int argc, char** argv)
 {
-    if (argc > 1 && otherProcess() && qstrncmp(argv[1], "--as-", 5) == 0) {
+    if (argc > 1 && qstrncmp(argv[1], "--as-", 5) == 0) {
         const QCoreApplication application(argc, argv);
-        return otherProcess()(QCoreApplication::arguments().mid(1));
+        const QStringList arguments = QCoreApplication::arguments().mid(1);
+        return otherProcesses().at(arguments.first())(arguments);
     }
     // No test touches the user's own files, whoever starts it.
     const QTemporaryDir home;
@@ -29,5 +32,10 @@ int main(int argc, char** argv)
     }
     ::testing::InitGoogleTest(&argc, argv);
     QApplication application(argc, argv);
-    return RUN_ALL_TESTS();
+    const int result = RUN_ALL_TESTS();
+    if (::testing::UnitTest::GetInstance()->test_to_run_count() == 0) {
+        std::cerr << "no test has that name\n";
+        return 1;
+    }
+    return result;
 }

@@ -182,8 +182,8 @@ void announcePort(SettingsStore& store, const QVariant& value)
 constexpr std::array portKeys{"tcpPort", "udpPort"}; // by SettingsStore::Port
 
 // Durations: from three seconds to one second before a day.
-constexpr int shortest = 3000;
-constexpr int longest = 86399000;
+constexpr int shortestDuration = 3000;
+constexpr int longestDuration = 86399000;
 
 using Store = SettingsStore;
 
@@ -191,9 +191,11 @@ const std::array settings{
     Setting("undoStep", 50, 1, 500, announce<&Store::undoStepChanged>),
     Setting("autoSyncResources", false, announce<&Store::autoSyncResourcesChanged>),
     Setting("resourceType", ResourcePicture, ResourcePicture, ResourceOSD),
-    Setting("pictureDuration", 5000, shortest, longest, announceDuration<ResourcePicture>),
-    Setting("powerPointDuration", 5000, shortest, longest, announceDuration<ResourcePowerPoint>),
-    Setting("osdDuration", 5000, shortest, longest, announceDuration<ResourceOSD>),
+    Setting("pictureDuration", 5000, shortestDuration, longestDuration,
+            announceDuration<ResourcePicture>),
+    Setting("powerPointDuration", 5000, shortestDuration, longestDuration,
+            announceDuration<ResourcePowerPoint>),
+    Setting("osdDuration", 5000, shortestDuration, longestDuration, announceDuration<ResourceOSD>),
     Setting("autoStart", false, announce<&Store::autoStartChanged>),
     Setting("closeSoftWareMinimize", false, announce<&Store::closeSoftWareMinimizeChanged>),
     Setting("autoStartDelayTime", 0, 0, 300, announce<&Store::autoStartDelayTimeChanged>),
