@@ -3,6 +3,7 @@
 #include "peripherals/peripherals.h"
 #include "project/projectfile.h"
 #include "runtime/runtimethread.h"
+#include "surface/hosttext.h"
 #include "surface/settingsview.h"
 #include "system/tray.h"
 
@@ -168,13 +169,20 @@ TEST_F(Window, HasEveryTextInBothLanguages)
     for (const char* language : {"en", "zh_cn"}) {
         window.switchLanguage(language);
         for (const char* key : {"ProjectNotOpened", "ProjectNotSaved", "AutomaticSaveFailed",
-                                "AutostartFailed", "PowerActionFailed", "SettingNotSaved"}) {
+                                "AutostartFailed", "PowerActionFailed", "SettingNotSaved",
+                                "ShortcutsNotExported", "ShortcutsNotImported"}) {
             window.showNotice(key, "the reason");
             bool shown = false;
             for (const auto* label : window.findChildren<QLabel*>()) {
                 shown = shown || label->text().contains("the reason");
             }
             EXPECT_TRUE(shown) << key;
+        }
+        for (const char* key :
+             {"KeyHint", "MidiHint", "MidiNoDevice", "MidiOff", "DmxHint", "DmxOff", "OscHint",
+              "OscOff", "ShortcutFiles", "ClearShortcutsQuestion", "ImportShortcutsQuestion",
+              "FileTooLarge"}) {
+            EXPECT_FALSE(hostText(key).isEmpty());
         }
         answer(stay);
         window.close();

@@ -1,8 +1,8 @@
 #include "peripherals/midimessage.h"
 #include "peripherals/midiservice.h"
 
+#include "support/jackdevices.h"
 #include "support/logcapture.h"
-#include "support/otherprocess.h"
 
 #include <gtest/gtest.h>
 
@@ -26,118 +26,6 @@ namespace {
 
 using Bytes = std::vector<unsigned char>;
 using Names = std::vector<std::string>;
-
-/// A device in a program of its own, which is unplugged by killing it: plays the messages that it
-/// is given as lines of hexadecimal bytes. Says when it is there.
-int playMidi(const QStringList& arguments)
-{
-    for (int attempt = 0; attempt < 50; ++attempt) {
-        try {
-            RtMidiOut out(RtMidi::UNIX_JACK, arguments.at(1).toStdString());
-            out.openVirtualPort("out");
-            std::cout << "ready" << std::endl;
-            for (std::string line; std::getline(std::cin, line);) {
-                const QByteArray bytes = QByteArray::fromHex(QByteArray::fromStdString(line));
-                out.sendMessage(reinterpret_cast<const unsigned char*>(bytes.data()),
-                                static_cast<std::size_t>(bytes.size()));
-            }
-            std::_Exit(0);
-        } catch (const RtMidiError&) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(100)); // no server yet
-        }
-    }
-    return 1;
-}
-
-const bool isRegistered = [] {
-    otherProcesses()["--as-player"] = playMidi;
-    return true;
-}();
-
-/// The server that all tests of real devices share; ends with the program, even if that crashes:
-/// it is one that ends with its last client.
-class Server
-{
-public:
-    static bool isRunning()
-    {
-#ifdef __SANITIZE_THREAD__
-        // The library of JACK cancels its threads within calls that ThreadSanitizer ignores, and
-        // that ends the program.
-        return false;
-#else
-        static Server server;
-        return server.m_isRunning;
-#endif
-    }
-
-private:
-    Server()
-    {
-        const QString name = QString("mivotest-%1").arg(QCoreApplication::applicationPid());
-        qputenv("JACK_DEFAULT_SERVER", name.toLatin1());
-        m_process.setProcessChannelMode(QProcess::MergedChannels);
-        // Long periods, so that no message is lost on a busy machine.
-        m_process.start("jackd",
-                        {"-n", name, "-r", "-T", "-d", "dummy", "-r", "48000", "-p", "1024"});
-        m_process.waitForStarted();
-        for (int attempt = 0; attempt < 50 && !m_process.waitForFinished(100); ++attempt) {
-            auto client = std::make_unique<RtMidiIn>(RtMidi::UNIX_JACK, "tests");
-            try {
-                client->openVirtualPort("in");
-            } catch (const RtMidiError&) {
-                continue;
-            }
-            // Closing a client crashes now and then: this one is never closed.
-            static const RtMidiIn* const last = client.release();
-            m_isRunning = last != nullptr;
-            return;
-        }
-    }
-
-    ~Server()
-    {
-        m_process.terminate();
-        if (!m_process.waitForFinished(5000)) {
-            m_process.kill();
-            m_process.waitForFinished();
-        }
-    }
-
-    QProcess m_process;
-    bool m_isRunning = false;
-};
-
-class Player
-{
-public:
-    explicit Player(const QString& name)
-    {
-        m_process.setProcessChannelMode(QProcess::SeparateChannels);
-        m_process.setStandardErrorFile(QProcess::nullDevice());
-        m_process.start(QCoreApplication::applicationFilePath(), {"--as-player", name});
-        QByteArray said;
-        while (!said.contains("ready") && m_process.waitForReadyRead(20000)) {
-            said += m_process.readAllStandardOutput();
-        }
-        EXPECT_TRUE(said.contains("ready"));
-    }
-    ~Player()
-    {
-        m_process.kill();
-        m_process.waitForFinished();
-    }
-
-    void play(const char* hex)
-    {
-        m_process.write(hex);
-        m_process.write("\n");
-        m_process.waitForBytesWritten();
-    }
-
-private:
-    QProcess m_process;
-};
 
 /// A service and what comes of it.
 class Midi : public ::testing::Test
@@ -171,7 +59,7 @@ protected:
     }
 
     /// What was triggered since the last call; before, `device` plays its last note.
-    Names take(Player& player, const std::string& device)
+    Names take(MidiPlayer& player, const std::string& device)
     {
         const std::string last = "Note G9 ch 16 (" + device + ')';
         service.bind({1, "last", last});
@@ -350,10 +238,10 @@ TEST_F(Midi, WithoutABackEndThereAreNoDevicesAndOneLineForEach)
 
 TEST_F(Midi, ControlsOfRealDevicesAreLearnedAndTrigger)
 {
-    if (!Server::isRunning()) {
+    if (!JackServer::isRunning()) {
         GTEST_SKIP() << "no jackd, or none that can be used here";
     }
-    Player keys("keys");
+    MidiPlayer keys("keys");
     service.setEnabled(true);
     ASSERT_TRUE(waitFor({"keys:out"}));
     const struct
@@ -410,16 +298,16 @@ TEST_F(Midi, ControlsOfRealDevicesAreLearnedAndTrigger)
 
 TEST_F(Midi, BindingsSurviveAReplugInAnotherOrder)
 {
-    if (!Server::isRunning()) {
+    if (!JackServer::isRunning()) {
         GTEST_SKIP() << "no jackd, or none that can be used here";
     }
-    auto keys = std::make_unique<Player>("keys");
-    auto pads = std::make_unique<Player>("pads");
+    auto keys = std::make_unique<MidiPlayer>("keys");
+    auto pads = std::make_unique<MidiPlayer>("pads");
     service.bind({187, "keys", "CC 7 ch 1 (keys:out)"});
     service.bind({188, "pads", "CC 7 ch 1 (pads:out)"});
     service.setEnabled(true);
     ASSERT_TRUE(waitFor({"keys:out", "pads:out"}));
-    const auto use = [this](Player& player, const std::string& device) {
+    const auto use = [this](MidiPlayer& player, const std::string& device) {
         player.play("b00700");
         player.play("b0077f");
         return take(player, device);
@@ -435,8 +323,8 @@ TEST_F(Midi, BindingsSurviveAReplugInAnotherOrder)
     EXPECT_EQ(use(*pads, "pads:out"), Names{"pads CC 7 ch 1 (pads:out)"});
     pads.reset();
     ASSERT_TRUE(waitFor({}));
-    pads = std::make_unique<Player>("pads");
-    keys = std::make_unique<Player>("keys");
+    pads = std::make_unique<MidiPlayer>("pads");
+    keys = std::make_unique<MidiPlayer>("keys");
     time.start();
     ASSERT_TRUE(waitFor({"keys:out", "pads:out"}));
     EXPECT_LT(time.elapsed(), 2000) << "a plugged device is noticed";

@@ -1,6 +1,7 @@
 #include "project/project.h"
 #include "store/sqlitepersistence.h"
 
+#include "support/jackdevices.h"
 #include "support/rfbclient.h"
 #include "support/testruntime.h"
 #include "support/teststore.h"
@@ -21,6 +22,7 @@
 #include <QtCore/QTemporaryDir>
 #include <QtGui/QImage>
 #include <QtNetwork/QTcpServer>
+#include <QtNetwork/QUdpSocket>
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
 
@@ -43,6 +45,7 @@ public:
                            QStringLiteral("vnc:port=%1:size=1280x900").arg(m_port));
         environment.insert("LANG", "C.UTF-8");
         environment.insert("XDG_CONFIG_HOME", QFileInfo(store).absolutePath() + "/config");
+        environment.insert("XDG_DATA_HOME", QFileInfo(store).absolutePath() + "/data");
         m_process.setProcessEnvironment(environment);
         m_process.setProcessChannelMode(QProcess::MergedChannels);
         m_process.start(MIVOHOST_PROGRAM, QStringList{"--store", store} + more);
@@ -53,12 +56,12 @@ public:
     bool hasScreen() { return m_person.connectTo(m_port); }
     RfbClient& person() { return m_person; }
 
-    /// Waits until the program has said `text`, from where the last call left off.
-    bool says(const QByteArray& text)
+    /// Waits until the program has said `text`, from where the last call left off; `most` in ms.
+    bool says(const QByteArray& text, int most = 20000)
     {
         QElapsedTimer elapsed;
         elapsed.start();
-        while (!m_said.contains(text) && elapsed.elapsed() < 20000) {
+        while (!m_said.contains(text) && elapsed.elapsed() < most) {
             m_process.waitForReadyRead(200);
             m_said += m_process.readAll();
         }
@@ -104,9 +107,50 @@ protected:
         return process.exitCode();
     }
 
+    quint16 freeUdpPort()
+    {
+        QUdpSocket probe;
+        EXPECT_TRUE(probe.bind(QHostAddress::AnyIPv4));
+        return oscPort = probe.localPort();
+    }
+
+    /// A message of a client that is not ours.
+    void sendOsc(const char* path) const
+    {
+        EXPECT_EQ(
+            QProcess::execute("oscsend", {"127.0.0.1", QString::number(oscPort), path, "i", "1"}),
+            0);
+    }
+
+    /// The third channel, at rest and then up.
+    static void sendDmx()
+    {
+        QUdpSocket socket;
+        for (const char level : {'\0', '\xff'}) {
+            QByteArray datagram("Art-Net\0\0\x50\0\x0e\0\0\0\0\0\x04\0\0\0\0", 22);
+            datagram[20] = level;
+            socket.writeDatagram(datagram, QHostAddress::LocalHost, 6454);
+            QTest::qWait(50);
+        }
+    }
+
+    /// Does it again until it has come to something: what is not there yet hears nothing.
+    template <typename Act, typename Check>
+    static bool repeat(Act act, Check check)
+    {
+        for (int attempt = 0; attempt < 20; ++attempt) {
+            act();
+            if (check()) {
+                return true;
+            }
+        }
+        return false;
+    }
+
     QString store() const { return folder.filePath("settings.sqlite"); }
 
     QTemporaryDir folder;
+    quint16 oscPort = 0;
 };
 
 /// The Tab keys that lead from the dialog's first focus to the undo steps, found in a dialog of
@@ -236,8 +280,7 @@ TEST_F(Host, StartsAsItsSettingsSayAndPlaysOnAKey)
     ASSERT_TRUE(program.hasScreen());
     EXPECT_TRUE(program.says("playing program Six")) << program.output().constData();
     // The window is there when it takes keys: the programs have the focus from the start.
-    constexpr quint32 down = 0xff54;
-    program.person().key(down);
+    program.person().key(RfbClient::down);
     program.person().key(RfbClient::enter);
     EXPECT_TRUE(program.says("playing program Five")) << program.output().constData();
     QFile entry(folder.filePath("config/autostart/mivohost.desktop"));
@@ -260,6 +303,90 @@ TEST_F(Host, CountsDownToAScheduledRestartAndCarriesItOutWhenToldTo)
     program.person().key(RfbClient::tab); // from the button that cancels to the other one
     program.person().key(RfbClient::enter);
     EXPECT_TRUE(program.says("would restart the machine now")) << program.output().constData();
+}
+
+TEST_F(Host, KeysAndControllersAreBoundTriggerAndAreThereAfterARestart)
+{
+    {
+        auto opened = mivohost::SqlitePersistence::open(store());
+        ASSERT_TRUE(opened.persistence);
+        ASSERT_TRUE(opened.persistence->write("osc", QString("1|%1").arg(freeUdpPort())));
+        ASSERT_TRUE(opened.persistence->write("dmx", "1|0|0|0|mivo"));
+        ASSERT_TRUE(opened.persistence->write("midiEnabled", JackServer::isRunning() ? 1 : 0));
+    }
+    std::unique_ptr<MidiPlayer> keys;
+    const auto plug = [&keys] {
+        if (JackServer::isRunning()) {
+            if (keys) {
+                keys.reset();
+                QTest::qWait(1000);
+            }
+            keys = std::make_unique<MidiPlayer>("keys");
+        }
+    };
+    plug();
+    const auto note = [&keys] {
+        keys->play("903C40");
+        keys->play("803C40");
+    };
+    const auto trigger = [&](Program& program) {
+        program.person().key(RfbClient::f5);
+        EXPECT_TRUE(program.says("action Global/OutputSwitch by F5"));
+        sendOsc("/Peripherals/Stage/Take");
+        EXPECT_TRUE(program.says("action Stage/Take by 1"));
+        EXPECT_TRUE(repeat([] { sendDmx(); },
+                           [&] { return program.says("Global/OutputSwitch by DMX 3", 500); }));
+        if (keys) {
+            EXPECT_TRUE(repeat(note, [&] {
+                return program.says("Global/OutputSwitch by Note C4", 500);
+            })) << program.output().constData();
+        }
+    };
+    {
+        Program program(store());
+        ASSERT_TRUE(program.hasScreen());
+        ASSERT_TRUE(program.says("window open"));
+        auto& person = program.person();
+        person.chord({RfbClient::control, 'e'});
+        ASSERT_TRUE(program.says("editing shortcuts: Keys")) << program.output().constData();
+        person.key(RfbClient::f5); // of the first action
+        EXPECT_TRUE(program.says("keys of /Peripherals/Global/OutputSwitch: F5"));
+        person.key(RfbClient::tab);
+        person.key(RfbClient::f5); // and of the second: the question is answered with no
+        QTest::qWait(1000);
+        ASSERT_TRUE(repeat([&] { person.key(RfbClient::escape); },
+                           [&] { return program.says("end of editing", 500); }));
+        // From the button, where the focus is now, to the kinds: MIDI, then DMX.
+        person.key(RfbClient::tab);
+        person.key(RfbClient::down);
+        if (keys) {
+            person.chord({RfbClient::control, 'e'});
+            ASSERT_TRUE(program.says("editing shortcuts: MIDI", 5000))
+                << program.output().constData();
+            EXPECT_TRUE(repeat(note, [&] { return program.says("setting midiBindings", 500); }));
+            person.key(RfbClient::escape);
+            person.key(RfbClient::tab);
+        }
+        person.key(RfbClient::down);
+        person.chord({RfbClient::control, 'e'});
+        ASSERT_TRUE(program.says("editing shortcuts: DMX")) << program.output().constData();
+        EXPECT_TRUE(
+            repeat([] { sendDmx(); }, [&] { return program.says("setting dmxBindings", 500); }))
+            << program.output().constData();
+        person.key(RfbClient::escape);
+        ASSERT_TRUE(program.says("end of editing"));
+        plug(); // unplugged and plugged in again
+        trigger(program);
+        // In an orderly way: a client that is killed takes that server with it.
+        person.chord({RfbClient::control, 'q'});
+        ASSERT_TRUE(program.ends());
+    }
+    Program again(store());
+    ASSERT_TRUE(again.hasScreen());
+    ASSERT_TRUE(again.says("window open"));
+    trigger(again);
+    again.person().chord({RfbClient::control, 'q'});
+    EXPECT_TRUE(again.ends());
 }
 
 TEST_F(Host, WaitsBeforeItOpensAnything)

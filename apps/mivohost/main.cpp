@@ -125,6 +125,7 @@ int runWindow(MainWindow& window, RuntimeThread& runtime, SettingsStore& store,
     QObject::connect(&window, &MainWindow::closed, &QApplication::quit);
     window.showTray();
     window.show();
+    QV::SpdlogApplication::instance().logger()->info("main window open");
     window.settings(); // there from the start: its pages ask about the timed actions
     if (arguments.isSet(QStringLiteral("settings"))) {
         window.openSettings();

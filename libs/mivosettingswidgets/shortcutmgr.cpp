@@ -16,9 +16,12 @@
 #include <QtWidgets/QApplication>
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <mutex>
+#include <optional>
 #include <unordered_map>
 #include <utility>
 
@@ -36,6 +39,7 @@ using mivo::widgets::TipDialog;
 namespace {
 
 constexpr std::size_t mostWaiting = 4096;
+constexpr std::array deviceKinds{PeripheralMidi, PeripheralDmx, PeripheralOsc};
 
 struct ControlMessage
 {
@@ -106,6 +110,8 @@ public:
     void clearPeripheral(EnumPeripheralShortCutType kind);
     void rebind(EnumPeripheralShortCutType kind, const SDeviceBindInfo& info);
     void showPendingTexts() const;
+    void showBindings(EnumPeripheralShortCutType kind, const QList<ShortCutCover*>& covers) const;
+    void open(bool show, EnumPeripheralShortCutType kind);
     void reportEmptiness();
     bool isEmpty() const
     {
@@ -120,14 +126,13 @@ public:
         m_connections[kind].push_back(std::move(connection));
     }
 
+    QList<ShortCutCover*> allCovers() const { return (indexCovers + pathCovers).values(); }
+
     template <typename Function>
     void forEachCover(Function function) const
     {
-        // The sets may change in a call of a cover.
-        for (const auto& covers : {indexCovers, pathCovers}) {
-            for (ShortCutCover* cover : covers) {
-                function(*cover);
-            }
+        for (ShortCutCover* cover : allCovers()) { // the sets may change in a call of a cover
+            function(*cover);
         }
     }
 
@@ -165,6 +170,7 @@ private:
 
     ShortCutMgr* m_manager;
     bool m_fileIsUnreadable = false;
+    std::optional<EnumPeripheralShortCutType> m_opened; // for which kind the covers are open
     std::map<EnumPeripheralShortCutType, std::vector<sigslot::connection>> m_connections;
 
     // Messages from other threads, on their way to this one.
@@ -348,6 +354,7 @@ void ShortCutMgr::Impl::clearKeys()
 
 void ShortCutMgr::Impl::bindShortCutAndCover(const QList<ShortCutCover*>& coverList)
 {
+    QList<ShortCutCover*> bound;
     for (ShortCutCover* cover : coverList) {
         if (cover == nullptr || indexCovers.contains(cover) || pathCovers.contains(cover)) {
             continue;
@@ -366,6 +373,10 @@ void ShortCutMgr::Impl::bindShortCutAndCover(const QList<ShortCutCover*>& coverL
         connect(cover, &ShortCutCover::signalDelPeripheralBind, this, &Impl::delPeripheralBind);
         connect(cover, &QObject::destroyed, this, [this, cover] { delProgramCoverPtr(cover); });
         (cover->getShortCutType() == ShortCutModuleIndex ? indexCovers : pathCovers).insert(cover);
+        bound.append(cover);
+    }
+    for (const auto kind : deviceKinds) {
+        showBindings(kind, bound);
     }
 }
 
@@ -459,6 +470,27 @@ void ShortCutMgr::Impl::takeTextsFromCovers()
     }
 }
 
+void ShortCutMgr::Impl::open(bool show, EnumPeripheralShortCutType kind)
+{
+    currentKind = kind;
+    forEachCover([show, kind](ShortCutCover& cover) {
+        cover.acceptEventState(!show);
+        cover.setShortCoverVisible(show, kind);
+    });
+    Peripheral* asked = service(kind);
+    if (!show && asked != nullptr) {
+        asked->stopLearning();
+    }
+    const auto opened = show ? std::optional(kind) : std::nullopt;
+    if (std::exchange(m_opened, opened) == opened) {
+        return; // the host may be answering the signal
+    }
+    emit m_manager->signalOpenShortCover(show, kind);
+    if (show) {
+        emit m_manager->signalShowMonitorWidget(kind);
+    }
+}
+
 void ShortCutMgr::Impl::onSetShortCoverVisible(bool flag)
 {
     m_manager->slotShowAllShortCutCover(flag, currentKind);
@@ -508,12 +540,36 @@ bool ShortCutMgr::Impl::use(Service*& member, Service* service, EnumPeripheralSh
                                            Q_ARG(EnumPeripheralShortCutType, kind));
              }));
     }
-    for (const SDeviceBindInfo& info : service->bindings()) {
-        if (ShortCutCover* cover = coverOf(info.type, info.oprKey)) {
-            cover->updateShortCutCoverKey(kind, QString::fromStdString(info.keyValue));
+    showBindings(kind, allCovers());
+    return true;
+}
+
+void ShortCutMgr::Impl::showBindings(EnumPeripheralShortCutType kind,
+                                     const QList<ShortCutCover*>& covers) const
+{
+    const Peripheral* asked = service(kind);
+    if (asked == nullptr || covers.isEmpty()) {
+        return;
+    }
+    std::unordered_map<int, QString> byType;
+    std::unordered_map<std::string, QString> byPath;
+    for (const SDeviceBindInfo& info : asked->bindings()) {
+        if (info.type == ShortCutOfPath) {
+            byPath[info.oprKey] = QString::fromStdString(info.keyValue);
+        } else {
+            byType[info.type] = QString::fromStdString(info.keyValue);
         }
     }
-    return true;
+    const auto textOf = [](const auto& texts, const auto& key) {
+        const auto found = texts.find(key);
+        return found == texts.end() ? QString() : found->second;
+    };
+    for (ShortCutCover* cover : covers) {
+        cover->updateShortCutCoverKey(
+            kind, cover->getShortCutType() == ShortCutModuleIndex
+                      ? textOf(byType, static_cast<int>(cover->getShortCutIndex()))
+                      : textOf(byPath, cover->getPeripheralShortCutPath()));
+    }
 }
 
 void ShortCutMgr::Impl::receive(ControlMessage message)
@@ -584,7 +640,7 @@ void ShortCutMgr::Impl::delPeripheralBind(int index, const std::string& strOprke
                                          }),
                           pendingBindings.end());
     if (ShortCutCover* cover = coverOf(index, strOprkey)) {
-        cover->updateShortCutCoverKey(currentKind, QString());
+        showBindings(currentKind, {cover}); // a service may have bindings that cannot be cleared
     }
     emit m_manager->signalUpdateClearPeripheralsState(currentKind,
                                                       hasPeripheralBinded(currentKind));
@@ -613,13 +669,7 @@ QString ShortCutMgr::Impl::getBindedShortCutKeyName(int oprKey, const std::strin
 
 void ShortCutMgr::Impl::setOscBindData(EnumPeripheralShortCutType enCurType)
 {
-    if (Peripheral* asked = service(enCurType)) {
-        for (const SDeviceBindInfo& info : asked->bindings()) {
-            if (ShortCutCover* cover = coverOf(info.type, info.oprKey)) {
-                cover->updateShortCutCoverKey(enCurType, QString::fromStdString(info.keyValue));
-            }
-        }
-    }
+    showBindings(enCurType, allCovers());
 }
 
 void ShortCutMgr::Impl::reripheralBind(int nOprKey, std::string strOprKey, std::string strKeyValue,
@@ -688,8 +738,8 @@ void ShortCutMgr::Impl::clearPeripheral(EnumPeripheralShortCutType kind)
         std::remove_if(pendingBindings.begin(), pendingBindings.end(),
                        [kind](const PendingBinding& pending) { return pending.kind == kind; }),
         pendingBindings.end());
-    forEachCover([kind](ShortCutCover& cover) { cover.updateShortCutCoverKey(kind, QString()); });
-    emit m_manager->signalUpdateClearPeripheralsState(kind, false);
+    showBindings(kind, allCovers());
+    emit m_manager->signalUpdateClearPeripheralsState(kind, hasPeripheralBinded(kind));
 }
 
 void ShortCutMgr::Impl::showPendingTexts() const
@@ -819,6 +869,7 @@ void ShortCutMgr::setOscMgr(OscPeripheral* osc)
     };
     if (m_impl->use(m_impl->osc, osc, PeripheralOsc)) {
         m_impl->keep(PeripheralOsc, osc->infoChanged.connect(report));
+        report(osc->info());
     }
 }
 
@@ -846,21 +897,12 @@ void ShortCutMgr::slotClearShortCut(bool clear, EnumPeripheralShortCutType kind)
 
 void ShortCutMgr::slotShowAllShortCutCover(bool show, EnumPeripheralShortCutType kind) const
 {
-    m_impl->currentKind = kind;
-    m_impl->forEachCover([show, kind](ShortCutCover& cover) {
-        cover.acceptEventState(!show);
-        cover.setShortCoverVisible(show, kind);
-    });
-    if (!show) {
-        if (Peripheral* asked = m_impl->service(kind)) {
-            asked->stopLearning();
-        }
-    }
+    m_impl->open(show, kind);
 }
 
 void ShortCutMgr::slotLockScreenChanged(bool locked)
 {
-    for (const auto kind : {PeripheralMidi, PeripheralDmx, PeripheralOsc}) {
+    for (const auto kind : deviceKinds) {
         if (Peripheral* asked = m_impl->service(kind)) {
             asked->setLocked(locked);
         }

@@ -78,11 +78,13 @@ signals:
     void signalClearShortCutState(bool empty);
     void signalCloseShortByEsc();
     void signalKeyEventCompleted();
+    /// The covers have been opened for the kind, or closed.
     void signalOpenShortCover(bool open, EnumPeripheralShortCutType kind);
     void signalPeripheralsControl(int action, const std::string& path, const std::string& value);
     void signalShortCutSave(const STLinkShortCutInfo& info);
     void signalShortCutStrChanged(const EnumShortCutType& type, const std::string& path,
                                   const std::string& text);
+    /// The covers have been opened for the kind: what comes of it may be shown.
     void signalShowMonitorWidget(EnumPeripheralShortCutType kind);
     void signalUpdateClearPeripheralsState(EnumPeripheralShortCutType kind, bool anyBound);
     void signalUpdateDeviceStatus(EnumPeripheralShortCutType kind, bool online);

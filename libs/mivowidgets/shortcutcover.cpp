@@ -191,7 +191,7 @@ bool ShortCutCover::eventFilter(QObject* watched, QEvent* event)
 void ShortCutCover::resizeEvent(QResizeEvent* event)
 {
     const int side = qMin(18, height() - 4);
-    m_clear->setGeometry(width() - side - 2, (height() - side) / 2, side, side);
+    m_clear->setGeometry(width() - side - 2, height() - side - 2, side, side);
     QWidget::resizeEvent(event);
 }
 
@@ -261,9 +261,9 @@ void ShortCutCover::paintEvent(QPaintEvent* /*event*/)
     option.initFrom(this);
     QPainter painter(this);
     style()->drawPrimitive(QStyle::PE_Widget, &option, &painter, this);
-    const QRect area = rect().adjusted(6, 0, m_clear->isVisible() ? -22 : -6, 0);
+    const QRect area = rect().adjusted(6, 4, m_clear->isVisible() ? -22 : -6, -4);
     painter.setPen(option.palette.color(QPalette::WindowText));
-    painter.drawText(area, Qt::AlignCenter,
+    painter.drawText(area, Qt::AlignHCenter | Qt::AlignBottom, // below the text of a high button
                      fontMetrics().elidedText(keyText(m_kind), Qt::ElideMiddle, area.width()));
 }
 

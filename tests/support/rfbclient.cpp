@@ -56,6 +56,16 @@ void RfbClient::key(quint32 symbol)
     }
 }
 
+void RfbClient::chord(const std::vector<quint32>& symbols)
+{
+    for (const quint32 symbol : symbols) {
+        send(message(quint8(4), quint8(1), quint16(0), symbol));
+    }
+    for (auto symbol = symbols.rbegin(); symbol != symbols.rend(); ++symbol) {
+        send(message(quint8(4), quint8(0), quint16(0), *symbol));
+    }
+}
+
 void RfbClient::type(const QString& text)
 {
     for (const QChar character : text) {

@@ -806,5 +806,395 @@
         <comment>MainWindow</comment>
         <translation>Black</translation>
     </message>
+    <message>
+        <source>Actions</source>
+        <comment>MainWindow</comment>
+        <translation>Actions</translation>
+    </message>
+    <message>
+        <source>Keys</source>
+        <comment>MainWindow</comment>
+        <translation>Keys</translation>
+    </message>
+    <message>
+        <source>ShortcutKind</source>
+        <comment>MainWindow</comment>
+        <translation>What is being edited</translation>
+    </message>
+    <message>
+        <source>EditShortcuts</source>
+        <comment>MainWindow</comment>
+        <translation>Edit shortcuts</translation>
+    </message>
+    <message>
+        <source>ClearShortcuts</source>
+        <comment>MainWindow</comment>
+        <translation>Clear all</translation>
+    </message>
+    <message>
+        <source>ClearShortcut</source>
+        <comment>MainWindow</comment>
+        <translation>Clear</translation>
+    </message>
+    <message>
+        <source>ExportShortcuts</source>
+        <comment>MainWindow</comment>
+        <translation>Export…</translation>
+    </message>
+    <message>
+        <source>ImportShortcuts</source>
+        <comment>MainWindow</comment>
+        <translation>Import…</translation>
+    </message>
+    <message>
+        <source>LockScreen</source>
+        <comment>MainWindow</comment>
+        <translation>Lock</translation>
+    </message>
+    <message>
+        <source>ShortcutFiles</source>
+        <comment>MainWindow</comment>
+        <translation>Shortcuts</translation>
+    </message>
+    <message>
+        <source>ClearShortcutsQuestion</source>
+        <comment>MainWindow</comment>
+        <translation>Clear all bindings of this kind?</translation>
+    </message>
+    <message>
+        <source>ImportShortcutsQuestion</source>
+        <comment>MainWindow</comment>
+        <translation>Replace all bindings of keys and devices by those of the file?</translation>
+    </message>
+    <message>
+        <source>ShortcutsNotExported</source>
+        <comment>MainWindow</comment>
+        <translation>The shortcuts could not be written to “%1”.</translation>
+    </message>
+    <message>
+        <source>ShortcutsNotImported</source>
+        <comment>MainWindow</comment>
+        <translation>The shortcuts were not imported: %1</translation>
+    </message>
+    <message>
+        <source>FileTooLarge</source>
+        <comment>MainWindow</comment>
+        <translation>The file is too large.</translation>
+    </message>
+    <message>
+        <source>KeyHint</source>
+        <comment>MainWindow</comment>
+        <translation>Choose an action and press its keys. Backspace clears, Tab goes on, Escape ends.</translation>
+    </message>
+    <message>
+        <source>MidiHint</source>
+        <comment>MainWindow</comment>
+        <translation>Choose an action and move a control. Backspace clears, Tab goes on, Escape ends.</translation>
+    </message>
+    <message>
+        <source>MidiNoDevice</source>
+        <comment>MainWindow</comment>
+        <translation>No MIDI device is connected.</translation>
+    </message>
+    <message>
+        <source>MidiOff</source>
+        <comment>MainWindow</comment>
+        <translation>MIDI is off. It is switched on in the settings, under Network.</translation>
+    </message>
+    <message>
+        <source>DmxHint</source>
+        <comment>MainWindow</comment>
+        <translation>Choose an action and move a channel up. Backspace clears, Tab goes on, Escape ends.</translation>
+    </message>
+    <message>
+        <source>DmxOff</source>
+        <comment>MainWindow</comment>
+        <translation>DMX is off. It is switched on in the settings, under Network.</translation>
+    </message>
+    <message>
+        <source>OscHint</source>
+        <comment>MainWindow</comment>
+        <translation>Every action has its address for good, at %1</translation>
+    </message>
+    <message>
+        <source>OscOff</source>
+        <comment>MainWindow</comment>
+        <translation>OSC is off. It is switched on in the settings, under Network.</translation>
+    </message>
+    <message>
+        <source>Global/</source>
+        <comment>MainWindow</comment>
+        <translation>Global</translation>
+    </message>
+    <message>
+        <source>Global/OutputSwitch</source>
+        <comment>MainWindow</comment>
+        <translation>Output on/off</translation>
+    </message>
+    <message>
+        <source>Global/FTBSwitch</source>
+        <comment>MainWindow</comment>
+        <translation>Fade to black</translation>
+    </message>
+    <message>
+        <source>Global/MuteSwitch</source>
+        <comment>MainWindow</comment>
+        <translation>Mute</translation>
+    </message>
+    <message>
+        <source>Global/TestImgSwitch</source>
+        <comment>MainWindow</comment>
+        <translation>Test picture</translation>
+    </message>
+    <message>
+        <source>Stage/</source>
+        <comment>MainWindow</comment>
+        <translation>Stage</translation>
+    </message>
+    <message>
+        <source>Stage/MonitorLock</source>
+        <comment>MainWindow</comment>
+        <translation>Lock view</translation>
+    </message>
+    <message>
+        <source>Stage/MonitorGrap</source>
+        <comment>MainWindow</comment>
+        <translation>Drag view</translation>
+    </message>
+    <message>
+        <source>Stage/MonitorFill</source>
+        <comment>MainWindow</comment>
+        <translation>Fill view</translation>
+    </message>
+    <message>
+        <source>Stage/MonitorOrigin</source>
+        <comment>MainWindow</comment>
+        <translation>Original size</translation>
+    </message>
+    <message>
+        <source>Stage/MonitorZoomIn</source>
+        <comment>MainWindow</comment>
+        <translation>Zoom in</translation>
+    </message>
+    <message>
+        <source>Stage/MonitorZoomOut</source>
+        <comment>MainWindow</comment>
+        <translation>Zoom out</translation>
+    </message>
+    <message>
+        <source>Stage/MonitorDisplay</source>
+        <comment>MainWindow</comment>
+        <translation>Show view</translation>
+    </message>
+    <message>
+        <source>Stage/Cut</source>
+        <comment>MainWindow</comment>
+        <translation>Cut</translation>
+    </message>
+    <message>
+        <source>Stage/Take</source>
+        <comment>MainWindow</comment>
+        <translation>Take</translation>
+    </message>
+    <message>
+        <source>Program/</source>
+        <comment>MainWindow</comment>
+        <translation>Programs</translation>
+    </message>
+    <message>
+        <source>Program/ProgramLayoutKeep</source>
+        <comment>MainWindow</comment>
+        <translation>Keep layout</translation>
+    </message>
+    <message>
+        <source>Program/ClearAllMedia</source>
+        <comment>MainWindow</comment>
+        <translation>Clear media</translation>
+    </message>
+    <message>
+        <source>Program/LocateToOrigin</source>
+        <comment>MainWindow</comment>
+        <translation>Go to start</translation>
+    </message>
+    <message>
+        <source>Program/LocateToCurProgram</source>
+        <comment>MainWindow</comment>
+        <translation>Go to current</translation>
+    </message>
+    <message>
+        <source>Program/AddProgram</source>
+        <comment>MainWindow</comment>
+        <translation>Add program</translation>
+    </message>
+    <message>
+        <source>Progress/</source>
+        <comment>MainWindow</comment>
+        <translation>Progress</translation>
+    </message>
+    <message>
+        <source>Progress/ProgressStop</source>
+        <comment>MainWindow</comment>
+        <translation>Stop</translation>
+    </message>
+    <message>
+        <source>Progress/Positiving</source>
+        <comment>MainWindow</comment>
+        <translation>Count up</translation>
+    </message>
+    <message>
+        <source>Progress/CountDown</source>
+        <comment>MainWindow</comment>
+        <translation>Count down</translation>
+    </message>
+    <message>
+        <source>Progress/Sync</source>
+        <comment>MainWindow</comment>
+        <translation>Synchronise</translation>
+    </message>
+    <message>
+        <source>Progress/PlayPause</source>
+        <comment>MainWindow</comment>
+        <translation>Play / pause</translation>
+    </message>
+    <message>
+        <source>Toolbar/</source>
+        <comment>MainWindow</comment>
+        <translation>Toolbar</translation>
+    </message>
+    <message>
+        <source>Toolbar/NewFile</source>
+        <comment>MainWindow</comment>
+        <translation>New file</translation>
+    </message>
+    <message>
+        <source>Toolbar/SaveFile</source>
+        <comment>MainWindow</comment>
+        <translation>Save file</translation>
+    </message>
+    <message>
+        <source>Toolbar/PackageFile</source>
+        <comment>MainWindow</comment>
+        <translation>Package file</translation>
+    </message>
+    <message>
+        <source>Toolbar/RecoveryLayout</source>
+        <comment>MainWindow</comment>
+        <translation>Restore layout</translation>
+    </message>
+    <message>
+        <source>Toolbar/SaveLayout</source>
+        <comment>MainWindow</comment>
+        <translation>Save layout</translation>
+    </message>
+    <message>
+        <source>Toolbar/LayoutManager</source>
+        <comment>MainWindow</comment>
+        <translation>Layouts</translation>
+    </message>
+    <message>
+        <source>Toolbar/OutputManager</source>
+        <comment>MainWindow</comment>
+        <translation>Outputs</translation>
+    </message>
+    <message>
+        <source>Toolbar/3DEdit</source>
+        <comment>MainWindow</comment>
+        <translation>3D editor</translation>
+    </message>
+    <message>
+        <source>Toolbar/OpenPageTurning</source>
+        <comment>MainWindow</comment>
+        <translation>Page turning</translation>
+    </message>
+    <message>
+        <source>Toolbar/LockScreen</source>
+        <comment>MainWindow</comment>
+        <translation>Lock screen</translation>
+    </message>
+    <message>
+        <source>ProgramProperty/</source>
+        <comment>MainWindow</comment>
+        <translation>Program</translation>
+    </message>
+    <message>
+        <source>ProgramProperty/ProgramUpInsert</source>
+        <comment>MainWindow</comment>
+        <translation>Insert above</translation>
+    </message>
+    <message>
+        <source>ProgramProperty/ProgramDownInsert</source>
+        <comment>MainWindow</comment>
+        <translation>Insert below</translation>
+    </message>
+    <message>
+        <source>ProgramProperty/ProgramDelete</source>
+        <comment>MainWindow</comment>
+        <translation>Delete</translation>
+    </message>
+    <message>
+        <source>LayerProperty/</source>
+        <comment>MainWindow</comment>
+        <translation>Layer</translation>
+    </message>
+    <message>
+        <source>LayerProperty/LayerUpInsert</source>
+        <comment>MainWindow</comment>
+        <translation>Insert above</translation>
+    </message>
+    <message>
+        <source>LayerProperty/LayerDownInsert</source>
+        <comment>MainWindow</comment>
+        <translation>Insert below</translation>
+    </message>
+    <message>
+        <source>LayerProperty/LayerDelete</source>
+        <comment>MainWindow</comment>
+        <translation>Delete</translation>
+    </message>
+    <message>
+        <source>LayerProperty/LayerClearBtn</source>
+        <comment>MainWindow</comment>
+        <translation>Clear</translation>
+    </message>
+    <message>
+        <source>MediaProperty/</source>
+        <comment>MainWindow</comment>
+        <translation>Media</translation>
+    </message>
+    <message>
+        <source>MediaProperty/MediaPlayback</source>
+        <comment>MainWindow</comment>
+        <translation>Play</translation>
+    </message>
+    <message>
+        <source>MediaProperty/MediaLastFrame</source>
+        <comment>MainWindow</comment>
+        <translation>Last frame</translation>
+    </message>
+    <message>
+        <source>MediaProperty/MediaStopPlay</source>
+        <comment>MainWindow</comment>
+        <translation>Stop</translation>
+    </message>
+    <message>
+        <source>MediaProperty/CycleIndex</source>
+        <comment>MainWindow</comment>
+        <translation>Loops</translation>
+    </message>
+    <message>
+        <source>MediaProperty/MediaNoJump</source>
+        <comment>MainWindow</comment>
+        <translation>Do not jump</translation>
+    </message>
+    <message>
+        <source>MediaProperty/MediaProgramLoop</source>
+        <comment>MainWindow</comment>
+        <translation>Loop program</translation>
+    </message>
+    <message>
+        <source>MediaProperty/MediaNext</source>
+        <comment>MainWindow</comment>
+        <translation>Next</translation>
+    </message>
 </context>
 </TS>

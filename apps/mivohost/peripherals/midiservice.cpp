@@ -15,7 +15,8 @@ using mivo::peripheralcontrol::SMIDIDevInfo;
 
 namespace {
 
-constexpr int lookEvery = 1000; // milliseconds
+// Milliseconds. A device that is away for less goes unnoticed, and is then not opened again.
+constexpr int lookEvery = 200;
 
 template <typename... Args>
 void warn(fmt::format_string<Args...> format, Args&&... args)

@@ -4,6 +4,7 @@
 #include "project/projectfile.h"
 #include "runtime/runtimethread.h"
 #include "store/settingsstore.h"
+#include "surface/actionpanel.h"
 #include "surface/hostlog.h"
 #include "surface/hosttext.h"
 #include "surface/settingsview.h"
@@ -42,7 +43,8 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
                        Peripherals& peripherals)
     : m_runtime(runtime), m_store(store), m_project(project), m_peripherals(peripherals),
       m_title(new QLabel), m_notice(new QLabel), m_settingsButton(new mivo::widgets::PushButton),
-      m_languageLabel(new QLabel), m_language(new QComboBox), m_programsLabel(new QLabel),
+      m_languageLabel(new QLabel), m_language(new QComboBox),
+      m_actionPanel(new ActionPanel(peripherals)), m_programsLabel(new QLabel),
       m_programs(new QTreeWidget), m_playing(new QLabel), m_logLabel(new QLabel),
       m_log(new QPlainTextEdit)
 {
@@ -88,15 +90,17 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
     column->addWidget(m_title);
     column->addWidget(m_notice);
     column->addLayout(row);
-    column->addLayout(columns);
+    column->addWidget(m_actionPanel, 3);
+    column->addLayout(columns, 2);
     auto* content = new QWidget;
     content->setLayout(column);
     setCentralWidget(content);
-    resize(840, 540);
+    resize(1120, 840);
     m_programs->setFocus();
 
     connect(m_settingsButton, &QPushButton::clicked, this, &MainWindow::openSettings);
     connect(m_language, qOverload<int>(&QComboBox::activated), this, &MainWindow::chooseLanguage);
+    connect(m_actionPanel, &ActionPanel::failed, this, &MainWindow::showNotice);
     connect(m_programs, &QTreeWidget::itemActivated, this, &MainWindow::play);
     connect(&m_project, &ProjectFile::changed, this, &MainWindow::showProject);
     connect(&m_project, &ProjectFile::nameWanted, this, &MainWindow::saveProjectAs);
@@ -253,6 +257,7 @@ void MainWindow::setTexts()
     m_title->setText(hostText("Title"));
     m_settingsButton->setText(hostText("Settings"));
     m_languageLabel->setText(hostText("Language"));
+    m_actionPanel->setTexts();
     m_programsLabel->setText(hostText("Programs"));
     m_logLabel->setText(hostText("Log"));
     if (!m_noticeKey.isEmpty()) {

@@ -18,6 +18,7 @@ class QTreeWidgetItem;
 
 namespace mivohost {
 
+class ActionPanel;
 class Peripherals;
 class ProjectFile;
 class RuntimeThread;
@@ -39,6 +40,8 @@ public:
     /// The settings dialog, made at the first call.
     SettingsView& settings();
     void openSettings();
+
+    ActionPanel& actions() { return *m_actionPanel; }
 
     /// From now on with an icon in the system's tray, to which closing may hide the window.
     void showTray();
@@ -88,6 +91,7 @@ private:
     QPushButton* m_settingsButton;
     QLabel* m_languageLabel;
     QComboBox* m_language;
+    ActionPanel* m_actionPanel;
     QLabel* m_programsLabel;
     QTreeWidget* m_programs;
     QLabel* m_playing;

@@ -1,5 +1,6 @@
 #include "surface/pictures.h"
 
+#include "surface/actionpanel.h"
 #include "surface/mainwindow.h"
 #include "surface/settingsview.h"
 
@@ -54,6 +55,7 @@ bool drawPictures(MainWindow& window, const QString& folder)
     const QString scaleName = scale == 1 ? QString() : QStringLiteral("@%1x").arg(scale);
     const auto save = [&](QWidget& widget, const QString& name, const QString& language) {
         QApplication::processEvents();
+        QApplication::processEvents(); // what is laid out anew may lay out more
         return widget.grab().save(
             directory.filePath(QStringLiteral("%1-%2%3.png").arg(name, language, scaleName)));
     };
@@ -65,6 +67,9 @@ bool drawPictures(MainWindow& window, const QString& folder)
     for (const QString& language : {QStringLiteral("en"), QStringLiteral("zh_cn")}) {
         window.switchLanguage(language);
         saved = save(window, QStringLiteral("mainwindow"), language) && saved;
+        window.actions().setEditing(true);
+        saved = save(window, QStringLiteral("mainwindow-editing"), language) && saved;
+        window.actions().setEditing(false);
         for (auto* page : window.settings().pages()) {
             showPage(&dialog, page);
             const auto className = QString::fromLatin1(page->metaObject()->className()).toLower();

@@ -1,0 +1,488 @@
+#include "surface/actionpanel.h"
+
+#include "peripherals/peripherals.h"
+#include "surface/hosttext.h"
+
+#include "qvspdlog/spdlogapplication.h"
+
+#include <mivosettingswidgets/shortcutfile.h>
+#include <mivosettingswidgets/shortcuttable.h>
+#include <mivowidgets/shortcutcover.h>
+#include <zrcutils/nocachefile.h>
+
+#include <fmt/format.h>
+
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+#include <QtWidgets/QComboBox>
+#include <QtWidgets/QFileDialog>
+#include <QtWidgets/QGridLayout>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QMessageBox>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QScrollArea>
+#include <QtWidgets/QStyle>
+
+#include <algorithm>
+#include <exception>
+
+namespace mivohost {
+
+using mivo::peripheralcontrol::Peripheral;
+using mivo::peripheralcontrol::SDeviceBindInfo;
+using mivo::settings::peripheralActions;
+using mivo::settings::peripheralPrefix;
+using mivo::widgets::ShortCutCover;
+
+namespace {
+
+constexpr int columns = 8;
+constexpr int flashTime = 300;                 // ms
+constexpr int logPause = 100;                  // ms
+constexpr int lockScreen = 208;                // its type
+constexpr qint64 mostBytes = 64 * 1024 * 1024; // of a file to be imported
+
+auto logger()
+{
+    return QV::SpdlogApplication::instance().logger();
+}
+
+/// The key of the text of an action, or with the first word only that of its group.
+std::string textKey(std::string_view path)
+{
+    return std::string(path.substr(peripheralPrefix.size()));
+}
+
+std::string groupOf(std::string_view path)
+{
+    const std::string key = textKey(path);
+    return key.substr(0, key.find('/') + 1);
+}
+
+QString textOf(const std::string& key)
+{
+    return hostText(QString::fromStdString(key));
+}
+
+/// A property that the style sheet knows.
+void setState(QPushButton& button, const char* name, bool on)
+{
+    button.setProperty(name, on);
+    button.style()->unpolish(&button);
+    button.style()->polish(&button);
+}
+
+} // namespace
+
+ActionPanel::ActionPanel(Peripherals& peripherals)
+    : m_peripherals(peripherals), m_heading(new QLabel), m_edit(new QPushButton),
+      m_kind(new QComboBox), m_clear(new QPushButton), m_export(new QPushButton),
+      m_import(new QPushButton), m_lock(new QPushButton), m_hint(new QLabel)
+{
+    m_heading->setObjectName(QStringLiteral("sectionHeading"));
+    m_edit->setObjectName(QStringLiteral("editShortcuts"));
+    m_edit->setCheckable(true);
+    m_edit->setShortcut(QStringLiteral("Ctrl+E"));
+    m_kind->setObjectName(QStringLiteral("shortcutKind"));
+    m_kind->addItems({QString(), QStringLiteral("MIDI"), QStringLiteral("DMX"),
+                      QStringLiteral("OSC")}); // by EnumPeripheralShortCutType
+    m_clear->setObjectName(QStringLiteral("clearShortcuts"));
+    m_export->setObjectName(QStringLiteral("exportShortcuts"));
+    m_import->setObjectName(QStringLiteral("importShortcuts"));
+    m_lock->setObjectName(QStringLiteral("lockScreen"));
+    m_lock->setCheckable(true);
+    m_hint->setObjectName(QStringLiteral("shortcutHint"));
+    m_hint->setWordWrap(true);
+    m_hint->setTextFormat(Qt::PlainText);
+    m_hint->hide();
+
+    auto* row = new QHBoxLayout;
+    row->setSpacing(8);
+    row->addWidget(m_heading);
+    row->addStretch();
+    for (QWidget* control :
+         std::initializer_list<QWidget*>{m_edit, m_kind, m_clear, m_export, m_import, m_lock}) {
+        row->addWidget(control);
+    }
+    auto* grid = new QGridLayout;
+    grid->setContentsMargins(10, 8, 10, 8);
+    grid->setHorizontalSpacing(6);
+    grid->setVerticalSpacing(6);
+    addActions(*grid);
+    auto* content = new QWidget;
+    content->setProperty("style", QStringLiteral("BG4"));
+    content->setLayout(grid);
+    auto* scroll = new QScrollArea;
+    scroll->setWidgetResizable(true);
+    scroll->setFocusPolicy(Qt::NoFocus);
+    scroll->setWidget(content);
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(6);
+    column->addLayout(row);
+    column->addWidget(m_hint);
+    column->addWidget(scroll);
+
+    m_logPause.setSingleShot(true);
+    addConnections();
+
+    // The manager writes into this folder, and does not make it.
+    if (!QDir().mkpath(QFileInfo(mivo::settings::shortCutFilePath()).path())) {
+        logger()->error("no folder for the shortcuts");
+    }
+    m_manager.loadShortCutInfoList();
+    QList<ShortCutCover*> covers;
+    for (const Action& action : m_actions) {
+        covers.append(action.cover);
+    }
+    m_manager.setBindShortCutAndCover(covers);
+    m_peripherals.giveTo(m_manager);
+    m_manager.setAllShortCutStr();
+    m_keys.setEnabled(true);
+    showState();
+}
+
+ActionPanel::~ActionPanel() = default;
+
+void ActionPanel::addActions(QGridLayout& grid)
+{
+    int row = -1;
+    int column = columns;
+    std::string group;
+    for (const auto& [type, path] : peripheralActions) {
+        if (std::exchange(group, groupOf(path)) != groupOf(path)) {
+            auto* label = new QLabel;
+            grid.addWidget(label, ++row, 0);
+            m_groups.emplace_back(group, label);
+            column = 1;
+        } else if (column == columns) {
+            ++row;
+            column = 1;
+        }
+        auto* button = new QPushButton;
+        button->setProperty("style", QStringLiteral("action"));
+        button->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+        grid.addWidget(button, row, column++);
+        auto* cover =
+            new ShortCutCover(static_cast<EnumShortCutType>(type), std::string(path), button);
+        auto* flash = new QTimer(button);
+        flash->setSingleShot(true);
+        flash->setInterval(flashTime);
+        connect(flash, &QTimer::timeout, button, [button] { setState(*button, "flash", false); });
+        connect(button, &QPushButton::clicked, this,
+                [this, type = type, name = std::string(path)] { trigger(type, name, {}); });
+        m_actions.push_back({type, std::string(path), button, cover, flash, 0, {}});
+    }
+    for (int i = 1; i < columns; ++i) {
+        grid.setColumnStretch(i, 1);
+    }
+    grid.setRowStretch(row + 1, 1);
+}
+
+void ActionPanel::addConnections()
+{
+    using mivo::settings::ShortCutMgr;
+    connect(m_edit, &QPushButton::toggled, this, &ActionPanel::setEditing);
+    connect(m_kind, qOverload<int>(&QComboBox::activated), this, &ActionPanel::setKind);
+    connect(m_clear, &QPushButton::clicked, this, &ActionPanel::clearAll);
+    connect(m_export, &QPushButton::clicked, this, &ActionPanel::exportAll);
+    connect(m_import, &QPushButton::clicked, this, &ActionPanel::importAll);
+    connect(m_lock, &QPushButton::toggled, this, &ActionPanel::setLocked);
+    connect(&m_logPause, &QTimer::timeout, this, &ActionPanel::writeTriggered);
+    connect(&m_keys, &KeyTriggers::triggered, this, &ActionPanel::trigger);
+    connect(&m_manager, &ShortCutMgr::signalPeripheralsControl, this, &ActionPanel::trigger);
+    connect(&m_manager, &ShortCutMgr::signalCloseShortByEsc, this, [this] {
+        setEditing(false);
+        m_edit->setFocus();
+    });
+    connect(&m_manager, &ShortCutMgr::signalShortCutSave, &m_keys, &KeyTriggers::setBindings);
+    connect(&m_manager, &ShortCutMgr::signalClearShortCutState, this, &ActionPanel::showState);
+    connect(&m_manager, &ShortCutMgr::signalUpdateClearPeripheralsState, this,
+            &ActionPanel::showState);
+    connect(&m_manager, &ShortCutMgr::signalShortCutStrChanged, this,
+            [this](EnumShortCutType /*type*/, const std::string& path, const std::string& keys) {
+                showState();
+                logger()->info("keys of {}: {}", path, keys.empty() ? "none" : keys);
+            });
+    connect(&m_manager, &ShortCutMgr::signalShowMonitorWidget, this, &ActionPanel::showHint);
+    connect(&m_manager, &ShortCutMgr::signalUpdateDeviceStatus, this, [this] {
+        if (m_editing) {
+            showHint();
+        }
+    });
+    connect(&m_manager, &ShortCutMgr::signalUpdateOscUrl, this, [this](const std::string& url) {
+        m_oscUrl = url;
+        showHint();
+    });
+}
+
+EnumPeripheralShortCutType ActionPanel::kind() const
+{
+    return static_cast<EnumPeripheralShortCutType>(m_kind->currentIndex());
+}
+
+bool ActionPanel::hasBindings() const
+{
+    switch (kind()) {
+    case PeripheralMidi:
+        return !m_peripherals.midi().bindings().empty();
+    case PeripheralDmx:
+        return !m_peripherals.dmx().bindings().empty();
+    case PeripheralOsc:
+        return false; // addresses are bound for good
+    default:
+        return !m_manager.linkShortCutInfo().shortCutInfoList.empty();
+    }
+}
+
+void ActionPanel::setTexts()
+{
+    m_heading->setText(hostText("Actions"));
+    m_kind->setItemText(PeripheralKeyboard, hostText("Keys"));
+    m_kind->setAccessibleName(hostText("ShortcutKind"));
+    const QKeySequence keys = m_edit->shortcut(); // which a new text clears
+    m_edit->setText(hostText("EditShortcuts"));
+    m_edit->setShortcut(keys);
+    m_edit->setToolTip(keys.toString(QKeySequence::NativeText));
+    m_clear->setText(hostText("ClearShortcuts"));
+    m_export->setText(hostText("ExportShortcuts"));
+    m_import->setText(hostText("ImportShortcuts"));
+    m_lock->setText(hostText("LockScreen"));
+    for (const auto& [key, label] : m_groups) {
+        label->setText(textOf(key));
+    }
+    for (const Action& action : m_actions) {
+        const QString name = textOf(textKey(action.path));
+        action.button->setText(name);
+        action.button->setToolTip(name);
+        action.cover->setClearText(hostText("ClearShortcut"));
+        action.cover->setToolTip(name);
+    }
+    showHint();
+}
+
+void ActionPanel::showHint()
+{
+    QString state;
+    switch (kind()) {
+    case PeripheralMidi:
+        state = hostText(!m_peripherals.midi().isEnabled()        ? "MidiOff"
+                         : m_peripherals.midi().devices().empty() ? "MidiNoDevice"
+                                                                  : "MidiHint");
+        break;
+    case PeripheralDmx:
+        state = hostText(m_peripherals.dmx().info().enabled ? "DmxHint" : "DmxOff");
+        break;
+    case PeripheralOsc:
+        state = m_peripherals.osc().info().enabled
+                    ? hostText("OscHint").arg(QString::fromStdString(m_oscUrl))
+                    : hostText("OscOff");
+        break;
+    default:
+        state = hostText("KeyHint");
+    }
+    m_hint->setText(state);
+}
+
+void ActionPanel::showState()
+{
+    m_edit->setEnabled(!m_locked);
+    m_kind->setEnabled(!m_locked);
+    m_clear->setEnabled(!m_locked && hasBindings());
+    m_export->setEnabled(!m_locked && !m_editing);
+    m_import->setEnabled(!m_locked && !m_editing);
+    for (const Action& action : m_actions) {
+        action.button->setEnabled(!m_locked);
+    }
+}
+
+void ActionPanel::setEditing(bool on)
+{
+    if (m_editing == on || (on && m_locked)) {
+        return;
+    }
+    m_editing = on;
+    m_keys.setEnabled(!on && !m_locked);
+    m_edit->setChecked(on);
+    m_hint->setVisible(on);
+    for (const Action& action : m_actions) { // with room for what is bound
+        QPushButton& button = *action.button;
+        button.setMinimumHeight(on ? button.sizeHint().height() + button.fontMetrics().height()
+                                   : 0);
+        setState(button, "editing", on);
+    }
+    m_manager.slotShowAllShortCutCover(on, kind());
+    showState();
+    if (on) {
+        m_actions.front().cover->setFocus();
+    }
+    if (on) {
+        logger()->info("editing shortcuts: {}", m_kind->currentText().toStdString());
+    } else {
+        logger()->info("end of editing shortcuts");
+    }
+}
+
+void ActionPanel::setKind()
+{
+    if (m_editing) {
+        // Closed for the kind before, so that its service stops learning.
+        for (const auto each : {PeripheralMidi, PeripheralDmx, PeripheralOsc}) {
+            m_manager.slotShowAllShortCutCover(false, each);
+        }
+        m_manager.slotShowAllShortCutCover(true, kind());
+    }
+    showState();
+}
+
+void ActionPanel::setLocked(bool locked)
+{
+    if (m_locked == locked) {
+        return;
+    }
+    setEditing(false);
+    m_locked = locked;
+    m_lock->setChecked(locked);
+    m_keys.setEnabled(!locked);
+    m_manager.slotLockScreenChanged(locked);
+    showState();
+    logger()->info(locked ? "screen locked" : "screen unlocked");
+}
+
+void ActionPanel::trigger(int type, const std::string& path, const std::string& control)
+{
+    const auto action = std::find_if(m_actions.begin(), m_actions.end(),
+                                     [type](const Action& each) { return each.type == type; });
+    if (action == m_actions.end()) {
+        logger()->info("no action {}: {}", path, control);
+        return;
+    }
+    ++action->waiting;
+    action->control = control;
+    if (!m_logPause.isActive()) {
+        writeTriggered();
+    }
+    if (!action->flash->isActive()) {
+        setState(*action->button, "flash", true);
+    }
+    action->flash->start();
+    if (type == lockScreen) {
+        setLocked(true);
+    }
+}
+
+void ActionPanel::writeTriggered()
+{
+    for (Action& action : m_actions) {
+        const int count = std::exchange(action.waiting, 0);
+        if (count > 0) {
+            logger()->info("action {}{}{}{}", textKey(action.path),
+                           action.control.empty() ? "" : " by ", action.control,
+                           count == 1 ? std::string() : fmt::format(" ({} times)", count));
+            m_logPause.start(logPause);
+        }
+    }
+}
+
+bool ActionPanel::confirm(const char* question, const char* button)
+{
+    QMessageBox box(QMessageBox::Question, QStringLiteral("mivohost"), hostText(question),
+                    QMessageBox::NoButton, this);
+    const QAbstractButton* yes = box.addButton(hostText(button), QMessageBox::DestructiveRole);
+    QPushButton* no = box.addButton(hostText("Cancel"), QMessageBox::RejectRole);
+    box.setDefaultButton(no);
+    box.setEscapeButton(no);
+    box.exec();
+    return box.clickedButton() == yes;
+}
+
+void ActionPanel::clearAll()
+{
+    if (confirm("ClearShortcutsQuestion", "ClearShortcuts")) {
+        m_manager.slotClearShortCut(true, kind());
+        showState();
+    }
+}
+
+QString ActionPanel::askForFile(bool saving)
+{
+    QFileDialog dialog(this, hostText(saving ? "ExportShortcuts" : "ImportShortcuts"));
+    dialog.setAcceptMode(saving ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+    dialog.setFileMode(saving ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    dialog.setDefaultSuffix(QStringLiteral("json"));
+    dialog.setNameFilter(hostText("ShortcutFiles") + QStringLiteral(" (*.json)"));
+    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
+}
+
+void ActionPanel::exportAll()
+{
+    const QString path = askForFile(true);
+    if (!path.isEmpty() && !exportTo(path)) {
+        emit failed(QStringLiteral("ShortcutsNotExported"), QDir::toNativeSeparators(path));
+    }
+}
+
+void ActionPanel::importAll()
+{
+    const QString path = askForFile(false);
+    if (path.isEmpty() || !confirm("ImportShortcutsQuestion", "ImportShortcuts")) {
+        return;
+    }
+    const QString problem = importFrom(path);
+    if (!problem.isEmpty()) {
+        emit failed(QStringLiteral("ShortcutsNotImported"), problem);
+    }
+}
+
+bool ActionPanel::exportTo(const QString& path) const
+{
+    // The texts of keys, MIDI controls and DMX channels are of different forms.
+    auto items = m_manager.linkShortCutInfo().shortCutInfoList;
+    for (const auto& bindings : {m_peripherals.midi().bindings(), m_peripherals.dmx().bindings()}) {
+        for (const SDeviceBindInfo& info : bindings) {
+            items.push_back({static_cast<EnumShortCutType>(info.type), info.oprKey, info.keyValue});
+        }
+    }
+    return NoCacheFile::saveToFile(path.toStdString(), mivo::settings::formatShortCuts(items));
+}
+
+QString ActionPanel::importFrom(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return file.errorString();
+    }
+    if (file.size() > mostBytes) {
+        return hostText("FileTooLarge");
+    }
+    std::vector<STShortCutItem> items;
+    try {
+        items = mivo::settings::parseShortCuts(file.readAll().toStdString());
+    } catch (const std::exception& error) {
+        return QString::fromUtf8(error.what());
+    }
+    for (const auto each : {PeripheralMidi, PeripheralDmx}) {
+        m_manager.slotClearShortCut(true, each);
+    }
+    STLinkShortCutInfo keys;
+    for (const STShortCutItem& item : items) {
+        const QString text = QString::fromStdString(item.shortCutStr);
+        if (MidiService::isControl(item.shortCutStr)) {
+            m_manager.rebindPeripheral(PeripheralMidi, item.type, item.path, item.shortCutStr);
+        } else if (DmxService::isControl(item.shortCutStr)) {
+            m_manager.rebindPeripheral(PeripheralDmx, item.type, item.path, item.shortCutStr);
+        } else if (mivo::widgets::keySequenceOf(text).isEmpty()
+                   || mivo::settings::isReservedKeySequence(text)) {
+            logger()->warn("\"{}\" cannot be bound to {}", item.shortCutStr, item.path);
+        } else {
+            (item.type == ShortCutOfPath ? keys.pathShortCutList : keys.indexShortCutList)
+                .push_back(item);
+        }
+    }
+    m_manager.shortCutInfoSave(keys);
+    showState();
+    return {};
+}
+
+} // namespace mivohost

@@ -1,0 +1,107 @@
+#pragma once
+
+#include "mivohostapi/shortcuttypes.h"
+#include "surface/keytriggers.h"
+
+#include <mivosettingswidgets/shortcutmgr.h>
+
+#include <QtCore/QTimer>
+#include <QtWidgets/QWidget>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+class QComboBox;
+class QGridLayout;
+class QLabel;
+class QPushButton;
+
+namespace mivo::widgets {
+class ShortCutCover;
+}
+
+namespace mivohost {
+
+class Peripherals;
+
+/// A button for each action that keys and controllers can trigger, and the editing of what triggers
+/// them. GUI thread; `peripherals` must outlive the panel.
+///
+/// An action that is triggered flashes its button and is written to the log. Actions that come
+/// faster than can be read are counted, and written together.
+class ActionPanel : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// Reads the bindings of keys; those of devices are the services'.
+    explicit ActionPanel(Peripherals& peripherals);
+    ~ActionPanel() override;
+
+    void setTexts();
+
+    bool isEditing() const { return m_editing; }
+    void setEditing(bool on);
+
+    /// While it is locked, nothing triggers anything and nothing is edited.
+    void setLocked(bool locked);
+
+    /// Writes all bindings, of keys and of devices, to a file. False when it cannot be written.
+    bool exportTo(const QString& path) const;
+
+    /// Replaces all bindings by those of a file. What the file has that cannot be bound is logged
+    /// and left out. Returns what is wrong with the file, and then nothing has changed.
+    QString importFrom(const QString& path);
+
+signals:
+    /// A text's key and what is put into it, as MainWindow::showNotice().
+    void failed(const QString& key, const QString& argument);
+
+private:
+    struct Action
+    {
+        int type;
+        std::string path;
+        QPushButton* button;
+        mivo::widgets::ShortCutCover* cover;
+        QTimer* flash;
+        int waiting = 0;     // times it was triggered since it was written to the log
+        std::string control; // what triggered it last
+    };
+
+    void addActions(QGridLayout& grid);
+    void addConnections();
+    EnumPeripheralShortCutType kind() const;
+    bool hasBindings() const;
+    void showState();
+    void showHint();
+    void setKind();
+    void trigger(int type, const std::string& path, const std::string& control);
+    void writeTriggered();
+    void clearAll();
+    void exportAll();
+    void importAll();
+    QString askForFile(bool saving);
+    bool confirm(const char* question, const char* button);
+
+    Peripherals& m_peripherals;
+    bool m_editing = false;
+    bool m_locked = false;
+    std::string m_oscUrl;
+    QLabel* m_heading;
+    QPushButton* m_edit;
+    QComboBox* m_kind;
+    QPushButton* m_clear;
+    QPushButton* m_export;
+    QPushButton* m_import;
+    QPushButton* m_lock;
+    QLabel* m_hint;
+    std::vector<std::pair<std::string, QLabel*>> m_groups; // with the keys of their texts
+    std::vector<Action> m_actions;
+    QTimer m_logPause;
+    KeyTriggers m_keys;
+    mivo::settings::ShortCutMgr m_manager; // the last one: it knows covers and services
+};
+
+} // namespace mivohost

@@ -1,0 +1,91 @@
+#include "surface/keytriggers.h"
+
+#include <mivowidgets/shortcutcover.h>
+
+#include <QtGui/QKeyEvent>
+#include <QtWidgets/QAbstractSpinBox>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QComboBox>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QPlainTextEdit>
+#include <QtWidgets/QTextEdit>
+
+namespace mivohost {
+
+namespace {
+
+template <typename Edit>
+bool isWritable(const QWidget* widget)
+{
+    const auto* edit = qobject_cast<const Edit*>(widget);
+    return edit != nullptr && !edit->isReadOnly();
+}
+
+bool takesText(const QWidget* widget)
+{
+    const auto* box = qobject_cast<const QComboBox*>(widget);
+    return isWritable<QLineEdit>(widget) || isWritable<QAbstractSpinBox>(widget)
+           || isWritable<QPlainTextEdit>(widget) || isWritable<QTextEdit>(widget)
+           || (box != nullptr && box->isEditable());
+}
+
+bool isForText(const QKeyEvent& event)
+{
+    const auto commands = Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
+    return !(event.modifiers() & commands)
+           && (event.key() < Qt::Key_F1 || event.key() > Qt::Key_F35);
+}
+
+} // namespace
+
+KeyTriggers::KeyTriggers()
+{
+    qApp->installEventFilter(this);
+}
+
+void KeyTriggers::setBindings(const STLinkShortCutInfo& info)
+{
+    m_bindings.clear();
+    for (const auto* list : {&info.indexShortCutList, &info.pathShortCutList}) {
+        for (const STShortCutItem& item : *list) {
+            const QString keys = QString::fromStdString(item.shortCutStr);
+            if (!m_bindings.contains(keys)) {
+                m_bindings.insert(keys, item);
+            }
+        }
+    }
+}
+
+const STShortCutItem* KeyTriggers::bindingOf(const QKeyEvent& event) const
+{
+    if (!m_enabled || QApplication::activeModalWidget() != nullptr
+        || QApplication::activePopupWidget() != nullptr
+        || (isForText(event) && takesText(QApplication::focusWidget()))) {
+        return nullptr;
+    }
+    const auto found =
+        m_bindings.constFind(mivo::widgets::keySequenceText(event.key(), event.modifiers()));
+    return found == m_bindings.constEnd() ? nullptr : &*found;
+}
+
+bool KeyTriggers::eventFilter(QObject* receiver, QEvent* event)
+{
+    if (event->type() == QEvent::ShortcutOverride) {
+        if (bindingOf(*static_cast<QKeyEvent*>(event)) != nullptr) {
+            event->accept(); // so that it comes as a key press, whatever else has it as a shortcut
+            return true;
+        }
+    } else if (event->type() == QEvent::KeyPress && receiver->isWidgetType()) {
+        auto* press = static_cast<QKeyEvent*>(event);
+        if (const STShortCutItem* found = bindingOf(*press)) {
+            const STShortCutItem item = *found; // what it triggers may change the bindings
+            if (!press->isAutoRepeat()) {
+                emit triggered(item.type, item.path, item.shortCutStr);
+            }
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace mivohost

@@ -1,0 +1,381 @@
+#include "surface/actionpanel.h"
+
+#include "peripherals/peripherals.h"
+#include "surface/settingsview.h"
+
+#include "support/dialogs.h"
+#include "support/logcapture.h"
+#include "support/testruntime.h"
+#include "support/teststore.h"
+
+#include <mivosettingswidgets/settingwdigettranslatemanager.h>
+#include <mivosettingswidgets/shortcutfile.h>
+#include <mivowidgets/shortcutcover.h>
+
+#include <gtest/gtest.h>
+
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+#include <QtCore/QTemporaryDir>
+#include <QtTest/QSignalSpy>
+#include <QtTest/QTest>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QComboBox>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QMessageBox>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QVBoxLayout>
+
+#include <algorithm>
+#include <memory>
+#include <regex>
+#include <thread>
+
+namespace actionpaneltest {
+
+using namespace mivohost;
+using mivo::widgets::ShortCutCover;
+using mivo::widgets::TipDialog;
+
+namespace {
+
+constexpr int mute = 189;
+constexpr int take = 210;
+
+class Panel : public ::testing::Test
+{
+protected:
+    Panel()
+    {
+        QFile::remove(mivo::settings::shortCutFilePath());
+        auto& translator = SettingWdigetTranslateManager::instance().translator();
+        for (const QString& file : languageFiles()) {
+            translator.load(file);
+        }
+        translator.switchLanguage("en");
+        start();
+    }
+    ~Panel() override { QFile::remove(mivo::settings::shortCutFilePath()); }
+
+    /// A window with the panel, as after a start of the program.
+    void start()
+    {
+        window.reset();
+        peripherals.reset();
+        peripherals = std::make_unique<Peripherals>(runtime, store);
+        window = std::make_unique<QWidget>();
+        panel = new ActionPanel(*peripherals);
+        panel->setTexts();
+        field = new QLineEdit;
+        auto* column = new QVBoxLayout(window.get());
+        column->addWidget(panel);
+        column->addWidget(field);
+        window->resize(1100, 700);
+        window->show();
+        goToWindow();
+        log.clear();
+    }
+
+    void goToWindow()
+    {
+        window->activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(window.get()));
+        window->setFocus();
+    }
+
+    ShortCutCover* cover(int type)
+    {
+        for (auto* each : panel->findChildren<ShortCutCover*>()) {
+            if (each->getShortCutIndex() == type) {
+                return each;
+            }
+        }
+        return nullptr;
+    }
+    QPushButton* button(int type) { return qobject_cast<QPushButton*>(cover(type)->parent()); }
+    template <typename Control = QPushButton>
+    Control* control(const char* name)
+    {
+        return panel->findChild<Control*>(name);
+    }
+
+    /// Presses a key where the focus is, as a person does.
+    static void press(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
+    {
+        QWidget* focus = QApplication::focusWidget();
+        QTest::keyClick(focus != nullptr ? focus : QApplication::activeWindow(),
+                        static_cast<Qt::Key>(key), modifiers);
+    }
+
+    void bindKey(int type, int key, Qt::KeyboardModifiers modifiers)
+    {
+        panel->setEditing(true);
+        cover(type)->setFocus();
+        press(key, modifiers);
+        panel->setEditing(false);
+        goToWindow();
+    }
+
+    void chooseKind(EnumPeripheralShortCutType kind)
+    {
+        auto* kinds = control<QComboBox>("shortcutKind");
+        kinds->setCurrentIndex(kind);
+        emit kinds->activated(kind);
+    }
+
+    /// How often the action was carried out, by what the log says of it.
+    int triggered(const std::string& action)
+    {
+        QTest::qWait(150); // what comes close together is written together
+        int count = 0;
+        for (const std::string& line : log.lines()) {
+            if (line.find("|action " + action) == std::string::npos) {
+                continue;
+            }
+            std::smatch times;
+            count += std::regex_search(line, times, std::regex(" \\((\\d+) times\\)$"))
+                         ? std::stoi(times[1])
+                         : 1;
+        }
+        log.clear();
+        return count;
+    }
+
+    static std::vector<STShortCutItem> kept()
+    {
+        QFile file(mivo::settings::shortCutFilePath());
+        return file.open(QIODevice::ReadOnly)
+                   ? mivo::settings::parseShortCuts(file.readAll().toStdString())
+                   : std::vector<STShortCutItem>{};
+    }
+
+    LogCapture log;
+    QTemporaryDir folder;
+    TestStore store;
+    TestRuntime runtime;
+    std::unique_ptr<Peripherals> peripherals;
+    std::unique_ptr<QWidget> window;
+    ActionPanel* panel = nullptr;
+    QLineEdit* field = nullptr;
+};
+
+} // namespace
+
+TEST_F(Panel, AKeyIsBoundByKeyboardAloneAndTriggersAlsoAfterARestart)
+{
+    press(Qt::Key_E, Qt::ControlModifier);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return panel->isEditing(); }));
+    auto* first = qobject_cast<ShortCutCover*>(QApplication::focusWidget());
+    ASSERT_NE(first, nullptr);
+    press(Qt::Key_Tab);
+    press(Qt::Key_Tab);
+    ASSERT_EQ(QApplication::focusWidget(), cover(mute));
+    press(Qt::Key_F7, Qt::ControlModifier);
+    press(Qt::Key_E, Qt::ControlModifier); // a key like any other here
+    EXPECT_EQ(cover(mute)->getShortCutStr(), "Ctrl + E");
+    press(Qt::Key_Backspace);
+    EXPECT_EQ(cover(mute)->getShortCutStr(), "");
+    press(Qt::Key_F7, Qt::ControlModifier);
+    press(Qt::Key_Escape);
+    EXPECT_FALSE(panel->isEditing());
+    EXPECT_EQ(QApplication::focusWidget(), control("editShortcuts"));
+    EXPECT_EQ(triggered("Global/MuteSwitch"), 0);
+
+    for (int run = 0; run < 2; ++run) {
+        press(Qt::Key_F7, Qt::ControlModifier);
+        EXPECT_TRUE(button(mute)->property("flash").toBool());
+        EXPECT_EQ(triggered("Global/MuteSwitch by Ctrl + F7"), 1) << run;
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !button(mute)->property("flash").toBool(); }));
+        start();
+    }
+}
+
+TEST_F(Panel, ABoundKeyGoesBeforeMenusButNotBeforeTyping)
+{
+    QAction menu(window.get());
+    menu.setShortcut(QStringLiteral("Ctrl+N"));
+    window->addAction(&menu);
+    QSignalSpy chosen(&menu, &QAction::triggered);
+    press(Qt::Key_N, Qt::ControlModifier);
+    EXPECT_EQ(chosen.size(), 1);
+    bindKey(mute, Qt::Key_N, Qt::ControlModifier);
+    bindKey(take, Qt::Key_A, Qt::NoModifier);
+
+    press(Qt::Key_N, Qt::ControlModifier);
+    EXPECT_EQ(triggered("Global/MuteSwitch"), 1);
+    EXPECT_EQ(chosen.size(), 1);
+    press(Qt::Key_A);
+    EXPECT_EQ(triggered("Stage/Take"), 1);
+
+    field->setFocus();
+    QTest::keyClicks(field, "a");
+    EXPECT_EQ(field->text(), "a");
+    EXPECT_EQ(triggered("Stage/Take"), 0);
+    press(Qt::Key_N, Qt::ControlModifier);
+    EXPECT_EQ(triggered("Global/MuteSwitch"), 1) << "a command, not a text";
+
+    QDialog modal(window.get());
+    whenModal<QDialog>([this](QDialog& dialog) {
+        press(Qt::Key_N, Qt::ControlModifier);
+        dialog.reject();
+    });
+    modal.exec();
+    goToWindow();
+    EXPECT_EQ(triggered("Global/MuteSwitch"), 0) << "while a dialog waits";
+
+    QKeyEvent held(QEvent::KeyPress, Qt::Key_A, Qt::NoModifier, "a", true);
+    QApplication::sendEvent(window.get(), &held);
+    EXPECT_EQ(triggered("Stage/Take"), 0) << "held down";
+}
+
+TEST_F(Panel, AConflictIsAskedForAndMovesTheKeyOrDoesNot)
+{
+    bindKey(mute, Qt::Key_F5, Qt::NoModifier);
+    for (const bool moves : {false, true}) {
+        whenModal<TipDialog>([moves](TipDialog& dialog) {
+            dialog.done(moves ? static_cast<int>(TipDialog::accepted) : 0);
+        });
+        bindKey(take, Qt::Key_F5, Qt::NoModifier);
+        ASSERT_EQ(kept().size(), 1u);
+        EXPECT_EQ(kept().front().type, moves ? take : mute);
+        EXPECT_EQ(cover(mute)->getShortCutStr(), moves ? "" : "F5");
+        press(Qt::Key_F5);
+        EXPECT_EQ(triggered("Stage/Take"), moves ? 1 : 0);
+        EXPECT_EQ(triggered("Global/MuteSwitch"), 0);
+    }
+}
+
+TEST_F(Panel, WhileItIsLockedNothingTriggersAnything)
+{
+    bindKey(mute, Qt::Key_F5, Qt::NoModifier);
+    peripherals->midi().bind({take, "/Peripherals/Stage/Take", "CC 7 ch 1 (X)"});
+    auto* lock = control("lockScreen");
+    const auto osc = [this](int type, const std::string& path) {
+        peripherals->osc().controlMessage(type, path, "1");
+    };
+    osc(208, "/Peripherals/Toolbar/LockScreen");
+    EXPECT_TRUE(lock->isChecked()) << "by the action";
+    press(Qt::Key_F5);
+    QTest::mouseClick(button(mute), Qt::LeftButton);
+    EXPECT_EQ(triggered("Global/MuteSwitch"), 0);
+    for (const char* name : {"editShortcuts", "clearShortcuts", "importShortcuts"}) {
+        EXPECT_FALSE(control(name)->isEnabled()) << name;
+    }
+    QTest::mouseClick(lock, Qt::LeftButton);
+    press(Qt::Key_F5);
+    EXPECT_EQ(triggered("Global/MuteSwitch"), 1);
+    EXPECT_TRUE(control("editShortcuts")->isEnabled());
+}
+
+TEST_F(Panel, BindingsOfDevicesAreShownClearedAndAskedFor)
+{
+    peripherals->midi().bind({take, "/Peripherals/Stage/Take", "CC 7 ch 1 (X)"});
+    start();
+    EXPECT_EQ(cover(take)->keyText(PeripheralMidi), "CC 7 ch 1 (X)");
+    EXPECT_FALSE(control("clearShortcuts")->isEnabled()) << "no keys";
+    panel->setEditing(true);
+    chooseKind(PeripheralMidi);
+    auto* clear = control("clearShortcuts");
+    ASSERT_TRUE(clear->isEnabled());
+    for (const bool agrees : {false, true}) {
+        whenModal<QMessageBox>([agrees](QMessageBox& box) {
+            QTest::mouseClick(box.buttons().at(agrees ? 1 : 0), Qt::LeftButton);
+        });
+        clear->click();
+        EXPECT_EQ(peripherals->midi().bindings().empty(), agrees);
+        EXPECT_EQ(clear->isEnabled(), !agrees);
+    }
+    goToWindow();
+    chooseKind(PeripheralOsc);
+    EXPECT_EQ(cover(take)->keyText(PeripheralOsc), "/Peripherals/Stage/Take");
+    cover(take)->setFocus();
+    press(Qt::Key_Backspace);
+    EXPECT_EQ(cover(take)->keyText(PeripheralOsc), "/Peripherals/Stage/Take") << "for good";
+}
+
+TEST_F(Panel, AllBindingsGoOutIntoAFileAndComeBack)
+{
+    bindKey(mute, Qt::Key_F5, Qt::ControlModifier);
+    peripherals->midi().bind({take, "/Peripherals/Stage/Take", "CC 7 ch 1 (X \"1\")"});
+    peripherals->dmx().bind({mute, "/Peripherals/Global/MuteSwitch", "DMX 12"});
+    const QString file = folder.filePath("all.json");
+    ASSERT_TRUE(panel->exportTo(file));
+    EXPECT_FALSE(panel->exportTo(folder.path())) << "a folder";
+
+    for (const auto kind : {PeripheralKeyboard, PeripheralMidi, PeripheralDmx}) {
+        whenModal<QMessageBox>(
+            [](QMessageBox& box) { QTest::mouseClick(box.buttons().at(1), Qt::LeftButton); });
+        chooseKind(kind);
+        control("clearShortcuts")->click();
+    }
+    goToWindow();
+    bindKey(take, Qt::Key_F6, Qt::NoModifier);
+    EXPECT_EQ(panel->importFrom(file), "");
+    EXPECT_EQ(cover(mute)->getShortCutStr(), "Ctrl + F5");
+    EXPECT_EQ(cover(take)->getShortCutStr(), "") << "replaced";
+    EXPECT_EQ(cover(take)->keyText(PeripheralMidi), "CC 7 ch 1 (X \"1\")");
+    EXPECT_EQ(cover(mute)->keyText(PeripheralDmx), "DMX 12");
+    start();
+    press(Qt::Key_F5, Qt::ControlModifier);
+    EXPECT_EQ(triggered("Global/MuteSwitch"), 1);
+    EXPECT_EQ(cover(mute)->keyText(PeripheralDmx), "DMX 12");
+
+    const auto write = [this](const char* text) {
+        QFile other(folder.filePath("other.json"));
+        EXPECT_TRUE(other.open(QIODevice::WriteOnly));
+        other.write(text);
+        return other.fileName();
+    };
+    EXPECT_EQ(panel->importFrom(write("{\"shortCutInfoList\":[")),
+              "error at line :1 col :21 msg:no valid array!");
+    EXPECT_NE(panel->importFrom(folder.filePath("gone.json")), "");
+    EXPECT_EQ(kept().size(), 1u) << "unchanged";
+    EXPECT_EQ(peripherals->dmx().bindings().size(), 1u);
+
+    EXPECT_EQ(panel->importFrom(
+                  write(R"({"shortCutInfoList":[{"type":189,"path":"a","shortCutStr":"Ctrl + C"},)"
+                        R"({"type":189,"path":"b","shortCutStr":"nonsense"},)"
+                        R"({"type":9999,"path":"c","shortCutStr":"F9"}]})")),
+              "");
+    ASSERT_EQ(kept().size(), 1u) << "neither a reserved sequence nor none";
+    EXPECT_EQ(kept().front().type, 9999) << "an action that another version has";
+    press(Qt::Key_F9);
+    EXPECT_EQ(triggered(""), 0);
+}
+
+TEST_F(Panel, AFloodIsCountedAndLosesNoKey)
+{
+    bindKey(mute, Qt::Key_F5, Qt::NoModifier);
+    constexpr int messages = 100000;
+    std::thread network([this] {
+        for (int i = 0; i < messages; ++i) {
+            peripherals->osc().controlMessage(take, "/Peripherals/Stage/Take", "1");
+        }
+    });
+    for (int i = 0; i < 5; ++i) {
+        press(Qt::Key_F5);
+        QTest::qWait(20);
+    }
+    network.join();
+    QTest::qWait(300);
+    int keys = 0;
+    int arrived = 0;
+    int dropped = 0;
+    const auto lines = log.lines();
+    for (const std::string& line : lines) {
+        std::smatch found;
+        const auto count = [&](const char* pattern) {
+            return std::regex_search(line, found, std::regex(pattern))
+                       ? (found[1].matched ? std::stoi(found[1]) : 1)
+                       : 0;
+        };
+        keys += count("MuteSwitch by F5(?: \\((\\d+) times\\))?$");
+        arrived += count("Stage/Take by 1(?: \\((\\d+) times\\))?$");
+        dropped += count("(\\d+) messages of devices were dropped");
+    }
+    EXPECT_EQ(keys, 5);
+    EXPECT_EQ(arrived + dropped, messages);
+    EXPECT_LT(lines.size(), 1000u) << "the log can be read";
+}
+
+} // namespace actionpaneltest
