@@ -912,4 +912,51 @@
         <translation>黑场</translation>
     </message>
 </context>
+<context>
+    <name>QColorDialog</name>
+    <message>
+        <source>&amp;Basic colors</source>
+        <translation>基本颜色(&amp;B)</translation>
+    </message>
+    <message>
+        <source>&amp;Custom colors</source>
+        <translation>自定义颜色(&amp;C)</translation>
+    </message>
+    <message>
+        <source>&amp;Add to Custom Colors</source>
+        <translation>添加到自定义颜色(&amp;A)</translation>
+    </message>
+    <message>
+        <source>&amp;Pick Screen Color</source>
+        <translation>屏幕取色(&amp;P)</translation>
+    </message>
+    <message>
+        <source>Hu&amp;e:</source>
+        <translation>色调(&amp;E)：</translation>
+    </message>
+    <message>
+        <source>&amp;Sat:</source>
+        <translation>饱和度(&amp;S)：</translation>
+    </message>
+    <message>
+        <source>&amp;Val:</source>
+        <translation>亮度(&amp;V)：</translation>
+    </message>
+    <message>
+        <source>&amp;Red:</source>
+        <translation>红(&amp;R)：</translation>
+    </message>
+    <message>
+        <source>&amp;Green:</source>
+        <translation>绿(&amp;G)：</translation>
+    </message>
+    <message>
+        <source>Bl&amp;ue:</source>
+        <translation>蓝(&amp;U)：</translation>
+    </message>
+    <message>
+        <source>&amp;HTML:</source>
+        <translation>&amp;HTML：</translation>
+    </message>
+</context>
 </TS>
