@@ -187,7 +187,7 @@ protected:
             cover = QApplication::activeWindow();
             return cover != nullptr && cover != &dialog;
         };
-        EXPECT_TRUE(QTest::qWaitFor(isCovered));
+        EXPECT_TRUE(QTest::qWaitFor(isCovered) && QTest::qWaitForWindowExposed(cover));
         EXPECT_EQ(cover->size(), QGuiApplication::primaryScreen()->size());
         return cover;
     }
@@ -236,7 +236,7 @@ TEST_F(ScreenPicking, ByMouseAlsoOnAScreenOfTwoPixelsAPoint)
         scale = pixels;
         QWidget* cover = startAt({5, 5});
         QTest::mouseMove(cover, {40, 60});
-        EXPECT_EQ(dialog.currentColor(), colorAt({40, 60}));
+        EXPECT_TRUE(QTest::qWaitFor([this] { return dialog.currentColor() == colorAt({40, 60}); }));
         const QPoint corner(cover->width() - 1, cover->height() - 1);
         QTest::mouseClick(cover, Qt::LeftButton, {}, corner);
         expectEnded();

@@ -363,7 +363,10 @@ void StageSettingBox::Impl::ColorRow::refresh()
 {
     const QString shown = color();
     hexEdit->setText(shown);
-    picker->setStyleSheet("QPushButton{background-color:" + shown + ";}");
+    const QString style = "QPushButton{background-color:" + shown + ";}";
+    if (picker->styleSheet() != style) { // a style sheet is dear, also one that changes nothing
+        picker->setStyleSheet(style);
+    }
     for (std::size_t id = 0; id < differs.presets.size(); ++id) {
         if (shown.compare(QLatin1String(differs.presets[id]), Qt::CaseInsensitive) == 0) {
             swatches->button(static_cast<int>(id))->setChecked(true);
