@@ -1,6 +1,7 @@
 #include <mivosettingswidgets/settingsdialog.h>
 
 #include "support/logcapture.h"
+#include "support/pagecases.h"
 #include "support/plainpage.h"
 #include "support/testruntime.h"
 #include "support/teststore.h"
@@ -20,6 +21,7 @@
 #include <QtWidgets/QStackedWidget>
 
 #include <regex>
+#include <set>
 
 namespace settingsdialogtest {
 
@@ -258,6 +260,35 @@ TEST_F(Dialog, TabGoesFromTopToBottomWhateverTheOrderOfInsertion)
 
 namespace {
 
+std::string describe(QWidget* control)
+{
+    const QString name = control->accessibleName() + control->property("text").toString();
+    return control->metaObject()->className() + (" " + name.toStdString());
+}
+
+/// The first of the stops that stands above the one before it, or left of it in the same row; the
+/// stops within a group go before those behind the group. Empty where all are in order.
+std::string firstOutOfOrder(const std::vector<QWidget*>& stops)
+{
+    for (std::size_t i = 1; i < stops.size(); ++i) {
+        QWidget* before = stops[i - 1];
+        QWidget* after = stops[i];
+        while (!before->parentWidget()->isAncestorOf(after)) {
+            before = before->parentWidget();
+        }
+        while (after->parentWidget() != before->parentWidget()) {
+            after = after->parentWidget();
+        }
+        const QRect above = before->geometry();
+        const QRect below = after->geometry();
+        const bool sameRow = below.top() <= above.center().y() && above.top() <= below.center().y();
+        if (sameRow ? below.left() < above.right() : below.top() < above.top()) {
+            return describe(stops[i]) + " after " + describe(stops[i - 1]);
+        }
+    }
+    return {};
+}
+
 /// The host's own dialog over a fake store.
 class BoundDialog : public ::testing::Test
 {
@@ -284,6 +315,76 @@ protected:
 };
 
 } // namespace
+
+TEST_F(BoundDialog, IsWalkedThroughByKeyboardAlone)
+{
+    SettingsDialog& dialog = view->dialog();
+    const auto* sections = dialog.findChild<QStackedWidget*>();
+    const auto press = [&dialog](Qt::Key key) {
+        QWidget* focused = QApplication::focusWidget();
+        QTest::keyClick(focused != nullptr ? focused : &dialog, key);
+    };
+    const auto navigation = dialog.findChild<QButtonGroup*>()->buttons();
+    ASSERT_EQ(navigation.size(), sections->count());
+    QSet<QWidget*> pagesSeen;
+    for (int id = 0; id < navigation.size(); ++id) {
+        while (QApplication::focusWidget() != navigation[id]) {
+            press(Qt::Key_Tab);
+        }
+        press(Qt::Key_Return);
+        ASSERT_EQ(sections->currentIndex(), id);
+        QWidget* section = sections->currentWidget();
+
+        std::vector<QWidget*> stops;
+        do {
+            press(Qt::Key_Tab);
+            QWidget* stop = QApplication::focusWidget();
+            const bool isNew = stops.empty() || stops.back() != stop; // a time has several parts
+            if (isNew && section->isAncestorOf(stop) && stop != section) {
+                EXPECT_FALSE(stop->visibleRegion().isEmpty()) << "not scrolled to";
+                stops.push_back(stop);
+            }
+        } while (QApplication::focusWidget() != navigation[id]);
+        EXPECT_EQ(firstOutOfOrder(stops), "");
+
+        const QSet<QWidget*> reached(stops.begin(), stops.end());
+        for (ISettingBox* page : view->pages()) {
+            if (!section->isAncestorOf(page)) {
+                continue;
+            }
+            pagesSeen.insert(page);
+            for (QWidget* control : controlsIn(page)) {
+                EXPECT_TRUE(isReached(control, reached) || !control->isVisible()
+                            || !control->isEnabled())
+                    << describe(control);
+            }
+        }
+    }
+    EXPECT_EQ(static_cast<std::size_t>(pagesSeen.size()), view->pages().size());
+
+    for (QAbstractButton* button : navigation) {
+        dialog.show();
+        dialog.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+        button->setFocus();
+        press(Qt::Key_Space);
+        do { // to the section's last control
+            press(Qt::Key_Backtab);
+        } while (navigation.contains(qobject_cast<QAbstractButton*>(QApplication::focusWidget())));
+        press(Qt::Key_Escape);
+        EXPECT_FALSE(dialog.isVisible());
+    }
+}
+
+TEST_F(BoundDialog, EachSectionHasOnePlaceForEachPage)
+{
+    std::set<std::pair<QWidget*, int>> places;
+    for (ISettingBox* page : view->pages()) {
+        EXPECT_TRUE(places.emplace(page->parentWidget(), page->priorityIndex()).second)
+            << page->metaObject()->className();
+        EXPECT_GE(page->priorityIndex(), 0);
+    }
+}
 
 TEST_F(BoundDialog, ReturnFinishesAnEditAndPressesNoButton)
 {

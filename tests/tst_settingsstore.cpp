@@ -106,6 +106,20 @@ TEST_F(Store, CorrectsWhatNoPageCouldHaveSentAndSaysWhatItHolds)
     EXPECT_EQ(announced, (std::vector{1, 500, 500}));
 }
 
+TEST_F(Store, KeepsTheColorBeforeOneThatIsNone)
+{
+    auto store = make({{"canvasColor", "#12AbcD"}, {"outputColor", "#12345"}});
+    EXPECT_EQ(store->getCanvasColor(), "#12AbcD");
+    EXPECT_EQ(store->getOutputColor(), "#ffffff");
+    std::vector<std::string> colors;
+    store->canvasColorChanged.connect([&](const std::string& color) { colors.push_back(color); });
+    for (const char* none : {"", "red", "#fff", "#1234567", "123456", "#12345g", "#123456\n"}) {
+        store->setCanvasColor(none);
+        EXPECT_EQ(store->getCanvasColor(), "#12AbcD") << none;
+    }
+    EXPECT_EQ(colors, std::vector<std::string>(7, "#12AbcD")) << "so that a page shows it again";
+}
+
 TEST_F(Store, ResetsUnusableRowsToTheirDefaults)
 {
     struct Case

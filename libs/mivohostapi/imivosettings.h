@@ -69,6 +69,21 @@ public:
     virtual void setCachePath(const std::string& folder) = 0;
     virtual void setSharePath(const std::string& folder) = 0;
 
+    virtual STPPTSysSettingsInfo getPPTSysSettings() = 0;
+    virtual void setPPTAutoplay(bool on) = 0;
+    virtual void setPPTAutoplayInterval(int milliseconds) = 0; ///< 3000 to 86399000
+    virtual void setPPTPlayMode(int mode) = 0;                 ///< an EnumPPTPlayMode
+    /// A key of pptResolutions(). Width and height follow it, and are announced where they change.
+    virtual void setPPTPresetsResolutionType(int key) = 0;
+    virtual void setPPTResolutionWidth(int pixels) = 0; ///< 0 to 16384; the preset stays
+    virtual void setPPTResolutionHeight(int pixels) = 0;
+
+    /// Colours of the stage: "#" and six hexadecimal digits.
+    virtual std::string getCanvasColor() = 0;
+    virtual void setCanvasColor(const std::string& color) = 0;
+    virtual std::string getOutputColor() = 0;
+    virtual void setOutputColor(const std::string& color) = 0;
+
     /// The listening ports, TCP and UDP. The host opens or closes them as is wished and announces
     /// what came of it.
     virtual STPortInfo getTcpPort() = 0;
@@ -109,6 +124,16 @@ public:
     sigslot::signal<const QString&> autoSavePathChanged;
     sigslot::signal<const bool> notPromptForSaveChanged;
     sigslot::signal<const bool> newProjResetOutputChanged;
+
+    sigslot::signal<const bool> pptAutoplayChanged;
+    sigslot::signal<const int> pptAutoplayIntervalChanged;
+    sigslot::signal<const int> pptPlayModeChanged;
+    sigslot::signal<const int> pptPresetsResolutionTypeChanged;
+    sigslot::signal<const int> pptResolutionWidthChanged;
+    sigslot::signal<const int> pptResolutionHeightChanged;
+
+    sigslot::signal<const std::string&> canvasColorChanged;
+    sigslot::signal<const std::string&> outputColorChanged;
 
     sigslot::signal<const STPortInfo&> tcpPortChanged;
     sigslot::signal<const STPortInfo&> udpPortChanged;

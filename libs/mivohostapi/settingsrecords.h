@@ -103,6 +103,27 @@ struct STFileInfoSettings
 };
 Q_DECLARE_METATYPE(STFileInfoSettings)
 
+/// How a presentation is played.
+enum EnumPPTPlayMode { PPTPlayAnimation, PPTPlayImage };
+
+/// How presentations are played, and the size in which their slides are rendered.
+struct STPPTSysSettingsInfo
+{
+    bool pptAutoplay = false;           ///< slides advance by themselves
+    int pptAutoplayInterval = 3000;     ///< milliseconds, 3000 up to a second before a day
+    int pptPlayMode = PPTPlayAnimation; ///< an EnumPPTPlayMode
+    int pptPresetsResolutionType = 1;   ///< a key of pptResolutions(): the preset chosen last
+    int pptResolutionWidth = 1920;      ///< pixels, 0 to 16384; 0: the presentation's own
+    int pptResolutionHeight = 1080;
+
+    auto fields() const
+    {
+        return std::tie(pptAutoplay, pptAutoplayInterval, pptPlayMode, pptPresetsResolutionType,
+                        pptResolutionWidth, pptResolutionHeight);
+    }
+};
+Q_DECLARE_METATYPE(STPPTSysSettingsInfo)
+
 /// A port on which the application listens.
 struct STPortInfo
 {

@@ -60,6 +60,16 @@ inline void showIndex(QComboBox* combo, int index)
     combo->setCurrentIndex(index);
 }
 
+/// A field for how long something plays: three seconds to one second before a day.
+inline void setUpDuration(QTimeEdit* edit, const QTime& initial)
+{
+    edit->setFixedWidth(100);
+    edit->setDisplayFormat(QStringLiteral("hh:mm:ss"));
+    edit->setButtonSymbols(QAbstractSpinBox::UpDownArrows);
+    edit->setTime(initial);
+    edit->setTimeRange(QTime(0, 0, 3), QTime(23, 59, 59));
+}
+
 /// Controls that share a label which is not theirs alone.
 inline void nameAll(const QList<QWidget*>& controls, const QString& name)
 {

@@ -80,10 +80,7 @@ ResPlayControlSettingBox::Impl::Impl(ResPlayControlSettingBox* page)
     m_kind->addItem(QString(), ResourcePicture);
     m_kind->addItem(QString(), ResourcePowerPoint);
     m_kind->addItem(QString(), ResourceOSD);
-    m_duration->setDisplayFormat(QStringLiteral("hh:mm:ss"));
-    m_duration->setButtonSymbols(QAbstractSpinBox::UpDownArrows);
-    m_duration->setTime(QTime(0, 0, 5));
-    m_duration->setTimeRange(QTime(0, 0, 3), QTime(23, 59, 59));
+    setUpDuration(m_duration, QTime(0, 0, 5));
     layOut();
 
     text(
@@ -110,7 +107,6 @@ void ResPlayControlSettingBox::Impl::layOut()
 {
     owner->setObjectName(QStringLiteral("ResPlayControlSettingGroupBox"));
     m_kind->setFixedWidth(140);
-    m_duration->setFixedWidth(100);
 
     auto* row = new QHBoxLayout;
     row->setContentsMargins(2, 0, 0, 0);

@@ -5,6 +5,7 @@
 
 #include <QtCore/QObject>
 #include <QtCore/QString>
+#include <QtGui/QColor>
 
 #include <functional>
 #include <vector>
@@ -27,6 +28,8 @@ template <>
 inline constexpr const char* queuedTypeText<bool> = "const bool";
 template <>
 inline constexpr const char* queuedTypeText<QString> = "const QString&";
+template <>
+inline constexpr const char* queuedTypeText<QColor> = "const QColor";
 template <>
 inline constexpr const char* queuedTypeText<STResourceSettingsInfo> =
     "const STResourceSettingsInfo&";

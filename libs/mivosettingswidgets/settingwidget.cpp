@@ -28,11 +28,13 @@ void polishWhenShown(QWidget* widget)
     }
 }
 
-/// The controls of a page that Tab stops at, in their order.
-std::vector<QWidget*> tabStops(QWidget* page)
+/// The controls of a page of `content` that Tab stops at, in their order. The page itself may
+/// stand anywhere among them.
+std::vector<QWidget*> tabStops(QWidget* page, QWidget* content)
 {
     std::vector<QWidget*> stops;
-    for (QWidget* next = page->nextInFocusChain(); next != page; next = next->nextInFocusChain()) {
+    for (QWidget* next = content->nextInFocusChain(); next != content;
+         next = next->nextInFocusChain()) {
         if (page->isAncestorOf(next) && (next->focusPolicy() & Qt::TabFocus) != 0
             && next->focusProxy() == nullptr) {
             stops.push_back(next);
@@ -62,7 +64,7 @@ public:
     {
         QWidget* previous = nullptr;
         for (int i = std::max(0, position - 1); i < column->count() - 1; ++i) {
-            for (QWidget* stop : tabStops(column->itemAt(i)->widget())) {
+            for (QWidget* stop : tabStops(column->itemAt(i)->widget(), content)) {
                 if (previous != nullptr && i >= position) {
                     QWidget::setTabOrder(previous, stop);
                 }

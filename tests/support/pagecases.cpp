@@ -5,18 +5,24 @@
 #include <mivosettingswidgets/fileinfosettingbox.h>
 #include <mivosettingswidgets/generalsettingbox.h>
 #include <mivosettingswidgets/netdevicesettingwidget.h>
+#include <mivosettingswidgets/officepptsettingbox.h>
 #include <mivosettingswidgets/onlinesettingbox.h>
 #include <mivosettingswidgets/projectsettingbox.h>
 #include <mivosettingswidgets/resplaycontrolsettingbox.h>
+#include <mivosettingswidgets/stagesettingbox.h>
 #include <mivosettingswidgets/undosettingbox.h>
 
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QTest>
-#include <QtWidgets/QAbstractButton>
+#include <QtWidgets/QAbstractItemView>
+#include <QtWidgets/QButtonGroup>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QDateTimeEdit>
 #include <QtWidgets/QDoubleSpinBox>
 #include <QtWidgets/QLineEdit>
+#include <QtWidgets/QRadioButton>
+
+#include <algorithm>
 
 using namespace mivo::settings;
 
@@ -103,6 +109,20 @@ ControlCase folder(const char* setting, int index, const char* subFolder, const 
             writeSlot};
 }
 
+/// Width and height are written together.
+ControlCase resolution(const char* setting, int index, double initial)
+{
+    return {
+        setting,       "mivo::widgets::SpinEditBox",  index,   initial, 700., 16384., initial, 500.,
+        typing("500"), "onResolutionEditingFinished", nullptr, 2};
+}
+
+ControlCase color(const char* setting, int index, const char* initial, const char* writeSlot)
+{
+    return {setting,   "mivo::widgets::EditBox", index,    initial, "#1e2c36", "#ff0010", initial,
+            "#123abc", typing("#123ABC"),        writeSlot};
+}
+
 PageCase networkCase()
 {
     const auto closedPort = [](const QVariant& port) { return "0|" + port.toString(); };
@@ -167,6 +187,18 @@ const std::vector<PageCase>& pageCases()
              folder("playLogPath", 0, "/playlog", "onPlayLogPathChanged"),
              folder("cachePath", 1, "/cache", "onCacheChanged"),
              folder("sharePath", 2, "/sharedfolder", "onShareChanged")}),
+        pageCase<OfficePPTSettingBox>(
+            "officepptsettingbox.cpp", true, false, 1, 6,
+            {checkBox("pptAutoplay", 0, "onPPTAutoplayStateChanged"),
+             {"pptAutoplayInterval", "mivo::widgets::TimeEditBox", 0, 3000, 8000, 9000, 3000, 83000,
+              typingTime("000123"), "onPPTAutoplayIntervalTimeChanged"},
+             {"pptPlayMode", "QRadioButton", 1, false, false, false, false, true, clicking,
+              "onPPTPlayModeBtnGroupChanged", [](const QVariant& on) { return on.toInt(); }},
+             resolution("pptResolutionWidth", 0, 1920.),
+             resolution("pptResolutionHeight", 1, 1080.)}),
+        pageCase<StageSettingBox>("stagesettingbox.cpp", true, true, 2, 2,
+                                  {color("canvasColor", 0, "#000000", "notifyChangeColor"),
+                                   color("outputColor", 1, "#ffffff", "notifyChangeTextColor")}),
     };
     return cases;
 }
@@ -201,4 +233,32 @@ QVariant shownBy(QWidget* control)
         return edit->text();
     }
     return {};
+}
+
+std::vector<QWidget*> controlsIn(QWidget* parent)
+{
+    std::vector<QWidget*> controls;
+    const auto children = parent->findChildren<QWidget*>();
+    for (QWidget* child : children) {
+        const bool isPart = qobject_cast<QLineEdit*>(child) != nullptr
+                            && qobject_cast<QAbstractSpinBox*>(child->parentWidget()) != nullptr;
+        if (!isPart
+            && (qobject_cast<QAbstractButton*>(child) || qobject_cast<QAbstractSpinBox*>(child)
+                || qobject_cast<QComboBox*>(child) || qobject_cast<QLineEdit*>(child)
+                || qobject_cast<QAbstractItemView*>(child))) {
+            controls.push_back(child);
+        }
+    }
+    return controls;
+}
+
+bool isReached(QWidget* control, const QSet<QWidget*>& stops)
+{
+    const auto* radio = qobject_cast<QRadioButton*>(control);
+    if (radio == nullptr || radio->group() == nullptr) {
+        return stops.contains(control);
+    }
+    const auto buttons = radio->group()->buttons();
+    return std::any_of(buttons.begin(), buttons.end(),
+                       [&stops](QAbstractButton* button) { return stops.contains(button); });
 }

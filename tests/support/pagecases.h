@@ -2,6 +2,7 @@
 
 #include <mivosettingswidgets/isettingbox.h>
 
+#include <QtCore/QSet>
 #include <QtCore/QVariant>
 
 #include <functional>
@@ -27,6 +28,7 @@ struct ControlCase
     std::string writeSlot;              ///< named by the null-store warning
     /// What the store keeps for a value that is shown, where it is not the value itself.
     std::function<QVariant(const QVariant&)> record = nullptr;
+    std::size_t hops = 1; ///< to the runtime, of one edit
 
     QVariant kept(const QVariant& shown) const { return record ? record(shown) : shown; }
 };
@@ -58,3 +60,10 @@ inline std::ostream& operator<<(std::ostream& out, const PageCase& page)
 
 QWidget* findControl(QWidget* page, const ControlCase& control);
 QVariant shownBy(QWidget* control);
+
+/// Everything of `parent` that a person operates.
+std::vector<QWidget*> controlsIn(QWidget* parent);
+
+/// Whether Tab, which stopped at `stops`, leads to the control: of the radio buttons of a group to
+/// one, from which the arrow keys lead to the others.
+bool isReached(QWidget* control, const QSet<QWidget*>& stops);

@@ -77,7 +77,10 @@ public:
             autoSaveProjectFilesIntervalChanged, autoSaveProjectFilesMaxNumChanged,
             autoSavePathChanged, notPromptForSaveChanged, newProjResetOutputChanged, tcpPortChanged,
             udpPortChanged, tcpPortFailed, udpPortFailed, playLogStorageTimeTypeChanged,
-            playLogPathChanged, cachePathChanged, sharePathChanged);
+            playLogPathChanged, cachePathChanged, sharePathChanged, pptAutoplayChanged,
+            pptAutoplayIntervalChanged, pptPlayModeChanged, pptPresetsResolutionTypeChanged,
+            pptResolutionWidthChanged, pptResolutionHeightChanged, canvasColorChanged,
+            outputColorChanged);
     }
 
 private:

@@ -588,6 +588,111 @@
         <comment>Widget</comment>
         <translation>The application itself needs this key. Choose another one.</translation>
     </message>
+    <message>
+        <source>General</source>
+        <comment>Widget</comment>
+        <translation>Stage colours</translation>
+    </message>
+    <message>
+        <source>PresetsColor</source>
+        <comment>Widget</comment>
+        <translation>Presets</translation>
+    </message>
+    <message>
+        <source>CanvesSetting</source>
+        <comment>Widget</comment>
+        <translation>Canvas</translation>
+    </message>
+    <message>
+        <source>TextColor</source>
+        <comment>Widget</comment>
+        <translation>Output</translation>
+    </message>
+    <message>
+        <source>CustomColor</source>
+        <comment>Widget</comment>
+        <translation>Custom</translation>
+    </message>
+    <message>
+        <source>SelectColor</source>
+        <comment>Widget</comment>
+        <translation>Choose a colour</translation>
+    </message>
+    <message>
+        <source>Determine</source>
+        <comment>Widget</comment>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>PickScreenColor</source>
+        <comment>Widget</comment>
+        <translation>Pick from the screen</translation>
+    </message>
+    <message>
+        <source>OfficeSettings</source>
+        <comment>Widget</comment>
+        <translation>Presentations</translation>
+    </message>
+    <message>
+        <source>OfficePPTSettings</source>
+        <comment>Widget</comment>
+        <translation>Slide shows</translation>
+    </message>
+    <message>
+        <source>OfficePPTAutoplay</source>
+        <comment>Widget</comment>
+        <translation>Advance slides automatically</translation>
+    </message>
+    <message>
+        <source>OfficePPTAutoplayInterval</source>
+        <comment>Widget</comment>
+        <translation>Interval</translation>
+    </message>
+    <message>
+        <source>OfficePPTPlayMode</source>
+        <comment>Widget</comment>
+        <translation>Play mode</translation>
+    </message>
+    <message>
+        <source>OfficePPTPlayAnimationMode</source>
+        <comment>Widget</comment>
+        <translation>Slides with their animations</translation>
+    </message>
+    <message>
+        <source>OfficePPTPlayImageMode</source>
+        <comment>Widget</comment>
+        <translation>Still images</translation>
+    </message>
+    <message>
+        <source>OfficePPTResolution</source>
+        <comment>Widget</comment>
+        <translation>Resolution</translation>
+    </message>
+    <message>
+        <source>OfficePPTPresetsResolution</source>
+        <comment>Widget</comment>
+        <translation>Preset</translation>
+    </message>
+    <message>
+        <source>OfficePPTSettingTip</source>
+        <comment>Widget</comment>
+        <translation>Presentations take these settings up when they are next opened</translation>
+    </message>
+    <message>
+        <source>OfficePPTResolutionSettingTip</source>
+        <comment>Widget</comment>
+        <translation>A higher resolution needs more memory and takes longer to load</translation>
+    </message>
+    <message>
+        <source>OfficePPTDefaultResolution</source>
+        <comment>Widget</comment>
+        <translation>default</translation>
+    </message>
+    <message>
+        <source>OfficePPTOwnResolutionTip</source>
+        <comment>Widget</comment>
+        <translation>0: the presentation’s own size is used</translation>
+    </message>
 </context>
 <context>
     <name>MivoHost</name>

@@ -588,6 +588,111 @@
         <comment>Widget</comment>
         <translation>该按键为系统快捷键，请选择其他按键。</translation>
     </message>
+    <message>
+        <source>General</source>
+        <comment>Widget</comment>
+        <translation>舞台颜色</translation>
+    </message>
+    <message>
+        <source>PresetsColor</source>
+        <comment>Widget</comment>
+        <translation>预设</translation>
+    </message>
+    <message>
+        <source>CanvesSetting</source>
+        <comment>Widget</comment>
+        <translation>画布</translation>
+    </message>
+    <message>
+        <source>TextColor</source>
+        <comment>Widget</comment>
+        <translation>输出</translation>
+    </message>
+    <message>
+        <source>CustomColor</source>
+        <comment>Widget</comment>
+        <translation>自定义</translation>
+    </message>
+    <message>
+        <source>SelectColor</source>
+        <comment>Widget</comment>
+        <translation>选择颜色</translation>
+    </message>
+    <message>
+        <source>Determine</source>
+        <comment>Widget</comment>
+        <translation>确定</translation>
+    </message>
+    <message>
+        <source>PickScreenColor</source>
+        <comment>Widget</comment>
+        <translation>屏幕取色</translation>
+    </message>
+    <message>
+        <source>OfficeSettings</source>
+        <comment>Widget</comment>
+        <translation>演示文稿</translation>
+    </message>
+    <message>
+        <source>OfficePPTSettings</source>
+        <comment>Widget</comment>
+        <translation>幻灯片放映</translation>
+    </message>
+    <message>
+        <source>OfficePPTAutoplay</source>
+        <comment>Widget</comment>
+        <translation>自动切换幻灯片</translation>
+    </message>
+    <message>
+        <source>OfficePPTAutoplayInterval</source>
+        <comment>Widget</comment>
+        <translation>间隔时间</translation>
+    </message>
+    <message>
+        <source>OfficePPTPlayMode</source>
+        <comment>Widget</comment>
+        <translation>播放方式</translation>
+    </message>
+    <message>
+        <source>OfficePPTPlayAnimationMode</source>
+        <comment>Widget</comment>
+        <translation>播放动画</translation>
+    </message>
+    <message>
+        <source>OfficePPTPlayImageMode</source>
+        <comment>Widget</comment>
+        <translation>静态图片</translation>
+    </message>
+    <message>
+        <source>OfficePPTResolution</source>
+        <comment>Widget</comment>
+        <translation>分辨率</translation>
+    </message>
+    <message>
+        <source>OfficePPTPresetsResolution</source>
+        <comment>Widget</comment>
+        <translation>预设分辨率</translation>
+    </message>
+    <message>
+        <source>OfficePPTSettingTip</source>
+        <comment>Widget</comment>
+        <translation>下次打开演示文稿时生效</translation>
+    </message>
+    <message>
+        <source>OfficePPTResolutionSettingTip</source>
+        <comment>Widget</comment>
+        <translation>分辨率越高，占用内存越多，加载时间越长</translation>
+    </message>
+    <message>
+        <source>OfficePPTDefaultResolution</source>
+        <comment>Widget</comment>
+        <translation>默认</translation>
+    </message>
+    <message>
+        <source>OfficePPTOwnResolutionTip</source>
+        <comment>Widget</comment>
+        <translation>为 0 时使用演示文稿自身的尺寸</translation>
+    </message>
 </context>
 <context>
     <name>MivoHost</name>
@@ -1195,6 +1300,53 @@
         <source>MediaProperty/MediaNext</source>
         <comment>MainWindow</comment>
         <translation>下一个</translation>
+    </message>
+</context>
+<context>
+    <name>QColorDialog</name>
+    <message>
+        <source>&amp;Basic colors</source>
+        <translation>基本颜色(&amp;B)</translation>
+    </message>
+    <message>
+        <source>&amp;Custom colors</source>
+        <translation>自定义颜色(&amp;C)</translation>
+    </message>
+    <message>
+        <source>&amp;Add to Custom Colors</source>
+        <translation>添加到自定义颜色(&amp;A)</translation>
+    </message>
+    <message>
+        <source>&amp;Pick Screen Color</source>
+        <translation>屏幕取色(&amp;P)</translation>
+    </message>
+    <message>
+        <source>Hu&amp;e:</source>
+        <translation>色调(&amp;E)：</translation>
+    </message>
+    <message>
+        <source>&amp;Sat:</source>
+        <translation>饱和度(&amp;S)：</translation>
+    </message>
+    <message>
+        <source>&amp;Val:</source>
+        <translation>亮度(&amp;V)：</translation>
+    </message>
+    <message>
+        <source>&amp;Red:</source>
+        <translation>红(&amp;R)：</translation>
+    </message>
+    <message>
+        <source>&amp;Green:</source>
+        <translation>绿(&amp;G)：</translation>
+    </message>
+    <message>
+        <source>Bl&amp;ue:</source>
+        <translation>蓝(&amp;U)：</translation>
+    </message>
+    <message>
+        <source>&amp;HTML:</source>
+        <translation>&amp;HTML：</translation>
     </message>
 </context>
 </TS>

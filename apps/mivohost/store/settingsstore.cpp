@@ -1,7 +1,9 @@
 #include "store/settingsstore.h"
 
+#include "mivohostapi/pptresolutions.h"
 #include "qvspdlog/spdlogapplication.h"
 
+#include <QtCore/QRegularExpression>
 #include <QtCore/QTime>
 
 #include <algorithm>
@@ -102,6 +104,12 @@ bool isPort(const QString& record)
 {
     const QStringList fields = fieldsOf(record);
     return fields.size() == 2 && isIndex(fields[0], 1) && isIndex(fields[1], 65534);
+}
+
+bool isColor(const QString& text)
+{
+    static const QRegularExpression color(QStringLiteral("\\A#[0-9A-Fa-f]{6}\\z"));
+    return color.match(text).hasMatch();
 }
 
 /// "enabled|port"
@@ -222,6 +230,17 @@ const std::array settings{
     Setting("tcpPort", "0|8000", announcePort<Store::tcp>, isPort),
     Setting("udpPort", "0|8001", announcePort<Store::udp>, isPort),
     Setting("language", QString()),
+    Setting("pptAutoplay", false, announce<&Store::pptAutoplayChanged>),
+    Setting("pptAutoplayInterval", 3000, shortestDuration, longestDuration,
+            announce<&Store::pptAutoplayIntervalChanged>),
+    Setting("pptPlayMode", PPTPlayAnimation, PPTPlayAnimation, PPTPlayImage,
+            announce<&Store::pptPlayModeChanged>),
+    Setting("pptPresetsResolutionType", 1, pptResolutions().begin()->first,
+            pptResolutions().rbegin()->first, announce<&Store::pptPresetsResolutionTypeChanged>),
+    Setting("pptResolutionWidth", 1920, 0, 16384, announce<&Store::pptResolutionWidthChanged>),
+    Setting("pptResolutionHeight", 1080, 0, 16384, announce<&Store::pptResolutionHeightChanged>),
+    Setting("canvasColor", "#000000", announce<&Store::canvasColorChanged>, isColor),
+    Setting("outputColor", "#ffffff", announce<&Store::outputColorChanged>, isColor),
     Setting("recentProjectFiles", QString()),
     Setting("midiEnabled", false),
     Setting("midiBindings", QString()),
@@ -331,6 +350,23 @@ STFileInfoSettings SettingsStore::getFileInfoSettings()
 {
     return {value("playLogStorageTimeType").toInt(), as<std::string>(value("playLogPath")),
             as<std::string>(value("cachePath")), as<std::string>(value("sharePath"))};
+}
+
+STPPTSysSettingsInfo SettingsStore::getPPTSysSettings()
+{
+    return {value("pptAutoplay").toBool(),       value("pptAutoplayInterval").toInt(),
+            value("pptPlayMode").toInt(),        value("pptPresetsResolutionType").toInt(),
+            value("pptResolutionWidth").toInt(), value("pptResolutionHeight").toInt()};
+}
+
+void SettingsStore::setPPTPresetsResolutionType(int key)
+{
+    set("pptPresetsResolutionType", key);
+    if (value("pptPresetsResolutionType") == key) { // else it was not taken over
+        const QSize size = pptResolution(key);
+        setPPTResolutionWidth(size.width());
+        setPPTResolutionHeight(size.height());
+    }
 }
 
 QVariant SettingsStore::stored(const STPortInfo& info)

@@ -56,6 +56,17 @@ public:
     void setPlayLogPath(const std::string& folder) override { set("playLogPath", stored(folder)); }
     void setCachePath(const std::string& folder) override { set("cachePath", stored(folder)); }
     void setSharePath(const std::string& folder) override { set("sharePath", stored(folder)); }
+    void setPPTAutoplay(bool on) override { set("pptAutoplay", on); }
+    void setPPTAutoplayInterval(int milliseconds) override
+    {
+        set("pptAutoplayInterval", milliseconds);
+    }
+    void setPPTPlayMode(int mode) override { set("pptPlayMode", mode); }
+    void setPPTPresetsResolutionType(int key) override;
+    void setPPTResolutionWidth(int pixels) override { set("pptResolutionWidth", pixels); }
+    void setPPTResolutionHeight(int pixels) override { set("pptResolutionHeight", pixels); }
+    void setCanvasColor(const std::string& color) override { set("canvasColor", stored(color)); }
+    void setOutputColor(const std::string& color) override { set("outputColor", stored(color)); }
     void setTimedShutdownSettings(const STMivoTimedShutdownSettings& info) override
     {
         set("timedShutdown", stored(info));
@@ -79,6 +90,9 @@ public:
     STMivoTimedAutomaticRestartSettings getTimedAutomaticRestartSettings() override;
     STProjectFileSettingsInfo getProjectFileSettings() override;
     STFileInfoSettings getFileInfoSettings() override;
+    STPPTSysSettingsInfo getPPTSysSettings() override;
+    std::string getCanvasColor() override { return value("canvasColor").toString().toStdString(); }
+    std::string getOutputColor() override { return value("outputColor").toString().toStdString(); }
     STPortInfo getTcpPort() override { return m_ports[tcp]; }
     STPortInfo getUdpPort() override { return m_ports[udp]; }
 

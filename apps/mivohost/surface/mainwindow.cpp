@@ -113,6 +113,7 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
         });
     });
     attachLogView(m_log);
+    QCoreApplication::installTranslator(&m_qtTexts);
 }
 
 MainWindow::~MainWindow()
@@ -202,6 +203,7 @@ void MainWindow::quit()
 void MainWindow::switchLanguage(const QString& language)
 {
     SettingWdigetTranslateManager::instance().translator().switchLanguage(language);
+    m_qtTexts.load(QStringLiteral(":/languages/mivo_%1.qm").arg(language));
     if (m_settings) {
         m_settings->switchLanguage(language);
     }

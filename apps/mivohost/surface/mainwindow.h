@@ -2,6 +2,7 @@
 
 #include "project/project.h"
 
+#include <QtCore/QTranslator>
 #include <QtWidgets/QMainWindow>
 
 #include <memory>
@@ -100,6 +101,7 @@ private:
     QString m_noticeKey;
     QString m_noticeArgument;
     std::vector<Project::Group> m_shownGroups;
+    QTranslator m_qtTexts; // of Qt's own dialogs
     bool m_quitting = false;
     std::unique_ptr<SettingsView> m_settings;
     std::unique_ptr<Tray> m_tray;

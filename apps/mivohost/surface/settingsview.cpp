@@ -3,11 +3,13 @@
 #include <mivosettingswidgets/fileinfosettingbox.h>
 #include <mivosettingswidgets/generalsettingbox.h>
 #include <mivosettingswidgets/netdevicesettingwidget.h>
+#include <mivosettingswidgets/officepptsettingbox.h>
 #include <mivosettingswidgets/onlinesettingbox.h>
 #include <mivosettingswidgets/projectsettingbox.h>
 #include <mivosettingswidgets/resplaycontrolsettingbox.h>
 #include <mivosettingswidgets/settingsdialog.h>
 #include <mivosettingswidgets/settingwdigettranslatemanager.h>
+#include <mivosettingswidgets/stagesettingbox.h>
 #include <mivosettingswidgets/undosettingbox.h>
 
 #include <QtCore/QFile>
@@ -42,7 +44,8 @@ SettingsView::SettingsView(IZRRuntime& runtime, MivoSettings& settings, QWidget*
     : m_dialog(std::make_unique<SettingsDialog>(parent))
 {
     m_dialog->loadLanguageFiles(languageFiles());
-    // Within a section the pages stand from the most to the least used.
+    // Sections stand in the order of their first pages; within one, the pages stand by their
+    // numbers, from the most to the least used.
     const auto add = [&](auto* page, int priorityIndex) {
         page->setZRRuntime(&runtime);
         page->setPriorityIndex(priorityIndex);
@@ -57,16 +60,18 @@ SettingsView::SettingsView(IZRRuntime& runtime, MivoSettings& settings, QWidget*
     auto* project = new ProjectSettingBox;
     project->setProgramDispatch(services.programs);
     project->setCheckIconPath(QStringLiteral(":/style/icons/check.svg"));
-    add(project, 12);
-    add(new FileInfoSettingBox, 14);
-    add(new UndoSettingBox, 20);
-    add(new OnlineSettingBox, 30);
+    add(project, 20);
+    add(new FileInfoSettingBox, 30);
+    add(new StageSettingBox, 40);
+    add(new UndoSettingBox, 50);
+    add(new OnlineSettingBox, 60);
+    add(new ResPlayControlSettingBox, 20);
+    add(new OfficePPTSettingBox, 10);
     auto* network = new DeviceSettingWidget;
     network->setMidiMgr(services.midi);
     network->setDmxMgr(services.dmx);
     network->setOscMgr(services.osc);
     add(network, 10);
-    add(new ResPlayControlSettingBox, 20);
     switchLanguage(SettingWdigetTranslateManager::instance().translator().language());
 }
 

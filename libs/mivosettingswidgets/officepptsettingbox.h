@@ -1,0 +1,36 @@
+#pragma once
+
+#include "mivosettingswidgets/settingpage.h"
+
+#include <memory>
+
+namespace mivo::resource {
+class IResourceMgr;
+}
+
+namespace mivo::settings {
+
+/// How presentations are played, and the size in which their slides are rendered. Common contract:
+/// ISettingBox.
+class MIVOSETTINGSWIDGETS_EXPORT OfficePPTSettingBox : public SettingPage
+{
+    Q_OBJECT
+
+public:
+    explicit OfficePPTSettingBox(QWidget* parent = nullptr);
+    ~OfficePPTSettingBox() override;
+
+    /// Binds the page and shows the store's values. Neither `settings` nor the runtime may be null.
+    void setSettings(MivoSettings* settings);
+
+    /// Stops following the store, which stays known: edits are written still.
+    void unsetSettings();
+
+    /// Kept for the host; the page calls nothing of it.
+    void setResourceMgr(std::weak_ptr<resource::IResourceMgr> resources);
+
+private:
+    class Impl;
+};
+
+} // namespace mivo::settings

@@ -1,0 +1,48 @@
+#include "mivowidgets/colordialog.h"
+
+#include "mivowidgets/screenpicker.h"
+
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QDialogButtonBox>
+#include <QtWidgets/QPushButton>
+
+namespace mivo::widgets {
+
+ColorDialog::ColorDialog(QWidget* parent)
+    : QColorDialog(parent), m_picker(new ScreenPicker(this)), m_pick(new QPushButton)
+{
+    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+    setOption(DontUseNativeDialog); // which has texts of its own
+    const auto buttons = findChildren<QPushButton*>();
+    for (QPushButton* button : buttons) {
+        if (button->text() == QColorDialog::tr("&Pick Screen Color")) {
+            button->hide(); // knows one screen, and not the keyboard
+        }
+    }
+    findChild<QDialogButtonBox*>()->addButton(m_pick, QDialogButtonBox::ActionRole);
+
+    connect(m_pick, &QPushButton::clicked, this, &ColorDialog::pickFromScreen);
+    connect(m_picker, &ScreenPicker::hovered, this, &ColorDialog::setCurrentColor);
+    connect(m_picker, &ScreenPicker::picked, this, &ColorDialog::setCurrentColor);
+    connect(m_picker, &ScreenPicker::cancelled, this, [this] { setCurrentColor(m_before); });
+}
+
+void ColorDialog::setTexts(const QString& title, const QString& accept, const QString& cancel,
+                           const QString& pickScreen)
+{
+    setWindowTitle(title);
+    auto* buttons = findChild<QDialogButtonBox*>();
+    buttons->button(QDialogButtonBox::Ok)->setText(accept);
+    buttons->button(QDialogButtonBox::Cancel)->setText(cancel);
+    m_pick->setText(pickScreen);
+}
+
+void ColorDialog::pickFromScreen()
+{
+    m_before = currentColor();
+    if (!m_picker->start()) {
+        QApplication::beep();
+    }
+}
+
+} // namespace mivo::widgets

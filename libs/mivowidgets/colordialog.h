@@ -1,0 +1,34 @@
+#pragma once
+
+#include "mivowidgets/export.h"
+
+#include <QtWidgets/QColorDialog>
+
+namespace mivo::widgets {
+
+class ScreenPicker;
+
+/// Qt's colour dialog with texts of one's own, and a picker that knows all screens. While it is
+/// open, currentColorChanged() tells of every colour that is tried, also by that picker. GUI
+/// thread.
+class MIVOWIDGETS_EXPORT ColorDialog : public QColorDialog
+{
+    Q_OBJECT
+
+public:
+    explicit ColorDialog(QWidget* parent = nullptr);
+
+    void setTexts(const QString& title, const QString& accept, const QString& cancel,
+                  const QString& pickScreen);
+
+    ScreenPicker& screenPicker() { return *m_picker; }
+
+private:
+    void pickFromScreen();
+
+    ScreenPicker* m_picker;
+    QPushButton* m_pick;
+    QColor m_before; // of the picking
+};
+
+} // namespace mivo::widgets
