@@ -18,11 +18,14 @@
 #include <QtWidgets/QAbstractButton>
 #include <QtWidgets/QAbstractSpinBox>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QButtonGroup>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
+#include <QtWidgets/QRadioButton>
 #include <QtWidgets/QVBoxLayout>
 
+#include <algorithm>
 #include <regex>
 #include <utility>
 
@@ -345,7 +348,8 @@ TEST_P(Pages, AreWholeInBothLanguagesThereAndBack)
     EXPECT_TRUE(missing.isEmpty()) << missing.join(", ").toStdString();
 
     const QRegularExpression han("\\p{Han}");
-    const QRegularExpression protocol("^[A-Z]+$"); // their names are the same everywhere
+    // Protocols, standards, bit depths: their names are the same everywhere.
+    const QRegularExpression protocol("^([A-Z]+|[A-Z]+[.-][A-Z0-9]+|[0-9]+bit)$");
     for (int i = 0; i < english.size(); ++i) {
         EXPECT_EQ(english[i].isEmpty(), chinese[i].isEmpty());
         EXPECT_FALSE(han.match(english[i]).hasMatch()) << english[i].toStdString();
@@ -382,7 +386,13 @@ TEST_P(Pages, NameEveryControlAfterItsLabelAndReachItByTab)
         reached.insert(QApplication::focusWidget());
     }
     for (QWidget* control : controlsIn(page)) {
-        if (control->isVisible() && control->isEnabled()) {
+        const auto* radio = qobject_cast<QRadioButton*>(control);
+        if (radio != nullptr && radio->group() != nullptr) { // the others by the arrow keys
+            const auto group = radio->group()->buttons();
+            EXPECT_TRUE(std::any_of(group.begin(), group.end(), [&reached](QWidget* button) {
+                return reached.contains(button);
+            }));
+        } else if (control->isVisible() && control->isEnabled()) {
             EXPECT_TRUE(reached.contains(control)) << control->metaObject()->className();
         }
     }

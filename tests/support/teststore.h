@@ -77,7 +77,9 @@ public:
             autoSaveProjectFilesIntervalChanged, autoSaveProjectFilesMaxNumChanged,
             autoSavePathChanged, notPromptForSaveChanged, newProjResetOutputChanged, tcpPortChanged,
             udpPortChanged, tcpPortFailed, udpPortFailed, playLogStorageTimeTypeChanged,
-            playLogPathChanged, cachePathChanged, sharePathChanged);
+            playLogPathChanged, cachePathChanged, sharePathChanged, blackScreenMuteChanged,
+            mfpsChanged, efpsChanged, fadeInTimeChanged, fadeOutTimeChanged, imageHierarchyChanged,
+            graphicsCardChanged, displayTechnologyStandardChanged, dynamicRangeConfigChanged);
     }
 
 private:

@@ -1,5 +1,9 @@
 #include "surface/settingsview.h"
 
+#include "mivohostapi/imediaoutput.h"
+
+#include <mivosettingswidgets/codeccontrolsettingbox.h>
+#include <mivosettingswidgets/displaycontrolsettingbox.h>
 #include <mivosettingswidgets/fileinfosettingbox.h>
 #include <mivosettingswidgets/generalsettingbox.h>
 #include <mivosettingswidgets/netdevicesettingwidget.h>
@@ -8,6 +12,7 @@
 #include <mivosettingswidgets/resplaycontrolsettingbox.h>
 #include <mivosettingswidgets/settingsdialog.h>
 #include <mivosettingswidgets/settingwdigettranslatemanager.h>
+#include <mivosettingswidgets/storeaccess.h>
 #include <mivosettingswidgets/undosettingbox.h>
 
 #include <QtCore/QFile>
@@ -66,7 +71,19 @@ SettingsView::SettingsView(IZRRuntime& runtime, MivoSettings& settings, QWidget*
     network->setDmxMgr(services.dmx);
     network->setOscMgr(services.osc);
     add(network, 10);
+    add(new DisplayControlSettingBox, 10);
     add(new ResPlayControlSettingBox, 20);
+    auto* codec = new CodecControlSettingBox;
+    codec->setRenderFacade(services.cards);
+    codec->setPhysicsOutputMgr(services.outputs);
+    add(codec, 30);
+    // A list that is not known yet comes by itself; without any card there is nothing to show.
+    if (services.cards != nullptr
+        && !callInRuntime(&runtime, __FILE__, __LINE__, "SettingsView", [&services] {
+                return services.cards->graphicsCards();
+            }).empty()) {
+        codec->updateDisplayCardInfo();
+    }
     switchLanguage(SettingWdigetTranslateManager::instance().translator().language());
 }
 
