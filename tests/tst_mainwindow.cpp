@@ -77,7 +77,11 @@ protected:
     TestStore store;
     ProjectFile project{runtime, store};
     Peripherals peripherals{runtime, store};
-    MainWindow window{runtime, store, project, peripherals};
+    MainWindow window{runtime,
+                      store,
+                      project,
+                      {project.dispatch(), &project, &peripherals.midi(), &peripherals.dmx(),
+                       &peripherals.osc()}};
     QSignalSpy closed{&window, &MainWindow::closed};
 };
 
@@ -168,9 +172,10 @@ TEST_F(Window, HasEveryTextInBothLanguages)
     project.play(1);
     for (const char* language : {"en", "zh_cn"}) {
         window.switchLanguage(language);
-        for (const char* key : {"ProjectNotOpened", "ProjectNotSaved", "AutomaticSaveFailed",
-                                "AutostartFailed", "PowerActionFailed", "SettingNotSaved",
-                                "ShortcutsNotExported", "ShortcutsNotImported"}) {
+        for (const char* key :
+             {"ProjectNotOpened", "ProjectNotSaved", "AutomaticSaveFailed", "AutostartFailed",
+              "PowerActionFailed", "SettingNotSaved", "FadeTimesApplied", "ShortcutsNotExported",
+              "ShortcutsNotImported"}) {
             window.showNotice(key, "the reason");
             bool shown = false;
             for (const auto* label : window.findChildren<QLabel*>()) {

@@ -18,11 +18,14 @@
 #include <QtWidgets/QAbstractButton>
 #include <QtWidgets/QAbstractSpinBox>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QButtonGroup>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
+#include <QtWidgets/QRadioButton>
 #include <QtWidgets/QVBoxLayout>
 
+#include <algorithm>
 #include <regex>
 #include <utility>
 
@@ -328,8 +331,8 @@ TEST_P(Pages, AreWholeInBothLanguagesThereAndBack)
     EXPECT_TRUE(missing.isEmpty()) << missing.join(", ").toStdString();
 
     const QRegularExpression han("\\p{Han}");
-    // Names of protocols and colours, and sizes, are the same everywhere.
-    const QRegularExpression protocol("^([A-Z]+|[0-9]+[*][0-9]+)$");
+    // Names of protocols, standards and colours, sizes, bit depths: they are the same everywhere.
+    const QRegularExpression protocol("^([A-Z]+|[A-Z]+[.-][A-Z0-9]+|[0-9]+[*][0-9]+|[0-9]+bit)$");
     for (int i = 0; i < english.size(); ++i) {
         EXPECT_EQ(english[i].isEmpty(), chinese[i].isEmpty());
         EXPECT_FALSE(han.match(english[i]).hasMatch()) << english[i].toStdString();

@@ -16,6 +16,8 @@
 #include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 
+#include <cmath>
+
 namespace projecttest {
 
 using namespace mivohost;
@@ -103,6 +105,46 @@ TEST_F(ProjectTest, SurvivesItsFile)
     EXPECT_TRUE(file->state().project.defaultPlay
                 == (ProgramDispatch::DefaultPlay{false, 2, "Two"}));
     EXPECT_EQ(playing(), -1);
+}
+
+TEST_F(ProjectTest, FadeTimesAreGivenToAllProgramsAndSurviveTheFile)
+{
+    start({{"fadeInTime", 1.5}, {"fadeOutTime", 0.}});
+    QSignalSpy applied(file.get(), &ProjectFile::fadeTimesApplied);
+    const auto fades = [this](std::size_t group, std::size_t program) {
+        const auto& found = file->state().project.groups.at(group).programs.at(program);
+        return std::pair(found.fadeInTime, found.fadeOutTime);
+    };
+    EXPECT_EQ(fades(1, 3), std::pair(1.5, 0.)) << "a new project takes them from the settings";
+    EXPECT_FALSE(file->state().modified);
+
+    write(path("old.mivo"), R"({"mivoProject": 1, "groups": [{"programs": [
+        {"id": 1}, {"id": 2, "fadeInTime": 3, "fadeOutTime": 10},
+        {"id": 3, "fadeInTime": -1, "fadeOutTime": "x"}, {"id": 4, "fadeOutTime": 10.5}]}]})");
+    ASSERT_TRUE(file->open(path("old.mivo")));
+    EXPECT_EQ(fades(0, 0), std::pair(0.5, 0.5));
+    EXPECT_EQ(fades(0, 1), std::pair(3., 10.));
+    EXPECT_EQ(fades(0, 2), std::pair(0.5, 0.5));
+    EXPECT_EQ(fades(0, 3), std::pair(0.5, 0.5));
+
+    const auto apply = [&](double fadeIn, double fadeOut) {
+        runtime.call([&] { store->applyFadeTimes(fadeIn, fadeOut); });
+        QCoreApplication::processEvents();
+        return applied.isEmpty() ? -1 : applied.takeFirst().at(0).toInt();
+    };
+    EXPECT_EQ(apply(3, 10), 3) << "one had them already";
+    EXPECT_TRUE(logged("info|fade in 3 s and fade out 10 s for all programs: 3 changed"));
+    EXPECT_TRUE(file->state().modified);
+    file->save();
+    EXPECT_EQ(apply(3, 10), 0);
+    EXPECT_FALSE(file->state().modified);
+    for (const auto& [fadeIn, fadeOut] : {std::pair(-0.1, 1.), {1., 10.1}, {std::nan(""), 1.}}) {
+        EXPECT_EQ(apply(fadeIn, fadeOut), -1) << "refused";
+    }
+
+    start();
+    ASSERT_TRUE(file->open(path("old.mivo")));
+    EXPECT_EQ(fades(0, 3), std::pair(3., 10.));
 }
 
 TEST_F(ProjectTest, WhatCannotBeReadLeavesTheOpenOneAsItIs)

@@ -1,3 +1,5 @@
+#include "devices/graphicscards.h"
+#include "devices/physicsoutputs.h"
 #include "peripherals/peripherals.h"
 #include "project/projectfile.h"
 #include "runtime/runtimethread.h"
@@ -182,7 +184,10 @@ int run(const QCommandLineParser& arguments)
     } else {
         ProjectFile project(runtime, *store);
         Peripherals peripherals(runtime, *store);
-        MainWindow window(runtime, *store, project, peripherals);
+        GraphicsCards cards(runtime);
+        MainWindow window(runtime, *store, project,
+                          {project.dispatch(), &project, &peripherals.midi(), &peripherals.dmx(),
+                           &peripherals.osc(), &cards, std::make_shared<PhysicsOutputs>()});
         const QString language = runtime.call([&store] { return store->getLanguage(); });
         window.switchLanguage(language.isEmpty() ? systemLanguage() : language);
         if (opened.status == SqlitePersistence::Status::putAside) {
@@ -194,6 +199,7 @@ int run(const QCommandLineParser& arguments)
         }
         project.start();
         if (drawing) {
+            cards.wait();
             const QString folder = arguments.value(QStringLiteral("pictures"));
             if (!drawPictures(window, folder)) {
                 code =

@@ -91,6 +91,30 @@ public:
     virtual STPortInfo getUdpPort() = 0;
     virtual void setUdpPort(const STPortInfo& info) = 0;
 
+    virtual STDisplayControlSettings getDisplayControlSettings() = 0;
+    virtual void setBlackScreenMute(bool on) = 0;
+    virtual void setMFPS(bool on) = 0;
+    virtual void setEFPS(bool on) = 0;
+    virtual void setImageHierarchy(mivo::PatchLevelPriority priority) = 0; ///< at the next start
+
+    /// How long a new program fades: seconds, 0 to 10.
+    virtual void setFadeInTime(double seconds) = 0;
+    virtual double getFadeInTime() = 0;
+    virtual void setFadeOutTime(double seconds) = 0;
+    virtual double getFadeOutTime() = 0;
+
+    /// Gives both fades to every program that exists.
+    virtual void applyFadeTimes(double fadeIn, double fadeOut) = 0;
+
+    /// All of the output pipeline is taken up at the host's next start. The card by its name, as
+    /// mivo::mediaoutput::IRenderFacade lists it; empty for the one that the host chooses.
+    virtual void setGraphicsCard(const std::string& name) = 0;
+    virtual std::string getGraphicsCard() = 0;
+    virtual void setDisplayTechnologyStandard(const std::string& standard) = 0;
+    virtual std::string getDisplayTechnologyStandard() = 0;
+    virtual void setDynamicRangeConfig(const mivo::DynamicRangeConfig& config) = 0;
+    virtual mivo::DynamicRangeConfig getDynamicRangeConfig() = 0;
+
     sigslot::signal<const int> undoStepChanged;
     sigslot::signal<const bool> autoSyncResourcesChanged;
     sigslot::signal<const STResourceSettingsInfo&> resourceSettingsChanged; ///< of any one kind
@@ -144,6 +168,17 @@ public:
     sigslot::signal<const std::string&> playLogPathChanged;
     sigslot::signal<const std::string&> cachePathChanged;
     sigslot::signal<const std::string&> sharePathChanged;
+
+    sigslot::signal<const bool> blackScreenMuteChanged;
+    sigslot::signal<const bool> mfpsChanged;
+    sigslot::signal<const bool> efpsChanged;
+    sigslot::signal<const double> fadeInTimeChanged;
+    sigslot::signal<const double> fadeOutTimeChanged;
+    sigslot::signal<const mivo::PatchLevelPriority> imageHierarchyChanged;
+
+    sigslot::signal<const std::string&> graphicsCardChanged;
+    sigslot::signal<const std::string&> displayTechnologyStandardChanged;
+    sigslot::signal<const mivo::DynamicRangeConfig&> dynamicRangeConfigChanged;
 };
 
 /// The store type that a host derives its own store from and that pages are bound to.

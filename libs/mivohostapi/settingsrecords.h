@@ -7,9 +7,12 @@
 #include <ostream>
 #include <string>
 #include <tuple>
+#include <vector>
 
 // Records of the settings store: values, equal when all their fields are. Their defaults are what a
 // first run shows.
+
+Q_DECLARE_METATYPE(std::string)
 
 /// Kinds of resources that have no length of their own.
 enum EnumResourceKind { ResourcePicture = 1, ResourcePowerPoint = 3, ResourceOSD = 32 };
@@ -134,6 +137,51 @@ struct STPortInfo
 };
 Q_DECLARE_METATYPE(STPortInfo)
 
+namespace mivo {
+
+/// Which source wins where layers overlap; carried as its number.
+enum PatchLevelPriority { ProgramMgrPriority = 0, TimelinePriority = 1 };
+
+/// The range of brightness of the output signal.
+struct DynamicRangeConfig
+{
+    std::uint32_t rangeMode = 0; ///< 0 SDR, 1 HDR10
+    std::uint32_t bitDepth = 8;  ///< 8, 10 or 12, as the mode allows
+
+    auto fields() const { return std::tie(rangeMode, bitDepth); }
+};
+
+/// The bit depths that a range mode allows, the lowest first; a mode that there is not, none.
+inline std::vector<std::uint32_t> bitDepths(std::uint32_t rangeMode)
+{
+    switch (rangeMode) {
+    case 0:
+        return {8, 10};
+    case 1:
+        return {10, 12};
+    default:
+        return {};
+    }
+}
+
+/// The standards of colour that an output signal may follow, the first one being the default.
+inline constexpr const char* displayTechnologyStandards[] = {"BT.709", "DCI-P3", "BT.2020"};
+
+} // namespace mivo
+Q_DECLARE_METATYPE(mivo::DynamicRangeConfig)
+
+/// How the outputs behave during playback.
+struct STDisplayControlSettings
+{
+    bool blackScreenMute = false; ///< no sound while the screen is black
+    bool mfps = false;
+    bool efps = false;
+    mivo::PatchLevelPriority imageHierarchy = mivo::TimelinePriority;
+
+    auto fields() const { return std::tie(blackScreenMute, mfps, efps, imageHierarchy); }
+};
+Q_DECLARE_METATYPE(STDisplayControlSettings)
+
 inline std::ostream& operator<<(std::ostream& out, const QString& text)
 {
     return out << text.toStdString();
@@ -151,3 +199,8 @@ auto operator<<(std::ostream& out, const Record& record) -> decltype(record.fiel
     std::apply([&out](const auto&... field) { ((out << field << "; "), ...); }, record.fields());
     return out;
 }
+
+namespace mivo {
+using ::operator==;
+using ::operator<<;
+} // namespace mivo

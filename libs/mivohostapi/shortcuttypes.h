@@ -1,5 +1,7 @@
 #pragma once
 
+#include "mivohostapi/settingsrecords.h"
+
 #include <QtCore/QMetaType>
 
 #include <cstdint>
@@ -10,7 +12,6 @@
 
 // Shortcuts: what binds a key or a message of a controller to an action of the application.
 
-Q_DECLARE_METATYPE(std::string)
 Q_DECLARE_METATYPE(std::vector<std::string>)
 
 /// An action. The host has many; these are the ones that mean something to the library itself.

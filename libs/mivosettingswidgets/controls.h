@@ -36,6 +36,17 @@ inline void showValue(QComboBox* combo, const QVariant& data)
     }
 }
 
+/// Chooses the item of exactly that text. False where there is none; the choice stays then.
+inline bool showText(QComboBox* combo, const std::string& text)
+{
+    const QSignalBlocker blocker(combo);
+    const int index = combo->findText(QString::fromStdString(text));
+    if (index != -1) {
+        combo->setCurrentIndex(index);
+    }
+    return index != -1;
+}
+
 inline void showValue(QDoubleSpinBox* edit, double value)
 {
     const QSignalBlocker blocker(edit);
@@ -93,6 +104,19 @@ inline void addTip(QHBoxLayout* row, QLabel* icon, QLabel* text, int gap = 0)
     row->addLayout(column);
     row->addSpacing(gap);
     row->addWidget(text, 0, Qt::AlignVCenter);
+}
+
+/// The tip at the end of a row that a change takes effect after a restart.
+inline void addRestartTip(QHBoxLayout* row, QLabel* icon, QLabel* text)
+{
+    icon->setObjectName(QStringLiteral("restartTip"));
+    icon->setFixedSize(14, 14);
+    icon->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    text->setObjectName(QStringLiteral("RestartTakeEffectLable"));
+    row->addWidget(icon);
+    row->addSpacing(4);
+    row->addWidget(text);
+    row->addStretch();
 }
 
 } // namespace mivo::settings

@@ -5,6 +5,7 @@
 #include "folderselection.h"
 #include "programmenu.h"
 #include "settingpageimpl.h"
+#include "storedcheck.h"
 #include "texts.h"
 
 #include <mivoqutils/folders.h>
@@ -30,32 +31,6 @@ using mivo::widgets::CheckBox;
 using mivo::widgets::PushButton;
 using mivo::widgets::SpinEditBox;
 
-namespace {
-
-/// Takes the values that are queued to a check box, and shows them without echo.
-class StoredCheck : public QObject
-{
-    Q_OBJECT
-
-public:
-    StoredCheck(CheckBox* box, QObject* parent) : QObject(parent), m_box(box) {}
-
-public slots:
-    void setChecked(bool on)
-    {
-        showValue(m_box, on);
-        emit shown(on);
-    }
-
-signals:
-    void shown(bool /*on*/);
-
-private:
-    CheckBox* m_box;
-};
-
-} // namespace
-
 // Long for a page: eight settings, and the program menu's slots.
 class ProjectSettingBox::Impl : public SettingPageImpl
 {
@@ -71,11 +46,11 @@ public:
     bool watch(const QObject* object, QEvent* event);
 
     // Runtime thread.
-    void onOpenRecentFilesChanged(bool on) { queueChecked(m_openRecentValue, on); }
-    void onOpenProjectFileDefaultPlayChanged(bool on) { queueChecked(m_defaultPlayValue, on); }
-    void onAutoSaveProjectFilesChanged(bool on) { queueChecked(m_autoSaveValue, on); }
-    void onNotPromptForSaveChanged(bool on) { queueChecked(m_noPromptValue, on); }
-    void onNewProjResetOutputChanged(bool on) { queueChecked(m_resetOutputValue, on); }
+    void onOpenRecentFilesChanged(bool on) { m_openRecentValue->queueChecked(on); }
+    void onOpenProjectFileDefaultPlayChanged(bool on) { m_defaultPlayValue->queueChecked(on); }
+    void onAutoSaveProjectFilesChanged(bool on) { m_autoSaveValue->queueChecked(on); }
+    void onNotPromptForSaveChanged(bool on) { m_noPromptValue->queueChecked(on); }
+    void onNewProjResetOutputChanged(bool on) { m_resetOutputValue->queueChecked(on); }
     void onIntervalChanged(int minutes) { queue("setAutoSaveProjectFilesInterval", minutes); }
     void onMaxNumChanged(int saves) { queue("setAutoSaveProjectFilesMaxNum", saves); }
     void onStoredPathChanged(const QString& path) { queue("setAutoSavePath", path); }
@@ -116,10 +91,6 @@ private:
     void layOut();
     void addTexts();
     void enableAutoSave(bool on);
-    static void queueChecked(StoredCheck* check, bool on)
-    {
-        queueTo(check, "setChecked", on, "bool");
-    }
 
     /// Has `use` called on the runtime thread; without a dispatcher, false and a warning.
     template <typename Use>
@@ -318,14 +289,14 @@ void ProjectSettingBox::Impl::initSettings()
     }
     const auto info = read(&IMivoSettings::getProjectFileSettings);
     if (showsFetched()) {
-        queueChecked(m_openRecentValue, info.openRecentFiles);
-        queueChecked(m_defaultPlayValue, info.openProjectFileDefaultPlay);
-        queueChecked(m_autoSaveValue, info.autoSaveProjectFiles);
+        m_openRecentValue->queueChecked(info.openRecentFiles);
+        m_defaultPlayValue->queueChecked(info.openProjectFileDefaultPlay);
+        m_autoSaveValue->queueChecked(info.autoSaveProjectFiles);
         queue("setAutoSaveProjectFilesInterval", info.autoSaveProjectFilesInterval);
         queue("setAutoSaveProjectFilesMaxNum", info.autoSaveProjectFilesMaxNum);
         queue("setAutoSavePath", info.autoSavePath);
-        queueChecked(m_noPromptValue, info.notPromptForSave);
-        queueChecked(m_resetOutputValue, info.newProjResetOutput);
+        m_noPromptValue->queueChecked(info.notPromptForSave);
+        m_resetOutputValue->queueChecked(info.newProjResetOutput);
     }
 }
 

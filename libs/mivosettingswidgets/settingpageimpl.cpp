@@ -77,6 +77,14 @@ bool SettingPageImpl::isStore(const MivoSettings* settings, const CallSite& site
     return settings != nullptr;
 }
 
+bool SettingPageImpl::hasRuntime(const CallSite& site, const char* warning) const
+{
+    if (zrRuntime == nullptr) {
+        warn(site, "{}", warning);
+    }
+    return zrRuntime != nullptr;
+}
+
 bool SettingPageImpl::startFetching(const CallSite& site)
 {
     if (!hasStore(site)) {

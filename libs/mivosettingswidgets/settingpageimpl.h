@@ -27,6 +27,12 @@ inline constexpr const char* queuedTypeText<int> = "const int";
 template <>
 inline constexpr const char* queuedTypeText<bool> = "const bool";
 template <>
+inline constexpr const char* queuedTypeText<double> = "const double";
+template <>
+inline constexpr const char* queuedTypeText<std::string> = "std::string";
+template <>
+inline constexpr const char* queuedTypeText<mivo::DynamicRangeConfig> = "DynamicRangeConfig";
+template <>
 inline constexpr const char* queuedTypeText<QString> = "const QString&";
 template <>
 inline constexpr const char* queuedTypeText<QColor> = "const QColor";
@@ -81,6 +87,9 @@ public:
     bool hasStore(const CallSite& site) const { return isStore(sharedSettings, site); }
     static bool isStore(const MivoSettings* settings, const CallSite& site);
 
+    /// False, and `warning` under the function of `site`, without a runtime: for pages that check.
+    bool hasRuntime(const CallSite& site, const char* warning) const;
+
 protected:
     /// Reads every value with fetch(); runs at the end of setSettings().
     virtual void initSettings() = 0;
@@ -112,14 +121,21 @@ protected:
     /// Whether initSettings() is to show what it read by read(); as startFetching() found it.
     bool showsFetched() const { return m_showFetched; }
 
-    /// Writes a value to the store; without one, the null-store warning.
-    template <typename Setter, typename Value>
-    void submit(const CallSite& site, Setter setter, const Value& value)
+    /// Writes a value, or several at once, to the store; without one, the null-store warning.
+    template <typename Setter, typename... Values>
+    void submit(const CallSite& site, Setter setter, const Values&... values)
     {
         if (hasStore(site)) {
             callInRuntime(zrRuntime, site.file, site.line, site.function, setter, sharedSettings,
-                          value);
+                          values...);
         }
+    }
+
+    /// Has `work` done on the runtime thread, for what is more than one call of the store.
+    template <typename Work>
+    auto inRuntime(const CallSite& site, Work work)
+    {
+        return callInRuntime(zrRuntime, site.file, site.line, site.function, std::move(work));
     }
 
     /// Has `forward` called on the runtime thread for every change that the store announces while

@@ -2,6 +2,8 @@
 
 #include "support/dialogs.h"
 
+#include <mivosettingswidgets/codeccontrolsettingbox.h>
+#include <mivosettingswidgets/displaycontrolsettingbox.h>
 #include <mivosettingswidgets/fileinfosettingbox.h>
 #include <mivosettingswidgets/generalsettingbox.h>
 #include <mivosettingswidgets/netdevicesettingwidget.h>
@@ -141,6 +143,38 @@ PageCase networkCase()
     return network;
 }
 
+PageCase displayControlCase()
+{
+    const auto fade = [](const char* setting, int index, const char* writeSlot) {
+        return ControlCase{
+            setting,  "mivo::widgets::SpinEditBox", index, 0.5, 1.5, 10., 0., 2.5, typing("2.5"),
+            writeSlot};
+    };
+    return pageCase<DisplayControlSettingBox>(
+        "displaycontrolsettingbox.cpp", false, true, 3, 6,
+        {checkBox("blackScreenMute", 0, "onBlackScreenMuteCheckBoxStateChanged"),
+         checkBox("mfps", 1, "onMFPSCheckBoxStateChanged"),
+         checkBox("efps", 2, "onEFPSCheckBoxStateChanged"),
+         fade("fadeInTime", 0, "onFadeInTimeSpinBoxValueChanged"),
+         fade("fadeOutTime", 1, "onFadeOutTimeSpinBoxValueChanged"),
+         {"imageHierarchy", "QRadioButton", 0, false, false, false, false, true, clicking,
+          "onImageHierarchyBtnGroupChanged",
+          [](const QVariant& chosen) { return chosen.toBool() ? 0 : 1; }}});
+}
+
+PageCase codecControlCase()
+{
+    const auto standardRange = [](const QVariant& depth) {
+        return "0|" + depth.toString().remove("bit");
+    };
+    return pageCase<CodecControlSettingBox>(
+        "codeccontrolsettingbox.cpp", true, true, 3, 3,
+        {{"displayTechnologyStandard", "mivo::widgets::ComboBox", 3, "BT.709", "DCI-P3", "BT.709",
+          "BT.709", "BT.2020", choosingLast, "onDisplayTechnologyStandardsComBoxChanged"},
+         {"dynamicRangeConfig", "mivo::widgets::ComboBox", 2, "8bit", "8bit", "8bit", "8bit",
+          "10bit", choosingLast, "processDisplayConfigChange", standardRange}});
+}
+
 } // namespace
 
 const std::vector<PageCase>& pageCases()
@@ -162,6 +196,8 @@ const std::vector<PageCase>& pageCases()
             {{"autoSyncResources", "mivo::widgets::CheckBox", 0, false, false, false, false, true,
               clicking, "onAutoSyncResourcesStateChanged"}}),
         networkCase(),
+        displayControlCase(),
+        codecControlCase(),
         pageCase<ResPlayControlSettingBox>(
             "resplaycontrolsettingbox.cpp", true, true, 1, 1,
             {{"pictureDuration", "mivo::widgets::TimeEditBox", 0, 5000, 8000, 9000, 5000, 83000,
@@ -227,7 +263,7 @@ QVariant shownBy(QWidget* control)
         return edit->value();
     }
     if (auto* combo = qobject_cast<QComboBox*>(control)) {
-        return combo->currentData();
+        return combo->currentData().isValid() ? combo->currentData() : combo->currentText();
     }
     if (auto* edit = qobject_cast<QLineEdit*>(control)) {
         return edit->text();

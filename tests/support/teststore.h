@@ -80,7 +80,9 @@ public:
             playLogPathChanged, cachePathChanged, sharePathChanged, pptAutoplayChanged,
             pptAutoplayIntervalChanged, pptPlayModeChanged, pptPresetsResolutionTypeChanged,
             pptResolutionWidthChanged, pptResolutionHeightChanged, canvasColorChanged,
-            outputColorChanged);
+            outputColorChanged, blackScreenMuteChanged, mfpsChanged, efpsChanged, fadeInTimeChanged,
+            fadeOutTimeChanged, imageHierarchyChanged, graphicsCardChanged,
+            displayTechnologyStandardChanged, dynamicRangeConfigChanged);
     }
 
 private:

@@ -44,6 +44,71 @@
         <translation>Display</translation>
     </message>
     <message>
+        <source>DisplayControl</source>
+        <comment>Widget</comment>
+        <translation>Display control</translation>
+    </message>
+    <message>
+        <source>BlackScreenMute</source>
+        <comment>Widget</comment>
+        <translation>Mute while the screen is black</translation>
+    </message>
+    <message>
+        <source>FadeInTime</source>
+        <comment>Widget</comment>
+        <translation>Fade in</translation>
+    </message>
+    <message>
+        <source>FadeOutTime</source>
+        <comment>Widget</comment>
+        <translation>Fade out</translation>
+    </message>
+    <message>
+        <source>ApplyAllSettings</source>
+        <comment>Widget</comment>
+        <translation>Apply to all programs</translation>
+    </message>
+    <message>
+        <source>ImageHierarchy</source>
+        <comment>Widget</comment>
+        <translation>Layers that overlap</translation>
+    </message>
+    <message>
+        <source>ProgramMgrPriority</source>
+        <comment>Widget</comment>
+        <translation>Program manager first</translation>
+    </message>
+    <message>
+        <source>TimelinePriority</source>
+        <comment>Widget</comment>
+        <translation>Timeline first</translation>
+    </message>
+    <message>
+        <source>CodecControl</source>
+        <comment>Widget</comment>
+        <translation>Codec control</translation>
+    </message>
+    <message>
+        <source>MainProgramWindow</source>
+        <comment>Widget</comment>
+        <translation>Main program window</translation>
+    </message>
+    <message>
+        <source>DynamicRange</source>
+        <comment>Widget</comment>
+        <translation>Dynamic range</translation>
+    </message>
+    <message>
+        <source>BitDepth</source>
+        <comment>Widget</comment>
+        <translation>Bit depth</translation>
+    </message>
+    <message>
+        <source>DisplayTechnologyStandard</source>
+        <comment>Widget</comment>
+        <translation>Display technology standard</translation>
+    </message>
+    <message>
         <source>PlayControl</source>
         <comment>Widget</comment>
         <translation>Play control</translation>
@@ -91,7 +156,7 @@
     <message>
         <source>Second</source>
         <comment>Widget</comment>
-        <translation>second</translation>
+        <translation>s</translation>
     </message>
     <message>
         <source>SlowLoadingSoundCardPrompt</source>
@@ -855,6 +920,16 @@
         <source>PowerActionFailed</source>
         <comment>MainWindow</comment>
         <translation>The machine could not be shut down or restarted: %1</translation>
+    </message>
+    <message>
+        <source>FadeTimesApplied</source>
+        <comment>MainWindow</comment>
+        <translation>Programs whose fade times were changed: %1</translation>
+    </message>
+    <message>
+        <source>ProgramFades</source>
+        <comment>MainWindow</comment>
+        <translation>Fade in %1 s, fade out %2 s</translation>
     </message>
     <message>
         <source>ShowBefore</source>

@@ -44,6 +44,71 @@
         <translation>显示</translation>
     </message>
     <message>
+        <source>DisplayControl</source>
+        <comment>Widget</comment>
+        <translation>显示控制</translation>
+    </message>
+    <message>
+        <source>BlackScreenMute</source>
+        <comment>Widget</comment>
+        <translation>黑屏时静音</translation>
+    </message>
+    <message>
+        <source>FadeInTime</source>
+        <comment>Widget</comment>
+        <translation>淡入时间</translation>
+    </message>
+    <message>
+        <source>FadeOutTime</source>
+        <comment>Widget</comment>
+        <translation>淡出时间</translation>
+    </message>
+    <message>
+        <source>ApplyAllSettings</source>
+        <comment>Widget</comment>
+        <translation>应用到所有节目</translation>
+    </message>
+    <message>
+        <source>ImageHierarchy</source>
+        <comment>Widget</comment>
+        <translation>图层优先级</translation>
+    </message>
+    <message>
+        <source>ProgramMgrPriority</source>
+        <comment>Widget</comment>
+        <translation>节目管理优先</translation>
+    </message>
+    <message>
+        <source>TimelinePriority</source>
+        <comment>Widget</comment>
+        <translation>时间线优先</translation>
+    </message>
+    <message>
+        <source>CodecControl</source>
+        <comment>Widget</comment>
+        <translation>编解码控制</translation>
+    </message>
+    <message>
+        <source>MainProgramWindow</source>
+        <comment>Widget</comment>
+        <translation>主节目窗口</translation>
+    </message>
+    <message>
+        <source>DynamicRange</source>
+        <comment>Widget</comment>
+        <translation>动态范围</translation>
+    </message>
+    <message>
+        <source>BitDepth</source>
+        <comment>Widget</comment>
+        <translation>位深</translation>
+    </message>
+    <message>
+        <source>DisplayTechnologyStandard</source>
+        <comment>Widget</comment>
+        <translation>显示技术标准</translation>
+    </message>
+    <message>
         <source>PlayControl</source>
         <comment>Widget</comment>
         <translation>播放控制</translation>
@@ -855,6 +920,16 @@
         <source>PowerActionFailed</source>
         <comment>MainWindow</comment>
         <translation>无法关闭或重新启动计算机：%1</translation>
+    </message>
+    <message>
+        <source>FadeTimesApplied</source>
+        <comment>MainWindow</comment>
+        <translation>已更改淡入淡出时间的节目数：%1</translation>
+    </message>
+    <message>
+        <source>ProgramFades</source>
+        <comment>MainWindow</comment>
+        <translation>淡入 %1 秒，淡出 %2 秒</translation>
     </message>
     <message>
         <source>ShowBefore</source>

@@ -132,6 +132,15 @@ void ProgramDispatch::play(qint64 id)
     }
 }
 
+int ProgramDispatch::setFadeTimes(double fadeIn, double fadeOut)
+{
+    const int changed = m_state.project.setFadeTimes(fadeIn, fadeOut);
+    if (changed > 0) {
+        setModified(true);
+    }
+    return changed;
+}
+
 void ProgramDispatch::replace(Project project, const QString& file)
 {
     m_usable = true;

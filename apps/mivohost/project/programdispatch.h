@@ -54,6 +54,9 @@ public:
     /// Plays a program of the project; without one of that id it does nothing.
     void play(qint64 id);
 
+    /// Gives both fades, in seconds, to every program of the project. How many it changed.
+    int setFadeTimes(double fadeIn, double fadeOut);
+
     const State& state() const { return m_state; }
 
     sigslot::signal<> stateChanged;             ///< of any part of the state

@@ -19,6 +19,14 @@ constexpr double highestId = 9007199254740992.0; // 2^53: JSON numbers are exact
 const QString formatKey = QStringLiteral("mivoProject");
 const QString markKey = QStringLiteral("automaticSaveOf");
 
+/// Seconds; what a new program has for what is no fade time.
+double fadeOf(const QJsonValue& value)
+{
+    const double standard = Project::Program().fadeInTime;
+    const double seconds = value.toDouble(standard);
+    return seconds >= 0 && seconds <= 10 ? seconds : standard;
+}
+
 /// -1 for what is no id.
 qint64 idOf(const QJsonValue& value)
 {
@@ -48,13 +56,30 @@ const Project::Program* Project::toPlayOnOpening() const
     return chosen != nullptr ? chosen : find(lastPlayed);
 }
 
+int Project::setFadeTimes(double fadeIn, double fadeOut)
+{
+    int changed = 0;
+    for (Group& group : groups) {
+        for (Program& program : group.programs) {
+            const Program before = program;
+            program.fadeInTime = fadeIn;
+            program.fadeOutTime = fadeOut;
+            changed += program == before ? 0 : 1;
+        }
+    }
+    return changed;
+}
+
 QByteArray projectToJson(const Project& project, const QString& automaticSaveOf)
 {
     QJsonArray groups;
     for (const Project::Group& group : project.groups) {
         QJsonArray programs;
         for (const Project::Program& program : group.programs) {
-            programs.append(QJsonObject{{"id", program.id}, {"name", program.name}});
+            programs.append(QJsonObject{{"id", program.id},
+                                        {"name", program.name},
+                                        {"fadeInTime", program.fadeInTime},
+                                        {"fadeOutTime", program.fadeOutTime}});
         }
         groups.append(QJsonObject{{"name", group.name}, {"programs", programs}});
     }
@@ -95,7 +120,9 @@ std::optional<Project> projectFromJson(const QByteArray& content, QString& error
                 return std::nullopt;
             }
             ids.insert(id);
-            added.programs.push_back({id, program[QLatin1String("name")].toString()});
+            added.programs.push_back({id, program[QLatin1String("name")].toString(),
+                                      fadeOf(program[QLatin1String("fadeInTime")]),
+                                      fadeOf(program[QLatin1String("fadeOutTime")])});
         }
     }
     const QJsonValue chosen = root.value(QLatin1String("defaultPlay"));

@@ -17,10 +17,13 @@ struct Project
     {
         qint64 id = -1; ///< unique within the project, 0 to 2^53
         QString name;
+        double fadeInTime = 0.5;  ///< seconds, 0 to 10
+        double fadeOutTime = 0.5; ///< seconds, 0 to 10
 
         friend bool operator==(const Program& a, const Program& b)
         {
-            return a.id == b.id && a.name == b.name;
+            return a.id == b.id && a.name == b.name && a.fadeInTime == b.fadeInTime
+                   && a.fadeOutTime == b.fadeOutTime;
         }
     };
     struct Group
@@ -44,6 +47,9 @@ struct Project
     /// The program to play when the project is opened: the chosen one, or where that is gone the
     /// one played last. Null where there is neither.
     const Program* toPlayOnOpening() const;
+
+    /// Gives both fades to every program. How many it changed.
+    int setFadeTimes(double fadeIn, double fadeOut);
 };
 
 /// The content of a project file (JSON). `automaticSaveOf` marks it as an automatic save of that

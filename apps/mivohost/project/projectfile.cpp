@@ -35,6 +35,7 @@ ProjectFile::ProjectFile(RuntimeThread& runtime, SettingsStore& store)
             }),
             m_dispatch->saveFailed.connect(
                 [tell](const QString& reason) { tell("ProjectNotSaved", reason); }),
+            m_store.fadeTimesApplied.connect(&ProjectFile::applyFadeTimes, this),
         };
     });
     m_autoSave =
@@ -60,7 +61,7 @@ void ProjectFile::start()
         m_runtime.call([this] { return m_store.getProjectFileSettings().openRecentFiles; });
     const QStringList recent = recentFiles();
     if (!openLast || recent.isEmpty() || !open(recent.first())) {
-        m_runtime.call([this, show = sampleShow()] { m_dispatch->create(show); });
+        m_runtime.call([this, show = sampleShow()] { createOnRuntime(show); });
         refresh();
     }
 }
@@ -68,7 +69,7 @@ void ProjectFile::start()
 void ProjectFile::create()
 {
     m_runtime.call([this, show = sampleShow()] {
-        m_dispatch->create(show);
+        createOnRuntime(show);
         const auto logger = QV::SpdlogApplication::instance().logger();
         logger->info("new project");
         if (m_store.getProjectFileSettings().newProjResetOutput) {
@@ -76,6 +77,21 @@ void ProjectFile::create()
         }
     });
     refresh();
+}
+
+void ProjectFile::createOnRuntime(Project show)
+{
+    show.setFadeTimes(m_store.getFadeInTime(), m_store.getFadeOutTime());
+    m_dispatch->create(std::move(show));
+}
+
+void ProjectFile::applyFadeTimes(double fadeIn, double fadeOut)
+{
+    const int programs = m_dispatch->setFadeTimes(fadeIn, fadeOut);
+    QV::SpdlogApplication::instance().logger()->info(
+        "fade in {} s and fade out {} s for all programs: {} changed", fadeIn, fadeOut, programs);
+    QMetaObject::invokeMethod(
+        this, [this, programs] { emit fadeTimesApplied(programs); }, Qt::QueuedConnection);
 }
 
 bool ProjectFile::open(const QString& file)

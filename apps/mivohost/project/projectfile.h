@@ -63,11 +63,16 @@ signals:
     void changed();
     void nameWanted();
 
+    /// All programs were given fade times, which changed so many of them.
+    void fadeTimesApplied(int programs);
+
     /// `key` is a text of the host's, with a place for `argument`.
     void failed(const QString& key, const QString& argument);
 
 private:
     void addRecentFile();
+    void createOnRuntime(Project show);
+    void applyFadeTimes(double fadeIn, double fadeOut); // runtime thread
 
     RuntimeThread& m_runtime;
     SettingsStore& m_store;

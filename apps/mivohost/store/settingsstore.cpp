@@ -8,6 +8,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
+#include <iterator>
 #include <optional>
 #include <utility>
 
@@ -23,9 +25,9 @@ using Announce = void (*)(SettingsStore&, const QVariant&);
 struct Setting
 {
     const char* key;
-    QVariant fallback; // its type is the setting's type: int, bool or QString
-    int lowest = 0;
-    int highest = 0;
+    QVariant fallback; // its type is the setting's type: int, double, bool or QString
+    double lowest = 0;
+    double highest = 0;
     Announce announce = nullptr;               // null: nobody follows it
     bool (*isValid)(const QString&) = nullptr; // of a text; null: every text is
 
@@ -33,6 +35,10 @@ struct Setting
         : key(settingKey), fallback(value), highest(1), announce(announcing)
     {}
     Setting(const char* settingKey, int value, int from, int to, Announce announcing = nullptr)
+        : key(settingKey), fallback(value), lowest(from), highest(to), announce(announcing)
+    {}
+    Setting(const char* settingKey, double value, double from, double to,
+            Announce announcing = nullptr)
         : key(settingKey), fallback(value), lowest(from), highest(to), announce(announcing)
     {}
     Setting(const char* settingKey, const QString& value, Announce announcing = nullptr,
@@ -49,6 +55,12 @@ struct Setting
                                                        : std::nullopt;
         }
         bool isNumber = false;
+        if (fallback.userType() == QMetaType::Double) {
+            const double number = raw.toDouble(&isNumber);
+            return isNumber && number >= lowest && number <= highest
+                       ? std::optional(QVariant(number))
+                       : std::nullopt;
+        }
         const int number = raw.toString().toInt(&isNumber);
         if (!isNumber || number < lowest || number > highest) {
             return std::nullopt;
@@ -56,12 +68,16 @@ struct Setting
         return fallback.userType() == QMetaType::Bool ? QVariant(number == 1) : QVariant(number);
     }
 
-    /// What is taken over for `wanted`: the nearest number in the range, or `held` for a text that
-    /// is no value of this setting.
+    /// What is taken over for `wanted`: the nearest number in the range, or `held` for what is no
+    /// number, or a text that is no value of this setting.
     QVariant corrected(const QVariant& wanted, const QVariant& held) const
     {
         if (fallback.userType() == QMetaType::Int) {
-            return std::clamp(wanted.toInt(), lowest, highest);
+            return std::clamp(wanted.toInt(), static_cast<int>(lowest), static_cast<int>(highest));
+        }
+        if (fallback.userType() == QMetaType::Double) {
+            const double number = wanted.toDouble();
+            return std::isnan(number) ? held : std::clamp(number, lowest, highest);
         }
         return isValid == nullptr || isValid(wanted.toString()) ? wanted : held;
     }
@@ -128,6 +144,23 @@ bool isDmx(const QString& record)
            && isIndex(fields[2], 15) && isIndex(fields[3], 15);
 }
 
+/// "range mode|bit depth"
+bool isDynamicRange(const QString& record)
+{
+    const QStringList fields = fieldsOf(record);
+    if (fields.size() != 2 || !isIndex(fields[0], 1) || !isIndex(fields[1], 12)) {
+        return false;
+    }
+    const auto depths = mivo::bitDepths(fields[0].toUInt());
+    return std::find(depths.begin(), depths.end(), fields[1].toUInt()) != depths.end();
+}
+
+bool isDisplayTechnologyStandard(const QString& name)
+{
+    const auto& known = mivo::displayTechnologyStandards;
+    return std::find(std::begin(known), std::end(known), name) != std::end(known);
+}
+
 template <typename T>
 T as(const QVariant& value)
 {
@@ -145,6 +178,19 @@ template <>
 std::string as(const QVariant& value)
 {
     return value.toString().toStdString();
+}
+
+template <>
+mivo::DynamicRangeConfig as(const QVariant& value)
+{
+    const QStringList fields = fieldsOf(value.toString());
+    return {fields[0].toUInt(), fields[1].toUInt()};
+}
+
+template <>
+mivo::PatchLevelPriority as(const QVariant& value)
+{
+    return static_cast<mivo::PatchLevelPriority>(value.toInt());
 }
 
 template <>
@@ -227,6 +273,18 @@ const std::array settings{
     Setting("playLogPath", QString(), announce<&Store::playLogPathChanged>),
     Setting("cachePath", QString(), announce<&Store::cachePathChanged>),
     Setting("sharePath", QString(), announce<&Store::sharePathChanged>),
+    Setting("blackScreenMute", false, announce<&Store::blackScreenMuteChanged>),
+    Setting("mfps", false, announce<&Store::mfpsChanged>),
+    Setting("efps", false, announce<&Store::efpsChanged>),
+    Setting("fadeInTime", 0.5, 0., 10., announce<&Store::fadeInTimeChanged>),
+    Setting("fadeOutTime", 0.5, 0., 10., announce<&Store::fadeOutTimeChanged>),
+    Setting("imageHierarchy", mivo::TimelinePriority, mivo::ProgramMgrPriority,
+            mivo::TimelinePriority, announce<&Store::imageHierarchyChanged>),
+    Setting("graphicsCard", QString(), announce<&Store::graphicsCardChanged>),
+    Setting("displayTechnologyStandard", mivo::displayTechnologyStandards[0],
+            announce<&Store::displayTechnologyStandardChanged>, isDisplayTechnologyStandard),
+    Setting("dynamicRangeConfig", "0|8", announce<&Store::dynamicRangeConfigChanged>,
+            isDynamicRange),
     Setting("tcpPort", "0|8000", announcePort<Store::tcp>, isPort),
     Setting("udpPort", "0|8001", announcePort<Store::udp>, isPort),
     Setting("language", QString()),
@@ -367,6 +425,32 @@ void SettingsStore::setPPTPresetsResolutionType(int key)
         setPPTResolutionWidth(size.width());
         setPPTResolutionHeight(size.height());
     }
+}
+
+STDisplayControlSettings SettingsStore::getDisplayControlSettings()
+{
+    return {value("blackScreenMute").toBool(), value("mfps").toBool(), value("efps").toBool(),
+            as<mivo::PatchLevelPriority>(value("imageHierarchy"))};
+}
+
+mivo::DynamicRangeConfig SettingsStore::getDynamicRangeConfig()
+{
+    return as<mivo::DynamicRangeConfig>(value("dynamicRangeConfig"));
+}
+
+void SettingsStore::applyFadeTimes(double fadeIn, double fadeOut)
+{
+    const double longest = find("fadeInTime")->highest;
+    if (fadeIn >= 0 && fadeIn <= longest && fadeOut >= 0 && fadeOut <= longest) {
+        fadeTimesApplied(fadeIn, fadeOut);
+    } else {
+        log().warn("fade times cannot be {} s and {} s", fadeIn, fadeOut);
+    }
+}
+
+QVariant SettingsStore::stored(const mivo::DynamicRangeConfig& config)
+{
+    return QStringLiteral("%1|%2").arg(config.rangeMode).arg(config.bitDepth);
 }
 
 QVariant SettingsStore::stored(const STPortInfo& info)

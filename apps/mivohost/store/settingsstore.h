@@ -27,6 +27,9 @@ public:
     sigslot::signal<const bool> timedShutdownDecided;
     sigslot::signal<const bool> timedAutomaticRestartDecided;
 
+    /// Every program is to have these fades, in seconds; the host gives them.
+    sigslot::signal<const double, const double> fadeTimesApplied;
+
     void setUndoStep(int step) override { set("undoStep", step); }
     void setAutoSyncResources(bool on) override { set("autoSyncResources", on); }
     void setPictureDuration(int milliseconds) override { set("pictureDuration", milliseconds); }
@@ -76,6 +79,26 @@ public:
         set("timedAutomaticRestart", stored(info));
     }
 
+    void setBlackScreenMute(bool on) override { set("blackScreenMute", on); }
+    void setMFPS(bool on) override { set("mfps", on); }
+    void setEFPS(bool on) override { set("efps", on); }
+    void setFadeInTime(double seconds) override { set("fadeInTime", seconds); }
+    void setFadeOutTime(double seconds) override { set("fadeOutTime", seconds); }
+    void setImageHierarchy(mivo::PatchLevelPriority priority) override
+    {
+        set("imageHierarchy", static_cast<int>(priority));
+    }
+    void applyFadeTimes(double fadeIn, double fadeOut) override;
+    void setGraphicsCard(const std::string& name) override { set("graphicsCard", stored(name)); }
+    void setDisplayTechnologyStandard(const std::string& standard) override
+    {
+        set("displayTechnologyStandard", stored(standard));
+    }
+    void setDynamicRangeConfig(const mivo::DynamicRangeConfig& config) override
+    {
+        set("dynamicRangeConfig", stored(config));
+    }
+
     void setTcpPort(const STPortInfo& info) override { set("tcpPort", stored(info)); }
     void setUdpPort(const STPortInfo& info) override { set("udpPort", stored(info)); }
 
@@ -93,6 +116,18 @@ public:
     STPPTSysSettingsInfo getPPTSysSettings() override;
     std::string getCanvasColor() override { return value("canvasColor").toString().toStdString(); }
     std::string getOutputColor() override { return value("outputColor").toString().toStdString(); }
+    STDisplayControlSettings getDisplayControlSettings() override;
+    double getFadeInTime() override { return value("fadeInTime").toDouble(); }
+    double getFadeOutTime() override { return value("fadeOutTime").toDouble(); }
+    std::string getGraphicsCard() override
+    {
+        return value("graphicsCard").toString().toStdString();
+    }
+    std::string getDisplayTechnologyStandard() override
+    {
+        return value("displayTechnologyStandard").toString().toStdString();
+    }
+    mivo::DynamicRangeConfig getDynamicRangeConfig() override;
     STPortInfo getTcpPort() override { return m_ports[tcp]; }
     STPortInfo getUdpPort() override { return m_ports[udp]; }
 
@@ -142,6 +177,7 @@ public:
 private:
     static QVariant stored(const std::string& text) { return QString::fromStdString(text); }
     static QVariant stored(const STPortInfo& info);
+    static QVariant stored(const mivo::DynamicRangeConfig& config);
     static QVariant stored(const STMivoTimedShutdownSettings& info);
     static QVariant stored(const STMivoTimedAutomaticRestartSettings& info);
     static QVariant stored(const mivo::peripheralcontrol::SAddDMXInfo& info);

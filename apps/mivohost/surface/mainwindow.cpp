@@ -1,13 +1,11 @@
 #include "surface/mainwindow.h"
 
-#include "peripherals/peripherals.h"
 #include "project/projectfile.h"
 #include "runtime/runtimethread.h"
 #include "store/settingsstore.h"
 #include "surface/actionpanel.h"
 #include "surface/hostlog.h"
 #include "surface/hosttext.h"
-#include "surface/settingsview.h"
 #include "system/tray.h"
 
 #include "qvspdlog/spdlogapplication.h"
@@ -40,8 +38,8 @@ constexpr int idRole = Qt::UserRole;
 } // namespace
 
 MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile& project,
-                       Peripherals& peripherals)
-    : m_runtime(runtime), m_store(store), m_project(project), m_peripherals(peripherals),
+                       const SettingsServices& services)
+    : m_runtime(runtime), m_store(store), m_project(project), m_services(services),
       m_title(new QLabel), m_notice(new QLabel), m_settingsButton(new mivo::widgets::PushButton),
       m_languageLabel(new QLabel), m_language(new QComboBox),
       m_actionPanel(new ActionPanel(peripherals)), m_programsLabel(new QLabel),
@@ -105,6 +103,9 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
     connect(&m_project, &ProjectFile::changed, this, &MainWindow::showProject);
     connect(&m_project, &ProjectFile::nameWanted, this, &MainWindow::saveProjectAs);
     connect(&m_project, &ProjectFile::failed, this, &MainWindow::showNotice);
+    connect(&m_project, &ProjectFile::fadeTimesApplied, this, [this](int programs) {
+        showNotice(QStringLiteral("FadeTimesApplied"), QString::number(programs));
+    });
     m_runtime.call([this] {
         m_store.setFailureHandler([this](const QString& reason) {
             QMetaObject::invokeMethod(
@@ -163,10 +164,7 @@ void MainWindow::fillRecentMenu()
 SettingsView& MainWindow::settings()
 {
     if (!m_settings) {
-        m_settings = std::make_unique<SettingsView>(
-            m_runtime, m_store, this,
-            SettingsServices{m_project.dispatch(), &m_project, &m_peripherals.midi(),
-                             &m_peripherals.dmx(), &m_peripherals.osc()});
+        m_settings = std::make_unique<SettingsView>(m_runtime, m_store, this, m_services);
     }
     return *m_settings;
 }
@@ -279,21 +277,36 @@ void MainWindow::showProject()
     setWindowModified(state.modified);
     if (m_shownGroups != state.project.groups) {
         m_shownGroups = state.project.groups;
+        const QTreeWidgetItem* current = m_programs->currentItem();
+        const QVariant currentId = current ? current->data(0, idRole) : QVariant();
         m_programs->clear();
+        m_programs->setCurrentItem(nullptr);
         for (const Project::Group& group : m_shownGroups) {
             auto* item = new QTreeWidgetItem(m_programs, {group.name});
             for (const Project::Program& program : group.programs) {
-                (new QTreeWidgetItem(item, {program.name}))->setData(0, idRole, program.id);
+                auto* leaf = new QTreeWidgetItem(item, {program.name});
+                leaf->setData(0, idRole, program.id);
+                if (currentId == program.id) {
+                    m_programs->setCurrentItem(leaf);
+                }
             }
         }
         m_programs->expandAll();
-        m_programs->setCurrentItem(m_programs->topLevelItem(0));
+        if (m_programs->currentItem() == nullptr) {
+            m_programs->setCurrentItem(m_programs->topLevelItem(0));
+        }
     }
     for (QTreeWidgetItemIterator item(m_programs); *item != nullptr; ++item) {
         const QVariant id = (*item)->data(0, idRole);
         QFont font = m_programs->font();
         font.setBold(id.isValid() && id.toLongLong() == state.playing);
         (*item)->setFont(0, font);
+        if (const Project::Program* program =
+                state.project.find(id.isValid() ? id.toLongLong() : -1)) {
+            (*item)->setToolTip(0, hostText("ProgramFades")
+                                       .arg(program->fadeInTime, 0, 'f', 1)
+                                       .arg(program->fadeOutTime, 0, 'f', 1));
+        }
     }
     const Project::Program* playing = state.project.find(state.playing);
     m_playing->setText(playing == nullptr ? hostText("NothingPlaying")

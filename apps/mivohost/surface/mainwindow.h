@@ -1,6 +1,7 @@
 #pragma once
 
 #include "project/project.h"
+#include "surface/settingsview.h"
 
 #include <QtCore/QTranslator>
 #include <QtWidgets/QMainWindow>
@@ -20,11 +21,9 @@ class QTreeWidgetItem;
 namespace mivohost {
 
 class ActionPanel;
-class Peripherals;
 class ProjectFile;
 class RuntimeThread;
 class SettingsStore;
-class SettingsView;
 class Tray;
 
 /// The host's main window: the project and its programs, the settings, the language, the log. GUI
@@ -34,8 +33,9 @@ class MainWindow : public QMainWindow
     Q_OBJECT
 
 public:
+    /// `services` are for the pages of the settings.
     MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile& project,
-               Peripherals& peripherals);
+               const SettingsServices& services);
     ~MainWindow() override;
 
     /// The settings dialog, made at the first call.
@@ -53,7 +53,7 @@ public:
     /// Switches every text of the program.
     void switchLanguage(const QString& language);
 
-    /// Tells of a problem until the window is closed; the text is made again in each language.
+    /// Tells of something until the window is closed; the text is made again in each language.
     void showNotice(const QString& key, const QString& argument);
 
 signals:
@@ -83,7 +83,7 @@ private:
     RuntimeThread& m_runtime;
     SettingsStore& m_store;
     ProjectFile& m_project;
-    Peripherals& m_peripherals;
+    SettingsServices m_services;
     QMenu* m_projectMenu = nullptr;
     QMenu* m_recentMenu = nullptr;
     std::vector<std::pair<QAction*, const char*>> m_actions; // with the keys of their texts

@@ -1,5 +1,9 @@
 #include "surface/settingsview.h"
 
+#include "mivohostapi/imediaoutput.h"
+
+#include <mivosettingswidgets/codeccontrolsettingbox.h>
+#include <mivosettingswidgets/displaycontrolsettingbox.h>
 #include <mivosettingswidgets/fileinfosettingbox.h>
 #include <mivosettingswidgets/generalsettingbox.h>
 #include <mivosettingswidgets/netdevicesettingwidget.h>
@@ -10,6 +14,7 @@
 #include <mivosettingswidgets/settingsdialog.h>
 #include <mivosettingswidgets/settingwdigettranslatemanager.h>
 #include <mivosettingswidgets/stagesettingbox.h>
+#include <mivosettingswidgets/storeaccess.h>
 #include <mivosettingswidgets/undosettingbox.h>
 
 #include <QtCore/QFile>
@@ -72,6 +77,18 @@ SettingsView::SettingsView(IZRRuntime& runtime, MivoSettings& settings, QWidget*
     network->setDmxMgr(services.dmx);
     network->setOscMgr(services.osc);
     add(network, 10);
+    add(new DisplayControlSettingBox, 10);
+    auto* codec = new CodecControlSettingBox;
+    codec->setRenderFacade(services.cards);
+    codec->setPhysicsOutputMgr(services.outputs);
+    add(codec, 30);
+    // A list that is not known yet comes by itself; without any card there is nothing to show.
+    if (services.cards != nullptr
+        && !callInRuntime(&runtime, __FILE__, __LINE__, "SettingsView", [&services] {
+                return services.cards->graphicsCards();
+            }).empty()) {
+        codec->updateDisplayCardInfo();
+    }
     switchLanguage(SettingWdigetTranslateManager::instance().translator().language());
 }
 

@@ -12,6 +12,10 @@ class QWidget;
 namespace mivo::mediadispatch {
 class IProgramDispatch;
 }
+namespace mivo::mediaoutput {
+class IPhysicsOutputMgr;
+class IRenderFacade;
+} // namespace mivo::mediaoutput
 namespace mivo::peripheralcontrol {
 class DmxPeripheral;
 class MidiPeripheral;
@@ -42,6 +46,8 @@ struct SettingsServices
     mivo::peripheralcontrol::MidiPeripheral* midi = nullptr;
     mivo::peripheralcontrol::DmxPeripheral* dmx = nullptr;
     mivo::peripheralcontrol::OscPeripheral* osc = nullptr;
+    mivo::mediaoutput::IRenderFacade* cards = nullptr; // outlives the view
+    std::shared_ptr<mivo::mediaoutput::IPhysicsOutputMgr> outputs = nullptr;
 };
 
 /// The settings dialog with all pages, bound to a store. GUI thread.

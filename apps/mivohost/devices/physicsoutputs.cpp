@@ -1,0 +1,52 @@
+#include "devices/physicsoutputs.h"
+
+#include "qvspdlog/spdlogapplication.h"
+
+#include <QtGui/QGuiApplication>
+#include <QtGui/QScreen>
+
+namespace mivohost {
+
+namespace {
+
+void logOutputs()
+{
+    const QStringList outputs = PhysicsOutputs::outputs();
+    const auto logger = QV::SpdlogApplication::instance().logger();
+    if (outputs.isEmpty()) {
+        logger->warn("no output found");
+    } else {
+        logger->info("outputs: {}", outputs.join(QStringLiteral(", ")).toStdString());
+    }
+}
+
+} // namespace
+
+PhysicsOutputs::PhysicsOutputs()
+{
+    connect(qGuiApp, &QGuiApplication::screenAdded, this, logOutputs);
+    // Still among the screens while it is announced that it goes.
+    connect(qGuiApp, &QGuiApplication::screenRemoved, this, logOutputs, Qt::QueuedConnection);
+    logOutputs();
+}
+
+void PhysicsOutputs::setOutputConfig(const mivo::mediaoutput::STOutputConfig& config)
+{
+    QV::SpdlogApplication::instance().logger()->info("outputs: {}, {} bit, from the next start on",
+                                                     config.displayTechnologyStandard,
+                                                     config.bitDepth);
+}
+
+QStringList PhysicsOutputs::outputs()
+{
+    QStringList outputs;
+    for (const QScreen* screen : QGuiApplication::screens()) {
+        outputs.append(QStringLiteral("%1 (%2 × %3)")
+                           .arg(screen->name())
+                           .arg(screen->size().width())
+                           .arg(screen->size().height()));
+    }
+    return outputs;
+}
+
+} // namespace mivohost
