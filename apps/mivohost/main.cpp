@@ -1,3 +1,5 @@
+#include "devices/soundcardlister.h"
+#include "devices/soundcards.h"
 #include "peripherals/peripherals.h"
 #include "project/projectfile.h"
 #include "runtime/runtimethread.h"
@@ -35,6 +37,8 @@
 using namespace mivohost;
 
 namespace {
+
+constexpr const char* listSoundCardsOption = "--list-sound-cards"; // the first one, or not at all
 
 enum ExitCode { finished = 0, badArgument = 1, storeInUse = 2, storeFailed = 3, notWritten = 4 };
 
@@ -119,6 +123,8 @@ int runWindow(MainWindow& window, RuntimeThread& runtime, SettingsStore& store,
         });
 
     const Listener listener(runtime, store);
+    const SoundCards soundCards(
+        {QCoreApplication::applicationFilePath(), {QString::fromLatin1(listSoundCardsOption)}});
 
     // Hiding to the tray is not the end.
     QApplication::setQuitOnLastWindowClosed(false);
@@ -210,6 +216,10 @@ int run(const QCommandLineParser& arguments)
 
 int main(int argc, char** argv)
 {
+    if (argc > 1 && qstrcmp(argv[1], listSoundCardsOption) == 0) {
+        const QCoreApplication application(argc, argv);
+        return listSoundCards();
+    }
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QApplication application(argc, argv);

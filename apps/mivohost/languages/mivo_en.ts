@@ -752,6 +752,36 @@
         <translation>The machine could not be shut down or restarted: %1</translation>
     </message>
     <message>
+        <source>Messages</source>
+        <comment>MainWindow</comment>
+        <translation>Messages</translation>
+    </message>
+    <message>
+        <source>MessageTime</source>
+        <comment>MainWindow</comment>
+        <translation>Time</translation>
+    </message>
+    <message>
+        <source>MessageKind</source>
+        <comment>MainWindow</comment>
+        <translation>Kind</translation>
+    </message>
+    <message>
+        <source>MessageText</source>
+        <comment>MainWindow</comment>
+        <translation>Message</translation>
+    </message>
+    <message>
+        <source>MessageWarning</source>
+        <comment>MainWindow</comment>
+        <translation>Warning</translation>
+    </message>
+    <message>
+        <source>MessageNote</source>
+        <comment>MainWindow</comment>
+        <translation>Note</translation>
+    </message>
+    <message>
         <source>ShowBefore</source>
         <comment>MainWindow</comment>
         <translation>Before the show</translation>

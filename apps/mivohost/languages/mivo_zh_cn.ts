@@ -752,6 +752,36 @@
         <translation>无法关闭或重新启动计算机：%1</translation>
     </message>
     <message>
+        <source>Messages</source>
+        <comment>MainWindow</comment>
+        <translation>消息</translation>
+    </message>
+    <message>
+        <source>MessageTime</source>
+        <comment>MainWindow</comment>
+        <translation>时间</translation>
+    </message>
+    <message>
+        <source>MessageKind</source>
+        <comment>MainWindow</comment>
+        <translation>类型</translation>
+    </message>
+    <message>
+        <source>MessageText</source>
+        <comment>MainWindow</comment>
+        <translation>内容</translation>
+    </message>
+    <message>
+        <source>MessageWarning</source>
+        <comment>MainWindow</comment>
+        <translation>警告</translation>
+    </message>
+    <message>
+        <source>MessageNote</source>
+        <comment>MainWindow</comment>
+        <translation>提示</translation>
+    </message>
+    <message>
         <source>ShowBefore</source>
         <comment>MainWindow</comment>
         <translation>演出前</translation>

@@ -6,6 +6,7 @@
 #include "store/settingsstore.h"
 #include "surface/hostlog.h"
 #include "surface/hosttext.h"
+#include "surface/messagepanel.h"
 #include "surface/settingsview.h"
 #include "system/tray.h"
 
@@ -44,7 +45,7 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
       m_title(new QLabel), m_notice(new QLabel), m_settingsButton(new mivo::widgets::PushButton),
       m_languageLabel(new QLabel), m_language(new QComboBox), m_programsLabel(new QLabel),
       m_programs(new QTreeWidget), m_playing(new QLabel), m_logLabel(new QLabel),
-      m_log(new QPlainTextEdit)
+      m_log(new QPlainTextEdit), m_messagePanel(new MessagePanel(m_messages))
 {
     m_title->setObjectName(QStringLiteral("hostTitle"));
     m_notice->setProperty("style", QStringLiteral("notice"));
@@ -88,11 +89,12 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
     column->addWidget(m_title);
     column->addWidget(m_notice);
     column->addLayout(row);
-    column->addLayout(columns);
+    column->addLayout(columns, 5);
+    column->addWidget(m_messagePanel, 2);
     auto* content = new QWidget;
     content->setLayout(column);
     setCentralWidget(content);
-    resize(840, 540);
+    resize(840, 640);
     m_programs->setFocus();
 
     connect(m_settingsButton, &QPushButton::clicked, this, &MainWindow::openSettings);
@@ -255,6 +257,7 @@ void MainWindow::setTexts()
     m_languageLabel->setText(hostText("Language"));
     m_programsLabel->setText(hostText("Programs"));
     m_logLabel->setText(hostText("Log"));
+    m_messagePanel->setTexts();
     if (!m_noticeKey.isEmpty()) {
         m_notice->setText(hostText(m_noticeKey).arg(m_noticeArgument));
     }

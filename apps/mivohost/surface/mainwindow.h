@@ -1,6 +1,7 @@
 #pragma once
 
 #include "project/project.h"
+#include "surface/messagecentre.h"
 
 #include <QtWidgets/QMainWindow>
 
@@ -18,6 +19,7 @@ class QTreeWidgetItem;
 
 namespace mivohost {
 
+class MessagePanel;
 class Peripherals;
 class ProjectFile;
 class RuntimeThread;
@@ -51,6 +53,9 @@ public:
 
     /// Tells of a problem until the window is closed; the text is made again in each language.
     void showNotice(const QString& key, const QString& argument);
+
+    /// Where messages for the operator are posted, which the window shows.
+    MessageCentre& messages() { return m_messages; }
 
 signals:
     /// The window was closed for good.
@@ -93,6 +98,8 @@ private:
     QLabel* m_playing;
     QLabel* m_logLabel;
     QPlainTextEdit* m_log;
+    MessageCentre m_messages;
+    MessagePanel* m_messagePanel;
     QString m_noticeKey;
     QString m_noticeArgument;
     std::vector<Project::Group> m_shownGroups;
