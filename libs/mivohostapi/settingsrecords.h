@@ -7,6 +7,7 @@
 #include <ostream>
 #include <string>
 #include <tuple>
+#include <vector>
 
 // Records of the settings store: values, equal when all their fields are. Their defaults are what a
 // first run shows.
@@ -122,6 +123,18 @@ template <typename Record>
 auto operator==(const Record& a, const Record& b) -> decltype(a.fields(), bool())
 {
     return a.fields() == b.fields();
+}
+
+template <typename Record>
+auto operator<<(std::ostream& out, const Record& record) -> decltype(record.fields(), out);
+
+template <typename Value>
+std::ostream& operator<<(std::ostream& out, const std::vector<Value>& list)
+{
+    for (const Value& value : list) {
+        out << "[" << value << "]";
+    }
+    return out;
 }
 
 template <typename Record>
