@@ -3,13 +3,12 @@
 
 #include "support/logcapture.h"
 #include "support/otherprocess.h"
+#include "support/soundserver.h"
 
 #include <gtest/gtest.h>
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QFile>
-#include <QtCore/QHash>
-#include <QtCore/QProcess>
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
@@ -28,7 +27,7 @@ using Listed = std::vector<ListedCard>;
 std::vector<std::string> shown(const SoundCards& sound)
 {
     std::vector<std::string> all;
-    for (const SoundCard& card : sound.cards()) {
+    for (const auto& card : sound.cards()) {
         all.push_back(card.caption + '/' + std::to_string(card.channels));
     }
     return all;
@@ -72,74 +71,6 @@ const bool isRegistered = [] {
     otherProcesses()["--as-lister"] = list;
     return true;
 }();
-
-/// A sound server of this test alone.
-class Server
-{
-public:
-    Server()
-    {
-        m_environment = QProcessEnvironment::systemEnvironment();
-        m_environment.insert("XDG_RUNTIME_DIR", m_folder.path());
-        m_environment.insert("HOME", m_folder.path());
-        m_environment.insert("PULSE_SERVER", "unix:" + socket());
-        for (const char* name : {"XDG_RUNTIME_DIR", "HOME", "PULSE_SERVER"}) {
-            qputenv(name, m_environment.value(name).toUtf8());
-        }
-        m_process.setProcessEnvironment(m_environment);
-        m_process.setProcessChannelMode(QProcess::MergedChannels);
-    }
-    ~Server() { stop(); }
-
-    /// False where there is no such server.
-    bool start()
-    {
-        m_process.start("pulseaudio", {"-n", "--daemonize=no", "--exit-idle-time=-1", "-L",
-                                       "module-native-protocol-unix socket=" + socket()});
-        return m_process.waitForStarted()
-               && QTest::qWaitFor(
-                   [this] { return m_process.state() == QProcess::Running && control({"info"}); },
-                   20000);
-    }
-    void stop()
-    {
-        m_process.terminate();
-        if (!m_process.waitForFinished(10000)) {
-            m_process.kill();
-            m_process.waitForFinished();
-        }
-    }
-
-    void load(const QString& sink, int channels = 2)
-    {
-        ASSERT_TRUE(control({"load-module", "module-null-sink", "sink_name=" + sink,
-                             QStringLiteral("channels=%1").arg(channels)}));
-        m_modules[sink] = m_answer.trimmed();
-    }
-    void unload(const QString& sink)
-    {
-        ASSERT_TRUE(control({"unload-module", m_modules.take(sink)}));
-    }
-
-private:
-    QString socket() const { return m_folder.filePath("sound"); }
-
-    bool control(const QStringList& arguments)
-    {
-        QProcess process;
-        process.setProcessEnvironment(m_environment);
-        process.start("pactl", arguments);
-        const bool ended = process.waitForFinished(20000);
-        m_answer = QString::fromUtf8(process.readAllStandardOutput());
-        return ended && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
-    }
-
-    QTemporaryDir m_folder;
-    QProcessEnvironment m_environment;
-    QProcess m_process;
-    QString m_answer;
-    QHash<QString, QString> m_modules;
-};
 
 bool becomes(const SoundCards& sound, const Shown& expected)
 {
@@ -265,8 +196,8 @@ TEST_F(SoundCardLister, OnlyChangesAreAnnounced)
                             + "fail\n" + toLine({a, wide}) + "[]"));
     std::vector<Shown> announced;
     QObject::connect(&sound, &SoundCards::changed, [&] { announced.push_back(shown(sound)); });
-    ASSERT_TRUE(QTest::qWaitFor([&] { return announced.size() == 3; }, 20000));
-    EXPECT_EQ(announced, (std::vector<Shown>{{"a/2", "b/2"}, {"a/2", "b/8"}, {}}));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return announced.size() == 4; }, 20000));
+    EXPECT_EQ(announced, (std::vector<Shown>{{}, {"a/2", "b/2"}, {"a/2", "b/8"}, {}}));
 }
 
 TEST_F(SoundCardLister, CardsStayWhileTheListerFails)
@@ -309,10 +240,10 @@ TEST_F(SoundCardLister, AListerThatIsNotThereIsLoggedOnce)
     EXPECT_TRUE(sound.cards().empty());
 }
 
-TEST(SoundServer, ItsCardsAreThereWhileItHasThem)
+TEST(SoundCardsOfServer, ItsCardsAreThereWhileItHasThem)
 {
     const LogCapture log;
-    Server server;
+    SoundServer server;
     if (!server.start()) {
         GTEST_SKIP() << "no PulseAudio here";
     }
@@ -330,10 +261,10 @@ TEST(SoundServer, ItsCardsAreThereWhileItHasThem)
     ASSERT_TRUE(becomes(sound, {}));
 }
 
-TEST(SoundServer, ComesAndGoesAndComes)
+TEST(SoundCardsOfServer, ComesAndGoesAndComes)
 {
     const LogCapture log;
-    Server server;
+    SoundServer server;
     SoundCards sound({QCoreApplication::applicationFilePath(), {"--as-lister"}});
     QTest::qWait(1000); // it has looked for a server by now
     if (!server.start()) {

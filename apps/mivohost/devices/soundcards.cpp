@@ -6,24 +6,27 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <regex>
 #include <utility>
 
 namespace mivohost {
 
+using mivo::settings::STSoundCardInfo;
+
 namespace {
 
 constexpr int pauseAfterFailure = 2000; // milliseconds
 
-void logChanges(const std::vector<SoundCard>& before, const std::vector<SoundCard>& now)
+void logChanges(const std::vector<STSoundCardInfo>& before, const std::vector<STSoundCardInfo>& now)
 {
     const auto logger = QV::SpdlogApplication::instance().logger();
-    for (const SoundCard& card : before) {
+    for (const STSoundCardInfo& card : before) {
         if (std::find(now.begin(), now.end(), card) == now.end()) {
             logger->info("sound card gone: {}", card.caption);
         }
     }
-    for (const SoundCard& card : now) {
+    for (const STSoundCardInfo& card : now) {
         if (std::find(before.begin(), before.end(), card) == before.end()) {
             logger->info("sound card there: {} ({} channels)", card.caption, card.channels);
         }
@@ -130,11 +133,11 @@ void SoundCards::take(std::vector<ListedCard> listed)
         devices[i] = {ids[i], soundCardCaption(listed[i].name)};
     }
     const auto captions = m_captions.update(devices);
-    std::vector<SoundCard> cards;
+    std::vector<STSoundCardInfo> cards;
     for (std::size_t i = 0; i < ids.size(); ++i) {
-        cards.push_back({ids[i], captions[i], listed[i].channels});
+        cards.push_back({ids[i], captions[i], static_cast<std::uint32_t>(listed[i].channels)});
     }
-    if (cards != m_cards) {
+    if (!std::exchange(m_isKnown, true) || !(cards == m_cards)) {
         logChanges(m_cards, cards);
         m_cards = std::move(cards);
         emit changed();

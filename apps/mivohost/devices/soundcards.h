@@ -1,6 +1,7 @@
 #pragma once
 
 #include "devices/devicenames.h"
+#include "mivohostapi/soundcardrecords.h"
 
 #include <QtCore/QObject>
 #include <QtCore/QProcess>
@@ -13,19 +14,6 @@
 namespace mivohost {
 
 struct ListedCard;
-
-/// A sound card of this machine.
-struct SoundCard
-{
-    std::string id;      ///< stays the same when the card goes and comes back
-    std::string caption; ///< for people; differs from those of all other cards that are there
-    int channels = 2;
-
-    friend bool operator==(const SoundCard& a, const SoundCard& b)
-    {
-        return a.id == b.id && a.caption == b.caption && a.channels == b.channels;
-    }
-};
 
 /// What a person calls the card of that name.
 std::string soundCardCaption(const std::string& name);
@@ -53,10 +41,12 @@ public:
     explicit SoundCards(Lister lister);
     ~SoundCards() override;
 
-    const std::vector<SoundCard>& cards() const { return m_cards; }
+    /// By their ids, which stay the same when a card goes and comes back.
+    const std::vector<mivo::settings::STSoundCardInfo>& cards() const { return m_cards; }
 
 signals:
-    /// Cards appeared, vanished, or have another number of channels.
+    /// It is known for the first time which cards there are; cards appeared, vanished, or have
+    /// another number of channels.
     void changed();
 
 private:
@@ -73,7 +63,8 @@ private:
     bool m_hasServer = false;
     DeviceNames m_ids;
     DeviceNames m_captions;
-    std::vector<SoundCard> m_cards;
+    bool m_isKnown = false;
+    std::vector<mivo::settings::STSoundCardInfo> m_cards;
 };
 
 } // namespace mivohost

@@ -777,9 +777,14 @@
         <translation>Warning</translation>
     </message>
     <message>
-        <source>MessageNote</source>
+        <source>MessageInformation</source>
         <comment>MainWindow</comment>
-        <translation>Note</translation>
+        <translation>Information</translation>
+    </message>
+    <message>
+        <source>MessageQuestion</source>
+        <comment>MainWindow</comment>
+        <translation>Question</translation>
     </message>
     <message>
         <source>ShowBefore</source>

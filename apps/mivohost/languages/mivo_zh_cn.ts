@@ -777,9 +777,14 @@
         <translation>警告</translation>
     </message>
     <message>
-        <source>MessageNote</source>
+        <source>MessageInformation</source>
         <comment>MainWindow</comment>
-        <translation>提示</translation>
+        <translation>信息</translation>
+    </message>
+    <message>
+        <source>MessageQuestion</source>
+        <comment>MainWindow</comment>
+        <translation>询问</translation>
     </message>
     <message>
         <source>ShowBefore</source>

@@ -163,7 +163,7 @@ SettingsView& MainWindow::settings()
         m_settings = std::make_unique<SettingsView>(
             m_runtime, m_store, this,
             SettingsServices{m_project.dispatch(), &m_project, &m_peripherals.midi(),
-                             &m_peripherals.dmx(), &m_peripherals.osc()});
+                             &m_peripherals.dmx(), &m_peripherals.osc(), &m_messages});
     }
     return *m_settings;
 }

@@ -2,40 +2,53 @@
 
 #include "qvspdlog/spdlogapplication.h"
 
+#include <QtCore/QDateTime>
+
 #include <iterator>
-#include <utility>
 
 namespace mivohost {
 
-void MessageCentre::post(int kind, const std::string& text)
+namespace {
+
+void append(std::deque<MessageCentre::STMsgInfo>& messages,
+            std::deque<MessageCentre::STMsgInfo>&& more)
 {
+    messages.insert(messages.end(), std::make_move_iterator(more.begin()),
+                    std::make_move_iterator(more.end()));
+    while (messages.size() > MessageCentre::kept) {
+        messages.pop_front();
+    }
+}
+
+} // namespace
+
+void MessageCentre::postMessage(const STMsgInfo& message)
+{
+    const bool isWarning = message.kind == velorn::msgcenter::MsgWarning;
     QV::SpdlogApplication::instance().logger()->log(
-        kind == 2 ? spdlog::level::warn : spdlog::level::info, "message: {}", text);
-    Message message{kind, QString::fromStdString(text), QDateTime::currentDateTime()};
+        isWarning ? spdlog::level::warn : spdlog::level::info, "message: {}", message.text);
+    STMsgInfo timed = message;
+    if (timed.time == 0) {
+        timed.time = QDateTime::currentMSecsSinceEpoch();
+    }
     const std::lock_guard lock(m_mutex);
-    // One call for all that is posted until it comes: a flood takes no more room than this.
+    // One call for all that come until it is carried out: a flood takes no more room than this.
     if (m_posted.empty()) {
         QMetaObject::invokeMethod(this, &MessageCentre::take, Qt::QueuedConnection);
     }
-    m_posted.push_front(std::move(message));
-    if (m_posted.size() > kept) {
-        m_posted.pop_back();
-    }
+    append(m_posted, {std::move(timed)});
 }
 
 void MessageCentre::take()
 {
-    std::deque<Message> fresh;
+    std::deque<STMsgInfo> fresh;
     {
         const std::lock_guard lock(m_mutex);
         fresh.swap(m_posted);
     }
-    m_messages.insert(m_messages.begin(), std::make_move_iterator(fresh.begin()),
-                      std::make_move_iterator(fresh.end()));
-    if (m_messages.size() > kept) {
-        m_messages.resize(kept);
-    }
-    emit posted(static_cast<int>(fresh.size()));
+    const int count = static_cast<int>(fresh.size());
+    append(m_messages, std::move(fresh));
+    emit posted(count);
 }
 
 } // namespace mivohost

@@ -1,47 +1,42 @@
 #pragma once
 
-#include <QtCore/QDateTime>
-#include <QtCore/QObject>
-#include <QtCore/QString>
+#include "mivohostapi/imsgcentermgr.h"
 
+#include <QtCore/QObject>
+
+#include <cstddef>
 #include <deque>
 #include <mutex>
 
 namespace mivohost {
 
-/// What was posted, and when.
-struct Message
-{
-    int kind = 0;
-    QString text;
-    QDateTime time;
-};
-
-/// Collects the messages that are posted to the operator, and keeps the last hundred.
+/// Collects the messages to the operator, keeps the last hundred of them, and logs them all.
 ///
-/// Lives on the GUI thread; post() may be called on any thread while it lives.
-class MessageCentre : public QObject
+/// Lives on the GUI thread; postMessage() may be called on any thread while it lives.
+class MessageCentre : public QObject, public velorn::msgcenter::IMsgCenterMgr
 {
     Q_OBJECT
 
 public:
+    using STMsgInfo = velorn::msgcenter::STMsgInfo;
+
     static constexpr std::size_t kept = 100;
 
-    /// The first one is the newest. GUI thread, as the signal.
-    const std::deque<Message>& messages() const { return m_messages; }
+    void postMessage(const STMsgInfo& message) override;
 
-    void post(int kind, const std::string& text);
+    /// In the order of their posting, each with its time. GUI thread, as the signal.
+    const std::deque<STMsgInfo>& messages() const { return m_messages; }
 
 signals:
-    /// So many of the messages are new.
+    /// So many messages, the last ones, are new.
     void posted(int count);
 
 private:
     void take();
 
     std::mutex m_mutex;
-    std::deque<Message> m_posted; // not taken yet, the newest first
-    std::deque<Message> m_messages;
+    std::deque<STMsgInfo> m_posted; // not taken yet
+    std::deque<STMsgInfo> m_messages;
 };
 
 } // namespace mivohost

@@ -3,21 +3,33 @@
 #include "surface/hosttext.h"
 #include "surface/messagecentre.h"
 
+#include <QtCore/QDateTime>
 #include <QtWidgets/QHeaderView>
 #include <QtWidgets/QLabel>
+#include <QtWidgets/QScrollBar>
 #include <QtWidgets/QTreeWidget>
 #include <QtWidgets/QVBoxLayout>
+
+#include <cstdint>
+#include <iterator>
 
 namespace mivohost {
 
 namespace {
 
 enum Column { timeColumn, kindColumn, textColumn };
-constexpr int warning = 2;
+constexpr int kindRole = Qt::UserRole;
 
-QString kindText(const Message& message)
+QString kindText(std::uint32_t kind)
 {
-    return hostText(message.kind == warning ? "MessageWarning" : "MessageNote");
+    switch (kind) {
+    case velorn::msgcenter::MsgQuestion:
+        return hostText("MessageQuestion");
+    case velorn::msgcenter::MsgWarning:
+        return hostText("MessageWarning");
+    default:
+        return hostText("MessageInformation");
+    }
 }
 
 } // namespace
@@ -38,8 +50,8 @@ MessagePanel::MessagePanel(const MessageCentre& centre, QWidget* parent)
     column->setSpacing(6);
     column->addWidget(m_label);
     column->addWidget(m_list);
-    connect(&centre, &MessageCentre::posted, this, &MessagePanel::showNewest);
-    showNewest(static_cast<int>(centre.messages().size()));
+    connect(&centre, &MessageCentre::posted, this, &MessagePanel::showLast);
+    showLast(static_cast<int>(centre.messages().size()));
     setTexts();
 }
 
@@ -50,26 +62,33 @@ void MessagePanel::setTexts()
     m_list->setHeaderLabels(
         {hostText("MessageTime"), hostText("MessageKind"), hostText("MessageText")});
     for (int row = 0; row < m_list->topLevelItemCount(); ++row) {
-        m_list->topLevelItem(row)->setText(
-            kindColumn, kindText(m_centre.messages()[static_cast<std::size_t>(row)]));
+        QTreeWidgetItem* item = m_list->topLevelItem(row);
+        item->setText(kindColumn, kindText(item->data(kindColumn, kindRole).toUInt()));
     }
 }
 
-void MessagePanel::showNewest(int count)
+void MessagePanel::showLast(int count)
 {
-    for (int row = 0; row < count; ++row) {
-        const Message& message = m_centre.messages()[static_cast<std::size_t>(row)];
+    const auto& messages = m_centre.messages();
+    const QScrollBar* scroll = m_list->verticalScrollBar();
+    const bool isAtEnd = scroll->value() == scroll->maximum();
+    for (auto message = std::prev(messages.end(), count); message != messages.end(); ++message) {
+        const auto time = QDateTime::fromMSecsSinceEpoch(message->time);
+        const auto text = QString::fromStdString(message->text);
         auto* item = new QTreeWidgetItem(
-            {message.time.toString(QStringLiteral("hh:mm:ss")), kindText(message), message.text});
-        item->setToolTip(timeColumn, message.time.toString(QStringLiteral("yyyy-MM-dd hh:mm:ss")));
-        item->setToolTip(textColumn, "<p>" + message.text.toHtmlEscaped() + "</p>");
-        if (message.kind == warning) {
+            m_list, {time.toString(QStringLiteral("hh:mm:ss")), kindText(message->kind), text});
+        item->setData(kindColumn, kindRole, message->kind);
+        item->setToolTip(timeColumn, time.toString(QStringLiteral("yyyy-MM-dd hh:mm:ss")));
+        item->setToolTip(textColumn, "<p>" + text.toHtmlEscaped() + "</p>");
+        if (message->kind == velorn::msgcenter::MsgWarning) {
             item->setIcon(kindColumn, QIcon(QStringLiteral(":/style/icons/warning.svg")));
         }
-        m_list->insertTopLevelItem(row, item);
     }
-    while (m_list->topLevelItemCount() > static_cast<int>(m_centre.messages().size())) {
-        delete m_list->topLevelItem(m_list->topLevelItemCount() - 1);
+    while (m_list->topLevelItemCount() > static_cast<int>(messages.size())) {
+        delete m_list->topLevelItem(0);
+    }
+    if (isAtEnd) { // else somebody reads what came before
+        m_list->scrollToBottom();
     }
 }
 

@@ -9,7 +9,7 @@ namespace mivohost {
 
 class MessageCentre;
 
-/// The messages of a centre, the newest on top. GUI thread; the centre must outlive it.
+/// The messages of a centre. GUI thread; the centre must outlive it.
 class MessagePanel : public QWidget
 {
     Q_OBJECT
@@ -17,11 +17,11 @@ class MessagePanel : public QWidget
 public:
     explicit MessagePanel(const MessageCentre& centre, QWidget* parent = nullptr);
 
-    /// Makes every text again in the language in force.
+    /// Makes every text again in the language in force. Messages stay as they were posted.
     void setTexts();
 
 private:
-    void showNewest(int count);
+    void showLast(int count);
 
     const MessageCentre& m_centre;
     QLabel* m_label;

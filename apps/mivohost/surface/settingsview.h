@@ -25,6 +25,9 @@ namespace mivo::settings {
 class ISettingBox;
 class SettingsDialog;
 } // namespace mivo::settings
+namespace velorn::msgcenter {
+class IMsgCenterMgr;
+}
 
 namespace mivohost {
 
@@ -42,6 +45,7 @@ struct SettingsServices
     mivo::peripheralcontrol::MidiPeripheral* midi = nullptr;
     mivo::peripheralcontrol::DmxPeripheral* dmx = nullptr;
     mivo::peripheralcontrol::OscPeripheral* osc = nullptr;
+    velorn::msgcenter::IMsgCenterMgr* messages = nullptr;
 };
 
 /// The settings dialog with all pages, bound to a store. GUI thread.
