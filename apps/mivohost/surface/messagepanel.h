@@ -3,7 +3,7 @@
 #include <QtWidgets/QWidget>
 
 class QLabel;
-class QTreeWidget;
+class QTableWidget;
 
 namespace mivohost {
 
@@ -25,7 +25,8 @@ private:
 
     const MessageCentre& m_centre;
     QLabel* m_label;
-    QTreeWidget* m_list;
+    QTableWidget* m_list;
+    bool m_isAtEnd = true;
 };
 
 } // namespace mivohost
