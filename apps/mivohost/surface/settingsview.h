@@ -21,13 +21,14 @@ namespace mivo::projectfilemgr {
 class IProjectFileMgr;
 }
 
+namespace velorn::msgcenter {
+class IMsgCenterMgr;
+}
+
 namespace mivo::settings {
 class ISettingBox;
 class SettingsDialog;
 } // namespace mivo::settings
-namespace velorn::msgcenter {
-class IMsgCenterMgr;
-}
 
 namespace mivohost {
 
