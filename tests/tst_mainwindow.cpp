@@ -77,11 +77,7 @@ protected:
     TestStore store;
     ProjectFile project{runtime, store};
     Peripherals peripherals{runtime, store};
-    MainWindow window{runtime,
-                      store,
-                      project,
-                      {project.dispatch(), &project, &peripherals.midi(), &peripherals.dmx(),
-                       &peripherals.osc()}};
+    MainWindow window{runtime, store, project, peripherals};
     QSignalSpy closed{&window, &MainWindow::closed};
 };
 

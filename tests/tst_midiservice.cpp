@@ -192,13 +192,13 @@ TEST(MidiMessages, TriggerOnceAndTeachOnlyWhatMoved)
 TEST(MidiDevices, KeepTheirNamesInWhateverOrderTheyAre)
 {
     const auto alsa = [](std::initializer_list<const char*> listed) {
-        std::vector<MidiPort> ports;
+        std::vector<ListedDevice> ports;
         for (const char* name : listed) {
-            ports.push_back(MidiPort::ofAlsa(name));
+            ports.push_back(alsaMidiInput(name));
         }
         return ports;
     };
-    MidiDeviceNames names;
+    DeviceNames names;
     EXPECT_EQ(names.update(alsa({"X:X 1 20:0", "Y:Y 1 24:0", "X:X 1 28:0"})),
               (Names{"X:X 1", "Y:Y 1", "X:X 1 #2"}));
     EXPECT_EQ(names.update(alsa({"X:X 1 28:0", "Y:Y 1 24:0", "X:X 1 20:0"})),
@@ -208,10 +208,10 @@ TEST(MidiDevices, KeepTheirNamesInWhateverOrderTheyAre)
               (Names{"Y:Y 1", "X:X 1 #2", "X:X 1"}));
     EXPECT_EQ(names.update({}), Names{});
     EXPECT_EQ(names.update(alsa({"X:X 1 28:0"})), Names{"X:X 1"});
-    EXPECT_EQ(names.update({MidiPort::ofWindows("X 0", 0), MidiPort::ofWindows("Y 2 1", 1),
-                            MidiPort::ofWindows("X 2", 2)}),
+    EXPECT_EQ(names.update({windowsMidiInput("X 0", 0), windowsMidiInput("Y 2 1", 1),
+                            windowsMidiInput("X 2", 2)}),
               (Names{"X", "Y 2", "X #2"}));
-    EXPECT_EQ(names.update({MidiPort::ofWindows("Y 2 0", 0), MidiPort::ofWindows("X 1", 1)}),
+    EXPECT_EQ(names.update({windowsMidiInput("Y 2 0", 0), windowsMidiInput("X 1", 1)}),
               (Names{"Y 2", "X"}));
     // A device that is called like a twin.
     EXPECT_EQ(names.update(alsa({"Z #2 1:0", "Z 2:0", "Z 3:0"})), (Names{"Z #2", "Z", "Z #3"}));

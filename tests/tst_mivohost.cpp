@@ -3,6 +3,7 @@
 
 #include "support/jackdevices.h"
 #include "support/rfbclient.h"
+#include "support/soundserver.h"
 #include "support/testruntime.h"
 #include "support/teststore.h"
 
@@ -400,4 +401,34 @@ TEST_F(Host, WaitsBeforeItOpensAnything)
     for (const char* wrong : {"-1", "301", "soon", ""}) {
         EXPECT_EQ(run({"--start-delay", wrong, "--print-settings"}, output), 1) << wrong;
     }
+}
+
+TEST_F(Host, SeesItsSoundCardsComeAndGo)
+{
+    SoundServer server;
+    if (!server.start()) {
+        GTEST_SKIP() << "no PulseAudio here";
+    }
+    server.load("left");
+    Program program(store());
+    EXPECT_TRUE(program.says("sound card there: left (2 channels)"))
+        << program.output().constData();
+    server.load("right", 8);
+    EXPECT_TRUE(program.says("sound card there: right (8 channels)"))
+        << program.output().constData();
+    server.unload("left");
+    EXPECT_TRUE(program.says("sound card gone: left")) << program.output().constData();
+    server.load("left");
+    EXPECT_TRUE(program.says("sound card there: left (2 channels)"))
+        << program.output().constData();
+}
+
+TEST_F(Host, PlaysAClusterOfSimulatedDevices)
+{
+    QByteArray output;
+    for (const char* wrong : {"0", "251", "many", ""}) {
+        EXPECT_EQ(run({"--simulate-devices", wrong, "--print-settings"}, output), 1) << wrong;
+    }
+    Program program(store(), {"--simulate-devices", "2"});
+    EXPECT_TRUE(program.says("info Simulated ")) << program.output().constData();
 }

@@ -1,5 +1,8 @@
+#include "devices/clustersimulator.h"
 #include "devices/graphicscards.h"
 #include "devices/physicsoutputs.h"
+#include "devices/soundcardlister.h"
+#include "devices/soundcards.h"
 #include "peripherals/peripherals.h"
 #include "project/projectfile.h"
 #include "runtime/runtimethread.h"
@@ -37,6 +40,8 @@
 using namespace mivohost;
 
 namespace {
+
+constexpr const char* listSoundCardsOption = "--list-sound-cards"; // the first one, or not at all
 
 enum ExitCode { finished = 0, badArgument = 1, storeInUse = 2, storeFailed = 3, notWritten = 4 };
 
@@ -81,6 +86,19 @@ QVariantHash defaultFolders(const QDir& data)
     return folders;
 }
 
+/// The number that an option has, or 0 without the option. Nothing if it is another than `low` to
+/// `high`.
+std::optional<int> numberOf(const QCommandLineParser& arguments, const QString& option, int low,
+                            int high)
+{
+    if (!arguments.isSet(option)) {
+        return 0;
+    }
+    bool isNumber = false;
+    const int number = arguments.value(option).toInt(&isNumber);
+    return isNumber && number >= low && number <= high ? std::optional(number) : std::nullopt;
+}
+
 /// Lets the event loop run so long.
 void wait(int seconds)
 {
@@ -92,7 +110,7 @@ void wait(int seconds)
 
 /// The program with its window, from here to its end.
 int runWindow(MainWindow& window, RuntimeThread& runtime, SettingsStore& store,
-              const QCommandLineParser& arguments)
+              const QCommandLineParser& arguments, int simulatedDevices)
 {
     const auto notify = [&window](const char* key) {
         return [&window, key = QString::fromLatin1(key)](const QString& reason) {
@@ -121,6 +139,23 @@ int runWindow(MainWindow& window, RuntimeThread& runtime, SettingsStore& store,
         });
 
     const Listener listener(runtime, store);
+    const SoundCards soundCards(
+        {QCoreApplication::applicationFilePath(), {QString::fromLatin1(listSoundCardsOption)}});
+    QObject::connect(&soundCards, &SoundCards::changed, [&] {
+        const auto tell = [&store, cards = soundCards.cards()] {
+            store.soundCards().setDeviceSoundCards({}, {}, cards);
+        };
+        runtime.post(tell, __FILE__, __LINE__, "SoundCards");
+    });
+    QTimer simulation;
+    if (simulatedDevices > 0) {
+        const auto cluster =
+            std::make_shared<ClusterSimulator>(store.soundCards(), simulatedDevices, 1U);
+        QObject::connect(&simulation, &QTimer::timeout, [&runtime, cluster] {
+            runtime.post([cluster] { cluster->step(); }, __FILE__, __LINE__, "ClusterSimulator");
+        });
+        simulation.start(1000);
+    }
 
     // Hiding to the tray is not the end.
     QApplication::setQuitOnLastWindowClosed(false);
@@ -153,14 +188,20 @@ int run(const QCommandLineParser& arguments)
     data.mkpath(QStringLiteral("."));
     startLog(withWindow ? data.filePath(QStringLiteral("mivohost.log")) : QString());
 
-    if (arguments.isSet(QStringLiteral("start-delay"))) {
-        bool isNumber = false;
-        const int seconds = arguments.value(QStringLiteral("start-delay")).toInt(&isNumber);
-        if (!isNumber || seconds < 0 || seconds > 300) {
-            return refuse(badArgument, QStringLiteral("--start-delay takes 0 to 300 seconds"),
-                          false);
-        }
-        wait(seconds);
+    const auto delay = numberOf(arguments, QStringLiteral("start-delay"), 0, 300);
+    if (!delay) {
+        return refuse(badArgument, QStringLiteral("--start-delay takes 0 to 300 seconds"), false);
+    }
+    const auto simulatedDevices =
+        numberOf(arguments, QStringLiteral("simulate-devices"), 1, ClusterSimulator::mostDevices);
+    if (!simulatedDevices) {
+        return refuse(badArgument,
+                      QStringLiteral("--simulate-devices takes 1 to %1 devices")
+                          .arg(ClusterSimulator::mostDevices),
+                      false);
+    }
+    if (*delay > 0) {
+        wait(*delay);
     }
 
     RuntimeThread runtime;
@@ -185,9 +226,10 @@ int run(const QCommandLineParser& arguments)
         ProjectFile project(runtime, *store);
         Peripherals peripherals(runtime, *store);
         GraphicsCards cards(runtime);
-        MainWindow window(runtime, *store, project,
-                          {project.dispatch(), &project, &peripherals.midi(), &peripherals.dmx(),
-                           &peripherals.osc(), &cards, std::make_shared<PhysicsOutputs>()});
+        SettingsServices services;
+        services.cards = &cards;
+        services.outputs = std::make_shared<PhysicsOutputs>();
+        MainWindow window(runtime, *store, project, peripherals, services);
         const QString language = runtime.call([&store] { return store->getLanguage(); });
         window.switchLanguage(language.isEmpty() ? systemLanguage() : language);
         if (opened.status == SqlitePersistence::Status::putAside) {
@@ -206,7 +248,7 @@ int run(const QCommandLineParser& arguments)
                     refuse(notWritten, QStringLiteral("cannot write pictures to ") + folder, false);
             }
         } else {
-            code = runWindow(window, runtime, *store, arguments);
+            code = runWindow(window, runtime, *store, arguments, *simulatedDevices);
         }
     }
     runtime.call([&store] { store.reset(); });
@@ -217,6 +259,10 @@ int run(const QCommandLineParser& arguments)
 
 int main(int argc, char** argv)
 {
+    if (argc > 1 && qstrcmp(argv[1], listSoundCardsOption) == 0) {
+        const QCoreApplication application(argc, argv);
+        return listSoundCards();
+    }
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QApplication application(argc, argv);
@@ -240,6 +286,10 @@ int main(int argc, char** argv)
         {QStringLiteral("start-delay"),
          QStringLiteral("Wait so long before anything is opened, 0 to 300."),
          QStringLiteral("seconds")},
+        {QStringLiteral("simulate-devices"),
+         QStringLiteral("Play a cluster of so many devices that come and go, 1 to %1.")
+             .arg(ClusterSimulator::mostDevices),
+         QStringLiteral("number")},
         {QStringLiteral("allow-power-actions"),
          QStringLiteral("Let timed actions really shut down or restart the machine.")},
     });

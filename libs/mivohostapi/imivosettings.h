@@ -1,6 +1,7 @@
 #pragma once
 
 #include "mivohostapi/settingsrecords.h"
+#include "mivohostapi/soundcardrecords.h"
 
 #include <sigslot/signal.hpp>
 
@@ -115,6 +116,10 @@ public:
     virtual void setDynamicRangeConfig(const mivo::DynamicRangeConfig& config) = 0;
     virtual mivo::DynamicRangeConfig getDynamicRangeConfig() = 0;
 
+    /// The sound-card mappings, at most 20, and the cards that there are.
+    virtual std::uint32_t getSoundCardMappingCount() = 0;
+    virtual mivo::settings::STSoundCardMappingsInfo getSoundCardMappings() = 0;
+
     sigslot::signal<const int> undoStepChanged;
     sigslot::signal<const bool> autoSyncResourcesChanged;
     sigslot::signal<const STResourceSettingsInfo&> resourceSettingsChanged; ///< of any one kind
@@ -179,6 +184,25 @@ public:
     sigslot::signal<const std::string&> graphicsCardChanged;
     sigslot::signal<const std::string&> displayTechnologyStandardChanged;
     sigslot::signal<const mivo::DynamicRangeConfig&> dynamicRangeConfigChanged;
+
+    /// What pages ask for, answered by the signals below: emitted by them, on the runtime thread. A
+    /// request that is not granted is answered by what is held.
+    sigslot::signal<const velorn::mediadispatch::STSoundCardMappingInfo&>
+        addSoundCardMappingRequested; ///< with a default record
+    sigslot::signal<const mivo::STSoundCardChangeInfo&> changeSoundCardMappingRequested;
+
+    /// The mappings became known, or are to be shown anew.
+    sigslot::signal<const mivo::settings::STAllDeviceSoundCardMappings&> soundCardMappingsInit;
+    sigslot::signal<const velorn::mediadispatch::STSoundCardMappingInfo&> soundCardMappingAdded;
+    sigslot::signal<const mivo::STSoundCardChangeInfo&> soundCardMappingChanged;
+    sigslot::signal<const velorn::mediadispatch::STSoundCardMappingInfo&> soundCardMappingDeleted;
+    sigslot::signal<const mivo::settings::STLocalSoundCardList&> soundCardEnabled;  ///< is there
+    sigslot::signal<const mivo::settings::STLocalSoundCardList&> soundCardDisabled; ///< is not
+    sigslot::signal<> clusterNodeSoundCardsChanged; ///< devices that have cards, or their captions
+    sigslot::signal<const mivo::settings::STDeviceSoundCardVisibleInfo&>
+        deviceSoundCardVisibleChanged;
+    sigslot::signal<const mivo::settings::STSoundCardMismatchInfo&> soundCardMismatch;
+    sigslot::signal<const std::vector<std::string>&> clusterDeviceSoundCardsDeleted; ///< devices
 };
 
 /// The store type that a host derives its own store from and that pages are bound to.

@@ -194,6 +194,18 @@ auto operator==(const Record& a, const Record& b) -> decltype(a.fields(), bool()
 }
 
 template <typename Record>
+auto operator<<(std::ostream& out, const Record& record) -> decltype(record.fields(), out);
+
+template <typename Value>
+std::ostream& operator<<(std::ostream& out, const std::vector<Value>& list)
+{
+    for (const Value& value : list) {
+        out << "[" << value << "]";
+    }
+    return out;
+}
+
+template <typename Record>
 auto operator<<(std::ostream& out, const Record& record) -> decltype(record.fields(), out)
 {
     std::apply([&out](const auto&... field) { ((out << field << "; "), ...); }, record.fields());

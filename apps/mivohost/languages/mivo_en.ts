@@ -932,6 +932,41 @@
         <translation>Fade in %1 s, fade out %2 s</translation>
     </message>
     <message>
+        <source>Messages</source>
+        <comment>MainWindow</comment>
+        <translation>Messages</translation>
+    </message>
+    <message>
+        <source>MessageTime</source>
+        <comment>MainWindow</comment>
+        <translation>Time</translation>
+    </message>
+    <message>
+        <source>MessageKind</source>
+        <comment>MainWindow</comment>
+        <translation>Kind</translation>
+    </message>
+    <message>
+        <source>MessageText</source>
+        <comment>MainWindow</comment>
+        <translation>Message</translation>
+    </message>
+    <message>
+        <source>MessageWarning</source>
+        <comment>MainWindow</comment>
+        <translation>Warning</translation>
+    </message>
+    <message>
+        <source>MessageInformation</source>
+        <comment>MainWindow</comment>
+        <translation>Information</translation>
+    </message>
+    <message>
+        <source>MessageQuestion</source>
+        <comment>MainWindow</comment>
+        <translation>Question</translation>
+    </message>
+    <message>
         <source>ShowBefore</source>
         <comment>MainWindow</comment>
         <translation>Before the show</translation>

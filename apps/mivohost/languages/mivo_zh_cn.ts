@@ -932,6 +932,41 @@
         <translation>淡入 %1 秒，淡出 %2 秒</translation>
     </message>
     <message>
+        <source>Messages</source>
+        <comment>MainWindow</comment>
+        <translation>消息</translation>
+    </message>
+    <message>
+        <source>MessageTime</source>
+        <comment>MainWindow</comment>
+        <translation>时间</translation>
+    </message>
+    <message>
+        <source>MessageKind</source>
+        <comment>MainWindow</comment>
+        <translation>类型</translation>
+    </message>
+    <message>
+        <source>MessageText</source>
+        <comment>MainWindow</comment>
+        <translation>内容</translation>
+    </message>
+    <message>
+        <source>MessageWarning</source>
+        <comment>MainWindow</comment>
+        <translation>警告</translation>
+    </message>
+    <message>
+        <source>MessageInformation</source>
+        <comment>MainWindow</comment>
+        <translation>信息</translation>
+    </message>
+    <message>
+        <source>MessageQuestion</source>
+        <comment>MainWindow</comment>
+        <translation>询问</translation>
+    </message>
+    <message>
         <source>ShowBefore</source>
         <comment>MainWindow</comment>
         <translation>演出前</translation>

@@ -28,13 +28,13 @@ void warn(fmt::format_string<Args...> format, Args&&... args)
 
 // --- Names ---
 
-MidiPort MidiPort::ofAlsa(const std::string& listed)
+ListedDevice alsaMidiInput(const std::string& listed)
 {
     static const std::regex numbers(" [0-9]+:[0-9]+$");
     return {listed, std::regex_replace(listed, numbers, "")};
 }
 
-MidiPort MidiPort::ofWindows(const std::string& listed, unsigned place)
+ListedDevice windowsMidiInput(const std::string& listed, unsigned place)
 {
     // The place is no part of the id: it changes when a device before this one goes.
     const std::string end = ' ' + std::to_string(place);
@@ -42,34 +42,6 @@ MidiPort MidiPort::ofWindows(const std::string& listed, unsigned place)
                         && listed.compare(listed.size() - end.size(), end.size(), end) == 0;
     const std::string name = hasEnd ? listed.substr(0, listed.size() - end.size()) : listed;
     return {name, name};
-}
-
-std::vector<std::string> MidiDeviceNames::update(const std::vector<MidiPort>& ports)
-{
-    auto before = std::exchange(m_named, {});
-    std::vector<std::string> names(ports.size());
-    for (std::size_t i = 0; i < ports.size(); ++i) {
-        const auto same = std::find_if(before.begin(), before.end(), [&](const auto& named) {
-            return named.first.id == ports[i].id;
-        });
-        if (same != before.end()) {
-            names[i] = same->second;
-            before.erase(same);
-        }
-    }
-    for (std::size_t i = 0; i < ports.size(); ++i) {
-        for (int number = 1; names[i].empty(); ++number) {
-            std::string name = ports[i].name;
-            if (number > 1) {
-                name += " #" + std::to_string(number);
-            }
-            if (std::find(names.begin(), names.end(), name) == names.end()) {
-                names[i] = std::move(name);
-            }
-        }
-        m_named.emplace_back(ports[i], names[i]);
-    }
-    return names;
 }
 
 // --- Devices ---
@@ -89,17 +61,17 @@ public:
     const RtMidi::Api api;
 
     /// In the order of their places. Throws std::runtime_error when the back end has gone.
-    std::vector<MidiPort> ports()
+    std::vector<ListedDevice> ports()
     {
-        std::vector<MidiPort> found;
+        std::vector<ListedDevice> found;
         const unsigned count = m_watcher.getPortCount();
         for (unsigned place = 0; place < count && m_error.empty(); ++place) {
             const std::string listed = m_watcher.getPortName(place);
-            MidiPort port{listed, listed};
+            ListedDevice port{listed, listed};
             if (api == RtMidi::LINUX_ALSA) {
-                port = MidiPort::ofAlsa(listed);
+                port = alsaMidiInput(listed);
             } else if (api == RtMidi::WINDOWS_MM) {
-                port = MidiPort::ofWindows(listed, place);
+                port = windowsMidiInput(listed, place);
             }
             port.id = RtMidi::getApiName(api) + ' ' + port.id;
             found.push_back(std::move(port));
@@ -218,12 +190,12 @@ void MidiService::look()
         RtMidi::Api api;
         unsigned number;
     };
-    std::vector<MidiPort> ports;
+    std::vector<ListedDevice> ports;
     std::vector<Place> places;
     for (auto& backEnd : m_backEnds) {
         try {
             unsigned number = 0;
-            for (MidiPort& port : backEnd->ports()) {
+            for (ListedDevice& port : backEnd->ports()) {
                 ports.push_back(std::move(port));
                 places.push_back({backEnd->api, number++});
             }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "devices/devicenames.h"
 #include "peripherals/bindingtable.h"
 
 #include <QtCore/QTimer>
@@ -11,29 +12,10 @@
 
 namespace mivohost {
 
-/// A MIDI input as its back end lists it. Inputs with the same id are twins that nothing tells
-/// apart; a port keeps its id while it is plugged in.
-struct MidiPort
-{
-    std::string id;
-    std::string name; ///< without what the back end adds to tell ports apart
-
-    /// How ALSA and Windows' MIDI list ports: "name 20:0" with the numbers of client and port, and
-    /// "name 3" with its place in the list. Other back ends tell ports apart by their names.
-    static MidiPort ofAlsa(const std::string& listed);
-    static MidiPort ofWindows(const std::string& listed, unsigned place);
-};
-
-/// Names devices by their ports' names, twins by a running number: "X", "X #2".
-class MidiDeviceNames
-{
-public:
-    /// The names of all ports that are there now, in their order. A port that stays keeps its name.
-    std::vector<std::string> update(const std::vector<MidiPort>& ports);
-
-private:
-    std::vector<std::pair<MidiPort, std::string>> m_named;
-};
+/// How ALSA and Windows' MIDI list inputs: "name 20:0" with the numbers of client and port, and
+/// "name 3" with its place in the list. Other back ends tell inputs apart by their names.
+ListedDevice alsaMidiInput(const std::string& listed);
+ListedDevice windowsMidiInput(const std::string& listed, unsigned place);
 
 /// Every MIDI input of the machine. GUI thread; controlMessage and bindResult are emitted on the
 /// device's thread, the other signals on the GUI thread.
@@ -65,7 +47,7 @@ private:
     const std::string m_clientName;
     bool m_enabled = false;
     QTimer m_timer;
-    MidiDeviceNames m_names;
+    DeviceNames m_names;
     std::vector<std::unique_ptr<BackEnd>> m_backEnds;
     std::vector<std::unique_ptr<Input>> m_inputs;
     std::vector<mivo::peripheralcontrol::SMIDIDevInfo> m_devices;

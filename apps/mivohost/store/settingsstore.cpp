@@ -233,6 +233,11 @@ void announcePort(SettingsStore& store, const QVariant& value)
     store.wishPort(Port, as<STPortInfo>(value));
 }
 
+void adoptSoundCardMappings(SettingsStore& store, const QVariant& value)
+{
+    store.soundCards().adopt(value.toString());
+}
+
 constexpr std::array portKeys{"tcpPort", "udpPort"}; // by SettingsStore::Port
 
 // Durations: from three seconds to one second before a day.
@@ -287,6 +292,7 @@ const std::array settings{
             isDynamicRange),
     Setting("tcpPort", "0|8000", announcePort<Store::tcp>, isPort),
     Setting("udpPort", "0|8001", announcePort<Store::udp>, isPort),
+    Setting("soundCardMappings", QString(), adoptSoundCardMappings, SoundCardMappings::isValid),
     Setting("language", QString()),
     Setting("pptAutoplay", false, announce<&Store::pptAutoplayChanged>),
     Setting("pptAutoplayInterval", 3000, shortestDuration, longestDuration,
@@ -329,7 +335,8 @@ spdlog::logger& log()
 
 SettingsStore::SettingsStore(std::unique_ptr<SettingsPersistence> persistence,
                              const QVariantHash& defaults)
-    : m_persistence(std::move(persistence))
+    : m_persistence(std::move(persistence)),
+      m_soundCards(*this, [this](const QString& text) { set("soundCardMappings", text); })
 {
     const QVariantHash kept = m_persistence->loadAll();
     for (const Setting& setting : settings) {
@@ -353,6 +360,7 @@ SettingsStore::SettingsStore(std::unique_ptr<SettingsPersistence> persistence,
     for (const Port port : {tcp, udp}) {
         m_ports[port] = as<STPortInfo>(value(portKeys[port]));
     }
+    m_soundCards.adopt(value("soundCardMappings").toString());
     m_persistence->watch([this](const QString& key, const QVariant& changed) {
         const Setting* setting = find(key);
         const auto accepted = setting ? setting->accept(changed) : std::nullopt;

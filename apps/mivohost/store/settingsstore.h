@@ -3,6 +3,7 @@
 #include "mivohostapi/imivosettings.h"
 #include "mivohostapi/peripherals.h"
 #include "store/settingspersistence.h"
+#include "store/soundcardmappings.h"
 
 #include <array>
 #include <functional>
@@ -134,6 +135,18 @@ public:
     void executeTimedShutdown(bool now) override { timedShutdownDecided(now); }
     void executeTimedAutomaticRestart(bool now) override { timedAutomaticRestartDecided(now); }
 
+    std::uint32_t getSoundCardMappingCount() override
+    {
+        return static_cast<std::uint32_t>(m_soundCards.count());
+    }
+    mivo::settings::STSoundCardMappingsInfo getSoundCardMappings() override
+    {
+        return m_soundCards.all();
+    }
+
+    /// What the host tells of the cards that there are.
+    SoundCardMappings& soundCards() { return m_soundCards; }
+
     /// The host's own: "en", "zh_cn", or empty until the user has chosen.
     void setLanguage(const QString& language) { set("language", language); }
     QString getLanguage() const { return value("language").toString(); }
@@ -186,6 +199,7 @@ private:
     void set(const char* key, const QVariant& wanted);
 
     std::unique_ptr<SettingsPersistence> m_persistence;
+    SoundCardMappings m_soundCards;
     QVariantHash m_values;
     FailureHandler m_failure;
     PortHandler m_portHandler;

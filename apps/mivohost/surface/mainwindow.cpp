@@ -1,11 +1,13 @@
 #include "surface/mainwindow.h"
 
+#include "peripherals/peripherals.h"
 #include "project/projectfile.h"
 #include "runtime/runtimethread.h"
 #include "store/settingsstore.h"
 #include "surface/actionpanel.h"
 #include "surface/hostlog.h"
 #include "surface/hosttext.h"
+#include "surface/messagepanel.h"
 #include "system/tray.h"
 
 #include "qvspdlog/spdlogapplication.h"
@@ -38,14 +40,20 @@ constexpr int idRole = Qt::UserRole;
 } // namespace
 
 MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile& project,
-                       const SettingsServices& services)
+                       Peripherals& peripherals, const SettingsServices& services)
     : m_runtime(runtime), m_store(store), m_project(project), m_services(services),
       m_title(new QLabel), m_notice(new QLabel), m_settingsButton(new mivo::widgets::PushButton),
       m_languageLabel(new QLabel), m_language(new QComboBox),
       m_actionPanel(new ActionPanel(peripherals)), m_programsLabel(new QLabel),
       m_programs(new QTreeWidget), m_playing(new QLabel), m_logLabel(new QLabel),
-      m_log(new QPlainTextEdit)
+      m_log(new QPlainTextEdit), m_messagePanel(new MessagePanel(m_messages))
 {
+    m_services.programs = m_project.dispatch();
+    m_services.projectFile = &m_project;
+    m_services.midi = &peripherals.midi();
+    m_services.dmx = &peripherals.dmx();
+    m_services.osc = &peripherals.osc();
+    m_services.messages = &m_messages;
     m_title->setObjectName(QStringLiteral("hostTitle"));
     m_notice->setProperty("style", QStringLiteral("notice"));
     m_notice->setWordWrap(true);
@@ -88,6 +96,8 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
     column->addWidget(m_title);
     column->addWidget(m_notice);
     column->addLayout(row);
+    columns->addWidget(m_messagePanel, 0, 2, 3, 1);
+    columns->setColumnStretch(2, 3);
     column->addWidget(m_actionPanel, 3);
     column->addLayout(columns, 2);
     auto* content = new QWidget;
@@ -260,6 +270,7 @@ void MainWindow::setTexts()
     m_actionPanel->setTexts();
     m_programsLabel->setText(hostText("Programs"));
     m_logLabel->setText(hostText("Log"));
+    m_messagePanel->setTexts();
     if (!m_noticeKey.isEmpty()) {
         m_notice->setText(hostText(m_noticeKey).arg(m_noticeArgument));
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "project/project.h"
+#include "surface/messagecentre.h"
 #include "surface/settingsview.h"
 
 #include <QtCore/QTranslator>
@@ -21,6 +22,8 @@ class QTreeWidgetItem;
 namespace mivohost {
 
 class ActionPanel;
+class MessagePanel;
+class Peripherals;
 class ProjectFile;
 class RuntimeThread;
 class SettingsStore;
@@ -33,9 +36,9 @@ class MainWindow : public QMainWindow
     Q_OBJECT
 
 public:
-    /// `services` are for the pages of the settings.
+    /// `services`: what the pages of the settings are given besides the other arguments.
     MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile& project,
-               const SettingsServices& services);
+               Peripherals& peripherals, const SettingsServices& services = {});
     ~MainWindow() override;
 
     /// The settings dialog, made at the first call.
@@ -55,6 +58,9 @@ public:
 
     /// Tells of something until the window is closed; the text is made again in each language.
     void showNotice(const QString& key, const QString& argument);
+
+    /// Where messages for the operator are posted, which the window shows.
+    MessageCentre& messages() { return m_messages; }
 
 signals:
     /// The window was closed for good.
@@ -98,6 +104,8 @@ private:
     QLabel* m_playing;
     QLabel* m_logLabel;
     QPlainTextEdit* m_log;
+    MessageCentre m_messages;
+    MessagePanel* m_messagePanel;
     QString m_noticeKey;
     QString m_noticeArgument;
     std::vector<Project::Group> m_shownGroups;

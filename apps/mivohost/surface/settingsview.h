@@ -25,6 +25,10 @@ namespace mivo::projectfilemgr {
 class IProjectFileMgr;
 }
 
+namespace velorn::msgcenter {
+class IMsgCenterMgr;
+}
+
 namespace mivo::settings {
 class ISettingBox;
 class SettingsDialog;
@@ -48,6 +52,7 @@ struct SettingsServices
     mivo::peripheralcontrol::OscPeripheral* osc = nullptr;
     mivo::mediaoutput::IRenderFacade* cards = nullptr; // outlives the view
     std::shared_ptr<mivo::mediaoutput::IPhysicsOutputMgr> outputs = nullptr;
+    velorn::msgcenter::IMsgCenterMgr* messages = nullptr;
 };
 
 /// The settings dialog with all pages, bound to a store. GUI thread.

@@ -1,0 +1,448 @@
+#include "store/soundcardmappings.h"
+
+#include "qvspdlog/spdlogapplication.h"
+
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+
+#include <algorithm>
+#include <set>
+#include <utility>
+
+namespace mivohost {
+
+using mivo::STSoundCardChangeInfo;
+using mivo::settings::STDeviceSoundCards;
+using mivo::settings::STSoundCardInfo;
+using velorn::mediadispatch::STChosenSoundCard;
+using velorn::mediadispatch::STSoundCardMappingInfo;
+
+namespace {
+
+spdlog::logger& soundCardLog()
+{
+    return *QV::SpdlogApplication::instance().logger();
+}
+
+/// The first of `list` whose `field` is `value`; null when none is.
+template <typename List, typename Field, typename Value>
+auto findBy(List& list, Field field, const Value& value) -> decltype(list.data())
+{
+    const auto found = std::find_if(list.begin(), list.end(),
+                                    [&](const auto& item) { return item.*field == value; });
+    return found == list.end() ? nullptr : &*found;
+}
+
+template <typename Mapping>
+auto chosenOn(Mapping& mapping, const std::string& device)
+{
+    return findBy(mapping.soundCards, &STChosenSoundCard::device, device);
+}
+
+bool isChosenElsewhere(const std::vector<STSoundCardMappingInfo>& mappings,
+                       const STSoundCardMappingInfo& mapping, const STChosenSoundCard& card)
+{
+    return std::any_of(mappings.begin(), mappings.end(), [&](const auto& other) {
+        const auto* chosen = chosenOn(other, card.device);
+        return other.id != mapping.id && chosen != nullptr && chosen->id == card.id;
+    });
+}
+
+bool isNameFree(const std::vector<STSoundCardMappingInfo>& mappings,
+                const STSoundCardMappingInfo& mapping, const std::string& name)
+{
+    const auto* other = findBy(mappings, &STSoundCardMappingInfo::name, name);
+    return other == nullptr || other->id == mapping.id;
+}
+
+bool isName(const std::string& name)
+{
+    const QString text = QString::fromStdString(name);
+    return !text.trimmed().isEmpty() && text == text.trimmed()
+           && text.size() <= longestSoundCardMappingName;
+}
+
+std::string nextFreeName(const std::vector<STSoundCardMappingInfo>& mappings)
+{
+    for (std::size_t number = 1;; ++number) {
+        std::string name = "Output " + std::to_string(number);
+        if (findBy(mappings, &STSoundCardMappingInfo::name, name) == nullptr) {
+            return name;
+        }
+    }
+}
+
+/// The bits of the channel pairs that a card with so many channels has.
+std::uint32_t pairsOf(std::uint32_t channels)
+{
+    const std::uint32_t pairs = (std::min(channels, mostSoundCardChannels) + 1) / 2;
+    return pairs >= 32 ? ~std::uint32_t(0) : (std::uint32_t(1) << pairs) - 1;
+}
+
+STSoundCardChangeInfo nameChange(const STSoundCardMappingInfo& mapping)
+{
+    return {mapping.id, mivo::SoundCardChangeName, mapping.name, {}};
+}
+
+/// The change of the card that a mapping has chosen on a device, or of its channels alone.
+STSoundCardChangeInfo cardChange(const STSoundCardMappingInfo& mapping, const std::string& device,
+                                 bool channelsOnly = false)
+{
+    STSoundCardChangeInfo change{mapping.id,
+                                 device.empty() ? mivo::SoundCardChangeLocalCard
+                                                : mivo::SoundCardChangeClusterCard,
+                                 {},
+                                 {}};
+    if (channelsOnly) {
+        change.kind = mivo::SoundCardChangeChannels;
+    }
+    if (const auto* chosen = chosenOn(mapping, device)) {
+        change.soundCard = *chosen;
+    }
+    change.soundCard.device = device;
+    return change;
+}
+
+/// What makes `next` of `before`.
+std::vector<STSoundCardChangeInfo> changesBetween(const STSoundCardMappingInfo& before,
+                                                  const STSoundCardMappingInfo& next)
+{
+    std::vector<STSoundCardChangeInfo> changes;
+    if (before.name != next.name) {
+        changes.push_back(nameChange(next));
+    }
+    for (const auto& card : before.soundCards) {
+        if (chosenOn(next, card.device) == nullptr) {
+            changes.push_back(cardChange(next, card.device));
+        }
+    }
+    for (const auto& card : next.soundCards) {
+        const auto* old = chosenOn(before, card.device);
+        if (old == nullptr || old->id != card.id) {
+            changes.push_back(cardChange(next, card.device));
+        } else if (old->channelPairs != card.channelPairs) {
+            changes.push_back(cardChange(next, card.device, true));
+        }
+    }
+    return changes;
+}
+
+QJsonObject toJson(const STSoundCardMappingInfo& mapping)
+{
+    QJsonArray cards;
+    for (const auto& card : mapping.soundCards) {
+        cards.append(QJsonObject{{"device", QString::fromStdString(card.device)},
+                                 {"id", QString::fromStdString(card.id)},
+                                 {"caption", QString::fromStdString(card.caption)},
+                                 {"channels", static_cast<qint64>(card.channels)},
+                                 {"channelPairs", static_cast<qint64>(card.channelPairs)}});
+    }
+    return {{"id", static_cast<qint64>(mapping.id)},
+            {"name", QString::fromStdString(mapping.name)},
+            {"soundCards", cards}};
+}
+
+std::uint64_t numberIn(const QJsonObject& object, const char* key)
+{
+    // As a number, JSON's own is exact up to 2^53.
+    const double number = object[QLatin1String(key)].toDouble();
+    return number > 0 && number < 9e15 ? static_cast<std::uint64_t>(number) : 0;
+}
+
+std::string textIn(const QJsonObject& object, const char* key)
+{
+    return object[QLatin1String(key)].toString().toStdString();
+}
+
+STSoundCardMappingInfo fromJson(const QJsonObject& object)
+{
+    STSoundCardMappingInfo mapping;
+    mapping.id = numberIn(object, "id");
+    mapping.name = textIn(object, "name");
+    const QJsonArray cards = object[QLatin1String("soundCards")].toArray();
+    for (const QJsonValue& value : cards) {
+        const QJsonObject card = value.toObject();
+        mapping.soundCards.push_back({textIn(card, "device"), textIn(card, "id"),
+                                      textIn(card, "caption"),
+                                      static_cast<std::uint32_t>(numberIn(card, "channels")),
+                                      static_cast<std::uint32_t>(numberIn(card, "channelPairs"))});
+    }
+    return mapping;
+}
+
+/// Whether `mapping` can stand behind those that are there.
+bool canFollow(const std::vector<STSoundCardMappingInfo>& mappings,
+               const STSoundCardMappingInfo& mapping)
+{
+    std::set<std::string> devices;
+    const bool cardsFit =
+        std::all_of(mapping.soundCards.begin(), mapping.soundCards.end(), [&](const auto& card) {
+            return !card.id.empty() && card.channels > 0 && devices.insert(card.device).second
+                   && !isChosenElsewhere(mappings, mapping, card);
+        });
+    return cardsFit && mappings.size() < mostSoundCardMappings && isName(mapping.name)
+           && isNameFree(mappings, mapping, mapping.name)
+           && mapping.id > (mappings.empty() ? 0 : mappings.back().id);
+}
+
+} // namespace
+
+SoundCardMappings::SoundCardMappings(IMivoSettings& store, Keep keep)
+    : m_store(store), m_keep(std::move(keep))
+{
+    store.addSoundCardMappingRequested.connect(&SoundCardMappings::onAddRequested, this);
+    store.changeSoundCardMappingRequested.connect(&SoundCardMappings::onChangeRequested, this);
+}
+
+void SoundCardMappings::announceMappings(bool refreshOnly)
+{
+    m_store.soundCardMappingsInit(
+        mivo::settings::STAllDeviceSoundCardMappings{m_kept.mappings, refreshOnly});
+}
+
+void SoundCardMappings::setDeviceSoundCards(const std::string& device, const std::string& caption,
+                                            const std::vector<STSoundCardInfo>& cards)
+{
+    const auto [place, isNew] = m_devices.try_emplace(device);
+    STDeviceSoundCards& held = place->second;
+    STDeviceSoundCards now{device, caption, {}, held.visible};
+    mivo::settings::STLocalSoundCardList come{{}, device};
+    mivo::settings::STLocalSoundCardList gone{{}, device};
+    for (const STSoundCardInfo& card : cards) {
+        if (card.id.empty() || card.channels == 0
+            || findBy(now.soundCards, &STSoundCardInfo::id, card.id) != nullptr) {
+            soundCardLog().warn("sound card \"{}\" of \"{}\" is left out: id \"{}\", {} channels",
+                                card.caption, device, card.id, card.channels);
+            continue;
+        }
+        now.soundCards.push_back(card);
+        const auto* before = findBy(held.soundCards, &STSoundCardInfo::id, card.id);
+        if (before == nullptr || !(*before == card)) {
+            come.soundCards.push_back(card.id);
+        }
+    }
+    for (const STSoundCardInfo& card : held.soundCards) {
+        if (findBy(now.soundCards, &STSoundCardInfo::id, card.id) == nullptr) {
+            gone.soundCards.push_back(card.id);
+        }
+    }
+    const bool rowsChange =
+        isNew || held.caption != caption || held.soundCards.empty() != now.soundCards.empty();
+    held = std::move(now);
+    renewChosen(held);
+    if (!gone.soundCards.empty()) {
+        m_store.soundCardDisabled(gone);
+    }
+    if (!come.soundCards.empty()) {
+        m_store.soundCardEnabled(come);
+    }
+    if (rowsChange) {
+        m_store.clusterNodeSoundCardsChanged();
+    }
+}
+
+void SoundCardMappings::removeDevice(const std::string& device)
+{
+    if (!device.empty() && m_devices.erase(device) > 0) {
+        m_store.clusterDeviceSoundCardsDeleted(std::vector<std::string>{device});
+    }
+}
+
+void SoundCardMappings::setDeviceVisible(const std::string& device, bool visible)
+{
+    const auto found = m_devices.find(device);
+    if (found != m_devices.end() && found->second.visible != visible) {
+        found->second.visible = visible;
+        m_store.deviceSoundCardVisibleChanged(
+            mivo::settings::STDeviceSoundCardVisibleInfo{device, visible});
+    }
+}
+
+void SoundCardMappings::reportMismatch(const mivo::settings::STSoundCardMismatchInfo& info)
+{
+    m_store.soundCardMismatch(info);
+}
+
+mivo::settings::STSoundCardMappingsInfo SoundCardMappings::all() const
+{
+    mivo::settings::STSoundCardMappingsInfo info{m_kept.mappings, {}};
+    info.devices.reserve(m_devices.size());
+    for (const auto& [device, cards] : m_devices) {
+        info.devices.push_back(cards);
+    }
+    return info;
+}
+
+bool SoundCardMappings::isValid(const QString& text)
+{
+    return parsed(text).has_value();
+}
+
+std::optional<SoundCardMappings::Kept> SoundCardMappings::parsed(const QString& text)
+{
+    Kept kept;
+    if (text.isEmpty()) {
+        return kept;
+    }
+    const QJsonObject root = QJsonDocument::fromJson(text.toUtf8()).object();
+    if (!root[QLatin1String("mappings")].isArray()) {
+        return std::nullopt;
+    }
+    const QJsonArray mappings = root[QLatin1String("mappings")].toArray();
+    for (const QJsonValue& value : mappings) {
+        const STSoundCardMappingInfo mapping = fromJson(value.toObject());
+        if (!canFollow(kept.mappings, mapping)) {
+            return std::nullopt;
+        }
+        kept.mappings.push_back(mapping);
+    }
+    kept.nextId = std::max(numberIn(root, "nextId"),
+                           (kept.mappings.empty() ? 0 : kept.mappings.back().id) + 1);
+    return kept;
+}
+
+QString SoundCardMappings::written(const Kept& kept)
+{
+    QJsonArray mappings;
+    for (const auto& mapping : kept.mappings) {
+        mappings.append(toJson(mapping));
+    }
+    const QJsonObject root{{"nextId", static_cast<qint64>(kept.nextId)}, {"mappings", mappings}};
+    return QString::fromUtf8(QJsonDocument(root).toJson(QJsonDocument::Compact));
+}
+
+void SoundCardMappings::adopt(const QString& text)
+{
+    const auto next = parsed(text);
+    if (!next) {
+        return;
+    }
+    const auto before = std::exchange(m_kept, *next).mappings;
+    for (const auto& mapping : before) {
+        if (findBy(next->mappings, &STSoundCardMappingInfo::id, mapping.id) == nullptr) {
+            m_store.soundCardMappingDeleted(mapping);
+        }
+    }
+    for (const auto& mapping : next->mappings) {
+        const auto* old = findBy(before, &STSoundCardMappingInfo::id, mapping.id);
+        if (old == nullptr) {
+            m_store.soundCardMappingAdded(mapping);
+            continue;
+        }
+        for (const auto& change : changesBetween(*old, mapping)) {
+            m_store.soundCardMappingChanged(change);
+        }
+    }
+}
+
+void SoundCardMappings::onAddRequested(const STSoundCardMappingInfo& request)
+{
+    const std::size_t before = count();
+    if (before < mostSoundCardMappings) {
+        Kept next = m_kept;
+        next.mappings.push_back({next.nextId++,
+                                 velorn::mediadispatch::SoundCardMappingKept,
+                                 nextFreeName(next.mappings),
+                                 {}});
+        m_keep(written(next));
+    } else {
+        soundCardLog().warn("a sound-card mapping is refused: there are {} already", before);
+    }
+    if (count() == before) {
+        STSoundCardMappingInfo refused = request;
+        refused.state = velorn::mediadispatch::SoundCardMappingRefused;
+        m_store.soundCardMappingAdded(refused);
+    }
+}
+
+void SoundCardMappings::onChangeRequested(const STSoundCardChangeInfo& request)
+{
+    Kept next = m_kept;
+    auto* mapping = findBy(next.mappings, &STSoundCardMappingInfo::id, request.id);
+    if (mapping == nullptr) {
+        return; // its deletion has been announced
+    }
+    const std::string& device = request.soundCard.device;
+    auto* chosen = chosenOn(*mapping, device);
+    switch (request.kind) {
+    case mivo::SoundCardChangeName:
+        if (isName(request.name) && isNameFree(next.mappings, *mapping, request.name)) {
+            mapping->name = request.name;
+        }
+        break;
+    case mivo::SoundCardChangeLocalCard:
+    case mivo::SoundCardChangeClusterCard:
+        if (request.soundCard.id.empty() && chosen != nullptr) {
+            mapping->soundCards.erase(mapping->soundCards.begin()
+                                      + (chosen - mapping->soundCards.data()));
+        } else if (const auto* card = findCard(device, request.soundCard.id);
+                   card != nullptr
+                   && !isChosenElsewhere(next.mappings, *mapping, request.soundCard)) {
+            if (chosen == nullptr) {
+                chosen = &mapping->soundCards.emplace_back();
+            }
+            *chosen = {device, card->id, card->caption, card->channels,
+                       request.soundCard.channelPairs & pairsOf(card->channels)};
+        }
+        break;
+    case mivo::SoundCardChangeChannels:
+        if (chosen != nullptr && chosen->id == request.soundCard.id) {
+            chosen->channelPairs = request.soundCard.channelPairs & pairsOf(chosen->channels);
+        }
+        break;
+    case mivo::SoundCardChangeDeletion:
+        next.mappings.erase(next.mappings.begin() + (mapping - next.mappings.data()));
+        break;
+    default:
+        soundCardLog().warn("a change of kind {} of a sound-card mapping is not known",
+                            request.kind);
+        return;
+    }
+    const bool differs = !(next == m_kept);
+    if (differs) {
+        m_keep(written(next));
+    }
+    if (!differs || !(next == m_kept)) {
+        answerWithHeld(request);
+    }
+}
+
+void SoundCardMappings::answerWithHeld(const STSoundCardChangeInfo& request)
+{
+    const auto* held = findBy(m_kept.mappings, &STSoundCardMappingInfo::id, request.id);
+    if (held == nullptr || request.kind == mivo::SoundCardChangeDeletion) {
+        return; // no control shows anything else
+    }
+    m_store.soundCardMappingChanged(
+        request.kind == mivo::SoundCardChangeName
+            ? nameChange(*held)
+            : cardChange(*held, request.soundCard.device,
+                         request.kind == mivo::SoundCardChangeChannels));
+}
+
+const STSoundCardInfo* SoundCardMappings::findCard(const std::string& device,
+                                                   const std::string& id) const
+{
+    const auto known = m_devices.find(device);
+    return known == m_devices.end() ? nullptr
+                                    : findBy(known->second.soundCards, &STSoundCardInfo::id, id);
+}
+
+void SoundCardMappings::renewChosen(const STDeviceSoundCards& device)
+{
+    Kept next = m_kept;
+    for (auto& mapping : next.mappings) {
+        auto* chosen = chosenOn(mapping, device.device);
+        const auto* card = chosen == nullptr ? nullptr : findCard(device.device, chosen->id);
+        if (card != nullptr) {
+            *chosen = {device.device, card->id, card->caption, card->channels,
+                       chosen->channelPairs & pairsOf(card->channels)};
+        }
+    }
+    if (!(next == m_kept)) {
+        m_keep(written(next));
+    }
+}
+
+} // namespace mivohost

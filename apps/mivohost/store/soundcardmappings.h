@@ -1,0 +1,82 @@
+#pragma once
+
+#include "mivohostapi/imivosettings.h"
+
+#include <functional>
+#include <map>
+#include <optional>
+
+namespace mivohost {
+
+/// The store's sound-card mappings, and the cards that the host has found on this machine and on
+/// the devices of the cluster. Runtime thread throughout, where it also announces each change.
+///
+/// The empty device is this machine. What is chosen stays chosen while its card or its device is
+/// away.
+class SoundCardMappings
+{
+public:
+    using Keep = std::function<void(const QString& text)>;
+
+    /// Answers the requests of `store`. `keep` is to save a text, and to adopt() it when that has
+    /// worked.
+    SoundCardMappings(IMivoSettings& store, Keep keep);
+    Q_DISABLE_COPY(SoundCardMappings)
+
+    /// Announces all mappings, to fill a page that has been bound; with `refreshOnly`, to have it
+    /// show the cards of those that it has already.
+    void announceMappings(bool refreshOnly = false);
+
+    /// The cards that a device has from now on, in the order in which they are offered. Without
+    /// any, the device stays known: what is chosen on it is shown as not connected. Cards without
+    /// an id or a channel, and the second of an id, are left out and logged.
+    void setDeviceSoundCards(const std::string& device, const std::string& caption,
+                             const std::vector<mivo::settings::STSoundCardInfo>& cards);
+
+    /// The device has left the cluster: nothing is shown of it until it comes again. This machine
+    /// never does.
+    void removeDevice(const std::string& device);
+
+    /// Whether pages show the cards of a device that is known.
+    void setDeviceVisible(const std::string& device, bool visible);
+
+    void reportMismatch(const mivo::settings::STSoundCardMismatchInfo& info);
+
+    mivo::settings::STSoundCardMappingsInfo all() const;
+    std::size_t count() const { return m_kept.mappings.size(); }
+
+    /// Whether a text is one of those that were given to `keep`. The empty one is no mapping.
+    static bool isValid(const QString& text);
+
+    /// Takes over what a valid text says, and announces what differs.
+    void adopt(const QString& text);
+
+private:
+    struct Kept
+    {
+        std::vector<velorn::mediadispatch::STSoundCardMappingInfo> mappings; // by id
+        std::uint64_t nextId = 1;
+
+        auto fields() const { return std::tie(mappings, nextId); }
+    };
+
+    static std::optional<Kept> parsed(const QString& text);
+    static QString written(const Kept& kept);
+
+    void onAddRequested(const velorn::mediadispatch::STSoundCardMappingInfo& request);
+    void onChangeRequested(const mivo::STSoundCardChangeInfo& request);
+    void answerWithHeld(const mivo::STSoundCardChangeInfo& request);
+    const mivo::settings::STSoundCardInfo* findCard(const std::string& device,
+                                                    const std::string& id) const;
+
+    /// Takes over what the chosen cards of a device are called now, and how many channels they
+    /// have.
+    void renewChosen(const mivo::settings::STDeviceSoundCards& device);
+
+    IMivoSettings& m_store;
+    Keep m_keep;
+    Kept m_kept;
+    std::map<std::string, mivo::settings::STDeviceSoundCards> m_devices;
+};
+
+} // namespace mivohost

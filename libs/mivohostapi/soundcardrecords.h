@@ -1,0 +1,160 @@
+#pragma once
+
+#include "mivohostapi/settingsrecords.h"
+
+#include <QtCore/QMetaType>
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+// Records of the sound-card mappings. A mapping is one virtual output; it is bound to one sound
+// card, or none, of this machine and of each device of the cluster. Texts in UTF-8.
+//
+// A device is known by its address; the empty one is this machine. A card is known, within its
+// device, by its id: captions may change, and no card has an empty id.
+
+constexpr std::size_t mostSoundCardMappings = 20;
+constexpr int longestSoundCardMappingName = 64; ///< characters; the shortest has one
+constexpr unsigned mostSoundCardChannels = 64;  ///< of a card; those above are not used
+
+namespace velorn::mediadispatch {
+
+using ::operator==;
+using ::operator<<;
+
+/// The card of one device that is chosen for a mapping.
+struct STChosenSoundCard
+{
+    std::string device;
+    std::string id;                 ///< empty in a change: no card any more
+    std::string caption;            ///< what it was called last, for a card that is absent
+    std::uint32_t channels = 2;     ///< how many it had last
+    std::uint32_t channelPairs = 1; ///< that are played on: bit 0 for channels 1 and 2, and so on
+
+    auto fields() const { return std::tie(device, id, caption, channels, channelPairs); }
+};
+
+enum EnumSoundCardMappingState : std::uint32_t {
+    SoundCardMappingKept = 0,
+    SoundCardMappingRefused = 1 ///< the answer to a request to add one that was not granted
+};
+
+struct STSoundCardMappingInfo
+{
+    std::uint64_t id = 0;                       ///< never given to another one; 0 in a request
+    std::uint32_t state = SoundCardMappingKept; ///< an EnumSoundCardMappingState
+    std::string name;                           ///< 1 to 64 characters, that no other one has
+    std::vector<STChosenSoundCard> soundCards;  ///< at most one of each device
+
+    auto fields() const { return std::tie(id, state, name, soundCards); }
+};
+
+} // namespace velorn::mediadispatch
+
+namespace mivo {
+
+using ::operator==;
+using ::operator<<;
+
+enum EnumSoundCardChange : std::uint32_t {
+    SoundCardChangeLocalCard = 1,   ///< another card of this machine, or none
+    SoundCardChangeName = 2,        ///< another name
+    SoundCardChangeChannels = 4,    ///< other channels of the chosen card of `soundCard.device`
+    SoundCardChangeClusterCard = 8, ///< another card of a device of the cluster, or none
+    SoundCardChangeDeletion = 16    ///< to be deleted; only in a request
+};
+
+/// A change of one mapping: asked for by a page, and announced by the store.
+struct STSoundCardChangeInfo
+{
+    std::uint64_t id = 0;                               ///< of the mapping
+    std::uint32_t kind = 0;                             ///< an EnumSoundCardChange
+    std::string name;                                   ///< the new one, where the name changes
+    velorn::mediadispatch::STChosenSoundCard soundCard; ///< the new state, where the rest does
+
+    auto fields() const { return std::tie(id, kind, name, soundCard); }
+};
+
+} // namespace mivo
+
+namespace mivo::settings {
+
+using ::operator==;
+using ::operator<<;
+
+/// The mappings that there are.
+struct STAllDeviceSoundCardMappings
+{
+    std::vector<velorn::mediadispatch::STSoundCardMappingInfo> mappings;
+    bool refreshOnly = false; ///< they are on screen already, and only their cards are shown anew
+
+    auto fields() const { return std::tie(mappings, refreshOnly); }
+};
+
+/// Cards of one device.
+struct STLocalSoundCardList
+{
+    std::vector<std::string> soundCards; ///< their ids
+    std::string device;
+
+    auto fields() const { return std::tie(soundCards, device); }
+};
+
+/// A device and its partner do not have the same cards.
+struct STSoundCardMismatchInfo
+{
+    bool local = false;    ///< this machine and its backup; else a slave and its backup
+    std::string device;    ///< name or address
+    std::string soundCard; ///< the card, or how many
+
+    auto fields() const { return std::tie(local, device, soundCard); }
+};
+
+struct STDeviceSoundCardVisibleInfo
+{
+    std::string deviceIp;
+    bool visible = true;
+
+    auto fields() const { return std::tie(deviceIp, visible); }
+};
+
+/// A card that is there and may be chosen.
+struct STSoundCardInfo
+{
+    std::string id;
+    std::string caption;        ///< that no other card of the device has
+    std::uint32_t channels = 2; ///< at least 1
+
+    auto fields() const { return std::tie(id, caption, channels); }
+};
+
+/// A device that is known, and the cards that it has now.
+struct STDeviceSoundCards
+{
+    std::string device;
+    std::string caption; ///< empty: the pages' own word for this machine, else the address
+    std::vector<STSoundCardInfo> soundCards;
+    bool visible = true; ///< whether its cards are shown
+
+    auto fields() const { return std::tie(device, caption, soundCards, visible); }
+};
+
+/// All that an editor of a mapping needs to know.
+struct STSoundCardMappingsInfo
+{
+    std::vector<velorn::mediadispatch::STSoundCardMappingInfo> mappings; ///< by id
+    std::vector<STDeviceSoundCards> devices; ///< this machine first if known, then by address
+
+    auto fields() const { return std::tie(mappings, devices); }
+};
+
+} // namespace mivo::settings
+
+Q_DECLARE_METATYPE(velorn::mediadispatch::STSoundCardMappingInfo)
+Q_DECLARE_METATYPE(mivo::STSoundCardChangeInfo)
+Q_DECLARE_METATYPE(mivo::settings::STAllDeviceSoundCardMappings)
+Q_DECLARE_METATYPE(mivo::settings::STLocalSoundCardList)
+Q_DECLARE_METATYPE(mivo::settings::STSoundCardMismatchInfo)
+Q_DECLARE_METATYPE(mivo::settings::STDeviceSoundCardVisibleInfo)
