@@ -41,6 +41,10 @@ function(mivo_target target)
             ${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion
                               $<$<BOOL:${MIVO_WERROR}>:-Werror> ${MIVO_SANITIZE_FLAGS})
         target_link_options(${target} PRIVATE ${MIVO_SANITIZE_FLAGS})
+        if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+            # Takes a source that is compiled with others for a header.
+            target_compile_options(${target} PRIVATE -Wno-subobject-linkage)
+        endif()
     endif()
     target_compile_definitions(${target} PRIVATE QT_NO_CAST_TO_ASCII QT_NO_CAST_FROM_BYTEARRAY
                                                  QT_NO_FOREACH)
