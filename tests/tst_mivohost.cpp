@@ -248,8 +248,9 @@ TEST_F(Host, DrawsEveryPageInEveryLanguage)
     QByteArray output;
     const QString pictures = folder.filePath("pictures");
     ASSERT_EQ(run({"--pictures", pictures}, output), 0);
-    for (const char* name : {"mainwindow", "undosettingbox", "onlinesettingbox",
-                             "resplaycontrolsettingbox", "generalsettingbox"}) {
+    for (const char* name :
+         {"mainwindow", "undosettingbox", "onlinesettingbox", "resplaycontrolsettingbox",
+          "generalsettingbox", "displaycontrolsettingbox", "codeccontrolsettingbox"}) {
         QImage english(pictures + '/' + name + "-en.png");
         QImage chinese(pictures + '/' + name + "-zh_cn.png");
         EXPECT_FALSE(english.isNull()) << name;

@@ -14,6 +14,7 @@
 #include <QtSql/QSqlDatabase>
 #include <QtSql/QSqlQuery>
 
+#include <cmath>
 #include <csignal>
 
 namespace settingsstoretest {
@@ -120,6 +121,40 @@ TEST_F(Store, KeepsTheColorBeforeOneThatIsNone)
     EXPECT_EQ(colors, std::vector<std::string>(7, "#12AbcD")) << "so that a page shows it again";
 }
 
+TEST_F(Store, CorrectsFadeTimesAndRefusesRangesThatThereAreNot)
+{
+    auto store = make();
+    std::vector<double> fades;
+    store->fadeInTimeChanged.connect([&fades](double seconds) { fades.push_back(seconds); });
+    for (const double seconds : {2.3, -1., 10.1, std::nan(""), 1e300}) {
+        store->setFadeInTime(seconds);
+    }
+    EXPECT_EQ(fades, (std::vector{2.3, 0., 10., 10., 10.}));
+
+    const std::vector<std::pair<mivo::DynamicRangeConfig, mivo::DynamicRangeConfig>> ranges{
+        {{0, 10}, {0, 10}}, {{1, 12}, {1, 12}}, {{0, 12}, {1, 12}},
+        {{1, 8}, {1, 12}},  {{2, 8}, {1, 12}},  {{0, 8}, {0, 8}}};
+    for (const auto& [wanted, held] : ranges) {
+        store->setDynamicRangeConfig(wanted);
+        EXPECT_EQ(store->getDynamicRangeConfig(), held) << wanted;
+    }
+    store->setDisplayTechnologyStandard("DCI-P3");
+    store->setDisplayTechnologyStandard("unknown");
+    EXPECT_EQ(store->getDisplayTechnologyStandard(), "DCI-P3");
+    store->setImageHierarchy(static_cast<mivo::PatchLevelPriority>(7));
+    EXPECT_EQ(store->getDisplayControlSettings(), STDisplayControlSettings());
+
+    for (const QVariant& unusable : {QVariant(10.5), QVariant("long"), QVariant(std::nan(""))}) {
+        EXPECT_EQ(make({{"fadeInTime", unusable}})->getFadeInTime(), 0.5);
+    }
+    EXPECT_EQ(make({{"fadeInTime", "0.3"}})->getFadeInTime(), 0.3);
+    for (const char* unusable : {"", "1", "0|12", "1|8", "2|8", "0|8|0", "x|y"}) {
+        EXPECT_EQ(make({{"dynamicRangeConfig", unusable}})->getDynamicRangeConfig(),
+                  mivo::DynamicRangeConfig())
+            << unusable;
+    }
+}
+
 TEST_F(Store, ResetsUnusableRowsToTheirDefaults)
 {
     struct Case
@@ -179,11 +214,12 @@ TEST_F(StoreFile, IsMadeWithItsFolderAndReadAgain)
         EXPECT_TRUE(opened.persistence->write("undoStep", 80));
         EXPECT_TRUE(opened.persistence->write("undoStep", 81));
         EXPECT_TRUE(opened.persistence->write("language", QStringLiteral("zh_cn")));
+        EXPECT_TRUE(opened.persistence->write("fadeInTime", 0.1 + 0.2));
     }
     auto again = SqlitePersistence::open(deep);
     ASSERT_EQ(again.status, Status::opened);
     EXPECT_EQ(again.persistence->loadAll(),
-              (QVariantHash{{"undoStep", 81}, {"language", "zh_cn"}}));
+              (QVariantHash{{"undoStep", 81}, {"language", "zh_cn"}, {"fadeInTime", 0.1 + 0.2}}));
 }
 
 TEST_F(StoreFile, BelongsToOneProcessUntilThatEnds)

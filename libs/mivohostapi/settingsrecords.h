@@ -140,7 +140,7 @@ Q_DECLARE_METATYPE(STPortInfo)
 namespace mivo {
 
 /// Which source wins where layers overlap; carried as its number.
-enum PatchLevelPriority { ProgramMgrPriority = 0, TimelinePriority = 1 };
+enum PatchLevelPriority : int { ProgramMgrPriority = 0, TimelinePriority = 1 };
 
 /// The range of brightness of the output signal.
 struct DynamicRangeConfig

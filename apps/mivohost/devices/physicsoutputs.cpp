@@ -44,7 +44,8 @@ QStringList PhysicsOutputs::outputs()
         outputs.append(QStringLiteral("%1 (%2 × %3)")
                            .arg(screen->name())
                            .arg(screen->size().width())
-                           .arg(screen->size().height()));
+                           .arg(screen->size().height())
+                           .trimmed()); // a screen may have no name
     }
     return outputs;
 }
