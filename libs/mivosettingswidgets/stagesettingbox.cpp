@@ -81,15 +81,15 @@ public slots:
     void onRedChanged() { m_canvas.takeChannel(red); }
     void onGreenChanged() { m_canvas.takeChannel(green); }
     void onBlueChanged() { m_canvas.takeChannel(blue); }
-    void pickColor(QColor color) { m_canvas.pick(color); }
+    void pickColor(const QColor& color) { m_canvas.pick(color); }
     void updateTextColor(int index) { choosePreset(m_output, index); }
     void openTextColorDialog() { openDialog(m_output); }
     void onTextRedChanged() { m_output.takeChannel(red); }
     void onTextGreenChanged() { m_output.takeChannel(green); }
     void onTextBlueChanged() { m_output.takeChannel(blue); }
-    void pickTextColor(QColor color) { m_output.pick(color); }
-    void setColor(QColor color) { m_canvas.show(color); }
-    void setOutputColor(QColor color) { m_output.show(color); }
+    void pickTextColor(const QColor& color) { m_output.pick(color); }
+    void setColor(const QColor& color) { m_canvas.show(color); }
+    void setOutputColor(const QColor& color) { m_output.show(color); }
 
 protected:
     void initSettings() override;
