@@ -75,17 +75,20 @@ QByteArray toLine(const std::vector<ListedCard>& cards)
     return QJsonDocument(array).toJson(QJsonDocument::Compact) + '\n';
 }
 
-bool fromLine(const QByteArray& line, std::vector<ListedCard>& cards)
+std::optional<std::vector<ListedCard>> fromLine(const QByteArray& line)
 {
     const auto document = QJsonDocument::fromJson(line);
-    cards.clear();
+    if (!document.isArray()) {
+        return std::nullopt;
+    }
+    std::vector<ListedCard> cards;
     for (const auto& value : document.array()) {
         const QJsonObject card = value.toObject();
         cards.push_back({card.value(QLatin1String("realm")).toString().toStdString(),
                          card.value(QLatin1String("name")).toString().toStdString(),
                          card.value(QLatin1String("channels")).toInt()});
     }
-    return document.isArray();
+    return cards;
 }
 
 int listSoundCards(int looks, int interval)

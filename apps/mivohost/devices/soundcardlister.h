@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -24,10 +25,9 @@ struct ListedCard
 /// machine's own. What stands for no card of its own is left out.
 std::vector<ListedCard> cardsAmong(const std::vector<ListedCard>& listed);
 
-/// A line that tells of cards, with its end; and what such a line tells. Anything else is no cards
-/// and false.
+/// A line that tells of cards, with its end; and what such a line tells, if it is one.
 QByteArray toLine(const std::vector<ListedCard>& cards);
-bool fromLine(const QByteArray& line, std::vector<ListedCard>& cards);
+std::optional<std::vector<ListedCard>> fromLine(const QByteArray& line);
 
 /// The work of a process of its own, under a QCoreApplication: looks so often at the machine's
 /// sound cards, so many milliseconds apart, and writes a line to the standard output each time.

@@ -93,12 +93,11 @@ void SoundCards::start()
 void SoundCards::read()
 {
     while (m_process.canReadLine()) {
-        std::vector<ListedCard> listed;
-        if (fromLine(m_process.readLine(), listed)) {
+        if (auto listed = fromLine(m_process.readLine())) {
             m_hasSpoken = true;
             m_isWarned = false;
             m_timer.start(m_lister.longestSilence);
-            take(std::move(listed));
+            take(*std::move(listed));
         }
     }
 }
