@@ -9,6 +9,7 @@
 #include <QtWidgets/QLabel>
 
 #include <string>
+#include <vector>
 
 namespace mivo::settings {
 
@@ -66,6 +67,20 @@ inline void nameAll(const QList<QWidget*>& controls, const QString& name)
     for (QWidget* control : controls) {
         control->setAccessibleName(name);
     }
+}
+
+/// The controls in a widget that Tab stops at, in their order.
+inline std::vector<QWidget*> tabStops(QWidget* widget)
+{
+    std::vector<QWidget*> stops;
+    for (QWidget* next = widget->nextInFocusChain(); next != widget;
+         next = next->nextInFocusChain()) {
+        if (widget->isAncestorOf(next) && (next->focusPolicy() & Qt::TabFocus) != 0
+            && next->focusProxy() == nullptr) {
+            stops.push_back(next);
+        }
+    }
+    return stops;
 }
 
 /// The icon and the text of a tip at the end of a row, `gap` pixels apart.

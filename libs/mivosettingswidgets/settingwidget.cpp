@@ -1,5 +1,6 @@
 #include "mivosettingswidgets/settingwidget.h"
 
+#include "controls.h"
 #include "mivosettingswidgets/isettingbox.h"
 
 #include <QtCore/QCoreApplication>
@@ -11,7 +12,6 @@
 #include <algorithm>
 #include <iterator>
 #include <map>
-#include <vector>
 
 namespace mivo::settings {
 
@@ -26,19 +26,6 @@ void polishWhenShown(QWidget* widget)
     for (QWidget* child : children) {
         QCoreApplication::removePostedEvents(child, QEvent::PolishRequest);
     }
-}
-
-/// The controls of a page that Tab stops at, in their order.
-std::vector<QWidget*> tabStops(QWidget* page)
-{
-    std::vector<QWidget*> stops;
-    for (QWidget* next = page->nextInFocusChain(); next != page; next = next->nextInFocusChain()) {
-        if (page->isAncestorOf(next) && (next->focusPolicy() & Qt::TabFocus) != 0
-            && next->focusProxy() == nullptr) {
-            stops.push_back(next);
-        }
-    }
-    return stops;
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "support/dialogs.h"
 
+#include <mivosettingswidgets/audiosettingbox.h>
 #include <mivosettingswidgets/fileinfosettingbox.h>
 #include <mivosettingswidgets/generalsettingbox.h>
 #include <mivosettingswidgets/netdevicesettingwidget.h>

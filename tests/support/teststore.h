@@ -77,7 +77,10 @@ public:
             autoSaveProjectFilesIntervalChanged, autoSaveProjectFilesMaxNumChanged,
             autoSavePathChanged, notPromptForSaveChanged, newProjResetOutputChanged, tcpPortChanged,
             udpPortChanged, tcpPortFailed, udpPortFailed, playLogStorageTimeTypeChanged,
-            playLogPathChanged, cachePathChanged, sharePathChanged);
+            playLogPathChanged, cachePathChanged, sharePathChanged, soundCardMappingsInit,
+            soundCardMappingAdded, soundCardMappingChanged, soundCardMappingDeleted,
+            soundCardEnabled, soundCardDisabled, clusterNodeSoundCardsChanged,
+            deviceSoundCardVisibleChanged, soundCardMismatch, clusterDeviceSoundCardsDeleted);
     }
 
 private:

@@ -162,6 +162,8 @@ SettingsView& MainWindow::settings()
             m_runtime, m_store, this,
             SettingsServices{m_project.dispatch(), &m_project, &m_peripherals.midi(),
                              &m_peripherals.dmx(), &m_peripherals.osc()});
+        // Known long since, and the page starts empty.
+        m_runtime.call([this] { m_store.soundCards().announceMappings(); });
     }
     return *m_settings;
 }

@@ -1,5 +1,6 @@
 #include "surface/settingsview.h"
 
+#include <mivosettingswidgets/audiosettingbox.h>
 #include <mivosettingswidgets/fileinfosettingbox.h>
 #include <mivosettingswidgets/generalsettingbox.h>
 #include <mivosettingswidgets/netdevicesettingwidget.h>
@@ -67,6 +68,11 @@ SettingsView::SettingsView(IZRRuntime& runtime, MivoSettings& settings, QWidget*
     network->setOscMgr(services.osc);
     add(network, 10);
     add(new ResPlayControlSettingBox, 20);
+    auto* audio = new AudioSettingBox;
+    audio->setMsgCenterMgr(services.messages);
+    audio->setProgramDispatch(services.programs);
+    audio->setProjectFileMgr(services.projectFile);
+    add(audio, 10);
     switchLanguage(SettingWdigetTranslateManager::instance().translator().language());
 }
 

@@ -21,6 +21,10 @@ namespace mivo::projectfilemgr {
 class IProjectFileMgr;
 }
 
+namespace velorn::msgcenter {
+class IMsgCenterMgr;
+}
+
 namespace mivo::settings {
 class ISettingBox;
 class SettingsDialog;
@@ -42,6 +46,7 @@ struct SettingsServices
     mivo::peripheralcontrol::MidiPeripheral* midi = nullptr;
     mivo::peripheralcontrol::DmxPeripheral* dmx = nullptr;
     mivo::peripheralcontrol::OscPeripheral* osc = nullptr;
+    velorn::msgcenter::IMsgCenterMgr* messages = nullptr;
 };
 
 /// The settings dialog with all pages, bound to a store. GUI thread.
