@@ -67,7 +67,8 @@ protected:
     }
     std::vector<STSoundCardMappingInfo> mappings()
     {
-        return store->getSoundCardMappings().mappings;
+        const auto all = store->getSoundCardMappings().mappings;
+        return {all.begin(), all.end()};
     }
 
     std::vector<std::string> told;
@@ -239,7 +240,7 @@ TEST_F(Mappings, CardsThatComeAndGoAreAnnounced)
     cards.setDeviceSoundCards("d", "Bar", {});
     cards.removeDevice("d");
     EXPECT_EQ(takeTold(), (Lines{"cluster", "visible d; 0; ", "cluster", "left d"}));
-    ASSERT_EQ(store->getSoundCardMappings().devices.size(), 1U);
+    ASSERT_EQ(store->getSoundCardMappings().devices.size(), 1);
 }
 
 } // namespace soundcardmappingstest

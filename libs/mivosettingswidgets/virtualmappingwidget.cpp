@@ -18,7 +18,8 @@
 #include <QtWidgets/QLabel>
 
 #include <algorithm>
-#include <unordered_set>
+#include <set>
+#include <string_view>
 #include <utility>
 
 namespace mivo::settings {
@@ -35,7 +36,7 @@ using velorn::mediadispatch::STSoundCardMappingInfo;
 namespace {
 
 constexpr int columnsInRow = 3;
-constexpr int marksInRow = 4;
+constexpr int marksInRow = 3;
 constexpr int columnWidth = 240;
 
 template <typename List, typename Value>
@@ -44,15 +45,16 @@ bool contains(const List& list, const Value& value)
     return std::find(list.begin(), list.end(), value) != list.end();
 }
 
-/// The ids of a device's cards that are chosen in other mappings.
-std::unordered_set<std::string> takenOn(const std::string& device, std::uint64_t ownId,
-                                        const std::vector<STSoundCardMappingInfo>& mappings)
+using TakenCards = std::set<std::pair<std::string_view, std::string_view>>;
+
+/// Device and id of the cards that are chosen in other mappings; views into `mappings`.
+TakenCards takenFrom(std::uint64_t ownId, const QVector<STSoundCardMappingInfo>& mappings)
 {
-    std::unordered_set<std::string> taken;
+    TakenCards taken;
     for (const auto& mapping : mappings) {
-        for (const auto& card : mapping.soundCards) {
-            if (mapping.id != ownId && card.device == device) {
-                taken.insert(card.id);
+        if (mapping.id != ownId) {
+            for (const auto& card : mapping.soundCards) {
+                taken.emplace(card.device, card.id);
             }
         }
     }
@@ -205,9 +207,14 @@ VirtualMappingWidget::Impl::makeColumn(const std::string& device)
     column->combo->setAccessibleDescription(QString::fromStdString(m_info.name));
     column->label->setBuddy(column->combo);
     column->label->setTextFormat(Qt::PlainText);
+    column->label->setFixedHeight(20); // whatever its script, so that columns stand in line
+    column->combo->setFixedHeight(26);
     column->box->setFixedWidth(columnWidth);
     column->marksLayout = new QGridLayout;
     column->marksLayout->setSpacing(4);
+    for (int place = 0; place < marksInRow; ++place) {
+        column->marksLayout->setColumnMinimumWidth(place, columnWidth / marksInRow - 4);
+    }
     auto* layout = new QVBoxLayout(column->box);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(4);
@@ -272,6 +279,7 @@ void VirtualMappingWidget::Impl::resetOffers(const STSoundCardMappingsInfo& know
             m_info.soundCards = mapping.soundCards;
         }
     }
+    const TakenCards taken = takenFrom(m_info.id, known.mappings);
     for (const auto& column : m_columns) {
         column->offered.clear();
         column->caption = QString::fromStdString(column->device);
@@ -283,10 +291,10 @@ void VirtualMappingWidget::Impl::resetOffers(const STSoundCardMappingsInfo& know
                 column->caption = QString::fromStdString(device.caption);
             }
             column->visible = device.visible;
-            const auto taken = takenOn(device.device, m_info.id, known.mappings);
             std::copy_if(device.soundCards.begin(), device.soundCards.end(),
-                         std::back_inserter(column->offered),
-                         [&](const auto& card) { return taken.count(card.id) == 0; });
+                         std::back_inserter(column->offered), [&](const auto& card) {
+                             return taken.count({device.device, card.id}) == 0;
+                         });
         }
     }
     placeColumns();
