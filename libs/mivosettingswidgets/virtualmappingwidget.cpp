@@ -11,8 +11,10 @@
 #include <mivowidgets/pushbutton.h>
 #include <mivowidgets/tipdialog.h>
 
+#include <QtCore/QEvent>
 #include <QtCore/QPointer>
 #include <QtCore/QStringListModel>
+#include <QtWidgets/QAbstractItemView>
 #include <QtWidgets/QGridLayout>
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QLabel>
@@ -38,6 +40,38 @@ namespace {
 constexpr int columnsInRow = 3;
 constexpr int marksInRow = 3;
 constexpr int columnWidth = 240;
+
+/// One of some hundred boxes: as wide as its column, and not as the widest of its items, which
+/// would all be measured, and without the list that opens until it does.
+class CardBox : public ComboBox
+{
+public:
+    using ComboBox::ComboBox;
+
+    QSize sizeHint() const override { return {columnWidth, 26}; }
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
+    void showPopup() override
+    {
+        m_hasList = true;
+        view()->setFont(font());
+        ComboBox::showPopup();
+    }
+
+protected:
+    void changeEvent(QEvent* event) override
+    {
+        // The base class makes the list, only to hand the font on to it.
+        if (m_hasList || event->type() != QEvent::FontChange) {
+            ComboBox::changeEvent(event);
+        } else {
+            QWidget::changeEvent(event);
+        }
+    }
+
+private:
+    bool m_hasList = false;
+};
 
 template <typename List, typename Value>
 bool contains(const List& list, const Value& value)
@@ -199,16 +233,12 @@ VirtualMappingWidget::Impl::makeColumn(const std::string& device)
     column->device = device;
     column->box = new QWidget(m_owner);
     column->label = new QLabel(column->box);
-    column->combo = new ComboBox(column->box);
+    column->combo = new CardBox(column->box);
     column->texts = new QStringListModel(column->combo);
     column->combo->setModel(column->texts);
-    // Not as wide as the widest of all its items, which would all have to be measured.
-    column->combo->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    column->combo->setAccessibleDescription(QString::fromStdString(m_info.name));
     column->label->setBuddy(column->combo);
     column->label->setTextFormat(Qt::PlainText);
     column->label->setFixedHeight(20); // whatever its script, so that columns stand in line
-    column->combo->setFixedHeight(26);
     column->box->setFixedWidth(columnWidth);
     column->marksLayout = new QGridLayout;
     column->marksLayout->setSpacing(4);

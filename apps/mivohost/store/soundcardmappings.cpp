@@ -232,14 +232,15 @@ void SoundCardMappings::setDeviceSoundCards(const std::string& device, const std
     held = std::move(now);
     m_all.reset();
     renewChosen(held);
+    if (rowsChange) {
+        m_store.clusterNodeSoundCardsChanged(); // says all
+        return;
+    }
     if (!gone.soundCards.empty()) {
         m_store.soundCardDisabled(gone);
     }
     if (!come.soundCards.empty()) {
         m_store.soundCardEnabled(come);
-    }
-    if (rowsChange) {
-        m_store.clusterNodeSoundCardsChanged();
     }
 }
 
