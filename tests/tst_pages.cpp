@@ -125,7 +125,7 @@ TEST_P(Pages, ShowWhatTheStoreHoldsReadOnceEachOnTheRuntimeThread)
     const auto posted = runtime.takePosted();
     ASSERT_EQ(posted.size(), GetParam().getters + 1) << "one hop per value";
     EXPECT_EQ(posted.front().function, "setSettings");
-    EXPECT_EQ(posted.back().function, "initSettings");
+    EXPECT_EQ(posted.back().function, GetParam().getters > 0 ? "initSettings" : "setSettings");
 }
 
 TEST_P(Pages, WriteAnEditOnceOnTheRuntimeThread)
@@ -230,11 +230,16 @@ TEST_P(Pages, LetGoOfTheStoreWhenTheyAreUnset)
     GetParam().bind(page, &store); // connects a second time
     EXPECT_EQ(store.connections(), 2 * GetParam().signals_);
     settle();
-    const ControlCase& control = GetParam().controls.front();
-    runtime.call([&] { store.change(control.setting, control.kept(control.changed)); });
+    for (const ControlCase& control : GetParam().controls) {
+        runtime.call([&] { store.change(control.setting, control.kept(control.changed)); });
+    }
     GetParam().unbind(page);
     EXPECT_EQ(store.connections(), 0U);
     settle();
+    if (GetParam().controls.empty()) {
+        return;
+    }
+    const ControlCase& control = GetParam().controls.front();
     EXPECT_EQ(shownBy(widgetOf(control)), control.changed) << "it was on its way already";
 
     control.edit(widgetOf(control));
@@ -247,11 +252,14 @@ TEST_P(Pages, LetGoOfTheStoreWhenTheyAreUnset)
 TEST_P(Pages, MayBeDestroyedWhileBoundWithAValueOnItsWay)
 {
     bind();
-    const ControlCase& control = GetParam().controls.front();
-    runtime.call([&] { store.change(control.setting, control.kept(control.edited)); });
+    for (const ControlCase& control : GetParam().controls) {
+        runtime.call([&] { store.change(control.setting, control.kept(control.edited)); });
+    }
     delete page;
     EXPECT_EQ(store.connections(), 0U);
-    runtime.call([&] { store.change(control.setting, control.kept(control.changed)); });
+    for (const ControlCase& control : GetParam().controls) {
+        runtime.call([&] { store.change(control.setting, control.kept(control.changed)); });
+    }
     settle();
 }
 

@@ -3,6 +3,7 @@
 #include "mivohostapi/settingsrecords.h"
 
 #include <QtCore/QMetaType>
+#include <QtCore/QVector>
 
 #include <cstddef>
 #include <cstdint>
@@ -141,13 +142,11 @@ struct STDeviceSoundCards
     auto fields() const { return std::tie(device, caption, soundCards, visible); }
 };
 
-/// All that an editor of a mapping needs to know.
+/// All that an editor of a mapping needs to know. Every editor reads it: a copy shares its lists.
 struct STSoundCardMappingsInfo
 {
-    std::vector<velorn::mediadispatch::STSoundCardMappingInfo> mappings; ///< by id
-    std::vector<STDeviceSoundCards> devices; ///< this machine first if known, then by address
-
-    auto fields() const { return std::tie(mappings, devices); }
+    QVector<velorn::mediadispatch::STSoundCardMappingInfo> mappings; ///< by id
+    QVector<STDeviceSoundCards> devices; ///< this machine first if known, then by address
 };
 
 } // namespace mivo::settings

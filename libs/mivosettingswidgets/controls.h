@@ -9,6 +9,7 @@
 #include <QtWidgets/QLabel>
 
 #include <string>
+#include <vector>
 
 namespace mivo::settings {
 
@@ -87,6 +88,21 @@ inline void nameAll(const QList<QWidget*>& controls, const QString& name)
     for (QWidget* control : controls) {
         control->setAccessibleName(name);
     }
+}
+
+/// The controls in a widget that Tab stops at, in their order from `start` on: the widget itself
+/// may stand anywhere among them.
+inline std::vector<QWidget*> tabStops(const QWidget* widget, const QWidget* start)
+{
+    std::vector<QWidget*> stops;
+    for (QWidget* next = start->nextInFocusChain(); next != start;
+         next = next->nextInFocusChain()) {
+        if (widget->isAncestorOf(next) && (next->focusPolicy() & Qt::TabFocus) != 0
+            && next->focusProxy() == nullptr) {
+            stops.push_back(next);
+        }
+    }
+    return stops;
 }
 
 /// The icon and the text of a tip at the end of a row, `gap` pixels apart.

@@ -36,8 +36,6 @@ template <>
 inline constexpr const char* queuedTypeText<SAddDMXInfo> = "SAddDMXInfo";
 template <>
 inline constexpr const char* queuedTypeText<SAddOSCInfo> = "SAddOSCInfo";
-template <>
-inline constexpr const char* queuedTypeText<std::vector<std::string>> = "std::vector<std::string>";
 
 namespace {
 

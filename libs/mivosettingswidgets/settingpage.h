@@ -36,7 +36,7 @@ protected:
     void setImpl(std::unique_ptr<SettingPageImpl> impl);
 
     template <typename Impl>
-    Impl& impl()
+    Impl& impl() const
     {
         return static_cast<Impl&>(*m_impl);
     }

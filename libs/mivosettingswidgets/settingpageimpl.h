@@ -1,6 +1,7 @@
 #pragma once
 
 #include "mivohostapi/imivosettings.h"
+#include "mivohostapi/shortcuttypes.h"
 #include "storeaccess.h"
 
 #include <QtCore/QObject>
@@ -8,6 +9,7 @@
 #include <QtGui/QColor>
 
 #include <functional>
+#include <string>
 #include <vector>
 
 class QAbstractButton;
@@ -36,6 +38,8 @@ template <>
 inline constexpr const char* queuedTypeText<QString> = "const QString&";
 template <>
 inline constexpr const char* queuedTypeText<QColor> = "const QColor";
+template <>
+inline constexpr const char* queuedTypeText<std::vector<std::string>> = "std::vector<std::string>";
 template <>
 inline constexpr const char* queuedTypeText<STResourceSettingsInfo> =
     "const STResourceSettingsInfo&";
@@ -140,8 +144,8 @@ protected:
 
     /// Has `forward` called on the runtime thread for every change that the store announces while
     /// the page is bound. `forward` may only queue().
-    template <typename Impl, typename Signal, typename Value>
-    void follow(Signal IMivoSettings::*signal, void (Impl::*forward)(Value))
+    template <typename Impl, typename Signal, typename... Value>
+    void follow(Signal IMivoSettings::*signal, void (Impl::*forward)(Value...))
     {
         m_followed.push_back([this, signal, forward](MivoSettings& store) {
             return (store.*signal).connect(forward, static_cast<Impl*>(this));

@@ -1,5 +1,6 @@
 #include "mivosettingswidgets/settingwidget.h"
 
+#include "controls.h"
 #include "mivosettingswidgets/isettingbox.h"
 
 #include <QtCore/QCoreApplication>
@@ -11,7 +12,6 @@
 #include <algorithm>
 #include <iterator>
 #include <map>
-#include <vector>
 
 namespace mivo::settings {
 
@@ -26,21 +26,6 @@ void polishWhenShown(QWidget* widget)
     for (QWidget* child : children) {
         QCoreApplication::removePostedEvents(child, QEvent::PolishRequest);
     }
-}
-
-/// The controls of a page of `content` that Tab stops at, in their order. The page itself may
-/// stand anywhere among them.
-std::vector<QWidget*> tabStops(QWidget* page, QWidget* content)
-{
-    std::vector<QWidget*> stops;
-    for (QWidget* next = content->nextInFocusChain(); next != content;
-         next = next->nextInFocusChain()) {
-        if (page->isAncestorOf(next) && (next->focusPolicy() & Qt::TabFocus) != 0
-            && next->focusProxy() == nullptr) {
-            stops.push_back(next);
-        }
-    }
-    return stops;
 }
 
 } // namespace

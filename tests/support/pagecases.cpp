@@ -2,6 +2,7 @@
 
 #include "support/dialogs.h"
 
+#include <mivosettingswidgets/audiosettingbox.h>
 #include <mivosettingswidgets/codeccontrolsettingbox.h>
 #include <mivosettingswidgets/displaycontrolsettingbox.h>
 #include <mivosettingswidgets/fileinfosettingbox.h>

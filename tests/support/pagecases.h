@@ -46,7 +46,7 @@ struct PageCase
     std::function<mivo::settings::ISettingBox*()> make;
     std::function<void(mivo::settings::ISettingBox*, MivoSettings*)> bind;
     std::function<void(mivo::settings::ISettingBox*)> unbind;
-    std::vector<ControlCase> controls;
+    std::vector<ControlCase> controls; ///< none where the store has to announce them first
     const char* qtWarning =
         nullptr; ///< said by Qt's log, and not by ours, where a store is missing
 };

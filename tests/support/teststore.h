@@ -82,7 +82,10 @@ public:
             pptResolutionWidthChanged, pptResolutionHeightChanged, canvasColorChanged,
             outputColorChanged, blackScreenMuteChanged, mfpsChanged, efpsChanged, fadeInTimeChanged,
             fadeOutTimeChanged, imageHierarchyChanged, graphicsCardChanged,
-            displayTechnologyStandardChanged, dynamicRangeConfigChanged);
+            displayTechnologyStandardChanged, dynamicRangeConfigChanged, soundCardMappingsInit,
+            soundCardMappingAdded, soundCardMappingChanged, soundCardMappingDeleted,
+            soundCardEnabled, soundCardDisabled, clusterNodeSoundCardsChanged,
+            deviceSoundCardVisibleChanged, soundCardMismatch, clusterDeviceSoundCardsDeleted);
     }
 
 private:

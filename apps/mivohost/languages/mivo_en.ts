@@ -758,6 +758,91 @@
         <comment>Widget</comment>
         <translation>0: the presentation’s own size is used</translation>
     </message>
+    <message>
+        <source>AudioSettings</source>
+        <comment>Widget</comment>
+        <translation>Audio</translation>
+    </message>
+    <message>
+        <source>AudioMapping</source>
+        <comment>Widget</comment>
+        <translation>Sound-card mappings</translation>
+    </message>
+    <message>
+        <source>soundCardInfo</source>
+        <comment>Widget</comment>
+        <translation>Each mapping is one output of a program, which plays on the chosen sound card of this machine and of each device of the cluster. A sound card can be chosen in one mapping only.</translation>
+    </message>
+    <message>
+        <source>addMapping</source>
+        <comment>Widget</comment>
+        <translation>Add mapping</translation>
+    </message>
+    <message>
+        <source>MappingName</source>
+        <comment>Widget</comment>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>MappingNameInUse</source>
+        <comment>Widget</comment>
+        <translation>Another mapping has this name.</translation>
+    </message>
+    <message>
+        <source>DeleteMapping</source>
+        <comment>Widget</comment>
+        <translation>Delete</translation>
+    </message>
+    <message>
+        <source>DeleteMappingTips</source>
+        <comment>Widget</comment>
+        <translation>Delete the mapping “%1”? What plays on it will not be heard any more.</translation>
+    </message>
+    <message>
+        <source>None</source>
+        <comment>Widget</comment>
+        <translation>None</translation>
+    </message>
+    <message>
+        <source>SoundCardNotConnected</source>
+        <comment>Widget</comment>
+        <translation>(not connected)</translation>
+    </message>
+    <message>
+        <source>ThisMachine</source>
+        <comment>Widget</comment>
+        <translation>This machine</translation>
+    </message>
+    <message>
+        <source>SoundCardNumberOf</source>
+        <comment>Widget</comment>
+        <translation>The sound cards of </translation>
+    </message>
+    <message>
+        <source>BackUp</source>
+        <comment>Widget</comment>
+        <translation>the backup </translation>
+    </message>
+    <message>
+        <source>LocalDevice</source>
+        <comment>Widget</comment>
+        <translation> and this machine (</translation>
+    </message>
+    <message>
+        <source>SlaverBackUp</source>
+        <comment>Widget</comment>
+        <translation>the slave's backup </translation>
+    </message>
+    <message>
+        <source>Slaver</source>
+        <comment>Widget</comment>
+        <translation> and the slave (</translation>
+    </message>
+    <message>
+        <source>SoundCardMisMatch</source>
+        <comment>Widget</comment>
+        <translation>do not match.</translation>
+    </message>
 </context>
 <context>
     <name>MivoHost</name>

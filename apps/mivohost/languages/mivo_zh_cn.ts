@@ -758,6 +758,91 @@
         <comment>Widget</comment>
         <translation>为 0 时使用演示文稿自身的尺寸</translation>
     </message>
+    <message>
+        <source>AudioSettings</source>
+        <comment>Widget</comment>
+        <translation>音频</translation>
+    </message>
+    <message>
+        <source>AudioMapping</source>
+        <comment>Widget</comment>
+        <translation>声卡映射</translation>
+    </message>
+    <message>
+        <source>soundCardInfo</source>
+        <comment>Widget</comment>
+        <translation>每个映射是节目的一路输出，在本机和集群中各设备所选的声卡上播放。一个声卡只能被一个映射选用。</translation>
+    </message>
+    <message>
+        <source>addMapping</source>
+        <comment>Widget</comment>
+        <translation>添加映射</translation>
+    </message>
+    <message>
+        <source>MappingName</source>
+        <comment>Widget</comment>
+        <translation>名称</translation>
+    </message>
+    <message>
+        <source>MappingNameInUse</source>
+        <comment>Widget</comment>
+        <translation>该名称已被其他映射使用。</translation>
+    </message>
+    <message>
+        <source>DeleteMapping</source>
+        <comment>Widget</comment>
+        <translation>删除</translation>
+    </message>
+    <message>
+        <source>DeleteMappingTips</source>
+        <comment>Widget</comment>
+        <translation>确定要删除映射“%1”吗？使用该映射的声音将不再播放。</translation>
+    </message>
+    <message>
+        <source>None</source>
+        <comment>Widget</comment>
+        <translation>无</translation>
+    </message>
+    <message>
+        <source>SoundCardNotConnected</source>
+        <comment>Widget</comment>
+        <translation>（未连接）</translation>
+    </message>
+    <message>
+        <source>ThisMachine</source>
+        <comment>Widget</comment>
+        <translation>本机</translation>
+    </message>
+    <message>
+        <source>SoundCardNumberOf</source>
+        <comment>Widget</comment>
+        <translation>声卡数量：</translation>
+    </message>
+    <message>
+        <source>BackUp</source>
+        <comment>Widget</comment>
+        <translation>备机 </translation>
+    </message>
+    <message>
+        <source>LocalDevice</source>
+        <comment>Widget</comment>
+        <translation> 与本机的声卡(</translation>
+    </message>
+    <message>
+        <source>SlaverBackUp</source>
+        <comment>Widget</comment>
+        <translation>从机的备机 </translation>
+    </message>
+    <message>
+        <source>Slaver</source>
+        <comment>Widget</comment>
+        <translation> 与从机的声卡(</translation>
+    </message>
+    <message>
+        <source>SoundCardMisMatch</source>
+        <comment>Widget</comment>
+        <translation>不一致。</translation>
+    </message>
 </context>
 <context>
     <name>MivoHost</name>

@@ -230,21 +230,24 @@ void SoundCardMappings::setDeviceSoundCards(const std::string& device, const std
     const bool rowsChange =
         isNew || held.caption != caption || held.soundCards.empty() != now.soundCards.empty();
     held = std::move(now);
+    m_all.reset();
     renewChosen(held);
+    if (rowsChange) {
+        m_store.clusterNodeSoundCardsChanged(); // says all
+        return;
+    }
     if (!gone.soundCards.empty()) {
         m_store.soundCardDisabled(gone);
     }
     if (!come.soundCards.empty()) {
         m_store.soundCardEnabled(come);
     }
-    if (rowsChange) {
-        m_store.clusterNodeSoundCardsChanged();
-    }
 }
 
 void SoundCardMappings::removeDevice(const std::string& device)
 {
     if (!device.empty() && m_devices.erase(device) > 0) {
+        m_all.reset();
         m_store.clusterDeviceSoundCardsDeleted(std::vector<std::string>{device});
     }
 }
@@ -254,6 +257,7 @@ void SoundCardMappings::setDeviceVisible(const std::string& device, bool visible
     const auto found = m_devices.find(device);
     if (found != m_devices.end() && found->second.visible != visible) {
         found->second.visible = visible;
+        m_all.reset();
         m_store.deviceSoundCardVisibleChanged(
             mivo::settings::STDeviceSoundCardVisibleInfo{device, visible});
     }
@@ -264,14 +268,18 @@ void SoundCardMappings::reportMismatch(const mivo::settings::STSoundCardMismatch
     m_store.soundCardMismatch(info);
 }
 
-mivo::settings::STSoundCardMappingsInfo SoundCardMappings::all() const
+const mivo::settings::STSoundCardMappingsInfo& SoundCardMappings::all()
 {
-    mivo::settings::STSoundCardMappingsInfo info{m_kept.mappings, {}};
-    info.devices.reserve(m_devices.size());
-    for (const auto& [device, cards] : m_devices) {
-        info.devices.push_back(cards);
+    if (!m_all) {
+        m_all.emplace();
+        for (const auto& mapping : m_kept.mappings) {
+            m_all->mappings.append(mapping);
+        }
+        for (const auto& [device, cards] : m_devices) {
+            m_all->devices.append(cards);
+        }
     }
-    return info;
+    return *m_all;
 }
 
 bool SoundCardMappings::isValid(const QString& text)
@@ -319,6 +327,7 @@ void SoundCardMappings::adopt(const QString& text)
         return;
     }
     const auto before = std::exchange(m_kept, *next).mappings;
+    m_all.reset();
     for (const auto& mapping : before) {
         if (findBy(next->mappings, &STSoundCardMappingInfo::id, mapping.id) == nullptr) {
             m_store.soundCardMappingDeleted(mapping);

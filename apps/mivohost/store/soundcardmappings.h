@@ -42,7 +42,7 @@ public:
 
     void reportMismatch(const mivo::settings::STSoundCardMismatchInfo& info);
 
-    mivo::settings::STSoundCardMappingsInfo all() const;
+    const mivo::settings::STSoundCardMappingsInfo& all();
     std::size_t count() const { return m_kept.mappings.size(); }
 
     /// Whether a text is one of those that were given to `keep`. The empty one is no mapping.
@@ -77,6 +77,7 @@ private:
     Keep m_keep;
     Kept m_kept;
     std::map<std::string, mivo::settings::STDeviceSoundCards> m_devices;
+    std::optional<mivo::settings::STSoundCardMappingsInfo> m_all; // until something changes
 };
 
 } // namespace mivohost

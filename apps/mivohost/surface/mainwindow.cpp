@@ -175,6 +175,8 @@ SettingsView& MainWindow::settings()
 {
     if (!m_settings) {
         m_settings = std::make_unique<SettingsView>(m_runtime, m_store, this, m_services);
+        // Known long since, and the page starts empty.
+        m_runtime.call([this] { m_store.soundCards().announceMappings(); });
     }
     return *m_settings;
 }

@@ -2,6 +2,7 @@
 
 #include "mivohostapi/imediaoutput.h"
 
+#include <mivosettingswidgets/audiosettingbox.h>
 #include <mivosettingswidgets/codeccontrolsettingbox.h>
 #include <mivosettingswidgets/displaycontrolsettingbox.h>
 #include <mivosettingswidgets/fileinfosettingbox.h>
@@ -89,6 +90,11 @@ SettingsView::SettingsView(IZRRuntime& runtime, MivoSettings& settings, QWidget*
             }).empty()) {
         codec->updateDisplayCardInfo();
     }
+    auto* audio = new AudioSettingBox;
+    audio->setMsgCenterMgr(services.messages);
+    audio->setProgramDispatch(services.programs);
+    audio->setProjectFileMgr(services.projectFile);
+    add(audio, 10);
     switchLanguage(SettingWdigetTranslateManager::instance().translator().language());
 }
 

@@ -1,0 +1,413 @@
+#include "mivosettingswidgets/audiosettingbox.h"
+
+#include "controls.h"
+#include "mivohostapi/imsgcentermgr.h"
+#include "mivohostapi/iprogramdispatch.h"
+#include "mivosettingswidgets/virtualmappingwidget.h"
+#include "settingpageimpl.h"
+#include "texts.h"
+
+#include <mivowidgets/pushbutton.h>
+
+#include <QtWidgets/QHBoxLayout>
+#include <QtWidgets/QLabel>
+
+#include <map>
+#include <utility>
+
+namespace mivo::settings {
+
+using mivo::STSoundCardChangeInfo;
+using mivo::mediadispatch::IProgramDispatch;
+using mivo::projectfilemgr::IProjectFileMgr;
+using mivo::widgets::PushButton;
+using velorn::mediadispatch::STSoundCardMappingInfo;
+using velorn::msgcenter::IMsgCenterMgr;
+
+template <>
+inline constexpr const char* queuedTypeText<STAllDeviceSoundCardMappings> =
+    "const STAllDeviceSoundCardMappings&";
+template <>
+inline constexpr const char* queuedTypeText<STSoundCardMappingInfo> =
+    "const STSoundCardMappingInfo&";
+template <>
+inline constexpr const char* queuedTypeText<STSoundCardChangeInfo> = "const STSoundCardChangeInfo&";
+template <>
+inline constexpr const char* queuedTypeText<STLocalSoundCardList> = "const STLocalSoundCardList&";
+template <>
+inline constexpr const char* queuedTypeText<STSoundCardMismatchInfo> =
+    "const STSoundCardMismatchInfo&";
+template <>
+inline constexpr const char* queuedTypeText<STDeviceSoundCardVisibleInfo> =
+    "const STDeviceSoundCardVisibleInfo&";
+
+class AudioSettingBox::Impl : public SettingPageImpl
+{
+    Q_OBJECT
+
+public:
+    explicit Impl(AudioSettingBox* page);
+
+    IMsgCenterMgr* msgCenter = nullptr;
+    std::shared_ptr<IProgramDispatch> programDispatch;
+    IProjectFileMgr* projectFileMgr = nullptr;
+
+    /// Applies to every editor, in the order of their ids.
+    template <typename Change>
+    void forEachEditor(Change change)
+    {
+        for (const auto& [id, editor] : m_editors) {
+            change(*editor);
+        }
+    }
+
+public slots:
+    void onMappingsInit(const STAllDeviceSoundCardMappings& all);
+    void onMappingAdded(const STSoundCardMappingInfo& info);
+    void onMappingChanged(const STSoundCardChangeInfo& change);
+    void onMappingDeleted(const STSoundCardMappingInfo& info);
+    void onSoundCardEnableSet(const STLocalSoundCardList& list);
+    void onSoundCardDisableSet(const STLocalSoundCardList& list);
+    void onClusterNodeSoundCardChanged();
+    void setSoundCardMismatchMsg(const STSoundCardMismatchInfo& info);
+    void deleteClusterDeviceSoundCard(const std::vector<std::string>& devices);
+    void showDeviceSoundCards(const STDeviceSoundCardVisibleInfo& info);
+    void slotAddMapping();
+    void slotMappingInfoChanged(const STSoundCardChangeInfo& change);
+
+protected:
+    void initSettings() override;
+
+private:
+    void layOut();
+    void followStore();
+    void addMapping(const STSoundCardMappingInfo& info);
+    void setAddedMappingBtnState();
+
+    // Store to slot, on the thread on which the store announces it.
+    void mappingsInit(const STAllDeviceSoundCardMappings& all) { queue("onMappingsInit", all); }
+    void mappingAdded(const STSoundCardMappingInfo& info) { queue("onMappingAdded", info); }
+    void mappingChanged(const STSoundCardChangeInfo& info) { queue("onMappingChanged", info); }
+    void mappingDeleted(const STSoundCardMappingInfo& info) { queue("onMappingDeleted", info); }
+    void soundCardEnabled(const STLocalSoundCardList& list) { queue("onSoundCardEnableSet", list); }
+    void soundCardDisabled(const STLocalSoundCardList& list)
+    {
+        queue("onSoundCardDisableSet", list);
+    }
+    void clusterChanged() { queue("onClusterNodeSoundCardChanged"); }
+    void mismatch(const STSoundCardMismatchInfo& info) { queue("setSoundCardMismatchMsg", info); }
+    void clusterDeleted(const std::vector<std::string>& devices)
+    {
+        queueTo(this, "deleteClusterDeviceSoundCard", devices, "const std::vector<std::string>&");
+    }
+    void setDeviceSoundCardVisible(const STDeviceSoundCardVisibleInfo& info);
+
+    PushButton* m_add;
+    QLabel* m_info;
+    QVBoxLayout* m_column;
+    std::map<std::uint64_t, VirtualMappingWidget*> m_editors;
+};
+
+AudioSettingBox::Impl::Impl(AudioSettingBox* page)
+    : SettingPageImpl(page, QStringLiteral("AudioSettings")), m_add(new PushButton(page)),
+      m_info(new QLabel(page)), m_column(new QVBoxLayout(page))
+{
+    qRegisterMetaType<STAllDeviceSoundCardMappings>("STAllDeviceSoundCardMappings");
+    qRegisterMetaType<STSoundCardMappingInfo>("STSoundCardMappingInfo");
+    qRegisterMetaType<STSoundCardChangeInfo>("STSoundCardChangeInfo");
+    qRegisterMetaType<STLocalSoundCardList>("STLocalSoundCardList");
+    qRegisterMetaType<STSoundCardMismatchInfo>("STSoundCardMismatchInfo");
+    qRegisterMetaType<STDeviceSoundCardVisibleInfo>("STDeviceSoundCardVisibleInfo");
+    qRegisterMetaType<std::vector<std::string>>("std::vector<std::string>");
+    layOut();
+
+    text(QStringLiteral("AudioMapping"), [page](const QString& title) { page->setTitle(title); });
+    navigationText(QStringLiteral("AudioSettings"));
+    text(QStringLiteral("soundCardInfo"), m_info);
+    text(QStringLiteral("addMapping"), m_add);
+
+    connect(m_add, &PushButton::clicked, this, &Impl::slotAddMapping);
+    followStore();
+}
+
+void AudioSettingBox::Impl::layOut()
+{
+    owner->setObjectName(QStringLiteral("generalSettingGroupBox"));
+    m_add->setObjectName(QStringLiteral("addMapping"));
+    m_add->setProperty("style", QStringLiteral("general"));
+    m_add->setFixedHeight(24);
+    auto* icon = new QLabel;
+    icon->setObjectName(QStringLiteral("infoIcon"));
+    icon->setFixedSize(12, 12);
+    m_info->setObjectName(QStringLiteral("info"));
+    m_info->setWordWrap(true);
+    m_info->setFixedWidth(532);
+
+    auto* row = new QHBoxLayout;
+    row->setSpacing(0);
+    row->addWidget(m_add);
+    row->addSpacing(12);
+    row->addWidget(icon);
+    row->addSpacing(4);
+    row->addWidget(m_info);
+    row->addStretch();
+    m_column->setContentsMargins(20, 24, 20, 24);
+    m_column->setSpacing(12);
+    m_column->addLayout(row);
+}
+
+void AudioSettingBox::Impl::followStore()
+{
+    follow(&IMivoSettings::soundCardMappingsInit, &Impl::mappingsInit);
+    follow(&IMivoSettings::soundCardMappingAdded, &Impl::mappingAdded);
+    follow(&IMivoSettings::soundCardMappingChanged, &Impl::mappingChanged);
+    follow(&IMivoSettings::soundCardMappingDeleted, &Impl::mappingDeleted);
+    follow(&IMivoSettings::soundCardEnabled, &Impl::soundCardEnabled);
+    follow(&IMivoSettings::soundCardDisabled, &Impl::soundCardDisabled);
+    follow(&IMivoSettings::clusterNodeSoundCardsChanged, &Impl::clusterChanged);
+    follow(&IMivoSettings::deviceSoundCardVisibleChanged, &Impl::setDeviceSoundCardVisible);
+    follow(&IMivoSettings::soundCardMismatch, &Impl::mismatch);
+    follow(&IMivoSettings::clusterDeviceSoundCardsDeleted, &Impl::clusterDeleted);
+}
+
+void AudioSettingBox::Impl::initSettings()
+{
+    // Nothing is read: the store announces its mappings. Editors of an earlier binding go on.
+    forEachEditor([this](VirtualMappingWidget& editor) { editor.setSettings(sharedSettings); });
+}
+
+void AudioSettingBox::Impl::addMapping(const STSoundCardMappingInfo& info)
+{
+    QWidget* lastStop = m_add;
+    for (int item = 0; item < m_column->count(); ++item) {
+        if (QWidget* editor = m_column->itemAt(item)->widget()) {
+            lastStop = tabStops(editor, editor).back();
+        }
+    }
+    auto* editor = new VirtualMappingWidget(info, zrRuntime, sharedSettings, owner);
+    editor->setProperty("style", QStringLiteral("BG4"));
+    editor->resetSoundCardsCombobox();
+    m_column->addWidget(editor);
+    m_column->addStretch();
+    for (QWidget* stop : tabStops(editor, editor)) {
+        QWidget::setTabOrder(lastStop, stop);
+        lastStop = stop;
+    }
+    // A second one for an id is shown but not filed; kept on purpose.
+    m_editors.emplace(info.id, editor);
+    connect(editor, &VirtualMappingWidget::sigMappingInfoChanged, this,
+            &Impl::slotMappingInfoChanged);
+}
+
+void AudioSettingBox::Impl::onMappingsInit(const STAllDeviceSoundCardMappings& all)
+{
+    if (all.refreshOnly) {
+        forEachEditor([](VirtualMappingWidget& editor) { editor.resetSoundCardWidget(); });
+        return;
+    }
+    for (const auto& info : all.mappings) {
+        addMapping(info);
+    }
+    setAddedMappingBtnState();
+}
+
+void AudioSettingBox::Impl::onMappingAdded(const STSoundCardMappingInfo& info)
+{
+    if (info.state != velorn::mediadispatch::SoundCardMappingRefused) {
+        addMapping(info);
+        setAddedMappingBtnState();
+    }
+}
+
+void AudioSettingBox::Impl::onMappingChanged(const STSoundCardChangeInfo& change)
+{
+    const auto changed = m_editors.find(change.id);
+    if (changed == m_editors.end()) {
+        return;
+    }
+    changed->second->refreshMappingInfo(change);
+    if (change.kind == SoundCardChangeLocalCard || change.kind == SoundCardChangeClusterCard) {
+        forEachEditor([&](VirtualMappingWidget& editor) {
+            if (&editor != changed->second) {
+                editor.resetSoundCardsCombobox();
+            }
+        });
+    }
+}
+
+void AudioSettingBox::Impl::onMappingDeleted(const STSoundCardMappingInfo& info)
+{
+    const auto deleted = m_editors.find(info.id);
+    if (deleted == m_editors.end()) {
+        return;
+    }
+    VirtualMappingWidget* editor = deleted->second;
+    for (int item = 0; item < m_column->count(); ++item) {
+        if (m_column->itemAt(item)->widget() != editor) {
+            continue;
+        }
+        delete m_column->takeAt(item); // the stretch behind it stays; kept on purpose
+        editor->hide();
+        editor->deleteLater(); // it may be what is being used
+        break;
+    }
+    m_editors.erase(deleted);
+    forEachEditor([](VirtualMappingWidget& other) { other.resetSoundCardsCombobox(); });
+    setAddedMappingBtnState();
+}
+
+void AudioSettingBox::Impl::onSoundCardEnableSet(const STLocalSoundCardList& list)
+{
+    forEachEditor([&](VirtualMappingWidget& editor) {
+        editor.setSoundCardEnable(list.device, list.soundCards);
+        editor.resetSoundCardsCombobox();
+    });
+}
+
+void AudioSettingBox::Impl::onSoundCardDisableSet(const STLocalSoundCardList& list)
+{
+    forEachEditor([&](VirtualMappingWidget& editor) {
+        editor.setSoundCardDisable(list.device, list.soundCards);
+        editor.resetSoundCardsCombobox();
+    });
+}
+
+void AudioSettingBox::Impl::onClusterNodeSoundCardChanged()
+{
+    forEachEditor([](VirtualMappingWidget& editor) { editor.resetSoundCardWidget(); });
+}
+
+void AudioSettingBox::Impl::deleteClusterDeviceSoundCard(const std::vector<std::string>& devices)
+{
+    forEachEditor(
+        [&](VirtualMappingWidget& editor) { editor.deleteClusterDeviceSoundCard(devices); });
+}
+
+void AudioSettingBox::Impl::setDeviceSoundCardVisible(const STDeviceSoundCardVisibleInfo& info)
+{
+    logAt(spdlog::level::debug, "setDeviceSoundCardVisible",
+          "setDeviceSoundCardVisible deviceIp:{}, visible:{}", info.deviceIp, info.visible);
+    queue("showDeviceSoundCards", info);
+}
+
+void AudioSettingBox::Impl::showDeviceSoundCards(const STDeviceSoundCardVisibleInfo& info)
+{
+    forEachEditor([&](VirtualMappingWidget& editor) {
+        editor.setDeviceSoundCardVisible(info.deviceIp, info.visible);
+    });
+}
+
+void AudioSettingBox::Impl::setAddedMappingBtnState()
+{
+    if (sharedSettings != nullptr) {
+        // A place that is not this one; kept on purpose.
+        const CallSite site("setAddedMappingBtnState", "audiosettingbox", 314);
+        m_add->setEnabled(read(&IMivoSettings::getSoundCardMappingCount, site)
+                          < mostSoundCardMappings);
+    }
+}
+
+void AudioSettingBox::Impl::slotAddMapping()
+{
+    if (sharedSettings == nullptr) {
+        warn("slotAddMapping", "setting is null");
+        return;
+    }
+    submit(
+        "slotAddMapping",
+        [](MivoSettings* store, const STSoundCardMappingInfo& info) {
+            store->addSoundCardMappingRequested(info);
+        },
+        STSoundCardMappingInfo());
+}
+
+void AudioSettingBox::Impl::slotMappingInfoChanged(const STSoundCardChangeInfo& change)
+{
+    if (sharedSettings == nullptr) {
+        warn("slotMappingInfoChanged", "setting is null");
+        return;
+    }
+    submit(
+        "slotMappingInfoChanged",
+        [](MivoSettings* store, const STSoundCardChangeInfo& wanted) {
+            store->changeSoundCardMappingRequested(wanted);
+        },
+        change);
+}
+
+void AudioSettingBox::Impl::setSoundCardMismatchMsg(const STSoundCardMismatchInfo& info)
+{
+    if (msgCenter == nullptr) {
+        return;
+    }
+    const auto textOf = [](const char* key) { return settings::text(QString::fromLatin1(key)); };
+    const QString device = QString::fromStdString(info.device);
+    const QString pair = info.local ? textOf("BackUp") + device + textOf("LocalDevice")
+                                    : textOf("SlaverBackUp") + device + textOf("Slaver");
+    const QString card = QString::fromStdString(info.soundCard);
+    const QString language =
+        SettingWdigetTranslateManager::instance().translator().language().toLower();
+    QString message;
+    if (language == QLatin1String("zh_cn")) {
+        message = pair + card + QStringLiteral(")") + textOf("SoundCardMisMatch");
+    } else if (language == QLatin1String("en")) {
+        message = textOf("SoundCardNumberOf") + pair + card + QStringLiteral(") ")
+                  + textOf("SoundCardMisMatch");
+    }
+    if (!message.isEmpty()) { // another language has no wording
+        msgCenter->postMessage({velorn::msgcenter::MsgWarning, message.toStdString(), -1});
+    }
+}
+
+AudioSettingBox::AudioSettingBox(QWidget* parent) : SettingPage(parent)
+{
+    setImpl(std::make_unique<Impl>(this));
+}
+
+AudioSettingBox::~AudioSettingBox() = default;
+
+void AudioSettingBox::setSettings(MivoSettings* settings)
+{
+    if (Impl::isStore(settings, "initSettings")) {
+        impl<Impl>().setSettings(settings);
+    } else {
+        unsetSettings();
+    }
+}
+
+void AudioSettingBox::unsetSettings() const
+{
+    impl<Impl>().unsetSettings();
+    impl<Impl>().sharedSettings = nullptr;
+    impl<Impl>().forEachEditor([](VirtualMappingWidget& editor) { editor.setSettings(nullptr); });
+}
+
+void AudioSettingBox::setMsgCenterMgr(IMsgCenterMgr* msgCenter)
+{
+    impl<Impl>().msgCenter = msgCenter;
+}
+
+void AudioSettingBox::setProgramDispatch(std::shared_ptr<IProgramDispatch> dispatch)
+{
+    impl<Impl>().programDispatch = std::move(dispatch);
+}
+
+void AudioSettingBox::setProjectFileMgr(IProjectFileMgr* projectFile)
+{
+    impl<Impl>().projectFileMgr = projectFile;
+}
+
+void AudioSettingBox::setSettingsStyleSheet(const QString& styleSheet)
+{
+    setStyleSheet(styleSheet);
+}
+
+void AudioSettingBox::translateLanguage()
+{
+    SettingPage::translateLanguage();
+    impl<Impl>().forEachEditor([](VirtualMappingWidget& editor) { editor.translateLangauge(); });
+}
+
+} // namespace mivo::settings
+
+#include "audiosettingbox.moc"

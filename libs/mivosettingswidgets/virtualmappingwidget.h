@@ -1,0 +1,67 @@
+#pragma once
+
+#include "mivohostapi/soundcardrecords.h"
+#include "mivosettingswidgets/export.h"
+
+#include <QtWidgets/QWidget>
+
+#include <memory>
+
+class IZRRuntime;
+class MivoSettings;
+
+namespace mivo::settings {
+
+/// The editor of one sound-card mapping: its name, and for each device a column in which one of the
+/// device's cards is chosen, and the channels of that card.
+///
+/// GUI thread. It asks for changes by sigMappingInfoChanged() and shows what it is told; nothing
+/// that it is told is asked for again. What is chosen stays, and is shown as not connected, while
+/// its card is away. Runtime and store are the host's.
+class MIVOSETTINGSWIDGETS_EXPORT VirtualMappingWidget : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// `runtime` must not be null while there is a store.
+    VirtualMappingWidget(const velorn::mediadispatch::STSoundCardMappingInfo& info,
+                         IZRRuntime* runtime, MivoSettings* settings, QWidget* parent = nullptr);
+    ~VirtualMappingWidget() override;
+
+    /// Changes the store; without one, the editor goes on showing what it shows.
+    void setSettings(MivoSettings* settings);
+
+    /// Reads what cards there are, and which are taken, and offers those that are free in the
+    /// columns that are there.
+    void resetSoundCardsCombobox();
+
+    /// The same, after making the columns anew: this machine, then each device that has cards or
+    /// on which one is chosen.
+    void resetSoundCardWidget();
+
+    /// Shows one change of this mapping.
+    void refreshMappingInfo(const mivo::STSoundCardChangeInfo& change);
+
+    /// Cards of a device, by their ids, that have come or gone. Those that may be chosen now are
+    /// offered from the next reset on.
+    void setSoundCardEnable(const std::string& device, const std::vector<std::string>& soundCards);
+    void setSoundCardDisable(const std::string& device, const std::vector<std::string>& soundCards);
+
+    /// Takes the columns of devices away, and leaves what is chosen as it is.
+    void deleteClusterDeviceSoundCard(const std::vector<std::string>& devices);
+
+    /// Shows or hides the column of a device.
+    void setDeviceSoundCardVisible(const std::string& device, bool visible);
+
+    void translateLangauge();
+
+signals:
+    /// The user wants this change, which is not shown as done until refreshMappingInfo().
+    void sigMappingInfoChanged(const mivo::STSoundCardChangeInfo& change);
+
+private:
+    class Impl;
+    std::unique_ptr<Impl> m_impl;
+};
+
+} // namespace mivo::settings

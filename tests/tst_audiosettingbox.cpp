@@ -1,0 +1,868 @@
+#include <mivosettingswidgets/audiosettingbox.h>
+
+#include "support/dialogs.h"
+#include "support/logcapture.h"
+#include "support/testruntime.h"
+#include "support/teststore.h"
+#include "surface/settingsview.h"
+
+#include "mivohostapi/imsgcentermgr.h"
+#include "qvspdlog/spdlogapplication.h"
+
+#include <mivosettingswidgets/settingwdigettranslatemanager.h>
+#include <mivosettingswidgets/virtualmappingwidget.h>
+#include <mivowidgets/checkbox.h>
+#include <mivowidgets/combobox.h>
+
+#include <gtest/gtest.h>
+
+#include <QtCore/QRegularExpression>
+#include <QtTest/QSignalSpy>
+#include <QtTest/QTest>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QScrollArea>
+
+#include <map>
+#include <random>
+#include <set>
+
+namespace audiosettingboxtest {
+
+using namespace mivo::settings;
+using mivo::STSoundCardChangeInfo;
+using mivo::widgets::CheckBox;
+using mivo::widgets::ComboBox;
+using mivo::widgets::TipDialog;
+using velorn::mediadispatch::STChosenSoundCard;
+using velorn::mediadispatch::STSoundCardMappingInfo;
+
+namespace {
+
+using Cards = std::vector<STSoundCardInfo>;
+
+void settle()
+{
+    QApplication::processEvents();
+    QApplication::sendPostedEvents();
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+class MessageLog : public velorn::msgcenter::IMsgCenterMgr
+{
+public:
+    void postMessage(const velorn::msgcenter::STMsgInfo& message) override
+    {
+        messages.push_back(message);
+    }
+
+    std::vector<velorn::msgcenter::STMsgInfo> messages;
+};
+
+std::vector<ComboBox*> combosOf(const QWidget* editor)
+{
+    std::vector<ComboBox*> combos;
+    for (auto* combo : editor->findChildren<ComboBox*>()) {
+        if (!combo->isHidden() && !combo->parentWidget()->isHidden()) {
+            combos.push_back(combo);
+        }
+    }
+    std::sort(combos.begin(), combos.end(), [editor](QWidget* a, QWidget* b) {
+        const QPoint first = a->mapTo(editor->window(), QPoint());
+        const QPoint second = b->mapTo(editor->window(), QPoint());
+        return std::pair(first.y(), first.x()) < std::pair(second.y(), second.x());
+    });
+    return combos;
+}
+
+/// What a person sees of one column: "Hall: [None, A, B] = B 1-2 (3-4)"; a channel pair that is not
+/// played on stands in brackets.
+std::string columnText(const ComboBox* combo)
+{
+    QStringList items;
+    for (int i = 0; i < combo->count(); ++i) {
+        items.append(combo->itemText(i));
+    }
+    QString text =
+        combo->accessibleName() + ": [" + items.join(", ") + "] = " + combo->currentText();
+    for (auto* mark : combo->parentWidget()->findChildren<CheckBox*>()) {
+        if (!mark->isHidden()) {
+            text += mark->isChecked() ? ' ' + mark->text() : " (" + mark->text() + ')';
+        }
+    }
+    return text.toStdString();
+}
+
+std::vector<std::string> columnsOf(const QWidget* editor)
+{
+    std::vector<std::string> columns;
+    for (const ComboBox* combo : combosOf(editor)) {
+        columns.push_back(columnText(combo));
+    }
+    return columns;
+}
+
+QLineEdit* nameOf(const QWidget* editor)
+{
+    return editor->findChild<QLineEdit*>("mappingName");
+}
+
+class Audio : public ::testing::Test
+{
+protected:
+    Audio()
+    {
+        for (const QString& file : mivohost::languageFiles()) {
+            translator().load(file);
+        }
+        translator().switchLanguage("en");
+        window.setWidgetResizable(true);
+        window.resize(900, 500);
+        window.show();
+        makePage();
+    }
+
+    void makePage()
+    {
+        page = new AudioSettingBox;
+        window.setWidget(page);
+        page->setZRRuntime(&runtime);
+    }
+
+    static velorn::trans::Translator& translator()
+    {
+        return SettingWdigetTranslateManager::instance().translator();
+    }
+
+    void bind()
+    {
+        page->setSettings(&store);
+        tell([](auto& cards) { cards.announceMappings(); });
+        runtime.takePosted();
+        log.clear();
+    }
+
+    /// Has the host tell the store, and the page shown what follows.
+    void tell(const std::function<void(mivohost::SoundCardMappings&)>& what, bool settled = true)
+    {
+        runtime.call([&] { what(store.soundCards()); });
+        if (settled) {
+            settle();
+        }
+    }
+
+    void setCards(const std::string& device, const std::string& caption, const Cards& cards)
+    {
+        tell([&](auto& known) { known.setDeviceSoundCards(device, caption, cards); });
+    }
+
+    /// Emits a signal of the store, as it does itself.
+    template <typename Signal, typename... Value>
+    void announce(Signal IMivoSettings::*signal, const Value&... value)
+    {
+        runtime.call([&] { (store.*signal)(value...); });
+        settle();
+    }
+
+    QPushButton* addButton() const { return page->findChild<QPushButton*>("addMapping"); }
+
+    void add(int times = 1)
+    {
+        for (int i = 0; i < times; ++i) {
+            QTest::mouseClick(addButton(), Qt::LeftButton);
+            settle();
+        }
+    }
+
+    std::vector<VirtualMappingWidget*> editors() const
+    {
+        std::vector<VirtualMappingWidget*> shown;
+        for (int i = 0; i < page->layout()->count(); ++i) {
+            if (auto* widget = page->layout()->itemAt(i)->widget()) {
+                shown.push_back(static_cast<VirtualMappingWidget*>(widget));
+            }
+        }
+        return shown;
+    }
+
+    /// Chooses as a person does, by the text of an item.
+    static void choose(const VirtualMappingWidget* editor, std::size_t column, const QString& card)
+    {
+        ComboBox* combo = combosOf(editor).at(column);
+        const int item = combo->findText(card);
+        ASSERT_NE(item, -1) << card.toStdString();
+        combo->setCurrentIndex(item);
+        emit combo->activated(item);
+        settle();
+    }
+
+    void remove(VirtualMappingWidget* editor)
+    {
+        whenModal<TipDialog>([](TipDialog& question) { question.done(TipDialog::accepted); });
+        QTest::mouseClick(editor->findChild<QPushButton*>("deleteMapping"), Qt::LeftButton);
+        settle();
+    }
+
+    void rename(VirtualMappingWidget* editor, const QString& name)
+    {
+        QLineEdit* edit = nameOf(editor);
+        edit->setFocus();
+        edit->selectAll();
+        QTest::keyClick(edit, Qt::Key_Delete);
+        edit->insert(name); // the keys of the test library know no Chinese
+        QTest::keyClick(edit, Qt::Key_Return);
+        settle();
+    }
+
+    std::vector<STSoundCardMappingInfo> held()
+    {
+        const auto all = runtime.call([this] { return store.getSoundCardMappings().mappings; });
+        return {all.begin(), all.end()};
+    }
+
+    /// How often a function has read or written the store since the last call.
+    int posted(const std::string& function)
+    {
+        const auto all = runtime.takePosted();
+        return static_cast<int>(std::count_if(
+            all.begin(), all.end(), [&](const auto& post) { return post.function == function; }));
+    }
+
+    // In this order, so that the page goes first.
+    TestRuntime runtime;
+    TestStore store;
+    LogCapture log;
+    MessageLog messages;
+    QScrollArea window;
+    AudioSettingBox* page = nullptr;
+};
+
+const Cards threeCards{{"a", "Alpha", 2}, {"b", "Beta", 8}, {"c", "Gamma", 5}};
+
+} // namespace
+
+TEST_F(Audio, TheButtonAddsUpToTwentyMappings)
+{
+    bind();
+    EXPECT_TRUE(editors().empty());
+    add(19);
+    EXPECT_TRUE(addButton()->isEnabled());
+    runtime.takePosted();
+    add();
+    const auto hops = runtime.takePosted();
+    ASSERT_FALSE(hops.empty());
+    EXPECT_EQ(hops.back().function, "setAddedMappingBtnState");
+    EXPECT_EQ(hops.back().file, "audiosettingbox");
+    EXPECT_EQ(hops.back().line, 314);
+    EXPECT_FALSE(addButton()->isEnabled());
+    ASSERT_EQ(editors().size(), 20U);
+    EXPECT_EQ(nameOf(editors().back())->text(), "Output 20");
+
+    // Another page may ask for one more; it is refused, and nothing changes here.
+    announce(&IMivoSettings::addSoundCardMappingRequested, STSoundCardMappingInfo());
+    EXPECT_EQ(editors().size(), 20U);
+    EXPECT_EQ(posted("setAddedMappingBtnState"), 0);
+
+    remove(editors()[4]);
+    EXPECT_TRUE(addButton()->isEnabled());
+    EXPECT_EQ(editors().size(), 19U);
+    add();
+    EXPECT_EQ(nameOf(editors().back())->text(), "Output 5") << "the next free one";
+}
+
+TEST_F(Audio, ACardIsOfferedByOneMappingAloneAndStaysChosenWhileItIsAway)
+{
+    setCards("", "", threeCards);
+    bind();
+    add(2);
+    EXPECT_EQ(columnsOf(editors()[0]),
+              std::vector<std::string>{"This machine: [None, Alpha, Beta, Gamma] = None"});
+    choose(editors()[0], 0, "Beta");
+    EXPECT_EQ(columnsOf(editors()[0]),
+              std::vector<std::string>{
+                  "This machine: [None, Alpha, Beta, Gamma] = Beta 1-2 (3-4) (5-6) (7-8)"});
+    EXPECT_EQ(columnsOf(editors()[1]),
+              std::vector<std::string>{"This machine: [None, Alpha, Gamma] = None"});
+
+    setCards("", "", {threeCards[0], threeCards[2]});
+    const std::vector<std::string> absent{
+        "This machine: [None, Alpha, Gamma, Beta (not connected)] = Beta (not connected) 1-2 (3-4)"
+        " (5-6) (7-8)"};
+    EXPECT_EQ(columnsOf(editors()[0]), absent);
+    // Opening and closing the page does not drop it.
+    store.kept.writes.clear();
+    page->unsetSettings();
+    delete page;
+    makePage();
+    bind();
+    EXPECT_EQ(columnsOf(editors()[0]), absent);
+    EXPECT_TRUE(store.kept.writes.empty());
+
+    page->switchLanguage("zh_cn");
+    EXPECT_EQ(combosOf(editors()[0])[0]->currentText().toStdString(), "Beta （未连接）");
+    page->switchLanguage("en");
+    setCards("", "", {threeCards[0], {"b", "Beta renamed", 4}, threeCards[2]});
+    EXPECT_EQ(columnsOf(editors()[0]),
+              std::vector<std::string>{"This machine: [None, Alpha, Beta renamed, Gamma] = Beta "
+                                       "renamed 1-2 (3-4)"})
+        << "known by its id";
+    choose(editors()[0], 0, "None");
+    EXPECT_EQ(columnsOf(editors()[1]), columnsOf(editors()[0]));
+}
+
+TEST_F(Audio, EachDeviceHasAColumnBehindThisMachine)
+{
+    setCards("10.0.0.9", "Foyer", {{"x", "Line", 2}});
+    setCards("10.0.0.2", "", {{"a", "Alpha", 2}});
+    setCards("10.0.0.5", "Off", {});
+    bind();
+    add(2);
+    const std::vector<std::string> unchosen{"This machine: [None] = None",
+                                            "10.0.0.2: [None, Alpha] = None",
+                                            "Foyer: [None, Line] = None"};
+    EXPECT_EQ(columnsOf(editors()[0]), unchosen);
+    choose(editors()[0], 1, "Alpha");
+    setCards("10.0.0.2", "Hall", {});
+    EXPECT_EQ(
+        columnsOf(editors()[0]),
+        (std::vector<std::string>{"This machine: [None] = None",
+                                  "Hall: [None, Alpha (not connected)] = Alpha (not connected)",
+                                  "Foyer: [None, Line] = None"}));
+    EXPECT_EQ(columnsOf(editors()[1]).size(), 2U) << "nothing is chosen there";
+
+    tell([](auto& cards) { cards.removeDevice("10.0.0.2"); });
+    EXPECT_EQ(columnsOf(editors()[0]).size(), 2U);
+    setCards("10.0.0.2", "Hall", {{"a", "Alpha", 2}});
+    EXPECT_EQ(columnsOf(editors()[0])[1], "Hall: [None, Alpha] = Alpha") << "not forgotten";
+    EXPECT_EQ(columnsOf(editors()[1])[1], "Hall: [None] = None");
+}
+
+TEST_F(Audio, VisibilityHidesAColumnInEveryEditorAndKeepsTheChoice)
+{
+    setCards("10.0.0.2", "Hall", threeCards);
+    bind();
+    add(2);
+    choose(editors()[0], 1, "Alpha");
+    runtime.call([this] { store.soundCards().setDeviceVisible("10.0.0.2", false); });
+    EXPECT_EQ(columnsOf(editors()[0]).size(), 2U) << "a widget was touched off its thread";
+    settle();
+    add();
+    setCards("10.0.0.3", "Bar", threeCards);
+    for (const auto* editor : editors()) {
+        EXPECT_EQ(columnsOf(editor).size(), 2U);
+        EXPECT_EQ(columnsOf(editor)[1].substr(0, 4), "Bar:");
+    }
+    tell([](auto& cards) { cards.setDeviceVisible("10.0.0.2", true); });
+    EXPECT_EQ(columnsOf(editors()[0])[1], "Hall: [None, Alpha, Beta, Gamma] = Alpha");
+}
+
+TEST_F(Audio, TheVisibilityHandlerLogs)
+{
+    bind();
+    const auto& logger = QV::SpdlogApplication::instance().logger();
+    logger->set_level(spdlog::level::debug);
+    announce(&IMivoSettings::deviceSoundCardVisibleChanged,
+             STDeviceSoundCardVisibleInfo{"10.0.0.2", true});
+    ASSERT_EQ(log.lines().size(), 1U);
+    EXPECT_EQ(log.lines()[0].find("debug|setDeviceSoundCardVisible deviceIp:10.0.0.2, visible:true"
+                                  " \n //audiosettingbox.cpp:setDeviceSoundCardVisible()#"),
+              0U)
+        << log.lines()[0];
+}
+
+TEST_F(Audio, OnlyAChangeOfACardRebuildsTheOffersOfAllOthers)
+{
+    setCards("", "", threeCards);
+    bind();
+    add(4);
+    const auto mappings = held();
+    std::vector<std::unique_ptr<QSignalSpy>> asked;
+    for (auto* editor : editors()) {
+        asked.push_back(
+            std::make_unique<QSignalSpy>(editor, &VirtualMappingWidget::sigMappingInfoChanged));
+    }
+    const STChosenSoundCard card{"", "a", "Alpha", 2, 1};
+    for (const auto& [kind, rebuilt] : {std::pair(mivo::SoundCardChangeLocalCard, 3),
+                                        {mivo::SoundCardChangeName, 0},
+                                        {mivo::SoundCardChangeChannels, 0},
+                                        {mivo::SoundCardChangeClusterCard, 3},
+                                        {mivo::SoundCardChangeDeletion, 0}}) {
+        runtime.takePosted();
+        announce(&IMivoSettings::soundCardMappingChanged,
+                 STSoundCardChangeInfo{mappings[1].id, kind, "Renamed", card});
+        EXPECT_EQ(posted("resetSoundCardsCombobox"), rebuilt) << kind;
+    }
+    EXPECT_EQ(nameOf(editors()[1])->text(), "Renamed");
+    announce(&IMivoSettings::soundCardMappingChanged,
+             STSoundCardChangeInfo{999, mivo::SoundCardChangeLocalCard, {}, card});
+    announce(&IMivoSettings::soundCardMappingDeleted, STSoundCardMappingInfo{999, 0, {}, {}});
+    EXPECT_TRUE(runtime.takePosted().empty()) << "a mapping that is not there";
+    for (const auto& spy : asked) {
+        EXPECT_TRUE(spy->isEmpty()) << "what is applied must not come back";
+    }
+}
+
+TEST_F(Audio, OddAnnouncementsAreTakenAsTheyCome)
+{
+    bind();
+    add();
+    const auto mappings = held();
+    announce(&IMivoSettings::soundCardMappingsInit, STAllDeviceSoundCardMappings{mappings, true});
+    EXPECT_EQ(editors().size(), 1U) << "a refresh adds no editor";
+    announce(&IMivoSettings::soundCardMappingAdded, mappings[0]);
+    ASSERT_EQ(editors().size(), 2U) << "a second one for the id stands there ...";
+    announce(&IMivoSettings::soundCardMappingChanged,
+             STSoundCardChangeInfo{mappings[0].id, mivo::SoundCardChangeName, "First", {}});
+    EXPECT_EQ(nameOf(editors()[0])->text(), "First") << "... and the first one stays the one";
+    EXPECT_EQ(nameOf(editors()[1])->text(), "Output 1");
+}
+
+TEST_F(Audio, ANameIsTrimmedOfOneTo64CharactersAndUnique)
+{
+    bind();
+    add(2);
+    auto* tip = editors()[0]->findChild<QLabel*>("mappingNameTip");
+    const QString longest(64, QChar(0x4e2d));
+    struct Case
+    {
+        QString typed;
+        QString shown;
+        bool inUse;
+    };
+    for (const Case& test : std::vector<Case>{{"Main ", "Main", false},
+                                              {"Output 2", "Main", true},
+                                              {"", "Main", false},
+                                              {"   ", "Main", false},
+                                              {longest + "x", longest, false},
+                                              {"Output 1", "Output 1", false}}) {
+        rename(editors()[0], test.typed);
+        EXPECT_EQ(nameOf(editors()[0])->text(), test.shown);
+        EXPECT_EQ(held()[0].name, test.shown.toStdString());
+        EXPECT_EQ(!tip->isHidden(), test.inUse) << test.typed.toStdString();
+    }
+}
+
+TEST_F(Audio, ChannelPairsAreMarkedOneByOneAndKept)
+{
+    setCards("", "", threeCards);
+    bind();
+    add();
+    choose(editors()[0], 0, "Gamma");
+    EXPECT_EQ(columnsOf(editors()[0])[0],
+              "This machine: [None, Alpha, Beta, Gamma] = Gamma 1-2 (3-4) (5)");
+    for (const int pair : {2, 0}) {
+        QTest::mouseClick(editors()[0]->findChildren<CheckBox*>()[pair], Qt::LeftButton, {},
+                          QPoint(8, 8));
+        settle();
+    }
+    EXPECT_EQ(columnsOf(editors()[0])[0],
+              "This machine: [None, Alpha, Beta, Gamma] = Gamma (1-2) (3-4) 5");
+    EXPECT_EQ(held()[0].soundCards[0].channelPairs, 4U);
+    choose(editors()[0], 0, "Alpha");
+    EXPECT_EQ(columnsOf(editors()[0])[0], "This machine: [None, Alpha, Beta, Gamma] = Alpha");
+}
+
+TEST_F(Audio, WhatTheStoreCannotKeepIsShownAsItWas)
+{
+    setCards("", "", threeCards);
+    bind();
+    add();
+    store.kept.fails = true;
+    rename(editors()[0], "Main");
+    EXPECT_EQ(nameOf(editors()[0])->text(), "Output 1");
+    choose(editors()[0], 0, "Gamma");
+    EXPECT_EQ(columnsOf(editors()[0])[0], "This machine: [None, Alpha, Beta, Gamma] = None");
+    add();
+    remove(editors()[0]);
+    EXPECT_EQ(editors().size(), 1U);
+}
+
+TEST_F(Audio, DeletingAsksFirstAndMayHappenAtAnyMoment)
+{
+    setCards("", "", threeCards);
+    bind();
+    add(3);
+    whenModal<TipDialog>([](TipDialog& question) {
+        EXPECT_NE(question.tipText().indexOf("Output 2"), -1);
+        question.done(TipDialog::cancelled);
+    });
+    QTest::mouseClick(editors()[1]->findChild<QPushButton*>("deleteMapping"), Qt::LeftButton);
+    settle();
+    EXPECT_EQ(held().size(), 3U);
+
+    const auto deleteFromElsewhere = [this](std::size_t place) {
+        announce(&IMivoSettings::changeSoundCardMappingRequested,
+                 STSoundCardChangeInfo{held()[place].id, mivo::SoundCardChangeDeletion, {}, {}});
+    };
+    // While its own question is open, ...
+    whenModal<TipDialog>([&](TipDialog& /*question*/) { deleteFromElsewhere(1); });
+    QTest::mouseClick(editors()[1]->findChild<QPushButton*>("deleteMapping"), Qt::LeftButton);
+    settle();
+    EXPECT_EQ(editors().size(), 2U);
+    // ... while its list is, and while the list of another one is.
+    for (const std::size_t open : {1U, 0U}) {
+        ComboBox* combo = combosOf(editors()[open])[0];
+        combo->showPopup();
+        settle();
+        const std::size_t before = editors().size();
+        deleteFromElsewhere(before - 1);
+        EXPECT_EQ(editors().size(), before - 1);
+        add();
+    }
+    // The page itself may go while it asks.
+    whenModal<TipDialog>([&](TipDialog& /*question*/) { delete page; });
+    QPushButton* button = editors()[0]->findChild<QPushButton*>("deleteMapping");
+    button->click();
+    settle();
+    EXPECT_EQ(store.connections(), 0U);
+}
+
+TEST_F(Audio, AMismatchIsToldInBothLanguages)
+{
+    bind();
+    const STSoundCardMismatchInfo local{true, "10.0.0.9", "Line 1"};
+    announce(&IMivoSettings::soundCardMismatch, local); // without a message centre: nothing
+    page->setMsgCenterMgr(&messages);
+    const STSoundCardMismatchInfo slave{false, "10.0.0.9", "3"};
+    for (const char* language : {"en", "ZH_CN", "fr"}) {
+        page->switchLanguage(language);
+        announce(&IMivoSettings::soundCardMismatch, local);
+        announce(&IMivoSettings::soundCardMismatch, slave);
+    }
+    std::vector<std::string> texts;
+    for (const auto& message : messages.messages) {
+        EXPECT_EQ(message.kind, 2U);
+        EXPECT_EQ(message.programId, -1);
+        EXPECT_EQ(message.time, 0);
+        texts.push_back(message.text);
+    }
+    EXPECT_EQ(texts,
+              (std::vector<std::string>{
+                  "The sound cards of the backup 10.0.0.9 and this machine (Line 1) do not match.",
+                  "The sound cards of the slave's backup 10.0.0.9 and the slave (3) do not match.",
+                  "备机 10.0.0.9 与本机的声卡(Line 1)不一致。",
+                  "从机的备机 10.0.0.9 与从机的声卡(3)不一致。"}));
+}
+
+TEST_F(Audio, WithoutAStoreItLogsAndGoesOn)
+{
+    page->setSettings(nullptr);
+    ASSERT_EQ(log.lines().size(), 1U);
+    EXPECT_EQ(log.lines()[0].find(
+                  "warning|sharedSettings is nullptr! \n //audiosettingbox.cpp:initSettings()#"),
+              0U);
+    setCards("", "", threeCards);
+    bind();
+    add();
+    const auto kept = held();
+    page->unsetSettings();
+    runtime.takePosted();
+    store.kept.writes.clear();
+
+    log.clear();
+    QTest::mouseClick(addButton(), Qt::LeftButton);
+    choose(editors()[0], 0, "Alpha");
+    ASSERT_EQ(log.lines().size(), 2U);
+    EXPECT_EQ(
+        log.lines()[0].find("warning|setting is null \n //audiosettingbox.cpp:slotAddMapping()#"),
+        0U);
+    EXPECT_EQ(log.lines()[1].find(
+                  "warning|setting is null \n //audiosettingbox.cpp:slotMappingInfoChanged()#"),
+              0U);
+    setCards("", "", {});
+    announce(&IMivoSettings::soundCardMappingDeleted, kept[0]);
+    EXPECT_EQ(editors().size(), 1U);
+    EXPECT_TRUE(runtime.takePosted().empty()) << "the store may be gone";
+
+    page->setSettings(&store); // its editors go on
+    tell([](auto& cards) { cards.announceMappings(true); });
+    EXPECT_EQ(columnsOf(editors()[0])[0], "This machine: [None] = None");
+}
+
+TEST_F(Audio, EveryControlHasANameIsReachedInOrderAndIsTranslated)
+{
+    QStringList missing;
+    translator().setMissingTextHandler(
+        [&missing](const QString&, const QString&, const QString& key) { missing.append(key); });
+    setCards("", "", threeCards);
+    bind();
+    add(2);
+    choose(editors()[0], 0, "Gamma");
+    setCards("10.0.0.2", "大厅", {{"x", "线路", 2}});
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    addButton()->setFocus();
+    QPoint last;
+    std::set<QWidget*> reached;
+    for (int i = 0; i < 2 * 4 + 3; ++i) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        QWidget* focus = QApplication::focusWidget();
+        reached.insert(focus);
+        EXPECT_FALSE(focus->accessibleName().isEmpty()
+                     && focus->property("text").toString().isEmpty());
+        const QPoint place(focus->mapTo(page, focus->rect().center()));
+        EXPECT_TRUE(place.y() > last.y() + 12 || place.x() > last.x());
+        last = place;
+    }
+    EXPECT_EQ(reached.size(), 11U);
+    page->switchLanguage("zh_cn");
+    const QRegularExpression han("\\p{Han}");
+    for (auto* label : page->findChildren<QLabel*>()) {
+        EXPECT_TRUE(label->text().isEmpty() || han.match(label->text()).hasMatch())
+            << label->text().toStdString();
+    }
+    EXPECT_EQ(combosOf(editors()[0])[0]->itemText(0).toStdString(), "无");
+    page->switchLanguage("en");
+    EXPECT_EQ(missing, QStringList());
+    translator().setMissingTextHandler(nullptr);
+}
+
+namespace {
+
+/// What must be on screen, told without a thought of how.
+struct Model
+{
+    struct Mapping
+    {
+        std::string name;
+        std::map<std::string, std::pair<std::string, unsigned>> chosen; // device: card, pairs
+    };
+    struct Device
+    {
+        std::vector<int> cards;
+        bool visible = true;
+    };
+
+    std::map<std::uint64_t, Mapping> mappings;
+    std::map<std::string, Device> devices;
+
+    // Card n is "card n" with n channels; only the first one can have too few for marks.
+    static std::string id(int card) { return "id" + std::to_string(card); }
+    static std::string caption(int card) { return "card " + std::to_string(card); }
+    static int number(const std::string& id) { return std::stoi(id.substr(2)); }
+    static std::string captionOf(const std::string& device)
+    {
+        return device.empty() ? "This machine" : "at " + device;
+    }
+
+    bool isTaken(std::uint64_t by, const std::string& device, const std::string& card) const
+    {
+        return std::any_of(mappings.begin(), mappings.end(), [&](const auto& other) {
+            const auto chosen = other.second.chosen.find(device);
+            return other.first != by && chosen != other.second.chosen.end()
+                   && chosen->second.first == card;
+        });
+    }
+
+    std::vector<std::string> columns(std::uint64_t mapping) const
+    {
+        std::vector<std::string> all;
+        for (const auto& [device, cards] : devices) {
+            const auto& chosenCards = mappings.at(mapping).chosen;
+            const auto chosen = chosenCards.find(device);
+            const bool isChosen = chosen != chosenCards.end();
+            if (!cards.visible || (!device.empty() && cards.cards.empty() && !isChosen)) {
+                continue;
+            }
+            std::string items = "None";
+            std::string current = "None";
+            for (const int card : cards.cards) {
+                if (!isTaken(mapping, device, id(card))) {
+                    items += ", " + caption(card);
+                }
+            }
+            if (isChosen) {
+                const int card = number(chosen->second.first);
+                current = caption(card);
+                if (std::count(cards.cards.begin(), cards.cards.end(), card) == 0) {
+                    current += " (not connected)";
+                    items += ", " + current;
+                }
+                for (int first = 1, pair = 0; card > 2 && first <= card; first += 2, ++pair) {
+                    const std::string mark =
+                        std::to_string(first)
+                        + (first < card ? "-" + std::to_string(first + 1) : std::string());
+                    const bool isOn = ((chosen->second.second >> pair) & 1U) != 0;
+                    current += isOn ? " " + mark : " (" + mark + ")";
+                }
+            }
+            all.push_back(captionOf(device) + ": [" + items + "] = " + current);
+        }
+        return all;
+    }
+};
+
+class AudioSequences : public Audio, public ::testing::WithParamInterface<unsigned>
+{
+protected:
+    int random(std::size_t below) { return static_cast<int>(m_random() % below); }
+
+    std::uint64_t someMapping()
+    {
+        return std::next(model.mappings.begin(), random(model.mappings.size()))->first;
+    }
+    VirtualMappingWidget* editorOf(std::uint64_t mapping)
+    {
+        return editors().at(static_cast<std::size_t>(
+            std::distance(model.mappings.begin(), model.mappings.find(mapping))));
+    }
+
+    void tellCards(const std::string& device)
+    {
+        Cards cards;
+        for (const int card : model.devices[device].cards) {
+            cards.push_back({Model::id(card), Model::caption(card), unsigned(card)});
+        }
+        tell(
+            [&](auto& known) {
+                known.setDeviceSoundCards(device, device.empty() ? "" : "at " + device, cards);
+            },
+            false);
+    }
+
+    void userStep()
+    {
+        settle();
+        const int what = random(10);
+        if (what < 2 || model.mappings.empty()) {
+            if (model.mappings.size() < 8) {
+                add();
+                model.mappings[nextId++].name = nextName();
+            }
+            return;
+        }
+        const std::uint64_t mapping = someMapping();
+        VirtualMappingWidget* editor = editorOf(mapping);
+        if (what == 2) {
+            remove(editor);
+            model.mappings.erase(mapping);
+        } else if (what == 3) {
+            model.mappings[mapping].name = "Name " + std::to_string(++names);
+            rename(editor, QString::fromStdString(model.mappings[mapping].name));
+        } else {
+            use(mapping, editor, what < 8);
+        }
+    }
+
+    /// Chooses a card, or marks a channel pair, in one of the columns that are on screen.
+    void use(std::uint64_t mapping, VirtualMappingWidget* editor, bool choosing)
+    {
+        const auto combos = combosOf(editor);
+        if (combos.empty()) {
+            return;
+        }
+        const auto column = static_cast<std::size_t>(random(combos.size()));
+        const std::string caption = combos[column]->accessibleName().toStdString();
+        const std::string device = caption == "This machine" ? "" : caption.substr(3);
+        auto& chosen = model.mappings[mapping].chosen;
+        if (choosing) {
+            const int item = random(static_cast<std::size_t>(combos[column]->count()));
+            const QString text = combos[column]->itemText(item);
+            choose(editor, column, text);
+            if (item == 0) {
+                chosen.erase(device);
+            } else if (!text.endsWith(')')) {
+                const std::string card = Model::id(text.section(' ', 1).toInt());
+                if (chosen[device].first != card) {
+                    chosen[device] = {card, 1};
+                }
+            }
+            return;
+        }
+        const auto marks = combos[column]->parentWidget()->findChildren<CheckBox*>();
+        if (!marks.isEmpty()) {
+            const int pair = random(static_cast<std::size_t>(marks.size()));
+            marks[pair]->click();
+            chosen[device].second ^= 1U << pair;
+        }
+    }
+
+    void hostStep()
+    {
+        const std::string device = random(2) == 0 ? "" : "d" + std::to_string(random(3));
+        const bool isKnown = model.devices.count(device) > 0;
+        const int what = random(8);
+        if (what == 0 && !device.empty()) {
+            model.devices.erase(device);
+            tell([&](auto& cards) { cards.removeDevice(device); }, false);
+        } else if (what == 1 && isKnown) {
+            const bool visible = !model.devices[device].visible;
+            model.devices[device].visible = visible;
+            tell([&](auto& cards) { cards.setDeviceVisible(device, visible); }, false);
+        } else {
+            auto& cards = model.devices[device].cards;
+            const int card = 1 + random(6);
+            const auto found = std::find(cards.begin(), cards.end(), card);
+            if (found != cards.end()) {
+                cards.erase(found);
+            } else {
+                cards.insert(cards.begin() + random(cards.size() + 1), card);
+            }
+            tellCards(device);
+        }
+    }
+
+    std::string nextName() const
+    {
+        for (int number = 1;; ++number) {
+            const std::string name = "Output " + std::to_string(number);
+            if (std::none_of(model.mappings.begin(), model.mappings.end(),
+                             [&](const auto& mapping) { return mapping.second.name == name; })) {
+                return name;
+            }
+        }
+    }
+
+    void compare(int step)
+    {
+        settle();
+        const auto shown = editors();
+        ASSERT_EQ(shown.size(), model.mappings.size()) << "step " << step;
+        std::size_t place = 0;
+        for (const auto& [id, mapping] : model.mappings) {
+            const auto* editor = shown[place++];
+            ASSERT_EQ(nameOf(editor)->text(), QString::fromStdString(mapping.name)) << step;
+            const auto expected = model.columns(id);
+            ASSERT_TRUE(QTest::qWaitFor([&] { return columnsOf(editor) == expected; }, 2000))
+                << ::testing::PrintToString(columnsOf(editor)) << " instead of "
+                << ::testing::PrintToString(expected) << ", step " << step << ", " << mapping.name;
+        }
+    }
+
+    Model model{{}, {{"", {}}}};
+    std::uint64_t nextId = 1;
+    int names = 0;
+
+private:
+    std::mt19937 m_random{GetParam()};
+};
+
+} // namespace
+
+TEST_P(AudioSequences, ShowWhatASimpleModelSays)
+{
+    tellCards("");
+    bind();
+    for (int step = 0; step < 150 && !HasFatalFailure(); ++step) {
+        random(3) == 0 ? userStep() : hostStep();
+        if (random(2) == 0) { // else several changes come at once
+            compare(step);
+        }
+    }
+    compare(-1);
+
+    // After a restart, with no card told of yet.
+    TestStore after(store.kept.rows);
+    const auto kept = after.getSoundCardMappings().mappings;
+    ASSERT_EQ(static_cast<std::size_t>(kept.size()), model.mappings.size());
+    for (const auto& mapping : kept) {
+        EXPECT_EQ(mapping.name, model.mappings[mapping.id].name);
+        EXPECT_EQ(mapping.soundCards.size(), model.mappings[mapping.id].chosen.size());
+    }
+    for (const std::string& line : log.lines()) {
+        EXPECT_EQ(line.find("info|"), 0U) << line;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, AudioSequences, ::testing::Range(1U, 9U));
+
+} // namespace audiosettingboxtest
