@@ -303,22 +303,27 @@ bool ShortCutMgr::Impl::confirmMove() const
 bool ShortCutMgr::Impl::existShortCutsItem(EnumShortCutType type, const std::string& path,
                                            const std::string& shortCutStr)
 {
-    auto items = table.indexShortCutList;
-    items.insert(items.end(), table.pathShortCutList.begin(), table.pathShortCutList.end());
-    const auto found =
-        std::find_if(items.begin(), items.end(), [&shortCutStr](const STShortCutItem& item) {
-            return item.shortCutStr == shortCutStr;
-        });
-    if (found == items.end()) {
+    const auto holderIn = [&shortCutStr](const std::vector<STShortCutItem>& items) {
+        const auto found =
+            std::find_if(items.begin(), items.end(), [&shortCutStr](const STShortCutItem& item) {
+                return item.shortCutStr == shortCutStr;
+            });
+        return found == items.end() ? nullptr : &*found;
+    };
+    const STShortCutItem* holder = holderIn(table.indexShortCutList);
+    if (holder == nullptr) {
+        holder = holderIn(table.pathShortCutList);
+    }
+    if (holder == nullptr) {
         return false;
     }
-    if (matches(*found, type, path)) {
+    if (matches(*holder, type, path)) {
         return true;
     }
+    STShortCutItem old = *holder; // the table may change while the question is open
     if (!confirmMove()) {
         return true;
     }
-    const STShortCutItem old = *found;
     removeItem(old.type, old.path,
                old.type == ShortCutOfPath ? ShortCutModulePath : ShortCutModuleIndex);
     if (ShortCutCover* cover = coverOf(old.type, old.path)) {

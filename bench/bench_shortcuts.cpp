@@ -1,0 +1,298 @@
+// The shortcut file beside bare RapidJSON that reads and writes the same records; covers and the
+// check for conflicts beside the calls that they consist of; OSC from the network to the manager's
+// signal beside a bare server that counts.
+
+#include "peripherals/oscservice.h"
+
+#include <mivosettingswidgets/shortcutfile.h>
+#include <mivosettingswidgets/shortcutmgr.h>
+#include <mivowidgets/shortcutcover.h>
+#include <zrcutils/nocachefile.h>
+
+#include <benchmark/benchmark.h>
+
+#include <lo/lo.h>
+#include <rapidjson/reader.h>
+#include <rapidjson/stringbuffer.h>
+#include <rapidjson/writer.h>
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QDir>
+#include <QtCore/QFileInfo>
+#include <QtCore/QStandardPaths>
+#include <QtWidgets/QWidget>
+
+#include <algorithm>
+#include <atomic>
+#include <memory>
+#include <thread>
+
+namespace {
+
+using mivo::widgets::ShortCutCover;
+using Items = std::vector<STShortCutItem>;
+
+Items manyItems(std::size_t count)
+{
+    Items items;
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::string number = std::to_string(i);
+        items.push_back({static_cast<EnumShortCutType>(1000 + i), "/Peripherals/Group/" + number,
+                         "Ctrl + Shift + " + number});
+    }
+    return items;
+}
+
+// --- The file ---
+
+/// Takes whatever comes into records, and checks nothing.
+struct BareHandler : rapidjson::BaseReaderHandler<rapidjson::UTF8<>, BareHandler>
+{
+    Items items;
+    std::string key;
+
+    bool StartObject() { return true; }
+    bool EndObject(rapidjson::SizeType members)
+    {
+        return members != 3 || (items.emplace_back(), true);
+    }
+    bool Key(const char* text, rapidjson::SizeType length, bool /*copy*/)
+    {
+        key.assign(text, length);
+        return true;
+    }
+    bool StartArray()
+    {
+        items.emplace_back();
+        return true;
+    }
+    bool Int(int value)
+    {
+        items.back().type = static_cast<EnumShortCutType>(value);
+        return true;
+    }
+    bool Uint(unsigned value) { return Int(static_cast<int>(value)); }
+    bool String(const char* text, rapidjson::SizeType length, bool /*copy*/)
+    {
+        (key == "path" ? items.back().path : items.back().shortCutStr).assign(text, length);
+        return true;
+    }
+};
+
+void count(benchmark::State& state, const std::string& text)
+{
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
+}
+
+void loadFloor(benchmark::State& state)
+{
+    const auto text =
+        mivo::settings::formatShortCuts(manyItems(static_cast<std::size_t>(state.range(0))));
+    for (auto _ : state) {
+        BareHandler handler;
+        rapidjson::StringStream stream(text.c_str());
+        rapidjson::Reader().Parse(stream, handler);
+        benchmark::DoNotOptimize(handler.items.data());
+    }
+    count(state, text);
+}
+
+void loadOurs(benchmark::State& state)
+{
+    const auto text =
+        mivo::settings::formatShortCuts(manyItems(static_cast<std::size_t>(state.range(0))));
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(mivo::settings::parseShortCuts(text).data());
+    }
+    count(state, text);
+}
+
+void saveFloor(benchmark::State& state)
+{
+    const Items items = manyItems(static_cast<std::size_t>(state.range(0)));
+    std::string text;
+    const auto put = [](auto& writer, const std::string& string) {
+        writer.String(string.data(), static_cast<rapidjson::SizeType>(string.size()));
+    };
+    for (auto _ : state) {
+        rapidjson::StringBuffer buffer;
+        rapidjson::Writer<rapidjson::StringBuffer> writer(buffer);
+        writer.StartObject();
+        writer.Key("shortCutInfoList");
+        writer.StartArray();
+        for (const STShortCutItem& item : items) {
+            writer.StartObject();
+            writer.Key("type");
+            writer.Int(item.type);
+            writer.Key("path");
+            put(writer, item.path);
+            writer.Key("shortCutStr");
+            put(writer, item.shortCutStr);
+            writer.EndObject();
+        }
+        writer.EndArray();
+        writer.EndObject();
+        text.assign(buffer.GetString(), buffer.GetSize());
+        benchmark::DoNotOptimize(text.data());
+    }
+    count(state, text);
+}
+
+void saveOurs(benchmark::State& state)
+{
+    const Items items = manyItems(static_cast<std::size_t>(state.range(0)));
+    std::string text;
+    for (auto _ : state) {
+        text = mivo::settings::formatShortCuts(items);
+        benchmark::DoNotOptimize(text.data());
+    }
+    count(state, text);
+}
+
+// --- Covers ---
+
+/// As many covers as entries, bound to a manager that holds the entries.
+struct Bound
+{
+    explicit Bound(std::size_t count) : items(manyItems(count))
+    {
+        QStandardPaths::setTestModeEnabled(true);
+        path = mivo::settings::shortCutFilePath();
+        QDir().mkpath(QFileInfo(path).path());
+        for (const STShortCutItem& item : items) {
+            covers.append(new ShortCutCover(item.type, item.path, &window));
+        }
+        STLinkShortCutInfo info;
+        info.indexShortCutList = items;
+        manager.setBindShortCutAndCover(covers);
+        manager.shortCutInfoSave(info);
+    }
+
+    Items items;
+    QString path;
+    QWidget window;
+    QList<ShortCutCover*> covers;
+    mivo::settings::ShortCutMgr manager;
+};
+
+void coversFloor(benchmark::State& state)
+{
+    Bound bound(static_cast<std::size_t>(state.range(0)));
+    const std::string text = mivo::settings::formatShortCuts(bound.items);
+    for (auto _ : state) {
+        for (int i = 0; i < bound.covers.size(); ++i) {
+            bound.covers[i]->shortCutStrChanged(
+                QString::fromStdString(bound.items[static_cast<std::size_t>(i)].shortCutStr));
+        }
+        NoCacheFile::saveToFile(bound.path.toStdString(), text);
+    }
+}
+
+void coversOurs(benchmark::State& state)
+{
+    Bound bound(static_cast<std::size_t>(state.range(0)));
+    for (auto _ : state) {
+        bound.manager.setAllShortCutStr();
+    }
+}
+
+void conflictFloor(benchmark::State& state)
+{
+    const Items items = manyItems(static_cast<std::size_t>(state.range(0)));
+    const std::string keys = "Ctrl + F12";
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(
+            std::find_if(items.begin(), items.end(),
+                         [&keys](const STShortCutItem& item) { return item.shortCutStr == keys; }));
+    }
+}
+
+void conflictOurs(benchmark::State& state)
+{
+    Bound bound(static_cast<std::size_t>(state.range(0)));
+    ShortCutCover* cover = bound.covers.first();
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(
+            emit cover->signalExistShortCutsItem(ShortCutOfPath, "/new", "Ctrl + F12"));
+    }
+}
+
+// --- OSC ---
+
+constexpr int packets = 1000;
+constexpr int port = 39127;
+
+/// Sends packets until `arrived` has counted them all.
+template <typename Wait>
+void sendPackets(benchmark::State& state, const std::atomic<int>& arrived, Wait wait)
+{
+    const lo_address target = lo_address_new("127.0.0.1", std::to_string(port).c_str());
+    int sent = arrived;
+    for (auto _ : state) {
+        for (int i = 0; i < packets; ++i) {
+            lo_send(target, "/Peripherals/Stage/Take", "i", 1);
+            // What the socket's buffer cannot hold is lost.
+            if (++sent - arrived > 100) {
+                wait(sent);
+            }
+        }
+        wait(sent);
+    }
+    lo_address_free(target);
+    state.SetItemsProcessed(state.iterations() * packets);
+}
+
+void oscFloor(benchmark::State& state)
+{
+    std::atomic<int> arrived{0};
+    auto* server = lo_server_thread_new(std::to_string(port).c_str(), nullptr);
+    if (server == nullptr) {
+        state.SkipWithError("the port is in use");
+        return;
+    }
+    lo_server_thread_add_method(
+        server, nullptr, nullptr,
+        [](const char* /*path*/, const char* /*types*/, lo_arg** /*arguments*/, int /*count*/,
+           lo_message /*message*/, void* counter) {
+            ++*static_cast<std::atomic<int>*>(counter);
+            return 0;
+        },
+        &arrived);
+    lo_server_thread_start(server);
+    sendPackets(state, arrived, [&arrived](int sent) {
+        while (arrived < sent) {
+            std::this_thread::yield();
+        }
+    });
+    lo_server_thread_free(server);
+}
+
+void oscOurs(benchmark::State& state)
+{
+    std::atomic<int> arrived{0};
+    mivo::settings::ShortCutMgr manager;
+    mivohost::OscService service;
+    service.setInfo({true, port});
+    manager.setOscMgr(&service);
+    QObject::connect(&manager, &mivo::settings::ShortCutMgr::signalPeripheralsControl,
+                     [&arrived] { ++arrived; });
+    sendPackets(state, arrived, [&arrived](int sent) {
+        while (arrived < sent) {
+            QCoreApplication::processEvents();
+            std::this_thread::yield();
+        }
+    });
+}
+
+BENCHMARK(loadFloor)->Name("load/floor")->Arg(100)->Arg(10000)->Arg(1000000);
+BENCHMARK(loadOurs)->Name("load/ours")->Arg(100)->Arg(10000)->Arg(1000000);
+BENCHMARK(saveFloor)->Name("save/floor")->Arg(100)->Arg(10000)->Arg(1000000);
+BENCHMARK(saveOurs)->Name("save/ours")->Arg(100)->Arg(10000)->Arg(1000000);
+BENCHMARK(coversFloor)->Name("covers/floor")->Arg(10000)->UseRealTime();
+BENCHMARK(coversOurs)->Name("covers/ours")->Arg(10000)->UseRealTime();
+BENCHMARK(conflictFloor)->Name("conflict/floor")->Arg(100)->Arg(10000);
+BENCHMARK(conflictOurs)->Name("conflict/ours")->Arg(100)->Arg(10000);
+BENCHMARK(oscFloor)->Name("osc/floor")->UseRealTime();
+BENCHMARK(oscOurs)->Name("osc/ours")->UseRealTime();
+
+} // namespace
