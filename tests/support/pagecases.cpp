@@ -142,6 +142,7 @@ const std::vector<PageCase>& pageCases()
             "onlinesettingbox.cpp", false, false, 1, 1,
             {{"autoSyncResources", "mivo::widgets::CheckBox", 0, false, false, false, false, true,
               clicking, "onAutoSyncResourcesStateChanged"}}),
+        pageCase<AudioSettingBox>("audiosettingbox.cpp", false, false, 0, 10, {}),
         networkCase(),
         pageCase<ResPlayControlSettingBox>(
             "resplaycontrolsettingbox.cpp", true, true, 1, 1,
