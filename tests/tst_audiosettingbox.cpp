@@ -20,6 +20,7 @@
 #include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QLayout>
 #include <QtWidgets/QScrollArea>
 
 #include <map>
@@ -120,6 +121,8 @@ protected:
         window.show();
         makePage();
     }
+
+    ~Audio() override { translator().switchLanguage(QString()); } // as the other units expect it
 
     void makePage()
     {
