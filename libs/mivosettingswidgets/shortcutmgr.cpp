@@ -19,7 +19,9 @@
 #include <array>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <unordered_map>
@@ -88,7 +90,7 @@ class ShortCutMgr::Impl : public QObject
     Q_OBJECT
 
 public:
-    explicit Impl(ShortCutMgr* manager) : m_manager(manager) {}
+    explicit Impl(ShortCutMgr* manager) : m_manager(manager) { mailbox->owner = this; }
     ~Impl() override;
 
     MidiPeripheral* midi = nullptr;
@@ -101,6 +103,21 @@ public:
     std::string currentPath;
     std::vector<PendingBinding> pendingBindings;
     bool projectFileLoadComplete = false;
+
+    /// What services reach from their threads: it outlives their calls that are still going on when
+    /// the manager ends.
+    struct Mailbox
+    {
+        std::mutex mutex;
+        Impl* owner = nullptr; // null once it ends
+        std::vector<ControlMessage> messages;
+        std::size_t dropped = 0;
+
+        void receive(ControlMessage message);
+        /// Has the owner's thread call it, at once if that is this thread.
+        void call(std::function<void(Impl&)> function);
+    };
+    const std::shared_ptr<Mailbox> mailbox = std::make_shared<Mailbox>();
 
     void load();
     void save();
@@ -165,22 +182,20 @@ private:
     bool removeItem(EnumShortCutType type, const std::string& path, ShortCutModuleType module);
     ShortCutCover* coverOf(int type, const std::string& path) const;
     bool confirmMove() const;
-    void receive(ControlMessage message);
     void emitMessage(const ControlMessage& message);
 
     ShortCutMgr* m_manager;
     bool m_fileIsUnreadable = false;
     std::optional<EnumPeripheralShortCutType> m_opened; // for which kind the covers are open
     std::map<EnumPeripheralShortCutType, std::vector<sigslot::connection>> m_connections;
-
-    // Messages from other threads, on their way to this one.
-    std::mutex m_mutex;
-    std::vector<ControlMessage> m_messages;
-    std::size_t m_dropped = 0;
 };
 
 ShortCutMgr::Impl::~Impl()
 {
+    {
+        const std::lock_guard lock(mailbox->mutex);
+        mailbox->owner = nullptr;
+    }
     for (auto& [kind, connections] : m_connections) {
         for (auto& connection : connections) {
             connection.disconnect();
@@ -528,22 +543,26 @@ bool ShortCutMgr::Impl::use(Service*& member, Service* service, EnumPeripheralSh
     }
     m_connections[kind].clear();
     member = service;
+    const auto mailbox = this->mailbox;
     keep(kind, service->controlMessage.connect(
-                   [this, kind](int action, const std::string& path, const std::string& value) {
-                       receive({kind, action, path, value});
+                   [mailbox, kind](int action, const std::string& path, const std::string& value) {
+                       mailbox->receive({kind, action, path, value});
                    }));
     keep(kind, service->gone.connect([this, kind, &member] {
         member = nullptr;
         m_connections.erase(kind);
     }));
     if (kind != PeripheralOsc) {
-        keep(kind,
-             service->bindResult.connect([this, kind](const SDeviceBindInfo& info, bool isBound) {
-                 QMetaObject::invokeMethod(this, "reripheralBind", Qt::QueuedConnection,
-                                           Q_ARG(int, info.type), Q_ARG(std::string, info.oprKey),
-                                           Q_ARG(std::string, info.keyValue), Q_ARG(bool, isBound),
-                                           Q_ARG(EnumPeripheralShortCutType, kind));
-             }));
+        keep(kind, service->bindResult.connect([mailbox, kind](const SDeviceBindInfo& info,
+                                                               bool isBound) {
+            const std::lock_guard lock(mailbox->mutex);
+            if (mailbox->owner != nullptr) {
+                QMetaObject::invokeMethod(mailbox->owner, "reripheralBind", Qt::QueuedConnection,
+                                          Q_ARG(int, info.type), Q_ARG(std::string, info.oprKey),
+                                          Q_ARG(std::string, info.keyValue), Q_ARG(bool, isBound),
+                                          Q_ARG(EnumPeripheralShortCutType, kind));
+            }
+        }));
     }
     showBindings(kind, allCovers());
     return true;
@@ -577,21 +596,42 @@ void ShortCutMgr::Impl::showBindings(EnumPeripheralShortCutType kind,
     }
 }
 
-void ShortCutMgr::Impl::receive(ControlMessage message)
+void ShortCutMgr::Impl::Mailbox::receive(ControlMessage message)
 {
-    if (QThread::currentThread() == thread()) {
-        emitMessage(message);
+    std::unique_lock lock(mutex);
+    if (owner == nullptr) {
         return;
     }
-    const std::lock_guard lock(m_mutex);
-    if (m_messages.size() == mostWaiting) {
-        ++m_dropped;
+    Impl* impl = owner;
+    if (QThread::currentThread() == impl->thread()) {
+        lock.unlock();
+        impl->emitMessage(message);
         return;
     }
-    m_messages.push_back(std::move(message));
-    if (m_messages.size() == 1) {
-        QMetaObject::invokeMethod(this, "deliverMessages", Qt::QueuedConnection);
+    if (messages.size() == mostWaiting) {
+        ++dropped;
+        return;
     }
+    messages.push_back(std::move(message));
+    if (messages.size() == 1) {
+        QMetaObject::invokeMethod(impl, "deliverMessages", Qt::QueuedConnection);
+    }
+}
+
+void ShortCutMgr::Impl::Mailbox::call(std::function<void(Impl&)> function)
+{
+    std::unique_lock lock(mutex);
+    if (owner == nullptr) {
+        return;
+    }
+    Impl* impl = owner;
+    if (QThread::currentThread() == impl->thread()) {
+        lock.unlock();
+        function(*impl);
+        return;
+    }
+    QMetaObject::invokeMethod(
+        impl, [impl, function = std::move(function)] { function(*impl); }, Qt::QueuedConnection);
 }
 
 void ShortCutMgr::Impl::deliverMessages()
@@ -599,9 +639,9 @@ void ShortCutMgr::Impl::deliverMessages()
     std::vector<ControlMessage> messages;
     std::size_t dropped = 0;
     {
-        const std::lock_guard lock(m_mutex);
-        messages.swap(m_messages);
-        dropped = std::exchange(m_dropped, 0);
+        const std::lock_guard lock(mailbox->mutex);
+        messages.swap(mailbox->messages);
+        dropped = std::exchange(mailbox->dropped, 0);
     }
     if (dropped > 0) {
         warn("deliverMessages", "{} messages of devices were dropped!", dropped);
@@ -844,15 +884,13 @@ void ShortCutMgr::updatePeripheralKeyName() const
 void ShortCutMgr::setMidiMgr(MidiPeripheral* midi)
 {
     if (m_impl->use(m_impl->midi, midi, PeripheralMidi)) {
-        m_impl->keep(
-            PeripheralMidi,
-            midi->devicesChanged.connect([this](const std::vector<SMIDIDevInfo>& devices) {
-                const bool online = !devices.empty();
-                QMetaObject::invokeMethod(
-                    m_impl.get(),
-                    [this, online] { emit signalUpdateDeviceStatus(PeripheralMidi, online); },
-                    Qt::AutoConnection);
-            }));
+        m_impl->keep(PeripheralMidi,
+                     midi->devicesChanged.connect([this, mailbox = m_impl->mailbox](
+                                                      const std::vector<SMIDIDevInfo>& devices) {
+                         mailbox->call([this, online = !devices.empty()](Impl& /*impl*/) {
+                             emit signalUpdateDeviceStatus(PeripheralMidi, online);
+                         });
+                     }));
     }
 }
 
@@ -863,15 +901,13 @@ void ShortCutMgr::setDmxMgr(DmxPeripheral* dmx)
 
 void ShortCutMgr::setOscMgr(OscPeripheral* osc)
 {
-    const auto report = [this](const mivo::peripheralcontrol::SAddOSCInfo& info) {
-        QMetaObject::invokeMethod(
-            m_impl.get(),
-            [this, port = info.port] {
+    const auto report =
+        [this, mailbox = m_impl->mailbox](const mivo::peripheralcontrol::SAddOSCInfo& info) {
+            mailbox->call([this, port = info.port](Impl& /*impl*/) {
                 emit signalUpdateOscUrl("osc.udp://" + QSysInfo::machineHostName().toStdString()
                                         + ':' + std::to_string(port) + '/');
-            },
-            Qt::AutoConnection);
-    };
+            });
+        };
     if (m_impl->use(m_impl->osc, osc, PeripheralOsc)) {
         m_impl->keep(PeripheralOsc, osc->infoChanged.connect(report));
         report(osc->info());
