@@ -215,7 +215,7 @@ TEST_F(Panel, ABoundKeyGoesBeforeMenusButNotBeforeTyping)
     EXPECT_EQ(triggered("Global/MuteSwitch"), 1) << "a command, not a text";
 
     QDialog modal(window.get());
-    whenModal<QDialog>([this](QDialog& dialog) {
+    whenModal<QDialog>([](QDialog& dialog) {
         press(Qt::Key_N, Qt::ControlModifier);
         dialog.reject();
     });
