@@ -1,6 +1,7 @@
 // One read of the store from the GUI thread: callInRuntime on the host's runtime, beside the bare
 // hand-over to a thread, and beside Qt's own blocking call.
 
+#include "barethread.h"
 #include "runtime/runtimethread.h"
 #include "storeaccess.h"
 #include "support/teststore.h"
@@ -12,56 +13,12 @@
 
 namespace {
 
-class BareThread
-{
-public:
-    BareThread() : m_thread([this] { run(); }) {}
-    ~BareThread()
-    {
-        post({});
-        m_thread.join();
-    }
-
-    void post(std::packaged_task<int()> task)
-    {
-        {
-            const std::lock_guard lock(m_mutex);
-            m_tasks.push_back(std::move(task));
-        }
-        m_wake.notify_one();
-    }
-
-private:
-    void run()
-    {
-        while (true) {
-            std::unique_lock lock(m_mutex);
-            m_wake.wait(lock, [this] { return !m_tasks.empty(); });
-            auto task = std::move(m_tasks.front());
-            m_tasks.pop_front();
-            lock.unlock();
-            if (!task.valid()) {
-                return;
-            }
-            task();
-        }
-    }
-
-    std::mutex m_mutex;
-    std::condition_variable m_wake;
-    std::deque<std::packaged_task<int()>> m_tasks;
-    std::thread m_thread;
-};
-
 void floor(benchmark::State& state)
 {
     BareThread thread;
     TestStore store;
     for (auto _ : state) {
-        std::packaged_task<int()> task([&store] { return store.getUndoStep(); });
-        auto result = task.get_future();
-        thread.post(std::move(task));
-        benchmark::DoNotOptimize(result.get());
+        benchmark::DoNotOptimize(thread.call([&store] { return store.getUndoStep(); }));
     }
 }
 

@@ -4,22 +4,11 @@
 
 #include "opening.h"
 
-#include <mivosettingswidgets/settingwdigettranslatemanager.h>
-
 #include <QtCore/QProcess>
 
 #include <cstdio>
 
 namespace {
-
-void useEnglish()
-{
-    auto& translator = SettingWdigetTranslateManager::instance().translator();
-    for (const QString& file : mivohost::languageFiles()) {
-        translator.load(file);
-    }
-    translator.switchLanguage(QStringLiteral("en"));
-}
 
 opening::Recipe recipeFromElsewhere()
 {
@@ -41,7 +30,7 @@ int main(int argc, char** argv)
     const QApplication application(argc, argv);
     double seconds = 0;
     if (variant == "--recipe") {
-        useEnglish();
+        useHostLanguage("en");
         std::fputs(opening::makeRecipe().join('\n').toUtf8().constData(), stdout);
         return 0;
     }
@@ -49,7 +38,7 @@ int main(int argc, char** argv)
         const opening::Recipe recipe = recipeFromElsewhere();
         seconds = opening::secondsToOpenRaw(recipe);
     } else if (variant == "ours") {
-        useEnglish();
+        useHostLanguage("en");
         mivohost::RuntimeThread runtime;
         TestStore store;
         seconds = opening::secondsToOpenOurs(runtime, store);

@@ -4,11 +4,11 @@
 // items.
 
 #include "runtime/runtimethread.h"
+#include "support/hostlanguage.h"
 #include "support/teststore.h"
 #include "surface/settingsview.h"
 
 #include <mivosettingswidgets/audiosettingbox.h>
-#include <mivosettingswidgets/settingwdigettranslatemanager.h>
 #include <mivowidgets/combobox.h>
 
 #include <benchmark/benchmark.h>
@@ -54,11 +54,7 @@ public:
     LargePage()
     {
         qApp->setStyleSheet(mivohost::hostStyleSheet());
-        auto& translator = SettingWdigetTranslateManager::instance().translator();
-        for (const QString& file : mivohost::languageFiles()) {
-            translator.load(file);
-        }
-        translator.switchLanguage("en");
+        useHostLanguage("en");
         runtime.call([this] {
             for (int device = 0; device <= deviceCount; ++device) {
                 store.soundCards().setDeviceSoundCards(deviceName(device), "", cards(cardCount));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "runtime/runtimethread.h"
+#include "support/hostlanguage.h"
 #include "support/teststore.h"
 #include "surface/settingsview.h"
 
@@ -17,6 +18,7 @@
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
+#include <QtWidgets/QListWidget>
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QRadioButton>
 #include <QtWidgets/QStackedWidget>
@@ -64,6 +66,9 @@ inline QWidget* makeRawControl(const QString& kind, const QString& text)
     }
     if (kind == "QDoubleSpinBox") {
         return new QDoubleSpinBox;
+    }
+    if (kind == "QListWidget") {
+        return new QListWidget;
     }
     if (kind == "QTimeEdit") {
         return new QTimeEdit;
@@ -119,9 +124,16 @@ inline Recipe makeRecipe()
     return recipeOf(view);
 }
 
-inline std::unique_ptr<QDialog> makeRaw(const Recipe& recipe)
+struct RawDialog
 {
-    auto dialog = std::make_unique<QDialog>();
+    std::unique_ptr<QDialog> dialog = std::make_unique<QDialog>();
+    std::vector<QWidget*> controls; // by the recipe's entries; some are null
+};
+
+inline RawDialog makeRaw(const Recipe& recipe)
+{
+    RawDialog raw;
+    auto& dialog = raw.dialog;
     dialog->setFixedSize(1080, 800);
     auto* row = new QHBoxLayout(dialog.get());
     auto* navigation = new QVBoxLayout;
@@ -138,15 +150,42 @@ inline std::unique_ptr<QDialog> makeRaw(const Recipe& recipe)
             auto* widget = new QWidget;
             section = new QVBoxLayout(widget);
             stack->addWidget(widget);
+            raw.controls.push_back(nullptr);
         } else if (kind == "page") {
             auto* box = new QGroupBox(text);
             page = new QVBoxLayout(box);
             section->addWidget(box);
-        } else if (QWidget* control = makeRawControl(kind, text)) {
-            page->addWidget(control);
+            raw.controls.push_back(box);
+        } else {
+            QWidget* control = makeRawControl(kind, text);
+            if (control != nullptr) {
+                page->addWidget(control);
+            }
+            raw.controls.push_back(control);
         }
     }
-    return dialog;
+    return raw;
+}
+
+/// Sets every text to that of a recipe in another language.
+inline void setRawTexts(const RawDialog& raw, const Recipe& recipe)
+{
+    for (std::size_t i = 0; i < raw.controls.size(); ++i) {
+        QWidget* control = raw.controls[i];
+        const QString text = recipe[static_cast<int>(i)].section('\t', 1);
+        if (auto* label = qobject_cast<QLabel*>(control)) {
+            label->setText(text);
+        } else if (auto* button = qobject_cast<QAbstractButton*>(control)) {
+            button->setText(text);
+        } else if (auto* box = qobject_cast<QGroupBox*>(control)) {
+            box->setTitle(text);
+        } else if (auto* combo = qobject_cast<QComboBox*>(control)) {
+            const QStringList items = text.split('|');
+            for (int item = 0; item < items.size(); ++item) {
+                combo->setItemText(item, items[item]);
+            }
+        }
+    }
 }
 
 class PaintWatch : public QObject
@@ -174,19 +213,19 @@ inline void drawFirstFrame(QDialog& dialog)
     dialog.removeEventFilter(&watch);
 }
 
-/// What is measured: seconds to construct, fill and draw.
-template <typename Make>
-double secondsToOpen(Make make)
+/// Seconds that `work` takes; what it returns ends unmeasured.
+template <typename Work>
+double secondsFor(Work work)
 {
     QElapsedTimer timer;
     timer.start();
-    auto made = make();
+    auto made = work();
     return 1e-9 * static_cast<double>(timer.nsecsElapsed());
 }
 
 inline double secondsToOpenOurs(mivohost::RuntimeThread& runtime, TestStore& store)
 {
-    return secondsToOpen([&] {
+    return secondsFor([&] {
         auto view = std::make_unique<mivohost::SettingsView>(runtime, store, nullptr);
         drawFirstFrame(view->dialog());
         return view;
@@ -195,10 +234,10 @@ inline double secondsToOpenOurs(mivohost::RuntimeThread& runtime, TestStore& sto
 
 inline double secondsToOpenRaw(const Recipe& recipe)
 {
-    return secondsToOpen([&] {
-        auto dialog = makeRaw(recipe);
-        drawFirstFrame(*dialog);
-        return dialog;
+    return secondsFor([&] {
+        auto raw = makeRaw(recipe);
+        drawFirstFrame(*raw.dialog);
+        return raw;
     });
 }
 

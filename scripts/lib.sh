@@ -48,24 +48,32 @@ need_packages() {
         --no-install-recommends "${missing[@]}" >&2
 }
 
-# configure_and_build PRESET [TARGET...]: configures once (and again when MIVO_WERROR asks for
-# another value), then builds; says nothing when all goes well.
+# quietly WHAT COMMAND...: says nothing when all goes well.
+quietly() {
+    local what=$1 log
+    shift
+    log=$(mktemp)
+    "$@" >"$log" 2>&1 || {
+        cat "$log" >&2
+        fail "$what failed"
+    }
+    rm -f "$log"
+}
+
+configure() {
+    echo "configuring $1" >&2
+    quietly "configuring $1" cmake --preset "$1" -DMIVO_WERROR="${MIVO_WERROR:-OFF}"
+}
+
+# configure_and_build PRESET [TARGET...]: configures once, and again when MIVO_WERROR asks for
+# another value.
 configure_and_build() {
-    local preset=$1 werror=${MIVO_WERROR:-OFF} log
+    local preset=$1 werror=${MIVO_WERROR:-OFF}
     shift
     local dir=$root/build/$preset
     cd "$root"
-    log=$(mktemp)
     if [ ! -f "$dir/build.ninja" ] || ! grep -q "^MIVO_WERROR:BOOL=$werror\$" "$dir/CMakeCache.txt"; then
-        echo "configuring $preset" >&2
-        cmake --preset "$preset" -DMIVO_WERROR="$werror" >"$log" 2>&1 || {
-            cat "$log" >&2
-            fail "configuring $preset failed"
-        }
+        configure "$preset"
     fi
-    cmake --build "$dir" ${1:+--target "$@"} >"$log" 2>&1 || {
-        cat "$log" >&2
-        fail "building $preset failed"
-    }
-    rm -f "$log"
+    quietly "building $preset" cmake --build "$dir" ${1:+--target "$@"}
 }

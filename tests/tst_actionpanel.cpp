@@ -1,14 +1,13 @@
 #include "surface/actionpanel.h"
 
 #include "peripherals/peripherals.h"
-#include "surface/settingsview.h"
 
 #include "support/dialogs.h"
+#include "support/hostlanguage.h"
 #include "support/logcapture.h"
 #include "support/testruntime.h"
 #include "support/teststore.h"
 
-#include <mivosettingswidgets/settingwdigettranslatemanager.h>
 #include <mivosettingswidgets/shortcutfile.h>
 #include <mivowidgets/shortcutcover.h>
 
@@ -45,14 +44,11 @@ constexpr int take = 210;
 class Panel : public ::testing::Test
 {
 protected:
+    const InEnglish english;
+
     Panel()
     {
         QFile::remove(mivo::settings::shortCutFilePath());
-        auto& translator = SettingWdigetTranslateManager::instance().translator();
-        for (const QString& file : languageFiles()) {
-            translator.load(file);
-        }
-        translator.switchLanguage("en");
         start();
     }
     ~Panel() override { QFile::remove(mivo::settings::shortCutFilePath()); }

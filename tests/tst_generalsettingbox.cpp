@@ -1,14 +1,12 @@
 #include <mivosettingswidgets/generalsettingbox.h>
 
+#include "support/hostlanguage.h"
 #include "support/logcapture.h"
 #include "support/testruntime.h"
 #include "support/teststore.h"
 
-#include "surface/settingsview.h"
-
 #include <mivohostapi/iprogramdispatch.h>
 #include <mivohostapi/iprojectfilemgr.h>
-#include <mivosettingswidgets/settingwdigettranslatemanager.h>
 #include <mivowidgets/checkbox.h>
 #include <mivowidgets/combobox.h>
 #include <mivowidgets/pushbutton.h>
@@ -74,13 +72,10 @@ private:
 class General : public ::testing::Test
 {
 protected:
+    const InEnglish english;
+
     General()
     {
-        auto& translator = SettingWdigetTranslateManager::instance().translator();
-        for (const QString& file : mivohost::languageFiles()) {
-            translator.load(file);
-        }
-        translator.switchLanguage("en");
         page = std::make_unique<GeneralSettingBox>();
         page->setZRRuntime(&runtime);
         const auto boxes = page->findChildren<CheckBox*>();

@@ -4,9 +4,9 @@
 #include "project/projectfile.h"
 #include "runtime/runtimethread.h"
 #include "surface/hosttext.h"
-#include "surface/settingsview.h"
 #include "system/tray.h"
 
+#include "support/hostlanguage.h"
 #include "support/logcapture.h"
 #include "support/teststore.h"
 
@@ -36,15 +36,13 @@ namespace {
 class Window : public ::testing::Test
 {
 protected:
+    const InEnglish english;
+
     Window()
     {
         auto& translator = SettingWdigetTranslateManager::instance().translator();
-        for (const QString& languageFile : languageFiles()) {
-            translator.load(languageFile);
-        }
         translator.setMissingTextHandler(
             [this](const QString&, const QString&, const QString& key) { missing.append(key); });
-        translator.switchLanguage("en");
         project.start();
         window.switchLanguage("en");
         window.show();

@@ -1,8 +1,8 @@
 #include "surface/messagecentre.h"
 #include "surface/messagepanel.h"
 
+#include "support/hostlanguage.h"
 #include "support/logcapture.h"
-#include "surface/settingsview.h"
 
 #include <mivosettingswidgets/settingwdigettranslatemanager.h>
 
@@ -30,13 +30,10 @@ namespace {
 class Messages : public ::testing::Test
 {
 protected:
+    const InEnglish english;
+
     Messages()
     {
-        auto& translator = SettingWdigetTranslateManager::instance().translator();
-        for (const QString& file : languageFiles()) {
-            translator.load(file);
-        }
-        translator.switchLanguage("en");
         panel = std::make_unique<MessagePanel>(centre);
         panel->resize(600, 200);
         panel->show();

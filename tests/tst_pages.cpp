@@ -1,10 +1,9 @@
+#include "support/hostlanguage.h"
 #include "support/logcapture.h"
 #include "support/pagecases.h"
 #include "support/qtlog.h"
 #include "support/testruntime.h"
 #include "support/teststore.h"
-
-#include "surface/settingsview.h"
 
 #include <mivosettingswidgets/settingsdialog.h>
 #include <mivosettingswidgets/settingwdigettranslatemanager.h>
@@ -47,10 +46,7 @@ class Pages : public ::testing::TestWithParam<PageCase>
 protected:
     Pages()
     {
-        for (const QString& file : mivohost::languageFiles()) {
-            translator().load(file);
-        }
-        translator().switchLanguage(QString());
+        useHostLanguage(QString());
         for (const ControlCase& control : GetParam().controls) {
             store.change(control.setting, control.kept(control.stored));
         }

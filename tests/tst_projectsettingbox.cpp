@@ -1,10 +1,10 @@
 #include <mivosettingswidgets/projectsettingbox.h>
 
 #include "support/dialogs.h"
+#include "support/hostlanguage.h"
 #include "support/logcapture.h"
 #include "support/testruntime.h"
 #include "support/teststore.h"
-#include "surface/settingsview.h"
 
 #include <mivohostapi/iprogramdispatch.h>
 #include <mivosettingswidgets/settingwdigettranslatemanager.h>
@@ -338,10 +338,7 @@ TEST_F(Project, ARuntimeThatRefusesLeavesTheMenuWithoutAWord)
 
 TEST_F(Project, SaysWhatPlaysInTheNewLanguage)
 {
-    auto& translator = SettingWdigetTranslateManager::instance().translator();
-    for (const QString& file : mivohost::languageFiles()) {
-        translator.load(file);
-    }
+    const InEnglish english;
     bindAndShow(dispatch);
     page->switchLanguage("zh_cn");
     const QString lastTime = button()->text();

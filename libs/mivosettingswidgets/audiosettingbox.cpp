@@ -81,7 +81,15 @@ protected:
 private:
     void layOut();
     void followStore();
-    void addMapping(const STSoundCardMappingInfo& info);
+    /// What cards there are, for all editors at once; nothing without a store.
+    STSoundCardMappingsInfo readCards(const CallSite& site);
+
+    /// Has every editor offer what is free, and make its columns anew.
+    void resetWidgets(const CallSite& site);
+    /// Has every editor but one offer what is free.
+    void resetComboboxes(const CallSite& site, const VirtualMappingWidget* except = nullptr);
+
+    void addMapping(const STSoundCardMappingInfo& info, const STSoundCardMappingsInfo& known);
     void setAddedMappingBtnState();
 
     // Store to slot, on the thread on which the store announces it.
@@ -176,7 +184,8 @@ void AudioSettingBox::Impl::initSettings()
     forEachEditor([this](VirtualMappingWidget& editor) { editor.setSettings(sharedSettings); });
 }
 
-void AudioSettingBox::Impl::addMapping(const STSoundCardMappingInfo& info)
+void AudioSettingBox::Impl::addMapping(const STSoundCardMappingInfo& info,
+                                       const STSoundCardMappingsInfo& known)
 {
     QWidget* lastStop = m_add;
     for (int item = 0; item < m_column->count(); ++item) {
@@ -186,7 +195,7 @@ void AudioSettingBox::Impl::addMapping(const STSoundCardMappingInfo& info)
     }
     auto* editor = new VirtualMappingWidget(info, zrRuntime, sharedSettings, owner);
     editor->setProperty("style", QStringLiteral("BG4"));
-    editor->resetSoundCardsCombobox();
+    editor->resetSoundCardsCombobox(known);
     m_column->addWidget(editor);
     m_column->addStretch();
     for (QWidget* stop : tabStops(editor, editor)) {
@@ -199,14 +208,38 @@ void AudioSettingBox::Impl::addMapping(const STSoundCardMappingInfo& info)
             &Impl::slotMappingInfoChanged);
 }
 
+STSoundCardMappingsInfo AudioSettingBox::Impl::readCards(const CallSite& site)
+{
+    return sharedSettings == nullptr ? STSoundCardMappingsInfo()
+                                     : read(&IMivoSettings::getSoundCardMappings, site);
+}
+
+void AudioSettingBox::Impl::resetWidgets(const CallSite& site)
+{
+    const auto known = readCards(site);
+    forEachEditor([&](VirtualMappingWidget& editor) { editor.resetSoundCardWidget(known); });
+}
+
+void AudioSettingBox::Impl::resetComboboxes(const CallSite& site,
+                                            const VirtualMappingWidget* except)
+{
+    const auto known = readCards(site);
+    forEachEditor([&](VirtualMappingWidget& editor) {
+        if (&editor != except) {
+            editor.resetSoundCardsCombobox(known);
+        }
+    });
+}
+
 void AudioSettingBox::Impl::onMappingsInit(const STAllDeviceSoundCardMappings& all)
 {
     if (all.refreshOnly) {
-        forEachEditor([](VirtualMappingWidget& editor) { editor.resetSoundCardWidget(); });
+        resetWidgets("onMappingsInit");
         return;
     }
+    const auto known = readCards("onMappingsInit");
     for (const auto& info : all.mappings) {
-        addMapping(info);
+        addMapping(info, known);
     }
     setAddedMappingBtnState();
 }
@@ -214,7 +247,7 @@ void AudioSettingBox::Impl::onMappingsInit(const STAllDeviceSoundCardMappings& a
 void AudioSettingBox::Impl::onMappingAdded(const STSoundCardMappingInfo& info)
 {
     if (info.state != velorn::mediadispatch::SoundCardMappingRefused) {
-        addMapping(info);
+        addMapping(info, readCards("onMappingAdded"));
         setAddedMappingBtnState();
     }
 }
@@ -227,11 +260,7 @@ void AudioSettingBox::Impl::onMappingChanged(const STSoundCardChangeInfo& change
     }
     changed->second->refreshMappingInfo(change);
     if (change.kind == SoundCardChangeLocalCard || change.kind == SoundCardChangeClusterCard) {
-        forEachEditor([&](VirtualMappingWidget& editor) {
-            if (&editor != changed->second) {
-                editor.resetSoundCardsCombobox();
-            }
-        });
+        resetComboboxes("onMappingChanged", changed->second);
     }
 }
 
@@ -252,7 +281,7 @@ void AudioSettingBox::Impl::onMappingDeleted(const STSoundCardMappingInfo& info)
         break;
     }
     m_editors.erase(deleted);
-    forEachEditor([](VirtualMappingWidget& other) { other.resetSoundCardsCombobox(); });
+    resetComboboxes("onMappingDeleted");
     setAddedMappingBtnState();
 }
 
@@ -260,21 +289,21 @@ void AudioSettingBox::Impl::onSoundCardEnableSet(const STLocalSoundCardList& lis
 {
     forEachEditor([&](VirtualMappingWidget& editor) {
         editor.setSoundCardEnable(list.device, list.soundCards);
-        editor.resetSoundCardsCombobox();
     });
+    resetComboboxes("onSoundCardEnableSet");
 }
 
 void AudioSettingBox::Impl::onSoundCardDisableSet(const STLocalSoundCardList& list)
 {
     forEachEditor([&](VirtualMappingWidget& editor) {
         editor.setSoundCardDisable(list.device, list.soundCards);
-        editor.resetSoundCardsCombobox();
     });
+    resetComboboxes("onSoundCardDisableSet");
 }
 
 void AudioSettingBox::Impl::onClusterNodeSoundCardChanged()
 {
-    forEachEditor([](VirtualMappingWidget& editor) { editor.resetSoundCardWidget(); });
+    resetWidgets("onClusterNodeSoundCardChanged");
 }
 
 void AudioSettingBox::Impl::deleteClusterDeviceSoundCard(const std::vector<std::string>& devices)

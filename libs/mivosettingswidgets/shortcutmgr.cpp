@@ -1,6 +1,8 @@
 #include "mivosettingswidgets/shortcutmgr.h"
 
 #include "mivohostapi/peripherals.h"
+#include "peripheralmailbox.h"
+#include "shortcutcovers.h"
 #include "shortcutfile.h"
 #include "shortcuttable.h"
 #include "storeaccess.h"
@@ -11,20 +13,15 @@
 #include <mivowidgets/tipdialog.h>
 
 #include <QtCore/QFile>
-#include <QtCore/QSet>
-#include <QtCore/QThread>
 #include <QtWidgets/QApplication>
 
 #include <algorithm>
 #include <array>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <optional>
-#include <unordered_map>
 #include <utility>
 
 namespace mivo::settings {
@@ -40,16 +37,7 @@ using mivo::widgets::TipDialog;
 
 namespace {
 
-constexpr std::size_t mostWaiting = 4096;
 constexpr std::array deviceKinds{PeripheralMidi, PeripheralDmx, PeripheralOsc};
-
-struct ControlMessage
-{
-    EnumPeripheralShortCutType kind;
-    int action;
-    std::string path;
-    std::string value;
-};
 
 /// A binding of type ShortCutOfPath that a device has made.
 struct PendingBinding
@@ -78,6 +66,20 @@ std::string contentOf(const std::filesystem::path& path)
     return content;
 }
 
+/// Keeps a file that is about to be written over, and may be gone by now; one that cannot be copied
+/// by another name.
+void putAside(const std::filesystem::path& file)
+{
+    auto copy = file;
+    copy += ".bad";
+    std::error_code problem;
+    std::filesystem::copy_file(file, copy, std::filesystem::copy_options::overwrite_existing,
+                               problem);
+    if (problem && std::filesystem::exists(file)) {
+        std::filesystem::rename(file, copy);
+    }
+}
+
 std::filesystem::path shortCutFile()
 {
     return std::filesystem::u8path(shortCutFilePath().toStdString());
@@ -90,44 +92,32 @@ class ShortCutMgr::Impl : public QObject
     Q_OBJECT
 
 public:
-    explicit Impl(ShortCutMgr* manager) : m_manager(manager) { mailbox->owner = this; }
+    explicit Impl(ShortCutMgr* manager)
+        : mailbox(PeripheralMailbox::make(
+            this, [this](const ControlMessage& message) { emitMessage(message); })),
+          m_manager(manager)
+    {}
     ~Impl() override;
 
     MidiPeripheral* midi = nullptr;
     OscPeripheral* osc = nullptr;
     DmxPeripheral* dmx = nullptr;
     STLinkShortCutInfo table;
-    QSet<ShortCutCover*> indexCovers;
-    QSet<ShortCutCover*> pathCovers;
+    ShortCutCovers covers;
     EnumPeripheralShortCutType currentKind = PeripheralKeyboard;
     std::string currentPath;
     std::vector<PendingBinding> pendingBindings;
     bool projectFileLoadComplete = false;
 
-    /// What services reach from their threads: it outlives their calls that are still going on when
-    /// the manager ends.
-    struct Mailbox
-    {
-        std::mutex mutex;
-        Impl* owner = nullptr; // null once it ends
-        std::vector<ControlMessage> messages;
-        std::size_t dropped = 0;
-
-        void receive(ControlMessage message);
-        /// Has the owner's thread call it, at once if that is this thread.
-        void call(std::function<void(Impl&)> function);
-    };
-    const std::shared_ptr<Mailbox> mailbox = std::make_shared<Mailbox>();
+    PeripheralMailbox::Pointer mailbox;
 
     void load();
     void save();
-    void pushTextsToCovers();
-    void takeTextsFromCovers();
     void clearKeys();
     void clearPeripheral(EnumPeripheralShortCutType kind);
     void rebind(EnumPeripheralShortCutType kind, const SDeviceBindInfo& info);
     void showPendingTexts() const;
-    void showBindings(EnumPeripheralShortCutType kind, const QList<ShortCutCover*>& covers) const;
+    void showBindings(EnumPeripheralShortCutType kind, const QList<ShortCutCover*>& shown) const;
     void open(bool show, EnumPeripheralShortCutType kind);
     void reportEmptiness();
     bool isEmpty() const
@@ -141,16 +131,6 @@ public:
     void keep(EnumPeripheralShortCutType kind, sigslot::connection connection)
     {
         m_connections[kind].push_back(std::move(connection));
-    }
-
-    QList<ShortCutCover*> allCovers() const { return (indexCovers + pathCovers).values(); }
-
-    template <typename Function>
-    void forEachCover(Function function) const
-    {
-        for (ShortCutCover* cover : allCovers()) { // the sets may change in a call of a cover
-            function(*cover);
-        }
     }
 
 public slots:
@@ -175,12 +155,8 @@ public slots:
     void reripheralBind(int nOprKey, std::string strOprKey, std::string strKeyValue,
                         bool bBindSuccess, EnumPeripheralShortCutType enType);
 
-private slots:
-    void deliverMessages();
-
 private:
     bool removeItem(EnumShortCutType type, const std::string& path, ShortCutModuleType module);
-    ShortCutCover* coverOf(int type, const std::string& path) const;
     bool confirmMove() const;
     void emitMessage(const ControlMessage& message);
 
@@ -192,10 +168,7 @@ private:
 
 ShortCutMgr::Impl::~Impl()
 {
-    {
-        const std::lock_guard lock(mailbox->mutex);
-        mailbox->owner = nullptr;
-    }
+    mailbox->close();
     for (auto& [kind, connections] : m_connections) {
         for (auto& connection : connections) {
             connection.disconnect();
@@ -213,10 +186,10 @@ void ShortCutMgr::Impl::load()
     const CallSite site("loadShortCutInfoList");
     try {
         const auto path = shortCutFile();
+        m_fileIsUnreadable = std::filesystem::exists(path);
         if (!std::ifstream(path, std::ios::binary)) {
             return; // a first run
         }
-        m_fileIsUnreadable = true;
         table.shortCutInfoList = parseShortCuts(contentOf(path));
         m_fileIsUnreadable = false;
     } catch (const std::filesystem::filesystem_error& error) {
@@ -239,11 +212,9 @@ void ShortCutMgr::Impl::save()
     const CallSite site("saveShortCutInfoList");
     try {
         const auto path = shortCutFile();
-        if (std::exchange(m_fileIsUnreadable, false)) {
-            auto copy = path;
-            copy += ".bad";
-            std::filesystem::copy_file(path, copy,
-                                       std::filesystem::copy_options::overwrite_existing);
+        if (m_fileIsUnreadable) {
+            putAside(path);
+            m_fileIsUnreadable = false;
         }
         NoCacheFile::saveToFile(path.u8string(), formatShortCuts(items));
     } catch (const std::filesystem::filesystem_error& error) {
@@ -341,7 +312,7 @@ bool ShortCutMgr::Impl::existShortCutsItem(EnumShortCutType type, const std::str
     }
     removeItem(old.type, old.path,
                old.type == ShortCutOfPath ? ShortCutModulePath : ShortCutModuleIndex);
-    if (ShortCutCover* cover = coverOf(old.type, old.path)) {
+    if (ShortCutCover* cover = covers.of(old.type, old.path)) {
         cover->shortCutStrChanged(QString());
     }
     emit m_manager->signalShortCutStrChanged(old.type, old.path, std::string());
@@ -362,7 +333,7 @@ bool ShortCutMgr::Impl::systemShortCutRepeat(const QString& text)
 void ShortCutMgr::Impl::clearKeys()
 {
     const auto before = std::exchange(table, {}).shortCutInfoList;
-    forEachCover([](ShortCutCover& cover) { cover.shortCutStrChanged(QString()); });
+    covers.forEach([](ShortCutCover& cover) { cover.shortCutStrChanged(QString()); });
     save();
     for (const STShortCutItem& item : before) {
         emit m_manager->signalShortCutStrChanged(item.type, item.path, std::string());
@@ -376,7 +347,7 @@ void ShortCutMgr::Impl::bindShortCutAndCover(const QList<ShortCutCover*>& coverL
 {
     QList<ShortCutCover*> bound;
     for (ShortCutCover* cover : coverList) {
-        if (cover == nullptr || indexCovers.contains(cover) || pathCovers.contains(cover)) {
+        if (cover == nullptr || covers.contains(cover)) {
             continue;
         }
         connect(cover, &ShortCutCover::signalDelShortCutsItem, this, &Impl::delShortCutsItem);
@@ -392,7 +363,7 @@ void ShortCutMgr::Impl::bindShortCutAndCover(const QList<ShortCutCover*>& coverL
         connect(cover, &ShortCutCover::signalSetPeripheralBind, this, &Impl::setPeripheralBind);
         connect(cover, &ShortCutCover::signalDelPeripheralBind, this, &Impl::delPeripheralBind);
         connect(cover, &QObject::destroyed, this, [this, cover] { delProgramCoverPtr(cover); });
-        (cover->getShortCutType() == ShortCutModuleIndex ? indexCovers : pathCovers).insert(cover);
+        covers.insert(cover);
         bound.append(cover);
     }
     for (const auto kind : deviceKinds) {
@@ -403,7 +374,7 @@ void ShortCutMgr::Impl::bindShortCutAndCover(const QList<ShortCutCover*>& coverL
 void ShortCutMgr::Impl::disBindShortCutAndCover(const QList<ShortCutCover*>& coverList)
 {
     for (ShortCutCover* cover : coverList) {
-        if (indexCovers.contains(cover) || pathCovers.contains(cover)) {
+        if (covers.contains(cover)) {
             cover->disconnect(this);
             cover->disconnect(m_manager);
             m_manager->disconnect(cover);
@@ -414,96 +385,23 @@ void ShortCutMgr::Impl::disBindShortCutAndCover(const QList<ShortCutCover*>& cov
 
 void ShortCutMgr::Impl::delProgramCoverPtr(ShortCutCover* cover)
 {
-    indexCovers.remove(cover);
-    pathCovers.remove(cover);
-}
-
-ShortCutCover* ShortCutMgr::Impl::coverOf(int type, const std::string& path) const
-{
-    if (type == ShortCutOfPath) {
-        for (ShortCutCover* cover : pathCovers) {
-            if (cover->getPeripheralShortCutPath() == path) {
-                return cover;
-            }
-        }
-    } else {
-        for (ShortCutCover* cover : indexCovers) {
-            if (cover->getShortCutIndex() == type) {
-                return cover;
-            }
-        }
-    }
-    return nullptr;
-}
-
-void ShortCutMgr::Impl::pushTextsToCovers()
-{
-    std::unordered_map<int, const STShortCutItem*> byType;
-    std::unordered_map<std::string, const STShortCutItem*> byPath;
-    for (const STShortCutItem& item : table.indexShortCutList) {
-        byType[item.type] = &item;
-    }
-    for (const STShortCutItem& item : table.pathShortCutList) {
-        byPath[item.path] = &item;
-    }
-    const auto textOf = [](const auto& items, const auto& key) {
-        const auto found = items.find(key);
-        return found == items.end() ? QString()
-                                    : QString::fromStdString(found->second->shortCutStr);
-    };
-    for (ShortCutCover* cover : std::as_const(indexCovers)) {
-        cover->shortCutStrChanged(textOf(byType, static_cast<int>(cover->getShortCutIndex())));
-    }
-    for (ShortCutCover* cover : std::as_const(pathCovers)) {
-        cover->shortCutStrChanged(textOf(byPath, cover->getShortCutPath()));
-    }
-}
-
-void ShortCutMgr::Impl::takeTextsFromCovers()
-{
-    std::unordered_map<int, std::size_t> byType;
-    std::unordered_map<std::string, std::size_t> byPath;
-    for (std::size_t i = 0; i < table.indexShortCutList.size(); ++i) {
-        byType[table.indexShortCutList[i].type] = i;
-    }
-    for (std::size_t i = 0; i < table.pathShortCutList.size(); ++i) {
-        byPath[table.pathShortCutList[i].path] = i;
-    }
-    const auto take = [](auto& places, const auto& key, std::vector<STShortCutItem>& items,
-                         const ShortCutCover& cover) {
-        const std::string shown = cover.getShortCutStr().toStdString();
-        if (shown.empty()) {
-            return;
-        }
-        const auto [place, isNew] = places.try_emplace(key, items.size());
-        if (isNew) {
-            items.push_back({cover.getShortCutIndex(), cover.getShortCutPath(), shown});
-        } else {
-            items[place->second].shortCutStr = shown;
-        }
-    };
-    for (const ShortCutCover* cover : std::as_const(indexCovers)) {
-        take(byType, static_cast<int>(cover->getShortCutIndex()), table.indexShortCutList, *cover);
-    }
-    for (const ShortCutCover* cover : std::as_const(pathCovers)) {
-        take(byPath, cover->getShortCutPath(), table.pathShortCutList, *cover);
-    }
+    covers.remove(cover);
 }
 
 void ShortCutMgr::Impl::open(bool show, EnumPeripheralShortCutType kind)
 {
     currentKind = kind;
-    forEachCover([show, kind](ShortCutCover& cover) {
+    covers.forEach([show, kind](ShortCutCover& cover) {
         cover.acceptEventState(!show);
         cover.setShortCoverVisible(show, kind);
     });
-    Peripheral* asked = service(kind);
-    if (!show && asked != nullptr) {
-        asked->stopLearning();
-    }
     const auto opened = show ? std::optional(kind) : std::nullopt;
-    if (std::exchange(m_opened, opened) == opened) {
+    const auto before = std::exchange(m_opened, opened);
+    if (before == opened) {
         return; // the host may be answering the signal
+    }
+    if (Peripheral* asked = service(before.value_or(PeripheralKeyboard))) {
+        asked->stopLearning();
     }
     emit m_manager->signalOpenShortCover(show, kind);
     if (show) {
@@ -555,99 +453,23 @@ bool ShortCutMgr::Impl::use(Service*& member, Service* service, EnumPeripheralSh
     if (kind != PeripheralOsc) {
         keep(kind, service->bindResult.connect([mailbox, kind](const SDeviceBindInfo& info,
                                                                bool isBound) {
-            const std::lock_guard lock(mailbox->mutex);
-            if (mailbox->owner != nullptr) {
-                QMetaObject::invokeMethod(mailbox->owner, "reripheralBind", Qt::QueuedConnection,
+            mailbox->withOwner([&](QObject& impl) {
+                QMetaObject::invokeMethod(&impl, "reripheralBind", Qt::QueuedConnection,
                                           Q_ARG(int, info.type), Q_ARG(std::string, info.oprKey),
                                           Q_ARG(std::string, info.keyValue), Q_ARG(bool, isBound),
                                           Q_ARG(EnumPeripheralShortCutType, kind));
-            }
+            });
         }));
     }
-    showBindings(kind, allCovers());
+    showBindings(kind, covers.all());
     return true;
 }
 
 void ShortCutMgr::Impl::showBindings(EnumPeripheralShortCutType kind,
-                                     const QList<ShortCutCover*>& covers) const
+                                     const QList<ShortCutCover*>& shown) const
 {
-    const Peripheral* asked = service(kind);
-    if (asked == nullptr || covers.isEmpty()) {
-        return;
-    }
-    std::unordered_map<int, QString> byType;
-    std::unordered_map<std::string, QString> byPath;
-    for (const SDeviceBindInfo& info : asked->bindings()) {
-        if (info.type == ShortCutOfPath) {
-            byPath[info.oprKey] = QString::fromStdString(info.keyValue);
-        } else {
-            byType[info.type] = QString::fromStdString(info.keyValue);
-        }
-    }
-    const auto textOf = [](const auto& texts, const auto& key) {
-        const auto found = texts.find(key);
-        return found == texts.end() ? QString() : found->second;
-    };
-    for (ShortCutCover* cover : covers) {
-        cover->updateShortCutCoverKey(
-            kind, cover->getShortCutType() == ShortCutModuleIndex
-                      ? textOf(byType, static_cast<int>(cover->getShortCutIndex()))
-                      : textOf(byPath, cover->getPeripheralShortCutPath()));
-    }
-}
-
-void ShortCutMgr::Impl::Mailbox::receive(ControlMessage message)
-{
-    std::unique_lock lock(mutex);
-    if (owner == nullptr) {
-        return;
-    }
-    Impl* impl = owner;
-    if (QThread::currentThread() == impl->thread()) {
-        lock.unlock();
-        impl->emitMessage(message);
-        return;
-    }
-    if (messages.size() == mostWaiting) {
-        ++dropped;
-        return;
-    }
-    messages.push_back(std::move(message));
-    if (messages.size() == 1) {
-        QMetaObject::invokeMethod(impl, "deliverMessages", Qt::QueuedConnection);
-    }
-}
-
-void ShortCutMgr::Impl::Mailbox::call(std::function<void(Impl&)> function)
-{
-    std::unique_lock lock(mutex);
-    if (owner == nullptr) {
-        return;
-    }
-    Impl* impl = owner;
-    if (QThread::currentThread() == impl->thread()) {
-        lock.unlock();
-        function(*impl);
-        return;
-    }
-    QMetaObject::invokeMethod(
-        impl, [impl, function = std::move(function)] { function(*impl); }, Qt::QueuedConnection);
-}
-
-void ShortCutMgr::Impl::deliverMessages()
-{
-    std::vector<ControlMessage> messages;
-    std::size_t dropped = 0;
-    {
-        const std::lock_guard lock(mailbox->mutex);
-        messages.swap(mailbox->messages);
-        dropped = std::exchange(mailbox->dropped, 0);
-    }
-    if (dropped > 0) {
-        warn("deliverMessages", "{} messages of devices were dropped!", dropped);
-    }
-    for (const ControlMessage& message : messages) {
-        emitMessage(message);
+    if (const Peripheral* asked = service(kind); asked != nullptr && !shown.isEmpty()) {
+        ShortCutCovers::showBindings(kind, asked->bindings(), shown);
     }
 }
 
@@ -684,7 +506,7 @@ void ShortCutMgr::Impl::delPeripheralBind(int index, const std::string& strOprke
                                                     && pending.oprKey == strOprkey;
                                          }),
                           pendingBindings.end());
-    if (ShortCutCover* cover = coverOf(index, strOprkey)) {
+    if (ShortCutCover* cover = covers.of(index, strOprkey)) {
         showBindings(currentKind, {cover}); // a service may have bindings that cannot be cleared
     }
     emit m_manager->signalUpdateClearPeripheralsState(currentKind,
@@ -700,28 +522,25 @@ void ShortCutMgr::Impl::addPeripheralBind(const SDeviceBindInfo& bindDesc)
 
 bool ShortCutMgr::Impl::hasPeripheralBinded(EnumPeripheralShortCutType kind) const
 {
-    bool found = false;
-    forEachCover(
-        [&](const ShortCutCover& cover) { found = found || !cover.keyText(kind).isEmpty(); });
-    return found;
+    return covers.isAnyBound(kind);
 }
 
 QString ShortCutMgr::Impl::getBindedShortCutKeyName(int oprKey, const std::string& strOprKey) const
 {
-    const ShortCutCover* cover = coverOf(oprKey, strOprKey);
+    const ShortCutCover* cover = covers.of(oprKey, strOprKey);
     return cover == nullptr ? QString() : cover->keyText(currentKind);
 }
 
 void ShortCutMgr::Impl::setOscBindData(EnumPeripheralShortCutType enCurType)
 {
-    showBindings(enCurType, allCovers());
+    showBindings(enCurType, covers.all());
 }
 
 void ShortCutMgr::Impl::reripheralBind(int nOprKey, std::string strOprKey, std::string strKeyValue,
                                        bool bBindSuccess, EnumPeripheralShortCutType enType)
 {
     const QString key = QString::fromStdString(strKeyValue);
-    ShortCutCover* cover = coverOf(nOprKey, strOprKey);
+    ShortCutCover* cover = covers.of(nOprKey, strOprKey);
     if (bBindSuccess) {
         if (cover != nullptr) {
             cover->updateShortCutCoverKey(enType, key);
@@ -749,12 +568,12 @@ void ShortCutMgr::Impl::rebind(EnumPeripheralShortCutType kind, const SDeviceBin
             asked->bind(info);
         }
     }
-    forEachCover([&](ShortCutCover& cover) {
+    covers.forEach([&](ShortCutCover& cover) {
         if (cover.keyText(kind) == key) {
             cover.updateShortCutCoverKey(kind, QString());
         }
     });
-    if (ShortCutCover* cover = coverOf(info.type, info.oprKey)) {
+    if (ShortCutCover* cover = covers.of(info.type, info.oprKey)) {
         cover->updateShortCutCoverKey(kind, key);
     }
     pendingBindings.erase(std::remove_if(pendingBindings.begin(), pendingBindings.end(),
@@ -783,16 +602,13 @@ void ShortCutMgr::Impl::clearPeripheral(EnumPeripheralShortCutType kind)
         std::remove_if(pendingBindings.begin(), pendingBindings.end(),
                        [kind](const PendingBinding& pending) { return pending.kind == kind; }),
         pendingBindings.end());
-    showBindings(kind, allCovers());
+    showBindings(kind, covers.all());
     emit m_manager->signalUpdateClearPeripheralsState(kind, hasPeripheralBinded(kind));
 }
 
 void ShortCutMgr::Impl::showPendingTexts() const
 {
-    std::unordered_map<std::string, ShortCutCover*> byPath;
-    for (ShortCutCover* cover : pathCovers) {
-        byPath[cover->getPeripheralShortCutPath()] = cover;
-    }
+    const auto byPath = covers.byPath();
     for (const PendingBinding& pending : pendingBindings) {
         const auto cover = byPath.find(pending.oprKey);
         if (cover != byPath.end() && pending.kind != PeripheralOsc) {
@@ -839,15 +655,15 @@ void ShortCutMgr::shortCutInfoSave(const STLinkShortCutInfo& info)
 
 void ShortCutMgr::setAllShortCutStr()
 {
-    m_impl->pushTextsToCovers();
+    m_impl->covers.pushTexts(m_impl->table);
     m_impl->reportEmptiness();
-    m_impl->takeTextsFromCovers();
+    m_impl->covers.takeTexts(m_impl->table);
     m_impl->save();
 }
 
 void ShortCutMgr::setProgramShortCutInfo()
 {
-    m_impl->takeTextsFromCovers();
+    m_impl->covers.takeTexts(m_impl->table);
 }
 
 void ShortCutMgr::setBindShortCutAndCover(const QList<ShortCutCover*>& covers)
@@ -887,7 +703,7 @@ void ShortCutMgr::setMidiMgr(MidiPeripheral* midi)
         m_impl->keep(PeripheralMidi,
                      midi->devicesChanged.connect([this, mailbox = m_impl->mailbox](
                                                       const std::vector<SMIDIDevInfo>& devices) {
-                         mailbox->call([this, online = !devices.empty()](Impl& /*impl*/) {
+                         mailbox->call([this, online = !devices.empty()] {
                              emit signalUpdateDeviceStatus(PeripheralMidi, online);
                          });
                      }));
@@ -903,7 +719,7 @@ void ShortCutMgr::setOscMgr(OscPeripheral* osc)
 {
     const auto report =
         [this, mailbox = m_impl->mailbox](const mivo::peripheralcontrol::SAddOSCInfo& info) {
-            mailbox->call([this, port = info.port](Impl& /*impl*/) {
+            mailbox->call([this, port = info.port] {
                 emit signalUpdateOscUrl("osc.udp://" + QSysInfo::machineHostName().toStdString()
                                         + ':' + std::to_string(port) + '/');
             });

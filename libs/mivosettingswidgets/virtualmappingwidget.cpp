@@ -20,6 +20,7 @@
 #include <QtWidgets/QLabel>
 
 #include <algorithm>
+#include <optional>
 #include <set>
 #include <string_view>
 #include <utility>
@@ -124,7 +125,7 @@ public:
 
     using Columns = std::vector<std::unique_ptr<Column>>;
 
-    STSoundCardMappingsInfo read(const CallSite& site) const;
+    std::optional<STSoundCardMappingsInfo> read(const CallSite& site) const;
     void resetColumns(const STSoundCardMappingsInfo& known);
     void resetOffers(const STSoundCardMappingsInfo& known);
     void deleteColumns(const std::vector<std::string>& devices);
@@ -202,10 +203,10 @@ VirtualMappingWidget::Impl::Impl(VirtualMappingWidget* editor,
     connect(m_delete, &PushButton::clicked, this, &Impl::slotDelete);
 }
 
-STSoundCardMappingsInfo VirtualMappingWidget::Impl::read(const CallSite& site) const
+std::optional<STSoundCardMappingsInfo> VirtualMappingWidget::Impl::read(const CallSite& site) const
 {
     if (sharedSettings == nullptr) {
-        return {};
+        return std::nullopt;
     }
     return callInRuntime(zrRuntime, site.file, site.line, site.function,
                          &IMivoSettings::getSoundCardMappings, sharedSettings);
@@ -304,6 +305,9 @@ void VirtualMappingWidget::Impl::retire(Column& column)
 
 void VirtualMappingWidget::Impl::resetOffers(const STSoundCardMappingsInfo& known)
 {
+    if (m_columns.empty()) {
+        resetColumns(known);
+    }
     for (const auto& mapping : known.mappings) {
         if (mapping.id == m_info.id) {
             m_info.soundCards = mapping.soundCards;
@@ -504,7 +508,7 @@ void VirtualMappingWidget::Impl::slotNameEdited()
     const std::string name = m_name->text().trimmed().toStdString();
     bool isFree = true;
     if (!name.empty() && name != m_info.name) {
-        const auto known = read("slotNameEdited");
+        const auto known = read("slotNameEdited").value_or(STSoundCardMappingsInfo());
         isFree = std::none_of(known.mappings.begin(), known.mappings.end(), [&](const auto& other) {
             return other.id != m_info.id && other.name == name;
         });
@@ -569,7 +573,6 @@ VirtualMappingWidget::VirtualMappingWidget(const STSoundCardMappingInfo& info, I
     : QWidget(parent), m_impl(std::make_unique<Impl>(this, info, runtime, settings))
 {
     setAttribute(Qt::WA_StyledBackground);
-    resetSoundCardWidget();
 }
 
 VirtualMappingWidget::~VirtualMappingWidget() = default;
@@ -581,12 +584,25 @@ void VirtualMappingWidget::setSettings(MivoSettings* settings)
 
 void VirtualMappingWidget::resetSoundCardsCombobox()
 {
-    m_impl->resetOffers(m_impl->read("resetSoundCardsCombobox"));
+    if (const auto known = m_impl->read("resetSoundCardsCombobox")) {
+        m_impl->resetOffers(*known);
+    }
+}
+
+void VirtualMappingWidget::resetSoundCardsCombobox(const STSoundCardMappingsInfo& known)
+{
+    m_impl->resetOffers(known);
 }
 
 void VirtualMappingWidget::resetSoundCardWidget()
 {
-    const auto known = m_impl->read("resetSoundCardWidget");
+    if (const auto known = m_impl->read("resetSoundCardWidget")) {
+        resetSoundCardWidget(*known);
+    }
+}
+
+void VirtualMappingWidget::resetSoundCardWidget(const STSoundCardMappingsInfo& known)
+{
     m_impl->resetColumns(known);
     m_impl->resetOffers(known);
 }

@@ -17,7 +17,7 @@ namespace mivo::settings {
 ///
 /// GUI thread. It asks for changes by sigMappingInfoChanged() and shows what it is told; nothing
 /// that it is told is asked for again. What is chosen stays, and is shown as not connected, while
-/// its card is away. Runtime and store are the host's.
+/// its card is away. Runtime and store are the host's. There are no columns before the first reset.
 class MIVOSETTINGSWIDGETS_EXPORT VirtualMappingWidget : public QWidget
 {
     Q_OBJECT
@@ -32,12 +32,15 @@ public:
     void setSettings(MivoSettings* settings);
 
     /// Reads what cards there are, and which are taken, and offers those that are free in the
-    /// columns that are there.
+    /// columns that are there. Without a store, nothing changes.
     void resetSoundCardsCombobox();
+    /// With what was read before, for several editors at once.
+    void resetSoundCardsCombobox(const STSoundCardMappingsInfo& known);
 
     /// The same, after making the columns anew: this machine, then each device that has cards or
     /// on which one is chosen.
     void resetSoundCardWidget();
+    void resetSoundCardWidget(const STSoundCardMappingsInfo& known);
 
     /// Shows one change of this mapping.
     void refreshMappingInfo(const mivo::STSoundCardChangeInfo& change);

@@ -60,8 +60,8 @@ JackServer::JackServer()
     const QString name = QString("mivotest-%1").arg(QCoreApplication::applicationPid());
     qputenv("JACK_DEFAULT_SERVER", name.toLatin1());
     m_process.setProcessChannelMode(QProcess::MergedChannels);
-    // Long periods, so that no message is lost on a busy machine.
-    m_process.start("jackd", {"-n", name, "-r", "-T", "-d", "dummy", "-r", "48000", "-p", "1024"});
+    // Long periods, so that hardly a message is lost on a busy machine.
+    m_process.start("jackd", {"-n", name, "-r", "-T", "-d", "dummy", "-r", "48000", "-p", "4096"});
     m_process.waitForStarted();
     for (int attempt = 0; attempt < 50 && !m_process.waitForFinished(100); ++attempt) {
         auto client = std::make_unique<RtMidiIn>(RtMidi::UNIX_JACK, "tests");

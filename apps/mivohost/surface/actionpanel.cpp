@@ -196,7 +196,11 @@ void ActionPanel::addConnections()
         setEditing(false);
         m_edit->setFocus();
     });
-    connect(&m_manager, &ShortCutMgr::signalShortCutSave, &m_keys, &KeyTriggers::setBindings);
+    connect(&m_manager, &ShortCutMgr::signalShortCutSave, this,
+            [this](const STLinkShortCutInfo& info) {
+                m_hasKeys = !info.shortCutInfoList.empty();
+                m_keys.setBindings(info);
+            });
     connect(&m_manager, &ShortCutMgr::signalClearShortCutState, this, &ActionPanel::showState);
     connect(&m_manager, &ShortCutMgr::signalUpdateClearPeripheralsState, this,
             &ActionPanel::showState);
@@ -232,7 +236,7 @@ bool ActionPanel::hasBindings() const
     case PeripheralOsc:
         return false; // addresses are bound for good
     default:
-        return !m_manager.linkShortCutInfo().shortCutInfoList.empty();
+        return m_hasKeys;
     }
 }
 
@@ -327,10 +331,6 @@ void ActionPanel::setEditing(bool on)
 void ActionPanel::setKind()
 {
     if (m_editing) {
-        // Closed for the kind before, so that its service stops learning.
-        for (const auto each : {PeripheralMidi, PeripheralDmx, PeripheralOsc}) {
-            m_manager.slotShowAllShortCutCover(false, each);
-        }
         m_manager.slotShowAllShortCutCover(true, kind());
     }
     showState();

@@ -88,6 +88,7 @@ private:
     Peripherals& m_peripherals;
     bool m_editing = false;
     bool m_locked = false;
+    bool m_hasKeys = false; // any is bound
     std::string m_oscUrl;
     QLabel* m_heading;
     QPushButton* m_edit;

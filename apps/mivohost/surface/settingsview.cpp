@@ -45,8 +45,7 @@ QString hostStyleSheet()
     return QString::fromUtf8(sheet.readAll());
 }
 
-SettingsView::SettingsView(IZRRuntime& runtime, MivoSettings& settings, QWidget* parent,
-                           const SettingsServices& services)
+SettingsView::SettingsView(IZRRuntime& runtime, QWidget* parent, const SettingsServices& services)
     : m_dialog(std::make_unique<SettingsDialog>(parent))
 {
     m_dialog->loadLanguageFiles(languageFiles());
@@ -55,9 +54,9 @@ SettingsView::SettingsView(IZRRuntime& runtime, MivoSettings& settings, QWidget*
     const auto add = [&](auto* page, int priorityIndex) {
         page->setZRRuntime(&runtime);
         page->setPriorityIndex(priorityIndex);
-        page->setSettings(&settings);
         m_dialog->insertSettingBox(page);
         m_pages.push_back(page);
+        m_bindings.push_back([page](MivoSettings& settings) { page->setSettings(&settings); });
     };
     auto* general = new GeneralSettingBox;
     general->setProgramDispatch(services.programs);
@@ -83,19 +82,34 @@ SettingsView::SettingsView(IZRRuntime& runtime, MivoSettings& settings, QWidget*
     codec->setRenderFacade(services.cards);
     codec->setPhysicsOutputMgr(services.outputs);
     add(codec, 30);
-    // A list that is not known yet comes by itself; without any card there is nothing to show.
-    if (services.cards != nullptr
-        && !callInRuntime(&runtime, __FILE__, __LINE__, "SettingsView", [&services] {
-                return services.cards->graphicsCards();
-            }).empty()) {
-        codec->updateDisplayCardInfo();
-    }
     auto* audio = new AudioSettingBox;
     audio->setMsgCenterMgr(services.messages);
     audio->setProgramDispatch(services.programs);
     audio->setProjectFileMgr(services.projectFile);
     add(audio, 10);
+    m_bindings.push_back([&runtime, codec, cards = services.cards](MivoSettings& /*settings*/) {
+        // A list that is not known yet comes by itself; without any card there is nothing to show.
+        if (cards != nullptr && !callInRuntime(&runtime, __FILE__, __LINE__, "bind", [cards] {
+                                     return cards->graphicsCards();
+                                 }).empty()) {
+            codec->updateDisplayCardInfo();
+        }
+    });
     switchLanguage(SettingWdigetTranslateManager::instance().translator().language());
+}
+
+SettingsView::SettingsView(IZRRuntime& runtime, MivoSettings& settings, QWidget* parent,
+                           const SettingsServices& services)
+    : SettingsView(runtime, parent, services)
+{
+    bind(settings);
+}
+
+void SettingsView::bind(MivoSettings& settings)
+{
+    for (const auto& bindPage : m_bindings) {
+        bindPage(settings);
+    }
 }
 
 SettingsView::~SettingsView() = default;

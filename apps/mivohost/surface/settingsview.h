@@ -2,6 +2,7 @@
 
 #include <QtCore/QString>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -55,14 +56,19 @@ struct SettingsServices
     velorn::msgcenter::IMsgCenterMgr* messages = nullptr;
 };
 
-/// The settings dialog with all pages, bound to a store. GUI thread.
+/// The settings dialog with all pages. GUI thread.
 class SettingsView
 {
 public:
-    /// `parent` may be null. `runtime` and `settings` must outlive the view.
+    /// Its pages are bound to no store yet. `parent` may be null. `runtime` must outlive the view.
+    SettingsView(IZRRuntime& runtime, QWidget* parent, const SettingsServices& services = {});
+    /// The same, bound.
     SettingsView(IZRRuntime& runtime, MivoSettings& settings, QWidget* parent,
                  const SettingsServices& services = {});
     ~SettingsView();
+
+    /// Binds all pages to a store, which must outlive the view.
+    void bind(MivoSettings& settings);
 
     mivo::settings::SettingsDialog& dialog() { return *m_dialog; }
     const std::vector<mivo::settings::ISettingBox*>& pages() const { return m_pages; }
@@ -73,6 +79,7 @@ public:
 private:
     std::unique_ptr<mivo::settings::SettingsDialog> m_dialog;
     std::vector<mivo::settings::ISettingBox*> m_pages; // owned by the dialog
+    std::vector<std::function<void(MivoSettings&)>> m_bindings;
 };
 
 } // namespace mivohost
