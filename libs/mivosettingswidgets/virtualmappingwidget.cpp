@@ -21,8 +21,9 @@
 
 #include <algorithm>
 #include <optional>
-#include <set>
 #include <string_view>
+#include <unordered_map>
+#include <unordered_set>
 #include <utility>
 
 namespace mivo::settings {
@@ -80,20 +81,53 @@ bool contains(const List& list, const Value& value)
     return std::find(list.begin(), list.end(), value) != list.end();
 }
 
-using TakenCards = std::set<std::pair<std::string_view, std::string_view>>;
+/// Of each device, the ids of the cards that are chosen in other mappings; views into `mappings`.
+using TakenCards = std::unordered_map<std::string_view, std::unordered_set<std::string_view>>;
 
-/// Device and id of the cards that are chosen in other mappings; views into `mappings`.
 TakenCards takenFrom(std::uint64_t ownId, const QVector<STSoundCardMappingInfo>& mappings)
 {
     TakenCards taken;
     for (const auto& mapping : mappings) {
         if (mapping.id != ownId) {
             for (const auto& card : mapping.soundCards) {
-                taken.emplace(card.device, card.id);
+                taken[card.device].insert(card.id);
             }
         }
     }
     return taken;
+}
+
+/// Whether `value` was another one.
+template <typename Value>
+bool replace(Value& value, const Value& wanted)
+{
+    const bool isOther = value != wanted;
+    if (isOther) {
+        value = wanted;
+    }
+    return isOther;
+}
+
+/// Whether `offered` had to become those of `cards` that are free.
+bool replaceOffers(std::vector<STSoundCardInfo>& offered, const std::vector<STSoundCardInfo>& cards,
+                   const std::unordered_set<std::string_view>& taken)
+{
+    std::vector<const STSoundCardInfo*> free;
+    for (const STSoundCardInfo& card : cards) {
+        if (taken.count(card.id) == 0) {
+            free.push_back(&card);
+        }
+    }
+    const bool isSame = std::equal(
+        free.begin(), free.end(), offered.begin(), offered.end(),
+        [](const STSoundCardInfo* one, const STSoundCardInfo& other) { return *one == other; });
+    if (!isSame) {
+        std::vector<STSoundCardInfo> wanted;
+        std::transform(free.begin(), free.end(), std::back_inserter(wanted),
+                       [](const STSoundCardInfo* card) { return *card; });
+        offered = std::move(wanted);
+    }
+    return !isSame;
 }
 
 } // namespace
@@ -110,9 +144,10 @@ public:
     struct Column
     {
         std::string device;
-        QString caption;
+        std::string caption;
         std::vector<STSoundCardInfo> offered;
         bool visible = true;
+        bool isShown = false; // what stands above
 
         QWidget* box = nullptr; // of all that follows
         QLabel* label = nullptr;
@@ -308,31 +343,29 @@ void VirtualMappingWidget::Impl::resetOffers(const STSoundCardMappingsInfo& know
     if (m_columns.empty()) {
         resetColumns(known);
     }
+    bool isChoiceOther = false;
     for (const auto& mapping : known.mappings) {
-        if (mapping.id == m_info.id) {
-            m_info.soundCards = mapping.soundCards;
-        }
+        isChoiceOther |= mapping.id == m_info.id && replace(m_info.soundCards, mapping.soundCards);
     }
-    const TakenCards taken = takenFrom(m_info.id, known.mappings);
+    TakenCards taken = takenFrom(m_info.id, known.mappings);
+    std::unordered_map<std::string_view, const STDeviceSoundCards*> devices;
+    for (const auto& device : known.devices) {
+        devices.emplace(device.device, &device);
+    }
+    static const STDeviceSoundCards none;
     for (const auto& column : m_columns) {
-        column->offered.clear();
-        column->caption = QString::fromStdString(column->device);
-        for (const auto& device : known.devices) {
-            if (device.device != column->device) {
-                continue;
-            }
-            if (!device.caption.empty()) {
-                column->caption = QString::fromStdString(device.caption);
-            }
-            column->visible = device.visible;
-            std::copy_if(device.soundCards.begin(), device.soundCards.end(),
-                         std::back_inserter(column->offered), [&](const auto& card) {
-                             return taken.count({device.device, card.id}) == 0;
-                         });
+        const auto found = devices.find(column->device);
+        const STDeviceSoundCards& device = found == devices.end() ? none : *found->second;
+        column->visible = found == devices.end() ? column->visible : device.visible;
+        bool isOther = isChoiceOther || !column->isShown;
+        isOther |=
+            replace(column->caption, device.caption.empty() ? column->device : device.caption);
+        isOther |= replaceOffers(column->offered, device.soundCards, taken[column->device]);
+        if (isOther) {
+            showColumn(*column);
         }
     }
     placeColumns();
-    showAll();
 }
 
 void VirtualMappingWidget::Impl::placeColumns()
@@ -372,6 +405,7 @@ void VirtualMappingWidget::Impl::orderTabStops()
 
 void VirtualMappingWidget::Impl::showColumn(Column& column)
 {
+    column.isShown = true;
     const STChosenSoundCard* chosen = chosenOn(column.device);
     QStringList texts{text(QStringLiteral("None"))};
     std::vector<std::string> ids{std::string()};
@@ -401,8 +435,8 @@ void VirtualMappingWidget::Impl::showColumn(Column& column)
     column.combo->setCurrentIndex(current);
     column.combo->setToolTip(current == 0 ? QString() : texts[current]);
 
-    const QString caption =
-        !column.caption.isEmpty() ? column.caption : text(QStringLiteral("ThisMachine"));
+    const QString caption = !column.caption.empty() ? QString::fromStdString(column.caption)
+                                                    : text(QStringLiteral("ThisMachine"));
     if (caption != column.label->text()) {
         column.label->setText(caption);
         column.label->setToolTip(caption);
