@@ -1,7 +1,8 @@
 // The audio page at its largest: 20 mappings, and 16 devices of 32 cards each besides this machine.
 // Each notification from its announcement until the page shows it; "rebuilds" is how many lists of
-// combo boxes were made anew for it. The floor is one raw combo box that is filled with as many
-// items.
+// combo boxes were made anew for it. The floor is a page of as many raw controls in the same look,
+// on which the same boxes are filled, made or hidden. Nothing changes on it when nothing of a
+// cluster has, so that has no floor.
 
 #include "runtime/runtimethread.h"
 #include "support/hostlanguage.h"
@@ -16,7 +17,11 @@
 #include <QtCore/QAbstractItemModel>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QComboBox>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QPushButton>
 #include <QtWidgets/QScrollArea>
+#include <QtWidgets/QVBoxLayout>
 
 #include <functional>
 
@@ -126,17 +131,172 @@ void measure(benchmark::State& state,
         benchmark::Counter(large.rebuilds, benchmark::Counter::kAvgIterations);
 }
 
-void floorFill(benchmark::State& state)
+/// A row of raw controls for each mapping.
+class RawPage
 {
-    QComboBox combo;
-    QStringList texts;
-    for (const auto& card : cards(cardCount)) {
-        texts.append(QString::fromStdString(card.caption));
+public:
+    RawPage()
+    {
+        for (const auto& card : cards(cardCount)) {
+            m_texts.append(QString::fromStdString(card.caption));
+        }
     }
+
+    void make()
+    {
+        auto* page = new QWidget;
+        m_column = new QVBoxLayout(page);
+        for (int mapping = 0; mapping < mappingCount; ++mapping) {
+            makeRow();
+        }
+        m_area.setWidget(page);
+        m_area.setWidgetResizable(true);
+        m_area.resize(1000, 700);
+        m_area.show();
+    }
+
+    void makeRow()
+    {
+        auto* row = new QWidget;
+        auto* layout = new QVBoxLayout(row);
+        auto* line = new QHBoxLayout;
+        line->addWidget(new QLabel("Name"));
+        line->addWidget(new QLineEdit);
+        line->addWidget(new QPushButton("Delete"));
+        layout->addLayout(line);
+        auto* grid = new QGridLayout;
+        layout->addLayout(grid);
+        m_rows.push_back({row, grid, {}});
+        for (int device = 0; device <= deviceCount; ++device) {
+            makeBox(m_rows.back());
+        }
+        m_column->addWidget(row);
+    }
+
+    void deleteRow()
+    {
+        delete m_rows.back().widget;
+        m_rows.pop_back();
+    }
+
+    void fillBoxes()
+    {
+        for (const auto& row : m_rows) {
+            row.boxes[3].second->clear();
+            row.boxes[3].second->addItems(m_texts);
+        }
+    }
+
+    void makeBoxes()
+    {
+        for (auto& row : m_rows) {
+            makeBox(row);
+        }
+    }
+
+    void deleteBoxes()
+    {
+        for (auto& row : m_rows) {
+            delete row.boxes.back().first;
+            row.boxes.pop_back();
+        }
+    }
+
+    void showBoxes(bool visible)
+    {
+        for (const auto& row : m_rows) {
+            row.boxes[3].first->setVisible(visible);
+        }
+    }
+
+private:
+    struct Row
+    {
+        QWidget* widget;
+        QGridLayout* grid;
+        std::vector<std::pair<QWidget*, QComboBox*>> boxes;
+    };
+
+    void makeBox(Row& row)
+    {
+        auto* widget = new QWidget;
+        auto* column = new QVBoxLayout(widget);
+        auto* combo = new QComboBox;
+        combo->addItems(m_texts);
+        column->addWidget(new QLabel("Device"));
+        column->addWidget(combo);
+        const int place = static_cast<int>(row.boxes.size());
+        row.grid->addWidget(widget, place / 3, place % 3);
+        row.boxes.emplace_back(widget, combo);
+    }
+
+    QScrollArea m_area;
+    QStringList m_texts;
+    QVBoxLayout* m_column = nullptr;
+    std::vector<Row> m_rows;
+};
+
+/// Changes a raw page again and again; every second time it undoes the first.
+void measureFloor(benchmark::State& state, const std::function<void(RawPage&, bool)>& change)
+{
+    qApp->setStyleSheet(mivohost::hostStyleSheet());
+    RawPage page;
+    page.make();
+    LargePage::settle();
+    bool odd = false;
     for (auto _ : state) {
-        combo.clear();
-        combo.addItems(texts);
+        odd = !odd;
+        change(page, odd);
+        LargePage::settle();
     }
+}
+
+void initialFloor(benchmark::State& state)
+{
+    qApp->setStyleSheet(mivohost::hostStyleSheet());
+    for (auto _ : state) {
+        state.PauseTiming();
+        {
+            RawPage page;
+            state.ResumeTiming();
+            page.make();
+            LargePage::settle();
+            state.PauseTiming();
+        }
+        state.ResumeTiming();
+    }
+}
+
+void fillFloor(benchmark::State& state)
+{
+    measureFloor(state, [](RawPage& page, bool /*odd*/) { page.fillBoxes(); });
+}
+
+void deviceFloor(benchmark::State& state)
+{
+    measureFloor(state, [](RawPage& page, bool odd) {
+        if (odd) {
+            page.deleteBoxes();
+        } else {
+            page.makeBoxes();
+        }
+    });
+}
+
+void visibilityFloor(benchmark::State& state)
+{
+    measureFloor(state, [](RawPage& page, bool odd) { page.showBoxes(!odd); });
+}
+
+void mappingFloor(benchmark::State& state)
+{
+    measureFloor(state, [](RawPage& page, bool odd) {
+        if (odd) {
+            page.deleteRow();
+        } else {
+            page.makeRow();
+        }
+    });
 }
 
 void initial(benchmark::State& state)
@@ -204,22 +364,30 @@ void mappingAddedAndDeleted(benchmark::State& state)
     });
 }
 
-BENCHMARK(floorFill)->Name("soundcards/floor")->Unit(benchmark::kMillisecond);
-BENCHMARK(initial)->Name("soundcards/initial")->Unit(benchmark::kMillisecond)->Iterations(10);
-BENCHMARK(cardChosen)->Name("soundcards/card")->Unit(benchmark::kMillisecond)->Iterations(40);
-BENCHMARK(cardGone)->Name("soundcards/gone")->Unit(benchmark::kMillisecond)->Iterations(40);
-BENCHMARK(clusterChanged)
-    ->Name("soundcards/cluster")
-    ->Unit(benchmark::kMillisecond)
-    ->Iterations(40);
-BENCHMARK(deviceComesAndGoes)
-    ->Name("soundcards/device")
-    ->Unit(benchmark::kMillisecond)
-    ->Iterations(20);
-BENCHMARK(visibility)->Name("soundcards/visible")->Unit(benchmark::kMillisecond)->Iterations(40);
-BENCHMARK(mappingAddedAndDeleted)
-    ->Name("soundcards/mapping")
-    ->Unit(benchmark::kMillisecond)
-    ->Iterations(20);
+const bool added = [] {
+    const struct
+    {
+        const char* name;
+        void (*function)(benchmark::State&);
+    } all[]{{"initial/floor", initialFloor},
+            {"initial/ours", initial},
+            {"card/floor", fillFloor},
+            {"card/ours", cardChosen},
+            {"gone/floor", fillFloor},
+            {"gone/ours", cardGone},
+            {"cluster/ours", clusterChanged},
+            {"device/floor", deviceFloor},
+            {"device/ours", deviceComesAndGoes},
+            {"visible/floor", visibilityFloor},
+            {"visible/ours", visibility},
+            {"mapping/floor", mappingFloor},
+            {"mapping/ours", mappingAddedAndDeleted}};
+    for (const auto& [name, function] : all) {
+        benchmark::RegisterBenchmark((std::string("soundcards_") + name).c_str(), function)
+            ->Unit(benchmark::kMillisecond)
+            ->Iterations(function == initial || function == initialFloor ? 10 : 20);
+    }
+    return true;
+}();
 
 } // namespace

@@ -21,17 +21,19 @@
 #include <QtWidgets/QListWidget>
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QRadioButton>
+#include <QtWidgets/QScrollArea>
 #include <QtWidgets/QStackedWidget>
 #include <QtWidgets/QTimeEdit>
 
 #include <memory>
 
 /// Opening the settings dialog, ours and the floor: a plain QDialog with a QStackedWidget and as
-/// many raw Qt controls, of the same kinds, in as many sections and group boxes.
+/// many raw Qt controls, of the same kinds and with the same style sheets of their own, in as many
+/// sections, which scroll, and group boxes.
 namespace opening {
 
 /// What the floor is made of: for each page its section, title and controls. One line an entry,
-/// "kind<TAB>text", so that it can be handed to another process.
+/// "kind<TAB>text<TAB>style sheet", so that it can be handed to another process.
 using Recipe = QStringList;
 
 /// The kind of a control as the floor knows it; empty for what is part of another control.
@@ -109,7 +111,7 @@ inline Recipe recipeOf(mivohost::SettingsView& view)
             recipe.append("page\t" + page->title());
             const auto children = page->findChildren<QWidget*>();
             for (const QWidget* child : children) {
-                recipe.append(rawKind(child) + '\t' + textOf(child));
+                recipe.append(rawKind(child) + '\t' + textOf(child) + '\t' + child->styleSheet());
             }
         }
     }
@@ -144,12 +146,16 @@ inline RawDialog makeRaw(const Recipe& recipe)
     QVBoxLayout* page = nullptr;
     for (const QString& line : recipe) {
         const QString kind = line.section('\t', 0, 0);
-        const QString text = line.section('\t', 1);
+        const QString text = line.section('\t', 1, 1);
+        const QString sheet = line.section('\t', 2);
         if (kind == "section") {
             navigation->addWidget(new QPushButton(QStringLiteral("Section")));
             auto* widget = new QWidget;
             section = new QVBoxLayout(widget);
-            stack->addWidget(widget);
+            auto* area = new QScrollArea;
+            area->setWidgetResizable(true);
+            area->setWidget(widget);
+            stack->addWidget(area);
             raw.controls.push_back(nullptr);
         } else if (kind == "page") {
             auto* box = new QGroupBox(text);
@@ -160,6 +166,9 @@ inline RawDialog makeRaw(const Recipe& recipe)
             QWidget* control = makeRawControl(kind, text);
             if (control != nullptr) {
                 page->addWidget(control);
+                if (!sheet.isEmpty()) {
+                    control->setStyleSheet(sheet);
+                }
             }
             raw.controls.push_back(control);
         }
@@ -172,7 +181,7 @@ inline void setRawTexts(const RawDialog& raw, const Recipe& recipe)
 {
     for (std::size_t i = 0; i < raw.controls.size(); ++i) {
         QWidget* control = raw.controls[i];
-        const QString text = recipe[static_cast<int>(i)].section('\t', 1);
+        const QString text = recipe[static_cast<int>(i)].section('\t', 1, 1);
         if (auto* label = qobject_cast<QLabel*>(control)) {
             label->setText(text);
         } else if (auto* button = qobject_cast<QAbstractButton*>(control)) {

@@ -27,7 +27,9 @@
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
 
+#include <atomic>
 #include <csignal>
+#include <thread>
 
 namespace {
 
@@ -90,6 +92,31 @@ private:
     QProcess m_process;
     QByteArray m_said;
     RfbClient m_person;
+};
+
+/// Sends messages of a bound address as fast as it can, while it lives.
+class Flood
+{
+public:
+    explicit Flood(quint16 port)
+        : m_thread([this, port] {
+              QUdpSocket socket;
+              const QByteArray message("/Peripherals/Stage/Take\0,i\0\0\0\0\0\1", 32);
+              while (!m_ends) {
+                  socket.writeDatagram(message, QHostAddress::LocalHost, port);
+              }
+          })
+    {}
+
+    ~Flood()
+    {
+        m_ends = true;
+        m_thread.join();
+    }
+
+private:
+    std::atomic<bool> m_ends{false};
+    std::thread m_thread;
 };
 
 class Host : public ::testing::Test
@@ -333,7 +360,7 @@ TEST_F(Host, KeysAndControllersAreBoundTriggerAndAreThereAfterARestart)
     };
     const auto trigger = [&](Program& program) {
         program.person().key(RfbClient::f5);
-        EXPECT_TRUE(program.says("action Global/OutputSwitch by F5"));
+        EXPECT_TRUE(program.says("action Global/FTBSwitch by F5"));
         sendOsc("/Peripherals/Stage/Take");
         EXPECT_TRUE(program.says("action Stage/Take by 1"));
         EXPECT_TRUE(repeat([] { sendDmx(); },
@@ -354,8 +381,18 @@ TEST_F(Host, KeysAndControllersAreBoundTriggerAndAreThereAfterARestart)
         person.key(RfbClient::f5); // of the first action
         EXPECT_TRUE(program.says("keys of /Peripherals/Global/OutputSwitch: F5"));
         person.key(RfbClient::tab);
-        person.key(RfbClient::f5); // and of the second: the question is answered with no
-        QTest::qWait(1000);
+        // And of the second: the question is answered with no, and then with yes.
+        for (const bool yes : {false, true}) {
+            person.key(RfbClient::f5);
+            QTest::qWait(1000);
+            if (yes) {
+                person.key(RfbClient::tab);
+            }
+            person.key(RfbClient::enter);
+            QTest::qWait(500);
+        }
+        EXPECT_TRUE(program.says("keys of /Peripherals/Global/OutputSwitch: none"));
+        EXPECT_TRUE(program.says("keys of /Peripherals/Global/FTBSwitch: F5"));
         ASSERT_TRUE(repeat([&] { person.key(RfbClient::escape); },
                            [&] { return program.says("end of editing", 500); }));
         // From the button, where the focus is now, to the kinds: MIDI, then DMX.
@@ -387,6 +424,13 @@ TEST_F(Host, KeysAndControllersAreBoundTriggerAndAreThereAfterARestart)
     ASSERT_TRUE(again.hasScreen());
     ASSERT_TRUE(again.says("window open"));
     trigger(again);
+    {
+        const Flood flood(oscPort);
+        for (int i = 0; i < 10; ++i) {
+            again.person().key(RfbClient::f5);
+            EXPECT_TRUE(again.says("action Global/FTBSwitch by F5", 5000)) << i;
+        }
+    }
     again.person().chord({RfbClient::control, 'q'});
     EXPECT_TRUE(again.ends());
 }

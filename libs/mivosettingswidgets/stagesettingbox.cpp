@@ -48,9 +48,9 @@ QColor typedColor(const QString& text)
     return match.hasMatch() ? QColor('#' + match.captured(1)) : QColor();
 }
 
-PushButton* swatch(const QString& objectName = {})
+PushButton* swatch(const QString& objectName, QWidget* parent = nullptr)
 {
-    auto* button = new PushButton;
+    auto* button = new PushButton(parent);
     button->setObjectName(objectName);
     button->setFixedSize(swatchSize, swatchSize);
     return button;
@@ -212,7 +212,8 @@ QHBoxLayout* StageSettingBox::Impl::presetsRow(ColorRow& row)
     buttons->setSpacing(0);
     for (std::size_t id = 0; id < row.differs.presets.size(); ++id) {
         const auto preset = QString::fromLatin1(row.differs.presets[id]);
-        PushButton* button = swatch();
+        // With its parent, since a change of that is dear with a style sheet.
+        PushButton* button = swatch({}, owner);
         button->setCheckable(true);
         // No blank before the border's colour; kept on purpose.
         button->setStyleSheet("QPushButton{background-color:" + preset
