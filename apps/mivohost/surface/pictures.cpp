@@ -35,6 +35,7 @@ void showPage(QWidget* dialog, QWidget* page)
     int id = sections->indexOf(section);
     for (QPushButton* button : buttons) {
         if (button->property("style") == QLatin1String("settingBtn") && id-- == 0) {
+            button->setFocus();
             button->click();
         }
     }
@@ -64,6 +65,9 @@ bool drawPictures(MainWindow& window, const QString& folder)
     window.show();
     window.openSettings();
     auto& dialog = window.settings().dialog();
+    if (auto* add = dialog.findChild<QPushButton*>(QStringLiteral("addMapping"))) {
+        add->click(); // an editor, since there is none at first
+    }
     for (const QString& language : {QStringLiteral("en"), QStringLiteral("zh_cn")}) {
         window.switchLanguage(language);
         saved = save(window, QStringLiteral("mainwindow"), language) && saved;
