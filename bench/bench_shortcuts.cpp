@@ -132,7 +132,7 @@ void saveFloor(benchmark::State& state)
         }
         writer.EndArray();
         writer.EndObject();
-        text.assign(buffer.GetString(), buffer.GetSize());
+        text = std::string(buffer.GetString(), buffer.GetSize()); // made anew by every save
         benchmark::DoNotOptimize(text.data());
     }
     count(state, text);
