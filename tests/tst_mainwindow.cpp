@@ -6,25 +6,15 @@
 #include "surface/hosttext.h"
 #include "system/tray.h"
 
+#include "support/dialogs.h"
 #include "support/hostlanguage.h"
 #include "support/logcapture.h"
 #include "support/teststore.h"
 
-#include <mivosettingswidgets/settingwdigettranslatemanager.h>
-
-#include <gtest/gtest.h>
-
-#include <QtCore/QFile>
 #include <QtCore/QTemporaryDir>
-#include <QtCore/QTimer>
 #include <QtTest/QSignalSpy>
-#include <QtTest/QTest>
-#include <QtWidgets/QAction>
-#include <QtWidgets/QApplication>
-#include <QtWidgets/QLabel>
 #include <QtWidgets/QMenuBar>
 #include <QtWidgets/QMessageBox>
-#include <QtWidgets/QPushButton>
 #include <QtWidgets/QTreeWidget>
 
 namespace mainwindowtest {
@@ -56,11 +46,9 @@ protected:
     /// Presses the button at that place of the next question; notes the question's text.
     void answer(int button)
     {
-        QTimer::singleShot(0, &window, [this, button] {
-            auto* question = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-            ASSERT_NE(question, nullptr);
-            asked.append(question->text());
-            QTest::mouseClick(question->buttons().at(button), Qt::LeftButton);
+        whenModal<QMessageBox>([this, button](QMessageBox& question) {
+            asked.append(question.text());
+            QTest::mouseClick(question.buttons().at(button), Qt::LeftButton);
         });
     }
     enum Answer { save, stay, drop }; // in the order of QMessageBox::buttons()
@@ -133,18 +121,14 @@ TEST_F(Window, AsksBeforeChangesAreLost)
 
     window.show();
     project.play(5);
-    runtime.call([this] { store.setNotPromptForSave(true); });
-    window.close();
-    EXPECT_EQ(closed.size(), 2) << "without a question";
-}
-
-TEST_F(Window, EndsWhereThereIsNoTrayToHideTo)
-{
     ASSERT_FALSE(QSystemTrayIcon::isSystemTrayAvailable());
-    runtime.call([this] { store.setCloseSoftWareMinimize(true); });
     window.showTray();
+    runtime.call([this] {
+        store.setNotPromptForSave(true);
+        store.setCloseSoftWareMinimize(true);
+    });
     window.close();
-    EXPECT_EQ(closed.size(), 1);
+    EXPECT_EQ(closed.size(), 2) << "without a question, and there is no tray to hide to";
 }
 
 TEST_F(Window, OpensRecentFilesFromItsMenu)

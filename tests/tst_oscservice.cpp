@@ -54,8 +54,7 @@ protected:
         service.controlMessage.connect(
             [this](int type, const std::string& path, const std::string& value) {
                 const std::lock_guard lock(mutex);
-                (path == "/Peripherals/the/end" ? ended : used)
-                    .push_back(std::to_string(type) + ' ' + path + ' ' + value);
+                used.push_back(std::to_string(type) + ' ' + path + ' ' + value);
             });
         service.bindResult.connect([this](const SDeviceBindInfo& info, bool isBound) {
             results.emplace_back(info, isBound);
@@ -67,6 +66,12 @@ protected:
     }
 
     void enable() { service.setInfo({true, port}); }
+
+    bool isPortFree() const
+    {
+        return QUdpSocket().bind(QHostAddress::AnyIPv4, static_cast<quint16>(port),
+                                 QUdpSocket::DontShareAddress);
+    }
 
     void send(const QByteArray& bytes) const
     {
@@ -81,17 +86,16 @@ protected:
         send(message("/Peripherals/the/end"));
         EXPECT_TRUE(QTest::qWaitFor([this] {
             const std::lock_guard lock(mutex);
-            return !ended.empty();
+            return !used.empty() && used.back() == "211 /Peripherals/the/end ";
         })) << "the server has gone";
         const std::lock_guard lock(mutex);
-        ended.clear();
+        used.pop_back();
         return std::exchange(used, {});
     }
 
     int port = 0;
     std::mutex mutex;
     std::vector<std::string> used;
-    std::vector<std::string> ended;
     std::vector<std::pair<SDeviceBindInfo, bool>> results;
     std::vector<std::string> failures;
     OscService service;
@@ -109,36 +113,27 @@ TEST_F(Osc, AnotherProgramTriggersActionsByTheirPaths)
     }
     enable();
     EXPECT_TRUE(failures.empty());
-    const struct
-    {
-        QStringList arguments;
-        Used used;
-    } cases[]{
-        {{"/Peripherals/Global/OutputSwitch"}, {"187 " + output + " "}},
-        {{"/Peripherals/Global/OutputSwitch", "i", "1"}, {"187 " + output + " 1"}},
-        {{"/Peripherals/Global/OutputSwitch", "f", "0.5"}, {"187 " + output + " 0.5"}},
-        {{"/Peripherals/Global/OutputSwitch", "T"}, {"187 " + output + " true"}},
-        {{"/Peripherals/Global/OutputSwitch", "s", "go"}, {"187 " + output + " go"}},
-        {{"/Peripherals/Global/OutputSwitch", "si", "go", "0"}, {"187 " + output + " go"}},
-        {{"/Peripherals/Global/OutputSwitch", "i", "0"}, {}},
-        {{"/Peripherals/Global/OutputSwitch", "f", "0"}, {}},
-        {{"/Peripherals/Global/OutputSwitch", "d", "0"}, {}},
-        {{"/Peripherals/Global/OutputSwitch", "h", "0"}, {}},
-        {{"/Peripherals/Global/OutputSwitch", "F"}, {}},
-        {{"/Peripherals/Global/OutputSwitch", "s", "False"}, {}},
-        {{"/Peripherals/Global/OutputSwitch", "s", "0"}, {}},
-        {{"/Peripherals/group/one", "i", "0"}, {"211 /Peripherals/group/one 0"}},
-        {{"/Peripherals/组/1"}, {"211 /Peripherals/组/1 "}},
-        {{"/Peripherals/Global/outputSwitch"}, {"211 /Peripherals/Global/outputSwitch "}},
-        {{"/Other/Global/OutputSwitch"}, {}},
-        {{"/Peripherals/"}, {}},
-        {{"/peripherals/a/b"}, {}},
+    const auto came = [&](const QString& sent) {
+        const QString url = QStringLiteral("osc.udp://127.0.0.1:%1").arg(port);
+        EXPECT_EQ(QProcess::execute(oscsend, QStringList(url) + sent.split(' ')), 0);
+        return take();
     };
-    for (const auto& test : cases) {
-        const int exitCode = QProcess::execute(
-            oscsend, QStringList{QString("osc.udp://127.0.0.1:%1").arg(port)} + test.arguments);
-        ASSERT_EQ(exitCode, 0);
-        EXPECT_EQ(take(), test.used) << test.arguments.join(' ').toStdString();
+    const QString button = QString::fromStdString(output);
+    EXPECT_EQ(came(button), Used{"187 " + output + ' '});
+    const std::pair<const char*, const char*> values[]{
+        {"i 1", "1"}, {"f 0.5", "0.5"}, {"T", "true"}, {"s go", "go"}, {"si go 0", "go"}};
+    for (const auto& [sent, value] : values) {
+        EXPECT_EQ(came(button + ' ' + sent), Used{"187 " + output + ' ' + value}) << sent;
+    }
+    for (const char* release : {"i 0", "f 0", "d 0", "h 0", "F", "s False", "s 0"}) {
+        EXPECT_EQ(came(button + ' ' + release), Used()) << release;
+    }
+    EXPECT_EQ(came("/Peripherals/group/one i 0"), Used{"211 /Peripherals/group/one 0"});
+    for (const char* path : {"/Peripherals/组/1", "/Peripherals/Global/outputSwitch"}) {
+        EXPECT_EQ(came(path), Used{std::string("211 ") + path + ' '});
+    }
+    for (const char* other : {"/Other/Global/OutputSwitch", "/Peripherals/", "/peripherals/a/b"}) {
+        EXPECT_EQ(came(other), Used()) << other;
     }
 }
 
@@ -179,14 +174,13 @@ TEST_F(Osc, WhateverElseComesIsIgnoredAndCounted)
     for (const QByteArray& bytes : datagrams) {
         const std::size_t before = service.ignored();
         send(bytes);
-        EXPECT_EQ(take(), Used()) << bytes.left(60).toPercentEncoding().toStdString();
-        EXPECT_EQ(service.ignored(), before + 1)
-            << bytes.left(60).toPercentEncoding().toStdString();
+        const std::string what = bytes.left(60).toPercentEncoding().toStdString();
+        EXPECT_EQ(take(), Used()) << what;
+        EXPECT_EQ(service.ignored(), before + 1) << what;
     }
     send(QByteArray());
     send(nested);
-    const Used deep = take();
-    EXPECT_LE(deep.size(), 1U);
+    EXPECT_LE(take().size(), 1U);
 }
 
 TEST_F(Osc, BundlesOfLaterAreNotPiledUp)
@@ -207,10 +201,7 @@ TEST_F(Osc, NothingTriggersWhileItIsLockedOrDisabled)
     send(message(output.c_str()));
     EXPECT_EQ(take().size(), 1U);
     service.setInfo({false, port});
-    QUdpSocket socket;
-    EXPECT_TRUE(socket.bind(QHostAddress::AnyIPv4, static_cast<quint16>(port),
-                            QUdpSocket::DontShareAddress))
-        << "the port is free";
+    EXPECT_TRUE(isPortFree());
 }
 
 TEST_F(Osc, APortThatIsTakenIsAnErrorAndNothingIsLeftHalfWay)
@@ -223,10 +214,7 @@ TEST_F(Osc, APortThatIsTakenIsAnErrorAndNothingIsLeftHalfWay)
         ASSERT_EQ(failures.size(), 1U);
         EXPECT_NE(failures[0].find(std::to_string(other.localPort())), std::string::npos);
         EXPECT_EQ(service.info(), (SAddOSCInfo{true, other.localPort()}));
-        QUdpSocket socket;
-        EXPECT_TRUE(socket.bind(QHostAddress::AnyIPv4, static_cast<quint16>(port),
-                                QUdpSocket::DontShareAddress))
-            << "the port before is free";
+        EXPECT_TRUE(isPortFree()) << "the one before";
     }
     enable();
     ASSERT_EQ(failures.size(), 2U);

@@ -3,17 +3,7 @@
 #include "support/testruntime.h"
 #include "support/teststore.h"
 
-#include <mivosettingswidgets/shortcutmgr.h>
-
 #include <gtest/gtest.h>
-
-#include <QtCore/QThread>
-#include <QtCore/QTimer>
-#include <QtNetwork/QUdpSocket>
-#include <QtTest/QTest>
-
-#include <atomic>
-#include <thread>
 
 namespace peripheralstest {
 
@@ -25,26 +15,11 @@ namespace {
 class PeripheralsOfHost : public ::testing::Test
 {
 protected:
-    PeripheralsOfHost()
-    {
-        QUdpSocket socket;
-        EXPECT_TRUE(socket.bind(QHostAddress::AnyIPv4));
-        port = socket.localPort();
-    }
-
     QVariantHash rows()
     {
         return runtime.call([this] { return store.kept.rows; });
     }
 
-    /// One OSC message without arguments.
-    void sendOsc(QByteArray address) const
-    {
-        address.append(QByteArray(4 - address.size() % 4, '\0')).append(",\0\0\0", 4);
-        QUdpSocket().writeDatagram(address, QHostAddress::LocalHost, port);
-    }
-
-    std::uint16_t port = 0;
     TestStore store;
     TestRuntime runtime;
 };
@@ -99,44 +74,6 @@ TEST_F(PeripheralsOfHost, RowsThatCannotBeAreReset)
         const TestStore read({{test.key, test.row}});
         EXPECT_EQ(read.kept.writes.empty(), test.usable) << test.key << ' ' << test.row;
     }
-}
-
-TEST_F(PeripheralsOfHost, MessagesOfTheNetworkReachTheManagerAlsoInAFlood)
-{
-    Peripherals peripherals(runtime, store);
-    mivo::settings::ShortCutMgr manager;
-    peripherals.giveTo(manager);
-    std::vector<std::string> said;
-    bool isOnThisThread = true;
-    QObject::connect(&manager, &mivo::settings::ShortCutMgr::signalPeripheralsControl,
-                     [&](int action, const std::string& path, const std::string& value) {
-                         isOnThisThread =
-                             isOnThisThread && QThread::currentThread() == manager.thread();
-                         said.push_back(std::to_string(action) + ' ' + path + ' ' + value);
-                     });
-    peripherals.osc().setInfo({true, port});
-    sendOsc("/Peripherals/Global/MuteSwitch");
-    sendOsc("/Peripherals/group/one");
-    EXPECT_TRUE(QTest::qWaitFor([&said] { return said.size() == 2; }));
-    EXPECT_EQ(said,
-              (std::vector<std::string>{"189 /Peripherals/Global/MuteSwitch ", "211 group:one "}));
-
-    std::atomic<bool> ends{false};
-    std::thread flood([&] {
-        while (!ends) {
-            sendOsc("/Peripherals/Global/MuteSwitch");
-        }
-    });
-    int turns = 0;
-    QTimer timer;
-    QObject::connect(&timer, &QTimer::timeout, [&turns] { ++turns; });
-    timer.start(5);
-    const bool hadTurns = QTest::qWaitFor([&turns] { return turns >= 20; }, 30000);
-    ends = true;
-    flood.join();
-    EXPECT_TRUE(hadTurns);
-    EXPECT_GT(said.size(), 2U);
-    EXPECT_TRUE(isOnThisThread);
 }
 
 } // namespace peripheralstest

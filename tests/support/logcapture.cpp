@@ -47,6 +47,13 @@ std::vector<std::string> LogCapture::lines() const
     return m_sink->lines();
 }
 
+testing::AssertionResult LogCapture::hasOnly(const std::string& start) const
+{
+    const auto all = lines();
+    return testing::AssertionResult(all.size() == 1 && all[0].rfind(start, 0) == 0)
+           << testing::PrintToString(all);
+}
+
 void LogCapture::clear()
 {
     m_sink->clear();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <memory>
 #include <mutex>
 #include <string>
@@ -13,6 +15,8 @@ public:
     ~LogCapture();
 
     std::vector<std::string> lines() const;
+    /// Whether there is one line, which begins like that.
+    testing::AssertionResult hasOnly(const std::string& start) const;
     void clear();
 
 private:
