@@ -3,6 +3,7 @@
 #include "runtime/runtimethread.h"
 #include "system/tray.h"
 
+#include "support/files.h"
 #include "support/logcapture.h"
 #include "support/teststore.h"
 
@@ -10,105 +11,41 @@
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
-#include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 
 namespace autostarttest {
 
 using mivohost::Autostart;
 
-namespace {
-
-QString valueOf(const QByteArray& entry, const QString& key)
-{
-    for (const QString& line : QString::fromUtf8(entry).split('\n')) {
-        if (line.startsWith(key + '=')) {
-            return line.mid(key.size() + 1);
-        }
-    }
-    return {};
-}
-
-/// What a desktop makes of an Exec value: the key file's escapes, then the quotes, then the field
-/// codes. An error gives "!".
-QStringList startedBy(const QString& value)
-{
-    QString line;
-    for (int i = 0; i < value.size(); ++i) {
-        if (value[i] != '\\') {
-            line += value[i];
-        } else {
-            const int at = QStringLiteral("sntr\\").indexOf(value.mid(++i, 1));
-            if (at < 0 || i >= value.size()) {
-                return {"!"};
-            }
-            line += QStringLiteral(" \n\t\r\\")[at];
-        }
-    }
-    QStringList arguments;
-    bool inQuotes = false;
-    for (int i = 0; i < line.size(); ++i) {
-        const QChar c = line[i];
-        if (c == '"') {
-            inQuotes = !inQuotes;
-            if (inQuotes) {
-                arguments.append(QString());
-            }
-        } else if (!inQuotes) {
-            if (c != ' ') {
-                return {"!"}; // every argument is expected in quotes
-            }
-        } else if (c == '\\') {
-            arguments.last() += line[++i];
-        } else if (c == '`' || c == '$') {
-            return {"!"};
-        } else if (c == '%') {
-            if (++i >= line.size() || line[i] != '%') {
-                return {"!"};
-            }
-            arguments.last() += '%';
-        } else {
-            arguments.last() += c;
-        }
-    }
-    return inQuotes ? QStringList{"!"} : arguments;
-}
-
-QByteArray contentOf(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-} // namespace
-
+// By the rules of desktop entries: quotes around each argument, in it a backslash before ", `, $
+// and \, and %% for %; on all of that the escapes of a value: \\, \n, \t and \r.
 TEST(AutostartEntry, StartsExactlyThisProgramWithTheseArguments)
 {
-    for (const char* program :
-         {"/usr/bin/mivohost", "/opt/show control/mivohost", "/opt/100%/mivo", "/opt/%u/mivo",
-          "/opt/\"quoted\"/it's", "/opt/back\\slash\\\\two", "/opt/$HOME/`id`", "/opt/a\tb\nc",
-          "/opt/播放/mivo", "/opt/;&|<>*?#()~/mivo"}) {
-        const QStringList arguments{"--store", QString::fromUtf8(program), "", "--start-delay",
-                                    "30"};
-        const QByteArray entry =
-            mivohost::autostartEntry("mivohost", QString::fromUtf8(program), arguments);
-        EXPECT_TRUE(entry.startsWith("[Desktop Entry]\n"));
-        EXPECT_EQ(valueOf(entry, "Type"), "Application");
-        EXPECT_EQ(startedBy(valueOf(entry, "Exec")),
-                  QStringList{QString::fromUtf8(program)} + arguments)
-            << entry.constData();
+    const std::pair<const char*, const char*> cases[]{
+        {"/usr/bin/mivohost", R"("/usr/bin/mivohost")"},
+        {"", R"("")"},
+        {"/opt/show control/it's", R"("/opt/show control/it's")"},
+        {"/opt/播放/;&|<>*?#()~", R"("/opt/播放/;&|<>*?#()~")"},
+        {"/opt/100%/%u%1", R"("/opt/100%%/%%u%%1")"},
+        {"/opt/\"quoted\"", R"("/opt/\\"quoted\\"")"},
+        {R"(/opt/back\slash\\two)", R"("/opt/back\\\\slash\\\\\\\\two")"},
+        {"/opt/$HOME/`id`", R"("/opt/\\$HOME/\\`id\\`")"},
+        {"/opt/a\tb\nc\rd", R"("/opt/a\tb\nc\rd")"},
+    };
+    for (const auto& [text, quoted] : cases) {
+        const QByteArray entry = mivohost::autostartEntry("m\\n", text, {"--store", text, "5"});
+        EXPECT_EQ(entry, QByteArray("[Desktop Entry]\nType=Application\nVersion=1.0\nName=m\\\\n\n")
+                             + "Exec=" + quoted + " \"--store\" " + quoted + " \"5\"\n");
     }
-    // By hand, so that entry and reader cannot be wrong in the same way.
-    EXPECT_EQ(
-        valueOf(mivohost::autostartEntry("m", "/a b/100%\\\"$", {"--start-delay", "5"}), "Exec"),
-        R"("/a b/100%%\\\\\\"\\$" "--start-delay" "5")");
 }
 
 TEST(Autostart, FollowsTheStore)
 {
     const LogCapture log;
     const QString path = Autostart::entryPath();
-    const auto arguments = [&path] { return startedBy(valueOf(contentOf(path), "Exec")); };
+    const auto starts = [&path](const QByteArray& command) {
+        return readFile(path).endsWith("\nExec=" + command + '\n');
+    };
     mivohost::RuntimeThread runtime;
     TestStore store({{"autoStart", 1}, {"autoStartDelayTime", 30}});
     QStringList failures;
@@ -116,10 +53,9 @@ TEST(Autostart, FollowsTheStore)
         const Autostart autostart(runtime, store, "/opt/mivohost", {"--store", "x"},
                                   [&](const QString& why) { failures.append(why); });
         EXPECT_EQ(QFileInfo(path).completeBaseName(), QCoreApplication::applicationName());
-        EXPECT_EQ(arguments(),
-                  (QStringList{"/opt/mivohost", "--store", "x", "--start-delay", "30"}));
+        EXPECT_TRUE(starts(R"("/opt/mivohost" "--store" "x" "--start-delay" "30")"));
         runtime.call([&] { store.setAutoStartDelayTime(300); });
-        EXPECT_EQ(arguments().last(), "300");
+        EXPECT_TRUE(starts(R"("/opt/mivohost" "--store" "x" "--start-delay" "300")"));
         runtime.call([&] { store.setAutoStart(false); });
         EXPECT_FALSE(QFile::exists(path));
         runtime.call([&] { store.setAutoStartDelayTime(0); });
@@ -138,9 +74,7 @@ TEST(Autostart, FollowsTheStore)
 
     // An entry of before goes when the store says off.
     store.setAutoStart(false);
-    QFile left(path);
-    ASSERT_TRUE(left.open(QIODevice::WriteOnly));
-    left.close();
+    writeFile(path);
     const Autostart again(runtime, store, "/opt/mivohost", {}, [](const QString&) {});
     EXPECT_FALSE(QFile::exists(path));
 }

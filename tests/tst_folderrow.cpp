@@ -1,6 +1,7 @@
 #include "folderrow.h"
 
 #include "support/dialogs.h"
+#include "support/files.h"
 
 #include <mivowidgets/editbox.h>
 #include <mivowidgets/pushbutton.h>
@@ -36,8 +37,11 @@ protected:
 
     ~Row() override { delete page; }
 
-    void make()
+    /// A new page with a row.
+    void make(const QString& path = "D:/cache")
     {
+        delete page;
+        page = new QWidget;
         tip = new QLabel("full");
         row = new FolderRow(page, tip, means);
         row->setParent(page);
@@ -48,10 +52,11 @@ protected:
         page->show();
         page->activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(page));
+        row->setPath(path);
     }
 
-    /// Clears on the thread of the row until it is told to end.
-    void clearForever()
+    /// Makes a row that clears, on a thread of its own, until it is told to end.
+    void startClearingForever()
     {
         means.clear = [this](const QString&, const std::function<bool(int)>& goOn) {
             ClearResult result;
@@ -62,11 +67,26 @@ protected:
             clearing = false;
             return result;
         };
+        make();
+        pressClear();
     }
 
+    /// Presses the button, and answers the question whether that is meant.
     void pressClear(TipDialog::Result answer = TipDialog::accepted)
     {
-        whenModal<TipDialog>([answer](TipDialog& dialog) { dialog.done(answer); });
+        whenModal<TipDialog>([this, answer](TipDialog& dialog) {
+            EXPECT_EQ(dialog.parent(), page);
+            EXPECT_EQ(dialog.tipText(), "ClearTips");
+            EXPECT_EQ(dialog.findChild<QLabel*>("tipAssistText")->text(),
+                      QDir::toNativeSeparators(row->path()));
+            QStringList buttons;
+            for (QPushButton* button : dialog.findChildren<QPushButton*>()) {
+                EXPECT_TRUE(button->isVisible());
+                buttons.append(button->text());
+            }
+            EXPECT_EQ(buttons, QStringList({"Cancel", "OK"}));
+            dialog.done(answer);
+        });
         QTest::mouseClick(row->clear, Qt::LeftButton);
     }
 
@@ -74,7 +94,7 @@ protected:
     QStringList asked;
     qint64 available = static_cast<qint64>(99 * gibibyte);
     std::atomic<bool> clearing{false};
-    QPointer<QWidget> page = new QWidget;
+    QPointer<QWidget> page;
     QPointer<FolderRow> row;
     QPointer<QLabel> tip;
     TipWatch watch;
@@ -82,9 +102,10 @@ protected:
 
 } // namespace
 
-TEST_F(Row, ShowsWholeGibibytesAndWarnsBelowOne)
+TEST_F(Row, ShowsPathAndWholeGibibytesAndWarnsBelowOne)
 {
-    make();
+    make({});
+    EXPECT_FALSE(row->clear->isEnabled());
     QSignalSpy checked(row, &FolderRow::spaceChecked);
     const struct
     {
@@ -113,41 +134,29 @@ TEST_F(Row, ShowsWholeGibibytesAndWarnsBelowOne)
         ASSERT_EQ(checked.size(), 1) << test.path;
         EXPECT_EQ(checked[0][0].toBool(), test.usedUp) << test.path;
         EXPECT_EQ(row->edit->cursorPosition(), 0);
+        EXPECT_EQ(row->clear->isEnabled(), *test.path != 0);
 
+        QTest::keyClicks(row->edit, "x");
+        EXPECT_EQ(row->path(), test.path) << "it is for reading";
         row->setPath(test.path);
         EXPECT_EQ(checked.size(), 1) << "the path is shown already";
         EXPECT_EQ(asked.size(), *test.shown ? 1 : 0);
     }
 }
 
-TEST_F(Row, ThePathIsForReadingAndNeededForClearing)
-{
-    make();
-    EXPECT_FALSE(row->clear->isEnabled());
-    row->setPath("D:/cache");
-    EXPECT_TRUE(row->clear->isEnabled());
-    QTest::keyClicks(row->edit, "x");
-    EXPECT_EQ(row->path(), "D:/cache");
-    row->setPath(QString());
-    EXPECT_FALSE(row->clear->isEnabled());
-}
-
 TEST_F(Row, ClearsWhatIsInTheFolderAfterAYesOnly)
 {
     const QTemporaryDir folder;
     ASSERT_TRUE(QDir(folder.path()).mkpath("a/b/c"));
-    QFile file(folder.filePath("a/b/目录.txt"));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.close();
-    make();
-    row->setPath(folder.path());
+    const QString file = folder.filePath("a/b/目录.txt");
+    writeFile(file);
+    make(folder.path());
     QSignalSpy checked(row, &FolderRow::spaceChecked);
 
     for (const auto answer : {TipDialog::dismissed, TipDialog::cancelled}) {
         pressClear(answer);
-        EXPECT_TRUE(QTest::qWaitFor([&] { return watch.tips.empty(); }));
         QTest::qWait(20);
-        EXPECT_TRUE(file.exists());
+        EXPECT_TRUE(QFile::exists(file));
         EXPECT_TRUE(checked.isEmpty());
     }
     pressClear();
@@ -157,64 +166,34 @@ TEST_F(Row, ClearsWhatIsInTheFolderAfterAYesOnly)
     EXPECT_TRUE(watch.tips.empty());
 }
 
-TEST_F(Row, AsksWithTheFolderNamed)
+TEST_F(Row, TellsOfWhatCouldNotBeRemoved)
 {
-    make();
-    row->setPath("/nowhere/目录");
-    whenModal<TipDialog>([this](TipDialog& dialog) {
-        EXPECT_EQ(dialog.parent(), page);
-        EXPECT_EQ(dialog.tipText(), "ClearTips");
-        EXPECT_EQ(dialog.findChild<QLabel*>("tipAssistText")->text(),
-                  QDir::toNativeSeparators("/nowhere/目录"));
-        QStringList buttons;
-        for (QPushButton* button : dialog.findChildren<QPushButton*>()) {
-            EXPECT_TRUE(button->isVisible());
-            buttons.append(button->text());
-        }
-        EXPECT_EQ(buttons, QStringList({"Cancel", "OK"}));
-        dialog.reject();
-    });
-    QTest::mouseClick(row->clear, Qt::LeftButton);
-}
-
-TEST_F(Row, TellsOfAFolderThatMayNotBeCleared)
-{
-    make();
-    for (const QString& folder : {QDir::rootPath(), QDir::homePath(), QString("/nowhere")}) {
+    ClearResult refused;
+    refused.refused = true;
+    ClearResult incomplete;
+    for (int i = 0; i < 12; ++i) {
+        incomplete.notRemoved.append("/kept/" + QString::number(i));
+    }
+    const QString folder = "/kept/目录";
+    for (const auto& [result, text, named] :
+         {std::tuple(refused, "ClearRefused", QDir::toNativeSeparators(folder)),
+          // No more than ten, since the tip must fit on the screen.
+          std::tuple(incomplete, "ClearIncomplete",
+                     incomplete.notRemoved.mid(0, 10).join('\n') + "\nClearMore")}) {
+        means.clear = [&result = result](const QString&, const auto&) { return result; };
+        make(folder);
         watch.tips.clear();
-        row->setPath(folder);
         pressClear();
-        EXPECT_TRUE(QTest::qWaitFor([&] { return watch.tips.size() == 1; }));
-        EXPECT_EQ(watch.tips[0].text, "ClearRefused");
-        EXPECT_EQ(watch.tips[0].assist, QDir::toNativeSeparators(folder));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return watch.tips.size() == 1; })) << text;
+        EXPECT_EQ(watch.tips[0].text, text);
+        EXPECT_EQ(watch.tips[0].assist, named);
         EXPECT_EQ(watch.tips[0].kind, TipDialog::warning);
     }
 }
 
-TEST_F(Row, NamesWhatCouldNotBeRemoved)
-{
-    means.clear = [](const QString&, const std::function<bool(int)>&) {
-        ClearResult result;
-        for (int i = 0; i < 12; ++i) {
-            result.notRemoved.append("/kept/" + QString::number(i));
-        }
-        return result;
-    };
-    make();
-    row->setPath("/kept");
-    pressClear();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return watch.tips.size() == 1; }));
-    EXPECT_EQ(watch.tips[0].text, "ClearIncomplete");
-    EXPECT_TRUE(watch.tips[0].assist.contains("/kept/9\n"));
-    EXPECT_FALSE(watch.tips[0].assist.contains("/kept/10")) << "the tip must fit on the screen";
-}
-
 TEST_F(Row, ALongClearingShowsItsProgressAndCanBeCancelled)
 {
-    clearForever();
-    make();
-    row->setPath("D:/cache");
-    pressClear();
+    startClearingForever();
     asked.clear();
     QTest::qWait(100);
     EXPECT_EQ(QApplication::activeModalWidget(), nullptr) << "a quick one shows nothing";
@@ -236,12 +215,7 @@ TEST_F(Row, ALongClearingShowsItsProgressAndCanBeCancelled)
 TEST_F(Row, ItsPageMayGoOrCloseWhileItClears)
 {
     for (const bool progressIsOpen : {false, true}) {
-        clearForever();
-        delete page;
-        page = new QWidget;
-        make();
-        row->setPath("D:/cache");
-        pressClear();
+        startClearingForever();
         if (progressIsOpen) {
             EXPECT_TRUE(
                 QTest::qWaitFor([] { return QApplication::activeModalWidget() != nullptr; }));
@@ -251,11 +225,7 @@ TEST_F(Row, ItsPageMayGoOrCloseWhileItClears)
         EXPECT_FALSE(clearing) << "the thread has ended";
         EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
     }
-    clearForever();
-    page = new QWidget;
-    make();
-    row->setPath("D:/cache");
-    pressClear();
+    startClearingForever();
     page->close();
     QTest::qWait(700);
     EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
@@ -264,20 +234,12 @@ TEST_F(Row, ItsPageMayGoOrCloseWhileItClears)
 
 TEST_F(Row, ItsPageMayGoWhileItAsksOrTells)
 {
-    means.clear = [](const QString&, const std::function<bool(int)>&) {
-        ClearResult result;
-        result.refused = true;
-        return result;
-    };
     make();
-    row->setPath("D:/cache");
     whenModal<TipDialog>([this](TipDialog& /*dialog*/) { delete page; });
     QTest::mouseClick(row->clear, Qt::LeftButton);
     EXPECT_TRUE(QTest::qWaitFor([this] { return page.isNull(); }));
 
-    page = new QWidget;
-    make();
-    row->setPath("D:/cache");
+    make("/nowhere"); // cannot be cleared
     watch.tips.clear();
     pressClear();
     watch.onTip = [this] { delete page; };

@@ -167,47 +167,23 @@ TEST_F(MayBeCleared, RefusesRootsAndWhatTheHomeLiesIn)
     qputenv("HOME", home.c_str());
     check(true, {work, work / "", work / "../outside", home / "media", root / "to media",
                  root / "to home/media", root / "elsewhere"});
-    check(false, {"",
-                  ".",
-                  "work",
-                  "~",
-                  ":/",
-                  "/",
-                  "//",
-                  "/..",
-                  "/proc",
-                  "/proc/",
-                  root,
-                  home,
-                  home / "",
-                  home / "media/..",
-                  home / ".",
-                  root / "users",
-                  root / "users/../users/",
-                  root / "to home",
-                  root / "to home/",
-                  root / "to root",
-                  root / "to home/..",
-                  work / "file",
-                  work / "gone",
-                  work / "gone/.."});
+    check(false, {"", ".", "work", "~", ":/", "/", "//", "/..", "/proc", "/proc/"});
+    check(false,
+          {root, root / "users", root / "users/../users/", root / "to root", root / "to home/.."});
+    check(false,
+          {home, home / "", home / "media/..", home / ".", root / "to home", root / "to home/"});
+    check(false, {work / "file", work / "gone", work / "gone/.."});
     EXPECT_FALSE(mayBeCleared(text(work) + QChar::Null + "/gone"));
+    for (const QString& path : {text(home), text(work / "file"), text(work) + QChar::Null}) {
+        const ClearResult result = clearFolder(path);
+        EXPECT_TRUE(result.refused) << path.toStdString();
+        EXPECT_EQ(result.removed, 0);
+    }
     qputenv("HOME", (root / "users/linked").c_str());
     check(true, {home, root / "elsewhere/real home/media"});
     check(false, {root / "users", root / "users/linked", root / "elsewhere/real home",
                   root / "elsewhere"});
     qputenv("HOME", before);
-}
-
-TEST_F(ClearFolder, RefusesWhatMayNotBeCleared)
-{
-    for (const QString& path :
-         {QString(), QString("."), text(work / "gone"), text(outside / "kept"), QDir::homePath(),
-          text(work) + QChar::Null}) {
-        const ClearResult result = clearFolder(path);
-        EXPECT_TRUE(result.refused) << path.toStdString();
-        EXPECT_EQ(result.removed, 0);
-    }
 }
 
 TEST_F(ClearFolder, RemovesAllInItAndNothingThatALinkLeadsTo)
@@ -219,10 +195,9 @@ TEST_F(ClearFolder, RemovesAllInItAndNothingThatALinkLeadsTo)
     fs::create_symlink(outside / "kept", work / "file link");
     fs::create_symlink("nowhere", work / "dangling link");
     fs::create_hard_link(outside / "kept", work / "hard link");
-    for (const std::string& name :
-         {std::string("folder/file"), std::string("媒体.mp4"), std::string(".hidden"),
-          std::string("line\nbreak"), std::string("\xff\xfe not UTF-8"), std::string(255, 'n'),
-          std::string("folder/sub/read-only")}) {
+    for (const fs::path& name : std::vector<fs::path>{
+             "folder/file", "媒体.mp4", ".hidden", "line\nbreak", "\xff\xfe not UTF-8",
+             std::string(255, 'n'), "folder/sub/read-only"}) {
         write(work / name);
     }
     fs::permissions(work / "folder/sub/read-only", fs::perms::owner_read);

@@ -3,6 +3,7 @@
 
 #include "runtime/runtimethread.h"
 
+#include "support/files.h"
 #include "support/logcapture.h"
 #include "support/teststore.h"
 
@@ -10,7 +11,6 @@
 
 #include <QtCore/QDateTime>
 #include <QtCore/QDir>
-#include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QSignalSpy>
@@ -31,43 +31,24 @@ Project smallShow()
             -1};
 }
 
-void write(const QString& path, const QByteArray& content)
-{
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();
-    file.write(content);
-}
-
-QByteArray read(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 class ProjectTest : public ::testing::Test
 {
 protected:
     /// A store with these rows, and the project file over it.
     void start(const QVariantHash& rows = {})
     {
-        stop();
+        failures.reset();
+        file.reset();
         store = std::make_unique<TestStore>(rows);
         file = std::make_unique<ProjectFile>(runtime, *store);
         failures = std::make_unique<QSignalSpy>(file.get(), &ProjectFile::failed);
         file->start();
     }
-    void stop()
-    {
-        failures.reset();
-        file.reset();
-        store.reset();
-    }
-    ~ProjectTest() override { stop(); }
 
     QString path(const QString& name) const { return folder.filePath(name); }
     QString makeFile(const QString& name, const Project& project = smallShow()) const
     {
-        write(path(name), projectToJson(project));
+        writeFile(path(name), projectToJson(project));
         return path(name);
     }
     bool logged(const std::string& line) const
@@ -89,8 +70,10 @@ protected:
 
 TEST_F(ProjectTest, SurvivesItsFile)
 {
+    EXPECT_FALSE(ProgramDispatch().isUsable());
     start();
     ASSERT_TRUE(file->open(makeFile("show.mivo")));
+    EXPECT_TRUE(runtime.call([this] { return file->dispatch()->isUsable(); }));
     file->play(9);
     runtime.call([this] { file->dispatch()->setDefaultPlayProgram({false, 2, "Two"}); });
     file->refresh();
@@ -118,14 +101,14 @@ TEST_F(ProjectTest, FadeTimesAreGivenToAllProgramsAndSurviveTheFile)
     EXPECT_EQ(fades(1, 3), std::pair(1.5, 0.)) << "a new project takes them from the settings";
     EXPECT_FALSE(file->state().modified);
 
-    write(path("old.mivo"), R"({"mivoProject": 1, "groups": [{"programs": [
+    writeFile(path("old.mivo"), R"({"mivoProject": 1, "groups": [{"programs": [
         {"id": 1}, {"id": 2, "fadeInTime": 3, "fadeOutTime": 10},
         {"id": 3, "fadeInTime": -1, "fadeOutTime": "x"}, {"id": 4, "fadeOutTime": 10.5}]}]})");
     ASSERT_TRUE(file->open(path("old.mivo")));
     EXPECT_EQ(fades(0, 0), std::pair(0.5, 0.5));
-    EXPECT_EQ(fades(0, 1), std::pair(3., 10.));
     EXPECT_EQ(fades(0, 2), std::pair(0.5, 0.5));
     EXPECT_EQ(fades(0, 3), std::pair(0.5, 0.5));
+    EXPECT_EQ(fades(0, 1), std::pair(3., 10.));
 
     const auto apply = [&](double fadeIn, double fadeOut) {
         runtime.call([&] { store->applyFadeTimes(fadeIn, fadeOut); });
@@ -152,7 +135,7 @@ TEST_F(ProjectTest, WhatCannotBeReadLeavesTheOpenOneAsItIs)
     start();
     ASSERT_TRUE(file->open(makeFile("good.mivo")));
     file->play(2);
-    const QByteArray good = read(path("good.mivo"));
+    const QByteArray good = readFile(path("good.mivo"));
     const std::vector<std::pair<const char*, QByteArray>> cases{
         {"empty", ""},
         {"binary", QByteArray(5000, '\xff')},
@@ -167,7 +150,7 @@ TEST_F(ProjectTest, WhatCannotBeReadLeavesTheOpenOneAsItIs)
     };
     int failed = 0;
     for (const auto& [label, content] : cases) {
-        write(path("bad.mivo"), content);
+        writeFile(path("bad.mivo"), content);
         EXPECT_FALSE(file->open(path("bad.mivo"))) << label;
         EXPECT_EQ(failures->size(), ++failed) << label;
     }
@@ -179,7 +162,7 @@ TEST_F(ProjectTest, WhatCannotBeReadLeavesTheOpenOneAsItIs)
     EXPECT_EQ(file->recentFiles(), QStringList{path("good.mivo")});
 
     // Odd, but readable: what is missing is empty.
-    write(path("odd.mivo"), R"({"mivoProject": 1, "groups": [3, {"programs": "x"}],
+    writeFile(path("odd.mivo"), R"({"mivoProject": 1, "groups": [3, {"programs": "x"}],
                                 "defaultPlay": 5, "lastPlayed": "many"})");
     EXPECT_TRUE(file->open(path("odd.mivo")));
     EXPECT_TRUE(file->state().project.defaultPlay.lastTime);
@@ -212,29 +195,6 @@ TEST_F(ProjectTest, ASaveThatNobodyWatchesAsksForNoName)
     file->saveCompleted();
     EXPECT_EQ(nameWanted.size(), 0);
     EXPECT_EQ(QDir(path("saves")).entryList({"unnamed-*.mivo"}).size(), 1);
-}
-
-TEST_F(ProjectTest, OffersItsProgramsToThePages)
-{
-    start();
-    ASSERT_TRUE(file->open(makeFile("show.mivo")));
-    runtime.call([this] {
-        const auto dispatch = file->dispatch();
-        int lists = 0;
-        dispatch->programListChanged.connect([&lists] { ++lists; });
-        EXPECT_TRUE(dispatch->isUsable());
-        const auto groups = dispatch->programGroups();
-        ASSERT_EQ(groups.size(), 3U);
-        const auto last = groups[2].lock();
-        EXPECT_EQ(last->name(), "Last");
-        EXPECT_EQ(last->programs().at(0).lock()->id(), 9);
-        dispatch->create({});
-        EXPECT_EQ(lists, 1);
-        EXPECT_TRUE(groups[0].expired());
-        EXPECT_TRUE(dispatch->programGroups().empty());
-        dispatch->programListChanged.disconnect_all();
-        EXPECT_FALSE(ProgramDispatch().isUsable());
-    });
 }
 
 TEST_F(ProjectTest, PlaysWhatIsChosenWhenItIsOpened)
@@ -281,17 +241,16 @@ TEST_F(ProjectTest, RemembersTheLastFilesAndOpensTheLastOne)
     EXPECT_EQ(file->recentFiles().count(path("show 5.mivo")), 1);
     EXPECT_EQ(file->recentFiles().size(), 7) << "eight, of which one is gone";
     ASSERT_TRUE(file->saveAs(path("new.mivo")));
-    const QVariantHash rows = store->kept.rows;
+    QVariantHash rows = store->kept.rows;
     EXPECT_EQ(file->recentFiles().size(), 8);
 
     start(rows);
     EXPECT_EQ(file->state().file, "") << "the setting is off";
-    QVariantHash opening = rows;
-    opening["openRecentFiles"] = 1;
-    start(opening);
+    rows["openRecentFiles"] = 1;
+    start(rows);
     EXPECT_EQ(file->state().file, path("new.mivo"));
-    write(path("new.mivo"), "garbage");
-    start(opening);
+    writeFile(path("new.mivo"), "garbage");
+    start(rows);
     EXPECT_EQ(file->state().file, "");
     EXPECT_EQ(failures->size(), 1);
     EXPECT_EQ(file->state().project.groups.size(), 3U) << "a new project instead";
@@ -319,7 +278,6 @@ protected:
         autoSave = std::make_unique<AutoSave>(runtime, *store, file->dispatch(),
                                               [this](const QString& why) { told.append(why); });
     }
-    ~AutoSaveTest() override { autoSave.reset(); }
 
     /// Changes the project, then saves at that time of the 4th.
     void saveAt(const char* time)
@@ -347,33 +305,34 @@ TEST_F(AutoSaveTest, KeepsTheNewestOfItsOwnAndTouchesNothingElse)
     saveAt("10:00");
     saveUnchangedAt("10:01");
     EXPECT_EQ(saves(), QStringList{"show-20260504-100000.mivo"});
-    const QByteArray content = read(path("saves/show-20260504-100000.mivo"));
+    const QByteArray content = readFile(path("saves/show-20260504-100000.mivo"));
     QString error;
     const auto saved = projectFromJson(content, error);
     ASSERT_TRUE(saved.has_value()) << error.toStdString();
     EXPECT_EQ(saved->groups, smallShow().groups);
     EXPECT_EQ(saved->lastPlayed, 1);
     EXPECT_TRUE(file->state().modified) << "the project itself stays unsaved";
-    EXPECT_EQ(read(path("show.mivo")), projectToJson(smallShow()));
+    EXPECT_EQ(readFile(path("show.mivo")), projectToJson(smallShow()));
 
     const QStringList foreign{"show-20200101-000000.mivo",   // of that name, but saved by the user
                               "show-20200101-000001.mivo",   // of another project of that name
                               "show-2-20200101-000000.mivo", // of another name
                               "show-20200101-00000a.mivo", "notes.txt"};
-    write(path("saves/" + foreign[0]), projectToJson(smallShow()));
-    write(path("saves/" + foreign[1]), projectToJson(smallShow(), "/elsewhere/show.mivo"));
+    writeFile(path("saves/" + foreign[0]), projectToJson(smallShow()));
+    writeFile(path("saves/" + foreign[1]), projectToJson(smallShow(), "/elsewhere/show.mivo"));
     for (int i = 2; i < foreign.size(); ++i) {
-        write(path("saves/" + foreign[i]), content);
+        writeFile(path("saves/" + foreign[i]), content);
     }
     for (const char* time : {"10:05", "10:10", "10:15", "10:20"}) {
         saveAt(time);
     }
-    QStringList expected = foreign;
-    expected << "show-20260504-101000.mivo"
-             << "show-20260504-101500.mivo"
-             << "show-20260504-102000.mivo";
-    expected.sort();
-    EXPECT_EQ(saves(), expected);
+    const auto expectBesideForeign = [&](const QStringList& own) {
+        QStringList expected = foreign + own;
+        expected.sort();
+        EXPECT_EQ(saves(), expected);
+    };
+    expectBesideForeign(
+        {"show-20260504-101000.mivo", "show-20260504-101500.mivo", "show-20260504-102000.mivo"});
 
     saveAt("08:00"); // a clock that was set back
     EXPECT_TRUE(saves().contains("show-20260504-080000.mivo"));
@@ -381,16 +340,13 @@ TEST_F(AutoSaveTest, KeepsTheNewestOfItsOwnAndTouchesNothingElse)
     EXPECT_TRUE(saves().contains("show-20260504-102001.mivo"));
     runtime.call([this] { store->setAutoSaveProjectFilesMaxNum(1); });
     saveAt("11:00");
-    expected = foreign;
-    expected << "show-20260504-110000.mivo";
-    expected.sort();
-    EXPECT_EQ(saves(), expected);
+    expectBesideForeign({"show-20260504-110000.mivo"});
     EXPECT_TRUE(told.isEmpty());
 }
 
 TEST_F(AutoSaveTest, AFolderThatFailsIsToldOnceUntilItWorksAgain)
 {
-    write(path("file"), "in the way");
+    writeFile(path("file"), "in the way");
     const auto useFolder = [this](const QString& name) {
         runtime.call([&] { store->setAutoSavePath(name); });
     };
@@ -412,7 +368,7 @@ TEST_F(AutoSaveTest, AFolderThatFailsIsToldOnceUntilItWorksAgain)
     useFolder(path("file"));
     saveAt("10:30");
     EXPECT_EQ(told.size(), 4);
-    EXPECT_EQ(read(path("file")), "in the way");
+    EXPECT_EQ(readFile(path("file")), "in the way");
 }
 
 TEST_F(AutoSaveTest, TicksAsTheSettingsSay)

@@ -1,5 +1,6 @@
 #include "store/sqlitepersistence.h"
 
+#include "support/files.h"
 #include "support/logcapture.h"
 #include "support/otherprocess.h"
 #include "support/teststore.h"
@@ -8,7 +9,6 @@
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
-#include <QtCore/QFile>
 #include <QtCore/QProcess>
 #include <QtCore/QTemporaryDir>
 #include <QtSql/QSqlDatabase>
@@ -43,13 +43,6 @@ class StoreFile : public ::testing::Test
 protected:
     QString path() const { return folder.filePath("settings.sqlite"); }
 
-    void write(const QByteArray& content) const
-    {
-        QFile file(path());
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(content);
-    }
-
     /// Runs statements on the file with nothing of the host's between.
     void execute(const QStringList& statements) const
     {
@@ -71,40 +64,23 @@ protected:
 
 } // namespace
 
-TEST_F(Store, StartsWithTheDefaultsAndKeepsWhatIsSet)
+TEST_F(Store, StartsWithItsDefaultsTakesValuesOverOnceCorrectedAndKeepsThem)
 {
     auto store = make();
     EXPECT_EQ(store->getUndoStep(), 50);
     EXPECT_FALSE(store->getAutoSyncResources());
     EXPECT_EQ(store->getLanguage(), "");
-    store->setUndoStep(80);
+    for (const int step : {80, 80, 0, 100000, 501}) {
+        store->setUndoStep(step);
+    }
+    EXPECT_EQ(announced, (std::vector{80, 1, 500, 500})) << "a control shows what is held";
+    EXPECT_EQ(store->kept.writes.size(), 3U) << "nothing that is there already";
     store->setAutoSyncResources(true);
     store->setLanguage("zh_cn");
-    EXPECT_EQ(announced, std::vector{80});
-    const QVariantHash rows = store->kept.rows;
-    store = make(rows);
-    EXPECT_EQ(store->getUndoStep(), 80);
+    store = make(QVariantHash(store->kept.rows));
+    EXPECT_EQ(store->getUndoStep(), 500);
     EXPECT_TRUE(store->getAutoSyncResources());
     EXPECT_EQ(store->getLanguage(), "zh_cn");
-}
-
-TEST_F(Store, DoesNotWriteWhatIsThereAlready)
-{
-    auto store = make();
-    store->setUndoStep(80);
-    store->setUndoStep(80);
-    EXPECT_EQ(store->kept.writes.size(), 1U);
-    EXPECT_EQ(announced, std::vector{80});
-}
-
-TEST_F(Store, CorrectsWhatNoPageCouldHaveSentAndSaysWhatItHolds)
-{
-    auto store = make();
-    store->setUndoStep(0);
-    store->setUndoStep(100000);
-    store->setUndoStep(501);
-    EXPECT_EQ(store->getUndoStep(), 500);
-    EXPECT_EQ(announced, (std::vector{1, 500, 500}));
 }
 
 TEST_F(Store, KeepsTheColorBeforeOneThatIsNone)
@@ -157,25 +133,19 @@ TEST_F(Store, CorrectsFadeTimesAndRefusesRangesThatThereAreNot)
 
 TEST_F(Store, ResetsUnusableRowsToTheirDefaults)
 {
-    struct Case
-    {
-        QVariant row;
-        bool usable;
-    };
-    const std::vector<Case> cases{{1, true},           {500, true},          {"80", true},
-                                  {0, false},          {501, false},         {-7, false},
-                                  {"many", false},     {"", false},          {2.5, false},
-                                  {QVariant(), false}, {9999999999LL, false}};
-    for (const Case& test : cases) {
+    const std::vector<std::pair<QVariant, bool>> cases{
+        {1, true},    {500, true},           {"80", true},    {0, false},
+        {501, false}, {-7, false},           {"many", false}, {"", false},
+        {2.5, false}, {9999999999LL, false}, {{}, false}};
+    for (const auto& [row, usable] : cases) {
         log.clear();
-        auto store = make({{"undoStep", test.row}, {"fromALaterVersion", "kept"}});
-        EXPECT_EQ(store->getUndoStep() == 50, !test.usable) << test.row.toString().toStdString();
-        EXPECT_EQ(store->kept.rows["undoStep"] == 50, !test.usable);
-        EXPECT_EQ(log.lines().size(), test.usable ? 0U : 1U);
+        auto store = make({{"undoStep", row}, {"fromALaterVersion", "kept"}});
+        EXPECT_EQ(store->getUndoStep() == 50, !usable) << row.toString().toStdString();
+        EXPECT_EQ(store->kept.rows["undoStep"] == 50, !usable);
+        EXPECT_EQ(log.lines().size(), usable ? 0U : 1U);
         EXPECT_EQ(store->kept.rows["fromALaterVersion"], "kept");
     }
-    auto store = make({{"autoSyncResources", 2}});
-    EXPECT_FALSE(store->getAutoSyncResources());
+    EXPECT_FALSE(make({{"autoSyncResources", 2}})->getAutoSyncResources());
 }
 
 TEST_F(Store, AWriteThatFailsChangesNothingAndTellsEverybody)
@@ -222,26 +192,10 @@ TEST_F(StoreFile, IsMadeWithItsFolderAndReadAgain)
               (QVariantHash{{"undoStep", 81}, {"language", "zh_cn"}, {"fadeInTime", 0.1 + 0.2}}));
 }
 
-TEST_F(StoreFile, BelongsToOneProcessUntilThatEnds)
-{
-    auto first = SqlitePersistence::open(path());
-    ASSERT_EQ(first.status, Status::opened);
-    first.persistence->write("undoStep", 80);
-    QProcess second;
-    second.start(QCoreApplication::applicationFilePath(), {"--as-opener", path()});
-    ASSERT_TRUE(second.waitForFinished());
-    EXPECT_EQ(second.exitCode(), static_cast<int>(Status::inUse));
-    first.persistence.reset();
-    second.start(QCoreApplication::applicationFilePath(), {"--as-opener", path()});
-    ASSERT_TRUE(second.waitForFinished());
-    EXPECT_EQ(second.exitCode(), static_cast<int>(Status::opened));
-}
-
 TEST_F(StoreFile, IsPutAsideWhenItCannotBeRead)
 {
-    const QByteArray garbage(5000, 'x');
     const std::vector<std::pair<const char*, std::function<void()>>> cases{
-        {"garbage", [&] { write(garbage); }},
+        {"garbage", [&] { writeFile(path(), QByteArray(5000, 'x')); }},
         {"cut off",
          [&] {
              execute({"CREATE TABLE setting (key TEXT PRIMARY KEY, value) WITHOUT ROWID",
@@ -266,7 +220,7 @@ TEST_F(StoreFile, IsPutAsideWhenItCannotBeRead)
         QFile::remove(path());
     }
     // An empty file is what a crash at the first start leaves; there is nothing in it to keep.
-    write({});
+    writeFile(path());
     EXPECT_EQ(SqlitePersistence::open(path()).status, Status::opened);
 }
 
@@ -305,13 +259,9 @@ TEST_F(StoreFile, LosesNothingThatWasWrittenWhenTheProcessIsKilled)
 
 namespace {
 
-/// What the tests above start of this program as other processes.
-int runAsOtherProcess(const QStringList& arguments)
+int runAsWriter(const QStringList& arguments)
 {
     auto opened = SqlitePersistence::open(arguments.at(1));
-    if (arguments[0] == "--as-opener") {
-        return static_cast<int>(opened.status);
-    }
     int count = opened.persistence->loadAll().value("count").toInt();
     while (opened.persistence->write("count", ++count)) {
         std::printf("%d\n", count);
@@ -321,7 +271,7 @@ int runAsOtherProcess(const QStringList& arguments)
 }
 
 const bool registered = [] {
-    otherProcesses()["--as-opener"] = otherProcesses()["--as-store-writer"] = runAsOtherProcess;
+    otherProcesses()["--as-store-writer"] = runAsWriter;
     return true;
 }();
 
