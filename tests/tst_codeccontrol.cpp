@@ -1,6 +1,7 @@
 #include <mivosettingswidgets/codeccontrolsettingbox.h>
 
 #include "mivohostapi/imediaoutput.h"
+#include "support/dialogs.h"
 #include "support/logcapture.h"
 #include "support/testruntime.h"
 #include "support/teststore.h"
@@ -68,41 +69,17 @@ protected:
         QApplication::processEvents();
     }
 
-    ComboBox* combo(int index) { return page.findChildren<ComboBox*>().at(index); }
-    ComboBox* card() { return combo(0); }
-    ComboBox* range() { return combo(1); }
-    ComboBox* depth() { return combo(2); }
-
-    static QStringList items(const ComboBox* combo)
-    {
-        QStringList texts;
-        for (int i = 0; i < combo->count(); ++i) {
-            texts.append(combo->itemText(i));
-        }
-        return texts;
-    }
-
-    /// As a person chooses in the list that opens.
-    static void choose(ComboBox* combo, int index)
-    {
-        combo->setCurrentIndex(index);
-        emit combo->activated(index);
-    }
-
-    /// "level|message|function" of each line that was logged since the last call by the page.
+    /// "level|message|function()" of each line that was logged since the last call by the page.
     std::vector<std::string> logged()
     {
+        const std::string place = " \n //codeccontrolsettingbox.cpp:";
         std::vector<std::string> found;
-        for (const std::string& line : log.lines()) {
-            const std::string place = " \n //codeccontrolsettingbox.cpp:";
+        for (const std::string& line : log.take()) {
             const auto end = line.find(place);
             if (end != std::string::npos) {
-                const auto function = end + place.size();
-                found.push_back(line.substr(0, end) + '|'
-                                + line.substr(function, line.find('(', function) - function));
+                found.push_back(line.substr(0, end) + '|' + line.substr(end + place.size()));
             }
         }
-        log.clear();
         return found;
     }
     using Lines = std::vector<std::string>;
@@ -113,31 +90,31 @@ protected:
     Cards cards;
     std::shared_ptr<Outputs> outputs = std::make_shared<Outputs>();
     mivo::settings::CodecControlSettingBox page;
+    ComboBox* card = page.findChildren<ComboBox*>()[0];
+    ComboBox* range = page.findChildren<ComboBox*>()[1];
+    ComboBox* depth = page.findChildren<ComboBox*>()[2];
 };
 
 } // namespace
 
 TEST_F(CodecControl, ListsTheCardsAndChoosesTheStoredOneOrTheOneInUse)
 {
-    struct Case
-    {
-        const char* stored;
-        const char* inUse;
-        const char* shown;
-        Lines lines;
-    };
+    using Case = std::tuple<const char*, const char*, const char*, Lines>;
     for (const auto& [stored, inUse, shown, lines] : std::vector<Case>{
              {"Card A", "Card B", "Card A", {}},
              {"Card B", "Card A", "Card B", {}},
              {"", "Card B", "Card B", {}},
              {"card a", "Card B", "Card B", {}}, // another spelling is another card
              {"Unplugged", "Card B", "Card B", {}},
-             {"Unplugged", "Gone", "Card A", {"error|card select err. Gone|updateDisplayCardInfo"}},
+             {"Unplugged",
+              "Gone",
+              "Card A",
+              {"error|card select err. Gone|updateDisplayCardInfo()"}},
          }) {
         cards.inUse = inUse;
         bind(stored);
-        EXPECT_EQ(items(card()), (QStringList{"Card A", "Card B"}));
-        EXPECT_EQ(card()->currentText(), shown) << stored;
+        EXPECT_EQ(itemsOf(card), (QStringList{"Card A", "Card B"}));
+        EXPECT_EQ(card->currentText(), shown) << stored;
         EXPECT_EQ(logged(), lines) << stored;
         EXPECT_EQ(store.held("graphicsCard"), stored) << "not forgotten";
         page.unsetSettings();
@@ -148,23 +125,23 @@ TEST_F(CodecControl, ListsTheCardsAndChoosesTheStoredOneOrTheOneInUse)
     }
 
     // The one that is shown is not the stored one, and may be chosen.
-    choose(card(), card()->currentIndex());
+    chooseItem(card, card->currentIndex());
     EXPECT_EQ(store.held("graphicsCard"), "Card A");
 }
 
 TEST_F(CodecControl, FollowsTheListOfCards)
 {
     bind("Card C");
-    EXPECT_EQ(card()->currentText(), "Card B");
+    EXPECT_EQ(card->currentText(), "Card B");
     cards.names = {"Card C", "Card D"};
     runtime.call([this] { cards.graphicsCardsChanged(); });
-    EXPECT_EQ(card()->count(), 2) << "touched off its thread";
-    EXPECT_EQ(card()->currentText(), "Card B");
+    EXPECT_EQ(card->count(), 2) << "touched off its thread";
+    EXPECT_EQ(card->currentText(), "Card B");
     QApplication::processEvents();
-    EXPECT_EQ(card()->currentText(), "Card C") << "plugged in again";
+    EXPECT_EQ(card->currentText(), "Card C") << "plugged in again";
     runtime.call([this] { store.change("graphicsCard", "Card D"); });
     QApplication::processEvents();
-    EXPECT_EQ(card()->currentText(), "Card D");
+    EXPECT_EQ(card->currentText(), "Card D");
     page.unsetSettings();
     EXPECT_EQ(cards.graphicsCardsChanged.slot_count(), 0U);
     EXPECT_TRUE(store.kept.writes.empty());
@@ -176,8 +153,8 @@ TEST_F(CodecControl, AListThatCannotBeFetchedLeavesTheOneThatIsShown)
     logged();
     const auto stays = [this](const Lines& lines) {
         page.updateDisplayCardInfo();
-        EXPECT_EQ(items(card()).size(), 2);
-        EXPECT_EQ(card()->currentText(), "Card A");
+        EXPECT_EQ(itemsOf(card).size(), 2);
+        EXPECT_EQ(card->currentText(), "Card A");
         EXPECT_EQ(logged(), lines);
     };
     cards.names = {"Other"};
@@ -185,24 +162,19 @@ TEST_F(CodecControl, AListThatCannotBeFetchedLeavesTheOneThatIsShown)
     stays({});
     runtime.refuses = false;
     page.setRenderFacade(nullptr);
-    stays({"warning|renderFacade is nullptr!|updateDisplayCardInfo"});
+    stays({"warning|renderFacade is nullptr!|updateDisplayCardInfo()"});
     page.setRenderFacade(&cards);
     page.setZRRuntime(nullptr);
     stays({"warning|CodecControlSettingBox::setPhysicsOutputMgr zrRuntime is nullptr!"
-           "|updateDisplayCardInfo"});
+           "|updateDisplayCardInfo()"});
     page.setZRRuntime(&runtime);
 }
 
 TEST_F(CodecControl, ShowsTheBitDepthsOfARange)
 {
-    struct Case
-    {
-        mivo::DynamicRangeConfig config;
-        QStringList depths;
-        const char* shown;
-    };
+    using Case = std::tuple<mivo::DynamicRangeConfig, QStringList, const char*>;
     bind();
-    for (const Case& test : std::vector<Case>{
+    for (const auto& [config, depths, shown] : std::vector<Case>{
              {{1, 12}, {"10bit", "12bit"}, "12bit"},
              {{1, 10}, {"10bit", "12bit"}, "10bit"},
              {{1, 8}, {"10bit", "12bit"}, "10bit"},
@@ -212,24 +184,24 @@ TEST_F(CodecControl, ShowsTheBitDepthsOfARange)
              {{2, 8}, {}, ""},
              {{4294967295U, 12}, {}, ""},
          }) {
-        page.updateDynamicRangeConfig(test.config);
-        EXPECT_EQ(items(depth()), test.depths) << test.config;
-        EXPECT_EQ(depth()->currentText(), test.shown) << test.config;
-        EXPECT_EQ(range()->currentText(), "SDR");
+        page.updateDynamicRangeConfig(config);
+        EXPECT_EQ(itemsOf(depth), depths) << config;
+        EXPECT_EQ(depth->currentText(), shown) << config;
+        EXPECT_EQ(range->currentText(), "SDR");
     }
-    depth()->blockSignals(true);
+    depth->blockSignals(true);
     page.updateDynamicRangeConfig({1, 12});
-    EXPECT_TRUE(depth()->signalsBlocked());
+    EXPECT_TRUE(depth->signalsBlocked());
     EXPECT_TRUE(store.kept.writes.empty());
     runtime.call([this] { store.change("dynamicRangeConfig", "0|10"); });
     QApplication::processEvents();
-    EXPECT_EQ(depth()->currentText(), "10bit");
+    EXPECT_EQ(depth->currentText(), "10bit");
 }
 
 TEST_F(CodecControl, WritesTheStandardRangeWhateverIsShownAndTellsTheOutputs)
 {
     bind("Card A");
-    choose(depth(), 1);
+    chooseItem(depth, 1);
     EXPECT_EQ(store.held("dynamicRangeConfig"), "0|10");
     ASSERT_TRUE(outputs->last.has_value());
     EXPECT_EQ(outputs->last->bitDepth, 10U);
@@ -237,49 +209,49 @@ TEST_F(CodecControl, WritesTheStandardRangeWhateverIsShownAndTellsTheOutputs)
     EXPECT_EQ(outputs->last->graphicsCard, "Card A");
     EXPECT_EQ(outputs->last->displayTechnologyStandard, "BT.709");
 
-    range()->addItem("HDR10");
-    range()->setCurrentIndex(1);
-    EXPECT_EQ(items(depth()), (QStringList{"8bit", "10bit"}));
+    range->addItem("HDR10");
+    range->setCurrentIndex(1);
+    EXPECT_EQ(itemsOf(depth), (QStringList{"8bit", "10bit"}));
     EXPECT_EQ(store.held("dynamicRangeConfig"), "0|8") << "the first one";
 
     // What the range that is written does not allow is refused, and what is in force shown again.
     runtime.call([this] { store.change("dynamicRangeConfig", "1|10"); });
     QApplication::processEvents();
-    choose(depth(), 1);
-    EXPECT_EQ(depth()->currentText(), "12bit");
+    chooseItem(depth, 1);
+    EXPECT_EQ(depth->currentText(), "12bit");
     EXPECT_EQ(outputs->last->bitDepth, 12U);
     QApplication::processEvents();
     EXPECT_EQ(store.held("dynamicRangeConfig"), "1|10");
-    EXPECT_EQ(depth()->currentText(), "10bit");
+    EXPECT_EQ(depth->currentText(), "10bit");
     EXPECT_TRUE(logged().empty());
 
     outputs.reset();
-    choose(depth(), 0);
+    chooseItem(depth, 0);
     EXPECT_EQ(logged(), Lines{"warning|CodecControlSettingBox::setPhysicsOutputMgr "
-                              "sharedPhysicsOutputMgr is nullptr!|processDisplayConfigChange"});
+                              "sharedPhysicsOutputMgr is nullptr!|processDisplayConfigChange()"});
     EXPECT_EQ(store.held("dynamicRangeConfig"), "0|10");
 }
 
 TEST_F(CodecControl, SaysWhatIsMissing)
 {
     page.updateDisplayCardInfo();
-    EXPECT_EQ(logged(), Lines{"warning|shareSettings is nullptr!|updateDisplayCardInfo"});
-    EXPECT_EQ(card()->currentText(), "Card B") << "the one in use";
-    choose(card(), 0);
-    EXPECT_EQ(logged(), Lines{"warning|sharedSettings is nullptr!|onGraphicsCardComBoxChanged"});
+    EXPECT_EQ(logged(), Lines{"warning|shareSettings is nullptr!|updateDisplayCardInfo()"});
+    EXPECT_EQ(card->currentText(), "Card B") << "the one in use";
+    chooseItem(card, 0);
+    EXPECT_EQ(logged(), Lines{"warning|sharedSettings is nullptr!|onGraphicsCardComBoxChanged()"});
     page.setZRRuntime(nullptr);
     page.setSettings(&store);
     EXPECT_EQ(logged(), Lines{"warning|CodecControlSettingBox::setSettings zrRuntime is nullptr!"
-                              "|setSettings"});
+                              "|setSettings()"});
     page.unsetSettings();
-    EXPECT_EQ(logged(), Lines{"warning|sharedSettings is nullptr!|unsetSettings"}) << "kept none";
+    EXPECT_EQ(logged(), Lines{"warning|sharedSettings is nullptr!|unsetSettings()"}) << "kept none";
     page.setZRRuntime(&runtime);
     bind();
     logged();
     page.setZRRuntime(nullptr);
     page.unsetSettings();
     EXPECT_EQ(logged(), Lines{"warning|CodecControlSettingBox::unsetSettings zrRuntime is nullptr!"
-                              "|unsetSettings"});
+                              "|unsetSettings()"});
     page.setZRRuntime(&runtime);
 }
 

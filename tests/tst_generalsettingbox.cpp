@@ -1,5 +1,6 @@
 #include <mivosettingswidgets/generalsettingbox.h>
 
+#include "support/dialogs.h"
 #include "support/hostlanguage.h"
 #include "support/logcapture.h"
 #include "support/testruntime.h"
@@ -76,25 +77,12 @@ protected:
 
     General()
     {
-        page = std::make_unique<GeneralSettingBox>();
         page->setZRRuntime(&runtime);
-        const auto boxes = page->findChildren<CheckBox*>();
-        const auto combos = page->findChildren<ComboBox*>();
-        const auto times = page->findChildren<TimeEditBox*>();
-        restart = boxes[2];
-        month = combos[0];
-        day = combos[1];
-        restartTime = times[0];
-        shutdown = boxes[3];
-        weekDay = combos[2];
-        shutdownTime = times[1];
         store.timedShutdownDecided.connect(
             [this](bool now) { happened.emplace_back(now ? "shut down" : "no shutdown"); });
         store.timedAutomaticRestartDecided.connect(
             [this](bool now) { happened.emplace_back(now ? "restart" : "no restart"); });
     }
-
-    ~General() override { page.reset(); }
 
     void bind()
     {
@@ -118,29 +106,16 @@ protected:
     }
 
     /// Has the store ask for a prompt, does `act` once it is open, and returns when it has ended.
-    void whilePromptIsOpen(const std::function<void()>& ask, const std::function<void()>& act)
+    template <typename Count>
+    void ask(Count& count, int seconds, const std::function<void()>& act)
     {
         bool acted = false;
-        QTimer watch;
-        QObject::connect(&watch, &QTimer::timeout, [&] {
-            if (prompt() != nullptr && !std::exchange(acted, true)) {
-                act();
-            }
+        whenModal<TipDialog>([&](TipDialog& /*prompt*/) {
+            acted = true;
+            act();
         });
-        watch.start(5);
-        runtime.call(ask);
-        QApplication::processEvents(); // runs the prompt
-        EXPECT_TRUE(acted) << "no prompt came";
-    }
-
-    void askShutdown(int seconds, const std::function<void()>& act)
-    {
-        whilePromptIsOpen([=] { store.timedShutdownCount(seconds); }, act);
-    }
-
-    void askRestart(int seconds, const std::function<void()>& act)
-    {
-        whilePromptIsOpen([=] { store.timedAutomaticRestartCount(seconds); }, act);
+        runtime.call([&] { count(seconds); });
+        EXPECT_TRUE(QTest::qWaitFor([&] { return acted; }, 11000)) << "no prompt came";
     }
 
     static void press(int button)
@@ -153,14 +128,14 @@ protected:
     TestStore store;
     LogCapture log;
     Words happened; // in this order, on whatever thread, while the others wait
-    std::unique_ptr<GeneralSettingBox> page;
-    CheckBox* restart = nullptr;
-    ComboBox* month = nullptr;
-    ComboBox* day = nullptr;
-    TimeEditBox* restartTime = nullptr;
-    CheckBox* shutdown = nullptr;
-    ComboBox* weekDay = nullptr;
-    TimeEditBox* shutdownTime = nullptr;
+    std::unique_ptr<GeneralSettingBox> page = std::make_unique<GeneralSettingBox>();
+    CheckBox* restart = page->findChildren<CheckBox*>()[2];
+    ComboBox* month = page->findChildren<ComboBox*>()[0];
+    ComboBox* day = page->findChildren<ComboBox*>()[1];
+    TimeEditBox* restartTime = page->findChildren<TimeEditBox*>()[0];
+    CheckBox* shutdown = page->findChildren<CheckBox*>()[3];
+    ComboBox* weekDay = page->findChildren<ComboBox*>()[2];
+    TimeEditBox* shutdownTime = page->findChildren<TimeEditBox*>()[1];
 };
 
 } // namespace
@@ -265,23 +240,23 @@ TEST_F(General, APromptReportsWhatTheOperatorDecides)
     page->setProgramDispatch(dispatch);
     page->setProjectFileMgr(&manager);
     bind();
-    askShutdown(5, [] {
+    ask(store.timedShutdownCount, 5, [] {
         EXPECT_EQ(prompt()->tipText(), "The machine shuts down in 5 seconds unless you cancel.");
         press(TipDialog::accepted);
     });
     EXPECT_EQ(happened, (Words{"save 4096", "saved", "shut down"})) << "saved before";
     happened.clear();
-    askShutdown(5, [] { press(TipDialog::cancelled); });
-    askShutdown(5, [] { prompt()->close(); });
-    askRestart(5, [] { press(TipDialog::cancelled); });
+    ask(store.timedShutdownCount, 5, [] { press(TipDialog::cancelled); });
+    ask(store.timedShutdownCount, 5, [] { prompt()->close(); });
+    ask(store.timedAutomaticRestartCount, 5, [] { press(TipDialog::cancelled); });
     EXPECT_EQ(happened, (Words{"no shutdown", "no shutdown", "no restart"}));
 
     happened.clear();
     dispatch->usable = false;
-    askRestart(5, [] { press(TipDialog::accepted); });
+    ask(store.timedAutomaticRestartCount, 5, [] { press(TipDialog::accepted); });
     page->setProgramDispatch(nullptr);
     page->setProjectFileMgr(nullptr);
-    askRestart(5, [] { press(TipDialog::accepted); });
+    ask(store.timedAutomaticRestartCount, 5, [] { press(TipDialog::accepted); });
     EXPECT_EQ(happened, (Words{"saved", "restart", "restart"}));
 }
 
@@ -289,12 +264,10 @@ TEST_F(General, ACountDownThatRunsOutReportsTwice)
 {
     bind();
     page->switchLanguage("zh_cn");
-    QStringList shown;
-    askShutdown(1, [&] {
-        shown.append(prompt()->tipText());
-        QTimer::singleShot(900, prompt(), [&] { EXPECT_NE(prompt(), nullptr); });
+    ask(store.timedShutdownCount, 1, [] {
+        EXPECT_EQ(prompt()->tipText(), QStringLiteral("电脑将在1秒后关机。"));
+        QTimer::singleShot(900, prompt(), [] { EXPECT_NE(prompt(), nullptr); });
     });
-    EXPECT_EQ(shown, QStringList{QStringLiteral("电脑将在1秒后关机。")});
     EXPECT_EQ(happened, (Words{"shut down", "no shutdown"}));
     happened.clear();
     runtime.call([this] { store.timedAutomaticRestartCount(0); });
@@ -306,7 +279,7 @@ TEST_F(General, ARestartWaitsForTheShutdownPromptAndGoesOnWhenThatIsCancelled)
 {
     bind();
     QString restartText;
-    askShutdown(30, [&] {
+    ask(store.timedShutdownCount, 30, [&] {
         TipDialog* const shutdownPrompt = prompt();
         runtime.call([this] { store.timedAutomaticRestartCount(20); });
         QTimer::singleShot(3200, Qt::PreciseTimer, shutdownPrompt, [&, shutdownPrompt] {
@@ -325,7 +298,7 @@ TEST_F(General, ARestartWaitsForTheShutdownPromptAndGoesOnWhenThatIsCancelled)
 
     // Confirmed, the shutdown leaves no room for a restart.
     happened.clear();
-    askShutdown(30, [&] {
+    ask(store.timedShutdownCount, 30, [&] {
         runtime.call([this] { store.timedAutomaticRestartCount(20); });
         QTimer::singleShot(0, prompt(), [] { press(TipDialog::accepted); });
     });
@@ -337,32 +310,30 @@ TEST_F(General, ASecondRequestCountsAnewInTheSamePrompt)
     bind();
     for (const bool isShutdown : {true, false}) {
         auto& count = isShutdown ? store.timedShutdownCount : store.timedAutomaticRestartCount;
-        whilePromptIsOpen([&] { count(30); },
-                          [&] {
-                              TipDialog* const first = prompt();
-                              runtime.call([&] { count(50); });
-                              QTimer::singleShot(0, first, [first] {
-                                  EXPECT_EQ(prompt(), first);
-                                  EXPECT_NE(first->tipText().indexOf("50"), -1);
-                                  press(TipDialog::cancelled);
-                              });
-                          });
+        ask(count, 30, [&] {
+            TipDialog* const first = prompt();
+            runtime.call([&] { count(50); });
+            QTimer::singleShot(0, first, [first] {
+                EXPECT_EQ(prompt(), first);
+                EXPECT_NE(first->tipText().indexOf("50"), -1);
+                press(TipDialog::cancelled);
+            });
+        });
     }
     EXPECT_EQ(happened, (Words{"no shutdown", "no restart"}));
 }
 
-TEST_F(General, ThePageMayEndInItsPrompt)
+TEST_F(General, ThePageMayEndAndTheRuntimeMayStopWhileAPromptIsOpen)
 {
     bind();
-    askShutdown(30, [&] { page.reset(); });
+    ask(store.timedShutdownCount, 30, [&] { page.reset(); });
     EXPECT_TRUE(happened.empty());
     EXPECT_EQ(store.connections(), 0U);
-}
 
-TEST_F(General, TheRuntimeMayStopWhileAPromptIsOpen)
-{
+    page = std::make_unique<GeneralSettingBox>();
+    page->setZRRuntime(&runtime);
     bind();
-    askShutdown(30, [&] {
+    ask(store.timedShutdownCount, 30, [&] {
         runtime.stop();
         press(TipDialog::accepted);
     });
@@ -387,10 +358,12 @@ TEST_F(General, TheShellEndsAPromptOnlyWhileItRuns)
     QProcess process;
     process.start(shell, {QStringLiteral("60")});
     ASSERT_TRUE(process.waitForStarted());
-    askShutdown(30, [this] { runtime.call([this] { store.linkShutdown(false); }); });
+    ask(store.timedShutdownCount, 30,
+        [this] { runtime.call([this] { store.linkShutdown(false); }); });
     EXPECT_EQ(happened, Words{"no shutdown"});
     happened.clear();
-    askRestart(30, [this] { runtime.call([this] { store.linkRestart(true); }); });
+    ask(store.timedAutomaticRestartCount, 30,
+        [this] { runtime.call([this] { store.linkRestart(true); }); });
     EXPECT_EQ(happened, (Words{"restart", "no restart"}));
     process.kill();
     process.waitForFinished();
@@ -400,10 +373,8 @@ TEST_F(General, SaysWhereTheStoreIsMissing)
 {
     page->setSettings(nullptr);
     page->unsetSettings();
-    ASSERT_EQ(log.lines().size(), 1U);
-    EXPECT_EQ(log.lines()[0].find("warning|sharedSettings is nullptr \n //generalsettingbox.cpp:"
-                                  "setSettings()#"),
-              0U);
+    EXPECT_EQ(log.take(),
+              Words{"warning|sharedSettings is nullptr \n //generalsettingbox.cpp:setSettings()"});
 }
 
 } // namespace generalsettingboxtest

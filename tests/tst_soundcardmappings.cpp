@@ -23,23 +23,23 @@ protected:
     void open(const QVariantHash& rows = {})
     {
         store = std::make_unique<TestStore>(rows);
-        store->soundCardMappingAdded.connect(
-            [this](const STSoundCardMappingInfo& info) { note("added", info); });
-        store->soundCardMappingChanged.connect(
-            [this](const STSoundCardChangeInfo& info) { note("changed", info); });
+        noteEach("added", store->soundCardMappingAdded);
+        noteEach("changed", store->soundCardMappingChanged);
+        noteEach("enabled", store->soundCardEnabled);
+        noteEach("disabled", store->soundCardDisabled);
+        noteEach("visible", store->deviceSoundCardVisibleChanged);
         store->soundCardMappingDeleted.connect(
             [this](const STSoundCardMappingInfo& info) { note("deleted", info.id); });
-        store->soundCardEnabled.connect(
-            [this](const STLocalSoundCardList& list) { note("enabled", list); });
-        store->soundCardDisabled.connect(
-            [this](const STLocalSoundCardList& list) { note("disabled", list); });
         store->clusterNodeSoundCardsChanged.connect([this] { told.push_back("cluster"); });
         store->clusterDeviceSoundCardsDeleted.connect(
             [this](const std::vector<std::string>& devices) { note("left", devices.at(0)); });
-        store->deviceSoundCardVisibleChanged.connect(
-            [this](const STDeviceSoundCardVisibleInfo& info) { note("visible", info); });
     }
 
+    template <typename Signal>
+    void noteEach(const char* what, Signal& signal)
+    {
+        signal.connect([this, what](const auto& value) { note(what, value); });
+    }
     template <typename Value>
     void note(const char* what, const Value& value)
     {
@@ -112,13 +112,11 @@ TEST_F(Mappings, RefuseWhatCannotBeAndAnswerWithWhatIsHeld)
     change(1, SoundCardChangeLocalCard, {"", "a", {}, 2, 1});
     takeTold();
     const auto before = mappings();
-    const std::string heldName = "changed 2; 2; Output 2; ; ; ; 2; 1; ; ";
-    for (const char* name : {"", "  ", " Main", "Output 1", "Output 2"}) {
+    for (const std::string& name :
+         Lines{"", "  ", " Main", "Output 1", "Output 2", std::string(65, 'x')}) {
         rename(2, name);
-        EXPECT_EQ(takeTold(), Lines{heldName}) << name;
+        EXPECT_EQ(takeTold(), Lines{"changed 2; 2; Output 2; ; ; ; 2; 1; ; "}) << name;
     }
-    rename(2, std::string(65, 'x'));
-    EXPECT_EQ(takeTold(), Lines{heldName});
     change(2, SoundCardChangeLocalCard, {"", "a", {}, 2, 1}); // taken
     change(2, SoundCardChangeLocalCard, {"", "gone", {}, 2, 1});
     EXPECT_EQ(takeTold(), Lines(2, "changed 2; 1; ; ; ; ; 2; 1; ; "));
@@ -141,19 +139,6 @@ TEST_F(Mappings, RefuseWhatCannotBeAndAnswerWithWhatIsHeld)
     EXPECT_EQ(takeTold(), Lines{"added 0; 1; ; ; "});
 }
 
-TEST_F(Mappings, AWriteThatFailsLeavesThemAsTheyAre)
-{
-    open();
-    add();
-    store->kept.fails = true;
-    takeTold();
-    add();
-    rename(1, "Main");
-    change(1, SoundCardChangeDeletion);
-    EXPECT_EQ(takeTold(), (Lines{"added 0; 1; ; ; ", "changed 1; 2; Output 1; ; ; ; 2; 1; ; "}));
-    EXPECT_EQ(mappings().size(), 1U);
-}
-
 TEST_F(Mappings, TextsThatTheyCannotBeAreResetAndLogged)
 {
     const auto mapping = [](const char* id, const char* name, const char* card = "") {
@@ -165,33 +150,28 @@ TEST_F(Mappings, TextsThatTheyCannotBeAreResetAndLogged)
         many.append(mapping(qPrintable(QString::number(i)), qPrintable("M" + QString::number(i))));
     }
     const QString two = mapping("1", "A", card) + ',' + mapping("2", "B");
-    struct Case
-    {
-        QString list;
-        std::size_t usable;
-    };
-    for (const Case& test :
-         std::vector<Case>{{two, 2},
-                           {many.mid(0, 20).join(','), 20},
-                           {many.join(','), 0},
-                           {mapping("0", "A"), 0},
-                           {mapping("-1", "A"), 0},
-                           {mapping("1e300", "A"), 0},
-                           {mapping("2", "A") + ',' + mapping("1", "B"), 0},
-                           {mapping("1", "A") + ',' + mapping("2", "A"), 0},
-                           {mapping("1", ""), 0},
-                           {mapping("1", "A", card) + ',' + mapping("2", "B", card), 0},
-                           {mapping("1", "A", qPrintable(QStringLiteral("%1,%1").arg(card))), 0},
-                           {mapping("1", "A", R"({"device":"","id":"","channels":2})"), 0},
-                           {mapping("1", "A", R"({"device":"","id":"a","channels":0})"), 0},
-                           {"7", 0},
-                           {"{", 0}}) {
+    for (const auto& [list, usable] : std::vector<std::pair<QString, std::size_t>>{
+             {two, 2},
+             {many.mid(0, 20).join(','), 20},
+             {many.join(','), 0},
+             {mapping("0", "A"), 0},
+             {mapping("-1", "A"), 0},
+             {mapping("1e300", "A"), 0},
+             {mapping("2", "A") + ',' + mapping("1", "B"), 0},
+             {mapping("1", "A") + ',' + mapping("2", "A"), 0},
+             {mapping("1", ""), 0},
+             {mapping("1", "A", card) + ',' + mapping("2", "B", card), 0},
+             {mapping("1", "A", qPrintable(QStringLiteral("%1,%1").arg(card))), 0},
+             {mapping("1", "A", R"({"device":"","id":"","channels":2})"), 0},
+             {mapping("1", "A", R"({"device":"","id":"a","channels":0})"), 0},
+             {"7", 0},
+             {"{", 0}}) {
         log.clear();
-        open({{"soundCardMappings", "{\"mappings\":[" + test.list + "]}"}});
-        EXPECT_EQ(mappings().size(), test.usable) << test.list.toStdString();
-        EXPECT_EQ(log.lines().size(), test.usable == 0 ? 1U : 0U) << test.list.toStdString();
+        open({{"soundCardMappings", "{\"mappings\":[" + list + "]}"}});
+        EXPECT_EQ(mappings().size(), usable) << list.toStdString();
+        EXPECT_EQ(log.lines().size(), usable == 0 ? 1U : 0U) << list.toStdString();
         add();
-        EXPECT_EQ(mappings().size(), std::min<std::size_t>(test.usable + 1, 20));
+        EXPECT_EQ(mappings().size(), std::min<std::size_t>(usable + 1, 20));
     }
 }
 

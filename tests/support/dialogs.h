@@ -8,6 +8,7 @@
 #include <QtCore/QTimer>
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QComboBox>
 #include <QtWidgets/QDialogButtonBox>
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QLabel>
@@ -38,6 +39,33 @@ void whenModal(std::function<void(Window&)> act)
                          }
                      });
     timer->start(10);
+}
+
+/// Types over what a field holds, and leaves it.
+inline void typeInto(QWidget* field, const QString& text)
+{
+    field->setFocus();
+    QTest::keySequence(field, QKeySequence::SelectAll);
+    QTest::keyClicks(field, text);
+    QTest::keyClick(field, Qt::Key_Return);
+    field->clearFocus();
+    QApplication::processEvents();
+}
+
+/// As a person chooses in the list that opens.
+inline void chooseItem(QComboBox* combo, int index)
+{
+    combo->setCurrentIndex(index);
+    emit combo->activated(index);
+}
+
+inline QStringList itemsOf(const QComboBox* combo)
+{
+    QStringList texts;
+    for (int i = 0; i < combo->count(); ++i) {
+        texts.append(combo->itemText(i));
+    }
+    return texts;
 }
 
 /// Types the folder and presses the accept button, as a person does.

@@ -4,6 +4,8 @@
 
 #include <spdlog/sinks/base_sink.h>
 
+#include <regex>
+
 class LogCapture::Sink : public spdlog::sinks::base_sink<std::mutex>
 {
 public:
@@ -52,6 +54,17 @@ testing::AssertionResult LogCapture::hasOnly(const std::string& start) const
     const auto all = lines();
     return testing::AssertionResult(all.size() == 1 && all[0].rfind(start, 0) == 0)
            << testing::PrintToString(all);
+}
+
+std::vector<std::string> LogCapture::take()
+{
+    static const std::regex sourceLine("#[1-9][0-9]*\\.$");
+    auto lines = m_sink->lines();
+    for (std::string& line : lines) {
+        line = std::regex_replace(line, sourceLine, "");
+    }
+    clear();
+    return lines;
 }
 
 void LogCapture::clear()

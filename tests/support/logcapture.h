@@ -17,6 +17,8 @@ public:
     std::vector<std::string> lines() const;
     /// Whether there is one line, which begins like that.
     testing::AssertionResult hasOnly(const std::string& start) const;
+    /// Those since the last call, without the number of the source line that ends a warning.
+    std::vector<std::string> take();
     void clear();
 
 private:
