@@ -18,15 +18,28 @@ PeripheralMailbox::PeripheralMailbox(QObject* owner, Deliver deliver)
     : m_owner(owner), m_deliver(std::move(deliver))
 {}
 
-PeripheralMailbox::Pointer PeripheralMailbox::make(QObject* owner, Deliver deliver)
-{
-    return Pointer(new PeripheralMailbox(owner, std::move(deliver)));
-}
-
 void PeripheralMailbox::close()
 {
     const std::lock_guard lock(m_mutex);
     m_owner = nullptr;
+}
+
+bool PeripheralMailbox::isOpen()
+{
+    const std::lock_guard lock(m_mutex);
+    return m_owner != nullptr;
+}
+
+bool PeripheralMailbox::isOwnersThread() const
+{
+    return QThread::currentThread() == m_owner->thread();
+}
+
+void PeripheralMailbox::wakeOwner()
+{
+    if (m_messages.size() + m_calls.size() == 1) {
+        QMetaObject::invokeMethod(m_owner, "deliverWaiting", Qt::QueuedConnection);
+    }
 }
 
 void PeripheralMailbox::receive(ControlMessage message)
@@ -35,36 +48,14 @@ void PeripheralMailbox::receive(ControlMessage message)
     if (m_owner == nullptr) {
         return;
     }
-    if (QThread::currentThread() == m_owner->thread()) {
+    if (isOwnersThread()) {
         lock.unlock();
         m_deliver(message);
-        return;
-    }
-    if (m_waiting.size() == mostWaiting) {
+    } else if (m_messages.size() == mostWaiting) {
         ++m_dropped;
-        return;
-    }
-    m_waiting.push_back(std::move(message));
-    if (m_waiting.size() == 1) {
-        QMetaObject::invokeMethod(
-            m_owner, [self = shared_from_this()] { self->deliverWaiting(); }, Qt::QueuedConnection);
-    }
-}
-
-void PeripheralMailbox::deliverWaiting()
-{
-    std::vector<ControlMessage> messages;
-    std::size_t dropped = 0;
-    {
-        const std::lock_guard lock(m_mutex);
-        messages.swap(m_waiting);
-        dropped = std::exchange(m_dropped, 0);
-    }
-    if (dropped > 0) {
-        warn("deliverWaiting", "{} messages of devices were dropped!", dropped);
-    }
-    for (const ControlMessage& message : messages) {
-        m_deliver(message);
+    } else {
+        m_messages.push_back(std::move(message));
+        wakeOwner();
     }
 }
 
@@ -74,12 +65,36 @@ void PeripheralMailbox::call(std::function<void()> function)
     if (m_owner == nullptr) {
         return;
     }
-    if (QThread::currentThread() == m_owner->thread()) {
+    if (isOwnersThread()) {
         lock.unlock();
         function();
-        return;
+    } else {
+        m_calls.push_back(std::move(function));
+        wakeOwner();
     }
-    QMetaObject::invokeMethod(m_owner, std::move(function), Qt::QueuedConnection);
+}
+
+void PeripheralMailbox::deliverWaiting()
+{
+    std::vector<ControlMessage> messages;
+    std::vector<std::function<void()>> calls;
+    std::size_t dropped = 0;
+    {
+        const std::lock_guard lock(m_mutex);
+        messages.swap(m_messages);
+        calls.swap(m_calls);
+        dropped = std::exchange(m_dropped, 0);
+    }
+    if (dropped > 0) {
+        warn("deliverWaiting", "{} messages of devices were dropped!", dropped);
+    }
+    // What is delivered may end the owner.
+    for (auto call = calls.begin(); call != calls.end() && isOpen(); ++call) {
+        (*call)();
+    }
+    for (auto message = messages.begin(); message != messages.end() && isOpen(); ++message) {
+        m_deliver(*message);
+    }
 }
 
 void PeripheralMailbox::withOwner(const std::function<void(QObject&)>& function)

@@ -26,13 +26,14 @@ struct ControlMessage
 ///
 /// At most 4096 messages wait; those that come on top are dropped, counted and logged. What is said
 /// on the owner's own thread arrives at once. All functions from any thread, but for close().
-class PeripheralMailbox : public std::enable_shared_from_this<PeripheralMailbox>
+class PeripheralMailbox
 {
 public:
     using Pointer = std::shared_ptr<PeripheralMailbox>;
     using Deliver = std::function<void(const ControlMessage&)>;
 
-    static Pointer make(QObject* owner, Deliver deliver);
+    /// The owner has a slot `deliverWaiting` that calls the function of that name.
+    PeripheralMailbox(QObject* owner, Deliver deliver);
 
     /// To be called before the owner ends, on its thread. Nothing arrives from then on.
     void close();
@@ -43,14 +44,19 @@ public:
     /// Calls it at once, on this thread, with the owner kept from ending meanwhile.
     void withOwner(const std::function<void(QObject&)>& function);
 
-private:
-    PeripheralMailbox(QObject* owner, Deliver deliver);
+    /// On the owner's thread.
     void deliverWaiting();
+
+private:
+    bool isOpen();
+    bool isOwnersThread() const;
+    void wakeOwner();
 
     std::mutex m_mutex;
     QObject* m_owner; // null once it ends
     const Deliver m_deliver;
-    std::vector<ControlMessage> m_waiting;
+    std::vector<ControlMessage> m_messages; // that wait ...
+    std::vector<std::function<void()>> m_calls;
     std::size_t m_dropped = 0;
 };
 

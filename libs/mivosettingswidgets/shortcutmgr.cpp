@@ -93,7 +93,7 @@ class ShortCutMgr::Impl : public QObject
 
 public:
     explicit Impl(ShortCutMgr* manager)
-        : mailbox(PeripheralMailbox::make(
+        : mailbox(std::make_shared<PeripheralMailbox>(
             this, [this](const ControlMessage& message) { emitMessage(message); })),
           m_manager(manager)
     {}
@@ -154,6 +154,13 @@ public slots:
     QString getBindedShortCutKeyName(int oprKey, const std::string& strOprKey) const;
     void reripheralBind(int nOprKey, std::string strOprKey, std::string strKeyValue,
                         bool bBindSuccess, EnumPeripheralShortCutType enType);
+
+private slots:
+    void deliverWaiting()
+    {
+        const auto kept = mailbox; // this may end meanwhile
+        kept->deliverWaiting();
+    }
 
 private:
     bool removeItem(EnumShortCutType type, const std::string& path, ShortCutModuleType module);
