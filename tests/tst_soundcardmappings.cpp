@@ -38,7 +38,7 @@ protected:
     template <typename Signal>
     void noteEach(const char* what, Signal& signal)
     {
-        signal.connect([this, what](const auto& value) { note(what, value); });
+        signal.connect([this, what](const auto& value) { this->note(what, value); });
     }
     template <typename Value>
     void note(const char* what, const Value& value)
