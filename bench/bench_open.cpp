@@ -188,6 +188,23 @@ void frame(benchmark::State& state, bool again)
 
 // --- Switching the language of everything until it is painted ---
 
+/// Measures `change(toChinese)`, there and back in turns, until it is painted.
+template <typename Change>
+void measureSwitch(benchmark::State& state, Change change)
+{
+    bool odd = false;
+    measure(
+        state,
+        [&] {
+            QApplication::processEvents();
+            return odd = !odd;
+        },
+        [&](bool toChinese) {
+            change(toChinese);
+            QApplication::processEvents();
+        });
+}
+
 void languageFloor(benchmark::State& state)
 {
     useLook(false);
@@ -196,17 +213,8 @@ void languageFloor(benchmark::State& state)
     const opening::Recipe chinese = opening::makeRecipe();
     const auto raw = opening::makeRaw(english);
     opening::drawFirstFrame(*raw.dialog);
-    bool odd = false;
-    measure(
-        state,
-        [&] {
-            QApplication::processEvents();
-            return odd = !odd;
-        },
-        [&](bool toChinese) {
-            opening::setRawTexts(raw, toChinese ? chinese : english);
-            QApplication::processEvents();
-        });
+    measureSwitch(
+        state, [&](bool toChinese) { opening::setRawTexts(raw, toChinese ? chinese : english); });
 }
 
 void language(benchmark::State& state)
@@ -215,17 +223,9 @@ void language(benchmark::State& state)
     Ours host;
     SettingsView view(host.runtime, host.store, nullptr);
     opening::drawFirstFrame(view.dialog());
-    bool odd = false;
-    measure(
-        state,
-        [&] {
-            QApplication::processEvents();
-            return odd = !odd;
-        },
-        [&](bool toChinese) {
-            view.switchLanguage(toChinese ? QStringLiteral("zh_cn") : QStringLiteral("en"));
-            QApplication::processEvents();
-        });
+    measureSwitch(state, [&](bool toChinese) {
+        view.switchLanguage(toChinese ? QStringLiteral("zh_cn") : QStringLiteral("en"));
+    });
 }
 
 void add(const char* name, void (*function)(benchmark::State&))
