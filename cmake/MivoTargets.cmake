@@ -121,4 +121,5 @@ function(mivo_add_test name)
     mivo_precompile(${name} FROM mivotestsupport)
     target_link_libraries(${name} PRIVATE mivotestsupport ${ARG_LIBRARIES})
     add_test(NAME ${name} COMMAND ${name})
+    set_tests_properties(${name} PROPERTIES COST 100) # they wait for other programs: first of all
 endfunction()

@@ -266,7 +266,8 @@ TEST_F(Midi, ControlsOfRealDevicesAreLearnedAndTrigger)
          {"b20700", "b2073f", "b20740", "b2077f", "b20740"}},
         {{"d040"}, "c105", "Program 5 ch 2 (keys:out)", {"c104", "c105"}},
     };
-    keys.play("b2074c"); // it was there before
+    take(keys, "keys:out"); // what is played while it is being connected may be lost
+    keys.play("b2074c");    // it was there before
     for (const auto& test : cases) {
         results.clear();
         take(keys, "keys:out");
