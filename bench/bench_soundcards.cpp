@@ -1,5 +1,7 @@
 // The audio page at its largest: 20 mappings, and 16 devices of 32 cards each besides this machine.
-// Each notification from its announcement until the page shows it; "rebuilds" is how many lists of
+// Each notification from its announcement until the page shows it; "longest" is the longest time in
+// milliseconds for which it held the event loop, in any of the iterations, "all" the time until the
+// last box was made where that takes several turns of the loop, and "rebuilds" how many lists of
 // combo boxes were made anew for it. The floor is a page of as many raw controls in the same look,
 // on which the same boxes are filled, made or hidden. Nothing changes on it when nothing of a
 // cluster has, so that has no floor.
@@ -10,6 +12,7 @@
 #include "surface/settingsview.h"
 
 #include <mivosettingswidgets/audiosettingbox.h>
+#include <mivosettingswidgets/virtualmappingwidget.h>
 #include <mivowidgets/combobox.h>
 
 #include <benchmark/benchmark.h>
@@ -23,7 +26,11 @@
 #include <QtWidgets/QScrollArea>
 #include <QtWidgets/QVBoxLayout>
 
+#include <algorithm>
+#include <chrono>
 #include <functional>
+#include <optional>
+#include <utility>
 
 namespace {
 
@@ -53,6 +60,13 @@ std::vector<STSoundCardInfo> cards(int count)
     return all;
 }
 
+double timeOf(const std::function<void()>& what)
+{
+    const auto start = std::chrono::steady_clock::now();
+    what();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
 class LargePage
 {
 public:
@@ -73,7 +87,7 @@ public:
         });
         makePage();
         runtime.call([this] { store.soundCards().announceMappings(); });
-        settle();
+        finish();
         const auto combos = page->findChildren<mivo::widgets::ComboBox*>();
         for (const auto* combo : combos) {
             QObject::connect(combo->model(), &QAbstractItemModel::modelReset,
@@ -103,7 +117,24 @@ public:
             {deviceName(device), cardId(card), {}, 2, 1}});
     }
 
+    std::uint64_t lastMapping() { return store.getSoundCardMappings().mappings.back().id; }
+
     static void settle() { QApplication::processEvents(); }
+
+    /// Until every mapping has all its boxes: how long that took, and its longest turn.
+    std::pair<double, double> finish()
+    {
+        const auto devices = runtime.call([this] { return store.getSoundCardMappings().devices; });
+        std::pair<double, double> taken;
+        do {
+            const double turn = timeOf(settle);
+            taken.first += turn;
+            taken.second = std::max(taken.second, turn);
+        } while (page->findChildren<mivo::widgets::ComboBox*>().size()
+                 < static_cast<int>(devices.size())
+                       * page->findChildren<mivo::settings::VirtualMappingWidget*>().size());
+        return taken;
+    }
 
     mivohost::RuntimeThread runtime;
     TestStore store;
@@ -112,23 +143,45 @@ public:
     int rebuilds = 0;
 };
 
-/// Applies `change(page, odd)` again and again; every second time it undoes the first.
-void measure(benchmark::State& state,
-             const std::function<void(mivohost::SoundCardMappings&, LargePage&, bool)>& change)
+/// Times `one` again and again, and undoes it by `other`.
+void inTurns(benchmark::State& state, const std::function<double()>& one,
+             const std::function<void()>& other)
+{
+    double longest = 0;
+    for (auto _ : state) {
+        const double time = one();
+        longest = std::max(longest, time);
+        state.SetIterationTime(time);
+        other();
+    }
+    state.counters["longest"] = longest * 1000;
+}
+
+/// Runs on the runtime thread.
+using Change = void (*)(LargePage& large);
+
+void measure(benchmark::State& state, Change one, Change other)
 {
     LargePage large;
-    bool odd = false;
-    large.rebuilds = 0;
-    for (auto _ : state) {
-        state.PauseTiming();
-        odd = !odd;
-        // The store's own work, saving included, is not the page's.
-        large.runtime.call([&] { change(large.store.soundCards(), large, odd); });
-        state.ResumeTiming();
-        LargePage::settle();
-    }
-    state.counters["rebuilds"] =
-        benchmark::Counter(large.rebuilds, benchmark::Counter::kAvgIterations);
+    int rebuilds = 0;
+    // The store's own work, saving included, is not the page's.
+    const auto tell = [&large](Change change) { large.runtime.call([&] { change(large); }); };
+    tell(other); // what is undone was done before
+    large.finish();
+    inTurns(
+        state,
+        [&] {
+            tell(one);
+            const int before = large.rebuilds;
+            const double time = timeOf(LargePage::settle);
+            rebuilds += large.rebuilds - before;
+            return time;
+        },
+        [&] {
+            tell(other);
+            large.finish();
+        });
+    state.counters["rebuilds"] = benchmark::Counter(rebuilds, benchmark::Counter::kAvgIterations);
 }
 
 /// A row of raw controls for each mapping.
@@ -202,14 +255,17 @@ public:
         }
     }
 
-    void showBoxes(bool visible)
+    void hideBoxes() { setBoxesVisible(false); }
+    void showBoxes() { setBoxesVisible(true); }
+
+private:
+    void setBoxesVisible(bool visible)
     {
         for (const auto& row : m_rows) {
             row.boxes[3].first->setVisible(visible);
         }
     }
 
-private:
     struct Row
     {
         QWidget* widget;
@@ -236,156 +292,154 @@ private:
     std::vector<Row> m_rows;
 };
 
-/// Changes a raw page again and again; every second time it undoes the first.
-void measureFloor(benchmark::State& state, const std::function<void(RawPage&, bool)>& change)
+void measureFloor(benchmark::State& state, void (RawPage::*one)(), void (RawPage::*other)())
 {
     qApp->setStyleSheet(mivohost::hostStyleSheet());
     RawPage page;
     page.make();
+    (page.*other)();
     LargePage::settle();
-    bool odd = false;
-    for (auto _ : state) {
-        odd = !odd;
-        change(page, odd);
-        LargePage::settle();
-    }
+    inTurns(
+        state,
+        [&] {
+            return timeOf([&] {
+                (page.*one)();
+                LargePage::settle();
+            });
+        },
+        [&] {
+            (page.*other)();
+            LargePage::settle();
+        });
 }
 
 void initialFloor(benchmark::State& state)
 {
     qApp->setStyleSheet(mivohost::hostStyleSheet());
-    for (auto _ : state) {
-        state.PauseTiming();
-        {
-            RawPage page;
-            state.ResumeTiming();
-            page.make();
-            LargePage::settle();
-            state.PauseTiming();
-        }
-        state.ResumeTiming();
-    }
-}
-
-void fillFloor(benchmark::State& state)
-{
-    measureFloor(state, [](RawPage& page, bool /*odd*/) { page.fillBoxes(); });
-}
-
-void deviceFloor(benchmark::State& state)
-{
-    measureFloor(state, [](RawPage& page, bool odd) {
-        if (odd) {
-            page.deleteBoxes();
-        } else {
-            page.makeBoxes();
-        }
-    });
-}
-
-void visibilityFloor(benchmark::State& state)
-{
-    measureFloor(state, [](RawPage& page, bool odd) { page.showBoxes(!odd); });
-}
-
-void mappingFloor(benchmark::State& state)
-{
-    measureFloor(state, [](RawPage& page, bool odd) {
-        if (odd) {
-            page.deleteRow();
-        } else {
-            page.makeRow();
-        }
-    });
+    std::optional<RawPage> page;
+    inTurns(
+        state,
+        [&] {
+            page.emplace();
+            return timeOf([&] {
+                page->make();
+                LargePage::settle();
+            });
+        },
+        [] {});
 }
 
 void initial(benchmark::State& state)
 {
     LargePage large;
+    double all = 0;
+    double longest = 0;
     for (auto _ : state) {
-        state.PauseTiming();
         delete large.page;
         large.makePage();
         large.runtime.call([&] { large.store.soundCards().announceMappings(); });
-        state.ResumeTiming();
-        LargePage::settle();
+        const double first = timeOf(LargePage::settle);
+        state.SetIterationTime(first);
+        const auto [rest, longestOfRest] = large.finish();
+        all += first + rest;
+        longest = std::max({longest, first, longestOfRest});
+    }
+    state.counters["longest"] = longest * 1000;
+    state.counters["all"] = benchmark::Counter(all * 1000, benchmark::Counter::kAvgIterations);
+}
+
+void setCards(LargePage& large, int count)
+{
+    large.store.soundCards().setDeviceSoundCards(deviceName(3), "", cards(count));
+}
+
+void chooseOther(LargePage& large)
+{
+    large.choose(7, 3, 27);
+}
+void chooseFirst(LargePage& large)
+{
+    large.choose(7, 3, 7);
+}
+void removeCard(LargePage& large)
+{
+    setCards(large, cardCount - 1);
+}
+void addCard(LargePage& large)
+{
+    setCards(large, cardCount);
+}
+void announceCluster(LargePage& large)
+{
+    large.store.clusterNodeSoundCardsChanged();
+}
+void doNothing(LargePage& /*large*/) {}
+void removeDevice(LargePage& large)
+{
+    large.store.soundCards().removeDevice(deviceName(3));
+}
+void hideDevice(LargePage& large)
+{
+    large.store.soundCards().setDeviceVisible(deviceName(3), false);
+}
+void showDevice(LargePage& large)
+{
+    large.store.soundCards().setDeviceVisible(deviceName(3), true);
+}
+void addMapping(LargePage& large)
+{
+    large.store.addSoundCardMappingRequested(velorn::mediadispatch::STSoundCardMappingInfo());
+}
+void addMappingWithCards(LargePage& large)
+{
+    addMapping(large);
+    for (int device = 0; device <= deviceCount; ++device) {
+        large.choose(large.lastMapping(), device, mappingCount);
     }
 }
-
-void cardChosen(benchmark::State& state)
+void deleteMapping(LargePage& large)
 {
-    measure(state,
-            [](auto& /*cards*/, LargePage& large, bool odd) { large.choose(7, 3, odd ? 27 : 7); });
-}
-
-void cardGone(benchmark::State& state)
-{
-    measure(state, [](auto& known, LargePage& /*large*/, bool odd) {
-        known.setDeviceSoundCards(deviceName(3), "", cards(odd ? cardCount - 1 : cardCount));
-    });
-}
-
-void clusterChanged(benchmark::State& state)
-{
-    measure(state, [](auto& /*cards*/, LargePage& large, bool /*odd*/) {
-        large.store.clusterNodeSoundCardsChanged();
-    });
-}
-
-void deviceComesAndGoes(benchmark::State& state)
-{
-    measure(state, [](auto& known, LargePage& /*large*/, bool odd) {
-        if (odd) {
-            known.removeDevice(deviceName(3));
-        } else {
-            known.setDeviceSoundCards(deviceName(3), "", cards(cardCount));
-        }
-    });
-}
-
-void visibility(benchmark::State& state)
-{
-    measure(state, [](auto& known, LargePage& /*large*/, bool odd) {
-        known.setDeviceVisible(deviceName(3), !odd);
-    });
-}
-
-void mappingAddedAndDeleted(benchmark::State& state)
-{
-    std::uint64_t last = mappingCount;
-    measure(state, [&last](auto& /*cards*/, LargePage& large, bool odd) {
-        if (odd) {
-            large.store.changeSoundCardMappingRequested(
-                STSoundCardChangeInfo{last++, mivo::SoundCardChangeDeletion, {}, {}});
-        } else {
-            large.store.addSoundCardMappingRequested(
-                velorn::mediadispatch::STSoundCardMappingInfo());
-        }
-    });
+    large.store.changeSoundCardMappingRequested(
+        STSoundCardChangeInfo{large.lastMapping(), mivo::SoundCardChangeDeletion, {}, {}});
 }
 
 const bool added = [] {
     const struct
     {
         const char* name;
-        void (*function)(benchmark::State&);
-    } all[]{{"initial/floor", initialFloor},
-            {"initial/ours", initial},
-            {"card/floor", fillFloor},
-            {"card/ours", cardChosen},
-            {"gone/floor", fillFloor},
-            {"gone/ours", cardGone},
-            {"cluster/ours", clusterChanged},
-            {"device/floor", deviceFloor},
-            {"device/ours", deviceComesAndGoes},
-            {"visible/floor", visibilityFloor},
-            {"visible/ours", visibility},
-            {"mapping/floor", mappingFloor},
-            {"mapping/ours", mappingAddedAndDeleted}};
-    for (const auto& [name, function] : all) {
-        benchmark::RegisterBenchmark((std::string("soundcards_") + name).c_str(), function)
+        Change one;
+        Change other;
+        void (RawPage::*raw)();
+        void (RawPage::*rawOther)();
+    } changes[]{
+        {"card_chosen", chooseOther, chooseFirst, &RawPage::fillBoxes, &RawPage::fillBoxes},
+        {"card_gone", removeCard, addCard, &RawPage::fillBoxes, &RawPage::fillBoxes},
+        {"card_back", addCard, removeCard, &RawPage::fillBoxes, &RawPage::fillBoxes},
+        {"cluster", announceCluster, doNothing, nullptr, nullptr},
+        {"device_gone", removeDevice, addCard, &RawPage::deleteBoxes, &RawPage::makeBoxes},
+        {"device_back", addCard, removeDevice, &RawPage::makeBoxes, &RawPage::deleteBoxes},
+        {"hidden", hideDevice, showDevice, &RawPage::hideBoxes, &RawPage::showBoxes},
+        {"shown", showDevice, hideDevice, &RawPage::showBoxes, &RawPage::hideBoxes},
+        {"mapping_added", addMapping, deleteMapping, &RawPage::makeRow, &RawPage::deleteRow},
+        {"mapping_deleted", deleteMapping, addMappingWithCards, &RawPage::deleteRow,
+         &RawPage::makeRow},
+    };
+    const auto add = [](const std::string& name, auto function) {
+        benchmark::RegisterBenchmark(("soundcards_" + name).c_str(), function)
             ->Unit(benchmark::kMillisecond)
-            ->Iterations(function == initial || function == initialFloor ? 10 : 20);
+            ->UseManualTime()
+            ->Iterations(10);
+    };
+    add("initial/floor", initialFloor);
+    add("initial/ours", initial);
+    for (const auto& change : changes) {
+        if (change.raw != nullptr) {
+            add(change.name + std::string("/floor"), [change](benchmark::State& state) {
+                measureFloor(state, change.raw, change.rawOther);
+            });
+        }
+        add(change.name + std::string("/ours"),
+            [change](benchmark::State& state) { measure(state, change.one, change.other); });
     }
     return true;
 }();

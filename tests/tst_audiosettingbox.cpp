@@ -336,6 +336,83 @@ TEST_F(Audio, OnlyAChangeOfACardRebuildsTheOffersOfAllOthers)
     EXPECT_TRUE(runtime.takePosted().empty()) << "a mapping that is not there";
 }
 
+TEST_F(Audio, ManyMappingsAreFilledInSeveralTurns)
+{
+    constexpr int deviceCount = 17;
+    setCards("", "", threeCards);
+    for (int device = 1; device < deviceCount; ++device) {
+        setCards("10.0.0." + std::to_string(device), "", {{"x", "X", 2}});
+    }
+    runtime.call([this] {
+        for (int i = 0; i < 20; ++i) {
+            store.addSoundCardMappingRequested(STSoundCardMappingInfo());
+        }
+    });
+    const auto mappings = held();
+    page->setSettings(&store);
+    tell([](auto& cards) { cards.announceMappings(); }, false);
+    const auto isFilled = [this](std::size_t place) {
+        return columnsOf(editors()[place]).size() == deviceCount;
+    };
+    QApplication::sendPostedEvents(); // but no timer
+    ASSERT_EQ(editors().size(), 20U);
+    EXPECT_EQ(columnsOf(editors()[0]).size(), 0U) << "the editors alone take a turn";
+    ASSERT_TRUE(QTest::qWaitFor([&] { return isFilled(0); }));
+    EXPECT_EQ(editors()[19]->minimumHeight(), editors()[0]->sizeHint().height()) << "its room";
+    EXPECT_EQ(columnsOf(editors()[19]).size(), 0U);
+
+    // What happens meanwhile holds for all of them.
+    const auto ask = [this](const STSoundCardChangeInfo& change) {
+        runtime.call([&] { store.changeSoundCardMappingRequested(change); });
+        QApplication::sendPostedEvents();
+    };
+    ask({mappings[18].id, mivo::SoundCardChangeDeletion, {}, {}});
+    ask({mappings[19].id, mivo::SoundCardChangeName, "Last", {}});
+    ask({mappings[19].id, mivo::SoundCardChangeLocalCard, {}, {"", "b", "Beta", 8, 1}});
+    EXPECT_EQ(columnsOf(editors()[18]).size(), 0U) << "it is not its turn";
+    page->unsetSettings();
+    settle();
+    EXPECT_EQ(columnsOf(editors()[18]).size(), 0U) << "there is nothing to read";
+    page->setSettings(&store);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return isFilled(18); }, 60000));
+    settle();
+    ASSERT_EQ(editors().size(), 19U);
+    for (std::size_t i = 0; i < 18; ++i) {
+        EXPECT_EQ(columnsOf(editors()[i])[0], "This machine: [None, Alpha, Gamma] = None");
+    }
+    EXPECT_EQ(nameOf(editors().back())->text(), "Last");
+    EXPECT_EQ(columnsOf(editors().back())[0],
+              "This machine: [None, Alpha, Beta, Gamma] = Beta 1-2 (3-4) (5-6) (7-8)");
+    EXPECT_EQ(combosOf(editors().back())[0]->accessibleDescription(), "Last");
+}
+
+TEST_F(Audio, AnEditorByItselfReadsTheStoreAndKeepsWhatIsChosen)
+{
+    setCards("", "", threeCards);
+    setCards("10.0.0.2", "Hall", {{"x", "X", 2}});
+    VirtualMappingWidget editor({1, 0, "Main", {{"", "b", "Beta", 8, 1}}}, &runtime, &store);
+    editor.show();
+    editor.resetSoundCardsCombobox();
+    const std::string hall = "Hall: [None, X] = None";
+    const std::string marks = " 1-2 (3-4) (5-6) (7-8)";
+    const Lines all{"This machine: [None, Alpha, Beta, Gamma] = Beta" + marks, hall};
+    EXPECT_EQ(columnsOf(&editor), all);
+    editor.setSoundCardDisable("", {"a", "b"});
+    const std::string away = "Beta (not connected)";
+    EXPECT_EQ(columnsOf(&editor)[0], "This machine: [None, Gamma, " + away + "] = " + away + marks);
+    editor.setSoundCardEnable("", {"a", "b"});
+    EXPECT_EQ(columnsOf(&editor)[0], "This machine: [None, Gamma, Beta] = Beta" + marks)
+        << "others are offered from the next reset on";
+    editor.deleteClusterDeviceSoundCard({"", "10.0.0.2"});
+    EXPECT_EQ(columnsOf(&editor).size(), 1U) << "this machine stays";
+    editor.resetSoundCardWidget();
+    EXPECT_EQ(columnsOf(&editor), all);
+    editor.setSettings(nullptr);
+    setCards("", "", {});
+    editor.resetSoundCardWidget();
+    EXPECT_EQ(columnsOf(&editor), all);
+}
+
 TEST_F(Audio, OddAnnouncementsAreTakenAsTheyCome)
 {
     bind();
@@ -349,6 +426,17 @@ TEST_F(Audio, OddAnnouncementsAreTakenAsTheyCome)
              STSoundCardChangeInfo{mappings[0].id, mivo::SoundCardChangeName, "First", {}});
     EXPECT_EQ(nameOf(editors()[0])->text(), "First") << "... and the first one stays the one";
     EXPECT_EQ(nameOf(editors()[1])->text(), "Output 1");
+
+    page->unsetSettings(); // none of them touches the store from here on
+    runtime.takePosted();
+    for (auto* editor : editors()) {
+        rename(editor, "Other");
+    }
+    EXPECT_EQ(posted(), Lines());
+    page->switchLanguage("zh_cn");
+    for (auto* editor : editors()) {
+        EXPECT_EQ(combosOf(editor)[0]->itemText(0).toStdString(), "无");
+    }
 }
 
 TEST_F(Audio, ANameIsTrimmedOfOneTo64CharactersAndUnique)

@@ -9,9 +9,12 @@
 
 #include <mivowidgets/pushbutton.h>
 
+#include <QtCore/QTimer>
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QLabel>
 
+#include <algorithm>
+#include <deque>
 #include <map>
 #include <utility>
 
@@ -23,6 +26,15 @@ using mivo::projectfilemgr::IProjectFileMgr;
 using mivo::widgets::PushButton;
 using velorn::mediadispatch::STSoundCardMappingInfo;
 using velorn::msgcenter::IMsgCenterMgr;
+
+namespace {
+
+/// What is made of editors in one turn of the event loop, counted in columns: some hundred of them
+/// would hold up the frames that come meanwhile. An editor without any takes as long as two.
+constexpr int columnsInTurn = 32;
+constexpr int columnsForEditor = 2;
+
+} // namespace
 
 template <>
 inline constexpr const char* queuedTypeText<STAllDeviceSoundCardMappings> =
@@ -52,10 +64,17 @@ public:
     std::shared_ptr<IProgramDispatch> programDispatch;
     IProjectFileMgr* projectFileMgr = nullptr;
 
-    /// Applies to every editor, in the order of their ids.
+    /// Those as well that are not filed under the id of their mapping.
+    QList<VirtualMappingWidget*> shownEditors() const
+    {
+        return owner->findChildren<VirtualMappingWidget*>(QString(), Qt::FindDirectChildrenOnly);
+    }
+
+    /// Applies to every editor that is filed, in the order of their ids.
     template <typename Change>
     void forEachEditor(Change change)
     {
+        const LayoutPause pause(m_column);
         for (const auto& [id, editor] : m_editors) {
             change(*editor);
         }
@@ -81,15 +100,22 @@ protected:
 private:
     void layOut();
     void followStore();
-    /// What cards there are, for all editors at once; nothing without a store.
-    STSoundCardMappingsInfo readCards(const CallSite& site);
 
-    /// Has every editor offer what is free, and make its columns anew.
-    void resetWidgets(const CallSite& site);
-    /// Has every editor but one offer what is free.
-    void resetComboboxes(const CallSite& site, const VirtualMappingWidget* except = nullptr);
+    using Reset = void (VirtualMappingWidget::*)(const STSoundCardMappingsInfo& known);
+    static constexpr Reset offers = &VirtualMappingWidget::resetSoundCardsCombobox;
+    static constexpr Reset columns = &VirtualMappingWidget::resetSoundCardWidget;
+    /// Has every editor that has columns, but one, show what there is now. Nothing without a store.
+    void resetEditors(Reset reset, const CallSite& site,
+                      const VirtualMappingWidget* except = nullptr);
 
-    void addMapping(const STSoundCardMappingInfo& info, const STSoundCardMappingsInfo& known);
+    void addMapping(const STSoundCardMappingInfo& info);
+
+    /// Makes columns for editors that have none, those of the others in later turns of the event
+    /// loop. Each shows what there is then, so that no reset needs to reach it before. In this turn
+    /// so many editors were made.
+    void fill(const CallSite& site, std::size_t editors = 0);
+    bool isFilled(const VirtualMappingWidget& editor) const;
+
     void setAddedMappingBtnState();
 
     // Store to slot, on the thread on which the store announces it.
@@ -114,6 +140,8 @@ private:
     QLabel* m_info;
     QVBoxLayout* m_column;
     std::map<std::uint64_t, VirtualMappingWidget*> m_editors;
+    std::deque<VirtualMappingWidget*> m_unfilled; // they have no columns yet
+    QTimer m_fill;
 };
 
 AudioSettingBox::Impl::Impl(AudioSettingBox* page)
@@ -134,6 +162,8 @@ AudioSettingBox::Impl::Impl(AudioSettingBox* page)
     text(QStringLiteral("soundCardInfo"), m_info);
     text(QStringLiteral("addMapping"), m_add);
 
+    m_fill.setSingleShot(true);
+    connect(&m_fill, &QTimer::timeout, this, [this] { fill("fill"); });
     connect(m_add, &PushButton::clicked, this, &Impl::slotAddMapping);
     followStore();
 }
@@ -181,22 +211,27 @@ void AudioSettingBox::Impl::followStore()
 void AudioSettingBox::Impl::initSettings()
 {
     // Nothing is read: the store announces its mappings. Editors of an earlier binding go on.
-    forEachEditor([this](VirtualMappingWidget& editor) { editor.setSettings(sharedSettings); });
+    for (VirtualMappingWidget* editor : shownEditors()) {
+        editor->setSettings(sharedSettings);
+    }
+    if (!m_unfilled.empty()) {
+        m_fill.start();
+    }
 }
 
-void AudioSettingBox::Impl::addMapping(const STSoundCardMappingInfo& info,
-                                       const STSoundCardMappingsInfo& known)
+void AudioSettingBox::Impl::addMapping(const STSoundCardMappingInfo& info)
 {
     QWidget* lastStop = m_add;
-    for (int item = 0; item < m_column->count(); ++item) {
+    for (int item = m_column->count() - 1; item >= 0 && lastStop == m_add; --item) {
         if (QWidget* editor = m_column->itemAt(item)->widget()) {
             lastStop = tabStops(editor, editor).back();
         }
     }
     auto* editor = new VirtualMappingWidget(info, zrRuntime, sharedSettings, owner);
     editor->setProperty("style", QStringLiteral("BG4"));
-    editor->resetSoundCardsCombobox(known);
+    m_unfilled.push_back(editor);
     m_column->addWidget(editor);
+    editor->show();
     m_column->addStretch();
     for (QWidget* stop : tabStops(editor, editor)) {
         QWidget::setTabOrder(lastStop, stop);
@@ -208,25 +243,50 @@ void AudioSettingBox::Impl::addMapping(const STSoundCardMappingInfo& info,
             &Impl::slotMappingInfoChanged);
 }
 
-STSoundCardMappingsInfo AudioSettingBox::Impl::readCards(const CallSite& site)
+void AudioSettingBox::Impl::fill(const CallSite& site, std::size_t editors)
 {
-    return sharedSettings == nullptr ? STSoundCardMappingsInfo()
-                                     : read(&IMivoSettings::getSoundCardMappings, site);
+    if (m_unfilled.empty() || sharedSettings == nullptr) {
+        return;
+    }
+    const auto known = read(&IMivoSettings::getSoundCardMappings, site);
+    const int columns = std::max(1, known.devices.size());
+    int made = columnsForEditor * static_cast<int>(editors);
+    VirtualMappingWidget* editor = nullptr;
+    while (!m_unfilled.empty() && (made == 0 || made + columns <= columnsInTurn)) {
+        editor = m_unfilled.front();
+        m_unfilled.pop_front();
+        editor->resetSoundCardsCombobox(known);
+        editor->setMinimumHeight(0);
+        made += columns;
+    }
+    if (m_unfilled.empty()) {
+        return;
+    }
+    // So that the page does not grow, and is not painted again, with each of them.
+    if (editor != nullptr && m_unfilled.back()->minimumHeight() == 0) {
+        const int height = editor->sizeHint().height();
+        for (VirtualMappingWidget* next : m_unfilled) {
+            next->setMinimumHeight(height);
+        }
+    }
+    m_fill.start();
 }
 
-void AudioSettingBox::Impl::resetWidgets(const CallSite& site)
+bool AudioSettingBox::Impl::isFilled(const VirtualMappingWidget& editor) const
 {
-    const auto known = readCards(site);
-    forEachEditor([&](VirtualMappingWidget& editor) { editor.resetSoundCardWidget(known); });
+    return std::find(m_unfilled.begin(), m_unfilled.end(), &editor) == m_unfilled.end();
 }
 
-void AudioSettingBox::Impl::resetComboboxes(const CallSite& site,
-                                            const VirtualMappingWidget* except)
+void AudioSettingBox::Impl::resetEditors(Reset reset, const CallSite& site,
+                                         const VirtualMappingWidget* except)
 {
-    const auto known = readCards(site);
+    if (sharedSettings == nullptr) {
+        return;
+    }
+    const auto known = read(&IMivoSettings::getSoundCardMappings, site);
     forEachEditor([&](VirtualMappingWidget& editor) {
-        if (&editor != except) {
-            editor.resetSoundCardsCombobox(known);
+        if (&editor != except && isFilled(editor)) {
+            (editor.*reset)(known);
         }
     });
 }
@@ -234,20 +294,23 @@ void AudioSettingBox::Impl::resetComboboxes(const CallSite& site,
 void AudioSettingBox::Impl::onMappingsInit(const STAllDeviceSoundCardMappings& all)
 {
     if (all.refreshOnly) {
-        resetWidgets("onMappingsInit");
+        resetEditors(columns, "onMappingsInit");
         return;
     }
-    const auto known = readCards("onMappingsInit");
+    const LayoutPause pause(m_column);
     for (const auto& info : all.mappings) {
-        addMapping(info, known);
+        addMapping(info);
     }
+    fill("onMappingsInit", all.mappings.size());
     setAddedMappingBtnState();
 }
 
 void AudioSettingBox::Impl::onMappingAdded(const STSoundCardMappingInfo& info)
 {
     if (info.state != velorn::mediadispatch::SoundCardMappingRefused) {
-        addMapping(info, readCards("onMappingAdded"));
+        const LayoutPause pause(m_column);
+        addMapping(info);
+        fill("onMappingAdded", 1);
         setAddedMappingBtnState();
     }
 }
@@ -260,7 +323,7 @@ void AudioSettingBox::Impl::onMappingChanged(const STSoundCardChangeInfo& change
     }
     changed->second->refreshMappingInfo(change);
     if (change.kind == SoundCardChangeLocalCard || change.kind == SoundCardChangeClusterCard) {
-        resetComboboxes("onMappingChanged", changed->second);
+        resetEditors(offers, "onMappingChanged", changed->second);
     }
 }
 
@@ -271,6 +334,7 @@ void AudioSettingBox::Impl::onMappingDeleted(const STSoundCardMappingInfo& info)
         return;
     }
     VirtualMappingWidget* editor = deleted->second;
+    m_unfilled.erase(std::remove(m_unfilled.begin(), m_unfilled.end(), editor), m_unfilled.end());
     for (int item = 0; item < m_column->count(); ++item) {
         if (m_column->itemAt(item)->widget() != editor) {
             continue;
@@ -281,7 +345,7 @@ void AudioSettingBox::Impl::onMappingDeleted(const STSoundCardMappingInfo& info)
         break;
     }
     m_editors.erase(deleted);
-    resetComboboxes("onMappingDeleted");
+    resetEditors(offers, "onMappingDeleted");
     setAddedMappingBtnState();
 }
 
@@ -290,7 +354,7 @@ void AudioSettingBox::Impl::onSoundCardEnableSet(const STLocalSoundCardList& lis
     forEachEditor([&](VirtualMappingWidget& editor) {
         editor.setSoundCardEnable(list.device, list.soundCards);
     });
-    resetComboboxes("onSoundCardEnableSet");
+    resetEditors(offers, "onSoundCardEnableSet");
 }
 
 void AudioSettingBox::Impl::onSoundCardDisableSet(const STLocalSoundCardList& list)
@@ -298,12 +362,12 @@ void AudioSettingBox::Impl::onSoundCardDisableSet(const STLocalSoundCardList& li
     forEachEditor([&](VirtualMappingWidget& editor) {
         editor.setSoundCardDisable(list.device, list.soundCards);
     });
-    resetComboboxes("onSoundCardDisableSet");
+    resetEditors(offers, "onSoundCardDisableSet");
 }
 
 void AudioSettingBox::Impl::onClusterNodeSoundCardChanged()
 {
-    resetWidgets("onClusterNodeSoundCardChanged");
+    resetEditors(columns, "onClusterNodeSoundCardChanged");
 }
 
 void AudioSettingBox::Impl::deleteClusterDeviceSoundCard(const std::vector<std::string>& devices)
@@ -408,7 +472,9 @@ void AudioSettingBox::unsetSettings() const
 {
     impl<Impl>().unsetSettings();
     impl<Impl>().sharedSettings = nullptr;
-    impl<Impl>().forEachEditor([](VirtualMappingWidget& editor) { editor.setSettings(nullptr); });
+    for (VirtualMappingWidget* editor : impl<Impl>().shownEditors()) {
+        editor->setSettings(nullptr);
+    }
 }
 
 void AudioSettingBox::setMsgCenterMgr(IMsgCenterMgr* msgCenter)
@@ -434,7 +500,9 @@ void AudioSettingBox::setSettingsStyleSheet(const QString& styleSheet)
 void AudioSettingBox::translateLanguage()
 {
     SettingPage::translateLanguage();
-    impl<Impl>().forEachEditor([](VirtualMappingWidget& editor) { editor.translateLangauge(); });
+    for (VirtualMappingWidget* editor : impl<Impl>().shownEditors()) {
+        editor->translateLangauge();
+    }
 }
 
 } // namespace mivo::settings

@@ -72,6 +72,23 @@ inline void showIndex(QComboBox* combo, int index)
     combo->setCurrentIndex(index);
 }
 
+/// Lays nothing out while it lives, for the time in which many widgets are made or shown: each that
+/// is shown would have all layouts above it done anew.
+class LayoutPause
+{
+public:
+    explicit LayoutPause(QLayout* layout) : m_layout(layout) { layout->setEnabled(false); }
+    ~LayoutPause()
+    {
+        m_layout->setEnabled(true);
+        m_layout->parentWidget()->updateGeometry(); // now, else all is painted before it has room
+    }
+    Q_DISABLE_COPY_MOVE(LayoutPause)
+
+private:
+    QLayout* m_layout;
+};
+
 /// A field for how long something plays: three seconds to one second before a day.
 inline void setUpDuration(QTimeEdit* edit, const QTime& initial)
 {

@@ -1,0 +1,84 @@
+#pragma once
+
+#include "mivohostapi/soundcardrecords.h"
+
+#include <QtWidgets/QWidget>
+
+#include <optional>
+#include <string_view>
+#include <unordered_set>
+
+class QLabel;
+class QStringListModel;
+
+namespace mivo::widgets {
+class CheckBox;
+class ComboBox;
+} // namespace mivo::widgets
+
+namespace mivo::settings {
+
+/// Ids of cards; views into what the caller holds.
+using CardIds = std::unordered_set<std::string_view>;
+
+/// One device in the editor of a sound-card mapping: its name, a box in which one of its cards is
+/// chosen, and a mark for each channel pair of a card that has more than one.
+///
+/// GUI thread. It shows what it is told, and asks for changes by wanted(). Its parts have their
+/// places, since layouts of some hundred columns would take longer than all the rest.
+class SoundCardColumn : public QWidget
+{
+    Q_OBJECT
+
+public:
+    SoundCardColumn(std::string deviceName, QWidget* editor);
+
+    const std::string device;
+
+    /// Offers the cards of the device that are not taken, and shows the chosen one, if any.
+    void setCards(const STDeviceSoundCards& known, const CardIds& taken,
+                  const velorn::mediadispatch::STChosenSoundCard* chosen);
+    void setChosen(const velorn::mediadispatch::STChosenSoundCard* chosen);
+
+    /// Offers the chosen card again if it is one of these.
+    void enable(const std::vector<std::string>& soundCards);
+    /// Offers none of these any more.
+    void disable(const std::vector<std::string>& soundCards);
+
+    /// The name of the mapping, for those who do not see where the column stands.
+    void setMappingName(const QString& name);
+    void translate() { showAll(); }
+
+    /// In their order.
+    std::vector<QWidget*> tabStops() const;
+
+signals:
+    /// Another card, or none, if its id is empty; or other channels of the chosen one.
+    void wanted(mivo::EnumSoundCardChange kind,
+                const velorn::mediadispatch::STChosenSoundCard& soundCard);
+    void tabStopsChanged();
+
+protected:
+    void changeEvent(QEvent* event) override;
+
+private:
+    bool isOffered(const std::string& id) const;
+    void showAll();
+    void showMarks(std::uint32_t channels);
+    void placeMarks();
+    void choose(int item);
+    void markPair(std::size_t pair, bool on);
+
+    std::string m_caption;
+    std::vector<STSoundCardInfo> m_offered;
+    std::optional<velorn::mediadispatch::STChosenSoundCard> m_chosen;
+    bool m_isShown = false; // what stands above
+
+    QLabel* m_label;
+    mivo::widgets::ComboBox* m_combo;
+    QStringListModel* m_texts;                     // of the items of the combo box ...
+    std::vector<std::string> m_ids;                // ... and their cards
+    std::vector<mivo::widgets::CheckBox*> m_marks; // of the channel pairs
+};
+
+} // namespace mivo::settings
