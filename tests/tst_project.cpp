@@ -241,19 +241,27 @@ TEST_F(ProjectTest, RemembersTheLastFilesAndOpensTheLastOne)
     EXPECT_EQ(file->recentFiles().count(path("show 5.mivo")), 1);
     EXPECT_EQ(file->recentFiles().size(), 7) << "eight, of which one is gone";
     ASSERT_TRUE(file->saveAs(path("new.mivo")));
+    makeFile("show 9.mivo");
+    EXPECT_EQ(file->recentFiles().size(), 8) << "it is there again";
     QVariantHash rows = store->kept.rows;
-    EXPECT_EQ(file->recentFiles().size(), 8);
 
     start(rows);
     EXPECT_EQ(file->state().file, "") << "the setting is off";
     rows["openRecentFiles"] = 1;
     start(rows);
     EXPECT_EQ(file->state().file, path("new.mivo"));
-    writeFile(path("new.mivo"), "garbage");
-    start(rows);
-    EXPECT_EQ(file->state().file, "");
-    EXPECT_EQ(failures->size(), 1);
-    EXPECT_EQ(file->state().project.groups.size(), 3U) << "a new project instead";
+    const std::pair<const char*, std::function<void()>> cases[]{
+        {"unreadable", [this] { writeFile(path("new.mivo"), "garbage"); }},
+        {"not there yet", [this] { QFile::remove(path("new.mivo")); }},
+    };
+    for (const auto& [label, spoil] : cases) {
+        spoil();
+        start(rows);
+        EXPECT_EQ(file->state().file, "") << label;
+        EXPECT_EQ(failures->size(), 1) << label;
+        EXPECT_EQ(file->state().project.groups.size(), 3U) << "a new project instead";
+        EXPECT_EQ(store->kept.rows, rows) << label;
+    }
 }
 
 TEST_F(ProjectTest, ANewOneResetsTheOutputsIfTheSettingSaysSo)

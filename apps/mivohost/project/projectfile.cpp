@@ -59,7 +59,7 @@ void ProjectFile::start()
 {
     const bool openLast =
         m_runtime.call([this] { return m_store.getProjectFileSettings().openRecentFiles; });
-    const QStringList recent = recentFiles();
+    const QStringList recent = keptRecentFiles();
     if (!openLast || recent.isEmpty() || !open(recent.first())) {
         m_runtime.call([this, show = sampleShow()] { createOnRuntime(show); });
         refresh();
@@ -143,10 +143,15 @@ void ProjectFile::play(qint64 id)
     refresh();
 }
 
+QStringList ProjectFile::keptRecentFiles() const
+{
+    return m_runtime.call([this] { return m_store.getRecentProjectFiles(); })
+        .split('\n', Qt::SkipEmptyParts);
+}
+
 QStringList ProjectFile::recentFiles() const
 {
-    QStringList files = m_runtime.call([this] { return m_store.getRecentProjectFiles(); })
-                            .split('\n', Qt::SkipEmptyParts);
+    QStringList files = keptRecentFiles();
     files.erase(std::remove_if(files.begin(), files.end(),
                                [](const QString& file) { return !QFileInfo::exists(file); }),
                 files.end());
@@ -172,7 +177,7 @@ void ProjectFile::refresh()
 void ProjectFile::addRecentFile()
 {
     QStringList files{m_state.file};
-    for (const QString& file : recentFiles()) {
+    for (const QString& file : keptRecentFiles()) {
         if (QFileInfo(file) != QFileInfo(m_state.file)) {
             files.append(file);
         }
