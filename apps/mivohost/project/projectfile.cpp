@@ -3,8 +3,8 @@
 #include "project/autosave.h"
 #include "runtime/runtimethread.h"
 #include "store/settingsstore.h"
-
-#include "qvspdlog/spdlogapplication.h"
+#include "surface/hostlog.h"
+#include "surface/hosttext.h"
 
 #include <QtCore/QDateTime>
 #include <QtCore/QFileInfo>
@@ -23,24 +23,24 @@ constexpr int wholeProject = -1; // all flags
 ProjectFile::ProjectFile(RuntimeThread& runtime, SettingsStore& store)
     : m_runtime(runtime), m_store(store), m_dispatch(std::make_shared<ProgramDispatch>())
 {
-    const auto tell = [this](const char* key, const QString& argument) {
+    const auto tellLater = [this](const char* key, const QString& path, const QString& reason) {
         QMetaObject::invokeMethod(
-            this, [this, key = QString::fromLatin1(key), argument] { emit failed(key, argument); },
-            Qt::QueuedConnection);
+            this, [this, key, path, reason] { tell(key, path, reason); }, Qt::QueuedConnection);
     };
-    m_runtime.call([this, tell] {
+    m_runtime.call([this, tellLater] {
         m_connections = {
             m_dispatch->stateChanged.connect([this] {
                 QMetaObject::invokeMethod(this, &ProjectFile::refresh, Qt::QueuedConnection);
             }),
-            m_dispatch->saveFailed.connect(
-                [tell](const QString& reason) { tell("ProjectNotSaved", reason); }),
+            m_dispatch->saveFailed.connect([tellLater](const QString& path, const QString& reason) {
+                tellLater("ProjectNotSaved", path, reason);
+            }),
             m_store.fadeTimesApplied.connect(&ProjectFile::applyFadeTimes, this),
         };
     });
-    m_autoSave =
-        std::make_unique<AutoSave>(runtime, store, m_dispatch, [tell](const QString& reason) {
-            tell("AutomaticSaveFailed", reason);
+    m_autoSave = std::make_unique<AutoSave>(
+        runtime, store, m_dispatch, [tellLater](const QString& folder, const QString& reason) {
+            tellLater("AutomaticSaveFailed", folder, reason);
         });
 }
 
@@ -53,6 +53,11 @@ ProjectFile::~ProjectFile()
         }
         m_dispatch.reset();
     });
+}
+
+void ProjectFile::tell(const char* key, const QString& path, const QString& reason)
+{
+    emit failed(QString::fromLatin1(key), QStringLiteral("%1: %2").arg(path, reasonText(reason)));
 }
 
 void ProjectFile::start()
@@ -70,7 +75,7 @@ void ProjectFile::create()
 {
     m_runtime.call([this, show = sampleShow()] {
         createOnRuntime(show);
-        const auto logger = QV::SpdlogApplication::instance().logger();
+        const auto logger = hostLog();
         logger->info("new project");
         if (m_store.getProjectFileSettings().newProjResetOutput) {
             logger->info("outputs reset");
@@ -88,8 +93,8 @@ void ProjectFile::createOnRuntime(Project show)
 void ProjectFile::applyFadeTimes(double fadeIn, double fadeOut)
 {
     const int programs = m_dispatch->setFadeTimes(fadeIn, fadeOut);
-    QV::SpdlogApplication::instance().logger()->info(
-        "fade in {} s and fade out {} s for all programs: {} changed", fadeIn, fadeOut, programs);
+    hostLog()->info("fade in {} s and fade out {} s for all programs: {} changed", fadeIn, fadeOut,
+                    programs);
     QMetaObject::invokeMethod(
         this, [this, programs] { emit fadeTimesApplied(programs); }, Qt::QueuedConnection);
 }
@@ -106,9 +111,9 @@ bool ProjectFile::open(const QString& file)
         return failure;
     });
     if (!reason.isEmpty()) {
-        QV::SpdlogApplication::instance().logger()->error("project {} could not be opened: {}",
-                                                          file.toStdString(), reason.toStdString());
-        emit failed(QStringLiteral("ProjectNotOpened"), QStringLiteral("%1: %2").arg(file, reason));
+        hostLog()->error("project {} could not be opened: {}", file.toStdString(),
+                         reason.toStdString());
+        tell("ProjectNotOpened", file, reason);
         return false;
     }
     refresh();

@@ -73,6 +73,7 @@ private:
     /// Also those that are not there now: their drive may come later.
     QStringList keptRecentFiles() const;
     void addRecentFile();
+    void tell(const char* key, const QString& path, const QString& reason);
     void createOnRuntime(Project show);
     void applyFadeTimes(double fadeIn, double fadeOut); // runtime thread
 
