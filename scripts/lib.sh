@@ -67,8 +67,8 @@ configure() {
 }
 
 # configure_and_build PRESET [TARGET...]: configures once, and again when MIVO_WERROR asks for
-# another value.
-configure_and_build() {
+# another value. The caller stays in its folder.
+configure_and_build() (
     local preset=$1 werror=${MIVO_WERROR:-OFF}
     shift
     local dir=$root/build/$preset
@@ -77,4 +77,4 @@ configure_and_build() {
         configure "$preset"
     fi
     quietly "building $preset" cmake --build "$dir" ${1:+--target "$@"}
-}
+)

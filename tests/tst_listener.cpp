@@ -107,4 +107,21 @@ TEST_F(Ports, ThatWereOpenAreOpenedAgainAtTheNextStart)
         QTest::qWaitFor([&] { return runtime.call([&] { return again.getTcpPort().open; }); }));
 }
 
+TEST_F(Ports, ThatAreBusyAtOneStartAreTriedAgain)
+{
+    QTcpServer busy;
+    ASSERT_TRUE(busy.listen(QHostAddress::Any));
+    const STPortInfo wished{true, busy.serverPort()};
+    wish(Store::tcp, wished); // without a host, wishes come true
+    const auto kept = store.kept.rows;
+    came.clear();
+    const Listener listener(runtime, store);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return runtime.call([&] { return !came.empty(); }); }));
+    EXPECT_EQ(came, std::vector{(STPortInfo{false, wished.port})});
+    EXPECT_FALSE(reason.empty());
+    EXPECT_EQ(store.kept.rows, kept);
+    busy.close();
+    EXPECT_EQ(wish(Store::tcp, wished), wished) << "by the user, without another start";
+}
+
 } // namespace listenertest

@@ -11,7 +11,9 @@
 #include "support/logcapture.h"
 #include "support/teststore.h"
 
+#include <QtCore/QSet>
 #include <QtCore/QTemporaryDir>
+#include <QtCore/QTranslator>
 #include <QtTest/QSignalSpy>
 #include <QtWidgets/QMenuBar>
 #include <QtWidgets/QMessageBox>
@@ -22,6 +24,25 @@ namespace mainwindowtest {
 using namespace mivohost;
 
 namespace {
+
+/// Notes what Qt's file dialogs ask for and no language file has. Installed before those files.
+class Untranslated : public QTranslator
+{
+public:
+    Untranslated() { QCoreApplication::installTranslator(this); }
+    QString translate(const char* context, const char* text, const char*, int) const override
+    {
+        static const QStringList ofFileDialogs{"QFileDialog", "QFileSystemModel", "QPlatformTheme"};
+        // Keys are the same in all languages.
+        if (ofFileDialogs.contains(context) && qstrncmp(text, "Alt+", 4) != 0) {
+            texts.insert(QStringLiteral("%1: %2").arg(context, text));
+        }
+        return {};
+    }
+    bool isEmpty() const override { return false; }
+
+    mutable QSet<QString> texts;
+};
 
 class Window : public ::testing::Test
 {
@@ -56,6 +77,7 @@ protected:
     QString playing() { return window.findChild<QLabel*>("playing")->text(); }
 
     LogCapture log;
+    const Untranslated untranslated;
     QTemporaryDir folder;
     QStringList missing;
     QStringList asked;
@@ -144,16 +166,36 @@ TEST_F(Window, OpensRecentFilesFromItsMenu)
     EXPECT_TRUE(window.windowTitle().startsWith("one[*]"));
 }
 
+TEST_F(Window, ShowsAFailureUntilItIsDismissedAndKeepsEachMessage)
+{
+    const QLabel* notice = nullptr;
+    for (const auto* label : window.findChildren<QLabel*>()) {
+        notice = label->property("style") == "notice" ? label : notice;
+    }
+    EXPECT_FALSE(project.open(folder.filePath("missing.mivo")));
+    EXPECT_TRUE(notice->isVisible());
+    const QString failure = notice->text();
+    EXPECT_TRUE(failure.contains("missing.mivo"));
+    runtime.call([this] { store.applyFadeTimes(1, 1); });
+    EXPECT_TRUE(QTest::qWaitFor([this] { return window.messages().messages().size() == 2; }));
+    EXPECT_EQ(notice->text(), failure);
+    using namespace velorn::msgcenter;
+    EXPECT_EQ(window.messages().messages()[0].kind, MsgWarning);
+    EXPECT_EQ(window.messages().messages()[0].text, failure.toStdString());
+    EXPECT_EQ(window.messages().messages()[1].kind, MsgInformation);
+    QTest::mouseClick(window.findChild<QPushButton*>("dismissNotice"), Qt::LeftButton);
+    EXPECT_FALSE(notice->isVisible());
+}
+
 TEST_F(Window, HasEveryTextInBothLanguages)
 {
     window.showTray();
     project.play(1);
     for (const char* language : {"en", "zh_cn"}) {
         window.switchLanguage(language);
-        for (const char* key :
-             {"ProjectNotOpened", "ProjectNotSaved", "AutomaticSaveFailed", "AutostartFailed",
-              "PowerActionFailed", "SettingNotSaved", "FadeTimesApplied", "ShortcutsNotExported",
-              "ShortcutsNotImported"}) {
+        for (const char* key : {"ProjectNotOpened", "ProjectNotSaved", "AutomaticSaveFailed",
+                                "AutostartFailed", "PowerActionFailed", "SettingNotSaved",
+                                "ShortcutsNotExported", "ShortcutsNotImported"}) {
             window.showNotice(key, "the reason");
             bool shown = false;
             for (const auto* label : window.findChildren<QLabel*>()) {
@@ -161,10 +203,16 @@ TEST_F(Window, HasEveryTextInBothLanguages)
             }
             EXPECT_TRUE(shown) << key;
         }
+        for (const char* reason :
+             {"0 is no port", "a program has no id of its own", "no such folder",
+              "not a project file", "the file was replaced or removed",
+              "written by a later version"}) {
+            EXPECT_EQ(reasonText(reason) == reason, language == QLatin1String("en")) << reason;
+        }
         for (const char* key :
-             {"KeyHint", "MidiHint", "MidiNoDevice", "MidiOff", "DmxHint", "DmxOff", "OscHint",
-              "OscOff", "ShortcutFiles", "ClearShortcutsQuestion", "ImportShortcutsQuestion",
-              "FileTooLarge"}) {
+             {"DataInUse", "KeyHint", "MidiHint", "MidiNoDevice", "MidiOff", "DmxHint", "DmxOff",
+              "OscHint", "OscOff", "ShortcutFiles", "ClearShortcutsQuestion",
+              "ImportShortcutsQuestion", "FileTooLarge"}) {
             EXPECT_FALSE(hostText(key).isEmpty());
         }
         answer(stay);
@@ -172,6 +220,14 @@ TEST_F(Window, HasEveryTextInBothLanguages)
         project.create();
         project.play(1);
     }
+    untranslated.texts.clear();
+    answer(drop);
+    for (const int action : {1, 4}) { // Open and Save As
+        whenModal<QFileDialog>([](QFileDialog& dialog) { dialog.reject(); });
+        window.menuBar()->actions().at(0)->menu()->actions().at(action)->trigger();
+    }
+    const auto texts = untranslated.texts.values();
+    EXPECT_TRUE(texts.isEmpty()) << texts.join('\n').toStdString();
     EXPECT_TRUE(missing.isEmpty()) << missing.join(' ').toStdString();
     EXPECT_EQ(asked.at(1), QStringLiteral("是否保存对“未命名项目”的更改？"));
     EXPECT_EQ(playing(), QStringLiteral("正在播放：开放入场"));

@@ -1,6 +1,7 @@
 #include "project/project.h"
 #include "store/sqlitepersistence.h"
 
+#include "support/files.h"
 #include "support/jackdevices.h"
 #include "support/rfbclient.h"
 #include "support/soundserver.h"
@@ -9,6 +10,7 @@
 
 #include "surface/settingsview.h"
 
+#include <mivosettingswidgets/isettingbox.h>
 #include <mivosettingswidgets/settingsdialog.h>
 #include <mivosettingswidgets/undosettingbox.h>
 #include <mivowidgets/spineditbox.h>
@@ -33,25 +35,31 @@
 
 namespace {
 
+/// That of a user whose files are in `home`.
+QProcessEnvironment environmentOf(const QString& home, const QString& platform)
+{
+    auto environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("QT_QPA_PLATFORM", platform);
+    environment.insert("LANG", "C.UTF-8");
+    environment.insert("XDG_CONFIG_HOME", home + "/config");
+    environment.insert("XDG_DATA_HOME", home + "/data");
+    return environment;
+}
+
 /// The reference host as its own process, with a person in front of it.
 class Program
 {
 public:
-    explicit Program(const QString& store, const QStringList& more = {})
+    explicit Program(const QString& home, const QStringList& arguments = {})
     {
         QTcpServer probe; // a port that is free right now
         probe.listen(QHostAddress::LocalHost);
         m_port = probe.serverPort();
         probe.close();
-        auto environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("QT_QPA_PLATFORM",
-                           QStringLiteral("vnc:port=%1:size=1280x900").arg(m_port));
-        environment.insert("LANG", "C.UTF-8");
-        environment.insert("XDG_CONFIG_HOME", QFileInfo(store).absolutePath() + "/config");
-        environment.insert("XDG_DATA_HOME", QFileInfo(store).absolutePath() + "/data");
-        m_process.setProcessEnvironment(environment);
+        m_process.setProcessEnvironment(
+            environmentOf(home, QStringLiteral("vnc:port=%1:size=1280x900").arg(m_port)));
         m_process.setProcessChannelMode(QProcess::MergedChannels);
-        m_process.start(MIVOHOST_PROGRAM, QStringList{"--store", store} + more);
+        m_process.start(MIVOHOST_PROGRAM, arguments);
     }
 
     ~Program() { kill(); }
@@ -126,10 +134,8 @@ protected:
     int run(const QStringList& arguments, QByteArray& output)
     {
         QProcess process;
-        auto environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("QT_QPA_PLATFORM", "offscreen");
-        process.setProcessEnvironment(environment);
-        process.start(MIVOHOST_PROGRAM, QStringList{"--store", store()} + arguments);
+        process.setProcessEnvironment(environmentOf(folder.path(), "offscreen"));
+        process.start(MIVOHOST_PROGRAM, arguments);
         process.waitForFinished(60000);
         output = process.readAllStandardOutput();
         return process.exitCode();
@@ -175,7 +181,8 @@ protected:
         return false;
     }
 
-    QString store() const { return folder.filePath("settings.sqlite"); }
+    QString store() const { return folder.filePath("data/mivo/mivohost/settings.sqlite"); }
+    QString otherStore() const { return folder.filePath("other.sqlite"); }
 
     QTemporaryDir folder;
     quint16 oscPort = 0;
@@ -218,7 +225,7 @@ void reachUndoSteps(RfbClient& person)
 TEST_F(Host, KeepsAnEditThroughAKillAndShowsItAgain)
 {
     {
-        Program program(store(), {"--settings"});
+        Program program(folder.path(), {"--settings"});
         ASSERT_TRUE(program.hasScreen());
         ASSERT_TRUE(program.says("settings dialog open"));
         reachUndoSteps(program.person());
@@ -232,7 +239,7 @@ TEST_F(Host, KeepsAnEditThroughAKillAndShowsItAgain)
     EXPECT_TRUE(output.contains("undoStep=80\n")) << output.constData();
 
     // The control shows it: one step up from what it shows is 81.
-    Program again(store(), {"--settings"});
+    Program again(folder.path(), {"--settings"});
     ASSERT_TRUE(again.hasScreen());
     ASSERT_TRUE(again.says("settings dialog open"));
     reachUndoSteps(again.person());
@@ -241,33 +248,34 @@ TEST_F(Host, KeepsAnEditThroughAKillAndShowsItAgain)
     EXPECT_TRUE(again.says("setting undoStep = 81")) << again.output().constData();
 }
 
-TEST_F(Host, TheSecondOnTheSameStoreSaysSoAndStops)
+TEST_F(Host, TheSecondOfAUserSaysSoAndStops)
 {
-    Program first(store(), {"--settings"});
+    Program first(folder.path(), {"--settings"});
     ASSERT_TRUE(first.hasScreen());
     ASSERT_TRUE(first.says("settings dialog open"));
 
-    Program second(store());
+    Program second(folder.path(), {"--store", otherStore()});
     ASSERT_TRUE(second.hasScreen());
-    EXPECT_TRUE(second.says("is in use by another mivohost")) << second.output().constData();
+    EXPECT_TRUE(second.says("are in use by another mivohost")) << second.output().constData();
     second.person().key(RfbClient::enter);
     ASSERT_TRUE(second.ends()) << "the message is closed by Return, and the program with it";
     EXPECT_EQ(second.exitCode(), 2);
 
     QByteArray output;
     EXPECT_EQ(run({"--print-settings"}, output), 2);
+    EXPECT_EQ(run({"--print-settings", "--store", otherStore()}, output), 0);
 }
 
 TEST_F(Host, PutsAnUnreadableStoreAside)
 {
-    QFile file(store());
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(QByteArray(4096, 'x'));
-    file.close();
-    Program program(store());
+    ASSERT_TRUE(QDir().mkpath(QFileInfo(store()).path()));
+    writeFile(store(), QByteArray(4096, 'x'));
+    QByteArray output;
+    EXPECT_EQ(run({"--print-settings"}, output), 3) << "nobody would hear of it";
+    Program program(folder.path());
     ASSERT_TRUE(program.hasScreen());
     EXPECT_TRUE(program.says("put aside as")) << program.output().constData();
-    EXPECT_EQ(QDir(folder.path()).entryList({"settings.sqlite.unreadable-*"}).size(), 1);
+    EXPECT_EQ(QFileInfo(store()).dir().entryList({"settings.sqlite.unreadable-*"}).size(), 1);
 }
 
 TEST_F(Host, DrawsEveryPageInEveryLanguage)
@@ -275,17 +283,27 @@ TEST_F(Host, DrawsEveryPageInEveryLanguage)
     QByteArray output;
     const QString pictures = folder.filePath("pictures");
     ASSERT_EQ(run({"--pictures", pictures}, output), 0);
-    for (const char* name :
-         {"mainwindow", "undosettingbox", "onlinesettingbox", "resplaycontrolsettingbox",
-          "generalsettingbox", "displaycontrolsettingbox", "codeccontrolsettingbox"}) {
+    QStringList names{"mainwindow", "mainwindow-editing"};
+    TestRuntime runtime;
+    const mivohost::SettingsView view(runtime, nullptr);
+    for (const auto* page : view.pages()) {
+        const QString type = page->metaObject()->className();
+        names.append(type.section("::", -1).toLower());
+    }
+    EXPECT_GT(names.size(), 12);
+    for (const QString& name : names) {
         QImage english(pictures + '/' + name + "-en.png");
         QImage chinese(pictures + '/' + name + "-zh_cn.png");
-        EXPECT_FALSE(english.isNull()) << name;
-        EXPECT_EQ(english.size(), chinese.size()) << name;
-        EXPECT_NE(english, chinese) << name;
+        EXPECT_FALSE(english.isNull()) << name.toStdString();
+        EXPECT_EQ(english.size(), chinese.size()) << name.toStdString();
+        EXPECT_NE(english, chinese) << name.toStdString();
     }
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+              QStringList{"pictures"})
+        << "nothing else of the user's";
     EXPECT_EQ(QImage(pictures + "/undosettingbox-en.png").size(), QSize(1080, 800));
-    EXPECT_NE(run({"--pictures", "/proc/no/such"}, output), 0);
+    EXPECT_EQ(run({"--pictures", "/proc/no/such"}, output), 4);
+    EXPECT_EQ(run({"--pictures", pictures, "--store", otherStore()}, output), 1);
 }
 
 TEST_F(Host, StartsAsItsSettingsSayAndPlaysOnAKey)
@@ -305,7 +323,7 @@ TEST_F(Host, StartsAsItsSettingsSayAndPlaysOnAKey)
             ASSERT_TRUE(opened.persistence->write(key, value));
         }
     }
-    Program program(store());
+    Program program(folder.path());
     ASSERT_TRUE(program.hasScreen());
     EXPECT_TRUE(program.says("playing program Six")) << program.output().constData();
     // The window is there when it takes keys: the programs have the focus from the start.
@@ -315,6 +333,10 @@ TEST_F(Host, StartsAsItsSettingsSayAndPlaysOnAKey)
     QFile entry(folder.filePath("config/autostart/mivohost.desktop"));
     ASSERT_TRUE(entry.open(QIODevice::ReadOnly));
     EXPECT_TRUE(entry.readAll().contains("\"--start-delay\" \"0\"\n"));
+    program.kill();
+    Program other(folder.path(), {"--store", otherStore()});
+    EXPECT_TRUE(other.says("main window open")) << other.output().constData();
+    EXPECT_TRUE(entry.exists()) << "that is not up to other settings";
 }
 
 TEST_F(Host, CountsDownToAScheduledRestartAndCarriesItOutWhenToldTo)
@@ -325,7 +347,7 @@ TEST_F(Host, CountsDownToAScheduledRestartAndCarriesItOutWhenToldTo)
         const QString soon = QTime::currentTime().addSecs(4).toString("hh:mm:ss");
         ASSERT_TRUE(opened.persistence->write("timedAutomaticRestart", "1|0|0|" + soon));
     }
-    Program program(store());
+    Program program(folder.path());
     ASSERT_TRUE(program.hasScreen());
     ASSERT_TRUE(program.says("is due")) << program.output().constData();
     QTest::qWait(1500);                   // the prompt opens
@@ -372,7 +394,7 @@ TEST_F(Host, KeysAndControllersAreBoundTriggerAndAreThereAfterARestart)
         }
     };
     {
-        Program program(store());
+        Program program(folder.path());
         ASSERT_TRUE(program.hasScreen());
         ASSERT_TRUE(program.says("window open"));
         auto& person = program.person();
@@ -420,7 +442,7 @@ TEST_F(Host, KeysAndControllersAreBoundTriggerAndAreThereAfterARestart)
         person.chord({RfbClient::control, 'q'});
         ASSERT_TRUE(program.ends());
     }
-    Program again(store());
+    Program again(folder.path());
     ASSERT_TRUE(again.hasScreen());
     ASSERT_TRUE(again.says("window open"));
     trigger(again);
@@ -455,7 +477,7 @@ TEST_F(Host, SeesItsSoundCardsComeAndGo)
         GTEST_SKIP() << "no PulseAudio here";
     }
     server.load("left");
-    Program program(store());
+    Program program(folder.path());
     EXPECT_TRUE(program.says("sound card there: left (2 channels)"))
         << program.output().constData();
     server.load("right", 8);
@@ -474,6 +496,6 @@ TEST_F(Host, PlaysAClusterOfSimulatedDevices)
     for (const char* wrong : {"0", "251", "many", ""}) {
         EXPECT_EQ(run({"--simulate-devices", wrong, "--print-settings"}, output), 1) << wrong;
     }
-    Program program(store(), {"--simulate-devices", "2"});
+    Program program(folder.path(), {"--simulate-devices", "2"});
     EXPECT_TRUE(program.says("info Simulated ")) << program.output().constData();
 }

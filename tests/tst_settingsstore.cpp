@@ -186,10 +186,36 @@ TEST_F(StoreFile, IsMadeWithItsFolderAndReadAgain)
         EXPECT_TRUE(opened.persistence->write("language", QStringLiteral("zh_cn")));
         EXPECT_TRUE(opened.persistence->write("fadeInTime", 0.1 + 0.2));
     }
-    auto again = SqlitePersistence::open(deep);
-    ASSERT_EQ(again.status, Status::opened);
-    EXPECT_EQ(again.persistence->loadAll(),
-              (QVariantHash{{"undoStep", 81}, {"language", "zh_cn"}, {"fadeInTime", 0.1 + 0.2}}));
+    const QByteArray content = readFile(deep);
+    {
+        auto again = SqlitePersistence::open(deep);
+        ASSERT_EQ(again.status, Status::opened);
+        EXPECT_EQ(
+            again.persistence->loadAll(),
+            (QVariantHash{{"undoStep", 81}, {"language", "zh_cn"}, {"fadeInTime", 0.1 + 0.2}}));
+        EXPECT_EQ(QFileInfo(deep + "-wal").size(), 0) << "reading needs no room on the disk";
+    }
+    EXPECT_EQ(readFile(deep), content);
+}
+
+TEST_F(StoreFile, BelongsToOneAndKeepsNothingInOneThatWasReplaced)
+{
+    auto opened = SqlitePersistence::open(path());
+    const QString moved = path() + ".moved";
+    const std::pair<const char*, std::function<void()>> cases[]{
+        {"removed", [] {}},
+        {"replaced", [&] { QFile::copy(moved, path()); }},
+    };
+    for (const auto& [label, spoil] : cases) {
+        EXPECT_TRUE(opened.persistence->write("undoStep", 80)) << label;
+        QFile::rename(path(), moved);
+        spoil();
+        EXPECT_FALSE(opened.persistence->write("undoStep", 81)) << label;
+        EXPECT_FALSE(opened.persistence->lastError().isEmpty()) << label;
+        EXPECT_EQ(SqlitePersistence::open(path()).status, Status::inUse) << label;
+        QFile::remove(path());
+        QFile::rename(moved, path());
+    }
 }
 
 TEST_F(StoreFile, IsPutAsideWhenItCannotBeRead)
@@ -209,6 +235,10 @@ TEST_F(StoreFile, IsPutAsideWhenItCannotBeRead)
     for (const auto& [label, damage] : cases) {
         damage();
         const auto before = QFileInfo(path()).size();
+        EXPECT_EQ(SqlitePersistence::open(path(), SqlitePersistence::Unreadable::refused).status,
+                  Status::failed)
+            << label;
+        EXPECT_EQ(QFileInfo(path()).size(), before) << label;
         auto opened = SqlitePersistence::open(path());
         ASSERT_EQ(opened.status, Status::putAside) << label << ' ' << opened.error.toStdString();
         EXPECT_TRUE(opened.persistence->loadAll().isEmpty()) << label;

@@ -96,6 +96,17 @@ TEST_F(Mappings, SurviveARestartAndTheAbsenceOfTheirCards)
     open(store->kept.rows);
     EXPECT_EQ(mappings(), before);
     EXPECT_TRUE(store->kept.writes.empty());
+
+    const auto pairsWith = [this](std::uint32_t channels) {
+        store->soundCards().setDeviceSoundCards("", "", {{"usb \"1\"", "声卡|1", channels}});
+        return mappings()[0].soundCards[0].channelPairs;
+    };
+    takeTold();
+    EXPECT_EQ(pairsWith(4), 2U);
+    EXPECT_EQ(takeTold().front(), "changed 2; 4; ; ; usb \"1\"; 声卡|1; 4; 2; ; ");
+    change(2, SoundCardChangeChannels, {"", "usb \"1\"", {}, 0, 1});
+    EXPECT_EQ(pairsWith(2), 1U);
+    EXPECT_EQ(pairsWith(8), 5U) << "the third pair was only away";
     change(3, SoundCardChangeDeletion);
     open(store->kept.rows);
     add();

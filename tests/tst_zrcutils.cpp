@@ -175,6 +175,14 @@ TEST(NoCacheFile, ReplacesTheWholeFileOrNothing)
     ::setrlimit(RLIMIT_FSIZE, &old);
     EXPECT_EQ(content(), "kept");
     EXPECT_EQ(std::distance(fs::directory_iterator(base), {}), 2) << "something was left behind";
+
+    // Nobody may read the folder, so that it cannot be flushed.
+    fs::permissions(base, fs::perms(0333));
+    EXPECT_EQ(QProcess::execute(QCoreApplication::applicationFilePath(),
+                                {"--as-nobody-saving", QFile::decodeName(path.c_str())}),
+              0);
+    fs::permissions(base, fs::perms::owner_all);
+    EXPECT_EQ(content(), "new");
 }
 
 TEST(NoCacheFile, IsWholeWhenItsWriterIsKilled)
@@ -203,6 +211,12 @@ int runAsOtherProcess(const QStringList& arguments)
                    ? static_cast<int>(ProcessUtils::processIsRunning(arguments.at(1).toStdString()))
                    : 2;
     }
+    if (arguments[0] == "--as-nobody-saving") {
+        return (::getuid() != 0 || ::setuid(65534) == 0)
+                       && NoCacheFile::saveToFile(arguments.at(1).toStdString(), "new")
+                   ? 0
+                   : 1;
+    }
     if (arguments[0] == "--as-file-writer") {
         for (char letter = 'a';; letter = letter == 'z' ? 'a' : static_cast<char>(letter + 1)) {
             if (!NoCacheFile::saveToFile(arguments.at(1).toStdString(),
@@ -219,7 +233,8 @@ int runAsOtherProcess(const QStringList& arguments)
 }
 
 const bool registered = [] {
-    for (const char* role : {"--as-waiting", "--as-nobody", "--as-file-writer"}) {
+    for (const char* role :
+         {"--as-waiting", "--as-nobody", "--as-nobody-saving", "--as-file-writer"}) {
         otherProcesses()[role] = runAsOtherProcess;
     }
     return true;

@@ -18,8 +18,6 @@
 #include "system/power.h"
 #include "system/timedactions.h"
 
-#include "qvspdlog/spdlogapplication.h"
-
 #include <mivosettingswidgets/settingwdigettranslatemanager.h>
 
 #include <QtCore/QCommandLineParser>
@@ -27,6 +25,7 @@
 #include <QtCore/QEventLoop>
 #include <QtCore/QFileInfo>
 #include <QtCore/QLocale>
+#include <QtCore/QLockFile>
 #include <QtCore/QStandardPaths>
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QTimer>
@@ -60,7 +59,7 @@ void loadLanguages()
     translator.switchLanguage(systemLanguage());
     translator.setMissingTextHandler(
         [](const QString& /*catalogue*/, const QString& /*context*/, const QString& key) {
-            QV::SpdlogApplication::instance().logger()->warn("no text for {}", key.toStdString());
+            hostLog()->warn("no text for {}", key.toStdString());
         });
 }
 
@@ -81,7 +80,7 @@ QVariantHash defaultFolders(const QDir& data)
     for (const auto& [key, name] :
          {std::pair("autoSavePath", "projectbackups"), std::pair("playLogPath", "playlog"),
           std::pair("cachePath", "cache"), std::pair("sharePath", "sharedfolder")}) {
-        folders[key] = QDir::toNativeSeparators(data.filePath(name));
+        folders[key] = data.filePath(name);
     }
     return folders;
 }
@@ -102,7 +101,7 @@ std::optional<int> numberOf(const QCommandLineParser& arguments, const QString& 
 /// Lets the event loop run so long.
 void wait(int seconds)
 {
-    QV::SpdlogApplication::instance().logger()->info("waiting {} s before the start", seconds);
+    hostLog()->info("waiting {} s before the start", seconds);
     QEventLoop loop;
     QTimer::singleShot(seconds * 1000, &loop, &QEventLoop::quit);
     loop.exec();
@@ -119,17 +118,18 @@ int runWindow(MainWindow& window, RuntimeThread& runtime, SettingsStore& store,
                 Qt::QueuedConnection);
         };
     };
-    QStringList startArguments; // what holds for this start holds for the one at log-on
-    if (arguments.isSet(QStringLiteral("store"))) {
-        startArguments << QStringLiteral("--store")
-                       << QFileInfo(arguments.value(QStringLiteral("store"))).absoluteFilePath();
-    }
     const bool allowed = arguments.isSet(QStringLiteral("allow-power-actions"));
-    if (allowed) {
-        startArguments << QStringLiteral("--allow-power-actions");
+    std::optional<Autostart> autostart;
+    if (arguments.isSet(QStringLiteral("store"))) {
+        hostLog()->info("the start at log-on stays as it is: these are other settings");
+    } else {
+        QStringList startArguments; // what holds for this start holds for the one at log-on
+        if (allowed) {
+            startArguments << QStringLiteral("--allow-power-actions");
+        }
+        autostart.emplace(runtime, store, QCoreApplication::applicationFilePath(), startArguments,
+                          notify("AutostartFailed"));
     }
-    const Autostart autostart(runtime, store, QCoreApplication::applicationFilePath(),
-                              startArguments, notify("AutostartFailed"));
     const TimedActions timed(
         runtime, store,
         [&window, allowed, failed = notify("PowerActionFailed")](PowerAction action) {
@@ -162,7 +162,7 @@ int runWindow(MainWindow& window, RuntimeThread& runtime, SettingsStore& store,
     QObject::connect(&window, &MainWindow::closed, &QApplication::quit);
     window.showTray();
     window.show();
-    QV::SpdlogApplication::instance().logger()->info("main window open");
+    hostLog()->info("main window open");
     window.settings(); // there from the start: its pages ask about the timed actions
     if (arguments.isSet(QStringLiteral("settings"))) {
         window.openSettings();
@@ -176,17 +176,23 @@ int run(const QCommandLineParser& arguments)
     const bool drawing = arguments.isSet(QStringLiteral("pictures"));
     const bool withWindow = !printing && !drawing;
     const QDir data(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation));
+    QString path = data.filePath(QStringLiteral("settings.sqlite"));
     std::optional<QTemporaryDir> scratch; // pictures show the defaults, whatever the user has set
     if (drawing) {
         scratch.emplace();
+        path = scratch->filePath(QStringLiteral("settings.sqlite"));
+        // For what finds its folder itself: below HOME, on Windows beside the user's.
+        qputenv("HOME", scratch->path().toUtf8());
+        QStandardPaths::setTestModeEnabled(true);
     }
-    QString path = drawing ? scratch->filePath(QStringLiteral("settings.sqlite"))
-                           : data.filePath(QStringLiteral("settings.sqlite"));
     if (arguments.isSet(QStringLiteral("store"))) {
+        if (drawing) {
+            return refuse(badArgument,
+                          QStringLiteral("--pictures draws the defaults and takes no --store"),
+                          false);
+        }
         path = arguments.value(QStringLiteral("store"));
     }
-    data.mkpath(QStringLiteral("."));
-    startLog(withWindow ? data.filePath(QStringLiteral("mivohost.log")) : QString());
 
     const auto delay = numberOf(arguments, QStringLiteral("start-delay"), 0, 300);
     if (!delay) {
@@ -204,8 +210,21 @@ int run(const QCommandLineParser& arguments)
         wait(*delay);
     }
 
+    QLockFile alone(data.filePath(QStringLiteral("mivohost.lock")));
+    if (withWindow) {
+        // The shortcuts and the log have one owner, also when each has a store of its own.
+        data.mkpath(QStringLiteral("."));
+        if (!alone.tryLock(200) && alone.error() == QLockFile::LockFailedError) {
+            return refuse(storeInUse, hostText("DataInUse").arg(data.path()), true);
+        }
+    }
+    startLog(withWindow ? data.filePath(QStringLiteral("mivohost.log")) : QString());
+
     RuntimeThread runtime;
-    auto opened = runtime.call([&path] { return SqlitePersistence::open(path); });
+    auto opened = runtime.call([&] {
+        using Unreadable = SqlitePersistence::Unreadable;
+        return SqlitePersistence::open(path, printing ? Unreadable::refused : Unreadable::putAside);
+    });
     if (opened.status == SqlitePersistence::Status::inUse) {
         return refuse(storeInUse, hostText(QStringLiteral("StoreInUse")).arg(path), withWindow);
     }
@@ -233,9 +252,8 @@ int run(const QCommandLineParser& arguments)
         const QString language = runtime.call([&store] { return store->getLanguage(); });
         window.switchLanguage(language.isEmpty() ? systemLanguage() : language);
         if (opened.status == SqlitePersistence::Status::putAside) {
-            QV::SpdlogApplication::instance().logger()->error(
-                "the settings file could not be read; put aside as {}",
-                opened.asidePath.toStdString());
+            hostLog()->error("the settings file could not be read; put aside as {}",
+                             opened.asidePath.toStdString());
             window.showNotice(QStringLiteral("StorePutAside"),
                               QFileInfo(opened.asidePath).fileName());
         }
@@ -278,10 +296,12 @@ int main(int argc, char** argv)
     arguments.addOptions({
         {QStringLiteral("settings"), QStringLiteral("Open the settings dialog at once.")},
         {QStringLiteral("pictures"),
-         QStringLiteral("Draw every page in every language into PNG files, then end."),
+         QStringLiteral("Draw every page with its defaults in every language into PNG files, then "
+                        "end."),
          QStringLiteral("folder")},
         {QStringLiteral("print-settings"), QStringLiteral("Print all settings, then end.")},
-        {QStringLiteral("store"), QStringLiteral("Use this settings file."),
+        {QStringLiteral("store"),
+         QStringLiteral("Use this settings file, and leave the start at log-on as it is."),
          QStringLiteral("file")},
         {QStringLiteral("start-delay"),
          QStringLiteral("Wait so long before anything is opened, 0 to 300."),

@@ -73,13 +73,6 @@ void RfbClient::type(const QString& text)
     }
 }
 
-void RfbClient::click(const QPoint& position)
-{
-    for (const quint8 buttons : {quint8(0), quint8(1), quint8(0)}) {
-        send(message(quint8(5), buttons, quint16(position.x()), quint16(position.y())));
-    }
-}
-
 bool RfbClient::read(qint64 bytes, QByteArray& into)
 {
     while (m_socket.bytesAvailable() < bytes) {

@@ -1,13 +1,11 @@
 #pragma once
 
-#include <QtCore/QPoint>
 #include <QtCore/QString>
 #include <QtNetwork/QTcpSocket>
 
 #include <vector>
 
-/// A person at the screen of a program that runs on Qt's VNC platform: keyboard and mouse over the
-/// RFB protocol.
+/// A person at the keyboard of a program that runs on Qt's VNC platform, over the RFB protocol.
 class RfbClient
 {
 public:
@@ -19,7 +17,6 @@ public:
     void type(const QString& text);
     /// Presses all keys in their order, and releases them in reverse.
     void chord(const std::vector<quint32>& symbols);
-    void click(const QPoint& position);
 
     static constexpr quint32 tab = 0xff09;
     static constexpr quint32 enter = 0xff0d;

@@ -1,8 +1,7 @@
 #include "devices/clustersimulator.h"
 
 #include "store/soundcardmappings.h"
-
-#include "qvspdlog/spdlogapplication.h"
+#include "surface/hostlog.h"
 
 #include <string>
 
@@ -31,7 +30,7 @@ void ClusterSimulator::step()
     Card& card = device.cards[any(device.cards.size())];
     auto& info = device.info;
     const std::size_t what = any(8);
-    const auto logger = QV::SpdlogApplication::instance().logger();
+    const auto logger = hostLog();
     if (!device.isPresent) {
         device.isPresent = true;
         info.visible = true;

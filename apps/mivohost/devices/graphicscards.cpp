@@ -1,13 +1,13 @@
 #include "devices/graphicscards.h"
 
 #include "runtime/runtimethread.h"
-
-#include "qvspdlog/spdlogapplication.h"
+#include "surface/hostlog.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QMap>
 
+#include <fmt/ranges.h>
 #include <vulkan/vulkan.h>
 
 #include <algorithm>
@@ -120,7 +120,7 @@ GraphicsCardList machineGraphicsCards()
 GraphicsCards::GraphicsCards(RuntimeThread& runtime, Reader read)
     : m_runtime(runtime), m_reading([this, read = std::move(read)] {
           GraphicsCardList list = read();
-          const auto logger = QV::SpdlogApplication::instance().logger();
+          const auto logger = hostLog();
           if (list.names.empty()) {
               logger->warn("no graphics card found");
               return;

@@ -1,6 +1,6 @@
 #include "devices/physicsoutputs.h"
 
-#include "qvspdlog/spdlogapplication.h"
+#include "surface/hostlog.h"
 
 #include <QtGui/QGuiApplication>
 #include <QtGui/QScreen>
@@ -12,7 +12,7 @@ namespace {
 void logOutputs()
 {
     const QStringList outputs = PhysicsOutputs::outputs();
-    const auto logger = QV::SpdlogApplication::instance().logger();
+    const auto logger = hostLog();
     if (outputs.isEmpty()) {
         logger->warn("no output found");
     } else {
@@ -32,9 +32,8 @@ PhysicsOutputs::PhysicsOutputs()
 
 void PhysicsOutputs::setOutputConfig(const mivo::mediaoutput::STOutputConfig& config)
 {
-    QV::SpdlogApplication::instance().logger()->info("outputs: {}, {} bit, from the next start on",
-                                                     config.displayTechnologyStandard,
-                                                     config.bitDepth);
+    hostLog()->info("outputs: {}, {} bit, from the next start on", config.displayTechnologyStandard,
+                    config.bitDepth);
 }
 
 QStringList PhysicsOutputs::outputs()

@@ -1,8 +1,7 @@
 #include "devices/soundcards.h"
 
 #include "devices/soundcardlister.h"
-
-#include "qvspdlog/spdlogapplication.h"
+#include "surface/hostlog.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -20,7 +19,7 @@ constexpr int pauseAfterFailure = 2000; // milliseconds
 
 void logChanges(const std::vector<STSoundCardInfo>& before, const std::vector<STSoundCardInfo>& now)
 {
-    const auto logger = QV::SpdlogApplication::instance().logger();
+    const auto logger = hostLog();
     for (const STSoundCardInfo& card : before) {
         if (std::find(now.begin(), now.end(), card) == now.end()) {
             logger->info("sound card gone: {}", card.caption);
@@ -105,8 +104,7 @@ void SoundCards::read()
 void SoundCards::restart(bool hasFailed, const QString& reason)
 {
     if (hasFailed && !std::exchange(m_isWarned, true)) {
-        QV::SpdlogApplication::instance().logger()->warn("no list of sound cards: {}",
-                                                         reason.toStdString());
+        hostLog()->warn("no list of sound cards: {}", reason.toStdString());
     }
     m_timer.start(hasFailed ? pauseAfterFailure : 0);
 }

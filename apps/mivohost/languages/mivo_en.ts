@@ -882,6 +882,16 @@
         <translation>The settings file “%1” cannot be opened: %2</translation>
     </message>
     <message>
+        <source>DataInUse</source>
+        <comment>MainWindow</comment>
+        <translation>The shortcuts and the log in “%1” are in use by another mivohost. Close that one first.</translation>
+    </message>
+    <message>
+        <source>Dismiss</source>
+        <comment>MainWindow</comment>
+        <translation>Dismiss</translation>
+    </message>
+    <message>
         <source>SettingNotSaved</source>
         <comment>MainWindow</comment>
         <translation>A setting could not be saved: %1. Its old value stays in force.</translation>
@@ -1495,6 +1505,36 @@
         <source>MediaProperty/MediaNext</source>
         <comment>MainWindow</comment>
         <translation>Next</translation>
+    </message>
+    <message>
+        <source>0 is no port</source>
+        <comment>Reason</comment>
+        <translation>0 is no port</translation>
+    </message>
+    <message>
+        <source>a program has no id of its own</source>
+        <comment>Reason</comment>
+        <translation>a program has no id of its own</translation>
+    </message>
+    <message>
+        <source>no such folder</source>
+        <comment>Reason</comment>
+        <translation>no such folder</translation>
+    </message>
+    <message>
+        <source>not a project file</source>
+        <comment>Reason</comment>
+        <translation>not a project file</translation>
+    </message>
+    <message>
+        <source>the file was replaced or removed</source>
+        <comment>Reason</comment>
+        <translation>the file was replaced or removed</translation>
+    </message>
+    <message>
+        <source>written by a later version</source>
+        <comment>Reason</comment>
+        <translation>written by a later version</translation>
     </message>
 </context>
 </TS>

@@ -882,6 +882,16 @@
         <translation>无法打开设置文件“%1”：%2</translation>
     </message>
     <message>
+        <source>DataInUse</source>
+        <comment>MainWindow</comment>
+        <translation>“%1”中的快捷键和日志正被另一个 mivohost 使用。请先将其关闭。</translation>
+    </message>
+    <message>
+        <source>Dismiss</source>
+        <comment>MainWindow</comment>
+        <translation>关闭提示</translation>
+    </message>
+    <message>
         <source>SettingNotSaved</source>
         <comment>MainWindow</comment>
         <translation>有一项设置无法保存：%1。仍使用原来的值。</translation>
@@ -1496,6 +1506,36 @@
         <comment>MainWindow</comment>
         <translation>下一个</translation>
     </message>
+    <message>
+        <source>0 is no port</source>
+        <comment>Reason</comment>
+        <translation>0 不是有效端口</translation>
+    </message>
+    <message>
+        <source>a program has no id of its own</source>
+        <comment>Reason</comment>
+        <translation>有节目没有自己的标识</translation>
+    </message>
+    <message>
+        <source>no such folder</source>
+        <comment>Reason</comment>
+        <translation>没有此文件夹</translation>
+    </message>
+    <message>
+        <source>not a project file</source>
+        <comment>Reason</comment>
+        <translation>不是项目文件</translation>
+    </message>
+    <message>
+        <source>the file was replaced or removed</source>
+        <comment>Reason</comment>
+        <translation>文件已被替换或删除</translation>
+    </message>
+    <message>
+        <source>written by a later version</source>
+        <comment>Reason</comment>
+        <translation>由更高版本写入</translation>
+    </message>
 </context>
 <context>
     <name>QColorDialog</name>
@@ -1542,6 +1582,261 @@
     <message>
         <source>&amp;HTML:</source>
         <translation>&amp;HTML：</translation>
+    </message>
+</context>
+<context>
+    <name>QFileDialog</name>
+    <message>
+        <source>Look in:</source>
+        <translation>查找范围：</translation>
+    </message>
+    <message>
+        <source>Back</source>
+        <translation>后退</translation>
+    </message>
+    <message>
+        <source>Go back</source>
+        <translation>后退</translation>
+    </message>
+    <message>
+        <source>Forward</source>
+        <translation>前进</translation>
+    </message>
+    <message>
+        <source>Go forward</source>
+        <translation>前进</translation>
+    </message>
+    <message>
+        <source>Parent Directory</source>
+        <translation>上级文件夹</translation>
+    </message>
+    <message>
+        <source>Go to the parent directory</source>
+        <translation>转到上级文件夹</translation>
+    </message>
+    <message>
+        <source>Create New Folder</source>
+        <translation>新建文件夹</translation>
+    </message>
+    <message>
+        <source>Create a New Folder</source>
+        <translation>新建一个文件夹</translation>
+    </message>
+    <message>
+        <source>List View</source>
+        <translation>列表视图</translation>
+    </message>
+    <message>
+        <source>Change to list view mode</source>
+        <translation>切换到列表视图</translation>
+    </message>
+    <message>
+        <source>Detail View</source>
+        <translation>详细视图</translation>
+    </message>
+    <message>
+        <source>Change to detail view mode</source>
+        <translation>切换到详细视图</translation>
+    </message>
+    <message>
+        <source>Sidebar</source>
+        <translation>侧边栏</translation>
+    </message>
+    <message>
+        <source>List of places and bookmarks</source>
+        <translation>位置和书签列表</translation>
+    </message>
+    <message>
+        <source>Files</source>
+        <translation>文件</translation>
+    </message>
+    <message>
+        <source>Files of type:</source>
+        <translation>文件类型：</translation>
+    </message>
+    <message>
+        <source>File &amp;name:</source>
+        <translation>文件名(&amp;N)：</translation>
+    </message>
+    <message>
+        <source>Directory:</source>
+        <translation>文件夹：</translation>
+    </message>
+    <message>
+        <source>&amp;Open</source>
+        <translation>打开(&amp;O)</translation>
+    </message>
+    <message>
+        <source>&amp;Save</source>
+        <translation>保存(&amp;S)</translation>
+    </message>
+    <message>
+        <source>&amp;Choose</source>
+        <translation>选择(&amp;C)</translation>
+    </message>
+    <message>
+        <source>Drive</source>
+        <translation>驱动器</translation>
+    </message>
+    <message>
+        <source>Folder</source>
+        <comment>All other platforms</comment>
+        <translation>文件夹</translation>
+    </message>
+    <message>
+        <source>File</source>
+        <translation>文件</translation>
+    </message>
+    <message>
+        <source>%1 File</source>
+        <translation>%1 文件</translation>
+    </message>
+    <message>
+        <source>Shortcut</source>
+        <translation>快捷方式</translation>
+    </message>
+    <message>
+        <source>Unknown</source>
+        <translation>未知</translation>
+    </message>
+    <message>
+        <source>All Files (*)</source>
+        <translation>所有文件 (*)</translation>
+    </message>
+    <message>
+        <source>Show </source>
+        <translation>显示 </translation>
+    </message>
+    <message>
+        <source>&amp;Rename</source>
+        <translation>重命名(&amp;R)</translation>
+    </message>
+    <message>
+        <source>&amp;Delete</source>
+        <translation>删除(&amp;D)</translation>
+    </message>
+    <message>
+        <source>Show &amp;hidden files</source>
+        <translation>显示隐藏文件(&amp;H)</translation>
+    </message>
+    <message>
+        <source>&amp;New Folder</source>
+        <translation>新建文件夹(&amp;N)</translation>
+    </message>
+    <message>
+        <source>New Folder</source>
+        <translation>新建文件夹</translation>
+    </message>
+    <message>
+        <source>Remove</source>
+        <translation>移除</translation>
+    </message>
+    <message>
+        <source>Recent Places</source>
+        <translation>最近的位置</translation>
+    </message>
+    <message>
+        <source>Find Directory</source>
+        <translation>查找文件夹</translation>
+    </message>
+    <message>
+        <source>%1 already exists.
+Do you want to replace it?</source>
+        <translation>“%1”已存在。
+要替换它吗？</translation>
+    </message>
+    <message>
+        <source>%1
+File not found.
+Please verify the correct file name was given.</source>
+        <translation>%1
+找不到文件。
+请检查文件名是否正确。</translation>
+    </message>
+    <message>
+        <source>%1
+Directory not found.
+Please verify the correct directory name was given.</source>
+        <translation>%1
+找不到文件夹。
+请检查文件夹名是否正确。</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; is write protected.
+Do you want to delete it anyway?</source>
+        <translation>“%1”有写保护。
+仍要删除吗？</translation>
+    </message>
+    <message>
+        <source>Are you sure you want to delete &apos;%1&apos;?</source>
+        <translation>确定要删除“%1”吗？</translation>
+    </message>
+    <message>
+        <source>Could not delete directory.</source>
+        <translation>无法删除文件夹。</translation>
+    </message>
+</context>
+<context>
+    <name>QFileSystemModel</name>
+    <message>
+        <source>Computer</source>
+        <translation>计算机</translation>
+    </message>
+    <message>
+        <source>My Computer</source>
+        <translation>我的电脑</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>名称</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>大小</translation>
+    </message>
+    <message>
+        <source>Type</source>
+        <comment>All other platforms</comment>
+        <translation>类型</translation>
+    </message>
+    <message>
+        <source>Date Modified</source>
+        <translation>修改日期</translation>
+    </message>
+    <message>
+        <source>Invalid filename</source>
+        <translation>无效的文件名</translation>
+    </message>
+    <message>
+        <source>&lt;b&gt;The name &quot;%1&quot; cannot be used.&lt;/b&gt;&lt;p&gt;Try using another name, with fewer characters or no punctuation marks.</source>
+        <translation>&lt;b&gt;不能使用名称“%1”。&lt;/b&gt;&lt;p&gt;请换一个更短或不含标点符号的名称。</translation>
+    </message>
+</context>
+<context>
+    <name>QPlatformTheme</name>
+    <message>
+        <source>OK</source>
+        <translation>确定</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>打开</translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <translation>保存</translation>
+    </message>
+    <message>
+        <source>&amp;Yes</source>
+        <translation>是(&amp;Y)</translation>
+    </message>
+    <message>
+        <source>&amp;No</source>
+        <translation>否(&amp;N)</translation>
     </message>
 </context>
 </TS>

@@ -2,8 +2,7 @@
 
 #include "runtime/runtimethread.h"
 #include "store/settingsstore.h"
-
-#include "qvspdlog/spdlogapplication.h"
+#include "surface/hostlog.h"
 
 #include <QtCore/QDateTime>
 #include <QtCore/QDir>
@@ -107,7 +106,7 @@ void AutoSave::save(const QDateTime& now)
     if (!state.modified || state.revision == m_savedRevision) {
         return;
     }
-    const auto logger = QV::SpdlogApplication::instance().logger();
+    const auto logger = hostLog();
     const STProjectFileSettingsInfo settings = m_store.getProjectFileSettings();
     const QString& folder = settings.autoSavePath;
     const QString reason = saveInto(folder, state, settings.autoSaveProjectFilesMaxNum, now);
@@ -119,7 +118,7 @@ void AutoSave::save(const QDateTime& now)
         m_failedFolder = folder.isNull() ? QLatin1String("") : folder;
         logger->error("project could not be saved automatically into {}: {}", folder.toStdString(),
                       reason.toStdString());
-        m_failed(QStringLiteral("%1: %2").arg(folder, reason));
+        m_failed(folder, reason);
     }
 }
 

@@ -28,7 +28,7 @@ class AutoSave : public QObject
     Q_OBJECT
 
 public:
-    using FailureHandler = std::function<void(const QString& reason)>;
+    using FailureHandler = std::function<void(const QString& folder, const QString& reason)>;
 
     /// `failed` is called on the runtime thread, once for each folder until a save works again.
     AutoSave(RuntimeThread& runtime, SettingsStore& store,

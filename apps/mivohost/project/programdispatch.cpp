@@ -1,6 +1,6 @@
 #include "project/programdispatch.h"
 
-#include "qvspdlog/spdlogapplication.h"
+#include "surface/hostlog.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
@@ -91,7 +91,7 @@ QString ProgramDispatch::open(const QString& file)
         return error;
     }
     replace(std::move(*project), QFileInfo(file).absoluteFilePath());
-    QV::SpdlogApplication::instance().logger()->info("project {} open", file.toStdString());
+    hostLog()->info("project {} open", file.toStdString());
     return {};
 }
 
@@ -100,14 +100,14 @@ bool ProgramDispatch::saveAs(const QString& file)
     if (!m_usable) {
         return false;
     }
-    const auto logger = QV::SpdlogApplication::instance().logger();
+    const auto logger = hostLog();
     const QByteArray content = projectToJson(m_state.project);
     QSaveFile output(file);
     if (!output.open(QIODevice::WriteOnly) || output.write(content) != content.size()
         || !output.commit()) {
         logger->error("project {} could not be saved: {}", file.toStdString(),
                       output.errorString().toStdString());
-        saveFailed(output.errorString());
+        saveFailed(file, output.errorString());
         return false;
     }
     logger->info("project {} saved", file.toStdString());
@@ -122,8 +122,7 @@ void ProgramDispatch::play(qint64 id)
     if (program == nullptr) {
         return;
     }
-    QV::SpdlogApplication::instance().logger()->info("playing program {}",
-                                                     program->name.toStdString());
+    hostLog()->info("playing program {}", program->name.toStdString());
     m_state.playing = id;
     if (std::exchange(m_state.project.lastPlayed, id) != id) {
         setModified(true);

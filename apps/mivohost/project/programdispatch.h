@@ -59,8 +59,8 @@ public:
 
     const State& state() const { return m_state; }
 
-    sigslot::signal<> stateChanged;             ///< of any part of the state
-    sigslot::signal<const QString&> saveFailed; ///< with the reason
+    sigslot::signal<> stateChanged;                             ///< of any part of the state
+    sigslot::signal<const QString&, const QString&> saveFailed; ///< with the path and the reason
 
 private:
     class Group;

@@ -3,8 +3,8 @@
 #include "project/autosave.h"
 #include "runtime/runtimethread.h"
 #include "store/settingsstore.h"
-
-#include "qvspdlog/spdlogapplication.h"
+#include "surface/hostlog.h"
+#include "surface/hosttext.h"
 
 #include <QtCore/QDateTime>
 #include <QtCore/QFileInfo>
@@ -23,24 +23,24 @@ constexpr int wholeProject = -1; // all flags
 ProjectFile::ProjectFile(RuntimeThread& runtime, SettingsStore& store)
     : m_runtime(runtime), m_store(store), m_dispatch(std::make_shared<ProgramDispatch>())
 {
-    const auto tell = [this](const char* key, const QString& argument) {
+    const auto tellLater = [this](const char* key, const QString& path, const QString& reason) {
         QMetaObject::invokeMethod(
-            this, [this, key = QString::fromLatin1(key), argument] { emit failed(key, argument); },
-            Qt::QueuedConnection);
+            this, [this, key, path, reason] { tell(key, path, reason); }, Qt::QueuedConnection);
     };
-    m_runtime.call([this, tell] {
+    m_runtime.call([this, tellLater] {
         m_connections = {
             m_dispatch->stateChanged.connect([this] {
                 QMetaObject::invokeMethod(this, &ProjectFile::refresh, Qt::QueuedConnection);
             }),
-            m_dispatch->saveFailed.connect(
-                [tell](const QString& reason) { tell("ProjectNotSaved", reason); }),
+            m_dispatch->saveFailed.connect([tellLater](const QString& path, const QString& reason) {
+                tellLater("ProjectNotSaved", path, reason);
+            }),
             m_store.fadeTimesApplied.connect(&ProjectFile::applyFadeTimes, this),
         };
     });
-    m_autoSave =
-        std::make_unique<AutoSave>(runtime, store, m_dispatch, [tell](const QString& reason) {
-            tell("AutomaticSaveFailed", reason);
+    m_autoSave = std::make_unique<AutoSave>(
+        runtime, store, m_dispatch, [tellLater](const QString& folder, const QString& reason) {
+            tellLater("AutomaticSaveFailed", folder, reason);
         });
 }
 
@@ -55,11 +55,16 @@ ProjectFile::~ProjectFile()
     });
 }
 
+void ProjectFile::tell(const char* key, const QString& path, const QString& reason)
+{
+    emit failed(QString::fromLatin1(key), QStringLiteral("%1: %2").arg(path, reasonText(reason)));
+}
+
 void ProjectFile::start()
 {
     const bool openLast =
         m_runtime.call([this] { return m_store.getProjectFileSettings().openRecentFiles; });
-    const QStringList recent = recentFiles();
+    const QStringList recent = keptRecentFiles();
     if (!openLast || recent.isEmpty() || !open(recent.first())) {
         m_runtime.call([this, show = sampleShow()] { createOnRuntime(show); });
         refresh();
@@ -70,7 +75,7 @@ void ProjectFile::create()
 {
     m_runtime.call([this, show = sampleShow()] {
         createOnRuntime(show);
-        const auto logger = QV::SpdlogApplication::instance().logger();
+        const auto logger = hostLog();
         logger->info("new project");
         if (m_store.getProjectFileSettings().newProjResetOutput) {
             logger->info("outputs reset");
@@ -88,8 +93,8 @@ void ProjectFile::createOnRuntime(Project show)
 void ProjectFile::applyFadeTimes(double fadeIn, double fadeOut)
 {
     const int programs = m_dispatch->setFadeTimes(fadeIn, fadeOut);
-    QV::SpdlogApplication::instance().logger()->info(
-        "fade in {} s and fade out {} s for all programs: {} changed", fadeIn, fadeOut, programs);
+    hostLog()->info("fade in {} s and fade out {} s for all programs: {} changed", fadeIn, fadeOut,
+                    programs);
     QMetaObject::invokeMethod(
         this, [this, programs] { emit fadeTimesApplied(programs); }, Qt::QueuedConnection);
 }
@@ -106,9 +111,9 @@ bool ProjectFile::open(const QString& file)
         return failure;
     });
     if (!reason.isEmpty()) {
-        QV::SpdlogApplication::instance().logger()->error("project {} could not be opened: {}",
-                                                          file.toStdString(), reason.toStdString());
-        emit failed(QStringLiteral("ProjectNotOpened"), QStringLiteral("%1: %2").arg(file, reason));
+        hostLog()->error("project {} could not be opened: {}", file.toStdString(),
+                         reason.toStdString());
+        tell("ProjectNotOpened", file, reason);
         return false;
     }
     refresh();
@@ -143,10 +148,15 @@ void ProjectFile::play(qint64 id)
     refresh();
 }
 
+QStringList ProjectFile::keptRecentFiles() const
+{
+    return m_runtime.call([this] { return m_store.getRecentProjectFiles(); })
+        .split('\n', Qt::SkipEmptyParts);
+}
+
 QStringList ProjectFile::recentFiles() const
 {
-    QStringList files = m_runtime.call([this] { return m_store.getRecentProjectFiles(); })
-                            .split('\n', Qt::SkipEmptyParts);
+    QStringList files = keptRecentFiles();
     files.erase(std::remove_if(files.begin(), files.end(),
                                [](const QString& file) { return !QFileInfo::exists(file); }),
                 files.end());
@@ -172,7 +182,7 @@ void ProjectFile::refresh()
 void ProjectFile::addRecentFile()
 {
     QStringList files{m_state.file};
-    for (const QString& file : recentFiles()) {
+    for (const QString& file : keptRecentFiles()) {
         if (QFileInfo(file) != QFileInfo(m_state.file)) {
             files.append(file);
         }

@@ -70,7 +70,10 @@ signals:
     void failed(const QString& key, const QString& argument);
 
 private:
+    /// Also those that are not there now: their drive may come later.
+    QStringList keptRecentFiles() const;
     void addRecentFile();
+    void tell(const char* key, const QString& path, const QString& reason);
     void createOnRuntime(Project show);
     void applyFadeTimes(double fadeIn, double fadeOut); // runtime thread
 

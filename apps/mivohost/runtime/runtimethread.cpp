@@ -1,6 +1,6 @@
 #include "runtime/runtimethread.h"
 
-#include "qvspdlog/spdlogapplication.h"
+#include "surface/hostlog.h"
 
 #include <exception>
 #include <utility>
@@ -71,9 +71,8 @@ void RuntimeThread::runTasks()
             try {
                 task.run();
             } catch (const std::exception& error) {
-                QV::SpdlogApplication::instance().logger()->error("a task of {} ({}:{}) threw: {}",
-                                                                  task.function, task.file,
-                                                                  task.line, error.what());
+                hostLog()->error("a task of {} ({}:{}) threw: {}", task.function, task.file,
+                                 task.line, error.what());
             }
         } // the task goes before the lock is taken: what it owned may post
         lock.lock();

@@ -1,7 +1,7 @@
 #include "store/settingsstore.h"
 
 #include "mivohostapi/pptresolutions.h"
-#include "qvspdlog/spdlogapplication.h"
+#include "surface/hostlog.h"
 
 #include <QtCore/QRegularExpression>
 #include <QtCore/QTime>
@@ -326,11 +326,6 @@ QVariant asRow(const QVariant& value)
     return value.userType() == QMetaType::Bool ? QVariant(value.toInt()) : value;
 }
 
-spdlog::logger& log()
-{
-    return *QV::SpdlogApplication::instance().logger();
-}
-
 } // namespace
 
 SettingsStore::SettingsStore(std::unique_ptr<SettingsPersistence> persistence,
@@ -350,11 +345,11 @@ SettingsStore::SettingsStore(std::unique_ptr<SettingsPersistence> persistence,
             m_values[setting.key] = *accepted;
             continue;
         }
-        log().warn("setting {} was {}, which it cannot be; reset to {}", setting.key,
-                   row->toString().toStdString(), fallback.toString().toStdString());
+        hostLog()->warn("setting {} was {}, which it cannot be; reset to {}", setting.key,
+                        row->toString().toStdString(), fallback.toString().toStdString());
         if (!m_persistence->write(setting.key, asRow(fallback))) {
-            log().error("setting {} could not be reset: {}", setting.key,
-                        m_persistence->lastError().toStdString());
+            hostLog()->error("setting {} could not be reset: {}", setting.key,
+                             m_persistence->lastError().toStdString());
         }
     }
     for (const Port port : {tcp, udp}) {
@@ -452,7 +447,7 @@ void SettingsStore::applyFadeTimes(double fadeIn, double fadeOut)
     if (fadeIn >= 0 && fadeIn <= longest && fadeOut >= 0 && fadeOut <= longest) {
         fadeTimesApplied(fadeIn, fadeOut);
     } else {
-        log().warn("fade times cannot be {} s and {} s", fadeIn, fadeOut);
+        hostLog()->warn("fade times cannot be {} s and {} s", fadeIn, fadeOut);
     }
 }
 
@@ -519,8 +514,18 @@ void SettingsStore::setPortHandler(PortHandler handler)
         const STPortInfo wished = m_ports[port];
         if (m_portHandler && wished.open) {
             m_ports[port].open = false;
+            m_reopening[port] = true;
             m_portHandler(port, wished);
         }
+    }
+}
+
+void SettingsStore::setPort(Port port, const STPortInfo& wished)
+{
+    if (stored(wished) == value(portKeys[port]) && !(wished == m_ports[port])) {
+        wishPort(port, wished); // again, after it came to nothing at the start
+    } else {
+        set(portKeys[port], stored(wished));
     }
 }
 
@@ -536,15 +541,18 @@ void SettingsStore::wishPort(Port port, const STPortInfo& wished)
 void SettingsStore::reportPort(Port port, const STPortInfo& info, const std::string& reason)
 {
     m_ports[port] = info;
+    // Whatever keeps the port busy at this start, the next one tries again.
+    const bool staysWished = std::exchange(m_reopening[port], false) && !info.open;
     // Not through set(): what has come of a wish is no wish.
     const QVariant kept = stored(info);
-    if (kept != value(portKeys[port]) && m_persistence->write(portKeys[port], kept)) {
+    if (!staysWished && kept != value(portKeys[port])
+        && m_persistence->write(portKeys[port], kept)) {
         m_values[portKeys[port]] = kept;
     }
     (port == tcp ? tcpPortChanged : udpPortChanged)(info);
     if (!reason.empty()) {
-        log().warn("{} {} is not open: {}", port == tcp ? "TCP port" : "UDP port", info.port,
-                   reason);
+        hostLog()->warn("{} {} is not open: {}", port == tcp ? "TCP port" : "UDP port", info.port,
+                        reason);
         (port == tcp ? tcpPortFailed : udpPortFailed)(reason);
     }
 }
@@ -569,16 +577,16 @@ void SettingsStore::set(const char* key, const QVariant& wanted)
     const Setting* setting = find(key);
     const QVariant corrected = setting->corrected(wanted, value(key));
     if (corrected != wanted) {
-        log().warn("setting {} cannot be {}; taken as {}", key, wanted.toString().toStdString(),
-                   corrected.toString().toStdString());
+        hostLog()->warn("setting {} cannot be {}; taken as {}", key,
+                        wanted.toString().toStdString(), corrected.toString().toStdString());
     }
     if (corrected != value(key)) {
         if (m_persistence->write(key, asRow(corrected))) {
             m_values[key] = corrected;
-            log().info("setting {} = {}", key, corrected.toString().toStdString());
+            hostLog()->info("setting {} = {}", key, corrected.toString().toStdString());
         } else {
-            log().error("setting {} could not be saved: {}", key,
-                        m_persistence->lastError().toStdString());
+            hostLog()->error("setting {} could not be saved: {}", key,
+                             m_persistence->lastError().toStdString());
             if (m_failure) {
                 m_failure(m_persistence->lastError());
             }

@@ -100,8 +100,8 @@ public:
         set("dynamicRangeConfig", stored(config));
     }
 
-    void setTcpPort(const STPortInfo& info) override { set("tcpPort", stored(info)); }
-    void setUdpPort(const STPortInfo& info) override { set("udpPort", stored(info)); }
+    void setTcpPort(const STPortInfo& info) override { setPort(tcp, info); }
+    void setUdpPort(const STPortInfo& info) override { setPort(udp, info); }
 
     int getUndoStep() override { return value("undoStep").toInt(); }
     bool getAutoSyncResources() override { return value("autoSyncResources").toBool(); }
@@ -177,7 +177,8 @@ public:
     /// Has a wish about a port carried out.
     void wishPort(Port port, const STPortInfo& wished);
 
-    /// What came of a wish: announced, and kept. `reason` says why the port is not open.
+    /// What came of a wish: announced, and kept, but for a port that was open when the program
+    /// ended and could not be opened again. `reason` says why the port is not open.
     void reportPort(Port port, const STPortInfo& info, const std::string& reason = {});
 
     /// Called on the runtime thread when a value could not be kept. The store then goes on with the
@@ -197,6 +198,7 @@ private:
     static QVariant stored(const mivo::peripheralcontrol::SAddOSCInfo& info);
     QVariant value(const char* key) const { return m_values.value(QLatin1String(key)); }
     void set(const char* key, const QVariant& wanted);
+    void setPort(Port port, const STPortInfo& wished);
 
     std::unique_ptr<SettingsPersistence> m_persistence;
     SoundCardMappings m_soundCards;
@@ -204,6 +206,7 @@ private:
     FailureHandler m_failure;
     PortHandler m_portHandler;
     std::array<STPortInfo, 2> m_ports; // as they are, not as they are wished
+    std::array<bool, 2> m_reopening{}; // as they were when the program ended
 };
 
 } // namespace mivohost

@@ -1,6 +1,6 @@
 #include "store/soundcardmappings.h"
 
-#include "qvspdlog/spdlogapplication.h"
+#include "surface/hostlog.h"
 
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
@@ -19,11 +19,6 @@ using velorn::mediadispatch::STChosenSoundCard;
 using velorn::mediadispatch::STSoundCardMappingInfo;
 
 namespace {
-
-spdlog::logger& soundCardLog()
-{
-    return *QV::SpdlogApplication::instance().logger();
-}
 
 /// The first of `list` whose `field` is `value`; null when none is.
 template <typename List, typename Field, typename Value>
@@ -78,6 +73,23 @@ std::uint32_t pairsOf(std::uint32_t channels)
 {
     const std::uint32_t pairs = (std::min(channels, mostSoundCardChannels) + 1) / 2;
     return pairs >= 32 ? ~std::uint32_t(0) : (std::uint32_t(1) << pairs) - 1;
+}
+
+/// As it is announced: what is chosen stays, also while its card has fewer channels.
+STSoundCardMappingInfo shown(STSoundCardMappingInfo mapping)
+{
+    for (auto& card : mapping.soundCards) {
+        card.channelPairs &= pairsOf(card.channels);
+    }
+    return mapping;
+}
+
+std::vector<STSoundCardMappingInfo> shown(std::vector<STSoundCardMappingInfo> mappings)
+{
+    for (auto& mapping : mappings) {
+        mapping = shown(std::move(mapping));
+    }
+    return mappings;
 }
 
 STSoundCardChangeInfo nameChange(const STSoundCardMappingInfo& mapping)
@@ -198,7 +210,7 @@ SoundCardMappings::SoundCardMappings(IMivoSettings& store, Keep keep)
 void SoundCardMappings::announceMappings(bool refreshOnly)
 {
     m_store.soundCardMappingsInit(
-        mivo::settings::STAllDeviceSoundCardMappings{m_kept.mappings, refreshOnly});
+        mivo::settings::STAllDeviceSoundCardMappings{shown(m_kept.mappings), refreshOnly});
 }
 
 void SoundCardMappings::setDeviceSoundCards(const std::string& device, const std::string& caption,
@@ -212,8 +224,8 @@ void SoundCardMappings::setDeviceSoundCards(const std::string& device, const std
     for (const STSoundCardInfo& card : cards) {
         if (card.id.empty() || card.channels == 0
             || findBy(now.soundCards, &STSoundCardInfo::id, card.id) != nullptr) {
-            soundCardLog().warn("sound card \"{}\" of \"{}\" is left out: id \"{}\", {} channels",
-                                card.caption, device, card.id, card.channels);
+            hostLog()->warn("sound card \"{}\" of \"{}\" is left out: id \"{}\", {} channels",
+                            card.caption, device, card.id, card.channels);
             continue;
         }
         now.soundCards.push_back(card);
@@ -272,7 +284,7 @@ const mivo::settings::STSoundCardMappingsInfo& SoundCardMappings::all()
 {
     if (!m_all) {
         m_all.emplace();
-        for (const auto& mapping : m_kept.mappings) {
+        for (const auto& mapping : shown(m_kept.mappings)) {
             m_all->mappings.append(mapping);
         }
         for (const auto& [device, cards] : m_devices) {
@@ -326,14 +338,14 @@ void SoundCardMappings::adopt(const QString& text)
     if (!next) {
         return;
     }
-    const auto before = std::exchange(m_kept, *next).mappings;
+    const auto before = shown(std::exchange(m_kept, *next).mappings);
     m_all.reset();
     for (const auto& mapping : before) {
         if (findBy(next->mappings, &STSoundCardMappingInfo::id, mapping.id) == nullptr) {
             m_store.soundCardMappingDeleted(mapping);
         }
     }
-    for (const auto& mapping : next->mappings) {
+    for (const auto& mapping : shown(next->mappings)) {
         const auto* old = findBy(before, &STSoundCardMappingInfo::id, mapping.id);
         if (old == nullptr) {
             m_store.soundCardMappingAdded(mapping);
@@ -356,7 +368,7 @@ void SoundCardMappings::onAddRequested(const STSoundCardMappingInfo& request)
                                  {}});
         m_keep(written(next));
     } else {
-        soundCardLog().warn("a sound-card mapping is refused: there are {} already", before);
+        hostLog()->warn("a sound-card mapping is refused: there are {} already", before);
     }
     if (count() == before) {
         STSoundCardMappingInfo refused = request;
@@ -397,15 +409,16 @@ void SoundCardMappings::onChangeRequested(const STSoundCardChangeInfo& request)
         break;
     case mivo::SoundCardChangeChannels:
         if (chosen != nullptr && chosen->id == request.soundCard.id) {
-            chosen->channelPairs = request.soundCard.channelPairs & pairsOf(chosen->channels);
+            const std::uint32_t pairs = pairsOf(chosen->channels);
+            chosen->channelPairs =
+                (chosen->channelPairs & ~pairs) | (request.soundCard.channelPairs & pairs);
         }
         break;
     case mivo::SoundCardChangeDeletion:
         next.mappings.erase(next.mappings.begin() + (mapping - next.mappings.data()));
         break;
     default:
-        soundCardLog().warn("a change of kind {} of a sound-card mapping is not known",
-                            request.kind);
+        hostLog()->warn("a change of kind {} of a sound-card mapping is not known", request.kind);
         return;
     }
     const bool differs = !(next == m_kept);
@@ -419,7 +432,8 @@ void SoundCardMappings::onChangeRequested(const STSoundCardChangeInfo& request)
 
 void SoundCardMappings::answerWithHeld(const STSoundCardChangeInfo& request)
 {
-    const auto* held = findBy(m_kept.mappings, &STSoundCardMappingInfo::id, request.id);
+    const auto mappings = shown(m_kept.mappings);
+    const auto* held = findBy(mappings, &STSoundCardMappingInfo::id, request.id);
     if (held == nullptr || request.kind == mivo::SoundCardChangeDeletion) {
         return; // no control shows anything else
     }
@@ -446,7 +460,7 @@ void SoundCardMappings::renewChosen(const STDeviceSoundCards& device)
         const auto* card = chosen == nullptr ? nullptr : findCard(device.device, chosen->id);
         if (card != nullptr) {
             *chosen = {device.device, card->id, card->caption, card->channels,
-                       chosen->channelPairs & pairsOf(card->channels)};
+                       chosen->channelPairs};
         }
     }
     if (!(next == m_kept)) {

@@ -12,7 +12,7 @@ namespace mivohost {
 /// the devices of the cluster. Runtime thread throughout, where it also announces each change.
 ///
 /// The empty device is this machine. What is chosen stays chosen while its card or its device is
-/// away.
+/// away, or the card has fewer channels.
 class SoundCardMappings
 {
 public:

@@ -12,6 +12,10 @@
 #include <atomic>
 #include <utility>
 
+#ifdef Q_OS_UNIX
+#include <sys/stat.h>
+#endif
+
 namespace mivohost {
 
 namespace {
@@ -28,6 +32,7 @@ enum Code {
 };
 
 constexpr int layoutVersion = 1;
+constexpr int patience = 200; // ms, with one that is just ending
 
 int codeOf(const QSqlError& sqlError)
 {
@@ -66,25 +71,27 @@ bool putAside(const QString& path, const QString& asidePath)
 
 } // namespace
 
-SqlitePersistence::Opened SqlitePersistence::open(const QString& path)
+SqlitePersistence::Opened SqlitePersistence::open(const QString& path, Unreadable unreadable)
 {
     Opened result;
     QDir().mkpath(QFileInfo(path).absolutePath());
+    // SQLite locks the file, which another one may replace; this locks the place. On a full disk it
+    // cannot be written, which keeps nobody from reading.
+    auto lock = std::make_unique<QLockFile>(path + QStringLiteral(".lock"));
+    if (!lock->tryLock(patience) && lock->error() == QLockFile::LockFailedError) {
+        result.status = Status::inUse;
+        return result;
+    }
     int code = Code::ok;
     result.persistence = tryOpen(path, code, result.error);
-    if (meansUnreadable(code) && QFileInfo::exists(path)) {
-        // Two hosts that find the same bad file must not put each other's new one aside.
-        QLockFile repair(path + QStringLiteral(".repair"));
-        repair.lock();
-        result.persistence = tryOpen(path, code, result.error);
-        if (meansUnreadable(code)) {
-            result.asidePath = freeAsidePath(path);
-            if (putAside(path, result.asidePath)) {
-                result.persistence = tryOpen(path, code, result.error);
-            }
+    if (unreadable == Unreadable::putAside && meansUnreadable(code) && QFileInfo::exists(path)) {
+        result.asidePath = freeAsidePath(path);
+        if (putAside(path, result.asidePath)) {
+            result.persistence = tryOpen(path, code, result.error);
         }
     }
     if (result.persistence) {
+        result.persistence->m_lock = std::move(lock);
         result.status = result.asidePath.isEmpty() ? Status::opened : Status::putAside;
     } else {
         result.status = code == Code::busy ? Status::inUse : Status::failed;
@@ -101,7 +108,7 @@ std::unique_ptr<SqlitePersistence> SqlitePersistence::tryOpen(const QString& pat
     QSqlDatabase database =
         QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), persistence->m_connection);
     database.setDatabaseName(path);
-    database.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=200"));
+    database.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=%1").arg(patience));
 
     const auto fail = [&](const QSqlError& sqlError) {
         code = codeOf(sqlError);
@@ -135,15 +142,18 @@ std::unique_ptr<SqlitePersistence> SqlitePersistence::tryOpen(const QString& pat
                               QSqlError::StatementError, QString::number(Code::corrupt)));
     }
     query.finish();
-    for (const QString& statement :
-         {QStringLiteral("CREATE TABLE IF NOT EXISTS setting (key TEXT PRIMARY KEY, value) "
-                         "WITHOUT ROWID"),
-          QStringLiteral("PRAGMA user_version=%1").arg(layoutVersion),
-          QStringLiteral("SELECT key, value FROM setting")}) {
+    QStringList statements{QStringLiteral("CREATE TABLE IF NOT EXISTS setting "
+                                          "(key TEXT PRIMARY KEY, value) WITHOUT ROWID"),
+                           QStringLiteral("SELECT key, value FROM setting")};
+    if (version != layoutVersion) { // a full disk keeps nobody from reading
+        statements.append(QStringLiteral("PRAGMA user_version=%1").arg(layoutVersion));
+    }
+    for (const QString& statement : qAsConst(statements)) {
         if (!query.exec(statement)) {
             return fail(query.lastError());
         }
     }
+    persistence->m_file = idOf(path);
     code = Code::ok;
     error.clear();
     return persistence;
@@ -159,6 +169,22 @@ SqlitePersistence::~SqlitePersistence()
     QSqlDatabase::removeDatabase(m_connection);
 }
 
+/// On Windows all are the same: there nobody can replace a file that is open.
+SqlitePersistence::FileId SqlitePersistence::idOf(const QString& path)
+{
+#ifdef Q_OS_UNIX
+    struct stat file
+    {
+    };
+    if (::stat(QFile::encodeName(path).constData(), &file) == 0) {
+        return {file.st_dev, file.st_ino};
+    }
+#else
+    Q_UNUSED(path)
+#endif
+    return {};
+}
+
 QVariantHash SqlitePersistence::loadAll()
 {
     QVariantHash rows;
@@ -172,7 +198,12 @@ QVariantHash SqlitePersistence::loadAll()
 
 bool SqlitePersistence::write(const QString& key, const QVariant& value)
 {
-    QSqlQuery query(QSqlDatabase::database(m_connection, false));
+    const QSqlDatabase database = QSqlDatabase::database(m_connection, false);
+    if (idOf(database.databaseName()) != m_file) {
+        m_error = QStringLiteral("the file was replaced or removed");
+        return false;
+    }
+    QSqlQuery query(database);
     query.prepare(QStringLiteral("INSERT INTO setting (key, value) VALUES (?, ?) "
                                  "ON CONFLICT (key) DO UPDATE SET value = excluded.value"));
     query.addBindValue(key);

@@ -3,6 +3,9 @@
 #include "store/settingspersistence.h"
 
 #include <memory>
+#include <utility>
+
+class QLockFile;
 
 namespace mivohost {
 
@@ -23,10 +26,12 @@ public:
         QString asidePath;
         QString error;
     };
+    enum class Unreadable { putAside, refused };
 
-    /// Opens or makes the file and its folder. To be called, and the result used and destroyed, on
-    /// the runtime thread.
-    static Opened open(const QString& path);
+    /// Opens or makes the file and its folder, and a lock file beside it. A file that cannot be
+    /// read is put aside, or makes it fail. To be called, and the result used and destroyed, on the
+    /// runtime thread.
+    static Opened open(const QString& path, Unreadable unreadable = Unreadable::putAside);
 
     ~SqlitePersistence() override;
 
@@ -38,14 +43,20 @@ public:
     void watch(ChangeHandler /*handler*/) override {}
 
 private:
+    using FileId = std::pair<quint64, quint64>; ///< device and number
+
     explicit SqlitePersistence(QString connectionName);
 
     /// One try; on an error the SQLite result code is in `code`.
     static std::unique_ptr<SqlitePersistence> tryOpen(const QString& path, int& code,
                                                       QString& error);
 
+    static FileId idOf(const QString& path);
+
     QString m_connection;
     QString m_error;
+    FileId m_file;
+    std::unique_ptr<QLockFile> m_lock;
 };
 
 } // namespace mivohost

@@ -1,7 +1,5 @@
 #include "surface/hostlog.h"
 
-#include "qvspdlog/spdlogapplication.h"
-
 #include <QtCore/QMetaObject>
 #include <QtCore/QObject>
 

@@ -1,13 +1,23 @@
 #pragma once
 
+#include "qvspdlog/spdlogapplication.h"
+
 #include <QtCore/QString>
+
+#include <memory>
 
 class QObject;
 
 namespace mivohost {
 
-/// Sends the process's log to the standard error, and to `file` (five of 1 MiB each) unless it is
-/// empty or cannot be written.
+/// The process's log. Any thread.
+inline std::shared_ptr<spdlog::logger> hostLog()
+{
+    return QV::SpdlogApplication::instance().logger();
+}
+
+/// Sends the process's log to the standard error, and to `file` (up to 1 MiB, and five older ones)
+/// unless it is empty or cannot be written.
 void startLog(const QString& file);
 
 /// Shows every further log line in `view` as well, through its slot `appendPlainText(QString)`.

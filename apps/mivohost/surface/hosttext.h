@@ -11,4 +11,8 @@ inline QString hostText(const char* key)
     return hostText(QString::fromLatin1(key));
 }
 
+/// Why something failed, as it is to be shown: in the language in force if the host knows the text,
+/// else as it is. GUI thread.
+QString reasonText(const QString& reason);
+
 } // namespace mivohost

@@ -10,8 +10,6 @@
 #include "surface/messagepanel.h"
 #include "system/tray.h"
 
-#include "qvspdlog/spdlogapplication.h"
-
 #include <mivosettingswidgets/settingsdialog.h>
 #include <mivosettingswidgets/settingwdigettranslatemanager.h>
 #include <mivowidgets/pushbutton.h>
@@ -42,11 +40,12 @@ constexpr int idRole = Qt::UserRole;
 MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile& project,
                        Peripherals& peripherals, const SettingsServices& services)
     : m_runtime(runtime), m_store(store), m_project(project), m_services(services),
-      m_title(new QLabel), m_notice(new QLabel), m_settingsButton(new mivo::widgets::PushButton),
-      m_languageLabel(new QLabel), m_language(new QComboBox),
-      m_actionPanel(new ActionPanel(peripherals)), m_programsLabel(new QLabel),
-      m_programs(new QTreeWidget), m_playing(new QLabel), m_logLabel(new QLabel),
-      m_log(new QPlainTextEdit), m_messagePanel(new MessagePanel(m_messages))
+      m_title(new QLabel), m_notice(new QLabel), m_dismiss(new QPushButton),
+      m_settingsButton(new mivo::widgets::PushButton), m_languageLabel(new QLabel),
+      m_language(new QComboBox), m_actionPanel(new ActionPanel(peripherals)),
+      m_programsLabel(new QLabel), m_programs(new QTreeWidget), m_playing(new QLabel),
+      m_logLabel(new QLabel), m_log(new QPlainTextEdit),
+      m_messagePanel(new MessagePanel(m_messages))
 {
     m_services.programs = m_project.dispatch();
     m_services.projectFile = &m_project;
@@ -57,7 +56,10 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
     m_title->setObjectName(QStringLiteral("hostTitle"));
     m_notice->setProperty("style", QStringLiteral("notice"));
     m_notice->setWordWrap(true);
+    m_notice->setTextFormat(Qt::PlainText);
     m_notice->hide();
+    m_dismiss->setObjectName(QStringLiteral("dismissNotice"));
+    m_dismiss->hide();
     m_settingsButton->setProperty("style", QStringLiteral("general"));
     m_settingsButton->setShortcut(QStringLiteral("Ctrl+,"));
     m_language->addItem(QStringLiteral("English"), QStringLiteral("en"));
@@ -94,7 +96,10 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
     column->setContentsMargins(24, 20, 24, 20);
     column->setSpacing(12);
     column->addWidget(m_title);
-    column->addWidget(m_notice);
+    auto* noticeRow = new QHBoxLayout;
+    noticeRow->addWidget(m_notice, 1);
+    noticeRow->addWidget(m_dismiss);
+    column->addLayout(noticeRow);
     column->addLayout(row);
     columns->addWidget(m_messagePanel, 0, 2, 3, 1);
     columns->setColumnStretch(2, 3);
@@ -106,6 +111,8 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
     resize(1120, 840);
     m_programs->setFocus();
 
+    connect(m_dismiss, &QPushButton::clicked, m_notice, &QWidget::hide);
+    connect(m_dismiss, &QPushButton::clicked, m_dismiss, &QWidget::hide);
     connect(m_settingsButton, &QPushButton::clicked, this, &MainWindow::openSettings);
     connect(m_language, qOverload<int>(&QComboBox::activated), this, &MainWindow::chooseLanguage);
     connect(m_actionPanel, &ActionPanel::failed, this, &MainWindow::showNotice);
@@ -114,7 +121,7 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
     connect(&m_project, &ProjectFile::nameWanted, this, &MainWindow::saveProjectAs);
     connect(&m_project, &ProjectFile::failed, this, &MainWindow::showNotice);
     connect(&m_project, &ProjectFile::fadeTimesApplied, this, [this](int programs) {
-        showNotice(QStringLiteral("FadeTimesApplied"), QString::number(programs));
+        post(velorn::msgcenter::MsgInformation, hostText("FadeTimesApplied").arg(programs));
     });
     m_runtime.call([this] {
         m_store.setFailureHandler([this](const QString& reason) {
@@ -187,7 +194,7 @@ void MainWindow::openSettings()
     dialog.show();
     dialog.raise();
     dialog.activateWindow();
-    QV::SpdlogApplication::instance().logger()->info("settings dialog open");
+    hostLog()->info("settings dialog open");
 }
 
 void MainWindow::showTray()
@@ -227,6 +234,13 @@ void MainWindow::showNotice(const QString& key, const QString& argument)
     m_noticeArgument = argument;
     setTexts();
     m_notice->show();
+    m_dismiss->show();
+    post(velorn::msgcenter::MsgWarning, m_notice->text());
+}
+
+void MainWindow::post(velorn::msgcenter::EnumMsgKind kind, const QString& text)
+{
+    m_messages.postMessage({kind, text.toStdString(), -1});
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)
@@ -247,7 +261,7 @@ void MainWindow::closeEvent(QCloseEvent* event)
     if (hides) {
         event->ignore();
         hide();
-        QV::SpdlogApplication::instance().logger()->info("main window hidden to the tray");
+        hostLog()->info("main window hidden to the tray");
         return;
     }
     QMainWindow::closeEvent(event);
@@ -268,13 +282,14 @@ void MainWindow::setTexts()
     }
     m_title->setText(hostText("Title"));
     m_settingsButton->setText(hostText("Settings"));
+    m_dismiss->setText(hostText("Dismiss"));
     m_languageLabel->setText(hostText("Language"));
     m_actionPanel->setTexts();
     m_programsLabel->setText(hostText("Programs"));
     m_logLabel->setText(hostText("Log"));
     m_messagePanel->setTexts();
     if (!m_noticeKey.isEmpty()) {
-        m_notice->setText(hostText(m_noticeKey).arg(m_noticeArgument));
+        m_notice->setText(hostText(m_noticeKey).arg(reasonText(m_noticeArgument)));
     }
     if (m_tray) {
         m_tray->setTexts();

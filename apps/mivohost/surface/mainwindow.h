@@ -56,7 +56,8 @@ public:
     /// Switches every text of the program.
     void switchLanguage(const QString& language);
 
-    /// Tells of something until the window is closed; the text is made again in each language.
+    /// Tells of a failure until it is dismissed or there is another one, and posts it to
+    /// messages(). The text is made again in each language.
     void showNotice(const QString& key, const QString& argument);
 
     /// Where messages for the operator are posted, which the window shows.
@@ -72,6 +73,7 @@ protected:
 private:
     void addMenu();
     void fillRecentMenu();
+    void post(velorn::msgcenter::EnumMsgKind kind, const QString& text);
     void chooseLanguage(int index);
     void setTexts();
     void showProject();
@@ -95,6 +97,7 @@ private:
     std::vector<std::pair<QAction*, const char*>> m_actions; // with the keys of their texts
     QLabel* m_title;
     QLabel* m_notice;
+    QPushButton* m_dismiss;
     QPushButton* m_settingsButton;
     QLabel* m_languageLabel;
     QComboBox* m_language;

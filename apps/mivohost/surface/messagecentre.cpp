@@ -1,6 +1,6 @@
 #include "surface/messagecentre.h"
 
-#include "qvspdlog/spdlogapplication.h"
+#include "surface/hostlog.h"
 
 #include <QtCore/QDateTime>
 
@@ -25,8 +25,8 @@ void append(std::deque<MessageCentre::STMsgInfo>& messages,
 void MessageCentre::postMessage(const STMsgInfo& message)
 {
     const bool isWarning = message.kind == velorn::msgcenter::MsgWarning;
-    QV::SpdlogApplication::instance().logger()->log(
-        isWarning ? spdlog::level::warn : spdlog::level::info, "message: {}", message.text);
+    hostLog()->log(isWarning ? spdlog::level::warn : spdlog::level::info, "message: {}",
+                   message.text);
     STMsgInfo timed = message;
     if (timed.time == 0) {
         timed.time = QDateTime::currentMSecsSinceEpoch();

@@ -1,6 +1,7 @@
 #include "surface/settingsview.h"
 
 #include "mivohostapi/imediaoutput.h"
+#include "runtime/runtimethread.h"
 
 #include <mivosettingswidgets/audiosettingbox.h>
 #include <mivosettingswidgets/codeccontrolsettingbox.h>
@@ -15,7 +16,6 @@
 #include <mivosettingswidgets/settingsdialog.h>
 #include <mivosettingswidgets/settingwdigettranslatemanager.h>
 #include <mivosettingswidgets/stagesettingbox.h>
-#include <mivosettingswidgets/storeaccess.h>
 #include <mivosettingswidgets/undosettingbox.h>
 
 #include <QtCore/QFile>
@@ -45,7 +45,8 @@ QString hostStyleSheet()
     return QString::fromUtf8(sheet.readAll());
 }
 
-SettingsView::SettingsView(IZRRuntime& runtime, QWidget* parent, const SettingsServices& services)
+SettingsView::SettingsView(RuntimeThread& runtime, QWidget* parent,
+                           const SettingsServices& services)
     : m_dialog(std::make_unique<SettingsDialog>(parent))
 {
     m_dialog->loadLanguageFiles(languageFiles());
@@ -89,16 +90,14 @@ SettingsView::SettingsView(IZRRuntime& runtime, QWidget* parent, const SettingsS
     add(audio, 10);
     m_bindings.push_back([&runtime, codec, cards = services.cards](MivoSettings& /*settings*/) {
         // A list that is not known yet comes by itself; without any card there is nothing to show.
-        if (cards != nullptr && !callInRuntime(&runtime, __FILE__, __LINE__, "bind", [cards] {
-                                     return cards->graphicsCards();
-                                 }).empty()) {
+        if (cards != nullptr && !runtime.call([cards] { return cards->graphicsCards(); }).empty()) {
             codec->updateDisplayCardInfo();
         }
     });
     switchLanguage(SettingWdigetTranslateManager::instance().translator().language());
 }
 
-SettingsView::SettingsView(IZRRuntime& runtime, MivoSettings& settings, QWidget* parent,
+SettingsView::SettingsView(RuntimeThread& runtime, MivoSettings& settings, QWidget* parent,
                            const SettingsServices& services)
     : SettingsView(runtime, parent, services)
 {

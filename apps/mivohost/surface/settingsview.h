@@ -6,7 +6,6 @@
 #include <memory>
 #include <vector>
 
-class IZRRuntime;
 class MivoSettings;
 class QWidget;
 
@@ -37,6 +36,8 @@ class SettingsDialog;
 
 namespace mivohost {
 
+class RuntimeThread;
+
 /// The language files that the host brings along, in the form of loadLanguageFiles().
 std::vector<QString> languageFiles();
 
@@ -61,9 +62,9 @@ class SettingsView
 {
 public:
     /// Its pages are bound to no store yet. `parent` may be null. `runtime` must outlive the view.
-    SettingsView(IZRRuntime& runtime, QWidget* parent, const SettingsServices& services = {});
+    SettingsView(RuntimeThread& runtime, QWidget* parent, const SettingsServices& services = {});
     /// The same, bound.
-    SettingsView(IZRRuntime& runtime, MivoSettings& settings, QWidget* parent,
+    SettingsView(RuntimeThread& runtime, MivoSettings& settings, QWidget* parent,
                  const SettingsServices& services = {});
     ~SettingsView();
 

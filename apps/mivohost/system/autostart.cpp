@@ -2,8 +2,7 @@
 
 #include "runtime/runtimethread.h"
 #include "store/settingsstore.h"
-
-#include "qvspdlog/spdlogapplication.h"
+#include "surface/hostlog.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
@@ -133,8 +132,7 @@ void Autostart::apply()
         settings.autoStart, m_program,
         m_arguments + QStringList{"--start-delay", QString::number(settings.autoStartDelayTime)});
     if (!reason.isEmpty()) {
-        QV::SpdlogApplication::instance().logger()->error("start at log-on could not be set: {}",
-                                                          reason.toStdString());
+        hostLog()->error("start at log-on could not be set: {}", reason.toStdString());
         m_failed(reason);
     }
 }

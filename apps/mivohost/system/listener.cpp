@@ -1,8 +1,8 @@
 #include "system/listener.h"
 
 #include "runtime/runtimethread.h"
-
-#include "qvspdlog/spdlogapplication.h"
+#include "surface/hostlog.h"
+#include "surface/hosttext.h"
 
 #include <QtNetwork/QNetworkProxy>
 #include <QtNetwork/QTcpServer>
@@ -49,7 +49,7 @@ void Listener::carryOut(SettingsStore::Port port, const STPortInfo& wished)
     QString reason;
     if (wished.open && wished.port == 0) {
         // The system would choose one that nobody knows.
-        reason = QStringLiteral("0 is no port");
+        reason = reasonText(QStringLiteral("0 is no port"));
         result.open = false;
     } else if (wished.open) {
         result.open =
@@ -60,8 +60,7 @@ void Listener::carryOut(SettingsStore::Port port, const STPortInfo& wished)
         }
     }
     if (result.open) {
-        QV::SpdlogApplication::instance().logger()->info("{} port {} is open",
-                                                         isTcp ? "TCP" : "UDP", result.port);
+        hostLog()->info("{} port {} is open", isTcp ? "TCP" : "UDP", result.port);
     }
     m_runtime.post([this, port, result,
                     text = reason.toStdString()] { m_store.reportPort(port, result, text); },

@@ -1,6 +1,6 @@
 #include "system/power.h"
 
-#include "qvspdlog/spdlogapplication.h"
+#include "surface/hostlog.h"
 
 #include <QtCore/QProcess>
 
@@ -12,7 +12,7 @@ void carryOut(PowerAction action, bool allowed, QObject* context,
               const std::function<void(const QString& reason)>& failed)
 {
     const bool shutdown = action == PowerAction::shutdown;
-    const auto logger = QV::SpdlogApplication::instance().logger();
+    const auto logger = hostLog();
     if (!allowed) {
         const char* text =
             shutdown ? "would shut down the machine now" : "would restart the machine now";
@@ -24,8 +24,7 @@ void carryOut(PowerAction action, bool allowed, QObject* context,
     logger->info(shutdown ? "shutting down the machine" : "restarting the machine");
     auto* process = new QProcess(context);
     const auto fail = [process, failed](const QString& reason) {
-        QV::SpdlogApplication::instance().logger()->error(
-            "{} failed: {}", process->program().toStdString(), reason.toStdString());
+        hostLog()->error("{} failed: {}", process->program().toStdString(), reason.toStdString());
         failed(reason);
         process->deleteLater();
     };

@@ -2,8 +2,7 @@
 
 #include "runtime/runtimethread.h"
 #include "store/settingsstore.h"
-
-#include "qvspdlog/spdlogapplication.h"
+#include "surface/hostlog.h"
 
 #include <algorithm>
 #include <utility>
@@ -155,7 +154,7 @@ bool TimedActions::isDue(Kind& kind, const QDateTime& now, const Schedule& sched
     }
     const std::string wall =
         deadline->wall.toString(QStringLiteral("yyyy-MM-dd hh:mm:ss")).toStdString();
-    const auto logger = QV::SpdlogApplication::instance().logger();
+    const auto logger = hostLog();
     if (deadline->due) {
         kind.carriedOut = false;
         logger->info("timed {} of {} is due", kind.name, wall);
