@@ -231,6 +231,8 @@ TEST_F(General, TheDaysAreThoseOfTheMonth)
     EXPECT_EQ(day->itemText(5), "Day 5");
     page->switchLanguage("zh_cn");
     EXPECT_EQ(day->itemText(5), QStringLiteral("5日"));
+    page->switchLanguage("EN");
+    EXPECT_EQ(day->itemText(5), "Day 5");
 }
 
 TEST_F(General, APromptReportsWhatTheOperatorDecides)
