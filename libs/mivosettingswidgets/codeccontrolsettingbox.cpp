@@ -135,9 +135,11 @@ CodecControlSettingBox::Impl::Impl(CodecControlSettingBox* page)
            &Impl::onDisplayTechnologyStandardChanged);
     follow(&IMivoSettings::dynamicRangeConfigChanged, &Impl::onDynamicRangeConfigChanged);
     follow([this] {
-        return renderFacade != nullptr
-                   ? renderFacade->graphicsCardsChanged.connect(&Impl::onGraphicsCardsChanged, this)
-                   : sigslot::connection();
+        if (renderFacade == nullptr) {
+            return sigslot::connection();
+        }
+        return renderFacade->graphicsCardsChanged.connect(&Impl::onGraphicsCardsChanged,
+                                                          self<Impl>());
     });
 }
 

@@ -184,7 +184,7 @@ ProjectSettingBox::Impl::Impl(ProjectSettingBox* page)
          {&IProgramDispatch::programListChanged, &IProgramDispatch::defaultPlayProgramChanged}) {
         follow([this, signal] {
             const auto dispatch = programDispatch.lock();
-            return dispatch ? ((*dispatch).*signal).connect(&Impl::onProgramsChanged, this)
+            return dispatch ? ((*dispatch).*signal).connect(&Impl::onProgramsChanged, self<Impl>())
                             : sigslot::connection();
         });
     }

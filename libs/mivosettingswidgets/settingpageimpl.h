@@ -9,6 +9,7 @@
 #include <QtGui/QColor>
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -80,7 +81,7 @@ public:
     void unsetSettings(const CallSite& site = "unsetSettings");
 
     /// Like unsetSettings(), but leaves no connection behind even where the runtime refuses or has
-    /// stopped: for the end of the page.
+    /// stopped, and lets a forwarding method that still runs end: for the end of the page.
     void releaseStore();
 
     /// Sets every registered text again, in the order of registration.
@@ -148,15 +149,23 @@ protected:
     void follow(Signal IMivoSettings::*signal, void (Impl::*forward)(Value...))
     {
         m_followed.push_back([this, signal, forward](MivoSettings& store) {
-            return (store.*signal).connect(forward, static_cast<Impl*>(this));
+            return (store.*signal).connect(forward, self<Impl>());
         });
     }
 
-    /// The same for the signals of a service, which `connectTo` connects on the runtime thread.
+    /// The same for the signals of a service, which `connectTo` connects to self() on the runtime
+    /// thread.
     void follow(std::function<sigslot::connection()> connectTo)
     {
         m_followed.push_back(
             [connectTo = std::move(connectTo)](MivoSettings&) { return connectTo(); });
+    }
+
+    /// What a signal is connected to, so that the page does not end while it is called.
+    template <typename Impl>
+    std::weak_ptr<Impl> self() const
+    {
+        return std::static_pointer_cast<Impl>(m_self);
     }
 
     /// Calls the slot of that name with `values` from the event loop. Any thread.
@@ -211,6 +220,8 @@ private:
         qMetaTypeId<T>();
     }
 
+    void disconnectAll();
+
     struct Text
     {
         QString key;
@@ -218,6 +229,7 @@ private:
         QString shown;
     };
 
+    std::shared_ptr<SettingPageImpl> m_self{this, [](SettingPageImpl*) {}}; // owns nothing
     std::vector<std::function<sigslot::connection(MivoSettings&)>> m_followed;
     std::vector<sigslot::connection> m_connections; // runtime thread, while the GUI thread waits
     std::vector<Text> m_texts;
