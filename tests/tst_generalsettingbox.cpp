@@ -26,6 +26,8 @@
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
 
+#include <limits>
+
 namespace generalsettingboxtest {
 
 using namespace mivo::settings;
@@ -174,6 +176,17 @@ TEST_F(General, AnEditThatWaitsIsWrittenWhenThePageEnds)
     page.reset();
     EXPECT_EQ(store.kept.rows["timedShutdown"], "1|0|00:00:00");
     EXPECT_EQ(store.kept.rows["timedAutomaticRestart"], "1|0|0|00:00:00");
+
+    page = std::make_unique<GeneralSettingBox>();
+    page->setZRRuntime(&runtime);
+    bind();
+    for (CheckBox* box : page->findChildren<CheckBox*>().mid(2)) {
+        box->click();
+    }
+    runtime.drops = true;
+    page.reset();
+    EXPECT_EQ(store.kept.writes.size(), 2U) << "and a runtime that has stopped is no failure";
+    EXPECT_EQ(store.connections(), 0U);
 }
 
 TEST_F(General, FollowsSchedulesWithoutWritingThemBack)
@@ -185,11 +198,15 @@ TEST_F(General, FollowsSchedulesWithoutWritingThemBack)
     EXPECT_EQ(day->currentText(), "Day 31");
     EXPECT_EQ(restartTime->time(), QTime(3, 4, 5));
     runtime.call([this] {
+        constexpr int noDay = std::numeric_limits<int>::max();
+        store.timedAutomaticRestartSettingsChanged(
+            STMivoTimedAutomaticRestartSettings{true, 1, noDay, "03:04:05"});
         store.change("timedShutdown", "1|7|06:00:00");
         store.timedShutdownEnabledChanged(false);
     });
     QApplication::processEvents();
     QApplication::processEvents(); // one more for the record that the switch makes
+    EXPECT_EQ(day->count(), 32) << "no day that no month has";
     EXPECT_FALSE(shutdown->isChecked());
     EXPECT_EQ(weekDay->currentIndex(), 7);
     EXPECT_EQ(shutdownTime->time(), QTime(6, 0));

@@ -95,6 +95,19 @@ public:
     /// False, and `warning` under the function of `site`, without a runtime: for pages that check.
     bool hasRuntime(const CallSite& site, const char* warning) const;
 
+    /// Registers a text: `set` gets the translation of `key` now, and again whenever it differs
+    /// after a change of language. An `initial` text takes the place of the first translation.
+    void text(const QString& key, std::function<void(const QString&)> set,
+              const QString& initial = {});
+
+    /// The same for a label; the control next to it becomes its buddy and is named after it.
+    void text(const QString& key, QLabel* label, QWidget* buddy = nullptr,
+              const QString& initial = {});
+    void text(const QString& key, QAbstractButton* button, const QString& initial = {});
+
+    /// The same for the items of a combo box, from the first on; those that are missing are added.
+    void itemTexts(QComboBox* combo, const std::vector<const char*>& keys);
+
 protected:
     /// Reads every value with fetch(); runs at the end of setSettings().
     virtual void initSettings() = 0;
@@ -134,6 +147,13 @@ protected:
             callInRuntime(zrRuntime, site.file, site.line, site.function, setter, sharedSettings,
                           values...);
         }
+    }
+
+    /// The same for the state of a check box.
+    template <typename Setter>
+    void submitCheck(const CallSite& site, Setter setter, int state)
+    {
+        submit(site, setter, state == Qt::Checked);
     }
 
     /// Has `work` done on the runtime thread, for what is more than one call of the store.
@@ -187,16 +207,6 @@ protected:
                                   QGenericArgument(typeText, &value));
     }
 
-    /// Registers a text: `set` gets the translation of `key` now, and again whenever it differs
-    /// after a change of language. An `initial` text takes the place of the first translation.
-    void text(const QString& key, std::function<void(const QString&)> set,
-              const QString& initial = {});
-
-    /// The same for a label; the control next to it becomes its buddy and is named after it.
-    void text(const QString& key, QLabel* label, QWidget* buddy = nullptr,
-              const QString& initial = {});
-    void text(const QString& key, QAbstractButton* button, const QString& initial = {});
-
     /// The first form, for a part of a page that has texts of its own.
     auto textRegistrar()
     {
@@ -204,9 +214,6 @@ protected:
             text(QString::fromLatin1(key), std::move(set));
         };
     }
-
-    /// The same for the items of a combo box, from the first on; those that are missing are added.
-    void itemTexts(QComboBox* combo, const std::vector<const char*>& keys);
 
     /// Registers the place among the texts where the section's name is translated and announced.
     void navigationText(const QString& key);
