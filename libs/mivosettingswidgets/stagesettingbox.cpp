@@ -469,15 +469,11 @@ StageSettingBox::~StageSettingBox() = default;
 
 void StageSettingBox::setSettings(MivoSettings* settings)
 {
-    auto& page = impl<Impl>();
-    if (!Impl::isStore(settings, "setSettings")) {
-        return;
+    if (Impl::isStore(settings, "setSettings")
+        && impl<Impl>().hasRuntime("setSettings",
+                                   "StageSettingBox::setSettings zrRuntime is nullptr!")) {
+        impl<Impl>().setSettings(settings);
     }
-    if (page.zrRuntime == nullptr) {
-        warn("setSettings", "StageSettingBox::setSettings zrRuntime is nullptr!");
-        return;
-    }
-    page.setSettings(settings);
 }
 
 void StageSettingBox::unsetSettings()
