@@ -17,6 +17,7 @@
 #include <gtest/gtest.h>
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QElapsedTimer>
 #include <QtCore/QFile>
 #include <QtCore/QProcess>
 #include <QtCore/QTemporaryDir>
@@ -24,6 +25,8 @@
 #include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
+
+#include <limits>
 
 namespace generalsettingboxtest {
 
@@ -173,6 +176,17 @@ TEST_F(General, AnEditThatWaitsIsWrittenWhenThePageEnds)
     page.reset();
     EXPECT_EQ(store.kept.rows["timedShutdown"], "1|0|00:00:00");
     EXPECT_EQ(store.kept.rows["timedAutomaticRestart"], "1|0|0|00:00:00");
+
+    page = std::make_unique<GeneralSettingBox>();
+    page->setZRRuntime(&runtime);
+    bind();
+    for (CheckBox* box : page->findChildren<CheckBox*>().mid(2)) {
+        box->click();
+    }
+    runtime.drops = true;
+    page.reset();
+    EXPECT_EQ(store.kept.writes.size(), 2U) << "and a runtime that has stopped is no failure";
+    EXPECT_EQ(store.connections(), 0U);
 }
 
 TEST_F(General, FollowsSchedulesWithoutWritingThemBack)
@@ -184,11 +198,15 @@ TEST_F(General, FollowsSchedulesWithoutWritingThemBack)
     EXPECT_EQ(day->currentText(), "Day 31");
     EXPECT_EQ(restartTime->time(), QTime(3, 4, 5));
     runtime.call([this] {
+        constexpr int noDay = std::numeric_limits<int>::max();
+        store.timedAutomaticRestartSettingsChanged(
+            STMivoTimedAutomaticRestartSettings{true, 1, noDay, "03:04:05"});
         store.change("timedShutdown", "1|7|06:00:00");
         store.timedShutdownEnabledChanged(false);
     });
     QApplication::processEvents();
     QApplication::processEvents(); // one more for the record that the switch makes
+    EXPECT_EQ(day->count(), 32) << "no day that no month has";
     EXPECT_FALSE(shutdown->isChecked());
     EXPECT_EQ(weekDay->currentIndex(), 7);
     EXPECT_EQ(shutdownTime->time(), QTime(6, 0));
@@ -231,6 +249,8 @@ TEST_F(General, TheDaysAreThoseOfTheMonth)
     EXPECT_EQ(day->itemText(5), "Day 5");
     page->switchLanguage("zh_cn");
     EXPECT_EQ(day->itemText(5), QStringLiteral("5日"));
+    page->switchLanguage("EN");
+    EXPECT_EQ(day->itemText(5), "Day 5");
 }
 
 TEST_F(General, APromptReportsWhatTheOperatorDecides)
@@ -264,10 +284,11 @@ TEST_F(General, ACountDownThatRunsOutReportsTwice)
 {
     bind();
     page->switchLanguage("zh_cn");
-    ask(store.timedShutdownCount, 1, [] {
-        EXPECT_EQ(prompt()->tipText(), QStringLiteral("电脑将在1秒后关机。"));
-        QTimer::singleShot(900, prompt(), [] { EXPECT_NE(prompt(), nullptr); });
-    });
+    QElapsedTimer open;
+    open.start();
+    ask(store.timedShutdownCount, 1,
+        [] { EXPECT_EQ(prompt()->tipText(), QStringLiteral("电脑将在1秒后关机。")); });
+    EXPECT_GE(open.elapsed(), 990);
     EXPECT_EQ(happened, (Words{"shut down", "no shutdown"}));
     happened.clear();
     runtime.call([this] { store.timedAutomaticRestartCount(0); });
@@ -303,6 +324,20 @@ TEST_F(General, ARestartWaitsForTheShutdownPromptAndGoesOnWhenThatIsCancelled)
         QTimer::singleShot(0, prompt(), [] { press(TipDialog::accepted); });
     });
     EXPECT_EQ(happened, Words{"shut down"});
+
+    // It does so also while a restart's prompt that has run out waits below the shutdown's.
+    happened.clear();
+    ask(store.timedAutomaticRestartCount, 1, [&] {
+        runtime.call([this] { store.timedShutdownCount(30); });
+        QTimer::singleShot(1200, page.get(), [&] {
+            runtime.call([this] { store.timedAutomaticRestartCount(20); });
+            QTimer::singleShot(0, page.get(), [&] {
+                whenModal<TipDialog>([](TipDialog& /*prompt*/) { press(TipDialog::cancelled); });
+                press(TipDialog::cancelled);
+            });
+        });
+    });
+    EXPECT_EQ(happened, (Words{"restart", "no restart", "no shutdown", "no restart"}));
 }
 
 TEST_F(General, ASecondRequestCountsAnewInTheSamePrompt)

@@ -290,7 +290,9 @@ TEST_P(Pages, SurviveAStormOfChangesWhileTheyComeAndGo)
     });
     for (int i = 0; i < 30; ++i) {
         bind();
+        runtime.refuses = i % 2 != 0; // then the page goes while the storm goes on
         delete page;
+        runtime.refuses = false;
         makePage();
     }
     storming = false;

@@ -156,11 +156,11 @@ TEST_P(Stage, FinishingTheHexadecimalEdit)
     {
         const char* typed;
         const char* color;
-    } cases[]{{"#123abc", "#123abc"}, {"ABC", "#aabbcc"},     {"#0f0", "#00ff00"},
-              {"00FF0A", "#00ff0a"},  {"#12345", "#00ff0a"},  {"12", "#00ff0a"},
-              {"#", "#00ff0a"},       {"red", "#00ff0a"},     {"ggg", "#00ff0a"},
-              {"1#23", "#00ff0a"},    {"##123", "#00ff0a"},   {"#1234567", "#00ff0a"},
-              {"#00FF0A", "#00ff0a"}, {"12345678", "#00ff0a"}};
+    } cases[]{{"#123abc", "#123abc"}, {"ABC", "#aabbcc"},      {"#0f0", "#00ff00"},
+              {"00FF0A", "#00ff0a"},  {"#12345", "#00ff0a"},   {"12", "#00ff0a"},
+              {"#", "#00ff0a"},       {"red", "#00ff0a"},      {"ggg", "#00ff0a"},
+              {"1#23", "#00ff0a"},    {"##123", "#00ff0a"},    {"#1234567", "#00ff0a"},
+              {"#00FF0A", "#00ff0a"}, {"12345678", "#00ff0a"}, {"", "#00ff0a"}};
     for (const auto& test : cases) {
         const QString before = shown();
         typeInto(hexEdit, test.typed);

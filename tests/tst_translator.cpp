@@ -50,6 +50,7 @@ TEST(Translator, SwitchesThereAndBackWhateverTheLettersAndDashes)
     for (const char* chinese : {"zh_cn", "zh_CN", "zh-CN"}) {
         translator.switchLanguage(QString::fromLatin1(chinese));
         EXPECT_EQ(look(translator), QStringLiteral("撤销步数")) << chinese;
+        EXPECT_EQ(translator.language(), "zh_cn");
     }
     translator.switchLanguage(QStringLiteral("en"));
     EXPECT_EQ(look(translator), QStringLiteral("Undo steps"));

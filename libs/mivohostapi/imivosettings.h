@@ -38,21 +38,20 @@ public:
     virtual void setOSDDuration(int milliseconds) = 0;
     virtual int getOSDDuration() = 0;
 
-    virtual STMivoAutoStartSettings getAutoStartSettings() = 0;
+    // In this order, which is fixed.
     virtual void setAutoStart(bool on) = 0;
     virtual void setCloseSoftWareMinimize(bool on) = 0;
-    virtual void setAutoStartDelayTime(int seconds) = 0; ///< 0 to 300
-
-    virtual STMivoTimedShutdownSettings getTimedShutdownSettings() = 0;
     virtual void setTimedShutdownSettings(const STMivoTimedShutdownSettings& info) = 0;
-    virtual STMivoTimedAutomaticRestartSettings getTimedAutomaticRestartSettings() = 0;
     virtual void
     setTimedAutomaticRestartSettings(const STMivoTimedAutomaticRestartSettings& info) = 0;
-
+    virtual void setAutoStartDelayTime(int seconds) = 0; ///< 0 to 300
     /// What the operator decided when the moment had come: true carries the action out now. Comes
     /// once more with the answer of the prompt after a count-down that ran out.
     virtual void executeTimedShutdown(bool now) = 0;
     virtual void executeTimedAutomaticRestart(bool now) = 0;
+    virtual STMivoAutoStartSettings getAutoStartSettings() = 0;
+    virtual STMivoTimedShutdownSettings getTimedShutdownSettings() = 0;
+    virtual STMivoTimedAutomaticRestartSettings getTimedAutomaticRestartSettings() = 0;
 
     virtual STProjectFileSettingsInfo getProjectFileSettings() = 0;
     virtual void setOpenRecentFiles(bool on) = 0;

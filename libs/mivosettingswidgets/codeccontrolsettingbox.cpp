@@ -135,9 +135,11 @@ CodecControlSettingBox::Impl::Impl(CodecControlSettingBox* page)
            &Impl::onDisplayTechnologyStandardChanged);
     follow(&IMivoSettings::dynamicRangeConfigChanged, &Impl::onDynamicRangeConfigChanged);
     follow([this] {
-        return renderFacade != nullptr
-                   ? renderFacade->graphicsCardsChanged.connect(&Impl::onGraphicsCardsChanged, this)
-                   : sigslot::connection();
+        if (renderFacade == nullptr) {
+            return sigslot::connection();
+        }
+        return renderFacade->graphicsCardsChanged.connect(&Impl::onGraphicsCardsChanged,
+                                                          self<Impl>());
     });
 }
 
@@ -152,9 +154,7 @@ void CodecControlSettingBox::Impl::layOut()
     auto* row = new QHBoxLayout;
     row->setSpacing(0);
     row->setContentsMargins(2, 0, 0, 0);
-    for (QWidget* widget : {static_cast<QWidget*>(m_label), static_cast<QWidget*>(m_card),
-                            static_cast<QWidget*>(m_range), static_cast<QWidget*>(m_bitDepth),
-                            static_cast<QWidget*>(m_standard)}) {
+    for (QWidget* widget : QList<QWidget*>{m_label, m_card, m_range, m_bitDepth, m_standard}) {
         row->addWidget(widget);
         row->addSpacing(8);
     }

@@ -122,6 +122,18 @@ inline std::vector<QWidget*> tabStops(const QWidget* widget, const QWidget* star
     return stops;
 }
 
+/// The controls side by side from the left, `leftMargin` pixels from the edge.
+inline QHBoxLayout* rowOf(const QList<QWidget*>& controls, int leftMargin = 0)
+{
+    auto* row = new QHBoxLayout;
+    row->setContentsMargins(leftMargin, 0, 0, 0);
+    for (QWidget* control : controls) {
+        row->addWidget(control);
+    }
+    row->addStretch();
+    return row;
+}
+
 /// The icon and the text of a tip at the end of a row, `gap` pixels apart.
 inline void addTip(QHBoxLayout* row, QLabel* icon, QLabel* text, int gap = 0)
 {

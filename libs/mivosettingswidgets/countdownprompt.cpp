@@ -29,13 +29,13 @@ std::optional<int> CountdownPrompt::count(QWidget* parent, int seconds)
         m_dialog->setAssistText(settings::text(QString::fromLatin1(m_keys.assist)));
         m_dialog->setCancelButtonVisible(true);
     }
+    const QPointer<TipDialog> dialog = m_dialog;
     m_secondsLeft = seconds;
     m_timer.start();
     m_onTick();
     if (wasOpen) {
         return std::nullopt;
     }
-    const QPointer<TipDialog> dialog = m_dialog;
     // A count-down from zero has run out already.
     const int result = m_timer.isActive() ? dialog->run() : TipDialog::dismissed;
     if (!dialog) {
@@ -64,6 +64,7 @@ void CountdownPrompt::dismiss()
     m_timer.stop();
     if (m_dialog) {
         m_dialog->done(TipDialog::dismissed);
+        m_dialog = nullptr; // it may have to wait for a prompt above it, and is deleted after that
     }
 }
 

@@ -39,9 +39,19 @@ public:
     }
 
 public slots:
-    void onBlackScreenMuteCheckBoxStateChanged(int state);
-    void onMFPSCheckBoxStateChanged(int state);
-    void onEFPSCheckBoxStateChanged(int state);
+    void onBlackScreenMuteCheckBoxStateChanged(int state)
+    {
+        submitCheck("onBlackScreenMuteCheckBoxStateChanged", &IMivoSettings::setBlackScreenMute,
+                    state);
+    }
+    void onMFPSCheckBoxStateChanged(int state)
+    {
+        submitCheck("onMFPSCheckBoxStateChanged", &IMivoSettings::setMFPS, state);
+    }
+    void onEFPSCheckBoxStateChanged(int state)
+    {
+        submitCheck("onEFPSCheckBoxStateChanged", &IMivoSettings::setEFPS, state);
+    }
     void setFadeInTime(const double seconds) { showValue(m_fadeIn, seconds); }
     void onFadeInTimeSpinBoxValueChanged(double seconds);
     void setFadeOutTime(const double seconds) { showValue(m_fadeOut, seconds); }
@@ -137,15 +147,8 @@ void DisplayControlSettingBox::Impl::layOut()
     m_timeline->setObjectName(QStringLiteral("TimelinePriority"));
     m_timeline->setFixedHeight(24);
 
-    auto* muteRow = new QHBoxLayout;
-    muteRow->addWidget(m_blackScreenMute);
-    muteRow->addStretch();
-
-    auto* rateRow = new QHBoxLayout;
+    auto* rateRow = rowOf({m_mfps, m_efps});
     rateRow->setSpacing(16);
-    rateRow->addWidget(m_mfps);
-    rateRow->addWidget(m_efps);
-    rateRow->addStretch();
 
     auto* fadeRow = new QHBoxLayout;
     fadeRow->setSpacing(8);
@@ -170,7 +173,7 @@ void DisplayControlSettingBox::Impl::layOut()
 
     auto* column = new QVBoxLayout(owner);
     column->setSpacing(12);
-    column->addLayout(muteRow);
+    column->addLayout(rowOf({m_blackScreenMute}));
     column->addLayout(rateRow);
     column->addLayout(fadeRow);
     column->addLayout(hierarchyRow);
@@ -218,22 +221,6 @@ void DisplayControlSettingBox::Impl::initSettings()
     }
     fetch(&IMivoSettings::getFadeInTime, "setFadeInTime");
     fetch(&IMivoSettings::getFadeOutTime, "setFadeOutTime");
-}
-
-void DisplayControlSettingBox::Impl::onBlackScreenMuteCheckBoxStateChanged(int state)
-{
-    submit("onBlackScreenMuteCheckBoxStateChanged", &IMivoSettings::setBlackScreenMute,
-           state == Qt::Checked);
-}
-
-void DisplayControlSettingBox::Impl::onMFPSCheckBoxStateChanged(int state)
-{
-    submit("onMFPSCheckBoxStateChanged", &IMivoSettings::setMFPS, state == Qt::Checked);
-}
-
-void DisplayControlSettingBox::Impl::onEFPSCheckBoxStateChanged(int state)
-{
-    submit("onEFPSCheckBoxStateChanged", &IMivoSettings::setEFPS, state == Qt::Checked);
 }
 
 void DisplayControlSettingBox::Impl::onFadeInTimeSpinBoxValueChanged(double seconds)

@@ -82,14 +82,9 @@ FileInfoSettingBox::Impl::Impl(FileInfoSettingBox* page)
     for (int type = PlayLogPermanent; type <= PlayLogTwelveMonths; ++type) {
         m_timeType->addItem(QString(), type);
     }
-    auto* row = new QHBoxLayout;
-    row->setContentsMargins(0, 0, 0, 0);
-    row->addWidget(m_timeTypeLabel);
-    row->addWidget(m_timeType);
-    row->addStretch();
     m_column->setContentsMargins(30, 20, 0, 16);
     m_column->setSpacing(12);
-    m_column->addLayout(row);
+    m_column->addLayout(rowOf({m_timeTypeLabel, m_timeType}));
 
     text(QStringLiteral("FileInfoGroup"), [page](const QString& title) { page->setTitle(title); });
     text(QStringLiteral("PlayLogStorageTime"), m_timeTypeLabel, m_timeType);

@@ -1,5 +1,6 @@
 #include "folderrow.h"
 
+#include "controls.h"
 #include "folderselection.h"
 #include "texts.h"
 
@@ -22,8 +23,8 @@ FolderRow::Means::Means() : bytesAvailable(&qutils::bytesAvailable), clear(&quti
 
 FolderRow::FolderRow(QWidget* page, QWidget* tip, Means means)
     : caption(new QLabel), edit(new EditBox), browse(new PushButton), clear(new PushButton),
-      space(new QLabel), layout(new QHBoxLayout), m_page(page), m_tip(tip),
-      m_means(std::move(means))
+      space(new QLabel), layout(rowOf({caption, edit, browse, clear, space, tip})), m_page(page),
+      m_tip(tip), m_means(std::move(means))
 {
     edit->setReadOnly(true);
     edit->setFixedWidth(180);
@@ -31,13 +32,6 @@ FolderRow::FolderRow(QWidget* page, QWidget* tip, Means means)
     clear->setFixedHeight(24);
     clear->setEnabled(false); // like everything that needs a folder
     m_tip->hide();
-    layout->setContentsMargins(0, 0, 0, 0);
-    for (QWidget* widget : {static_cast<QWidget*>(caption), static_cast<QWidget*>(edit),
-                            static_cast<QWidget*>(browse), static_cast<QWidget*>(clear),
-                            static_cast<QWidget*>(space), m_tip}) {
-        layout->addWidget(widget);
-    }
-    layout->addStretch();
     connect(clear, &PushButton::clicked, this, &FolderRow::startClearing);
 }
 

@@ -151,15 +151,9 @@ void showTip(const QPointer<QWidget>& page, const QString& text, int kind,
 
 bool confirmClearing(QWidget* page, const QString& folder)
 {
-    const QPointer<TipDialog> dialog = new TipDialog(page);
-    dialog->setTipKind(TipDialog::warning);
-    dialog->setTipText(textOf("ClearTips"));
-    dialog->setAssistText(QDir::toNativeSeparators(folder));
-    dialog->setButtonTexts(textOf("Cancel"), textOf("OK"));
-    dialog->setCancelButtonVisible(true);
-    const int result = dialog->run();
-    delete dialog; // unless it went with the page
-    return result != TipDialog::dismissed && result != TipDialog::cancelled;
+    return TipDialog::ask(page, TipDialog::warning, textOf("ClearTips"), textOf("Cancel"),
+                          textOf("OK"), QDir::toNativeSeparators(folder))
+           == TipDialog::accepted;
 }
 
 QString driveOf(const QString& path)

@@ -5,17 +5,14 @@
 #include "mivohostapi/iprogramdispatch.h"
 #include "mivohostapi/iprojectfilemgr.h"
 #include "settingpageimpl.h"
-#include "texts.h"
+#include "timedrows.h"
 #include "zrcutils/processutils.h"
 
 #include <mivowidgets/checkbox.h>
-#include <mivowidgets/combobox.h>
 #include <mivowidgets/spineditbox.h>
-#include <mivowidgets/timeeditbox.h>
 #include <mivowidgets/tipdialog.h>
 
 #include <QtCore/QCoreApplication>
-#include <QtCore/QDate>
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QPointer>
 #include <QtWidgets/QHBoxLayout>
@@ -26,22 +23,12 @@
 namespace mivo::settings {
 
 using mivo::widgets::CheckBox;
-using mivo::widgets::ComboBox;
 using mivo::widgets::SpinEditBox;
-using mivo::widgets::TimeEditBox;
 using mivo::widgets::TipDialog;
 
 namespace {
 
-constexpr int writeDelay = 100; // milliseconds
 constexpr int saveAllFlag = 0x1000;
-
-QString dayText(int day)
-{
-    const QString word = text(QStringLiteral("Day"));
-    const QString number = QString::number(day);
-    return isEnglish() ? joined({word, number}) : joined({number, word});
-}
 
 } // namespace
 
@@ -69,9 +56,12 @@ public slots:
     void setAutoStartDelayTime(int time) { showValue(m_delay, time); }
     void setCloseSoftWareMinimize(bool state) { showValue(m_minimize, state); }
     void setTimedShutdownSettings(const STMivoTimedShutdownSettings& info);
-    void setTimedShutdownChanged(const STMivoTimedShutdownSettings& info);
+    void setTimedShutdownChanged(const STMivoTimedShutdownSettings& info) { m_shutdown.show(info); }
     void setTimedAutomaticRestartSettings(const STMivoTimedAutomaticRestartSettings& info);
-    void setTimedAutomaticRestartChanged(const STMivoTimedAutomaticRestartSettings& info);
+    void setTimedAutomaticRestartChanged(const STMivoTimedAutomaticRestartSettings& info)
+    {
+        m_restart.show(info);
+    }
     void setSettingsInfo(const STMivoAutoStartSettings& info);
     void setShutdown(bool on);
     void setLinkRestart(bool link);
@@ -86,13 +76,20 @@ private:
     void layOut();
     void addTexts();
     void followStore();
-    QHBoxLayout* layOutTimed(const QList<QWidget*>& controls);
 
-    void onStartUpCheckBoxStateChanged(int state);
-    void onCloseSoftwareMinimizeCheckBoxStateChanged(int state);
+    void onStartUpCheckBoxStateChanged(int state)
+    {
+        submitCheck("onStartUpCheckBoxStateChanged", &IMivoSettings::setAutoStart, state);
+    }
+    void onCloseSoftwareMinimizeCheckBoxStateChanged(int state)
+    {
+        submitCheck("onCloseSoftwareMinimizeCheckBoxStateChanged",
+                    &IMivoSettings::setCloseSoftWareMinimize, state);
+    }
     void onDelayTimeChanged(int seconds);
     void onTimedShutdownSettingsUIChanged();
     void onTimedAutomaticRestartSettingsUIChanged();
+    void writeRestartLater(const CallSite& site);
     void delaySetTimedShutdown();
     void delaySetTimedRestart();
 
@@ -127,9 +124,6 @@ private:
     void onLinkRestart(bool link) { queueLink("setLinkRestart", link); }
     void queueLink(const char* slot, bool link);
 
-    STMivoTimedShutdownSettings shownShutdown() const;
-    STMivoTimedAutomaticRestartSettings shownRestart() const;
-
     template <typename Operation>
     void report(const CallSite& site, Operation operation, bool now);
 
@@ -140,36 +134,28 @@ private:
     QLabel* m_tipIcon;
     QLabel* m_tipText;
     CheckBox* m_minimize;
-    CheckBox* m_restart;
-    ComboBox* m_restartMonth;
-    ComboBox* m_restartDay;
-    TimeEditBox* m_restartTime;
-    CheckBox* m_shutdown;
-    ComboBox* m_shutdownWeekDay;
-    TimeEditBox* m_shutdownTime;
+    RestartRow m_restart;
+    ShutdownRow m_shutdown;
 
     CountdownPrompt m_restartPrompt{{"AutomaticRestartCountdownText", "CancelAutomaticRestart",
                                      "ImmediateAutomaticRestart", "AutomaticRestartCancelText"},
                                     [this] { slotAutomaticRestartCountdownTimerTimeout(); }};
     bool m_restartLoaded = false; // until then edits are not written
     bool m_restartPending = false;
-    int m_restartWrites = 0; // waiting
+    DelayedWrite m_restartWrite{[this] { delaySetTimedRestart(); }};
     CountdownPrompt m_shutdownPrompt{
         {"ShutdownCountdownText", "CancelShutdown", "ImmediateShutdown", "ShutdownCancelText"},
         [this] { slotShutdownCountdownTimerTimeout(); }};
     bool m_shutdownLoaded = false;
     bool m_shutdownActive = false;
-    int m_shutdownWrites = 0;
+    DelayedWrite m_shutdownWrite{[this] { delaySetTimedShutdown(); }};
 };
 
 GeneralSettingBox::Impl::Impl(GeneralSettingBox* page)
     : SettingPageImpl(page, QStringLiteral("GeneralSettings")), m_autoStart(new CheckBox(page)),
       m_delayLabel(new QLabel(page)), m_delay(new SpinEditBox(page)), m_delayUnit(new QLabel(page)),
       m_tipIcon(new QLabel(page)), m_tipText(new QLabel(page)), m_minimize(new CheckBox(page)),
-      m_restart(new CheckBox(page)), m_restartMonth(new ComboBox(page)),
-      m_restartDay(new ComboBox(page)), m_restartTime(new TimeEditBox(page)),
-      m_shutdown(new CheckBox(page)), m_shutdownWeekDay(new ComboBox(page)),
-      m_shutdownTime(new TimeEditBox(page))
+      m_restart(page), m_shutdown(page)
 {
     m_delay->setRange(0, 300);
     layOut();
@@ -182,17 +168,10 @@ GeneralSettingBox::Impl::Impl(GeneralSettingBox* page)
     connect(m_delay, qOverload<double>(&SpinEditBox::valueChanged), this,
             [this](double seconds) { onDelayTimeChanged(static_cast<int>(seconds)); });
 
-    const auto indexChanged = qOverload<int>(&ComboBox::currentIndexChanged);
-    const auto shutdownChanged = &Impl::onTimedShutdownSettingsUIChanged;
-    connect(m_shutdown, &CheckBox::stateChanged, this, shutdownChanged);
-    connect(m_shutdownWeekDay, indexChanged, this, shutdownChanged);
-    connect(m_shutdownTime, &TimeEditBox::timeChanged, this, shutdownChanged);
-    const auto restartChanged = &Impl::onTimedAutomaticRestartSettingsUIChanged;
-    connect(m_restart, &CheckBox::stateChanged, this, restartChanged);
-    connect(m_restartMonth, indexChanged, this, &Impl::slotTimedAutomaticRestartMonthComBoxChanged);
-    connect(m_restartMonth, indexChanged, this, restartChanged);
-    connect(m_restartDay, indexChanged, this, restartChanged);
-    connect(m_restartTime, &TimeEditBox::timeChanged, this, restartChanged);
+    connect(&m_shutdown, &TimedRow::edited, this, &Impl::onTimedShutdownSettingsUIChanged);
+    connect(&m_restart, &TimedRow::edited, this, &Impl::onTimedAutomaticRestartSettingsUIChanged);
+    connect(&m_restart, &RestartRow::monthChosen, this,
+            &Impl::slotTimedAutomaticRestartMonthComBoxChanged);
     followStore();
 }
 
@@ -205,16 +184,6 @@ void GeneralSettingBox::Impl::layOut()
     m_delay->setAlignment(Qt::AlignLeft);
     m_delay->setContextMenuPolicy(Qt::NoContextMenu);
     m_delayUnit->setObjectName(QStringLiteral("suffixDiscriable"));
-    m_restartMonth->setFixedWidth(90);
-    m_restartDay->setFixedWidth(80);
-    m_shutdownWeekDay->setFixedWidth(72);
-    for (TimeEditBox* time : {m_restartTime, m_shutdownTime}) {
-        time->setDisplayFormat(QStringLiteral("hh:mm:ss"));
-        time->setFixedWidth(100);
-        time->setContextMenuPolicy(Qt::NoContextMenu);
-        time->setFocusPolicy(Qt::WheelFocus);
-        time->setTime(QTime(0, 0));
-    }
 
     auto* start = new QHBoxLayout;
     start->setSpacing(0);
@@ -239,54 +208,21 @@ void GeneralSettingBox::Impl::layOut()
     column->setContentsMargins(30, 20, 0, 16);
     column->addLayout(start);
     column->addLayout(minimize);
-    column->addLayout(layOutTimed({m_restart, m_restartMonth, m_restartDay, m_restartTime}));
-    column->addLayout(layOutTimed({m_shutdown, m_shutdownWeekDay, m_shutdownTime}));
-}
-
-QHBoxLayout* GeneralSettingBox::Impl::layOutTimed(const QList<QWidget*>& controls)
-{
-    auto* row = new QHBoxLayout;
-    for (QWidget* control : controls) {
-        row->addWidget(control);
-    }
-    row->addStretch();
-    return row;
+    column->addLayout(m_restart.layout);
+    column->addLayout(m_shutdown.layout);
 }
 
 void GeneralSettingBox::Impl::addTexts()
 {
     text(QStringLiteral("StartCloseGroup"),
          [this](const QString& title) { owner->setTitle(title); });
-    text(QStringLiteral("StartupSelfStart"),
-         [this](const QString& label) { m_autoStart->setText(label); });
+    text(QStringLiteral("StartupSelfStart"), m_autoStart);
     text(QStringLiteral("Delay"), m_delayLabel, m_delay);
     text(QStringLiteral("Seconds"), m_delayUnit);
     text(QStringLiteral("SlowLoadingSoundCardPrompt"), m_tipText);
-    text(QStringLiteral("MinimizeToTrayWhenClosingSoftware"),
-         [this](const QString& label) { m_minimize->setText(label); });
-    text(QStringLiteral("TimedAutomaticRestart"), [this](const QString& label) {
-        m_restart->setText(label);
-        nameAll({m_restartMonth, m_restartDay, m_restartTime}, label);
-    });
-    itemTexts(m_restartMonth, {"EveryMonth", "January", "February", "March", "April", "May", "June",
-                               "July", "August", "September", "October", "November", "December"});
-    text(QStringLiteral("EveryDay"),
-         [this](const QString& every) { m_restartDay->setItemText(0, every); });
-    // Set by the first translation in any case: where its place is depends on the language.
-    text(
-        QStringLiteral("Day"),
-        [this](const QString& /*word*/) {
-            for (int day = 1; day < m_restartDay->count(); ++day) {
-                m_restartDay->setItemText(day, dayText(day));
-            }
-        },
-        QStringLiteral("-"));
-    text(QStringLiteral("TimedShutdown"), [this](const QString& label) {
-        m_shutdown->setText(label);
-        nameAll({m_shutdownWeekDay, m_shutdownTime}, label);
-    });
-    itemTexts(m_shutdownWeekDay, {"EveryDay", "Monday", "Tuesday", "Wednesday", "Thursday",
-                                  "Friday", "Saturday", "Sunday"});
+    text(QStringLiteral("MinimizeToTrayWhenClosingSoftware"), m_minimize);
+    m_restart.addTexts(*this);
+    m_shutdown.addTexts(*this);
     navigationText(QStringLiteral("GeneralSettings"));
 }
 
@@ -323,17 +259,6 @@ void GeneralSettingBox::Impl::setSettingsInfo(const STMivoAutoStartSettings& inf
     setCloseSoftWareMinimize(info.closeSoftWareMinimize);
 }
 
-void GeneralSettingBox::Impl::onStartUpCheckBoxStateChanged(int state)
-{
-    submit("onStartUpCheckBoxStateChanged", &IMivoSettings::setAutoStart, state == Qt::Checked);
-}
-
-void GeneralSettingBox::Impl::onCloseSoftwareMinimizeCheckBoxStateChanged(int state)
-{
-    submit("onCloseSoftwareMinimizeCheckBoxStateChanged", &IMivoSettings::setCloseSoftWareMinimize,
-           state == Qt::Checked);
-}
-
 void GeneralSettingBox::Impl::onDelayTimeChanged(int seconds)
 {
     submit("onDelayTimeChanged", &IMivoSettings::setAutoStartDelayTime, seconds);
@@ -341,31 +266,10 @@ void GeneralSettingBox::Impl::onDelayTimeChanged(int seconds)
 
 // --- The schedules ---
 
-STMivoTimedShutdownSettings GeneralSettingBox::Impl::shownShutdown() const
-{
-    return {m_shutdown->isChecked(), m_shutdownWeekDay->currentIndex(), shownTime(m_shutdownTime)};
-}
-
-STMivoTimedAutomaticRestartSettings GeneralSettingBox::Impl::shownRestart() const
-{
-    return {m_restart->isChecked(), m_restartMonth->currentIndex(), m_restartDay->currentIndex(),
-            shownTime(m_restartTime)};
-}
-
 void GeneralSettingBox::Impl::setTimedShutdownSettings(const STMivoTimedShutdownSettings& info)
 {
     setTimedShutdownChanged(info);
     m_shutdownLoaded = true;
-}
-
-void GeneralSettingBox::Impl::setTimedShutdownChanged(const STMivoTimedShutdownSettings& info)
-{
-    if (info == shownShutdown()) {
-        return;
-    }
-    showValue(m_shutdown, info.enabled);
-    showIndex(m_shutdownWeekDay, info.weekDayIndex);
-    showTime(m_shutdownTime, info.time);
 }
 
 void GeneralSettingBox::Impl::setTimedAutomaticRestartSettings(
@@ -375,49 +279,18 @@ void GeneralSettingBox::Impl::setTimedAutomaticRestartSettings(
     m_restartLoaded = true;
 }
 
-void GeneralSettingBox::Impl::setTimedAutomaticRestartChanged(
-    const STMivoTimedAutomaticRestartSettings& info)
-{
-    if (info == shownRestart()) {
-        return;
-    }
-    showValue(m_restart, info.enabled);
-    // The list of days stays that of the month before; kept on purpose. A day that it lacks is
-    // added, so that it is shown and not lost with the next edit.
-    showIndex(m_restartMonth, info.monthIndex);
-    for (int day = m_restartDay->count(); day <= info.dayIndex; ++day) {
-        m_restartDay->addItem(dayText(day));
-    }
-    showIndex(m_restartDay, info.dayIndex);
-    showTime(m_restartTime, info.time);
-}
-
 void GeneralSettingBox::Impl::setShutdown(bool on)
 {
-    auto info = shownShutdown();
+    auto info = m_shutdown.shown();
     info.enabled = on;
     queue("setTimedShutdownSettings", info);
 }
 
 void GeneralSettingBox::Impl::slotTimedAutomaticRestartMonthComBoxChanged(int index)
 {
-    const QDate today = QDate::currentDate();
-    const int days = QDate(today.year(), index == 0 ? today.month() : index, 1).daysInMonth();
-    {
-        const QSignalBlocker blocker(m_restartDay);
-        const int chosen = m_restartDay->currentIndex();
-        m_restartDay->clear();
-        m_restartDay->addItem(settings::text(QStringLiteral("EveryDay")));
-        for (int day = 1; day <= days; ++day) {
-            m_restartDay->addItem(dayText(day));
-        }
-        m_restartDay->setCurrentIndex(qBound(0, chosen, days));
-    }
+    m_restart.fillDays(index);
     // Together with the month's own change this sends two calls; kept on purpose.
-    if (m_restartLoaded && hasStore("slotTimedAutomaticRestartMonthComBoxChanged")) {
-        ++m_restartWrites;
-        QTimer::singleShot(writeDelay, this, &Impl::delaySetTimedRestart);
-    }
+    writeRestartLater("slotTimedAutomaticRestartMonthComBoxChanged");
 }
 
 void GeneralSettingBox::Impl::onTimedShutdownSettingsUIChanged()
@@ -428,40 +301,37 @@ void GeneralSettingBox::Impl::onTimedShutdownSettingsUIChanged()
     QV::SpdlogApplication::instance().logger()->info(
         "tmp tmp tmp client notify server modify data");
     if (hasStore("onTimedShutdownSettingsUIChanged")) {
-        ++m_shutdownWrites;
-        QTimer::singleShot(writeDelay, this, &Impl::delaySetTimedShutdown);
+        m_shutdownWrite.start();
     }
 }
 
 void GeneralSettingBox::Impl::onTimedAutomaticRestartSettingsUIChanged()
 {
-    if (m_restartLoaded && hasStore("onTimedAutomaticRestartSettingsUIChanged")) {
-        ++m_restartWrites;
-        QTimer::singleShot(writeDelay, this, &Impl::delaySetTimedRestart);
+    writeRestartLater("onTimedAutomaticRestartSettingsUIChanged");
+}
+
+void GeneralSettingBox::Impl::writeRestartLater(const CallSite& site)
+{
+    if (m_restartLoaded && hasStore(site)) {
+        m_restartWrite.start();
     }
 }
 
 void GeneralSettingBox::Impl::delaySetTimedShutdown()
 {
-    --m_shutdownWrites;
-    submit("delaySetTimedShutdown", &IMivoSettings::setTimedShutdownSettings, shownShutdown());
+    submit("delaySetTimedShutdown", &IMivoSettings::setTimedShutdownSettings, m_shutdown.shown());
 }
 
 void GeneralSettingBox::Impl::delaySetTimedRestart()
 {
-    --m_restartWrites;
     submit("delaySetTimedRestart", &IMivoSettings::setTimedAutomaticRestartSettings,
-           shownRestart());
+           m_restart.shown());
 }
 
 void GeneralSettingBox::Impl::writePending()
 {
-    if (m_shutdownWrites > 0) {
-        delaySetTimedShutdown();
-    }
-    if (m_restartWrites > 0) {
-        delaySetTimedRestart();
-    }
+    m_shutdownWrite.flush();
+    m_restartWrite.flush();
 }
 
 // --- The prompts ---

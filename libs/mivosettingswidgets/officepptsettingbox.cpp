@@ -164,20 +164,14 @@ void OfficePPTSettingBox::Impl::layOut()
     auto* column = new QVBoxLayout(owner);
     column->setSpacing(12);
     column->setContentsMargins(30, 20, 0, 15);
-    const std::vector<std::vector<QWidget*>> rows{
+    const std::vector<QList<QWidget*>> rows{
         {m_tip},
         {m_autoplay, m_intervalLabel, m_interval},
         {m_modeLabel, m_animationMode, m_imageMode},
         {m_resolutionLabel, m_widthLabel, m_width, m_heightLabel, m_height, m_ownSizeTip},
         {m_presetsLabel, m_presets, m_presetsTip}};
     for (const auto& controls : rows) {
-        auto* row = new QHBoxLayout;
-        row->setContentsMargins(2, 0, 0, 0);
-        for (QWidget* control : controls) {
-            row->addWidget(control);
-        }
-        row->addStretch();
-        column->addLayout(row);
+        column->addLayout(rowOf(controls, 2));
     }
 }
 

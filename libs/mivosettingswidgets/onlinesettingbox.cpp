@@ -36,12 +36,8 @@ OnlineSettingBox::Impl::Impl(OnlineSettingBox* page)
 {
     page->setObjectName(QStringLiteral("generalSettingGroupBox"));
 
-    auto* row = new QHBoxLayout;
-    row->setContentsMargins(0, 0, 0, 0);
-    row->addWidget(m_autoSync);
-    row->addStretch();
     auto* column = new QVBoxLayout(page);
-    column->addLayout(row);
+    column->addLayout(rowOf({m_autoSync}));
     column->setContentsMargins(30, 20, 0, 16);
 
     text(QStringLiteral("OnlineSettings"), [page](const QString& title) { page->setTitle(title); });
@@ -61,8 +57,7 @@ void OnlineSettingBox::Impl::initSettings()
 
 void OnlineSettingBox::Impl::onAutoSyncResourcesStateChanged(int state)
 {
-    submit("onAutoSyncResourcesStateChanged", &IMivoSettings::setAutoSyncResources,
-           state == Qt::Checked);
+    submitCheck("onAutoSyncResourcesStateChanged", &IMivoSettings::setAutoSyncResources, state);
 }
 
 OnlineSettingBox::OnlineSettingBox(QWidget* parent) : SettingPage(parent)

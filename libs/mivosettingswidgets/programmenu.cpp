@@ -2,12 +2,25 @@
 
 #include "texts.h"
 
+#include <QtCore/QSet>
+#include <QtGui/QKeyEvent>
+
 Q_DECLARE_METATYPE(std::weak_ptr<mivo::mediadispatch::IProgram>)
 
 namespace mivo::settings {
 
 using mivo::mediadispatch::IProgram;
 using mivo::mediadispatch::IProgramDispatch;
+
+namespace {
+
+/// A name as the text of an action or a button: a "&" in it is one, and no mnemonic.
+QString controlText(QString name)
+{
+    return name.replace(QLatin1Char('&'), QLatin1String("&&"));
+}
+
+} // namespace
 
 ProgramList::ProgramList(const IProgramDispatch& dispatch)
     : chosen(dispatch.getDefaultPlayProgram())
@@ -88,9 +101,43 @@ void ProgramMenu::removePrograms()
     }
 }
 
-QString controlText(QString name)
+ProgramButton::ProgramButton(QWidget* parent) : PushButton(parent), m_menu(new ProgramMenu(this))
 {
-    return name.replace(QLatin1Char('&'), QLatin1String("&&"));
+    setObjectName(QStringLiteral("openProjectFileDefaultPlayBtn"));
+    setFixedSize(140, 26);
+    setMenu(m_menu);
+}
+
+void ProgramButton::setProgram(const QString& name)
+{
+    constexpr int textWidth = 108;
+    const QString shown = fontMetrics().elidedText(name, Qt::ElideRight, textWidth);
+    setText(controlText(shown));
+    setToolTip(shown == name ? QString() : name);
+}
+
+void ProgramButton::mousePressEvent(QMouseEvent* event)
+{
+    if (event->button() == Qt::LeftButton) {
+        openMenu();
+    } else {
+        PushButton::mousePressEvent(event);
+    }
+}
+
+void ProgramButton::keyPressEvent(QKeyEvent* event)
+{
+    static const QSet<int> opening{Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter, Qt::Key_Down};
+    if (opening.contains(event->key())) {
+        openMenu();
+    } else {
+        PushButton::keyPressEvent(event);
+    }
+}
+
+void ProgramButton::openMenu()
+{
+    m_menu->popup(mapToGlobal(rect().bottomLeft()));
 }
 
 } // namespace mivo::settings

@@ -2,6 +2,8 @@
 
 #include "mivohostapi/iprogramdispatch.h"
 
+#include <mivowidgets/pushbutton.h>
+
 #include <QtWidgets/QMenu>
 
 #include <memory>
@@ -55,7 +57,28 @@ private:
     QAction* m_lastTime;
 };
 
-/// A name as the text of an action or a button: a "&" in it is one, and no mnemonic.
-QString controlText(QString name);
+/// The button that shows which program is chosen, and opens the menu below itself. GUI thread.
+class ProgramButton : public mivo::widgets::PushButton
+{
+    Q_OBJECT
+
+public:
+    explicit ProgramButton(QWidget* parent = nullptr);
+
+    ProgramMenu* programMenu() const { return m_menu; }
+
+    /// Shows the name as far as there is room; all of a longer one is in the tool tip.
+    void setProgram(const QString& name);
+
+protected:
+    // Not as the button opens a menu, which waits for it: the page may go meanwhile.
+    void mousePressEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    void openMenu();
+
+    ProgramMenu* m_menu;
+};
 
 } // namespace mivo::settings

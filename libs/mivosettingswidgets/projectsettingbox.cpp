@@ -16,7 +16,6 @@
 #include <mivowidgets/tipdialog.h>
 
 #include <QtCore/QMetaMethod>
-#include <QtGui/QKeyEvent>
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QLabel>
 
@@ -42,9 +41,6 @@ public:
     void setProjectFileWidget(QWidget* widget);
     void showPrograms();
 
-    /// True when the event was taken.
-    bool watch(const QObject* object, QEvent* event);
-
     // Runtime thread.
     void onOpenRecentFilesChanged(bool on) { m_openRecentValue->queueChecked(on); }
     void onOpenProjectFileDefaultPlayChanged(bool on) { m_defaultPlayValue->queueChecked(on); }
@@ -67,14 +63,34 @@ public slots:
     void setAutoSaveProjectFilesMaxNum(const int saves) { showValue(m_maxNum, saves); }
     void setAutoSavePath(const QString& path) { m_folder->setPath(path); }
     void setText(const QString& program);
-    void onOpenRecentFilesCheckBoxStateChanged(int state);
-    void onOpenProjectFileDefaultPlayCheckBoxStateChanged(int state);
-    void onAutoSaveProjectFilesCheckBoxStateChanged(int state);
+    void onOpenRecentFilesCheckBoxStateChanged(int state)
+    {
+        submitCheck("onOpenRecentFilesCheckBoxStateChanged", &IMivoSettings::setOpenRecentFiles,
+                    state);
+    }
+    void onOpenProjectFileDefaultPlayCheckBoxStateChanged(int state)
+    {
+        submitCheck("onOpenProjectFileDefaultPlayCheckBoxStateChanged",
+                    &IMivoSettings::setOpenProjectFileDefaultPlay, state);
+    }
+    void onAutoSaveProjectFilesCheckBoxStateChanged(int state)
+    {
+        submitCheck("onAutoSaveProjectFilesCheckBoxStateChanged",
+                    &IMivoSettings::setAutoSaveProjectFiles, state);
+    }
     void onIntervalSpinBoxValueChanged(double minutes);
     void onAutoSaveMaxNumSpinBoxValueChanged(double saves);
     void onAutoSavePathChanged(const QString& path);
-    void onNotPromptForSaveCheckBoxStateChanged(int state);
-    void onNewProjResetOutputCheckBoxStateChanged(int state);
+    void onNotPromptForSaveCheckBoxStateChanged(int state)
+    {
+        submitCheck("onNotPromptForSaveCheckBoxStateChanged", &IMivoSettings::setNotPromptForSave,
+                    state);
+    }
+    void onNewProjResetOutputCheckBoxStateChanged(int state)
+    {
+        submitCheck("onNewProjResetOutputCheckBoxStateChanged",
+                    &IMivoSettings::setNewProjResetOutput, state);
+    }
     void onBrowseBtnClicked();
     void onOpenBtnClicked();
     void onLinkWithProjectChanged(int minutes) { showValue(m_interval, minutes); }
@@ -99,8 +115,7 @@ private:
 
     CheckBox* m_openRecent;
     CheckBox* m_defaultPlay;
-    PushButton* m_program;
-    ProgramMenu* m_programMenu;
+    ProgramButton* m_program;
     CheckBox* m_autoSave;
     QLabel* m_intervalPrefix;
     SpinEditBox* m_interval;
@@ -125,8 +140,7 @@ private:
 
 ProjectSettingBox::Impl::Impl(ProjectSettingBox* page)
     : SettingPageImpl(page, QStringLiteral("GeneralSettings")), m_openRecent(new CheckBox),
-      m_defaultPlay(new CheckBox), m_program(new PushButton),
-      m_programMenu(new ProgramMenu(m_program)), m_autoSave(new CheckBox),
+      m_defaultPlay(new CheckBox), m_program(new ProgramButton), m_autoSave(new CheckBox),
       m_intervalPrefix(new QLabel), m_interval(new SpinEditBox), m_intervalSuffix(new QLabel),
       m_maxNumLabel(new QLabel), m_maxNum(new SpinEditBox), m_spaceTip(new PushButton),
       m_open(new PushButton), m_folder(new FolderRow(page, m_spaceTip)), m_noPrompt(new CheckBox),
@@ -141,7 +155,6 @@ ProjectSettingBox::Impl::Impl(ProjectSettingBox* page)
     m_interval->setRange(1, 30);
     m_maxNum->setRange(1, 20);
     m_maxNum->setValue(5);
-    m_program->setMenu(m_programMenu);
     enableAutoSave(false);
     layOut();
     addTexts();
@@ -168,8 +181,8 @@ ProjectSettingBox::Impl::Impl(ProjectSettingBox* page)
     connect(m_folder, &FolderRow::pathChanged, m_open,
             [this](const QString& path) { m_open->setEnabled(!path.isEmpty()); });
     connect(m_folder, &FolderRow::spaceChecked, page, &ProjectSettingBox::notifySpaceUseup);
-    connect(m_programMenu, &QMenu::aboutToShow, this, &Impl::onUpdateProgramList);
-    connect(m_programMenu, &QMenu::triggered, this, &Impl::checkedProgramGroupMenu);
+    connect(m_program->programMenu(), &QMenu::aboutToShow, this, &Impl::onUpdateProgramList);
+    connect(m_program->programMenu(), &QMenu::triggered, this, &Impl::checkedProgramGroupMenu);
 
     follow(&IMivoSettings::openRecentFilesChanged, &Impl::onOpenRecentFilesChanged);
     follow(&IMivoSettings::openProjectFileDefaultPlayChanged,
@@ -184,7 +197,7 @@ ProjectSettingBox::Impl::Impl(ProjectSettingBox* page)
          {&IProgramDispatch::programListChanged, &IProgramDispatch::defaultPlayProgramChanged}) {
         follow([this, signal] {
             const auto dispatch = programDispatch.lock();
-            return dispatch ? ((*dispatch).*signal).connect(&Impl::onProgramsChanged, this)
+            return dispatch ? ((*dispatch).*signal).connect(&Impl::onProgramsChanged, self<Impl>())
                             : sigslot::connection();
         });
     }
@@ -194,8 +207,6 @@ void ProjectSettingBox::Impl::layOut()
 {
     owner->setObjectName(QStringLiteral("ProjectGroupBox"));
     m_openRecent->setObjectName(QStringLiteral("checkBox"));
-    m_program->setObjectName(QStringLiteral("openProjectFileDefaultPlayBtn"));
-    m_program->setFixedSize(140, 26);
     m_intervalPrefix->setObjectName(QStringLiteral("intervalPrefix"));
     m_interval->setFixedWidth(72);
     m_intervalSuffix->setObjectName(QStringLiteral("intervalSuffix"));
@@ -209,28 +220,20 @@ void ProjectSettingBox::Impl::layOut()
     m_open->setFixedHeight(24);
     m_open->setEnabled(false);
     m_folder->layout->insertWidget(m_folder->layout->indexOf(m_folder->clear), m_open);
-    m_restartIcon->setObjectName(QStringLiteral("restartTip"));
-    m_restartIcon->setFixedSize(14, 14);
-    m_restartText->setObjectName(QStringLiteral("RestartTakeEffectLable"));
+    auto* resetOutput = new QHBoxLayout;
+    resetOutput->addWidget(m_resetOutput);
+    addRestartTip(resetOutput, m_restartIcon, m_restartText);
 
     auto* column = new QVBoxLayout(owner);
     column->setSpacing(12);
     column->setContentsMargins(30, 20, 0, 16);
-    const auto addRow = [column](std::initializer_list<QWidget*> widgets) {
-        auto* row = new QHBoxLayout;
-        row->setContentsMargins(0, 0, 0, 0);
-        for (QWidget* widget : widgets) {
-            row->addWidget(widget);
-        }
-        row->addStretch();
-        column->addLayout(row);
-    };
-    addRow({m_openRecent});
-    addRow({m_defaultPlay, m_program});
-    addRow({m_autoSave, m_intervalPrefix, m_interval, m_intervalSuffix, m_maxNumLabel, m_maxNum});
+    column->addLayout(rowOf({m_openRecent}));
+    column->addLayout(rowOf({m_defaultPlay, m_program}));
+    column->addLayout(rowOf(
+        {m_autoSave, m_intervalPrefix, m_interval, m_intervalSuffix, m_maxNumLabel, m_maxNum}));
     column->addLayout(m_folder->layout);
-    addRow({m_noPrompt});
-    addRow({m_resetOutput, m_restartIcon, m_restartText});
+    column->addLayout(rowOf({m_noPrompt}));
+    column->addLayout(resetOutput);
 }
 
 void ProjectSettingBox::Impl::addTexts()
@@ -250,7 +253,7 @@ void ProjectSettingBox::Impl::addTexts()
         },
         QStringLiteral("Open project files for default playback"));
     text(QStringLiteral("LastTime"), [this](const QString& label) {
-        m_programMenu->setLastTimeText(label);
+        m_program->programMenu()->setLastTimeText(label);
         setText(m_programName);
     });
     text(QStringLiteral("Interval"), m_intervalPrefix, m_interval, QStringLiteral("interval"));
@@ -275,9 +278,7 @@ void ProjectSettingBox::Impl::addTexts()
 void ProjectSettingBox::Impl::enableAutoSave(bool on)
 {
     for (QWidget* widget :
-         {static_cast<QWidget*>(m_intervalPrefix), static_cast<QWidget*>(m_interval),
-          static_cast<QWidget*>(m_intervalSuffix), static_cast<QWidget*>(m_maxNumLabel),
-          static_cast<QWidget*>(m_maxNum)}) {
+         QList<QWidget*>{m_intervalPrefix, m_interval, m_intervalSuffix, m_maxNumLabel, m_maxNum}) {
         widget->setEnabled(on);
     }
 }
@@ -300,24 +301,6 @@ void ProjectSettingBox::Impl::initSettings()
     }
 }
 
-void ProjectSettingBox::Impl::onOpenRecentFilesCheckBoxStateChanged(int state)
-{
-    submit("onOpenRecentFilesCheckBoxStateChanged", &IMivoSettings::setOpenRecentFiles,
-           state == Qt::Checked);
-}
-
-void ProjectSettingBox::Impl::onOpenProjectFileDefaultPlayCheckBoxStateChanged(int state)
-{
-    submit("onOpenProjectFileDefaultPlayCheckBoxStateChanged",
-           &IMivoSettings::setOpenProjectFileDefaultPlay, state == Qt::Checked);
-}
-
-void ProjectSettingBox::Impl::onAutoSaveProjectFilesCheckBoxStateChanged(int state)
-{
-    submit("onAutoSaveProjectFilesCheckBoxStateChanged", &IMivoSettings::setAutoSaveProjectFiles,
-           state == Qt::Checked);
-}
-
 void ProjectSettingBox::Impl::onIntervalSpinBoxValueChanged(double minutes)
 {
     submit("onIntervalSpinBoxValueChanged", &IMivoSettings::setAutoSaveProjectFilesInterval,
@@ -333,18 +316,6 @@ void ProjectSettingBox::Impl::onAutoSaveMaxNumSpinBoxValueChanged(double saves)
 void ProjectSettingBox::Impl::onAutoSavePathChanged(const QString& path)
 {
     submit("onAutoSavePathChanged", &IMivoSettings::setAutoSavePath, path);
-}
-
-void ProjectSettingBox::Impl::onNotPromptForSaveCheckBoxStateChanged(int state)
-{
-    submit("onNotPromptForSaveCheckBoxStateChanged", &IMivoSettings::setNotPromptForSave,
-           state == Qt::Checked);
-}
-
-void ProjectSettingBox::Impl::onNewProjResetOutputCheckBoxStateChanged(int state)
-{
-    submit("onNewProjResetOutputCheckBoxStateChanged", &IMivoSettings::setNewProjResetOutput,
-           state == Qt::Checked);
 }
 
 void ProjectSettingBox::Impl::onBrowseBtnClicked()
@@ -382,29 +353,6 @@ void ProjectSettingBox::Impl::setProjectFileWidget(QWidget* widget)
     };
     link("timeChanged(int)", "onLinkWithProjectChanged(int)");
     link("checkRemainSpace()", "onCheckRemainSpace()");
-}
-
-bool ProjectSettingBox::Impl::watch(const QObject* object, QEvent* event)
-{
-    if (object == owner && event->type() == QEvent::WindowActivate) {
-        m_folder->checkSpace();
-    }
-    if (object != m_program) {
-        return false;
-    }
-    bool pressed = false;
-    if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick) {
-        pressed = static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton;
-    } else if (event->type() == QEvent::KeyPress) {
-        const int key = static_cast<QKeyEvent*>(event)->key();
-        pressed = key == Qt::Key_Space || key == Qt::Key_Return || key == Qt::Key_Enter
-                  || key == Qt::Key_Down;
-    }
-    if (pressed) {
-        // Not as the button does it, which waits for the menu: the page may go meanwhile.
-        m_programMenu->popup(m_program->mapToGlobal(m_program->rect().bottomLeft()));
-    }
-    return pressed;
 }
 
 template <typename Use>
@@ -446,7 +394,7 @@ void ProjectSettingBox::Impl::showPrograms()
 void ProjectSettingBox::Impl::onUpdateProgramList()
 {
     if (const auto list = programs("onUpdateProgramList")) {
-        m_programMenu->setPrograms(*list, QIcon(checkIconPath));
+        m_program->programMenu()->setPrograms(*list, QIcon(checkIconPath));
     }
 }
 
@@ -454,7 +402,7 @@ void ProjectSettingBox::Impl::checkedProgramGroupMenu(QAction* action)
 {
     if (action == nullptr) {
         warn("checkedProgramGroupMenu", "action is nullptr!");
-    } else if (!m_programMenu->isLastTime(action)) {
+    } else if (!m_program->programMenu()->isLastTime(action)) {
         checkedProgramAction(ProgramMenu::programOf(*action));
     } else if (withDispatch("checkedProgramGroupMenu", [](IProgramDispatch& dispatch) {
                    dispatch.setDefaultPlayProgram(STDefaultPlayProgramInfo());
@@ -490,20 +438,14 @@ void ProjectSettingBox::Impl::updateDefaultPlayBtnText()
 
 void ProjectSettingBox::Impl::setText(const QString& program)
 {
-    constexpr int textWidth = 108;
     m_programName = program;
-    const QString label = program.isEmpty() ? settings::text(QStringLiteral("LastTime")) : program;
-    const QString shown = m_program->fontMetrics().elidedText(label, Qt::ElideRight, textWidth);
-    m_program->setText(controlText(shown));
-    m_program->setToolTip(shown == label ? QString() : label);
+    m_program->setProgram(program.isEmpty() ? settings::text(QStringLiteral("LastTime")) : program);
 }
 
 ProjectSettingBox::ProjectSettingBox(QWidget* parent) : SettingPage(parent)
 {
     setImpl(std::make_unique<Impl>(this));
     installEventFilter(this);
-    findChild<PushButton*>(QStringLiteral("openProjectFileDefaultPlayBtn"))
-        ->installEventFilter(this);
 }
 
 ProjectSettingBox::~ProjectSettingBox() = default;
@@ -535,7 +477,10 @@ void ProjectSettingBox::setCheckIconPath(const QString& path)
 
 bool ProjectSettingBox::eventFilter(QObject* object, QEvent* event)
 {
-    return impl<Impl>().watch(object, event) || SettingPage::eventFilter(object, event);
+    if (object == this && event->type() == QEvent::WindowActivate) {
+        impl<Impl>().onCheckRemainSpace();
+    }
+    return SettingPage::eventFilter(object, event);
 }
 
 void ProjectSettingBox::showEvent(QShowEvent* event)

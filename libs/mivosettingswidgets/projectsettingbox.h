@@ -38,7 +38,7 @@ public:
     /// The icon of the chosen entry of the program menu.
     void setCheckIconPath(const QString& path);
 
-    /// Watches the program button, and its own window becoming active.
+    /// Watches its own window becoming active.
     bool eventFilter(QObject* object, QEvent* event) override;
 
 signals:

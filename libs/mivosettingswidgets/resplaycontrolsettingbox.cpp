@@ -108,15 +108,8 @@ void ResPlayControlSettingBox::Impl::layOut()
     owner->setObjectName(QStringLiteral("ResPlayControlSettingGroupBox"));
     m_kind->setFixedWidth(140);
 
-    auto* row = new QHBoxLayout;
-    row->setContentsMargins(2, 0, 0, 0);
-    row->addWidget(m_label);
-    row->addWidget(m_kind);
-    row->addWidget(m_duration);
-    row->addStretch();
-
     auto* column = new QVBoxLayout(owner);
-    column->addLayout(row);
+    column->addLayout(rowOf({m_label, m_kind, m_duration}, 2));
     column->addSpacing(10);
     column->addStretch();
     column->setContentsMargins(30, 20, 0, 16);

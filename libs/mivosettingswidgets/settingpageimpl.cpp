@@ -7,6 +7,9 @@
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QLabel>
 
+#include <thread>
+#include <utility>
+
 namespace mivo::settings {
 
 SettingPageImpl::SettingPageImpl(ISettingBox* page, const QString& navigationKey)
@@ -31,24 +34,26 @@ void SettingPageImpl::unsetSettings(const CallSite& site)
     if (sharedSettings == nullptr) {
         return;
     }
-    callInRuntime(zrRuntime, site.file, site.line, site.function, [this] {
-        for (auto& connection : m_connections) {
-            connection.disconnect();
-        }
-        m_connections.clear();
-    });
+    callInRuntime(zrRuntime, site.file, site.line, site.function, [this] { disconnectAll(); });
 }
 
 void SettingPageImpl::releaseStore()
 {
-    if (m_connections.empty()) {
-        return;
+    if (!m_connections.empty()) {
+        try {
+            unsetSettings();
+        } catch (const std::future_error&) { // stopped with the task still queued
+        }
+        disconnectAll();
     }
-    try {
-        unsetSettings();
-    } catch (const std::future_error&) {
-        // The runtime stopped with the task still queued: no signal can be on its way any more.
+    const std::weak_ptr<SettingPageImpl> called = std::exchange(m_self, nullptr);
+    while (!called.expired()) {
+        std::this_thread::yield();
     }
+}
+
+void SettingPageImpl::disconnectAll()
+{
     for (auto& connection : m_connections) {
         connection.disconnect();
     }

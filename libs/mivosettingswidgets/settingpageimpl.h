@@ -9,6 +9,7 @@
 #include <QtGui/QColor>
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -80,7 +81,7 @@ public:
     void unsetSettings(const CallSite& site = "unsetSettings");
 
     /// Like unsetSettings(), but leaves no connection behind even where the runtime refuses or has
-    /// stopped: for the end of the page.
+    /// stopped, and lets a forwarding method that still runs end: for the end of the page.
     void releaseStore();
 
     /// Sets every registered text again, in the order of registration.
@@ -93,6 +94,19 @@ public:
 
     /// False, and `warning` under the function of `site`, without a runtime: for pages that check.
     bool hasRuntime(const CallSite& site, const char* warning) const;
+
+    /// Registers a text: `set` gets the translation of `key` now, and again whenever it differs
+    /// after a change of language. An `initial` text takes the place of the first translation.
+    void text(const QString& key, std::function<void(const QString&)> set,
+              const QString& initial = {});
+
+    /// The same for a label; the control next to it becomes its buddy and is named after it.
+    void text(const QString& key, QLabel* label, QWidget* buddy = nullptr,
+              const QString& initial = {});
+    void text(const QString& key, QAbstractButton* button, const QString& initial = {});
+
+    /// The same for the items of a combo box, from the first on; those that are missing are added.
+    void itemTexts(QComboBox* combo, const std::vector<const char*>& keys);
 
 protected:
     /// Reads every value with fetch(); runs at the end of setSettings().
@@ -135,6 +149,13 @@ protected:
         }
     }
 
+    /// The same for the state of a check box.
+    template <typename Setter>
+    void submitCheck(const CallSite& site, Setter setter, int state)
+    {
+        submit(site, setter, state == Qt::Checked);
+    }
+
     /// Has `work` done on the runtime thread, for what is more than one call of the store.
     template <typename Work>
     auto inRuntime(const CallSite& site, Work work)
@@ -148,15 +169,23 @@ protected:
     void follow(Signal IMivoSettings::*signal, void (Impl::*forward)(Value...))
     {
         m_followed.push_back([this, signal, forward](MivoSettings& store) {
-            return (store.*signal).connect(forward, static_cast<Impl*>(this));
+            return (store.*signal).connect(forward, self<Impl>());
         });
     }
 
-    /// The same for the signals of a service, which `connectTo` connects on the runtime thread.
+    /// The same for the signals of a service, which `connectTo` connects to self() on the runtime
+    /// thread.
     void follow(std::function<sigslot::connection()> connectTo)
     {
         m_followed.push_back(
             [connectTo = std::move(connectTo)](MivoSettings&) { return connectTo(); });
+    }
+
+    /// What a signal is connected to, so that the page does not end while it is called.
+    template <typename Impl>
+    std::weak_ptr<Impl> self() const
+    {
+        return std::static_pointer_cast<Impl>(m_self);
     }
 
     /// Calls the slot of that name with `values` from the event loop. Any thread.
@@ -178,16 +207,6 @@ protected:
                                   QGenericArgument(typeText, &value));
     }
 
-    /// Registers a text: `set` gets the translation of `key` now, and again whenever it differs
-    /// after a change of language. An `initial` text takes the place of the first translation.
-    void text(const QString& key, std::function<void(const QString&)> set,
-              const QString& initial = {});
-
-    /// The same for a label; the control next to it becomes its buddy and is named after it.
-    void text(const QString& key, QLabel* label, QWidget* buddy = nullptr,
-              const QString& initial = {});
-    void text(const QString& key, QAbstractButton* button, const QString& initial = {});
-
     /// The first form, for a part of a page that has texts of its own.
     auto textRegistrar()
     {
@@ -195,9 +214,6 @@ protected:
             text(QString::fromLatin1(key), std::move(set));
         };
     }
-
-    /// The same for the items of a combo box, from the first on; those that are missing are added.
-    void itemTexts(QComboBox* combo, const std::vector<const char*>& keys);
 
     /// Registers the place among the texts where the section's name is translated and announced.
     void navigationText(const QString& key);
@@ -211,6 +227,8 @@ private:
         qMetaTypeId<T>();
     }
 
+    void disconnectAll();
+
     struct Text
     {
         QString key;
@@ -218,6 +236,7 @@ private:
         QString shown;
     };
 
+    std::shared_ptr<SettingPageImpl> m_self{this, [](SettingPageImpl*) {}}; // owns nothing
     std::vector<std::function<sigslot::connection(MivoSettings&)>> m_followed;
     std::vector<sigslot::connection> m_connections; // runtime thread, while the GUI thread waits
     std::vector<Text> m_texts;

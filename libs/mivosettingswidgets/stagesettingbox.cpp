@@ -16,6 +16,8 @@
 #include <QtWidgets/QLabel>
 
 #include <array>
+#include <functional>
+#include <utility>
 
 namespace mivo::settings {
 
@@ -47,6 +49,21 @@ QColor typedColor(const QString& text)
     const auto match = digits.match(text);
     return match.hasMatch() ? QColor('#' + match.captured(1)) : QColor();
 }
+
+/// Refuses what cannot stand in a colour's name. A field that is left empty shows `shown` again.
+class ColorValidator : public QRegExpValidator
+{
+public:
+    ColorValidator(std::function<QString()> shown, QObject* parent)
+        : QRegExpValidator(QRegExp(QStringLiteral("^[0-9a-zA-Z#]+$")), parent),
+          m_shown(std::move(shown))
+    {}
+
+    void fixup(QString& text) const override { text = m_shown(); }
+
+private:
+    std::function<QString()> m_shown;
+};
 
 PushButton* swatch(const QString& objectName, QWidget* parent = nullptr)
 {
@@ -239,8 +256,7 @@ QHBoxLayout* StageSettingBox::Impl::customRow(ColorRow& row)
     row.hexEdit->setObjectName(QStringLiteral("lineEdit"));
     row.hexEdit->setProperty("style", QStringLiteral("color"));
     row.hexEdit->setFixedWidth(72);
-    row.hexEdit->setValidator(
-        new QRegExpValidator(QRegExp(QStringLiteral("^[0-9a-zA-Z#]+$")), row.hexEdit));
+    row.hexEdit->setValidator(new ColorValidator([&row] { return row.color(); }, row.hexEdit));
     auto* layout = new QHBoxLayout;
     layout->setSpacing(0);
     layout->addWidget(row.customLabel);
@@ -453,15 +469,11 @@ StageSettingBox::~StageSettingBox() = default;
 
 void StageSettingBox::setSettings(MivoSettings* settings)
 {
-    auto& page = impl<Impl>();
-    if (!Impl::isStore(settings, "setSettings")) {
-        return;
+    if (Impl::isStore(settings, "setSettings")
+        && impl<Impl>().hasRuntime("setSettings",
+                                   "StageSettingBox::setSettings zrRuntime is nullptr!")) {
+        impl<Impl>().setSettings(settings);
     }
-    if (page.zrRuntime == nullptr) {
-        warn("setSettings", "StageSettingBox::setSettings zrRuntime is nullptr!");
-        return;
-    }
-    page.setSettings(settings);
 }
 
 void StageSettingBox::unsetSettings()

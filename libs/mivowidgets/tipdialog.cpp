@@ -90,11 +90,12 @@ int TipDialog::run()
 }
 
 int TipDialog::ask(QWidget* parent, Kind kind, const QString& text, const QString& cancel,
-                   const QString& accept)
+                   const QString& accept, const QString& assist)
 {
     const QPointer<TipDialog> dialog = new TipDialog(parent); // goes with its parent
     dialog->setTipKind(kind);
     dialog->setTipText(text);
+    dialog->setAssistText(assist);
     dialog->setButtonTexts(cancel, accept);
     dialog->setCancelButtonVisible(!cancel.isEmpty());
     const int result = dialog->run();

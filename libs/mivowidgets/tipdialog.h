@@ -35,7 +35,7 @@ public:
 
     /// Runs a prompt for once: a Result. Without a cancel text it has only the accept button.
     static int ask(QWidget* parent, Kind kind, const QString& text, const QString& cancel,
-                   const QString& accept);
+                   const QString& accept, const QString& assist = {});
 
 private:
     QLabel* m_icon;

@@ -52,8 +52,8 @@ bool Translator::load(const QString& file)
 
 void Translator::switchLanguage(const QString& language)
 {
-    m_impl->language = language;
-    const auto found = m_impl->languages.find(normalised(language));
+    m_impl->language = normalised(language);
+    const auto found = m_impl->languages.find(m_impl->language);
     m_impl->active = found == m_impl->languages.end() ? nullptr : &found->second;
 }
 

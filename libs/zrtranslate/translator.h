@@ -33,7 +33,7 @@ public:
     /// that no file was loaded for, every key is its own text.
     void switchLanguage(const QString& language);
 
-    /// The language as it was last given to switchLanguage.
+    /// The chosen language, in lower case and with "_": "en", "zh_cn".
     QString language() const;
 
     /// The text in the chosen language, of the file loaded last where several have it. A key that

@@ -41,12 +41,15 @@ void whenModal(std::function<void(Window&)> act)
     timer->start(10);
 }
 
-/// Types over what a field holds, and leaves it.
+/// Types over what a field holds, or deletes it, and leaves the field.
 inline void typeInto(QWidget* field, const QString& text)
 {
     field->setFocus();
     QTest::keySequence(field, QKeySequence::SelectAll);
     QTest::keyClicks(field, text);
+    if (text.isEmpty()) {
+        QTest::keyClick(field, Qt::Key_Delete);
+    }
     QTest::keyClick(field, Qt::Key_Return);
     field->clearFocus();
     QApplication::processEvents();

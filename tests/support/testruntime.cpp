@@ -7,6 +7,9 @@ void TestRuntime::post(std::function<void()> task, const char* file, int line, c
     if (std::string(function) != "call") {
         const std::lock_guard lock(m_postedMutex);
         m_posted.push_back({file, line, function});
+        if (drops) {
+            return;
+        }
     }
     RuntimeThread::post(std::move(task), file, line, function);
 }

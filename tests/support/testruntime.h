@@ -22,6 +22,7 @@ public:
 
     std::atomic<bool> uiSync{true};
     std::atomic<bool> refuses{false};
+    std::atomic<bool> drops{false}; ///< every task but call()'s, as when it stops meanwhile
 
     void post(std::function<void()> task, const char* file, int line,
               const char* function) override;

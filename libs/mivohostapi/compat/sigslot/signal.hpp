@@ -7,6 +7,7 @@
 #include <boost/signals2/signal.hpp>
 
 #include <cstddef>
+#include <memory>
 #include <utility>
 
 namespace sigslot {
@@ -42,6 +43,17 @@ public:
     {
         return connection(m_impl.connect(
             [method, object](Args... args) { (static_cast<Class*>(object)->*method)(args...); }));
+    }
+
+    /// The object stays while it is called; one that is gone is not called.
+    template <typename Class, typename Object, typename... Params>
+    connection connect(void (Class::*method)(Params...), std::weak_ptr<Object> object)
+    {
+        return connection(m_impl.connect([method, object = std::move(object)](Args... args) {
+            if (const auto called = object.lock()) {
+                (static_cast<Class*>(called.get())->*method)(args...);
+            }
+        }));
     }
 
     template <typename Callable>
