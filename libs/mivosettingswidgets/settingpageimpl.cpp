@@ -20,7 +20,7 @@ void SettingPageImpl::setSettings(MivoSettings* settings, const CallSite& site)
     sharedSettings = settings;
     callInRuntime(zrRuntime, site.file, site.line, site.function, [this] {
         for (const auto& connectTo : m_followed) {
-            m_connections.push_back(connectTo(*sharedSettings));
+            m_connections.emplace_back(connectTo(*sharedSettings));
         }
     });
     initSettings();
@@ -31,12 +31,8 @@ void SettingPageImpl::unsetSettings(const CallSite& site)
     if (sharedSettings == nullptr) {
         return;
     }
-    callInRuntime(zrRuntime, site.file, site.line, site.function, [this] {
-        for (auto& connection : m_connections) {
-            connection.disconnect();
-        }
-        m_connections.clear();
-    });
+    callInRuntime(zrRuntime, site.file, site.line, site.function,
+                  [this] { m_connections.clear(); });
 }
 
 void SettingPageImpl::releaseStore()
@@ -48,9 +44,6 @@ void SettingPageImpl::releaseStore()
         unsetSettings();
     } catch (const std::future_error&) {
         // The runtime stopped with the task still queued: no signal can be on its way any more.
-    }
-    for (auto& connection : m_connections) {
-        connection.disconnect();
     }
     m_connections.clear();
 }

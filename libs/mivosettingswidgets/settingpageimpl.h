@@ -219,7 +219,8 @@ private:
     };
 
     std::vector<std::function<sigslot::connection(MivoSettings&)>> m_followed;
-    std::vector<sigslot::connection> m_connections; // runtime thread, while the GUI thread waits
+    std::vector<sigslot::scoped_connection>
+        m_connections; // runtime thread, while the GUI thread waits
     std::vector<Text> m_texts;
     bool m_showFetched = false;
 };
