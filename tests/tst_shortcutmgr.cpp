@@ -14,6 +14,7 @@
 #include <QtTest/QSignalSpy>
 #include <QtWidgets/QVBoxLayout>
 
+#include <algorithm>
 #include <atomic>
 #include <thread>
 
@@ -304,7 +305,7 @@ TEST_F(ShortCuts, ControlsOfDevicesAreBoundMovedAndCleared)
     EXPECT_EQ(midi.bindings(), Infos());
     manager.slotShowAllShortCutCover(false, PeripheralMidi);
     EXPECT_EQ(midi.asked, "stopped");
-    EXPECT_EQ(opened.size(), 2);
+    ASSERT_EQ(opened.size(), 2);
     EXPECT_FALSE(opened.last()[0].toBool());
     ASSERT_EQ(shown.size(), 1);
     EXPECT_EQ(shown[0][0].value<EnumPeripheralShortCutType>(), PeripheralMidi);
@@ -359,7 +360,7 @@ TEST_F(ShortCuts, AFloodOfMessagesIsBoundedAndCounted)
 TEST_F(ShortCuts, MessagesKeepTheirOrderWhileAnActionWaits)
 {
     manager.setOscMgr(&osc);
-    const auto send = [this](std::initializer_list<int> actions) {
+    const auto send = [this](const std::vector<int>& actions) {
         std::thread([&] {
             for (const int action : actions) {
                 osc.controlMessage(action, "", "");
@@ -367,17 +368,22 @@ TEST_F(ShortCuts, MessagesKeepTheirOrderWhileAnActionWaits)
         }).join();
     };
     std::vector<int> order;
+    std::vector<int> later;
     QObject::connect(&manager, &ShortCutMgr::signalPeripheralsControl, [&](int action) {
         order.push_back(action);
         if (action == 1) {
-            send({3});
+            send(later);
             QApplication::processEvents(); // as a dialog does
-            EXPECT_EQ(order.size(), 3U);
+            EXPECT_EQ(order.size(), 2 + later.size()) << "nothing waits for its end";
         }
     });
-    send({1, 2});
-    QApplication::processEvents();
-    EXPECT_EQ(order, (std::vector<int>{1, 2, 3}));
+    for (const auto& each : {std::vector<int>{}, std::vector<int>{3}}) {
+        order.clear();
+        later = each;
+        send({1, 2});
+        QApplication::processEvents();
+        EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
+    }
 }
 
 TEST_F(ShortCuts, TheManagerMayEndAtAnyTime)
