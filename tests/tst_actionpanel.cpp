@@ -14,8 +14,8 @@
 #include <QtCore/QFile>
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QSignalSpy>
+#include <QtWidgets/QAction>
 #include <QtWidgets/QComboBox>
-#include <QtWidgets/QMessageBox>
 #include <QtWidgets/QVBoxLayout>
 
 #include <atomic>
@@ -113,8 +113,9 @@ protected:
 
     void clearAll(bool agrees)
     {
-        whenModal<QMessageBox>([agrees](QMessageBox& question) {
-            QTest::mouseClick(question.buttons().at(agrees ? 1 : 0), Qt::LeftButton);
+        using mivo::widgets::TipDialog;
+        whenModal<TipDialog>([agrees](TipDialog& question) {
+            question.done(agrees ? TipDialog::accepted : TipDialog::cancelled);
         });
         control("clearShortcuts")->click();
     }
@@ -234,11 +235,14 @@ TEST_F(Panel, WhileItIsLockedNothingTriggersAnything)
 {
     bindKey(mute, Qt::Key_F5, Qt::NoModifier);
     auto* lock = control("lockScreen");
-    peripherals->osc().controlMessage(208, "/Peripherals/Toolbar/LockScreen", "1");
-    EXPECT_TRUE(lock->isChecked()) << "by the action";
+    std::thread([this] {
+        peripherals->osc().controlMessage(208, "/Peripherals/Toolbar/LockScreen", "1");
+        peripherals->osc().controlMessage(take, "/Peripherals/Stage/Take", "1");
+    }).join();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return lock->isChecked(); })) << "by the action";
     press(Qt::Key_F5);
     QTest::mouseClick(button(mute), Qt::LeftButton);
-    EXPECT_EQ(triggered("Global/MuteSwitch"), 0);
+    EXPECT_EQ(triggered("(?:Global/MuteSwitch|Stage/Take)"), 0);
     for (const char* name : {"editShortcuts", "clearShortcuts", "importShortcuts"}) {
         EXPECT_FALSE(control(name)->isEnabled()) << name;
     }
@@ -246,6 +250,9 @@ TEST_F(Panel, WhileItIsLockedNothingTriggersAnything)
     press(Qt::Key_F5);
     EXPECT_EQ(triggered("Global/MuteSwitch"), 1);
     EXPECT_TRUE(control("editShortcuts")->isEnabled());
+    panel->setEditing(true);
+    peripherals->osc().controlMessage(take, "/Peripherals/Stage/Take", "1");
+    EXPECT_EQ(triggered("Stage/Take"), 0) << "nor while it is edited";
 }
 
 TEST_F(Panel, BindingsOfDevicesAreShownClearedAndAskedFor)
@@ -269,6 +276,21 @@ TEST_F(Panel, BindingsOfDevicesAreShownClearedAndAskedFor)
     cover(take)->setFocus();
     press(Qt::Key_Backspace);
     EXPECT_EQ(cover(take)->keyText(PeripheralOsc), "/Peripherals/Stage/Take") << "for good";
+
+    const auto* hint = control<QLabel>("shortcutHint");
+    chooseKind(PeripheralDmx);
+    QString off = hint->text();
+    peripherals->dmx().setInfo({true, "mivo", 0, 0, 0});
+    EXPECT_NE(hint->text(), off);
+    chooseKind(PeripheralMidi);
+    off = hint->text();
+    peripherals->midi().setEnabled(true);
+    EXPECT_NE(hint->text(), off);
+    const QString before = cover(take)->accessibleName();
+    useHostLanguage(QStringLiteral("zh_cn"));
+    panel->setTexts();
+    EXPECT_NE(cover(take)->accessibleName(), before);
+    EXPECT_EQ(cover(take)->accessibleName(), button(take)->text());
 }
 
 TEST_F(Panel, AllBindingsGoOutIntoAFileAndComeBack)
@@ -315,12 +337,21 @@ TEST_F(Panel, AllBindingsGoOutIntoAFileAndComeBack)
     EXPECT_EQ(panel->importFrom(
                   write(R"({"shortCutInfoList":[{"type":189,"path":"a","shortCutStr":"Ctrl + C"},)"
                         R"({"type":189,"path":"b","shortCutStr":"nonsense"},)"
+                        R"({"type":189,"path":"b","shortCutStr":"Ctrl + a"},)"
+                        R"({"type":210,"path":"","shortCutStr":"Shift + Ctrl + F7"},)"
+                        R"({"type":189,"path":"","shortCutStr":"DMX 9"},)"
                         R"({"type":9999,"path":"c","shortCutStr":"F9"},)"
                         R"({"type":211,"path":"/Peripherals/group/one","shortCutStr":"F8"}]})")),
               "");
-    ASSERT_EQ(kept().size(), 2u) << "neither a reserved sequence nor none";
-    EXPECT_EQ(kept().front().type, 9999) << "an action that another version has";
+    ASSERT_EQ(kept().size(), 3u) << "neither a reserved sequence nor none";
+    EXPECT_EQ(kept().front().path, "/Peripherals/Stage/Take");
+    EXPECT_EQ(kept()[1].type, 9999) << "an action that another version has";
     EXPECT_EQ(kept().back().type, ShortCutOfPath);
+    using Infos = std::vector<mivo::peripheralcontrol::SDeviceBindInfo>;
+    EXPECT_EQ(peripherals->dmx().bindings(),
+              (Infos{{mute, "/Peripherals/Global/MuteSwitch", "DMX 9"}}));
+    press(Qt::Key_F7, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(triggered("Stage/Take by Ctrl \\+ Shift \\+ F7"), 1);
     press(Qt::Key_F9);
     EXPECT_EQ(triggered(""), 0);
 }

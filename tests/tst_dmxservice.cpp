@@ -40,7 +40,7 @@ ArtNetDatagram parse(const QByteArray& bytes)
 std::uint16_t freePort()
 {
     QUdpSocket socket;
-    EXPECT_TRUE(socket.bind(QHostAddress::AnyIPv4));
+    EXPECT_TRUE(socket.bind(QHostAddress(QHostAddress::AnyIPv4)));
     return socket.localPort();
 }
 
@@ -291,11 +291,13 @@ TEST_F(Dmx, APortThatIsTakenIsAnErrorAndOneThatIsFreeAgainIsNot)
         service.setInfo({true, "mivo", 0, 0, 0});
         ASSERT_EQ(failures.size(), 1U);
         EXPECT_NE(failures[0].find(std::to_string(port)), std::string::npos) << failures[0];
+        EXPECT_EQ(service.failure(), failures[0]);
         EXPECT_TRUE(service.info().enabled);
     }
     service.setInfo(service.info());
     ASSERT_EQ(failures.size(), 2U);
     EXPECT_EQ(failures[1], "");
+    EXPECT_EQ(service.failure(), "");
     service.bind({187, "a", "DMX 12"});
     send(artDmx(0, 0, 0, 0));
     send(artDmx(0, 0, 12, 255));

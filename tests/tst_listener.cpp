@@ -87,7 +87,7 @@ TEST_F(Ports, ThatCannotBeOpenedStayClosedAndSayWhy)
     EXPECT_FALSE(reason.empty());
     EXPECT_EQ(store.kept.rows["tcpPort"], QString("0|%1").arg(tcp.serverPort()));
     QUdpSocket udp;
-    ASSERT_TRUE(udp.bind(QHostAddress::Any));
+    ASSERT_TRUE(udp.bind(QHostAddress(QHostAddress::Any)));
     EXPECT_FALSE(wish(Store::udp, {true, udp.localPort()}).open);
     EXPECT_FALSE(reason.empty());
     EXPECT_FALSE(wish(Store::udp, {true, 0}).open);

@@ -144,7 +144,7 @@ protected:
     quint16 freeUdpPort()
     {
         QUdpSocket probe;
-        EXPECT_TRUE(probe.bind(QHostAddress::AnyIPv4));
+        EXPECT_TRUE(probe.bind(QHostAddress(QHostAddress::AnyIPv4)));
         return oscPort = probe.localPort();
     }
 

@@ -61,7 +61,7 @@ protected:
         });
         service.failed.connect([this](const std::string& reason) { failures.push_back(reason); });
         QUdpSocket socket;
-        EXPECT_TRUE(socket.bind(QHostAddress::AnyIPv4));
+        EXPECT_TRUE(socket.bind(QHostAddress(QHostAddress::AnyIPv4)));
         port = socket.localPort();
     }
 
@@ -213,12 +213,14 @@ TEST_F(Osc, APortThatIsTakenIsAnErrorAndNothingIsLeftHalfWay)
         service.setInfo({true, other.localPort()});
         ASSERT_EQ(failures.size(), 1U);
         EXPECT_NE(failures[0].find(std::to_string(other.localPort())), std::string::npos);
+        EXPECT_EQ(service.failure(), failures[0]);
         EXPECT_EQ(service.info(), (SAddOSCInfo{true, other.localPort()}));
         EXPECT_TRUE(isPortFree()) << "the one before";
     }
     enable();
     ASSERT_EQ(failures.size(), 2U);
     EXPECT_EQ(failures[1], "");
+    EXPECT_EQ(service.failure(), "");
     send(message(output.c_str()));
     EXPECT_EQ(take().size(), 1U);
     service.setInfo({false, 70000});

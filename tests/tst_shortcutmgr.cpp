@@ -14,6 +14,8 @@
 #include <QtTest/QSignalSpy>
 #include <QtWidgets/QVBoxLayout>
 
+#include <algorithm>
+#include <atomic>
 #include <thread>
 
 namespace shortcutmgrtest {
@@ -49,6 +51,7 @@ BindingTable::Setup setupFor(bool (*isControl)(const std::string&))
 }
 
 const std::string outputPath = "/Peripherals/Global/OutputSwitch";
+const std::string mutePath = "/Peripherals/Global/MuteSwitch";
 const std::string groupPath = "/Peripherals/group/one";
 const std::string knob = "CC 7 ch 1 (X)";
 
@@ -71,7 +74,7 @@ protected:
         }
         const auto buttons = window.findChildren<QPushButton*>();
         output = new ShortCutCover(type(187), outputPath, buttons[0]);
-        mute = new ShortCutCover(type(189), "/Peripherals/Global/MuteSwitch", buttons[1]);
+        mute = new ShortCutCover(type(189), mutePath, buttons[1]);
         group = new ShortCutCover(groupPath, buttons[2]);
         manager.setBindShortCutAndCover({output, mute, group});
     }
@@ -136,21 +139,32 @@ TEST_F(ShortCuts, AreReadSplitAndWrittenInOrder)
 {
     manager.loadShortCutInfoList();
     EXPECT_TRUE(log.lines().empty()) << "no file is no error";
+    const STShortCutItem hidden{type(187), "", "F9"}; // what this type's cover cannot show
     const STShortCutItem first{type(187), "a", "F1"};
     const STShortCutItem ofPath{type(211), groupPath, "F2"};
     const STShortCutItem unknown{type(9999), "", "F3"};
-    write(formatShortCuts({first, ofPath, unknown}));
+    write(formatShortCuts({hidden, first, ofPath, unknown}));
     QSignalSpy state(&manager, &ShortCutMgr::signalClearShortCutState);
     manager.loadShortCutInfoList();
-    EXPECT_EQ(manager.linkShortCutInfo().indexShortCutList, (Row{first, unknown}));
+    EXPECT_EQ(manager.linkShortCutInfo().indexShortCutList, (Row{hidden, first, unknown}));
     EXPECT_EQ(manager.linkShortCutInfo().pathShortCutList, Row{ofPath});
     manager.setAllShortCutStr();
     EXPECT_EQ(output->getShortCutStr(), "F1");
     EXPECT_EQ(mute->getShortCutStr(), "");
     EXPECT_EQ(group->getShortCutStr(), "F2");
-    EXPECT_EQ(content(), formatShortCuts({first, unknown, ofPath}));
+    EXPECT_EQ(content(), formatShortCuts({{type(187), outputPath, "F1"}, unknown, ofPath}));
     ASSERT_EQ(state.size(), 1);
     EXPECT_FALSE(state[0][0].toBool());
+    open(PeripheralKeyboard);
+    press(output, Qt::Key_Backspace);
+    EXPECT_EQ(content(), formatShortCuts({unknown, ofPath})) << "whatever its path was";
+
+    mute->shortCutStrChanged("F4");
+    group->shortCutStrChanged("F6");
+    manager.setProgramShortCutInfo();
+    EXPECT_EQ(manager.linkShortCutInfo().indexShortCutList,
+              (Row{unknown, {type(189), mutePath, "F4"}}));
+    EXPECT_EQ(manager.linkShortCutInfo().pathShortCutList, (Row{{type(211), groupPath, "F6"}}));
 }
 
 TEST_F(ShortCuts, AFileThatCannotBeReadIsLoggedAndCopiedBeforeItIsWrittenOver)
@@ -202,6 +216,14 @@ TEST_F(ShortCuts, AKeyIsBoundKeptAndCleared)
     ASSERT_EQ(state.size(), 1) << "nothing is left to be removed";
     EXPECT_TRUE(state[0][0].toBool());
 
+    QSignalSpy saved(&manager, &ShortCutMgr::signalShortCutSave);
+    manager.shortCutInfoSave({{{type(189), "", "F7"}}, {}, {}});
+    EXPECT_EQ(mute->getShortCutStr(), "F7");
+    EXPECT_EQ(content(), formatShortCuts({{type(189), mutePath, "F7"}}));
+    for (const auto& save : saved) {
+        EXPECT_FALSE(save[0].value<STLinkShortCutInfo>().shortCutInfoList.empty());
+    }
+
     QSignalSpy escaped(&manager, &ShortCutMgr::signalCloseShortByEsc);
     press(output, Qt::Key_Escape);
     EXPECT_EQ(escaped.size(), 1);
@@ -232,17 +254,20 @@ TEST_F(ShortCuts, AKeyThatAnotherActionHoldsMovesOnlyWhenThatIsConfirmed)
     answer(TipDialog::accepted);
     QTimer::singleShot(0, [this] { delete std::exchange(mute, nullptr); });
     press(mute, Qt::Key_F5);
-    EXPECT_EQ(group->getShortCutStr(), "");
+    EXPECT_EQ(group->getShortCutStr(), "F5");
+    EXPECT_EQ(content(), formatShortCuts({{type(211), groupPath, "F5"}}));
 }
 
 TEST_F(ShortCuts, ControlsOfDevicesAreBoundMovedAndCleared)
 {
     manager.setMidiMgr(&midi);
     manager.setMidiMgr(nullptr);
+    QSignalSpy opened(&manager, &ShortCutMgr::signalOpenShortCover);
+    QSignalSpy shown(&manager, &ShortCutMgr::signalShowMonitorWidget);
     open(PeripheralMidi);
     group->setFocus();
-    EXPECT_EQ(midi.asked, "211 " + groupPath);
-    const SDeviceBindInfo first{211, groupPath, knob};
+    EXPECT_EQ(std::exchange(midi.asked, {}), "211 group:one") << "as OSC names it";
+    const SDeviceBindInfo first{211, "group:one", knob};
     midi.bind(first);
     std::thread([&] { midi.bindResult(first, true); }).join();
     EXPECT_EQ(group->keyText(PeripheralMidi), "") << "not on the device's thread";
@@ -250,8 +275,12 @@ TEST_F(ShortCuts, ControlsOfDevicesAreBoundMovedAndCleared)
     QApplication::processEvents();
     EXPECT_EQ(group->keyText(PeripheralMidi).toStdString(), knob);
     EXPECT_EQ(group->getShortCutStr(), "");
+    EXPECT_EQ(midi.asked, "211 group:one") << "it still has the focus";
     ASSERT_EQ(any.size(), 1);
     EXPECT_TRUE(any[0][1].toBool());
+    group->updateShortCutCoverKey(PeripheralMidi, {});
+    manager.updatePeripheralKeyName();
+    EXPECT_EQ(group->keyText(PeripheralMidi).toStdString(), knob);
 
     const SDeviceBindInfo second{187, outputPath, knob};
     for (const auto result : {TipDialog::cancelled, TipDialog::accepted}) {
@@ -269,11 +298,17 @@ TEST_F(ShortCuts, ControlsOfDevicesAreBoundMovedAndCleared)
     press(output, Qt::Key_Backspace);
     EXPECT_EQ(midi.bindings(), Infos());
     EXPECT_FALSE(any.last()[1].toBool());
-    midi.bind(first);
+    manager.rebindPeripheral(PeripheralMidi, 211, groupPath, knob);
+    EXPECT_EQ(midi.bindings(), Infos{first});
+    EXPECT_EQ(group->keyText(PeripheralMidi).toStdString(), knob);
     manager.slotClearShortCut(true, PeripheralMidi);
     EXPECT_EQ(midi.bindings(), Infos());
     manager.slotShowAllShortCutCover(false, PeripheralMidi);
     EXPECT_EQ(midi.asked, "stopped");
+    ASSERT_EQ(opened.size(), 2);
+    EXPECT_FALSE(opened.last()[0].toBool());
+    ASSERT_EQ(shown.size(), 1);
+    EXPECT_EQ(shown[0][0].value<EnumPeripheralShortCutType>(), PeripheralMidi);
 }
 
 TEST_F(ShortCuts, MessagesOfDevicesReachTheHost)
@@ -320,6 +355,86 @@ TEST_F(ShortCuts, AFloodOfMessagesIsBoundedAndCounted)
     QApplication::processEvents();
     EXPECT_EQ(control.size(), 4096);
     EXPECT_TRUE(log.hasOnly("warning|5904 messages of devices were dropped!"));
+}
+
+TEST_F(ShortCuts, MessagesKeepTheirOrderWhileAnActionWaits)
+{
+    manager.setOscMgr(&osc);
+    const auto send = [this](const std::vector<int>& actions) {
+        std::thread([&] {
+            for (const int action : actions) {
+                osc.controlMessage(action, "", "");
+            }
+        }).join();
+    };
+    std::vector<int> order;
+    std::vector<int> later;
+    QObject::connect(&manager, &ShortCutMgr::signalPeripheralsControl, [&](int action) {
+        order.push_back(action);
+        if (action == 1) {
+            send(later);
+            QApplication::processEvents(); // as a dialog does
+            EXPECT_EQ(order.size(), 2 + later.size()) << "nothing waits for its end";
+        }
+    });
+    for (const auto& each : {std::vector<int>{}, std::vector<int>{3}}) {
+        order.clear();
+        later = each;
+        send({1, 2});
+        QApplication::processEvents();
+        EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
+    }
+}
+
+TEST_F(ShortCuts, TheManagerMayEndAtAnyTime)
+{
+    const SDeviceBindInfo info{187, outputPath, knob};
+    std::atomic<bool> ends{false};
+    std::thread device([&] {
+        while (!ends) {
+            midi.controlMessage(187, outputPath, knob);
+            midi.bindResult(info, true);
+        }
+    });
+    for (int round = 0; round < 50; ++round) {
+        ShortCutMgr brief;
+        brief.setMidiMgr(&midi);
+        QApplication::processEvents();
+    }
+    ends = true;
+    device.join();
+
+    auto brief = std::make_unique<ShortCutMgr>();
+    brief->setDmxMgr(&dmx);
+    QObject::connect(brief.get(), &ShortCutMgr::signalPeripheralsControl, [&] { brief.reset(); });
+    dmx.controlMessage(187, outputPath, knob);
+    EXPECT_EQ(brief, nullptr);
+
+    // In each of its questions.
+    manager.delShortCutCoverList({output, group});
+    const auto ask = [&](EnumPeripheralShortCutType kind, const std::function<void()>& act) {
+        brief = std::make_unique<ShortCutMgr>();
+        brief->setBindShortCutAndCover({output, group});
+        brief->setDmxMgr(&dmx);
+        window.show();
+        brief->slotShowAllShortCutCover(true, kind);
+        whenModal<TipDialog>([&](TipDialog& prompt) {
+            brief.reset();
+            prompt.done(TipDialog::accepted);
+        });
+        act();
+        EXPECT_EQ(brief, nullptr);
+    };
+    ask(PeripheralKeyboard, [&] {
+        press(output, Qt::Key_F5);
+        press(group, Qt::Key_F5);
+    });
+    EXPECT_EQ(group->getShortCutStr(), "");
+    ask(PeripheralDmx, [&] {
+        dmx.bindResult(info, false);
+        QApplication::processEvents();
+    });
+    EXPECT_EQ(dmx.bindings(), Infos());
 }
 
 TEST_F(ShortCuts, CoversAndServicesMayGoAtAnyTime)

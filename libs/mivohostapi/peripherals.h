@@ -13,7 +13,7 @@ namespace mivo::peripheralcontrol {
 struct SDeviceBindInfo
 {
     int type = 0;         ///< the action, an EnumShortCutType
-    std::string oprKey;   ///< the action's path
+    std::string oprKey;   ///< the action's path; of type ShortCutOfPath as reported: "group:name"
     std::string keyValue; ///< the control, as it is shown and as it is found again: "CC 7 ch 1"
 
     friend bool operator==(const SDeviceBindInfo& a, const SDeviceBindInfo& b)
@@ -25,8 +25,8 @@ struct SDeviceBindInfo
 /// A service that receives the messages of one kind of controllers and knows what they are bound
 /// to. The host implements and owns it, and keeps its bindings from one run to the next.
 ///
-/// The operations are called on the GUI thread; the signals may be emitted on any thread, also
-/// during an operation.
+/// The operations are called on the GUI thread. `controlMessage` and `bindResult` may be emitted on
+/// any thread, all other signals on the GUI thread; each of them also during an operation.
 class Peripheral
 {
 public:
@@ -54,7 +54,7 @@ public:
     /// How learning ended: the action, the control, and whether they are bound to each other now.
     sigslot::signal<const SDeviceBindInfo&, const bool> bindResult;
 
-    /// The service ends; emitted on the GUI thread.
+    /// The service ends.
     sigslot::signal<> gone;
 };
 
@@ -103,9 +103,11 @@ public:
     /// Takes the settings over; `failed` tells when the input could not be opened with them.
     virtual void setInfo(const SAddDMXInfo& info) = 0;
     virtual SAddDMXInfo info() const = 0;
+    /// Why it does not receive although it is enabled; empty when all is well.
+    virtual std::string failure() const = 0;
 
     sigslot::signal<const SAddDMXInfo&> infoChanged;
-    sigslot::signal<const std::string&> failed; ///< the reason; empty when all is well again
+    sigslot::signal<const std::string&> failed; ///< failure(), also when all is well again
 };
 
 /// The settings of the OSC input.
@@ -126,9 +128,11 @@ public:
     /// Takes the settings over; `failed` tells when the port could not be opened.
     virtual void setInfo(const SAddOSCInfo& info) = 0;
     virtual SAddOSCInfo info() const = 0;
+    /// Why it does not receive although it is enabled; empty when all is well.
+    virtual std::string failure() const = 0;
 
     sigslot::signal<const SAddOSCInfo&> infoChanged;
-    sigslot::signal<const std::string&> failed; ///< the reason; empty when all is well again
+    sigslot::signal<const std::string&> failed; ///< failure(), also when all is well again
 };
 
 } // namespace mivo::peripheralcontrol

@@ -1,5 +1,6 @@
 #include "mivosettingswidgets/netdevicesettingwidget.h"
 
+#include "borrowed.h"
 #include "controls.h"
 #include "mivohostapi/peripherals.h"
 #include "settingpageimpl.h"
@@ -78,7 +79,6 @@ class DeviceSettingWidget::Impl : public SettingPageImpl
 
 public:
     explicit Impl(DeviceSettingWidget* page);
-    ~Impl() override;
 
     void useMidi(MidiPeripheral* midi);
     void useDmx(DmxPeripheral* dmx);
@@ -99,8 +99,16 @@ public slots:
     void setOscData(SAddOSCInfo info) { showValue(m_oscPort, info.port); }
     void setOscEnable(bool on) { showValue(m_useOsc, on); }
     void setOscFailure(const QString& reason) { m_oscFailure->setText(reason); }
-    void onTcpPortChanged();
-    void onUdpPortChanged();
+    void onTcpPortChanged()
+    {
+        submitPort("onTcpPortChanged", {__FILE__, __LINE__, Q_FUNC_INFO}, m_tcp,
+                   &IMivoSettings::setTcpPort);
+    }
+    void onUdpPortChanged()
+    {
+        submitPort("onUdpPortChanged", {__FILE__, __LINE__, Q_FUNC_INFO}, m_udp,
+                   &IMivoSettings::setUdpPort);
+    }
     void onAddDmx();
     void onAddOsc();
 
@@ -108,14 +116,14 @@ protected:
     void initSettings() override;
 
 private:
-    using Connections = std::vector<sigslot::connection>;
-
     void layOut();
     QWidget* layOutMidi();
     QWidget* layOutDmx();
     QWidget* layOutOsc();
     void addTexts();
     void connectRow(PortRow& row, void (Impl::*changed)());
+    void submitPort(const CallSite& site, const QMessageLogger& log, const PortRow& row,
+                    void (IMivoSettings::*set)(const STPortInfo&));
 
     // Store to slot, on the runtime thread.
     void onTcpChanged(const STPortInfo& info) { queue("getTCPPortInfo", info.open, info.port); }
@@ -134,16 +142,23 @@ private:
         queue("setDmxData", info);
         queue("setDmxEnable", info.enabled);
     }
+    void queueDmxFailure(const std::string& reason)
+    {
+        queue("setDmxFailure", QString::fromStdString(reason));
+    }
     void queueOsc(const SAddOSCInfo& info)
     {
         queue("setOscData", info);
         queue("setOscEnable", info.enabled);
     }
+    void queueOscFailure(const std::string& reason)
+    {
+        queue("setOscFailure", QString::fromStdString(reason));
+    }
     void queueDevices(const std::vector<SMIDIDevInfo>& devices);
 
     template <typename Service>
-    bool use(Service*& member, Service* service, Connections& connections, QWidget* section);
-    static void release(Connections& connections);
+    static bool use(Borrowed<Service>& borrowed, Service* service, QWidget* section);
 
     PortRow m_tcp;
     PortRow m_udp;
@@ -170,12 +185,9 @@ private:
     QWidget* m_dmxSection;
     QWidget* m_oscSection;
 
-    MidiPeripheral* m_midi = nullptr;
-    DmxPeripheral* m_dmx = nullptr;
-    OscPeripheral* m_osc = nullptr;
-    Connections m_midiConnections;
-    Connections m_dmxConnections;
-    Connections m_oscConnections;
+    Borrowed<MidiPeripheral> m_midi;
+    Borrowed<DmxPeripheral> m_dmx;
+    Borrowed<OscPeripheral> m_osc;
 };
 
 DeviceSettingWidget::Impl::Impl(DeviceSettingWidget* page)
@@ -211,7 +223,7 @@ DeviceSettingWidget::Impl::Impl(DeviceSettingWidget* page)
     connectRow(m_tcp, &Impl::onTcpPortChanged);
     connectRow(m_udp, &Impl::onUdpPortChanged);
     connect(m_useMidi, &CheckBox::stateChanged, this, [this](int state) {
-        if (m_midi != nullptr) {
+        if (m_midi) {
             m_midi->setEnabled(state == Qt::Checked);
         }
     });
@@ -223,13 +235,6 @@ DeviceSettingWidget::Impl::Impl(DeviceSettingWidget* page)
     follow(&IMivoSettings::udpPortChanged, &Impl::onUdpChanged);
     follow(&IMivoSettings::tcpPortFailed, &Impl::onTcpFailed);
     follow(&IMivoSettings::udpPortFailed, &Impl::onUdpFailed);
-}
-
-DeviceSettingWidget::Impl::~Impl()
-{
-    for (Connections* connections : {&m_midiConnections, &m_dmxConnections, &m_oscConnections}) {
-        release(*connections);
-    }
 }
 
 void DeviceSettingWidget::Impl::connectRow(PortRow& row, void (Impl::*changed)())
@@ -266,7 +271,7 @@ QWidget* section(const char* heading, CheckBox* use, int spacing,
     auto* widget = new QWidget;
     auto* title = new QLabel(QString::fromLatin1(heading));
     title->setObjectName(QStringLiteral("sectionHeading"));
-    use->setMinimumWidth(150);
+    use->setFixedWidth(150);
     auto* column = new QVBoxLayout(widget);
     column->setSpacing(spacing);
     column->setContentsMargins(10, 15, 0, 15);
@@ -396,57 +401,32 @@ void DeviceSettingWidget::Impl::initSettings()
     }
 }
 
-void DeviceSettingWidget::Impl::onTcpPortChanged()
+void DeviceSettingWidget::Impl::submitPort(const CallSite& site, const QMessageLogger& log,
+                                           const PortRow& row,
+                                           void (IMivoSettings::*set)(const STPortInfo&))
 {
     if (sharedSettings == nullptr) {
-        QMessageLogger(__FILE__, __LINE__, Q_FUNC_INFO).warning("_settings is null");
+        log.warning("_settings is null");
         return;
     }
-    submit("onTcpPortChanged", &IMivoSettings::setTcpPort,
-           STPortInfo{m_tcp.wish, static_cast<std::uint16_t>(m_tcp.port->value())});
-}
-
-void DeviceSettingWidget::Impl::onUdpPortChanged()
-{
-    if (sharedSettings == nullptr) {
-        QMessageLogger(__FILE__, __LINE__, Q_FUNC_INFO).warning("_settings is null");
-        return;
-    }
-    submit("onUdpPortChanged", &IMivoSettings::setUdpPort,
-           STPortInfo{m_udp.wish, static_cast<std::uint16_t>(m_udp.port->value())});
+    submit(site, set, STPortInfo{row.wish, static_cast<std::uint16_t>(row.port->value())});
 }
 
 // --- Controllers ---
 
-void DeviceSettingWidget::Impl::release(Connections& connections)
-{
-    for (auto& connection : connections) {
-        connection.disconnect();
-    }
-    connections.clear();
-}
-
 template <typename Service>
-bool DeviceSettingWidget::Impl::use(Service*& member, Service* service, Connections& connections,
-                                    QWidget* section)
+bool DeviceSettingWidget::Impl::use(Borrowed<Service>& borrowed, Service* service, QWidget* section)
 {
-    release(connections);
-    member = service;
+    borrowed.reset(service, [section] { section->setEnabled(false); });
     section->setEnabled(service != nullptr);
-    if (service != nullptr) {
-        connections.push_back(service->gone.connect([this, &member, &connections, section] {
-            use(member, static_cast<Service*>(nullptr), connections, section);
-        }));
-    }
     return service != nullptr;
 }
 
 void DeviceSettingWidget::Impl::useMidi(MidiPeripheral* midi)
 {
-    if (use(m_midi, midi, m_midiConnections, m_midiSection)) {
-        m_midiConnections.push_back(midi->devicesChanged.connect(&Impl::queueDevices, this));
-        m_midiConnections.push_back(
-            midi->enabledChanged.connect([this](bool on) { queue("setMidiEnable", on); }));
+    if (use(m_midi, midi, m_midiSection)) {
+        m_midi.follow(midi->devicesChanged, &Impl::queueDevices, this);
+        m_midi.follow(midi->enabledChanged, [this](bool on) { queue("setMidiEnable", on); });
         queueDevices(midi->devices());
         queue("setMidiEnable", midi->isEnabled());
     }
@@ -472,12 +452,11 @@ void DeviceSettingWidget::Impl::addMIDIDevices(const std::vector<std::string>& n
 
 void DeviceSettingWidget::Impl::useDmx(DmxPeripheral* dmx)
 {
-    if (use(m_dmx, dmx, m_dmxConnections, m_dmxSection)) {
-        m_dmxConnections.push_back(dmx->infoChanged.connect(&Impl::queueDmx, this));
-        m_dmxConnections.push_back(dmx->failed.connect([this](const std::string& reason) {
-            queue("setDmxFailure", QString::fromStdString(reason));
-        }));
+    if (use(m_dmx, dmx, m_dmxSection)) {
+        m_dmx.follow(dmx->infoChanged, &Impl::queueDmx, this);
+        m_dmx.follow(dmx->failed, &Impl::queueDmxFailure, this);
         queueDmx(dmx->info());
+        queueDmxFailure(dmx->failure());
     }
 }
 
@@ -492,7 +471,7 @@ void DeviceSettingWidget::Impl::setDmxData(const SAddDMXInfo& info)
 
 void DeviceSettingWidget::Impl::onAddDmx()
 {
-    if (m_dmx != nullptr) {
+    if (m_dmx) {
         m_dmx->setInfo({m_useDmx->isChecked(), m_nodeName->text().toStdString(),
                         static_cast<int>(m_channel->value()), static_cast<int>(m_subnet->value()),
                         static_cast<int>(m_domain->value())});
@@ -501,18 +480,17 @@ void DeviceSettingWidget::Impl::onAddDmx()
 
 void DeviceSettingWidget::Impl::useOsc(OscPeripheral* osc)
 {
-    if (use(m_osc, osc, m_oscConnections, m_oscSection)) {
-        m_oscConnections.push_back(osc->infoChanged.connect(&Impl::queueOsc, this));
-        m_oscConnections.push_back(osc->failed.connect([this](const std::string& reason) {
-            queue("setOscFailure", QString::fromStdString(reason));
-        }));
+    if (use(m_osc, osc, m_oscSection)) {
+        m_osc.follow(osc->infoChanged, &Impl::queueOsc, this);
+        m_osc.follow(osc->failed, &Impl::queueOscFailure, this);
         queueOsc(osc->info());
+        queueOscFailure(osc->failure());
     }
 }
 
 void DeviceSettingWidget::Impl::onAddOsc()
 {
-    if (m_osc != nullptr) {
+    if (m_osc) {
         m_osc->setInfo({m_useOsc->isChecked(), static_cast<int>(m_oscPort->value())});
     }
 }

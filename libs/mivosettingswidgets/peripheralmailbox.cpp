@@ -24,20 +24,10 @@ void PeripheralMailbox::close()
     m_owner = nullptr;
 }
 
-bool PeripheralMailbox::isOpen()
-{
-    const std::lock_guard lock(m_mutex);
-    return m_owner != nullptr;
-}
-
-bool PeripheralMailbox::isOwnersThread() const
-{
-    return QThread::currentThread() == m_owner->thread();
-}
-
 void PeripheralMailbox::wakeOwner()
 {
-    if (m_messages.size() + m_calls.size() == 1) {
+    if (!m_isWoken && !m_waiting.empty()) {
+        m_isWoken = true;
         QMetaObject::invokeMethod(m_owner, "deliverWaiting", Qt::QueuedConnection);
     }
 }
@@ -48,52 +38,48 @@ void PeripheralMailbox::receive(ControlMessage message)
     if (m_owner == nullptr) {
         return;
     }
-    if (isOwnersThread()) {
+    if (QThread::currentThread() == m_owner->thread()) {
         lock.unlock();
         m_deliver(message);
-    } else if (m_messages.size() == mostWaiting) {
+    } else if (m_waiting.size() == mostWaiting) {
         ++m_dropped;
     } else {
-        m_messages.push_back(std::move(message));
+        m_waiting.push_back(std::move(message));
         wakeOwner();
     }
 }
 
-void PeripheralMailbox::call(std::function<void()> function)
+std::optional<ControlMessage> PeripheralMailbox::takeNext()
 {
-    std::unique_lock lock(m_mutex);
-    if (m_owner == nullptr) {
-        return;
+    const std::lock_guard lock(m_mutex);
+    if (m_owner == nullptr || m_waiting.empty()) {
+        return {};
     }
-    if (isOwnersThread()) {
-        lock.unlock();
-        function();
-    } else {
-        m_calls.push_back(std::move(function));
-        wakeOwner();
-    }
+    ControlMessage next = std::move(m_waiting.front());
+    m_waiting.pop_front();
+    wakeOwner(); // an action may open a dialog: the next ones come in its event loop
+    return next;
 }
 
 void PeripheralMailbox::deliverWaiting()
 {
-    std::vector<ControlMessage> messages;
-    std::vector<std::function<void()>> calls;
+    std::size_t most = 0; // a flood is to leave other events their turn
     std::size_t dropped = 0;
     {
         const std::lock_guard lock(m_mutex);
-        messages.swap(m_messages);
-        calls.swap(m_calls);
+        m_isWoken = false;
+        most = m_waiting.size();
         dropped = std::exchange(m_dropped, 0);
     }
     if (dropped > 0) {
         warn("deliverWaiting", "{} messages of devices were dropped!", dropped);
     }
-    // What is delivered may end the owner.
-    for (auto call = calls.begin(); call != calls.end() && isOpen(); ++call) {
-        (*call)();
-    }
-    for (auto message = messages.begin(); message != messages.end() && isOpen(); ++message) {
-        m_deliver(*message);
+    for (; most > 0; --most) {
+        const auto next = takeNext(); // none when the one before has ended the owner
+        if (!next) {
+            return;
+        }
+        m_deliver(*next);
     }
 }
 

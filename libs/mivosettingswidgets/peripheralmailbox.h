@@ -4,11 +4,12 @@
 
 #include <QtCore/QObject>
 
+#include <deque>
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
-#include <vector>
 
 namespace mivo::settings {
 
@@ -39,8 +40,6 @@ public:
     void close();
 
     void receive(ControlMessage message);
-    /// Has the owner's thread call it.
-    void call(std::function<void()> function);
     /// Calls it at once, on this thread, with the owner kept from ending meanwhile.
     void withOwner(const std::function<void(QObject&)>& function);
 
@@ -48,15 +47,14 @@ public:
     void deliverWaiting();
 
 private:
-    bool isOpen();
-    bool isOwnersThread() const;
     void wakeOwner();
+    std::optional<ControlMessage> takeNext();
 
     std::mutex m_mutex;
     QObject* m_owner; // null once it ends
     const Deliver m_deliver;
-    std::vector<ControlMessage> m_messages; // that wait ...
-    std::vector<std::function<void()>> m_calls;
+    std::deque<ControlMessage> m_waiting;
+    bool m_isWoken = false; // and has not begun to deliver
     std::size_t m_dropped = 0;
 };
 

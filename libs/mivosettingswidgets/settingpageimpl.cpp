@@ -23,7 +23,7 @@ void SettingPageImpl::setSettings(MivoSettings* settings, const CallSite& site)
     sharedSettings = settings;
     callInRuntime(zrRuntime, site.file, site.line, site.function, [this] {
         for (const auto& connectTo : m_followed) {
-            m_connections.push_back(connectTo(*sharedSettings));
+            m_connections.emplace_back(connectTo(*sharedSettings));
         }
     });
     initSettings();
@@ -34,7 +34,8 @@ void SettingPageImpl::unsetSettings(const CallSite& site)
     if (sharedSettings == nullptr) {
         return;
     }
-    callInRuntime(zrRuntime, site.file, site.line, site.function, [this] { disconnectAll(); });
+    callInRuntime(zrRuntime, site.file, site.line, site.function,
+                  [this] { m_connections.clear(); });
 }
 
 void SettingPageImpl::releaseStore()
@@ -44,20 +45,12 @@ void SettingPageImpl::releaseStore()
             unsetSettings();
         } catch (const std::future_error&) { // stopped with the task still queued
         }
-        disconnectAll();
+        m_connections.clear();
     }
     const std::weak_ptr<SettingPageImpl> called = std::exchange(m_self, nullptr);
     while (!called.expired()) {
         std::this_thread::yield();
     }
-}
-
-void SettingPageImpl::disconnectAll()
-{
-    for (auto& connection : m_connections) {
-        connection.disconnect();
-    }
-    m_connections.clear();
 }
 
 void SettingPageImpl::translateLanguage()

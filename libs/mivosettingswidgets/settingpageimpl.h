@@ -227,8 +227,6 @@ private:
         qMetaTypeId<T>();
     }
 
-    void disconnectAll();
-
     struct Text
     {
         QString key;
@@ -238,7 +236,8 @@ private:
 
     std::shared_ptr<SettingPageImpl> m_self{this, [](SettingPageImpl*) {}}; // owns nothing
     std::vector<std::function<sigslot::connection(MivoSettings&)>> m_followed;
-    std::vector<sigslot::connection> m_connections; // runtime thread, while the GUI thread waits
+    std::vector<sigslot::scoped_connection>
+        m_connections; // runtime thread, while the GUI thread waits
     std::vector<Text> m_texts;
     bool m_showFetched = false;
 };

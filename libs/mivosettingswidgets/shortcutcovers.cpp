@@ -1,5 +1,7 @@
 #include "shortcutcovers.h"
 
+#include "shortcuttable.h"
+
 #include <mivowidgets/shortcutcover.h>
 
 #include <algorithm>
@@ -41,19 +43,20 @@ void ShortCutCovers::remove(ShortCutCover* cover)
 ShortCutCover* ShortCutCovers::of(int type, const std::string& path) const
 {
     const bool isOfPath = type == ShortCutOfPath;
+    const std::string name = reportedPath(path);
     const auto& covers = isOfPath ? m_byPath : m_byIndex;
     const auto found = std::find_if(covers.begin(), covers.end(), [&](const ShortCutCover* cover) {
-        return isOfPath ? cover->getPeripheralShortCutPath() == path
+        return isOfPath ? reportedPath(cover->getPeripheralShortCutPath()) == name
                         : cover->getShortCutIndex() == type;
     });
     return found == covers.end() ? nullptr : *found;
 }
 
-std::unordered_map<std::string, ShortCutCover*> ShortCutCovers::byPath() const
+std::unordered_map<std::string, ShortCutCover*> ShortCutCovers::byReportedPath() const
 {
     std::unordered_map<std::string, ShortCutCover*> covers;
     for (ShortCutCover* cover : m_byPath) {
-        covers[cover->getPeripheralShortCutPath()] = cover;
+        covers[reportedPath(cover->getPeripheralShortCutPath())] = cover;
     }
     return covers;
 }
@@ -96,6 +99,7 @@ void ShortCutCovers::takeTexts(STLinkShortCutInfo& table) const
         if (isNew) {
             items.push_back({cover.getShortCutIndex(), cover.getShortCutPath(), shown});
         } else {
+            items[place->second].path = cover.getShortCutPath();
             items[place->second].shortCutStr = shown;
         }
     };
@@ -104,6 +108,13 @@ void ShortCutCovers::takeTexts(STLinkShortCutInfo& table) const
     }
     for (const ShortCutCover* cover : m_byPath) {
         take(byPath, cover->getShortCutPath(), table.pathShortCutList, *cover);
+    }
+    // Of several entries of a type the cover shows the last; nothing could clear the others.
+    auto& items = table.indexShortCutList;
+    for (std::size_t i = items.size(); i-- > 0;) {
+        if (byType[items[i].type] != i && of(items[i].type, {}) != nullptr) {
+            items.erase(items.begin() + static_cast<std::ptrdiff_t>(i));
+        }
     }
 }
 
@@ -114,7 +125,7 @@ void ShortCutCovers::showBindings(EnumPeripheralShortCutType kind,
     Texts texts;
     for (const SDeviceBindInfo& info : bindings) {
         if (info.type == ShortCutOfPath) {
-            texts.byPath[info.oprKey] = &info.keyValue;
+            texts.byPath[reportedPath(info.oprKey)] = &info.keyValue;
         } else {
             texts.byType[info.type] = &info.keyValue;
         }
@@ -123,7 +134,7 @@ void ShortCutCovers::showBindings(EnumPeripheralShortCutType kind,
         cover->updateShortCutCoverKey(
             kind, cover->getShortCutType() == ShortCutModuleIndex
                       ? textOf(texts.byType, static_cast<int>(cover->getShortCutIndex()))
-                      : textOf(texts.byPath, cover->getPeripheralShortCutPath()));
+                      : textOf(texts.byPath, reportedPath(cover->getPeripheralShortCutPath())));
     }
 }
 

@@ -43,12 +43,13 @@ public:
 
     /// Null where there is none.
     Cover* of(int type, const std::string& path) const;
-    /// Those that are found by their paths.
-    std::unordered_map<std::string, Cover*> byPath() const;
+    /// Those that are found by their paths, by them as they are reported.
+    std::unordered_map<std::string, Cover*> byReportedPath() const;
 
     /// Has every cover show the keys of its entry, or none.
     void pushTexts(const STLinkShortCutInfo& table) const;
-    /// Has the table hold the keys that covers show, as new entries where there are none.
+    /// Has the table hold the keys that covers show under the covers' paths, as new entries where
+    /// there are none.
     void takeTexts(STLinkShortCutInfo& table) const;
 
     /// Has the covers show which controls of that kind of device are bound to them, or none.

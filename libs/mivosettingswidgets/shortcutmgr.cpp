@@ -1,5 +1,6 @@
 #include "mivosettingswidgets/shortcutmgr.h"
 
+#include "borrowed.h"
 #include "mivohostapi/peripherals.h"
 #include "peripheralmailbox.h"
 #include "shortcutcovers.h"
@@ -12,14 +13,13 @@
 #include <mivowidgets/shortcutcover.h>
 #include <mivowidgets/tipdialog.h>
 
-#include <QtCore/QFile>
+#include <QtCore/QPointer>
 #include <QtWidgets/QApplication>
 
 #include <algorithm>
 #include <array>
 #include <filesystem>
 #include <fstream>
-#include <map>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -48,13 +48,20 @@ struct PendingBinding
     std::string keyValue;
 };
 
+/// As which a service knows an action. That of a path is told as it is reported, so that the host
+/// gets one name for it from all; to OSC the path is the address.
+std::string nameFor(EnumPeripheralShortCutType kind, int type, const std::string& path)
+{
+    return type == ShortCutOfPath && kind != PeripheralOsc ? reportedPath(path) : path;
+}
+
 bool matches(const STShortCutItem& item, EnumShortCutType type, const std::string& path)
 {
     return item.type == type && item.path == path;
 }
 
-/// The content of a file, or nothing where there is none that can be opened.
-std::string contentOf(const std::filesystem::path& path)
+/// The content of a file, or none where there is no file that can be opened.
+std::optional<std::string> contentOf(const std::filesystem::path& path)
 {
     std::ifstream file(path, std::ios::binary);
     if (!file) {
@@ -99,9 +106,9 @@ public:
     {}
     ~Impl() override;
 
-    MidiPeripheral* midi = nullptr;
-    OscPeripheral* osc = nullptr;
-    DmxPeripheral* dmx = nullptr;
+    Borrowed<MidiPeripheral> midi;
+    Borrowed<OscPeripheral> osc;
+    Borrowed<DmxPeripheral> dmx;
     STLinkShortCutInfo table;
     ShortCutCovers covers;
     EnumPeripheralShortCutType currentKind = PeripheralKeyboard;
@@ -113,7 +120,8 @@ public:
 
     void load();
     void save();
-    void clearKeys();
+    enum class Write { no, yes };
+    void clearKeys(Write write);
     void clearPeripheral(EnumPeripheralShortCutType kind);
     void rebind(EnumPeripheralShortCutType kind, const SDeviceBindInfo& info);
     void showPendingTexts() const;
@@ -127,11 +135,7 @@ public:
 
     Peripheral* service(EnumPeripheralShortCutType kind) const;
     template <typename Service>
-    bool use(Service*& member, Service* service, EnumPeripheralShortCutType kind);
-    void keep(EnumPeripheralShortCutType kind, sigslot::connection connection)
-    {
-        m_connections[kind].push_back(std::move(connection));
-    }
+    bool use(Borrowed<Service>& borrowed, Service* service, EnumPeripheralShortCutType kind);
 
 public slots:
     void addShortCutsItem(EnumShortCutType type, const std::string& path,
@@ -164,23 +168,25 @@ private slots:
 
 private:
     bool removeItem(EnumShortCutType type, const std::string& path, ShortCutModuleType module);
-    bool confirmMove() const;
+    static bool confirmMove();
+    void learnNext(const ShortCutCover* cover);
+    template <typename Predicate>
+    void dropPending(Predicate isDropped)
+    {
+        pendingBindings.erase(
+            std::remove_if(pendingBindings.begin(), pendingBindings.end(), isDropped),
+            pendingBindings.end());
+    }
     void emitMessage(const ControlMessage& message);
 
     ShortCutMgr* m_manager;
     bool m_fileIsUnreadable = false;
     std::optional<EnumPeripheralShortCutType> m_opened; // for which kind the covers are open
-    std::map<EnumPeripheralShortCutType, std::vector<sigslot::connection>> m_connections;
 };
 
 ShortCutMgr::Impl::~Impl()
 {
     mailbox->close();
-    for (auto& [kind, connections] : m_connections) {
-        for (auto& connection : connections) {
-            connection.disconnect();
-        }
-    }
 }
 
 // --- The file ---
@@ -194,10 +200,11 @@ void ShortCutMgr::Impl::load()
     try {
         const auto path = shortCutFile();
         m_fileIsUnreadable = std::filesystem::exists(path);
-        if (!std::ifstream(path, std::ios::binary)) {
+        const auto content = contentOf(path);
+        if (!content) {
             return; // a first run
         }
-        table.shortCutInfoList = parseShortCuts(contentOf(path));
+        table.shortCutInfoList = parseShortCuts(*content);
         m_fileIsUnreadable = false;
     } catch (const std::filesystem::filesystem_error& error) {
         logAt(spdlog::level::err, site, "filesystem_error error msg: {}", error.what());
@@ -285,7 +292,7 @@ void ShortCutMgr::Impl::delShortCutsItem(EnumShortCutType type, const std::strin
     }
 }
 
-bool ShortCutMgr::Impl::confirmMove() const
+bool ShortCutMgr::Impl::confirmMove()
 {
     return TipDialog::ask(QApplication::activeWindow(), TipDialog::question,
                           text(QStringLiteral("ConfirmCoverExistShortCut")),
@@ -313,8 +320,10 @@ bool ShortCutMgr::Impl::existShortCutsItem(EnumShortCutType type, const std::str
     if (matches(*holder, type, path)) {
         return true;
     }
-    STShortCutItem old = *holder; // the table may change while the question is open
-    if (!confirmMove()) {
+    const STShortCutItem old = *holder; // the table may change while the question is open ...
+    const QPointer<Impl> self(this);    // ... and this or the cover that asks may go
+    const bool isConfirmed = confirmMove();
+    if (!self || !isConfirmed || covers.of(type, path) == nullptr) {
         return true;
     }
     removeItem(old.type, old.path,
@@ -337,11 +346,13 @@ bool ShortCutMgr::Impl::systemShortCutRepeat(const QString& text)
     return true;
 }
 
-void ShortCutMgr::Impl::clearKeys()
+void ShortCutMgr::Impl::clearKeys(Write write)
 {
     const auto before = std::exchange(table, {}).shortCutInfoList;
     covers.forEach([](ShortCutCover& cover) { cover.shortCutStrChanged(QString()); });
-    save();
+    if (write == Write::yes) {
+        save();
+    }
     for (const STShortCutItem& item : before) {
         emit m_manager->signalShortCutStrChanged(item.type, item.path, std::string());
     }
@@ -427,46 +438,40 @@ Peripheral* ShortCutMgr::Impl::service(EnumPeripheralShortCutType kind) const
 {
     switch (kind) {
     case PeripheralMidi:
-        return midi;
+        return midi.get();
     case PeripheralDmx:
-        return dmx;
+        return dmx.get();
     case PeripheralOsc:
-        return osc;
+        return osc.get();
     default:
         return nullptr;
     }
 }
 
 template <typename Service>
-bool ShortCutMgr::Impl::use(Service*& member, Service* service, EnumPeripheralShortCutType kind)
+bool ShortCutMgr::Impl::use(Borrowed<Service>& borrowed, Service* service,
+                            EnumPeripheralShortCutType kind)
 {
     if (service == nullptr) {
         return false;
     }
-    for (auto& connection : m_connections[kind]) {
-        connection.disconnect();
-    }
-    m_connections[kind].clear();
-    member = service;
-    const auto mailbox = this->mailbox;
-    keep(kind, service->controlMessage.connect(
-                   [mailbox, kind](int action, const std::string& path, const std::string& value) {
-                       mailbox->receive({kind, action, path, value});
-                   }));
-    keep(kind, service->gone.connect([this, kind, &member] {
-        member = nullptr;
-        m_connections.erase(kind);
-    }));
+    borrowed.reset(service);
+    // On any thread, also while this ends.
+    borrowed.follow(
+        service->controlMessage,
+        [mailbox = mailbox, kind](int action, const std::string& path, const std::string& value) {
+            mailbox->receive({kind, action, path, value});
+        });
     if (kind != PeripheralOsc) {
-        keep(kind, service->bindResult.connect([mailbox, kind](const SDeviceBindInfo& info,
-                                                               bool isBound) {
+        borrowed.follow(service->bindResult, [mailbox = mailbox, kind](const SDeviceBindInfo& info,
+                                                                       bool isBound) {
             mailbox->withOwner([&](QObject& impl) {
                 QMetaObject::invokeMethod(&impl, "reripheralBind", Qt::QueuedConnection,
                                           Q_ARG(int, info.type), Q_ARG(std::string, info.oprKey),
                                           Q_ARG(std::string, info.keyValue), Q_ARG(bool, isBound),
                                           Q_ARG(EnumPeripheralShortCutType, kind));
             });
-        }));
+        });
     }
     showBindings(kind, covers.all());
     return true;
@@ -484,10 +489,11 @@ void ShortCutMgr::Impl::emitMessage(const ControlMessage& message)
 {
     const bool isRewritten =
         message.kind == PeripheralOsc && message.action == ShortCutOfPath && !message.path.empty();
-    emit m_manager->signalPeripheralsControl(
+    const QPointer<ShortCutMgr> manager(m_manager); // what the message leads to may end it
+    emit manager->signalPeripheralsControl(
         message.action, isRewritten ? reportedPath(message.path) : message.path, message.value);
-    if (message.kind != PeripheralMidi) {
-        emit m_manager->signalUpdateDeviceStatus(message.kind, true);
+    if (manager && message.kind != PeripheralMidi) {
+        emit manager->signalUpdateDeviceStatus(message.kind, true);
     }
 }
 
@@ -496,7 +502,14 @@ void ShortCutMgr::Impl::setPeripheralBind(int index, const std::string& strOprke
     // Asked for by a cover, of the kind for which the covers are open.
     currentPath = strOprkey;
     if (Peripheral* asked = service(currentKind)) {
-        asked->learn(index, strOprkey);
+        asked->learn(index, nameFor(currentKind, index, strOprkey));
+    }
+}
+
+void ShortCutMgr::Impl::learnNext(const ShortCutCover* cover)
+{
+    if (cover != nullptr && cover->hasFocus() && m_opened == currentKind) {
+        setPeripheralBind(cover->getShortCutIndex(), cover->getPeripheralShortCutPath());
     }
 }
 
@@ -506,13 +519,11 @@ void ShortCutMgr::Impl::delPeripheralBind(int index, const std::string& strOprke
     if (asked == nullptr) {
         return;
     }
-    asked->unbind(index, strOprkey);
-    pendingBindings.erase(std::remove_if(pendingBindings.begin(), pendingBindings.end(),
-                                         [&](const PendingBinding& pending) {
-                                             return pending.kind == currentKind
-                                                    && pending.oprKey == strOprkey;
-                                         }),
-                          pendingBindings.end());
+    const std::string name = nameFor(currentKind, index, strOprkey);
+    asked->unbind(index, name);
+    dropPending([&](const PendingBinding& pending) {
+        return pending.kind == currentKind && pending.oprKey == name;
+    });
     if (ShortCutCover* cover = covers.of(index, strOprkey)) {
         showBindings(currentKind, {cover}); // a service may have bindings that cannot be cleared
     }
@@ -523,7 +534,8 @@ void ShortCutMgr::Impl::delPeripheralBind(int index, const std::string& strOprke
 void ShortCutMgr::Impl::addPeripheralBind(const SDeviceBindInfo& bindDesc)
 {
     if (Peripheral* asked = service(currentKind)) {
-        asked->bind(bindDesc);
+        asked->bind({bindDesc.type, nameFor(currentKind, bindDesc.type, bindDesc.oprKey),
+                     bindDesc.keyValue});
     }
 }
 
@@ -552,17 +564,21 @@ void ShortCutMgr::Impl::reripheralBind(int nOprKey, std::string strOprKey, std::
         if (cover != nullptr) {
             cover->updateShortCutCoverKey(enType, key);
         }
-        emit m_manager->signalUpdateClearPeripheralsState(enType, true);
         if (nOprKey == ShortCutOfPath && enType != PeripheralOsc) {
-            pendingBindings.push_back({enType, ShortCutOfPath, strOprKey, strKeyValue});
+            pendingBindings.push_back(
+                {enType, ShortCutOfPath, reportedPath(strOprKey), strKeyValue});
         }
+        learnNext(cover);
+        emit m_manager->signalUpdateClearPeripheralsState(enType, true);
         return;
     }
     currentPath = strOprKey;
     if (cover != nullptr && cover->keyText(enType) == key) {
+        learnNext(cover);
         return; // it holds the key itself
     }
-    if (confirmMove()) {
+    const QPointer<Impl> self(this); // it may end while the question is open
+    if (confirmMove() && self) {
         rebind(enType, {nOprKey, std::move(strOprKey), std::move(strKeyValue)});
     }
 }
@@ -570,9 +586,10 @@ void ShortCutMgr::Impl::reripheralBind(int nOprKey, std::string strOprKey, std::
 void ShortCutMgr::Impl::rebind(EnumPeripheralShortCutType kind, const SDeviceBindInfo& info)
 {
     const QString key = QString::fromStdString(info.keyValue);
+    const std::string name = nameFor(kind, info.type, info.oprKey);
     if (kind == PeripheralMidi || kind == PeripheralDmx) {
         if (Peripheral* asked = service(kind)) {
-            asked->bind(info);
+            asked->bind({info.type, name, info.keyValue});
         }
     }
     covers.forEach([&](ShortCutCover& cover) {
@@ -583,15 +600,12 @@ void ShortCutMgr::Impl::rebind(EnumPeripheralShortCutType kind, const SDeviceBin
     if (ShortCutCover* cover = covers.of(info.type, info.oprKey)) {
         cover->updateShortCutCoverKey(kind, key);
     }
-    pendingBindings.erase(std::remove_if(pendingBindings.begin(), pendingBindings.end(),
-                                         [&](const PendingBinding& pending) {
-                                             return pending.kind == kind
-                                                    && (pending.keyValue == info.keyValue
-                                                        || pending.oprKey == info.oprKey);
-                                         }),
-                          pendingBindings.end());
+    dropPending([&](const PendingBinding& pending) {
+        return pending.kind == kind
+               && (pending.keyValue == info.keyValue || pending.oprKey == name);
+    });
     if (info.type == ShortCutOfPath && kind != PeripheralOsc) {
-        pendingBindings.push_back({kind, ShortCutOfPath, info.oprKey, info.keyValue});
+        pendingBindings.push_back({kind, ShortCutOfPath, name, info.keyValue});
     }
     emit m_manager->signalUpdateClearPeripheralsState(kind, hasPeripheralBinded(kind));
 }
@@ -605,17 +619,14 @@ void ShortCutMgr::Impl::clearPeripheral(EnumPeripheralShortCutType kind)
     for (const SDeviceBindInfo& info : asked->bindings()) {
         asked->unbind(info.type, info.oprKey);
     }
-    pendingBindings.erase(
-        std::remove_if(pendingBindings.begin(), pendingBindings.end(),
-                       [kind](const PendingBinding& pending) { return pending.kind == kind; }),
-        pendingBindings.end());
+    dropPending([kind](const PendingBinding& pending) { return pending.kind == kind; });
     showBindings(kind, covers.all());
     emit m_manager->signalUpdateClearPeripheralsState(kind, hasPeripheralBinded(kind));
 }
 
 void ShortCutMgr::Impl::showPendingTexts() const
 {
-    const auto byPath = covers.byPath();
+    const auto byPath = covers.byReportedPath();
     for (const PendingBinding& pending : pendingBindings) {
         const auto cover = byPath.find(pending.oprKey);
         if (cover != byPath.end() && pending.kind != PeripheralOsc) {
@@ -653,7 +664,8 @@ STLinkShortCutInfo ShortCutMgr::linkShortCutInfo() const
 void ShortCutMgr::shortCutInfoSave(const STLinkShortCutInfo& info)
 {
     STLinkShortCutInfo wanted = info; // it may be what linkShortCutInfo() is made of
-    slotClearShortCut(true, PeripheralKeyboard);
+    // As slotClearShortCut() does, but the file has no moment without keys.
+    m_impl->clearKeys(Impl::Write::no);
     m_impl->table = std::move(wanted);
     m_impl->save();
     m_impl->load();
@@ -707,13 +719,9 @@ void ShortCutMgr::updatePeripheralKeyName() const
 void ShortCutMgr::setMidiMgr(MidiPeripheral* midi)
 {
     if (m_impl->use(m_impl->midi, midi, PeripheralMidi)) {
-        m_impl->keep(PeripheralMidi,
-                     midi->devicesChanged.connect([this, mailbox = m_impl->mailbox](
-                                                      const std::vector<SMIDIDevInfo>& devices) {
-                         mailbox->call([this, online = !devices.empty()] {
-                             emit signalUpdateDeviceStatus(PeripheralMidi, online);
-                         });
-                     }));
+        m_impl->midi.follow(midi->devicesChanged, [this](const std::vector<SMIDIDevInfo>& devices) {
+            emit signalUpdateDeviceStatus(PeripheralMidi, !devices.empty());
+        });
     }
 }
 
@@ -724,15 +732,12 @@ void ShortCutMgr::setDmxMgr(DmxPeripheral* dmx)
 
 void ShortCutMgr::setOscMgr(OscPeripheral* osc)
 {
-    const auto report =
-        [this, mailbox = m_impl->mailbox](const mivo::peripheralcontrol::SAddOSCInfo& info) {
-            mailbox->call([this, port = info.port] {
-                emit signalUpdateOscUrl("osc.udp://" + QSysInfo::machineHostName().toStdString()
-                                        + ':' + std::to_string(port) + '/');
-            });
-        };
+    const auto report = [this](const mivo::peripheralcontrol::SAddOSCInfo& info) {
+        emit signalUpdateOscUrl("osc.udp://" + QSysInfo::machineHostName().toStdString() + ':'
+                                + std::to_string(info.port) + '/');
+    };
     if (m_impl->use(m_impl->osc, osc, PeripheralOsc)) {
-        m_impl->keep(PeripheralOsc, osc->infoChanged.connect(report));
+        m_impl->osc.follow(osc->infoChanged, report);
         report(osc->info());
     }
 }
@@ -753,7 +758,7 @@ void ShortCutMgr::slotClearShortCut(bool clear, EnumPeripheralShortCutType kind)
         return;
     }
     if (kind == PeripheralKeyboard) {
-        m_impl->clearKeys();
+        m_impl->clearKeys(Impl::Write::yes);
     } else {
         m_impl->clearPeripheral(kind);
     }

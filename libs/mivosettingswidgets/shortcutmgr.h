@@ -21,8 +21,9 @@ class ShortCutCover;
 namespace mivo::settings {
 
 /// Every shortcut of the application: keys, kept in the shortcut file, and controls of devices,
-/// kept by the services of their kind. GUI thread; the services' signals may come from any thread,
-/// and what the manager emits for them comes from the GUI thread.
+/// kept by the services of their kind. GUI thread; what the services say on other threads comes
+/// from the manager on the GUI thread. A slot of a control's message, and what runs while a
+/// question of the manager is open, may end the manager.
 class MIVOSETTINGSWIDGETS_EXPORT ShortCutMgr : public QObject
 {
     Q_OBJECT
@@ -45,7 +46,7 @@ public:
 
     /// Has every cover show its entry's text.
     void setAllShortCutStr();
-    /// Has the table hold what the covers show.
+    /// Has the table hold what the covers show, under their paths.
     void setProgramShortCutInfo();
 
     /// Covers are borrowed; one that is destroyed is forgotten by itself.

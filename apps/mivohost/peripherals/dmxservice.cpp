@@ -1,5 +1,7 @@
 #include "peripherals/dmxservice.h"
 
+#include "qvspdlog/spdlogapplication.h"
+
 #include <QtNetwork/QNetworkInterface>
 
 #include <algorithm>
@@ -63,17 +65,17 @@ void DmxService::setInfo(const SAddDMXInfo& info)
     m_socket.close();
     m_senders.clear();
     m_levels = {};
-    std::string error;
+    const std::string before = std::exchange(m_failure, {});
     if (m_info.enabled
         && !m_socket.bind(QHostAddress::AnyIPv4, m_port,
                           QUdpSocket::ShareAddress | QUdpSocket::ReuseAddressHint)) {
-        error = "UDP port " + std::to_string(m_port) + ": " + m_socket.errorString().toStdString();
+        m_failure = fmt::format("UDP {}: {}", m_port, m_socket.errorString().toStdString());
         m_socket.close();
+        QV::SpdlogApplication::instance().logger()->warn("no DMX: {}", m_failure);
     }
     infoChanged(m_info);
-    if (!error.empty() || m_hasFailed) {
-        m_hasFailed = !error.empty();
-        failed(error);
+    if (!m_failure.empty() || !before.empty()) {
+        failed(m_failure);
     }
 }
 

@@ -34,6 +34,7 @@ public:
     /// opened there is no input; the settings stay, and giving them again is another try.
     void setInfo(const mivo::peripheralcontrol::SAddDMXInfo& info) override;
     mivo::peripheralcontrol::SAddDMXInfo info() const override { return m_info; }
+    std::string failure() const override { return m_failure; }
 
     /// Datagrams that came and were neither levels for this input nor a poll that was answered.
     std::size_t ignored() const { return m_ignored; }
@@ -53,7 +54,7 @@ private:
 
     const std::uint16_t m_port;
     mivo::peripheralcontrol::SAddDMXInfo m_info;
-    bool m_hasFailed = false;
+    std::string m_failure;
     std::size_t m_ignored = 0;
     std::vector<Sender> m_senders;
     Levels m_levels{}; // the highest of all senders

@@ -87,25 +87,33 @@ private:
     RtMidiIn m_watcher;
 };
 
+struct MidiService::Place
+{
+    RtMidi::Api api;
+    unsigned number;
+};
+
 class MidiService::Input
 {
 public:
-    Input(MidiService& service, RtMidi::Api api, unsigned place, std::string deviceName)
-        : device(std::move(deviceName)), m_service(service), m_midi(api, service.m_clientName)
+    /// Throws RtMidiError when it cannot be opened.
+    Input(MidiService& service, const Place& place, std::string portId, std::string deviceName)
+        : id(std::move(portId)), device(std::move(deviceName)), m_service(service),
+          m_midi(place.api, service.m_clientName)
     {
+        m_midi.setCallback([](double /*seconds*/, std::vector<unsigned char>* bytes,
+                              void* input) { static_cast<Input*>(input)->receive(*bytes); },
+                           this);
+        m_midi.openPort(place.number, device);
         m_midi.setErrorCallback(
             [](RtMidiError::Type /*type*/, const std::string& reason, void* input) {
                 warn("MIDI input {}: {}", static_cast<Input*>(input)->device, reason);
             },
             this);
-        m_midi.setCallback([](double /*seconds*/, std::vector<unsigned char>* bytes,
-                              void* input) { static_cast<Input*>(input)->receive(*bytes); },
-                           this);
-        m_midi.openPort(place, device);
     }
 
+    const std::string id;
     const std::string device;
-    bool isOpen() const { return m_midi.isPortOpen(); }
 
 private:
     /// On the device's thread.
@@ -176,6 +184,7 @@ void MidiService::stop()
     m_timer.stop();
     m_inputs.clear();
     m_backEnds.clear();
+    m_unopened.clear();
     m_names.update({});
     if (!m_devices.empty()) {
         m_devices.clear();
@@ -185,11 +194,6 @@ void MidiService::stop()
 
 void MidiService::look()
 {
-    struct Place
-    {
-        RtMidi::Api api;
-        unsigned number;
-    };
     std::vector<ListedDevice> ports;
     std::vector<Place> places;
     for (auto& backEnd : m_backEnds) {
@@ -206,19 +210,29 @@ void MidiService::look()
     }
     m_backEnds.erase(std::remove(m_backEnds.begin(), m_backEnds.end(), nullptr), m_backEnds.end());
 
-    const auto names = m_names.update(ports);
+    // Of twins nothing tells which one came or went: all of them are opened again.
+    std::map<std::string, std::size_t> count;
+    for (const ListedDevice& port : ports) {
+        ++count[port.id];
+    }
     auto before = std::exchange(m_inputs, {});
+    before.erase(std::remove_if(
+                     before.begin(), before.end(),
+                     [&](const auto& input) { return count[input->id] != m_portsOfId[input->id]; }),
+                 before.end());
+    m_portsOfId = std::move(count);
+
+    const auto names = m_names.update(ports);
     std::vector<SMIDIDevInfo> devices;
     for (std::size_t i = 0; i < names.size(); ++i) {
         const auto open =
             std::find_if(before.begin(), before.end(), [&names, i](const auto& input) {
                 return input != nullptr && input->device == names[i];
             });
-        m_inputs.push_back(
-            open != before.end()
-                ? std::move(*open)
-                : std::make_unique<Input>(*this, places[i].api, places[i].number, names[i]));
-        if (m_inputs.back()->isOpen()) {
+        auto input =
+            open != before.end() ? std::move(*open) : opened(places[i], ports[i], names[i]);
+        if (input != nullptr) {
+            m_inputs.push_back(std::move(input));
             devices.push_back({names[i]});
         }
     }
@@ -226,6 +240,21 @@ void MidiService::look()
     if (devices != m_devices) {
         m_devices = std::move(devices);
         devicesChanged(m_devices);
+    }
+}
+
+std::unique_ptr<MidiService::Input>
+MidiService::opened(const Place& place, const ListedDevice& port, const std::string& name)
+{
+    try {
+        auto input = std::make_unique<Input>(*this, place, port.id, name);
+        m_unopened.erase(name);
+        return input;
+    } catch (const RtMidiError& error) {
+        if (m_unopened.insert(name).second) {
+            warn("MIDI input {} cannot be opened: {}", name, error.what());
+        }
+        return nullptr;
     }
 }
 

@@ -6,7 +6,9 @@
 #include <QtCore/QTimer>
 
 #include <functional>
+#include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -20,9 +22,9 @@ ListedDevice windowsMidiInput(const std::string& listed, unsigned place);
 /// Every MIDI input of the machine. GUI thread; controlMessage and bindResult are emitted on the
 /// device's thread, the other signals on the GUI thread.
 ///
-/// While enabled, all inputs are open, and one that comes or goes is noticed within two seconds. A
-/// back end that is not there is logged once and counts as having no devices, until the service is
-/// enabled again.
+/// While enabled, all inputs are open, and one that comes or goes is noticed within two seconds.
+/// One that cannot be opened is logged once, and tried again all the time. A back end that is not
+/// there is logged once and counts as having no devices, until the service is enabled again.
 class MidiService : public BoundPeripheral<mivo::peripheralcontrol::MidiPeripheral>
 {
 public:
@@ -39,10 +41,14 @@ public:
 private:
     class BackEnd;
     class Input;
+    struct Place;
 
     void start();
     void stop();
     void look();
+    /// Null, and the reason once in the log, when it cannot be opened.
+    std::unique_ptr<Input> opened(const Place& place, const ListedDevice& port,
+                                  const std::string& name);
 
     const std::string m_clientName;
     bool m_enabled = false;
@@ -50,6 +56,8 @@ private:
     DeviceNames m_names;
     std::vector<std::unique_ptr<BackEnd>> m_backEnds;
     std::vector<std::unique_ptr<Input>> m_inputs;
+    std::set<std::string> m_unopened; // the names of those that could not be opened
+    std::map<std::string, std::size_t> m_portsOfId;
     std::vector<mivo::peripheralcontrol::SMIDIDevInfo> m_devices;
 };
 

@@ -1,6 +1,7 @@
 #include "peripherals/oscservice.h"
 
 #include "mivosettingswidgets/shortcuttable.h"
+#include "qvspdlog/spdlogapplication.h"
 
 #include <lo/lo.h>
 #include <lo/lo_throw.h>
@@ -12,6 +13,8 @@
 #include <algorithm>
 #include <optional>
 #include <string_view>
+#include <system_error>
+#include <utility>
 
 namespace mivohost {
 
@@ -141,7 +144,7 @@ void OscService::setInfo(const SAddOSCInfo& info)
     m_info = info;
     m_info.port = std::clamp(info.port, 1, 65535);
     m_server.reset();
-    std::string error;
+    const std::string before = std::exchange(m_failure, {});
     if (m_info.enabled) {
         openingError.clear();
         const std::string port = std::to_string(m_info.port);
@@ -159,18 +162,19 @@ void OscService::setInfo(const SAddOSCInfo& info)
                     return 0; // handled, whatever it was
                 },
                 this);
-            if (lo_server_thread_start(opened) < 0) {
+            if (const int error = lo_server_thread_start(opened); error < 0) {
                 m_server.reset();
-                error = "no thread for OSC";
+                openingError = std::generic_category().message(-error);
             }
-        } else {
-            error = fmt::format("UDP port {}: {}", port, openingError);
+        }
+        if (!m_server) {
+            m_failure = fmt::format("UDP {}: {}", port, openingError);
+            QV::SpdlogApplication::instance().logger()->warn("no OSC: {}", m_failure);
         }
     }
     infoChanged(m_info);
-    if (!error.empty() || m_hasFailed) {
-        m_hasFailed = !error.empty();
-        failed(error);
+    if (!m_failure.empty() || !before.empty()) {
+        failed(m_failure);
     }
 }
 

@@ -43,6 +43,7 @@ public:
     /// there is no server; the settings stay, and giving them again is another try.
     void setInfo(const mivo::peripheralcontrol::SAddOSCInfo& info) override;
     mivo::peripheralcontrol::SAddOSCInfo info() const override { return m_info; }
+    std::string failure() const override { return m_failure; }
 
     /// Messages that came and were no action. Any thread.
     std::size_t ignored() const { return m_ignored; }
@@ -55,7 +56,7 @@ private:
 
     const std::unordered_map<std::string, int> m_actions; // types by path
     mivo::peripheralcontrol::SAddOSCInfo m_info;
-    bool m_hasFailed = false;
+    std::string m_failure;
     std::atomic<bool> m_locked{false};
     std::atomic<std::size_t> m_ignored{0};
     std::unique_ptr<Server> m_server; // the last one: its thread uses the others

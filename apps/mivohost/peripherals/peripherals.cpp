@@ -1,8 +1,7 @@
 #include "peripherals/peripherals.h"
 
-#include "mivohostapi/izrruntime.h"
 #include "mivosettingswidgets/shortcutmgr.h"
-#include "mivosettingswidgets/storeaccess.h"
+#include "runtime/runtimethread.h"
 #include "store/settingsstore.h"
 
 namespace mivohost {
@@ -29,7 +28,7 @@ namespace {
 
 /// A function that has the store keep a value, from any thread.
 template <typename Value>
-auto writing(IZRRuntime& runtime, SettingsStore& store, void (SettingsStore::*set)(Value))
+auto writing(RuntimeThread& runtime, SettingsStore& store, void (SettingsStore::*set)(Value))
 {
     return [&runtime, &store, set](const std::decay_t<Value>& value) {
         runtime.post([&store, set, value] { (store.*set)(value); }, __FILE__, __LINE__,
@@ -39,13 +38,11 @@ auto writing(IZRRuntime& runtime, SettingsStore& store, void (SettingsStore::*se
 
 } // namespace
 
-Peripherals::Peripherals(IZRRuntime& runtime, SettingsStore& store)
-    : Peripherals(runtime, store,
-                  mivo::settings::callInRuntime(&runtime, __FILE__, __LINE__, "Peripherals",
-                                                [&store] { return Kept::of(store); }))
+Peripherals::Peripherals(RuntimeThread& runtime, SettingsStore& store)
+    : Peripherals(runtime, store, runtime.call([&store] { return Kept::of(store); }))
 {}
 
-Peripherals::Peripherals(IZRRuntime& runtime, SettingsStore& store, const Kept& kept)
+Peripherals::Peripherals(RuntimeThread& runtime, SettingsStore& store, const Kept& kept)
     : m_midi({MidiService::isControl, kept.midiBindings,
               writing(runtime, store, &SettingsStore::setMidiBindings)}),
       m_dmx({DmxService::isControl, kept.dmxBindings,

@@ -4,14 +4,13 @@
 #include "peripherals/midiservice.h"
 #include "peripherals/oscservice.h"
 
-class IZRRuntime;
-
 namespace mivo::settings {
 class ShortCutMgr;
 }
 
 namespace mivohost {
 
+class RuntimeThread;
 class SettingsStore;
 
 /// The host's services for controllers, with the settings and bindings that the store keeps. GUI
@@ -21,7 +20,7 @@ class Peripherals
 {
 public:
     /// Reads the store and opens what is enabled. What changes from now on is written to the store.
-    Peripherals(IZRRuntime& runtime, SettingsStore& store);
+    Peripherals(RuntimeThread& runtime, SettingsStore& store);
 
     /// The manager must go first, or is told by the services that they go.
     void giveTo(mivo::settings::ShortCutMgr& manager);
@@ -33,7 +32,7 @@ public:
 private:
     struct Kept;
 
-    Peripherals(IZRRuntime& runtime, SettingsStore& store, const Kept& kept);
+    Peripherals(RuntimeThread& runtime, SettingsStore& store, const Kept& kept);
 
     MidiService m_midi;
     OscService m_osc;

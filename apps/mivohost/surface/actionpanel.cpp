@@ -1,6 +1,7 @@
 #include "surface/actionpanel.h"
 
 #include "peripherals/peripherals.h"
+#include "surface/askforfile.h"
 #include "surface/hosttext.h"
 
 #include "qvspdlog/spdlogapplication.h"
@@ -8,6 +9,7 @@
 #include <mivosettingswidgets/shortcutfile.h>
 #include <mivosettingswidgets/shortcuttable.h>
 #include <mivowidgets/shortcutcover.h>
+#include <mivowidgets/tipdialog.h>
 #include <zrcutils/nocachefile.h>
 
 #include <fmt/format.h>
@@ -16,10 +18,8 @@
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtWidgets/QComboBox>
-#include <QtWidgets/QFileDialog>
 #include <QtWidgets/QGridLayout>
 #include <QtWidgets/QLabel>
-#include <QtWidgets/QMessageBox>
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QScrollArea>
 #include <QtWidgets/QStyle>
@@ -34,6 +34,7 @@ using mivo::peripheralcontrol::SDeviceBindInfo;
 using mivo::settings::peripheralActions;
 using mivo::settings::peripheralPrefix;
 using mivo::widgets::ShortCutCover;
+using mivo::widgets::TipDialog;
 
 namespace {
 
@@ -63,6 +64,20 @@ std::string groupOf(std::string_view path)
 QString textOf(const std::string& key)
 {
     return hostText(QString::fromStdString(key));
+}
+
+/// A key sequence as it is when it is pressed, whatever the order of its names; empty when it is
+/// none, or the application's own.
+std::string bindableKeys(const std::string& text)
+{
+    const QKeySequence sequence = mivo::widgets::keySequenceOf(QString::fromStdString(text));
+    if (sequence.isEmpty()) {
+        return {};
+    }
+    constexpr int modifiers = static_cast<int>(Qt::KeyboardModifierMask);
+    const QString keys = mivo::widgets::keySequenceText(
+        sequence[0] & ~modifiers, Qt::KeyboardModifiers(sequence[0] & modifiers));
+    return mivo::settings::isReservedKeySequence(keys) ? std::string() : keys.toStdString();
 }
 
 /// A property that the style sheet knows.
@@ -215,6 +230,9 @@ void ActionPanel::addConnections()
             showHint();
         }
     });
+    const auto show = [this](const auto& /*state*/) { this->showHint(); };
+    m_connections.emplace_back(m_peripherals.midi().enabledChanged.connect(show));
+    m_connections.emplace_back(m_peripherals.dmx().infoChanged.connect(show));
     connect(&m_manager, &ShortCutMgr::signalUpdateOscUrl, this, [this](const std::string& url) {
         m_oscUrl = url;
         showHint();
@@ -262,6 +280,7 @@ void ActionPanel::setTexts()
         action.button->setToolTip(name);
         action.cover->setClearText(hostText("ClearShortcut"));
         action.cover->setToolTip(name);
+        action.cover->setAccessibleName(name);
     }
     showHint();
 }
@@ -352,9 +371,11 @@ void ActionPanel::setLocked(bool locked)
 
 void ActionPanel::trigger(int type, const std::string& path, const std::string& control)
 {
-    const auto action = std::find_if(m_actions.begin(), m_actions.end(),
-                                     [type](const Action& each) { return each.type == type; });
-    if (action == m_actions.end()) {
+    if (m_locked || m_editing) {
+        return; // also for what was on its way before
+    }
+    Action* action = actionOf(type);
+    if (action == nullptr) {
         logger()->info("no action {}: {}", path, control);
         return;
     }
@@ -372,6 +393,13 @@ void ActionPanel::trigger(int type, const std::string& path, const std::string& 
     }
 }
 
+ActionPanel::Action* ActionPanel::actionOf(int type)
+{
+    const auto found = std::find_if(m_actions.begin(), m_actions.end(),
+                                    [type](const Action& each) { return each.type == type; });
+    return found == m_actions.end() ? nullptr : &*found;
+}
+
 void ActionPanel::writeTriggered()
 {
     for (Action& action : m_actions) {
@@ -387,14 +415,9 @@ void ActionPanel::writeTriggered()
 
 bool ActionPanel::confirm(const char* question, const char* button)
 {
-    QMessageBox box(QMessageBox::Question, QStringLiteral("mivohost"), hostText(question),
-                    QMessageBox::NoButton, this);
-    const QAbstractButton* yes = box.addButton(hostText(button), QMessageBox::DestructiveRole);
-    QPushButton* no = box.addButton(hostText("Cancel"), QMessageBox::RejectRole);
-    box.setDefaultButton(no);
-    box.setEscapeButton(no);
-    box.exec();
-    return box.clickedButton() == yes;
+    return TipDialog::ask(this, TipDialog::question, hostText(question), hostText("Cancel"),
+                          hostText(button))
+           == TipDialog::accepted;
 }
 
 void ActionPanel::clearAll()
@@ -405,19 +428,16 @@ void ActionPanel::clearAll()
     }
 }
 
-QString ActionPanel::askForFile(bool saving)
+QString ActionPanel::askForBindings(bool saving)
 {
-    QFileDialog dialog(this, hostText(saving ? "ExportShortcuts" : "ImportShortcuts"));
-    dialog.setAcceptMode(saving ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
-    dialog.setFileMode(saving ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
-    dialog.setDefaultSuffix(QStringLiteral("json"));
-    dialog.setNameFilter(hostText("ShortcutFiles") + QStringLiteral(" (*.json)"));
-    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
+    return askForFile(this, saving ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen,
+                      hostText(saving ? "ExportShortcuts" : "ImportShortcuts"),
+                      hostText("ShortcutFiles"), QStringLiteral("json"));
 }
 
 void ActionPanel::exportAll()
 {
-    const QString path = askForFile(true);
+    const QString path = askForBindings(true);
     if (!path.isEmpty() && !exportTo(path)) {
         emit failed(QStringLiteral("ShortcutsNotExported"), QDir::toNativeSeparators(path));
     }
@@ -425,7 +445,7 @@ void ActionPanel::exportAll()
 
 void ActionPanel::importAll()
 {
-    const QString path = askForFile(false);
+    const QString path = askForBindings(false);
     if (path.isEmpty() || !confirm("ImportShortcutsQuestion", "ImportShortcuts")) {
         return;
     }
@@ -466,16 +486,18 @@ QString ActionPanel::importFrom(const QString& path)
         m_manager.slotClearShortCut(true, each);
     }
     STLinkShortCutInfo keys;
-    for (const STShortCutItem& item : items) {
-        const QString text = QString::fromStdString(item.shortCutStr);
+    for (STShortCutItem& item : items) {
+        if (const Action* action = actionOf(item.type)) {
+            item.path = action->path; // the type identifies it; a file may have another path
+        }
         if (MidiService::isControl(item.shortCutStr)) {
             m_manager.rebindPeripheral(PeripheralMidi, item.type, item.path, item.shortCutStr);
         } else if (DmxService::isControl(item.shortCutStr)) {
             m_manager.rebindPeripheral(PeripheralDmx, item.type, item.path, item.shortCutStr);
-        } else if (mivo::widgets::keySequenceOf(text).isEmpty()
-                   || mivo::settings::isReservedKeySequence(text)) {
+        } else if (const auto sequence = bindableKeys(item.shortCutStr); sequence.empty()) {
             logger()->warn("\"{}\" cannot be bound to {}", item.shortCutStr, item.path);
         } else {
+            item.shortCutStr = sequence;
             (item.type == ShortCutOfPath ? keys.pathShortCutList : keys.indexShortCutList)
                 .push_back(item);
         }

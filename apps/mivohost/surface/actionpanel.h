@@ -5,6 +5,8 @@
 
 #include <mivosettingswidgets/shortcutmgr.h>
 
+#include <sigslot/signal.hpp>
+
 #include <QtCore/QTimer>
 #include <QtWidgets/QWidget>
 
@@ -44,7 +46,8 @@ public:
     bool isEditing() const { return m_editing; }
     void setEditing(bool on);
 
-    /// While it is locked, nothing triggers anything and nothing is edited.
+    /// While it is locked, nothing triggers anything and nothing is edited. While it is edited,
+    /// nothing triggers anything either.
     void setLocked(bool locked);
 
     /// Writes all bindings, of keys and of devices, to a file. False when it cannot be written.
@@ -82,8 +85,10 @@ private:
     void clearAll();
     void exportAll();
     void importAll();
-    QString askForFile(bool saving);
+    QString askForBindings(bool saving);
     bool confirm(const char* question, const char* button);
+    /// Null for a type that is not in the table of actions.
+    Action* actionOf(int type);
 
     Peripherals& m_peripherals;
     bool m_editing = false;
@@ -100,6 +105,7 @@ private:
     QLabel* m_hint;
     std::vector<std::pair<std::string, QLabel*>> m_groups; // with the keys of their texts
     std::vector<Action> m_actions;
+    std::vector<sigslot::scoped_connection> m_connections;
     QTimer m_logPause;
     KeyTriggers m_keys;
     mivo::settings::ShortCutMgr m_manager; // the last one: it knows covers and services

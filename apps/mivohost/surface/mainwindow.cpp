@@ -5,6 +5,7 @@
 #include "runtime/runtimethread.h"
 #include "store/settingsstore.h"
 #include "surface/actionpanel.h"
+#include "surface/askforfile.h"
 #include "surface/hostlog.h"
 #include "surface/hosttext.h"
 #include "surface/messagepanel.h"
@@ -19,7 +20,6 @@
 #include <QtGui/QCloseEvent>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QComboBox>
-#include <QtWidgets/QFileDialog>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QMenuBar>
 #include <QtWidgets/QMessageBox>
@@ -358,7 +358,7 @@ void MainWindow::newProject()
 
 void MainWindow::openProject()
 {
-    const QString file = mayLeaveProject() ? askForFile(false) : QString();
+    const QString file = mayLeaveProject() ? askForProject(false) : QString();
     if (!file.isEmpty()) {
         m_project.open(file);
     }
@@ -366,27 +366,21 @@ void MainWindow::openProject()
 
 void MainWindow::saveProjectAs()
 {
-    const QString file = askForFile(true);
+    const QString file = askForProject(true);
     if (!file.isEmpty()) {
         m_project.saveAs(file);
     }
 }
 
-QString MainWindow::askForFile(bool saving)
+QString MainWindow::askForProject(bool saving)
 {
-    QFileDialog dialog(this, hostText(saving ? "SaveProjectTitle" : "OpenProjectTitle"));
-    dialog.setAcceptMode(saving ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
-    dialog.setFileMode(saving ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
-    dialog.setDefaultSuffix(QStringLiteral("mivo"));
-    dialog.setNameFilter(hostText("ProjectFiles") + QStringLiteral(" (*.mivo)"));
-    const QFileInfo file(m_project.state().file);
-    if (!m_project.state().file.isEmpty()) {
-        dialog.setDirectory(file.absolutePath());
-    }
-    if (saving) {
-        dialog.selectFile(projectName() + QStringLiteral(".mivo"));
-    }
-    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
+    const QString suffix = QStringLiteral("mivo");
+    const QString& file = m_project.state().file;
+    return askForFile(this, saving ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen,
+                      hostText(saving ? "SaveProjectTitle" : "OpenProjectTitle"),
+                      hostText("ProjectFiles"), suffix,
+                      file.isEmpty() ? QString() : QFileInfo(file).absolutePath(),
+                      saving ? projectName() + '.' + suffix : QString());
 }
 
 bool MainWindow::mayLeaveProject()

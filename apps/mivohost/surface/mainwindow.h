@@ -83,7 +83,7 @@ private:
     void openProject();
     void saveProjectAs();
     /// The path that the user chose; empty when none. `saving` says for which of the two.
-    QString askForFile(bool saving);
+    QString askForProject(bool saving);
     /// Asks whether to save what is not saved. False when the user wants to stay.
     bool mayLeaveProject();
     QString projectName() const;

@@ -34,6 +34,26 @@ private:
     boost::signals2::connection m_impl;
 };
 
+/// Disconnects its slot when it goes.
+class scoped_connection
+{
+public:
+    // NOLINTNEXTLINE(google-explicit-constructor)
+    scoped_connection(connection kept) : m_kept(std::move(kept)) {}
+    scoped_connection(scoped_connection&& other) noexcept
+        : m_kept(std::exchange(other.m_kept, connection()))
+    {}
+    scoped_connection& operator=(scoped_connection&& other) noexcept
+    {
+        std::swap(m_kept, other.m_kept);
+        return *this;
+    }
+    ~scoped_connection() { m_kept.disconnect(); }
+
+private:
+    connection m_kept;
+};
+
 template <typename... Args>
 class signal
 {

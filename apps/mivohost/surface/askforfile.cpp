@@ -1,0 +1,18 @@
+#include "surface/askforfile.h"
+
+namespace mivohost {
+
+QString askForFile(QWidget* parent, QFileDialog::AcceptMode mode, const QString& title,
+                   const QString& kind, const QString& suffix, const QString& folder,
+                   const QString& name)
+{
+    QFileDialog dialog(parent, title, folder, QStringLiteral("%1 (*.%2)").arg(kind, suffix));
+    dialog.setAcceptMode(mode);
+    dialog.setFileMode(mode == QFileDialog::AcceptSave ? QFileDialog::AnyFile
+                                                       : QFileDialog::ExistingFile);
+    dialog.setDefaultSuffix(suffix);
+    dialog.selectFile(name);
+    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
+}
+
+} // namespace mivohost
