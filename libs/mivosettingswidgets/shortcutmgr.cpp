@@ -321,9 +321,10 @@ bool ShortCutMgr::Impl::existShortCutsItem(EnumShortCutType type, const std::str
         return true;
     }
     const STShortCutItem old = *holder; // the table may change while the question is open ...
-    const QPointer<Impl> self(this);    // ... and this or the cover that asks may go
+    const QPointer<Impl> self(this);    // ... and this may go, or the cover that asks ...
+    const std::string asking = path;    // ... with its path
     const bool isConfirmed = confirmMove();
-    if (!self || !isConfirmed || covers.of(type, path) == nullptr) {
+    if (!self || !isConfirmed || covers.of(type, asking) == nullptr) {
         return true;
     }
     removeItem(old.type, old.path,
