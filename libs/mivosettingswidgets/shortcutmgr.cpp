@@ -320,11 +320,13 @@ bool ShortCutMgr::Impl::existShortCutsItem(EnumShortCutType type, const std::str
     if (matches(*holder, type, path)) {
         return true;
     }
-    const STShortCutItem old = *holder; // the table may change while the question is open ...
-    const QPointer<Impl> self(this);    // ... and this may go, or the cover that asks ...
-    const std::string asking = path;    // ... with its path
+    // While the question is open the table may change, this may go, and so may the cover that asks,
+    // with its path.
+    const STShortCutItem old = *holder;
+    const STShortCutItem asking{type, path, shortCutStr};
+    const QPointer<Impl> self(this);
     const bool isConfirmed = confirmMove();
-    if (!self || !isConfirmed || covers.of(type, asking) == nullptr) {
+    if (!self || !isConfirmed || covers.of(asking.type, asking.path) == nullptr) {
         return true;
     }
     removeItem(old.type, old.path,
