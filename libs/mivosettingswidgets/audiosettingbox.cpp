@@ -249,6 +249,7 @@ void AudioSettingBox::Impl::fill(const CallSite& site, std::size_t editors)
         return;
     }
     const auto known = read(&IMivoSettings::getSoundCardMappings, site);
+    const LayoutPause pause(m_column);
     const int columns = std::max(1, known.devices.size());
     int made = columnsForEditor * static_cast<int>(editors);
     VirtualMappingWidget* editor = nullptr;

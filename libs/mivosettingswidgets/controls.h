@@ -73,20 +73,26 @@ inline void showIndex(QComboBox* combo, int index)
 }
 
 /// Lays nothing out while it lives, for the time in which many widgets are made or shown: each that
-/// is shown would have all layouts above it done anew.
+/// is shown would have all layouts above it done anew. Of several for one layout the outermost
+/// counts.
 class LayoutPause
 {
 public:
-    explicit LayoutPause(QLayout* layout) : m_layout(layout) { layout->setEnabled(false); }
+    explicit LayoutPause(QLayout* layout) : m_layout(layout->isEnabled() ? layout : nullptr)
+    {
+        layout->setEnabled(false);
+    }
     ~LayoutPause()
     {
-        m_layout->setEnabled(true);
-        m_layout->parentWidget()->updateGeometry(); // now, else all is painted before it has room
+        if (m_layout != nullptr) {
+            m_layout->setEnabled(true);
+            m_layout->parentWidget()->updateGeometry(); // now, else it is painted without room
+        }
     }
     Q_DISABLE_COPY_MOVE(LayoutPause)
 
 private:
-    QLayout* m_layout;
+    QLayout* m_layout; // null when another one ends the pause
 };
 
 /// A field for how long something plays: three seconds to one second before a day.
