@@ -16,6 +16,8 @@
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QRadioButton>
 
+#include <algorithm>
+
 namespace displaycontroltest {
 
 using mivo::settings::DisplayControlSettingBox;
@@ -128,6 +130,23 @@ TEST_F(DisplayControl, TheHierarchyIsOneOfTwo)
     EXPECT_EQ(store.held("imageHierarchy"), 0);
     QTest::mouseClick(timeline, Qt::LeftButton, {}, QPoint(8, 12));
     EXPECT_EQ(store.held("imageHierarchy"), 1);
+}
+
+TEST_F(DisplayControl, ReadsItsRecordFromAPlaceForEachOutcome)
+{
+    for (const auto& [isShown, line] : {std::pair(true, 197), std::pair(false, 200)}) {
+        runtime.uiSync = isShown;
+        runtime.takePosted();
+        bind();
+        const auto posted = runtime.takePosted();
+        EXPECT_EQ(std::count_if(posted.begin(), posted.end(),
+                                [line = line](const TestRuntime::Posted& hop) {
+                                    return hop.function == "initSettings" && hop.line == line
+                                           && hop.file == "displaycontrolsettingbox";
+                                }),
+                  1)
+            << line;
+    }
 }
 
 TEST_F(DisplayControl, HandsBothFadesOverInOneRequest)

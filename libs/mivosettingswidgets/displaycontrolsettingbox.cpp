@@ -212,7 +212,9 @@ void DisplayControlSettingBox::Impl::initSettings()
     if (!startFetching()) {
         return;
     }
-    const auto info = read(&IMivoSettings::getDisplayControlSettings);
+    // Places that are not this one, for what is shown and what is dropped; kept on purpose.
+    const CallSite site("initSettings", "displaycontrolsettingbox", showsFetched() ? 197 : 200);
+    const auto info = read(&IMivoSettings::getDisplayControlSettings, site);
     if (showsFetched()) {
         m_blackScreenMuteValue->queueChecked(info.blackScreenMute);
         m_mfpsValue->queueChecked(info.mfps);
