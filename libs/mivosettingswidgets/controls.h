@@ -164,9 +164,11 @@ inline void addRestartTip(QHBoxLayout* row, QLabel* icon, QLabel* text)
     icon->setFixedSize(14, 14);
     icon->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     text->setObjectName(QStringLiteral("RestartTakeEffectLable"));
-    row->addWidget(icon);
-    row->addSpacing(4);
-    row->addWidget(text);
+    auto* tip = new QHBoxLayout; // whatever the row's own spacing
+    tip->setSpacing(4);
+    tip->addWidget(icon);
+    tip->addWidget(text);
+    row->addLayout(tip);
     row->addStretch();
 }
 
