@@ -12,7 +12,6 @@
 #include "surface/settingsview.h"
 
 #include <mivosettingswidgets/audiosettingbox.h>
-#include <mivosettingswidgets/virtualmappingwidget.h>
 #include <mivowidgets/combobox.h>
 
 #include <benchmark/benchmark.h>
@@ -124,15 +123,14 @@ public:
     /// Until every mapping has all its boxes: how long that took, and its longest turn.
     std::pair<double, double> finish()
     {
-        const auto devices = runtime.call([this] { return store.getSoundCardMappings().devices; });
+        const auto known = runtime.call([this] { return store.getSoundCardMappings(); });
         std::pair<double, double> taken;
         do {
             const double turn = timeOf(settle);
             taken.first += turn;
             taken.second = std::max(taken.second, turn);
         } while (page->findChildren<mivo::widgets::ComboBox*>().size()
-                 < static_cast<int>(devices.size())
-                       * page->findChildren<mivo::settings::VirtualMappingWidget*>().size());
+                 < known.devices.size() * known.mappings.size());
         return taken;
     }
 

@@ -127,7 +127,9 @@ struct STSoundCardInfo
     std::string id;
     std::string caption;        ///< that no other card of the device has
     std::uint32_t channels = 2; ///< at least 1
+    std::uint64_t chosenIn = 0; ///< the mapping that has chosen it; 0: none
 
+    /// The card itself: whoever chooses it, it stays the same.
     auto fields() const { return std::tie(id, caption, channels); }
 };
 

@@ -29,10 +29,9 @@ using velorn::msgcenter::IMsgCenterMgr;
 
 namespace {
 
-/// What is made of editors in one turn of the event loop, counted in columns: some hundred of them
-/// would hold up the frames that come meanwhile. An editor without any takes as long as two.
+/// What is made in one turn of the event loop: some hundred of them would hold up the frames that
+/// come meanwhile.
 constexpr int columnsInTurn = 32;
-constexpr int columnsForEditor = 2;
 
 } // namespace
 
@@ -104,17 +103,23 @@ private:
     using Reset = void (VirtualMappingWidget::*)(const STSoundCardMappingsInfo& known);
     static constexpr Reset offers = &VirtualMappingWidget::resetSoundCardsCombobox;
     static constexpr Reset columns = &VirtualMappingWidget::resetSoundCardWidget;
-    /// Has every editor that has columns, but one, show what there is now. Nothing without a store.
+    /// Has every editor but one show what there is now. Nothing without a store.
     void resetEditors(Reset reset, const CallSite& site,
                       const VirtualMappingWidget* except = nullptr);
 
-    void addMapping(const STSoundCardMappingInfo& info);
-
-    /// Makes columns for editors that have none, those of the others in later turns of the event
-    /// loop. Each shows what there is then, so that no reset needs to reach it before. In this turn
-    /// so many editors were made.
-    void fill(const CallSite& site, std::size_t editors = 0);
-    bool isFilled(const VirtualMappingWidget& editor) const;
+    /// Makes the editors of mappings that wait for theirs, as many as one turn of the event loop
+    /// has room for, and the others in later turns, or when there is a store again. Each shows what
+    /// there is then, so that no change needs to reach it before.
+    void makeEditors(const CallSite& site);
+    VirtualMappingWidget* makeEditor(const STSoundCardMappingInfo& info);
+    void deleteEditor(VirtualMappingWidget* editor);
+    auto findWaiting(std::uint64_t id)
+    {
+        return std::find_if(m_waiting.begin(), m_waiting.end(),
+                            [id](const STSoundCardMappingInfo& info) { return info.id == id; });
+    }
+    /// Keeps room below the editors.
+    void reserve(int height);
 
     void setAddedMappingBtnState();
 
@@ -140,8 +145,8 @@ private:
     QLabel* m_info;
     QVBoxLayout* m_column;
     std::map<std::uint64_t, VirtualMappingWidget*> m_editors;
-    std::deque<VirtualMappingWidget*> m_unfilled; // they have no columns yet
-    QTimer m_fill;
+    std::deque<STSoundCardMappingInfo> m_waiting; // for their editors
+    QTimer m_makeEditors;
 };
 
 AudioSettingBox::Impl::Impl(AudioSettingBox* page)
@@ -162,8 +167,9 @@ AudioSettingBox::Impl::Impl(AudioSettingBox* page)
     text(QStringLiteral("soundCardInfo"), m_info);
     text(QStringLiteral("addMapping"), m_add);
 
-    m_fill.setSingleShot(true);
-    connect(&m_fill, &QTimer::timeout, this, [this] { fill("fill"); });
+    m_makeEditors.setSingleShot(true);
+    m_makeEditors.setInterval(1); // what is to be painted comes first
+    connect(&m_makeEditors, &QTimer::timeout, this, [this] { makeEditors("makeEditors"); });
     connect(m_add, &PushButton::clicked, this, &Impl::slotAddMapping);
     followStore();
 }
@@ -189,8 +195,8 @@ void AudioSettingBox::Impl::layOut()
     row->addSpacing(4);
     row->addWidget(m_info);
     row->addStretch();
-    m_column->setContentsMargins(20, 24, 20, 24);
     m_column->setSpacing(12);
+    reserve(0);
     m_column->addLayout(row);
 }
 
@@ -214,12 +220,12 @@ void AudioSettingBox::Impl::initSettings()
     for (VirtualMappingWidget* editor : shownEditors()) {
         editor->setSettings(sharedSettings);
     }
-    if (!m_unfilled.empty()) {
-        m_fill.start();
+    if (!m_waiting.empty()) {
+        m_makeEditors.start();
     }
 }
 
-void AudioSettingBox::Impl::addMapping(const STSoundCardMappingInfo& info)
+VirtualMappingWidget* AudioSettingBox::Impl::makeEditor(const STSoundCardMappingInfo& info)
 {
     QWidget* lastStop = m_add;
     for (int item = m_column->count() - 1; item >= 0 && lastStop == m_add; --item) {
@@ -229,7 +235,6 @@ void AudioSettingBox::Impl::addMapping(const STSoundCardMappingInfo& info)
     }
     auto* editor = new VirtualMappingWidget(info, zrRuntime, sharedSettings, owner);
     editor->setProperty("style", QStringLiteral("BG4"));
-    m_unfilled.push_back(editor);
     m_column->addWidget(editor);
     editor->show();
     m_column->addStretch();
@@ -241,41 +246,44 @@ void AudioSettingBox::Impl::addMapping(const STSoundCardMappingInfo& info)
     m_editors.emplace(info.id, editor);
     connect(editor, &VirtualMappingWidget::sigMappingInfoChanged, this,
             &Impl::slotMappingInfoChanged);
+    return editor;
 }
 
-void AudioSettingBox::Impl::fill(const CallSite& site, std::size_t editors)
+void AudioSettingBox::Impl::makeEditors(const CallSite& site)
 {
-    if (m_unfilled.empty() || sharedSettings == nullptr) {
+    if (sharedSettings == nullptr) {
+        return;
+    }
+    const LayoutPause pause(m_column);
+    reserve(0);
+    if (m_waiting.empty()) {
         return;
     }
     const auto known = read(&IMivoSettings::getSoundCardMappings, site);
-    const LayoutPause pause(m_column);
     const int columns = std::max(1, known.devices.size());
-    int made = columnsForEditor * static_cast<int>(editors);
-    VirtualMappingWidget* editor = nullptr;
-    while (!m_unfilled.empty() && (made == 0 || made + columns <= columnsInTurn)) {
-        editor = m_unfilled.front();
-        m_unfilled.pop_front();
+    int made = 0;
+    int height = 0;
+    while (!m_waiting.empty() && (made == 0 || made + columns <= columnsInTurn)) {
+        const auto now =
+            std::find_if(known.mappings.begin(), known.mappings.end(), [this](const auto& mapping) {
+                return mapping.id == m_waiting.front().id;
+            });
+        auto* editor = makeEditor(now == known.mappings.end() ? m_waiting.front() : *now);
         editor->resetSoundCardsCombobox(known);
-        editor->setMinimumHeight(0);
+        height = editor->sizeHint().height();
+        m_waiting.pop_front();
         made += columns;
     }
-    if (m_unfilled.empty()) {
-        return;
+    // So that the page does not grow, and is not painted again, with each of the others.
+    reserve(static_cast<int>(m_waiting.size()) * (height + m_column->spacing()));
+    if (!m_waiting.empty()) {
+        m_makeEditors.start();
     }
-    // So that the page does not grow, and is not painted again, with each of them.
-    if (editor != nullptr && m_unfilled.back()->minimumHeight() == 0) {
-        const int height = editor->sizeHint().height();
-        for (VirtualMappingWidget* next : m_unfilled) {
-            next->setMinimumHeight(height);
-        }
-    }
-    m_fill.start();
 }
 
-bool AudioSettingBox::Impl::isFilled(const VirtualMappingWidget& editor) const
+void AudioSettingBox::Impl::reserve(int height)
 {
-    return std::find(m_unfilled.begin(), m_unfilled.end(), &editor) == m_unfilled.end();
+    m_column->setContentsMargins(20, 24, 20, 24 + height);
 }
 
 void AudioSettingBox::Impl::resetEditors(Reset reset, const CallSite& site,
@@ -286,7 +294,7 @@ void AudioSettingBox::Impl::resetEditors(Reset reset, const CallSite& site,
     }
     const auto known = read(&IMivoSettings::getSoundCardMappings, site);
     forEachEditor([&](VirtualMappingWidget& editor) {
-        if (&editor != except && isFilled(editor)) {
+        if (&editor != except) {
             (editor.*reset)(known);
         }
     });
@@ -298,20 +306,16 @@ void AudioSettingBox::Impl::onMappingsInit(const STAllDeviceSoundCardMappings& a
         resetEditors(columns, "onMappingsInit");
         return;
     }
-    const LayoutPause pause(m_column);
-    for (const auto& info : all.mappings) {
-        addMapping(info);
-    }
-    fill("onMappingsInit", all.mappings.size());
+    m_waiting.insert(m_waiting.end(), all.mappings.begin(), all.mappings.end());
+    makeEditors("onMappingsInit");
     setAddedMappingBtnState();
 }
 
 void AudioSettingBox::Impl::onMappingAdded(const STSoundCardMappingInfo& info)
 {
     if (info.state != velorn::mediadispatch::SoundCardMappingRefused) {
-        const LayoutPause pause(m_column);
-        addMapping(info);
-        fill("onMappingAdded", 1);
+        m_waiting.push_back(info);
+        makeEditors("onMappingAdded");
         setAddedMappingBtnState();
     }
 }
@@ -319,23 +323,36 @@ void AudioSettingBox::Impl::onMappingAdded(const STSoundCardMappingInfo& info)
 void AudioSettingBox::Impl::onMappingChanged(const STSoundCardChangeInfo& change)
 {
     const auto changed = m_editors.find(change.id);
-    if (changed == m_editors.end()) {
+    VirtualMappingWidget* editor = changed == m_editors.end() ? nullptr : changed->second;
+    if (editor == nullptr && findWaiting(change.id) == m_waiting.end()) {
         return;
     }
-    changed->second->refreshMappingInfo(change);
+    if (editor != nullptr) {
+        editor->refreshMappingInfo(change);
+    }
     if (change.kind == SoundCardChangeLocalCard || change.kind == SoundCardChangeClusterCard) {
-        resetEditors(offers, "onMappingChanged", changed->second);
+        resetEditors(offers, "onMappingChanged", editor);
     }
 }
 
 void AudioSettingBox::Impl::onMappingDeleted(const STSoundCardMappingInfo& info)
 {
     const auto deleted = m_editors.find(info.id);
-    if (deleted == m_editors.end()) {
+    const auto waiting = findWaiting(info.id);
+    if (deleted != m_editors.end()) {
+        deleteEditor(deleted->second);
+        m_editors.erase(deleted);
+    } else if (waiting != m_waiting.end()) {
+        m_waiting.erase(waiting);
+    } else {
         return;
     }
-    VirtualMappingWidget* editor = deleted->second;
-    m_unfilled.erase(std::remove(m_unfilled.begin(), m_unfilled.end(), editor), m_unfilled.end());
+    resetEditors(offers, "onMappingDeleted");
+    setAddedMappingBtnState();
+}
+
+void AudioSettingBox::Impl::deleteEditor(VirtualMappingWidget* editor)
+{
     for (int item = 0; item < m_column->count(); ++item) {
         if (m_column->itemAt(item)->widget() != editor) {
             continue;
@@ -343,11 +360,8 @@ void AudioSettingBox::Impl::onMappingDeleted(const STSoundCardMappingInfo& info)
         delete m_column->takeAt(item); // the stretch behind it stays; kept on purpose
         editor->hide();
         editor->deleteLater(); // it may be what is being used
-        break;
+        return;
     }
-    m_editors.erase(deleted);
-    resetEditors(offers, "onMappingDeleted");
-    setAddedMappingBtnState();
 }
 
 void AudioSettingBox::Impl::onSoundCardEnableSet(const STLocalSoundCardList& list)

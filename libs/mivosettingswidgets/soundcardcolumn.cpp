@@ -67,14 +67,14 @@ bool replace(Value& value, const Value& wanted)
     return isOther;
 }
 
-/// Whether `offered` had to become those of `cards` that are free.
+/// Whether `offered` had to become those of `cards` that are free for the mapping.
 bool replaceOffers(std::vector<STSoundCardInfo>& offered, const std::vector<STSoundCardInfo>& cards,
-                   const CardIds& taken)
+                   std::uint64_t mapping)
 {
     std::vector<const STSoundCardInfo*> free;
     free.reserve(cards.size());
     for (const STSoundCardInfo& card : cards) {
-        if (taken.count(card.id) == 0) {
+        if (card.chosenIn == 0 || card.chosenIn == mapping) {
             free.push_back(&card);
         }
     }
@@ -82,11 +82,9 @@ bool replaceOffers(std::vector<STSoundCardInfo>& offered, const std::vector<STSo
         free.begin(), free.end(), offered.begin(), offered.end(),
         [](const STSoundCardInfo* one, const STSoundCardInfo& other) { return *one == other; });
     if (!isSame) {
-        std::vector<STSoundCardInfo> wanted;
-        wanted.reserve(free.size());
-        std::transform(free.begin(), free.end(), std::back_inserter(wanted),
+        offered.resize(free.size()); // most stay, and so do their texts' buffers
+        std::transform(free.begin(), free.end(), offered.begin(),
                        [](const STSoundCardInfo* card) { return *card; });
-        offered = std::move(wanted);
     }
     return !isSame;
 }
@@ -116,12 +114,12 @@ SoundCardColumn::SoundCardColumn(std::string deviceName, QWidget* editor)
     connect(m_combo, qOverload<int>(&ComboBox::activated), this, &SoundCardColumn::choose);
 }
 
-void SoundCardColumn::setCards(const STDeviceSoundCards& known, const CardIds& taken,
+void SoundCardColumn::setCards(const STDeviceSoundCards& known, std::uint64_t mapping,
                                const STChosenSoundCard* chosen)
 {
     bool isOther = !m_isShown;
     isOther |= replace(m_caption, known.caption.empty() ? device : known.caption);
-    isOther |= replaceOffers(m_offered, known.soundCards, taken);
+    isOther |= replaceOffers(m_offered, known.soundCards, mapping);
     isOther |= replace(m_chosen, optionalOf(chosen));
     if (isOther) {
         showAll();
@@ -181,31 +179,30 @@ void SoundCardColumn::showAll()
 {
     m_isShown = true;
     QStringList texts{text(QStringLiteral("None"))};
-    m_ids.assign(1, std::string());
     texts.reserve(static_cast<int>(m_offered.size()) + 2);
-    m_ids.reserve(m_offered.size() + 2);
     int current = 0;
     std::uint32_t channels = m_chosen ? m_chosen->channels : 0;
     for (const STSoundCardInfo& card : m_offered) {
         if (m_chosen && m_chosen->id == card.id) {
-            current = static_cast<int>(m_ids.size());
+            current = texts.size();
             channels = card.channels;
         }
         texts.append(QString::fromStdString(card.caption));
-        m_ids.push_back(card.id);
     }
     if (m_chosen && current == 0) {
-        current = static_cast<int>(m_ids.size());
+        current = texts.size();
         texts.append(QString::fromStdString(m_chosen->caption) + QLatin1Char(' ')
                      + text(QStringLiteral("SoundCardNotConnected")));
-        m_ids.push_back(m_chosen->id);
     }
     const QSignalBlocker blocker(m_combo);
     if (texts != m_texts->stringList()) {
         m_texts->setStringList(texts);
     }
     m_combo->setCurrentIndex(current);
-    m_combo->setToolTip(current == 0 ? QString() : texts[current]);
+    const QString tip = current == 0 ? QString() : texts[current];
+    if (tip != m_combo->toolTip()) {
+        m_combo->setToolTip(tip);
+    }
 
     const QString caption = !m_caption.empty() ? QString::fromStdString(m_caption)
                                                : text(QStringLiteral("ThisMachine"));
@@ -265,18 +262,20 @@ void SoundCardColumn::placeMarks()
 
 void SoundCardColumn::choose(int item)
 {
-    const std::string& id = m_ids[static_cast<std::size_t>(item)];
-    if (id == (m_chosen ? m_chosen->id : std::string())) {
-        return;
+    const std::size_t offer = static_cast<std::size_t>(item) - 1; // behind "None"
+    if (item > 0 && offer == m_offered.size()) {
+        return; // the chosen one, which is not offered
     }
     STChosenSoundCard soundCard;
     soundCard.device = device;
-    const auto card = std::find_if(m_offered.begin(), m_offered.end(),
-                                   [&id](const STSoundCardInfo& offer) { return offer.id == id; });
-    if (card != m_offered.end()) {
-        soundCard.id = card->id;
-        soundCard.caption = card->caption;
-        soundCard.channels = card->channels;
+    if (item > 0) {
+        const STSoundCardInfo& card = m_offered[offer];
+        soundCard.id = card.id;
+        soundCard.caption = card.caption;
+        soundCard.channels = card.channels;
+    }
+    if (soundCard.id == (m_chosen ? m_chosen->id : std::string())) {
+        return;
     }
     emit wanted(device.empty() ? mivo::SoundCardChangeLocalCard : mivo::SoundCardChangeClusterCard,
                 soundCard);

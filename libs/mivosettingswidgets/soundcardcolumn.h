@@ -5,8 +5,6 @@
 #include <QtWidgets/QWidget>
 
 #include <optional>
-#include <string_view>
-#include <unordered_set>
 
 class QLabel;
 class QStringListModel;
@@ -17,9 +15,6 @@ class ComboBox;
 } // namespace mivo::widgets
 
 namespace mivo::settings {
-
-/// Ids of cards; views into what the caller holds.
-using CardIds = std::unordered_set<std::string_view>;
 
 /// One device in the editor of a sound-card mapping: its name, a box in which one of its cards is
 /// chosen, and a mark for each channel pair of a card that has more than one.
@@ -35,8 +30,9 @@ public:
 
     const std::string device;
 
-    /// Offers the cards of the device that are not taken, and shows the chosen one, if any.
-    void setCards(const STDeviceSoundCards& known, const CardIds& taken,
+    /// Offers the cards of the device that no mapping but this one has chosen, and shows the chosen
+    /// one, if any.
+    void setCards(const STDeviceSoundCards& known, std::uint64_t mapping,
                   const velorn::mediadispatch::STChosenSoundCard* chosen);
     void setChosen(const velorn::mediadispatch::STChosenSoundCard* chosen);
 
@@ -76,8 +72,8 @@ private:
 
     QLabel* m_label;
     mivo::widgets::ComboBox* m_combo;
-    QStringListModel* m_texts;                     // of the items of the combo box ...
-    std::vector<std::string> m_ids;                // ... and their cards
+    /// Of the items of the combo box: none, what is offered, and the chosen one if it is not.
+    QStringListModel* m_texts;
     std::vector<mivo::widgets::CheckBox*> m_marks; // of the channel pairs
 };
 

@@ -34,20 +34,12 @@ namespace {
 
 constexpr int columnsInRow = 3;
 
-/// Of each device, the cards that are chosen in other mappings.
-using TakenCards = std::unordered_map<std::string_view, CardIds>;
-
-TakenCards takenFrom(std::uint64_t ownId, const QVector<STSoundCardMappingInfo>& mappings)
+SoundCardColumn* findColumn(const std::vector<SoundCardColumn*>& columns, const std::string& device)
 {
-    TakenCards taken;
-    for (const auto& mapping : mappings) {
-        if (mapping.id != ownId) {
-            for (const auto& card : mapping.soundCards) {
-                taken[card.device].insert(card.id);
-            }
-        }
-    }
-    return taken;
+    const auto found =
+        std::find_if(columns.begin(), columns.end(),
+                     [&](const SoundCardColumn* column) { return column->device == device; });
+    return found == columns.end() ? nullptr : *found;
 }
 
 } // namespace
@@ -66,7 +58,10 @@ public:
     void deleteColumns(const std::vector<std::string>& devices);
     void placeColumns();
     void translate();
-    SoundCardColumn* columnOf(const std::string& device) const;
+    SoundCardColumn* columnOf(const std::string& device) const
+    {
+        return findColumn(m_columns, device);
+    }
     void refresh(const STSoundCardChangeInfo& change);
 
     MivoSettings* sharedSettings;
@@ -145,14 +140,6 @@ std::optional<STSoundCardMappingsInfo> VirtualMappingWidget::Impl::read(const Ca
                          &IMivoSettings::getSoundCardMappings, sharedSettings);
 }
 
-SoundCardColumn* VirtualMappingWidget::Impl::columnOf(const std::string& device) const
-{
-    const auto found =
-        std::find_if(m_columns.begin(), m_columns.end(),
-                     [&](const SoundCardColumn* column) { return column->device == device; });
-    return found == m_columns.end() ? nullptr : *found;
-}
-
 const STChosenSoundCard* VirtualMappingWidget::Impl::chosenOn(const std::string& device) const
 {
     const auto found =
@@ -180,11 +167,9 @@ void VirtualMappingWidget::Impl::resetColumns(const STSoundCardMappingsInfo& kno
     const LayoutPause pause(m_owner->layout());
     const auto before = std::exchange(m_columns, {});
     const auto add = [&](const std::string& device) {
-        const auto same = std::find_if(before.begin(), before.end(), [&](const auto* column) {
-            return column->device == device;
-        });
-        m_columns.push_back(same == before.end() ? makeColumn(device) : *same);
-        if (same == before.end()) {
+        SoundCardColumn* same = findColumn(before, device);
+        m_columns.push_back(same != nullptr ? same : makeColumn(device));
+        if (same == nullptr) {
             orderTabStops(m_columns.back());
         }
     };
@@ -232,7 +217,6 @@ void VirtualMappingWidget::Impl::resetOffers(const STSoundCardMappingsInfo& know
             m_info.soundCards = mapping.soundCards;
         }
     }
-    TakenCards taken = takenFrom(m_info.id, known.mappings);
     std::unordered_map<std::string_view, const STDeviceSoundCards*> devices;
     for (const auto& device : known.devices) {
         devices.emplace(device.device, &device);
@@ -241,8 +225,7 @@ void VirtualMappingWidget::Impl::resetOffers(const STSoundCardMappingsInfo& know
     for (SoundCardColumn* column : m_columns) {
         const auto found = devices.find(column->device);
         const bool isKnown = found != devices.end();
-        column->setCards(isKnown ? *found->second : none, taken[column->device],
-                         chosenOn(column->device));
+        column->setCards(isKnown ? *found->second : none, m_info.id, chosenOn(column->device));
         if (isKnown) {
             column->setVisible(found->second->visible);
         }

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <set>
+#include <string_view>
 #include <utility>
 
 namespace mivohost {
@@ -287,8 +288,19 @@ const mivo::settings::STSoundCardMappingsInfo& SoundCardMappings::all()
         for (const auto& mapping : shown(m_kept.mappings)) {
             m_all->mappings.append(mapping);
         }
+        using CardPlace = std::pair<std::string_view, std::string_view>; // device and id
+        std::map<CardPlace, std::uint64_t> chosenIn;
+        for (const auto& mapping : m_kept.mappings) {
+            for (const auto& card : mapping.soundCards) {
+                chosenIn.emplace(CardPlace(card.device, card.id), mapping.id);
+            }
+        }
         for (const auto& [device, cards] : m_devices) {
             m_all->devices.append(cards);
+            for (STSoundCardInfo& card : m_all->devices.back().soundCards) {
+                const auto chosen = chosenIn.find({device, card.id});
+                card.chosenIn = chosen == chosenIn.end() ? 0 : chosen->second;
+            }
         }
     }
     return *m_all;
