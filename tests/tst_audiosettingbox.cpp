@@ -354,7 +354,9 @@ TEST_F(Audio, ManyMappingsAreFilledInSeveralTurns)
     QApplication::sendPostedEvents(); // but no timer
     ASSERT_EQ(editors().size(), 1U);
     EXPECT_EQ(columnsOf(editors()[0]).size(), deviceCount);
+    EXPECT_TRUE(editors()[0]->visibleRegion().isEmpty()) << "it has no place yet";
     QApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+    EXPECT_FALSE(editors()[0]->visibleRegion().isEmpty());
     const int height = page->sizeHint().height();
     EXPECT_GT(height, 20 * editors()[0]->sizeHint().height()) << "the others' room";
 

@@ -235,6 +235,7 @@ VirtualMappingWidget* AudioSettingBox::Impl::makeEditor(const STSoundCardMapping
     }
     auto* editor = new VirtualMappingWidget(info, zrRuntime, sharedSettings, owner);
     editor->setProperty("style", QStringLiteral("BG4"));
+    editor->resize(0, 0); // nothing of it is painted before it has its place
     m_column->addWidget(editor);
     editor->show();
     m_column->addStretch();

@@ -158,6 +158,7 @@ SoundCardColumn* VirtualMappingWidget::Impl::makeColumn(const std::string& devic
             });
     connect(column, &SoundCardColumn::tabStopsChanged, this,
             [this, column] { orderTabStops(column); });
+    column->move(0, m_owner->height()); // not painted before it has its place
     column->show();
     return column;
 }
