@@ -326,6 +326,17 @@ QVariant asRow(const QVariant& value)
     return value.userType() == QMetaType::Bool ? QVariant(value.toInt()) : value;
 }
 
+/// A line of the log is to stay one that can be read.
+std::string logged(const QVariant& value)
+{
+    constexpr int longest = 200;
+    const QString text = value.toString();
+    return (text.size() <= longest
+                ? text
+                : QStringLiteral("%1... (%2 characters)").arg(text.left(longest)).arg(text.size()))
+        .toStdString();
+}
+
 } // namespace
 
 SettingsStore::SettingsStore(std::unique_ptr<SettingsPersistence> persistence,
@@ -577,13 +588,13 @@ void SettingsStore::set(const char* key, const QVariant& wanted)
     const Setting* setting = find(key);
     const QVariant corrected = setting->corrected(wanted, value(key));
     if (corrected != wanted) {
-        hostLog()->warn("setting {} cannot be {}; taken as {}", key,
-                        wanted.toString().toStdString(), corrected.toString().toStdString());
+        hostLog()->warn("setting {} cannot be {}; taken as {}", key, logged(wanted),
+                        logged(corrected));
     }
     if (corrected != value(key)) {
         if (m_persistence->write(key, asRow(corrected))) {
             m_values[key] = corrected;
-            hostLog()->info("setting {} = {}", key, corrected.toString().toStdString());
+            hostLog()->info("setting {} = {}", key, logged(corrected));
         } else {
             hostLog()->error("setting {} could not be saved: {}", key,
                              m_persistence->lastError().toStdString());
