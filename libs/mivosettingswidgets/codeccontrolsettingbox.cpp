@@ -284,9 +284,10 @@ void CodecControlSettingBox::Impl::processDisplayConfigChange()
     const DynamicRangeConfig config{0, bitDepthOfText(m_bitDepth->currentText())};
     m_outputConfig.graphicsCard = m_card->currentText().toStdString();
     m_outputConfig.displayTechnologyStandard = m_standard->currentText().toStdString();
-    m_outputConfig.bitDepth = config.bitDepth;
     inRuntime(site, [this, config, site] {
         sharedSettings->setDynamicRangeConfig(config);
+        // The store may have refused it.
+        m_outputConfig.bitDepth = sharedSettings->getDynamicRangeConfig().bitDepth;
         if (const auto manager = physicsOutputMgr.lock()) {
             manager->setOutputConfig(m_outputConfig);
         } else {
