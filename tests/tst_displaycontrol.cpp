@@ -161,6 +161,7 @@ TEST_F(DisplayControl, HandsBothFadesOverInOneRequest)
     const auto posted = runtime.takePosted();
     ASSERT_EQ(posted.size(), 1U);
     EXPECT_EQ(posted[0].function, "onApplySettings");
+    EXPECT_EQ(posted[0].file, "displaycontrolsettingbox");
     EXPECT_TRUE(store.kept.writes.empty());
 }
 

@@ -250,8 +250,10 @@ void DisplayControlSettingBox::Impl::onImageHierarchyBtnGroupChanged(int id)
 
 void DisplayControlSettingBox::Impl::onApplySettings()
 {
-    submit("onApplySettings", &IMivoSettings::applyFadeTimes, m_fadeIn->value(),
-           m_fadeOut->value());
+    if (hasStore("onApplySettings")) {
+        submit(CallSite("onApplySettings", "displaycontrolsettingbox"),
+               &IMivoSettings::applyFadeTimes, m_fadeIn->value(), m_fadeOut->value());
+    }
 }
 
 DisplayControlSettingBox::DisplayControlSettingBox(QWidget* parent) : SettingPage(parent)
