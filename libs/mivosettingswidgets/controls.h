@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QtCore/QSignalBlocker>
+#include <QtGui/QTextDocument>
 #include <QtWidgets/QAbstractButton>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QDateTimeEdit>
@@ -103,6 +104,12 @@ inline void setUpDuration(QTimeEdit* edit, const QTime& initial)
     edit->setButtonSymbols(QAbstractSpinBox::UpDownArrows);
     edit->setTime(initial);
     edit->setTimeRange(QTime(0, 0, 3), QTime(23, 59, 59));
+}
+
+/// A tip of just that text, which may look like markup where it is a name that somebody chose.
+inline QString tipOf(const QString& text)
+{
+    return Qt::mightBeRichText(text) ? QStringLiteral("<p>%1</p>").arg(text.toHtmlEscaped()) : text;
 }
 
 /// Controls that share a label which is not theirs alone.

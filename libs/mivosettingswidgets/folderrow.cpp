@@ -66,7 +66,7 @@ void FolderRow::setPath(const QString& path)
     }
     edit->setText(path);
     edit->setCursorPosition(0);
-    edit->setToolTip(QDir::toNativeSeparators(path)); // it is longer than the box mostly
+    edit->setToolTip(tipOf(QDir::toNativeSeparators(path))); // it is longer than the box mostly
     clear->setEnabled(!path.isEmpty());
     emit pathChanged(path);
     checkSpace();

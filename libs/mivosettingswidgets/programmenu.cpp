@@ -1,5 +1,6 @@
 #include "programmenu.h"
 
+#include "controls.h"
 #include "texts.h"
 
 #include <QtCore/QSet>
@@ -113,7 +114,7 @@ void ProgramButton::setProgram(const QString& name)
     constexpr int textWidth = 108;
     const QString shown = fontMetrics().elidedText(name, Qt::ElideRight, textWidth);
     setText(controlText(shown));
-    setToolTip(shown == name ? QString() : name);
+    setToolTip(shown == name ? QString() : tipOf(name));
 }
 
 void ProgramButton::mousePressEvent(QMouseEvent* event)

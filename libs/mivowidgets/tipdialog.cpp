@@ -16,8 +16,10 @@ TipDialog::TipDialog(QWidget* parent)
     m_icon->setObjectName(QStringLiteral("tipIcon"));
     m_icon->setFixedSize(24, 24);
     m_tip->setObjectName(QStringLiteral("tipText"));
+    m_tip->setTextFormat(Qt::PlainText); // it may name what somebody has named
     m_tip->setWordWrap(true);
     m_assist->setObjectName(QStringLiteral("tipAssistText"));
+    m_assist->setTextFormat(Qt::PlainText);
     m_assist->setWordWrap(true);
     m_assist->hide();
     m_cancel->setProperty("style", QStringLiteral("assist"));
