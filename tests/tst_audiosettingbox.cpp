@@ -299,6 +299,14 @@ TEST_F(Audio, ADeviceHasItsNameOrElseItsAddressAndIsHiddenWithALineInTheLog)
     setCards("10.0.0.2", "Hall", {});
     EXPECT_EQ(columnsOf(editors()[0])[1],
               "Hall: [None, Alpha (not connected)] = Alpha (not connected)");
+    setCards("10.0.0.2", "R&D <b>", {});
+    const auto* label = combosOf(editors()[0])[1]->parentWidget()->findChild<QLabel*>();
+    EXPECT_EQ(label->text(), "R&&D <b>") << "no key of the keyboard";
+    EXPECT_EQ(label->toolTip(), "<p>R&amp;D &lt;b&gt;</p>") << "no markup";
+    runtime.refuses = true;
+    announce(&IMivoSettings::clusterNodeSoundCardsChanged);
+    runtime.refuses = false;
+    EXPECT_EQ(columnsOf(editors()[0]).size(), 2U) << "nothing could be read";
 
     QV::SpdlogApplication::instance().logger()->set_level(spdlog::level::debug);
     log.clear();
@@ -471,6 +479,14 @@ TEST_F(Audio, WhatTheStoreCannotKeepIsShownAsItWas)
     EXPECT_EQ(nameOf(editors()[0])->text(), "Output 1");
     choose(editors()[0], 0, "Gamma");
     EXPECT_EQ(columnsOf(editors()[0])[0], "This machine: [None, Alpha, Beta, Gamma] = None");
+    store.kept.fails = false;
+    choose(editors()[0], 0, "Gamma");
+    for (int mark : {1, 2}) { // before the first is answered
+        combosOf(editors()[0])[0]->parentWidget()->findChildren<CheckBox*>()[mark]->click();
+    }
+    settle();
+    EXPECT_EQ(held()[0].soundCards.at(0).channelPairs, 7U);
+    store.kept.fails = true;
     add();
     remove(editors()[0]);
     EXPECT_EQ(editors().size(), 1U);
@@ -556,14 +572,16 @@ TEST_F(Audio, WithoutAStoreItLogsAndGoesOn)
     EXPECT_EQ(log.take(),
               (Lines{"warning|setting is null \n //audiosettingbox.cpp:slotAddMapping()",
                      "warning|setting is null \n //audiosettingbox.cpp:slotMappingInfoChanged()"}));
-    setCards("", "", {});
+    announce(&IMivoSettings::changeSoundCardMappingRequested,
+             STSoundCardChangeInfo{kept[0].id, mivo::SoundCardChangeName, "Other", {}});
     announce(&IMivoSettings::soundCardMappingDeleted, kept[0]);
     EXPECT_EQ(editors().size(), 1U);
     EXPECT_TRUE(runtime.takePosted().empty()) << "the store may be gone";
 
     page->setSettings(&store); // its editors go on
     tell([](auto& cards) { cards.announceMappings(true); });
-    EXPECT_EQ(columnsOf(editors()[0])[0], "This machine: [None] = None");
+    EXPECT_EQ(columnsOf(editors()[0])[0], "This machine: [None, Alpha, Beta, Gamma] = None");
+    EXPECT_EQ(nameOf(editors()[0])->text(), "Other");
 }
 
 TEST_F(Audio, EveryControlHasANameIsReachedInOrderAndIsTranslated)
@@ -623,13 +641,42 @@ struct Model
     using Choices = std::map<std::string, Choice>; // by their devices
 
     std::map<std::uint64_t, Choices> mappings;
+    std::map<std::uint64_t, std::string> names;
     std::map<std::string, Device> devices;
+    bool areDevicesTold = true;
 
     static std::string id(int card) { return "id" + std::to_string(card); }
     static std::string caption(int card) { return "card " + std::to_string(card); }
-    static std::string captionOf(const std::string& device)
+    std::string captionOf(const std::string& device) const
     {
-        return device.empty() ? "This machine" : "at " + device;
+        return device.empty() ? "This machine" : areDevicesTold ? "at " + device : device;
+    }
+
+    void add(std::uint64_t id)
+    {
+        int number = 1;
+        const auto isTaken = [&](const auto& other) {
+            return other.second == "Output " + std::to_string(number);
+        };
+        while (std::any_of(names.begin(), names.end(), isTaken)) {
+            ++number;
+        }
+        mappings[id];
+        names[id] = "Output " + std::to_string(number);
+    }
+
+    void rename(std::uint64_t id, const std::string& name)
+    {
+        if (std::none_of(names.begin(), names.end(),
+                         [&](const auto& other) { return other.second == name; })) {
+            names[id] = name;
+        }
+    }
+
+    void remove(std::uint64_t id)
+    {
+        mappings.erase(id);
+        names.erase(id);
     }
 
     static std::string marksOf(const Choice& choice)
@@ -702,14 +749,21 @@ protected:
             false);
     }
 
-    void userStep()
+    /// Several turns are needed for an initial set.
+    bool areEditorsShown()
     {
         settle();
-        const int what = random(10);
+        return QTest::qWaitFor([this] { return editors().size() == model.mappings.size(); });
+    }
+
+    void userStep()
+    {
+        ASSERT_TRUE(areEditorsShown());
+        const int what = random(11);
         if (what < 2 || model.mappings.empty()) {
             if (model.mappings.size() < 8) {
                 add();
-                model.mappings[nextId++];
+                model.add(nextId++);
             }
             return;
         }
@@ -718,7 +772,11 @@ protected:
         VirtualMappingWidget* editor = editors().at(static_cast<std::size_t>(place));
         if (what == 2) {
             remove(editor);
-            model.mappings.erase(mapping);
+            model.remove(mapping->first);
+        } else if (what == 10) {
+            const std::string name = "Output " + std::to_string(20 + random(100));
+            rename(editor, QString::fromStdString(name));
+            model.rename(mapping->first, name);
         } else {
             use(mapping->second, editor, what < 7);
         }
@@ -754,12 +812,21 @@ protected:
         }
     }
 
+    void openPage(TestStore& bound)
+    {
+        makePage();
+        page->setSettings(&bound);
+        runtime.call([&] { bound.soundCards().announceMappings(); });
+    }
+
     void hostStep()
     {
         const std::string device = random(2) == 0 ? "" : "d" + std::to_string(random(3));
         const bool isKnown = model.devices.count(device) > 0;
-        const int what = random(8);
-        if (what == 0 && !device.empty()) {
+        const int what = random(9);
+        if (what == 8) {
+            openPage(store);
+        } else if (what == 0 && !device.empty()) {
             model.devices.erase(device);
             tell([&](auto& cards) { cards.removeDevice(device); }, false);
         } else if (what == 1 && isKnown) {
@@ -781,9 +848,8 @@ protected:
 
     void compare(int step)
     {
-        settle();
+        ASSERT_TRUE(areEditorsShown()) << editors().size() << ", step " << step;
         const auto shown = editors();
-        ASSERT_EQ(shown.size(), model.mappings.size()) << "step " << step;
         std::size_t place = 0;
         for (const auto& [id, choices] : model.mappings) {
             const auto* editor = shown[place++];
@@ -791,10 +857,11 @@ protected:
             ASSERT_TRUE(QTest::qWaitFor([&] { return columnsOf(editor) == expected; }, 2000))
                 << ::testing::PrintToString(columnsOf(editor)) << " instead of "
                 << ::testing::PrintToString(expected) << ", step " << step << ", " << id;
+            ASSERT_EQ(nameOf(editor)->text().toStdString(), model.names[id]) << step;
         }
     }
 
-    Model model{{}, {{"", {}}}};
+    Model model{{}, {}, {{"", {}}}};
     std::uint64_t nextId = 1;
 
 private:
@@ -817,6 +884,16 @@ TEST_P(AudioSequences, ShowWhatASimpleModelSays)
 
     // After a restart, with no card told of yet.
     TestStore after(store.kept.rows);
+    model.areDevicesTold = false;
+    model.devices = {{"", {}}};
+    for (const auto& [id, choices] : model.mappings) {
+        for (const auto& [device, choice] : choices) {
+            model.devices[device];
+        }
+    }
+    openPage(after);
+    compare(-2);
+    makePage();
     const auto kept = after.getSoundCardMappings().mappings;
     ASSERT_EQ(static_cast<std::size_t>(kept.size()), model.mappings.size());
     for (const auto& mapping : kept) {

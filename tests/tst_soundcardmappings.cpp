@@ -217,6 +217,8 @@ TEST_F(Mappings, CardsThatComeAndGoAreAnnounced)
     EXPECT_EQ(log.lines().size(), 3U) << "what is no card is left out";
     cards.setDeviceSoundCards("", "", {{"b", "B", 2}, {"a", "A", 2}});
     EXPECT_EQ(takeTold(), Lines{"enabled [b]; ; "});
+    cards.setDeviceSoundCards("", "", {{"a", "A", 2}, {"b", "B", 2}});
+    EXPECT_EQ(takeTold(), Lines{"cluster"}) << "another order";
     cards.setDeviceSoundCards("", "", {{"a", "renamed", 2}});
     EXPECT_EQ(takeTold(), (Lines{"disabled [b]; ; ", "enabled [a]; ; "}));
     cards.setDeviceSoundCards("", "", {{"a", "renamed", 2}});

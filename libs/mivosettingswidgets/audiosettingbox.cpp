@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <deque>
 #include <map>
+#include <optional>
 #include <utility>
 
 namespace mivo::settings {
@@ -29,9 +30,10 @@ using velorn::msgcenter::IMsgCenterMgr;
 
 namespace {
 
-/// What is made in one turn of the event loop: some hundred of them would hold up the frames that
-/// come meanwhile.
+/// What is made of editors in one turn of the event loop, counted in columns: some hundred of them
+/// would hold up the frames that come meanwhile. An editor without any takes as long as two.
 constexpr int columnsInTurn = 32;
+constexpr int columnsForEditor = 2;
 
 } // namespace
 
@@ -103,7 +105,12 @@ private:
     using Reset = void (VirtualMappingWidget::*)(const STSoundCardMappingsInfo& known);
     static constexpr Reset offers = &VirtualMappingWidget::resetSoundCardsCombobox;
     static constexpr Reset columns = &VirtualMappingWidget::resetSoundCardWidget;
-    /// Has every editor but one show what there is now. Nothing without a store.
+    std::optional<STSoundCardMappingsInfo> readMappings(const CallSite& site)
+    {
+        return readIfThere(zrRuntime, site, &IMivoSettings::getSoundCardMappings, sharedSettings);
+    }
+
+    /// Has every editor but one show what there is now, if that can be read.
     void resetEditors(Reset reset, const CallSite& site,
                       const VirtualMappingWidget* except = nullptr);
 
@@ -118,8 +125,9 @@ private:
         return std::find_if(m_waiting.begin(), m_waiting.end(),
                             [id](const STSoundCardMappingInfo& info) { return info.id == id; });
     }
-    /// Keeps room below the editors.
-    void reserve(int height);
+    /// Keeps room for the editors that wait, so that the page does not grow, and is not painted
+    /// again, with each of them.
+    void reserve();
 
     void setAddedMappingBtnState();
 
@@ -147,6 +155,7 @@ private:
     std::map<std::uint64_t, VirtualMappingWidget*> m_editors;
     std::deque<STSoundCardMappingInfo> m_waiting; // for their editors
     QTimer m_makeEditors;
+    int m_room = 0; // that one of them takes
 };
 
 AudioSettingBox::Impl::Impl(AudioSettingBox* page)
@@ -196,7 +205,7 @@ void AudioSettingBox::Impl::layOut()
     row->addWidget(m_info);
     row->addStretch();
     m_column->setSpacing(12);
-    reserve(0);
+    reserve();
     m_column->addLayout(row);
 }
 
@@ -252,53 +261,47 @@ VirtualMappingWidget* AudioSettingBox::Impl::makeEditor(const STSoundCardMapping
 
 void AudioSettingBox::Impl::makeEditors(const CallSite& site)
 {
-    if (sharedSettings == nullptr) {
-        return;
-    }
-    const LayoutPause pause(m_column);
-    reserve(0);
     if (m_waiting.empty()) {
         return;
     }
-    const auto known = read(&IMivoSettings::getSoundCardMappings, site);
-    const int columns = std::max(1, known.devices.size());
+    const auto known = readMappings(site);
+    if (!known) {
+        return;
+    }
+    const LayoutPause pause(m_column);
+    const int columns = columnsForEditor + std::max(1, known->devices.size());
     int made = 0;
-    int height = 0;
     while (!m_waiting.empty() && (made == 0 || made + columns <= columnsInTurn)) {
-        const auto now =
-            std::find_if(known.mappings.begin(), known.mappings.end(), [this](const auto& mapping) {
-                return mapping.id == m_waiting.front().id;
-            });
-        auto* editor = makeEditor(now == known.mappings.end() ? m_waiting.front() : *now);
-        editor->resetSoundCardsCombobox(known);
-        height = editor->sizeHint().height();
+        const auto now = std::find_if(
+            known->mappings.begin(), known->mappings.end(),
+            [this](const auto& mapping) { return mapping.id == m_waiting.front().id; });
+        auto* editor = makeEditor(now == known->mappings.end() ? m_waiting.front() : *now);
+        editor->resetSoundCardsCombobox(*known);
+        m_room = editor->sizeHint().height() + m_column->spacing();
         m_waiting.pop_front();
         made += columns;
     }
-    // So that the page does not grow, and is not painted again, with each of the others.
-    reserve(static_cast<int>(m_waiting.size()) * (height + m_column->spacing()));
+    reserve();
     if (!m_waiting.empty()) {
         m_makeEditors.start();
     }
 }
 
-void AudioSettingBox::Impl::reserve(int height)
+void AudioSettingBox::Impl::reserve()
 {
-    m_column->setContentsMargins(20, 24, 20, 24 + height);
+    m_column->setContentsMargins(20, 24, 20, 24 + m_room * static_cast<int>(m_waiting.size()));
 }
 
 void AudioSettingBox::Impl::resetEditors(Reset reset, const CallSite& site,
                                          const VirtualMappingWidget* except)
 {
-    if (sharedSettings == nullptr) {
-        return;
+    if (const auto known = readMappings(site)) {
+        forEachEditor([&](VirtualMappingWidget& editor) {
+            if (&editor != except) {
+                (editor.*reset)(*known);
+            }
+        });
     }
-    const auto known = read(&IMivoSettings::getSoundCardMappings, site);
-    forEachEditor([&](VirtualMappingWidget& editor) {
-        if (&editor != except) {
-            (editor.*reset)(known);
-        }
-    });
 }
 
 void AudioSettingBox::Impl::onMappingsInit(const STAllDeviceSoundCardMappings& all)
@@ -345,6 +348,7 @@ void AudioSettingBox::Impl::onMappingDeleted(const STSoundCardMappingInfo& info)
         m_editors.erase(deleted);
     } else if (waiting != m_waiting.end()) {
         m_waiting.erase(waiting);
+        reserve();
     } else {
         return;
     }

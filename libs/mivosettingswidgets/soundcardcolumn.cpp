@@ -199,17 +199,17 @@ void SoundCardColumn::showAll()
         m_texts->setStringList(texts);
     }
     m_combo->setCurrentIndex(current);
-    const QString tip = current == 0 ? QString() : texts[current];
+    const QString tip = current == 0 ? QString() : tipOf(texts[current]);
     if (tip != m_combo->toolTip()) {
         m_combo->setToolTip(tip);
     }
 
     const QString caption = !m_caption.empty() ? QString::fromStdString(m_caption)
                                                : text(QStringLiteral("ThisMachine"));
-    if (caption != m_label->text()) {
-        m_label->setText(caption);
-        m_label->setToolTip(caption);
+    if (caption != m_combo->accessibleName()) {
         m_combo->setAccessibleName(caption);
+        m_label->setText(QString(caption).replace(QLatin1Char('&'), QLatin1String("&&")));
+        m_label->setToolTip(tipOf(caption));
     }
     showMarks(channels);
 }
@@ -226,8 +226,7 @@ void SoundCardColumn::showMarks(std::uint32_t channels)
     }
     while (m_marks.size() < pairs) {
         auto* mark = new CheckBox(this);
-        connect(mark, &CheckBox::clicked, this,
-                [this, pair = m_marks.size()](bool on) { markPair(pair, on); });
+        connect(mark, &CheckBox::clicked, this, &SoundCardColumn::markPairs);
         m_marks.push_back(mark);
     }
     for (std::size_t pair = 0; pair < pairs; ++pair) {
@@ -235,7 +234,7 @@ void SoundCardColumn::showMarks(std::uint32_t channels)
         m_marks[pair]->setText(first == channels
                                    ? QString::number(first)
                                    : QStringLiteral("%1-%2").arg(first).arg(first + 1));
-        m_marks[pair]->setAccessibleDescription(m_label->text());
+        m_marks[pair]->setAccessibleDescription(m_combo->accessibleName());
         showValue(m_marks[pair], ((m_chosen->channelPairs >> pair) & 1U) != 0);
     }
     if (before != pairs) {
@@ -274,21 +273,26 @@ void SoundCardColumn::choose(int item)
         soundCard.caption = card.caption;
         soundCard.channels = card.channels;
     }
-    if (soundCard.id == (m_chosen ? m_chosen->id : std::string())) {
+    if (m_isShown && soundCard.id == (m_chosen ? m_chosen->id : std::string())) {
         return;
     }
+    m_isShown = false; // but what the user wants
     emit wanted(device.empty() ? mivo::SoundCardChangeLocalCard : mivo::SoundCardChangeClusterCard,
                 soundCard);
 }
 
-void SoundCardColumn::markPair(std::size_t pair, bool on)
+void SoundCardColumn::markPairs()
 {
     if (!m_chosen) {
         return;
     }
     STChosenSoundCard soundCard = *m_chosen;
-    const std::uint32_t bit = std::uint32_t(1) << pair;
-    soundCard.channelPairs = on ? soundCard.channelPairs | bit : soundCard.channelPairs & ~bit;
+    for (std::size_t pair = 0; pair < m_marks.size(); ++pair) {
+        const std::uint32_t bit = std::uint32_t(1) << pair;
+        soundCard.channelPairs = m_marks[pair]->isChecked() ? soundCard.channelPairs | bit
+                                                            : soundCard.channelPairs & ~bit;
+    }
+    m_isShown = false;
     emit wanted(mivo::SoundCardChangeChannels, soundCard);
 }
 

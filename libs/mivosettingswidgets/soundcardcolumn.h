@@ -63,12 +63,12 @@ private:
     void showMarks(std::uint32_t channels);
     void placeMarks();
     void choose(int item);
-    void markPair(std::size_t pair, bool on);
+    void markPairs();
 
     std::string m_caption;
     std::vector<STSoundCardInfo> m_offered;
     std::optional<velorn::mediadispatch::STChosenSoundCard> m_chosen;
-    bool m_isShown = false; // what stands above
+    bool m_isShown = false; // what stands above, and nothing else
 
     QLabel* m_label;
     mivo::widgets::ComboBox* m_combo;

@@ -8,6 +8,7 @@
 #include <functional>
 #include <future>
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <type_traits>
 #include <utility>
@@ -75,6 +76,18 @@ auto callInRuntime(IZRRuntime* runtime, const char* file, int line, const char* 
     // The queue is to hold the only reference, so that a dropped task breaks its promise.
     runtime->post([task = std::move(task)] { (*task)(); }, file, line, function);
     return result.get();
+}
+
+/// What a getter of the store returns; nothing without a store, and where the runtime refuses.
+template <typename Getter, typename Store>
+auto readIfThere(IZRRuntime* runtime, const CallSite& site, Getter getter, Store* store)
+{
+    using Value = std::optional<std::decay_t<std::invoke_result_t<Getter, Store*>>>;
+    if (store == nullptr) {
+        return Value();
+    }
+    return callInRuntime(runtime, site.file, site.line, site.function,
+                         [getter, store] { return Value(std::invoke(getter, store)); });
 }
 
 } // namespace mivo::settings

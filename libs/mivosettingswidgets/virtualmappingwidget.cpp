@@ -52,7 +52,10 @@ public:
     Impl(VirtualMappingWidget* editor, const STSoundCardMappingInfo& mapping, IZRRuntime* runtime,
          MivoSettings* settings);
 
-    std::optional<STSoundCardMappingsInfo> read(const CallSite& site) const;
+    std::optional<STSoundCardMappingsInfo> read(const CallSite& site) const
+    {
+        return readIfThere(zrRuntime, site, &IMivoSettings::getSoundCardMappings, sharedSettings);
+    }
     void resetColumns(const STSoundCardMappingsInfo& known);
     void resetOffers(const STSoundCardMappingsInfo& known);
     void deleteColumns(const std::vector<std::string>& devices);
@@ -131,15 +134,6 @@ VirtualMappingWidget::Impl::Impl(VirtualMappingWidget* editor,
     connect(m_delete, &PushButton::clicked, this, &Impl::slotDelete);
 }
 
-std::optional<STSoundCardMappingsInfo> VirtualMappingWidget::Impl::read(const CallSite& site) const
-{
-    if (sharedSettings == nullptr) {
-        return std::nullopt;
-    }
-    return callInRuntime(zrRuntime, site.file, site.line, site.function,
-                         &IMivoSettings::getSoundCardMappings, sharedSettings);
-}
-
 const STChosenSoundCard* VirtualMappingWidget::Impl::chosenOn(const std::string& device) const
 {
     const auto found =
@@ -216,6 +210,9 @@ void VirtualMappingWidget::Impl::resetOffers(const STSoundCardMappingsInfo& know
     for (const auto& mapping : known.mappings) {
         if (mapping.id == m_info.id) {
             m_info.soundCards = mapping.soundCards;
+            if (std::exchange(m_info.name, mapping.name) != mapping.name) {
+                showName(); // it changed while nothing was bound
+            }
         }
     }
     std::unordered_map<std::string_view, const STDeviceSoundCards*> devices;

@@ -240,8 +240,10 @@ void SoundCardMappings::setDeviceSoundCards(const std::string& device, const std
             gone.soundCards.push_back(card.id);
         }
     }
-    const bool rowsChange =
-        isNew || held.caption != caption || held.soundCards.empty() != now.soundCards.empty();
+    const bool isOrdered =
+        come.soundCards.empty() && gone.soundCards.empty() && !(held.soundCards == now.soundCards);
+    const bool rowsChange = isNew || isOrdered || held.caption != caption
+                            || held.soundCards.empty() != now.soundCards.empty();
     held = std::move(now);
     m_all.reset();
     renewChosen(held);
@@ -352,6 +354,14 @@ void SoundCardMappings::adopt(const QString& text)
     }
     const auto before = shown(std::exchange(m_kept, *next).mappings);
     m_all.reset();
+    if (m_devices.empty()) {
+        // At the start nothing has been told yet: what is chosen is away until it is.
+        for (const auto& mapping : m_kept.mappings) {
+            for (const auto& card : mapping.soundCards) {
+                m_devices.try_emplace(card.device, STDeviceSoundCards{card.device, {}, {}});
+            }
+        }
+    }
     for (const auto& mapping : before) {
         if (findBy(next->mappings, &STSoundCardMappingInfo::id, mapping.id) == nullptr) {
             m_store.soundCardMappingDeleted(mapping);
