@@ -305,8 +305,10 @@ TEST_F(Audio, ADeviceHasItsNameOrElseItsAddressAndIsHiddenWithALineInTheLog)
     EXPECT_EQ(label->toolTip(), "<p>R&amp;D &lt;b&gt;</p>") << "no markup";
     runtime.refuses = true;
     announce(&IMivoSettings::clusterNodeSoundCardsChanged);
-    runtime.refuses = false;
     EXPECT_EQ(columnsOf(editors()[0]).size(), 2U) << "nothing could be read";
+    announce(&IMivoSettings::soundCardMappingAdded, STSoundCardMappingInfo{99, 0, "Late", {}});
+    runtime.refuses = false;
+    EXPECT_TRUE(QTest::qWaitFor([this] { return editors().size() == 2; }));
 
     QV::SpdlogApplication::instance().logger()->set_level(spdlog::level::debug);
     log.clear();

@@ -177,7 +177,6 @@ AudioSettingBox::Impl::Impl(AudioSettingBox* page)
     text(QStringLiteral("addMapping"), m_add);
 
     m_makeEditors.setSingleShot(true);
-    m_makeEditors.setInterval(1); // what is to be painted comes first
     connect(&m_makeEditors, &QTimer::timeout, this, [this] { makeEditors("makeEditors"); });
     connect(m_add, &PushButton::clicked, this, &Impl::slotAddMapping);
     followStore();
@@ -230,7 +229,7 @@ void AudioSettingBox::Impl::initSettings()
         editor->setSettings(sharedSettings);
     }
     if (!m_waiting.empty()) {
-        m_makeEditors.start();
+        m_makeEditors.start(1);
     }
 }
 
@@ -266,6 +265,9 @@ void AudioSettingBox::Impl::makeEditors(const CallSite& site)
     }
     const auto known = readMappings(site);
     if (!known) {
+        if (sharedSettings != nullptr) { // the runtime refuses, but not for ever
+            m_makeEditors.start(100);
+        }
         return;
     }
     const LayoutPause pause(m_column);
@@ -283,7 +285,7 @@ void AudioSettingBox::Impl::makeEditors(const CallSite& site)
     }
     reserve();
     if (!m_waiting.empty()) {
-        m_makeEditors.start();
+        m_makeEditors.start(1); // what is to be painted comes first
     }
 }
 

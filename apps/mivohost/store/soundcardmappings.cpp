@@ -240,9 +240,9 @@ void SoundCardMappings::setDeviceSoundCards(const std::string& device, const std
             gone.soundCards.push_back(card.id);
         }
     }
-    const bool isOrdered =
+    const bool isReordered =
         come.soundCards.empty() && gone.soundCards.empty() && !(held.soundCards == now.soundCards);
-    const bool rowsChange = isNew || isOrdered || held.caption != caption
+    const bool rowsChange = isNew || isReordered || held.caption != caption
                             || held.soundCards.empty() != now.soundCards.empty();
     held = std::move(now);
     m_all.reset();
