@@ -324,6 +324,9 @@ TEST_F(General, ARestartWaitsForTheShutdownPromptAndGoesOnWhenThatIsCancelled)
         QTimer::singleShot(0, prompt(), [] { press(TipDialog::accepted); });
     });
     EXPECT_EQ(happened, Words{"shut down"});
+    happened.clear(); // not even later, when the machine has stayed on
+    ask(store.timedShutdownCount, 30, [] { press(TipDialog::cancelled); });
+    EXPECT_EQ(happened, Words{"no shutdown"});
 
     // It does so also while a restart's prompt that has run out waits below the shutdown's.
     happened.clear();

@@ -402,7 +402,8 @@ void GeneralSettingBox::Impl::showTimedShutdownCount(int seconds)
         return;
     }
     m_shutdownActive = false;
-    if (*result != TipDialog::accepted && std::exchange(m_restartPending, false)) {
+    const bool isRestartDue = std::exchange(m_restartPending, false);
+    if (isRestartDue && *result != TipDialog::accepted) {
         const QPointer<Impl> self(this);
         // The constant has nothing to do with the store's seconds; kept on purpose.
         showTimedAutomaticRestartCount(10000 - static_cast<int>(elapsed.elapsed() / 1000));
