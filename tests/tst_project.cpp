@@ -196,6 +196,11 @@ TEST_F(ProjectTest, ASaveThatNobodyWatchesAsksForNoName)
     file->saveCompleted();
     EXPECT_EQ(nameWanted.size(), 0);
     EXPECT_EQ(QDir(path("saves")).entryList({"unnamed-*.mivo"}).size(), 1);
+
+    EXPECT_TRUE(file->saveAs(path("show.mivo")));
+    file->play(2);
+    file->saveCompleted(); // its drive is away
+    EXPECT_EQ(QDir(path("saves")).entryList({"show-*.mivo"}).size(), 1);
 }
 
 TEST_F(ProjectTest, PlaysWhatIsChosenWhenItIsOpened)

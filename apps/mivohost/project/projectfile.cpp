@@ -129,7 +129,10 @@ void ProjectFile::save()
         return;
     }
     m_runtime.call([this] { m_dispatch->saveProjectFile(wholeProject); });
-    saveCompleted();
+    refresh();
+    if (!m_state.modified) {
+        addRecentFile();
+    }
 }
 
 bool ProjectFile::saveAs(const QString& file)
@@ -166,9 +169,9 @@ QStringList ProjectFile::recentFiles() const
 void ProjectFile::saveCompleted()
 {
     refresh();
-    if (m_state.file.isEmpty()) {
+    if (m_state.file.isEmpty() || m_state.modified) { // its own file may be away
         m_runtime.call([this] { m_autoSave->save(QDateTime::currentDateTime()); });
-    } else if (!m_state.modified) {
+    } else {
         addRecentFile();
     }
 }

@@ -56,7 +56,8 @@ public:
     QStringList recentFiles() const;
 
     /// Takes the project's file up as the most recent one. Nobody may be at the screen: a project
-    /// without a file is not asked for one, but saved among the automatic saves.
+    /// without a file is not asked for one, but saved among the automatic saves; so is one that its
+    /// file did not take.
     void saveCompleted() override;
 
 signals:
