@@ -107,6 +107,17 @@ TEST_F(OfficePPT, APresetSetsTheSizeAndWritesItsKey)
     EXPECT_EQ(written().front(), (std::pair<QString, int>("pptPresetsResolutionType", 1)));
 }
 
+TEST_F(OfficePPT, APresetThatCannotBeSavedShowsTheSizeThatStays)
+{
+    bind(store);
+    const QSize before = shown();
+    store.kept.fails = true;
+    presets->setCurrentIndex(presets->findText("2560*1400"));
+    QApplication::processEvents();
+    EXPECT_EQ(shown(), before);
+    EXPECT_EQ(presets->currentIndex(), 0);
+}
+
 TEST_F(OfficePPT, ATypedSizeChoosesItsPresetOrNone)
 {
     bind(store);

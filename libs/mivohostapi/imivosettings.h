@@ -73,7 +73,8 @@ public:
     virtual void setPPTAutoplay(bool on) = 0;
     virtual void setPPTAutoplayInterval(int milliseconds) = 0; ///< 3000 to 86399000
     virtual void setPPTPlayMode(int mode) = 0;                 ///< an EnumPPTPlayMode
-    /// A key of pptResolutions(). Width and height follow it, and are announced where they change.
+    /// A key of pptResolutions(). Width and height follow it, and are announced where they change;
+    /// of a key that is not taken over the size that stays is announced too.
     virtual void setPPTPresetsResolutionType(int key) = 0;
     virtual void setPPTResolutionWidth(int pixels) = 0; ///< 0 to 16384; the preset stays
     virtual void setPPTResolutionHeight(int pixels) = 0;

@@ -330,7 +330,7 @@ QVariant asRow(const QVariant& value)
 std::string logged(const QVariant& value)
 {
     constexpr int longest = 200;
-    const QString text = value.toString();
+    const QString text = value.toString().replace(QLatin1Char('\n'), QLatin1Char('|'));
     return (text.size() <= longest
                 ? text
                 : QStringLiteral("%1... (%2 characters)").arg(text.left(longest)).arg(text.size()))
@@ -357,7 +357,7 @@ SettingsStore::SettingsStore(std::unique_ptr<SettingsPersistence> persistence,
             continue;
         }
         hostLog()->warn("setting {} was {}, which it cannot be; reset to {}", setting.key,
-                        row->toString().toStdString(), fallback.toString().toStdString());
+                        logged(*row), logged(fallback));
         if (!m_persistence->write(setting.key, asRow(fallback))) {
             hostLog()->error("setting {} could not be reset: {}", setting.key,
                              m_persistence->lastError().toStdString());
@@ -438,6 +438,9 @@ void SettingsStore::setPPTPresetsResolutionType(int key)
         const QSize size = pptResolution(key);
         setPPTResolutionWidth(size.width());
         setPPTResolutionHeight(size.height());
+    } else {
+        pptResolutionWidthChanged(value("pptResolutionWidth").toInt());
+        pptResolutionHeightChanged(value("pptResolutionHeight").toInt());
     }
 }
 
