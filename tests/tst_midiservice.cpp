@@ -178,9 +178,9 @@ TEST(MidiMessages, TriggerOnceAndTeachOnlyWhatMoved)
         {{controller, 1, 7, 0}, false, true},    {{controller, 1, 7, 127}, true, true},
         {{controller, 2, 7, 127}, true, true},   {{controller, 1, 8, 127}, true, true},
         {{controller, 1, 8, 127}, false, false}, {{note, 1, 60, 1}, true, true},
-        {{note, 1, 60, 1}, true, false},         {{note, 1, 60, 0}, false, false},
+        {{note, 1, 60, 1}, true, true},          {{note, 1, 60, 0}, false, false},
         {{note, 1, 60, 1}, true, true},          {{note, 1, 61, 0}, false, false},
-        {{program, 1, 5, 127}, true, true},      {{program, 1, 5, 127}, true, false},
+        {{program, 1, 5, 127}, true, true},      {{program, 1, 5, 127}, true, true},
         {{program, 1, 6, 127}, true, true},      {{program, 1, 5, 127}, true, true},
         {{program, 2, 5, 127}, true, true},
     };

@@ -128,12 +128,9 @@ std::optional<MidiControl> midiControlOf(const std::string& text)
 
 MidiControls::MidiControls()
 {
-    for (auto& channels : m_values) {
-        for (ByNumber& values : channels) {
-            values.fill(-1);
-        }
+    for (auto& values : m_values) {
+        values.fill(-1);
     }
-    m_programs.fill(-1);
 }
 
 MidiControls::Use MidiControls::take(const MidiMessage& message)
@@ -141,17 +138,15 @@ MidiControls::Use MidiControls::take(const MidiMessage& message)
     const auto channel = static_cast<std::size_t>(message.channel - 1);
     const auto number = static_cast<std::size_t>(message.number);
     if (message.kind == MidiMessage::program) {
-        const int before = std::exchange(m_programs[channel], static_cast<std::int8_t>(number));
-        return {true, before != message.number};
+        return {true, true};
     }
-    const bool isNote = message.kind == MidiMessage::note;
-    const int before = std::exchange(m_values[isNote ? 0 : 1][channel][number],
-                                     static_cast<std::int8_t>(message.value));
-    const bool moved = before != message.value;
-    if (isNote) {
-        return {message.value > 0, message.value > 0 && moved};
+    if (message.kind == MidiMessage::note) {
+        return {message.value > 0, message.value > 0};
     }
-    return {before < middle && message.value >= middle, moved};
+    // Some send where they stand again and again.
+    const int before =
+        std::exchange(m_values[channel][number], static_cast<std::int8_t>(message.value));
+    return {before < middle && message.value >= middle, before != message.value};
 }
 
 } // namespace mivohost

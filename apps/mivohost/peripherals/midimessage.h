@@ -49,7 +49,7 @@ public:
     struct Use
     {
         bool triggers; ///< a note or program begins, or a controller goes up through its middle
-        bool teaches;  ///< the control moved: it did not just send the same again
+        bool teaches;  ///< the same, but of a controller every move
     };
 
     MidiControls();
@@ -58,11 +58,8 @@ public:
     Use take(const MidiMessage& message);
 
 private:
-    using ByNumber = std::array<std::int8_t, 128>;
-
-    // What was last heard; -1 for nothing yet.
-    std::array<std::array<ByNumber, 16>, 2> m_values; // of notes and controllers, by channel
-    std::array<std::int8_t, 16> m_programs;           // by channel
+    /// What was last heard of controllers, by channel and number; -1 for nothing yet.
+    std::array<std::array<std::int8_t, 128>, 16> m_values;
 };
 
 } // namespace mivohost

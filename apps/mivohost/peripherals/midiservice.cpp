@@ -63,8 +63,26 @@ public:
     /// In the order of their places. Throws std::runtime_error when the back end has gone.
     std::vector<ListedDevice> ports()
     {
+        constexpr int mostTimes = 10;
         std::vector<ListedDevice> found;
+        for (int times = 0; !list(found); ++times) {
+            if (times == mostTimes) {
+                throw std::runtime_error(m_error);
+            }
+        }
+        return found;
+    }
+
+private:
+    /// False when one has gone meanwhile, which has no name then.
+    bool list(std::vector<ListedDevice>& found)
+    {
+        found.clear();
+        m_error.clear();
         const unsigned count = m_watcher.getPortCount();
+        if (!m_error.empty()) {
+            throw std::runtime_error(m_error);
+        }
         for (unsigned place = 0; place < count && m_error.empty(); ++place) {
             const std::string listed = m_watcher.getPortName(place);
             ListedDevice port{listed, listed};
@@ -76,13 +94,9 @@ public:
             port.id = RtMidi::getApiName(api) + ' ' + port.id;
             found.push_back(std::move(port));
         }
-        if (!m_error.empty()) {
-            throw std::runtime_error(std::exchange(m_error, {}));
-        }
-        return found;
+        return m_error.empty();
     }
 
-private:
     std::string m_error;
     RtMidiIn m_watcher;
 };
