@@ -245,6 +245,14 @@ TEST_F(ShortCuts, AKeyThatAnotherActionHoldsMovesOnlyWhenThatIsConfirmed)
     EXPECT_EQ(output->getShortCutStr(), "");
     EXPECT_EQ(group->getShortCutStr(), "F5");
     EXPECT_EQ(content(), formatShortCuts({{type(211), groupPath, "F5"}}));
+    // It moves from all that hold it in a file.
+    write(formatShortCuts({{type(187), outputPath, "F5"}, {type(189), mutePath, "F5"}}));
+    manager.loadShortCutInfoList();
+    manager.setAllShortCutStr();
+    answer(TipDialog::accepted);
+    press(group, Qt::Key_F5);
+    EXPECT_EQ(mute->getShortCutStr(), "");
+    EXPECT_EQ(content(), formatShortCuts({{type(211), groupPath, "F5"}}));
     // Reserved keys belong to nobody.
     answer(TipDialog::accepted);
     press(mute, Qt::Key_Space);
@@ -252,8 +260,10 @@ TEST_F(ShortCuts, AKeyThatAnotherActionHoldsMovesOnlyWhenThatIsConfirmed)
     EXPECT_EQ(mute->getShortCutStr(), "");
     // The cover may go away in the question.
     answer(TipDialog::accepted);
+    const QWidget* covered = mute->parentWidget();
     QTimer::singleShot(0, [this] { delete std::exchange(mute, nullptr); });
     press(mute, Qt::Key_F5);
+    EXPECT_NE(covered->focusPolicy(), Qt::NoFocus) << "it can be reached again";
     EXPECT_EQ(group->getShortCutStr(), "F5");
     EXPECT_EQ(content(), formatShortCuts({{type(211), groupPath, "F5"}}));
 }

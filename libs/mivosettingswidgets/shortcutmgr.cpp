@@ -168,6 +168,8 @@ private slots:
 
 private:
     bool removeItem(EnumShortCutType type, const std::string& path, ShortCutModuleType module);
+    /// The first entry that holds the text, or null.
+    const STShortCutItem* holderOf(const std::string& shortCutStr) const;
     static bool confirmMove();
     void learnNext(const ShortCutCover* cover);
     template <typename Predicate>
@@ -303,17 +305,7 @@ bool ShortCutMgr::Impl::confirmMove()
 bool ShortCutMgr::Impl::existShortCutsItem(EnumShortCutType type, const std::string& path,
                                            const std::string& shortCutStr)
 {
-    const auto holderIn = [&shortCutStr](const std::vector<STShortCutItem>& items) {
-        const auto found =
-            std::find_if(items.begin(), items.end(), [&shortCutStr](const STShortCutItem& item) {
-                return item.shortCutStr == shortCutStr;
-            });
-        return found == items.end() ? nullptr : &*found;
-    };
-    const STShortCutItem* holder = holderIn(table.indexShortCutList);
-    if (holder == nullptr) {
-        holder = holderIn(table.pathShortCutList);
-    }
+    const STShortCutItem* holder = holderOf(shortCutStr);
     if (holder == nullptr) {
         return false;
     }
@@ -322,20 +314,41 @@ bool ShortCutMgr::Impl::existShortCutsItem(EnumShortCutType type, const std::str
     }
     // While the question is open the table may change, this may go, and so may the cover that asks,
     // with its path.
-    const STShortCutItem old = *holder;
     const STShortCutItem asking{type, path, shortCutStr};
     const QPointer<Impl> self(this);
     const bool isConfirmed = confirmMove();
     if (!self || !isConfirmed || covers.of(asking.type, asking.path) == nullptr) {
         return true;
     }
-    removeItem(old.type, old.path,
-               old.type == ShortCutOfPath ? ShortCutModulePath : ShortCutModuleIndex);
-    if (ShortCutCover* cover = covers.of(old.type, old.path)) {
-        cover->shortCutStrChanged(QString());
+    // A file may hold a text more than once.
+    while (const STShortCutItem* found = holderOf(asking.shortCutStr)) {
+        const STShortCutItem old = *found;
+        if (!removeItem(old.type, old.path,
+                        old.type == ShortCutOfPath ? ShortCutModulePath : ShortCutModuleIndex)) {
+            break;
+        }
+        if (ShortCutCover* cover = covers.of(old.type, old.path)) {
+            cover->shortCutStrChanged(QString());
+        }
+        emit m_manager->signalShortCutStrChanged(old.type, old.path, std::string());
+        if (!self) {
+            return true;
+        }
     }
-    emit m_manager->signalShortCutStrChanged(old.type, old.path, std::string());
     return false;
+}
+
+const STShortCutItem* ShortCutMgr::Impl::holderOf(const std::string& shortCutStr) const
+{
+    for (const auto* items : {&table.indexShortCutList, &table.pathShortCutList}) {
+        const auto found = std::find_if(items->begin(), items->end(), [&](const auto& item) {
+            return item.shortCutStr == shortCutStr;
+        });
+        if (found != items->end()) {
+            return &*found;
+        }
+    }
+    return nullptr;
 }
 
 bool ShortCutMgr::Impl::systemShortCutRepeat(const QString& text)
@@ -421,8 +434,10 @@ void ShortCutMgr::Impl::open(bool show, EnumPeripheralShortCutType kind)
     if (before == opened) {
         return; // the host may be answering the signal
     }
-    if (Peripheral* asked = service(before.value_or(PeripheralKeyboard))) {
-        asked->stopLearning();
+    for (const auto each : deviceKinds) {
+        if (Peripheral* asked = service(each)) {
+            asked->stopLearning(); // a cover that hides hands the focus to one that asks
+        }
     }
     emit m_manager->signalOpenShortCover(show, kind);
     if (show) {
@@ -568,8 +583,11 @@ void ShortCutMgr::Impl::reripheralBind(int nOprKey, std::string strOprKey, std::
             cover->updateShortCutCoverKey(enType, key);
         }
         if (nOprKey == ShortCutOfPath && enType != PeripheralOsc) {
-            pendingBindings.push_back(
-                {enType, ShortCutOfPath, reportedPath(strOprKey), strKeyValue});
+            const std::string reported = reportedPath(strOprKey);
+            dropPending([&](const PendingBinding& pending) {
+                return pending.kind == enType && pending.oprKey == reported;
+            });
+            pendingBindings.push_back({enType, ShortCutOfPath, reported, strKeyValue});
         }
         learnNext(cover);
         emit m_manager->signalUpdateClearPeripheralsState(enType, true);
@@ -591,9 +609,11 @@ void ShortCutMgr::Impl::rebind(EnumPeripheralShortCutType kind, const SDeviceBin
     const QString key = QString::fromStdString(info.keyValue);
     const std::string name = nameFor(kind, info.type, info.oprKey);
     if (kind == PeripheralMidi || kind == PeripheralDmx) {
-        if (Peripheral* asked = service(kind)) {
-            asked->bind({info.type, name, info.keyValue});
+        Peripheral* asked = service(kind);
+        if (asked == nullptr) {
+            return;
         }
+        asked->bind({info.type, name, info.keyValue});
     }
     covers.forEach([&](ShortCutCover& cover) {
         if (cover.keyText(kind) == key) {

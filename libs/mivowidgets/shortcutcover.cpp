@@ -158,6 +158,11 @@ void ShortCutCover::acceptEventState(bool accepts)
     parentWidget()->setFocusPolicy(m_blocked ? Qt::NoFocus : m_focusPolicy);
 }
 
+ShortCutCover::~ShortCutCover()
+{
+    acceptEventState(true); // the control may stay
+}
+
 void ShortCutCover::setShortCoverClearFocus()
 {
     clearFocus();
@@ -181,6 +186,12 @@ bool ShortCutCover::eventFilter(QObject* watched, QEvent* event)
     case QEvent::KeyPress:
     case QEvent::KeyRelease:
     case QEvent::Shortcut:
+    case QEvent::ContextMenu:
+    case QEvent::DragEnter:
+    case QEvent::Drop:
+        return m_blocked;
+    case QEvent::Wheel: // of what lies below; the page still scrolls
+        event->setAccepted(!m_blocked);
         return m_blocked;
     default:
         break;

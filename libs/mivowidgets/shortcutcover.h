@@ -29,6 +29,7 @@ public:
     ShortCutCover(EnumShortCutType index, const std::string& path, QWidget* covered);
     /// For an action that its path identifies, of type ShortCutOfPath.
     ShortCutCover(const std::string& path, QWidget* covered);
+    ~ShortCutCover() override;
 
     ShortCutModuleType getShortCutType() const { return m_module; }
     EnumShortCutType getShortCutIndex() const { return m_index; }
