@@ -341,6 +341,7 @@ TEST_F(Panel, AllBindingsGoOutIntoAFileAndComeBack)
                         R"({"type":210,"path":"","shortCutStr":"Shift + Ctrl + F7"},)"
                         R"({"type":189,"path":"","shortCutStr":"DMX 9"},)"
                         R"({"type":9999,"path":"c","shortCutStr":"F9"},)"
+                        R"({"type":187,"path":"","shortCutStr":"F9"},)"
                         R"({"type":211,"path":"/Peripherals/group/one","shortCutStr":"F8"}]})")),
               "");
     ASSERT_EQ(kept().size(), 3u) << "neither a reserved sequence nor none";

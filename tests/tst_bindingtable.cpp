@@ -97,9 +97,12 @@ TEST_F(Bindings, SurviveARestartAndWhatCannotBeReadIsDropped)
 {
     {
         auto table = make();
+        const BindingTable::Together together(table);
         table.bind({211, "/Peripherals/组/\"1\"", "knob é"});
         table.bind({187, "", "knob 1"});
+        EXPECT_EQ(saves, 0);
     }
+    EXPECT_EQ(saves, 1);
     const Infos both{{187, "", "knob 1"}, {211, "/Peripherals/组/\"1\"", "knob é"}};
     EXPECT_EQ(make(saved).bindings(), both);
     EXPECT_TRUE(log.lines().empty());

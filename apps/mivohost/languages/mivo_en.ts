@@ -1192,6 +1192,11 @@
         <translation>The file is too large.</translation>
     </message>
     <message>
+        <source>KeysNotSaved</source>
+        <comment>MainWindow</comment>
+        <translation>the keys could not be saved, and the old ones stay</translation>
+    </message>
+    <message>
         <source>KeyHint</source>
         <comment>MainWindow</comment>
         <translation>Choose an action and press its keys. Backspace clears, Tab goes on, Escape ends.</translation>

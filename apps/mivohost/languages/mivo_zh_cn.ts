@@ -1192,6 +1192,11 @@
         <translation>文件过大。</translation>
     </message>
     <message>
+        <source>KeysNotSaved</source>
+        <comment>MainWindow</comment>
+        <translation>无法保存按键，原有按键保持不变</translation>
+    </message>
+    <message>
         <source>KeyHint</source>
         <comment>MainWindow</comment>
         <translation>选择一个动作并按下按键。退格键清除，Tab 键继续，Esc 键结束。</translation>

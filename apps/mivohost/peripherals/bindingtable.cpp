@@ -127,8 +127,26 @@ void BindingTable::restore(const std::string& kept)
     }
 }
 
-void BindingTable::save() const
+BindingTable::Together::Together(BindingTable& table) : m_table(table)
 {
+    const std::lock_guard lock(m_table.m_mutex);
+    ++m_table.m_together;
+}
+
+BindingTable::Together::~Together()
+{
+    const std::lock_guard lock(m_table.m_mutex);
+    if (--m_table.m_together == 0 && m_table.m_isUnsaved) {
+        m_table.save();
+    }
+}
+
+void BindingTable::save()
+{
+    m_isUnsaved = m_together > 0;
+    if (m_isUnsaved) {
+        return;
+    }
     QJsonArray entries;
     for (const auto& [action, control] : m_controls) {
         entries.append(QJsonObject{{typeKey, action.first},

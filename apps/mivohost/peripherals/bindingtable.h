@@ -2,6 +2,8 @@
 
 #include "mivohostapi/peripherals.h"
 
+#include <QtCore/QtGlobal>
+
 #include <atomic>
 #include <functional>
 #include <map>
@@ -41,6 +43,18 @@ public:
     std::vector<BindInfo> bindings() const;
     void setLocked(bool locked) { m_locked = locked; }
 
+    /// While it lives, nothing is saved: what changes meanwhile is saved together at its end.
+    class Together
+    {
+    public:
+        explicit Together(BindingTable& table);
+        ~Together();
+        Q_DISABLE_COPY_MOVE(Together)
+
+    private:
+        BindingTable& m_table;
+    };
+
     enum class Outcome {
         nothing,
         triggered, ///< the action of the control is to be carried out
@@ -59,7 +73,7 @@ private:
     void put(const Action& action, const std::string& control);
     bool remove(const Action& action);
     void restore(const std::string& kept);
-    void save() const;
+    void save();
 
     const Setup m_setup;
     std::atomic<bool> m_locked{false};
@@ -67,6 +81,8 @@ private:
     std::unordered_map<std::string, Action> m_actions; // by control
     std::map<Action, std::string> m_controls;          // by action
     std::optional<Action> m_learning;
+    int m_together = 0; // how many of those live
+    bool m_isUnsaved = false;
 };
 
 /// The part of a service that its table of bindings answers. `Base` is the kind's interface.
@@ -80,6 +96,7 @@ public:
     void unbind(int type, const std::string& path) override { m_table.unbind(type, path); }
     std::vector<BindingTable::BindInfo> bindings() const override { return m_table.bindings(); }
     void setLocked(bool locked) override { m_table.setLocked(locked); }
+    BindingTable& table() { return m_table; }
 
 protected:
     explicit BoundPeripheral(BindingTable::Setup setup) : m_table(std::move(setup)) {}

@@ -26,6 +26,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <set>
 
 namespace mivohost {
 
@@ -482,10 +483,14 @@ QString ActionPanel::importFrom(const QString& path)
     } catch (const std::exception& error) {
         return QString::fromUtf8(error.what());
     }
+    // A crash leaves either the old ones or the new ones.
+    const BindingTable::Together midi(m_peripherals.midi().table());
+    const BindingTable::Together dmx(m_peripherals.dmx().table());
     for (const auto each : {PeripheralMidi, PeripheralDmx}) {
         m_manager.slotClearShortCut(true, each);
     }
     STLinkShortCutInfo keys;
+    std::set<std::string> bound;
     for (STShortCutItem& item : items) {
         if (const Action* action = actionOf(item.type)) {
             item.path = action->path; // the type identifies it; a file may have another path
@@ -494,7 +499,8 @@ QString ActionPanel::importFrom(const QString& path)
             m_manager.rebindPeripheral(PeripheralMidi, item.type, item.path, item.shortCutStr);
         } else if (DmxService::isControl(item.shortCutStr)) {
             m_manager.rebindPeripheral(PeripheralDmx, item.type, item.path, item.shortCutStr);
-        } else if (const auto sequence = bindableKeys(item.shortCutStr); sequence.empty()) {
+        } else if (const auto sequence = bindableKeys(item.shortCutStr);
+                   sequence.empty() || !bound.insert(sequence).second) {
             logger()->warn("\"{}\" cannot be bound to {}", item.shortCutStr, item.path);
         } else {
             item.shortCutStr = sequence;
@@ -504,7 +510,10 @@ QString ActionPanel::importFrom(const QString& path)
     }
     m_manager.shortCutInfoSave(keys);
     showState();
-    return {};
+    const auto held = m_manager.linkShortCutInfo();
+    const bool isSaved = held.indexShortCutList == keys.indexShortCutList
+                         && held.pathShortCutList == keys.pathShortCutList;
+    return isSaved ? QString() : hostText("KeysNotSaved");
 }
 
 } // namespace mivohost
