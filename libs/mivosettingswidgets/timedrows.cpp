@@ -52,7 +52,7 @@ TimedRow::TimedRow(QWidget* page, const std::vector<int>& widths)
     m_time->setDisplayFormat(QStringLiteral("hh:mm:ss"));
     m_time->setFixedWidth(100);
     m_time->setContextMenuPolicy(Qt::NoContextMenu);
-    m_time->setFocusPolicy(Qt::WheelFocus);
+    m_time->setFocusPolicy(Qt::WheelFocus); // kept on purpose, though other boxes wait for a click
     m_time->setTime(QTime(0, 0));
     connect(m_time, &TimeEditBox::timeChanged, this, &TimedRow::edited);
     layout->addWidget(m_time);

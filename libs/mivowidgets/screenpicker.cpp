@@ -100,7 +100,8 @@ bool ScreenPicker::pressKey(int key, bool large)
     if (step != steps.end()) {
         moveTo(m_position + step->second * (large ? largeStep : 1));
         QCursor::setPos(m_position);
-    } else if (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Space) {
+    } else if (m_color.isValid() // on a screen that could be photographed
+               && (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Space)) {
         end();
         emit picked(m_color);
     } else if (key == Qt::Key_Escape) {
@@ -126,7 +127,7 @@ bool ScreenPicker::eventFilter(QObject* object, QEvent* event)
                         false);
     case QEvent::KeyPress: {
         const auto* key = static_cast<QKeyEvent*>(event);
-        if (key->isAutoRepeat() && key->key() == Qt::Key_Return) {
+        if (key->isAutoRepeat() && (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter)) {
             return true; // of the press that started it
         }
         return pressKey(key->key(), (key->modifiers() & Qt::ShiftModifier) != 0);
