@@ -60,13 +60,20 @@ QString freeAsidePath(const QString& path)
     return candidate;
 }
 
-/// Renames the file and what SQLite keeps beside it.
+/// Renames the file and what SQLite keeps beside it, or nothing.
 bool putAside(const QString& path, const QString& asidePath)
 {
-    for (const char* suffix : {"-wal", "-shm"}) {
-        QFile::rename(path + QLatin1String(suffix), asidePath + QLatin1String(suffix));
+    const auto renameBeside = [](const QString& from, const QString& to) {
+        for (const char* suffix : {"-wal", "-shm"}) {
+            QFile::rename(from + QLatin1String(suffix), to + QLatin1String(suffix));
+        }
+    };
+    renameBeside(path, asidePath);
+    if (QFile::rename(path, asidePath)) {
+        return true;
     }
-    return QFile::rename(path, asidePath);
+    renameBeside(asidePath, path); // they hold its last settings
+    return false;
 }
 
 } // namespace
