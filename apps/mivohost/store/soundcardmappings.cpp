@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <set>
-#include <string_view>
 #include <utility>
 
 namespace mivohost {
@@ -229,7 +228,7 @@ void SoundCardMappings::setDeviceSoundCards(const std::string& device, const std
                             card.caption, device, card.id, card.channels);
             continue;
         }
-        now.soundCards.push_back(card);
+        now.soundCards.push_back({card.id, card.caption, card.channels});
         const auto* before = findBy(held.soundCards, &STSoundCardInfo::id, card.id);
         if (before == nullptr || !(*before == card)) {
             come.soundCards.push_back(card.id);
@@ -290,18 +289,18 @@ const mivo::settings::STSoundCardMappingsInfo& SoundCardMappings::all()
         for (const auto& mapping : shown(m_kept.mappings)) {
             m_all->mappings.append(mapping);
         }
-        using CardPlace = std::pair<std::string_view, std::string_view>; // device and id
-        std::map<CardPlace, std::uint64_t> chosenIn;
-        for (const auto& mapping : m_kept.mappings) {
-            for (const auto& card : mapping.soundCards) {
-                chosenIn.emplace(CardPlace(card.device, card.id), mapping.id);
-            }
-        }
         for (const auto& [device, cards] : m_devices) {
             m_all->devices.append(cards);
-            for (STSoundCardInfo& card : m_all->devices.back().soundCards) {
-                const auto chosen = chosenIn.find({device, card.id});
-                card.chosenIn = chosen == chosenIn.end() ? 0 : chosen->second;
+        }
+        for (const auto& mapping : m_kept.mappings) {
+            for (const auto& chosen : mapping.soundCards) {
+                auto* device = findBy(m_all->devices, &STDeviceSoundCards::device, chosen.device);
+                auto* card = device == nullptr
+                                 ? nullptr
+                                 : findBy(device->soundCards, &STSoundCardInfo::id, chosen.id);
+                if (card != nullptr) {
+                    card->chosenIn = mapping.id;
+                }
             }
         }
     }
