@@ -179,6 +179,8 @@ private:
             std::remove_if(pendingBindings.begin(), pendingBindings.end(), isDropped),
             pendingBindings.end());
     }
+    /// Puts a binding in the place of those that were pending for its action or its control.
+    void remember(EnumPeripheralShortCutType kind, const SDeviceBindInfo& info);
     void emitMessage(const ControlMessage& message);
 
     ShortCutMgr* m_manager;
@@ -582,13 +584,7 @@ void ShortCutMgr::Impl::reripheralBind(int nOprKey, std::string strOprKey, std::
         if (cover != nullptr) {
             cover->updateShortCutCoverKey(enType, key);
         }
-        if (nOprKey == ShortCutOfPath && enType != PeripheralOsc) {
-            const std::string reported = reportedPath(strOprKey);
-            dropPending([&](const PendingBinding& pending) {
-                return pending.kind == enType && pending.oprKey == reported;
-            });
-            pendingBindings.push_back({enType, ShortCutOfPath, reported, strKeyValue});
-        }
+        remember(enType, {nOprKey, nameFor(enType, nOprKey, strOprKey), strKeyValue});
         learnNext(cover);
         emit m_manager->signalUpdateClearPeripheralsState(enType, true);
         return;
@@ -623,14 +619,19 @@ void ShortCutMgr::Impl::rebind(EnumPeripheralShortCutType kind, const SDeviceBin
     if (ShortCutCover* cover = covers.of(info.type, info.oprKey)) {
         cover->updateShortCutCoverKey(kind, key);
     }
+    remember(kind, {info.type, name, info.keyValue});
+    emit m_manager->signalUpdateClearPeripheralsState(kind, hasPeripheralBinded(kind));
+}
+
+void ShortCutMgr::Impl::remember(EnumPeripheralShortCutType kind, const SDeviceBindInfo& info)
+{
     dropPending([&](const PendingBinding& pending) {
         return pending.kind == kind
-               && (pending.keyValue == info.keyValue || pending.oprKey == name);
+               && (pending.keyValue == info.keyValue || pending.oprKey == info.oprKey);
     });
     if (info.type == ShortCutOfPath && kind != PeripheralOsc) {
-        pendingBindings.push_back({kind, ShortCutOfPath, name, info.keyValue});
+        pendingBindings.push_back({kind, ShortCutOfPath, info.oprKey, info.keyValue});
     }
-    emit m_manager->signalUpdateClearPeripheralsState(kind, hasPeripheralBinded(kind));
 }
 
 void ShortCutMgr::Impl::clearPeripheral(EnumPeripheralShortCutType kind)
