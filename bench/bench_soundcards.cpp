@@ -3,9 +3,9 @@
 // milliseconds for which it held the event loop, in any of the iterations, "all" the time until the
 // last box was made where that takes several turns of the loop, and "rebuilds" how many lists of
 // combo boxes were made for it, those of new boxes included. The initial set also with the cards of
-// this machine alone. The floor is a page of as many raw controls in the same look,
-// on which the same boxes are filled, made or hidden. Nothing changes on it when nothing of a
-// cluster has, so that has no floor.
+// this machine alone. The floor is a page of as many raw controls in the same look, on which the
+// same boxes are filled, made or hidden. Nothing changes on it when nothing of a cluster has, so
+// that has no floor.
 
 #include "runtime/runtimethread.h"
 #include "support/hostlanguage.h"

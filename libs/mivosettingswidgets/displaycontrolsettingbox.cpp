@@ -251,6 +251,7 @@ void DisplayControlSettingBox::Impl::onImageHierarchyBtnGroupChanged(int id)
 void DisplayControlSettingBox::Impl::onApplySettings()
 {
     if (hasStore("onApplySettings")) {
+        // A place that is not this one; kept on purpose.
         submit(CallSite("onApplySettings", "displaycontrolsettingbox"),
                &IMivoSettings::applyFadeTimes, m_fadeIn->value(), m_fadeOut->value());
     }
