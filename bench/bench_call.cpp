@@ -3,8 +3,8 @@
 
 #include "barethread.h"
 #include "runtime/runtimethread.h"
-#include "storeaccess.h"
 #include "support/teststore.h"
+#include <mivosettingswidgets/storeaccess.h>
 
 #include <benchmark/benchmark.h>
 

@@ -77,6 +77,7 @@ function(mivo_add_library name)
                            EXPORT_FILE_NAME ${PROJECT_BINARY_DIR}/include/${name}/export.h)
     target_include_directories(
         ${name} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/libs>
+                       $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/include>
                        $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include>
                        $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
     target_link_libraries(${name} PUBLIC ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE})

@@ -4,13 +4,13 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
 packages_build="g++ cmake ninja-build ccache qtbase5-dev qttools5-dev qttools5-dev-tools
     libqt5svg5 libqt5sql5-sqlite libspdlog-dev libfmt-dev libboost-dev rapidjson-dev
-    pkg-config librtmidi-dev liblo-dev libvulkan-dev qtmultimedia5-dev libqt5multimedia5-plugins
+    pkg-config librtmidi-dev libjack-jackd2-dev liblo-dev libvulkan-dev qtmultimedia5-dev libqt5multimedia5-plugins
     fonts-noto-core fonts-noto-cjk"
 packages_test="libgtest-dev liblo-tools jackd2 mesa-vulkan-drivers
     pulseaudio pulseaudio-utils"
 packages_bench="libbenchmark-dev python3 util-linux"
 packages_clang="clang llvm libclang-rt-14-dev"
-packages_check="clang clang-format clang-tidy git libbenchmark-dev"
+packages_check="clang clang-format clang-tidy git libbenchmark-dev python3"
 
 fail() {
     echo "$(basename "$0"): $1" >&2

@@ -1,4 +1,4 @@
-#include "folderrow.h"
+#include "folders/folderrow.h"
 
 #include "support/dialogs.h"
 #include "support/files.h"

@@ -1,4 +1,4 @@
-#include "folderselection.h"
+#include "folders/folderselection.h"
 
 #include "support/dialogs.h"
 #include "support/files.h"

@@ -1,5 +1,5 @@
-#include "shortcutfile.h"
-#include "shortcuttable.h"
+#include <mivosettingswidgets/shortcutfile.h>
+#include <mivosettingswidgets/shortcuttable.h>
 
 #include <gtest/gtest.h>
 

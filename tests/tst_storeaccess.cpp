@@ -1,4 +1,4 @@
-#include "storeaccess.h"
+#include <mivosettingswidgets/storeaccess.h>
 
 #include "support/logcapture.h"
 #include "support/testruntime.h"

@@ -1,4 +1,4 @@
-#include "shortcutfile.h"
+#include <mivosettingswidgets/shortcutfile.h>
 
 #include <cstdlib>
 #include <stdexcept>

@@ -1,6 +1,6 @@
 #include "devices/physicsoutputs.h"
 
-#include "surface/hostlog.h"
+#include "base/hostlog.h"
 
 #include <QtGui/QGuiApplication>
 #include <QtGui/QScreen>

@@ -1,7 +1,7 @@
 #include "devices/soundcards.h"
 
+#include "base/hostlog.h"
 #include "devices/soundcardlister.h"
-#include "surface/hostlog.h"
 
 #include <algorithm>
 #include <cstddef>

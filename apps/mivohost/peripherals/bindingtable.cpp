@@ -1,6 +1,6 @@
 #include "peripherals/bindingtable.h"
 
-#include "qvspdlog/spdlogapplication.h"
+#include "base/hostlog.h"
 
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
@@ -122,8 +122,7 @@ void BindingTable::restore(const std::string& kept)
         }
     }
     if (dropped > 0) {
-        QV::SpdlogApplication::instance().logger()->warn(
-            "{} bindings of controls could not be read: {}", dropped, kept);
+        hostLog()->warn("{} bindings of controls could not be read: {}", dropped, kept);
     }
 }
 

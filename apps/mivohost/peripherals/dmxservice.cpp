@@ -1,6 +1,6 @@
 #include "peripherals/dmxservice.h"
 
-#include "qvspdlog/spdlogapplication.h"
+#include "base/hostlog.h"
 
 #include <QtNetwork/QNetworkInterface>
 
@@ -71,7 +71,7 @@ void DmxService::setInfo(const SAddDMXInfo& info)
                           QUdpSocket::ShareAddress | QUdpSocket::ReuseAddressHint)) {
         m_failure = fmt::format("UDP {}: {}", m_port, m_socket.errorString().toStdString());
         m_socket.close();
-        QV::SpdlogApplication::instance().logger()->warn("no DMX: {}", m_failure);
+        hostLog()->warn("no DMX: {}", m_failure);
     }
     infoChanged(m_info);
     if (!m_failure.empty() || !before.empty()) {

@@ -1,7 +1,7 @@
 #include "peripherals/midiservice.h"
 
+#include "base/hostlog.h"
 #include "peripherals/midimessage.h"
-#include "qvspdlog/spdlogapplication.h"
 
 #include <RtMidi.h>
 
@@ -17,12 +17,6 @@ namespace {
 
 // Milliseconds. A device that is away for less goes unnoticed, and is then not opened again.
 constexpr int lookEvery = 200;
-
-template <typename... Args>
-void warn(fmt::format_string<Args...> format, Args&&... args)
-{
-    QV::SpdlogApplication::instance().logger()->warn(format, std::forward<Args>(args)...);
-}
 
 } // namespace
 
@@ -121,7 +115,7 @@ public:
         m_midi.openPort(place.number, device);
         m_midi.setErrorCallback(
             [](RtMidiError::Type /*type*/, const std::string& reason, void* input) {
-                warn("MIDI input {}: {}", static_cast<Input*>(input)->device, reason);
+                hostLog()->warn("MIDI input {}: {}", static_cast<Input*>(input)->device, reason);
             },
             this);
     }
@@ -186,7 +180,7 @@ void MidiService::start()
         try {
             m_backEnds.push_back(std::make_unique<BackEnd>(api, m_clientName));
         } catch (const RtMidiError& error) {
-            warn("no MIDI over {}: {}", RtMidi::getApiDisplayName(api), error.what());
+            hostLog()->warn("no MIDI over {}: {}", RtMidi::getApiDisplayName(api), error.what());
         }
     }
     look();
@@ -218,7 +212,8 @@ void MidiService::look()
                 places.push_back({backEnd->api, number++});
             }
         } catch (const std::runtime_error& error) {
-            warn("no MIDI over {}: {}", RtMidi::getApiDisplayName(backEnd->api), error.what());
+            hostLog()->warn("no MIDI over {}: {}", RtMidi::getApiDisplayName(backEnd->api),
+                            error.what());
             backEnd.reset();
         }
     }
@@ -266,7 +261,7 @@ MidiService::opened(const Place& place, const ListedDevice& port, const std::str
         return input;
     } catch (const RtMidiError& error) {
         if (m_unopened.insert(name).second) {
-            warn("MIDI input {} cannot be opened: {}", name, error.what());
+            hostLog()->warn("MIDI input {} cannot be opened: {}", name, error.what());
         }
         return nullptr;
     }

@@ -1,7 +1,7 @@
 #include "peripherals/oscservice.h"
 
+#include "base/hostlog.h"
 #include "mivosettingswidgets/shortcuttable.h"
-#include "qvspdlog/spdlogapplication.h"
 
 #include <lo/lo.h>
 #include <lo/lo_throw.h>
@@ -169,7 +169,7 @@ void OscService::setInfo(const SAddOSCInfo& info)
         }
         if (!m_server) {
             m_failure = fmt::format("UDP {}: {}", port, openingError);
-            QV::SpdlogApplication::instance().logger()->warn("no OSC: {}", m_failure);
+            hostLog()->warn("no OSC: {}", m_failure);
         }
     }
     infoChanged(m_info);

@@ -1,6 +1,6 @@
 #include "project/programdispatch.h"
 
-#include "surface/hostlog.h"
+#include "base/hostlog.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>

@@ -1,6 +1,6 @@
 #include "project/project.h"
 
-#include "surface/hosttext.h"
+#include "base/hosttext.h"
 
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>

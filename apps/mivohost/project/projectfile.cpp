@@ -1,10 +1,10 @@
 #include "project/projectfile.h"
 
+#include "base/hostlog.h"
+#include "base/hosttext.h"
 #include "project/autosave.h"
 #include "runtime/runtimethread.h"
 #include "store/settingsstore.h"
-#include "surface/hostlog.h"
-#include "surface/hosttext.h"
 
 #include <QtCore/QDateTime>
 #include <QtCore/QFileInfo>

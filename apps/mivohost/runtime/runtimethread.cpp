@@ -1,6 +1,6 @@
 #include "runtime/runtimethread.h"
 
-#include "surface/hostlog.h"
+#include "base/hostlog.h"
 
 #include <exception>
 #include <utility>

@@ -1,6 +1,6 @@
 #include "store/soundcardmappings.h"
 
-#include "surface/hostlog.h"
+#include "base/hostlog.h"
 
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>

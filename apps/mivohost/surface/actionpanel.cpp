@@ -1,10 +1,9 @@
 #include "surface/actionpanel.h"
 
+#include "base/hostlog.h"
+#include "base/hosttext.h"
 #include "peripherals/peripherals.h"
 #include "surface/askforfile.h"
-#include "surface/hosttext.h"
-
-#include "qvspdlog/spdlogapplication.h"
 
 #include <mivosettingswidgets/shortcutfile.h>
 #include <mivosettingswidgets/shortcuttable.h>
@@ -44,11 +43,6 @@ constexpr int flashTime = 300;                 // ms
 constexpr int logPause = 100;                  // ms
 constexpr int lockScreen = 208;                // its type
 constexpr qint64 mostBytes = 64 * 1024 * 1024; // of a file to be imported
-
-auto logger()
-{
-    return QV::SpdlogApplication::instance().logger();
-}
 
 /// The key of the text of an action, or with the first word only that of its group.
 std::string textKey(std::string_view path)
@@ -145,7 +139,7 @@ ActionPanel::ActionPanel(Peripherals& peripherals)
 
     // The manager writes into this folder, and does not make it.
     if (!QDir().mkpath(QFileInfo(mivo::settings::shortCutFilePath()).path())) {
-        logger()->error("no folder for the shortcuts");
+        hostLog()->error("no folder for the shortcuts");
     }
     m_manager.loadShortCutInfoList();
     QList<ShortCutCover*> covers;
@@ -223,7 +217,7 @@ void ActionPanel::addConnections()
     connect(&m_manager, &ShortCutMgr::signalShortCutStrChanged, this,
             [this](EnumShortCutType /*type*/, const std::string& path, const std::string& keys) {
                 showState();
-                logger()->info("keys of {}: {}", path, keys.empty() ? "none" : keys);
+                hostLog()->info("keys of {}: {}", path, keys.empty() ? "none" : keys);
             });
     connect(&m_manager, &ShortCutMgr::signalShowMonitorWidget, this, &ActionPanel::showHint);
     connect(&m_manager, &ShortCutMgr::signalUpdateDeviceStatus, this, [this] {
@@ -342,9 +336,9 @@ void ActionPanel::setEditing(bool on)
         m_actions.front().cover->setFocus();
     }
     if (on) {
-        logger()->info("editing shortcuts: {}", m_kind->currentText().toStdString());
+        hostLog()->info("editing shortcuts: {}", m_kind->currentText().toStdString());
     } else {
-        logger()->info("end of editing shortcuts");
+        hostLog()->info("end of editing shortcuts");
     }
 }
 
@@ -367,7 +361,7 @@ void ActionPanel::setLocked(bool locked)
     m_keys.setEnabled(!locked);
     m_manager.slotLockScreenChanged(locked);
     showState();
-    logger()->info(locked ? "screen locked" : "screen unlocked");
+    hostLog()->info(locked ? "screen locked" : "screen unlocked");
 }
 
 void ActionPanel::trigger(int type, const std::string& path, const std::string& control)
@@ -377,7 +371,7 @@ void ActionPanel::trigger(int type, const std::string& path, const std::string& 
     }
     Action* action = actionOf(type);
     if (action == nullptr) {
-        logger()->info("no action {}: {}", path, control);
+        hostLog()->info("no action {}: {}", path, control);
         return;
     }
     ++action->waiting;
@@ -406,9 +400,9 @@ void ActionPanel::writeTriggered()
     for (Action& action : m_actions) {
         const int count = std::exchange(action.waiting, 0);
         if (count > 0) {
-            logger()->info("action {}{}{}{}", textKey(action.path),
-                           action.control.empty() ? "" : " by ", action.control,
-                           count == 1 ? std::string() : fmt::format(" ({} times)", count));
+            hostLog()->info("action {}{}{}{}", textKey(action.path),
+                            action.control.empty() ? "" : " by ", action.control,
+                            count == 1 ? std::string() : fmt::format(" ({} times)", count));
             m_logPause.start(logPause);
         }
     }
@@ -501,7 +495,7 @@ QString ActionPanel::importFrom(const QString& path)
             m_manager.rebindPeripheral(PeripheralDmx, item.type, item.path, item.shortCutStr);
         } else if (const auto sequence = bindableKeys(item.shortCutStr);
                    sequence.empty() || !bound.insert(sequence).second) {
-            logger()->warn("\"{}\" cannot be bound to {}", item.shortCutStr, item.path);
+            hostLog()->warn("\"{}\" cannot be bound to {}", item.shortCutStr, item.path);
         } else {
             item.shortCutStr = sequence;
             (item.type == ShortCutOfPath ? keys.pathShortCutList : keys.indexShortCutList)

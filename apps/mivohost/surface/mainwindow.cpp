@@ -1,13 +1,13 @@
 #include "surface/mainwindow.h"
 
+#include "base/hostlog.h"
+#include "base/hosttext.h"
 #include "peripherals/peripherals.h"
 #include "project/projectfile.h"
 #include "runtime/runtimethread.h"
 #include "store/settingsstore.h"
 #include "surface/actionpanel.h"
 #include "surface/askforfile.h"
-#include "surface/hostlog.h"
-#include "surface/hosttext.h"
 #include "surface/messagepanel.h"
 #include "system/tray.h"
 

@@ -1,6 +1,6 @@
 #include "surface/messagecentre.h"
 
-#include "surface/hostlog.h"
+#include "base/hostlog.h"
 
 #include <QtCore/QDateTime>
 

@@ -1,6 +1,6 @@
 #include "surface/messagepanel.h"
 
-#include "surface/hosttext.h"
+#include "base/hosttext.h"
 #include "surface/messagecentre.h"
 
 #include <QtCore/QDateTime>

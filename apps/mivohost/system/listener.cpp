@@ -1,8 +1,8 @@
 #include "system/listener.h"
 
+#include "base/hostlog.h"
+#include "base/hosttext.h"
 #include "runtime/runtimethread.h"
-#include "surface/hostlog.h"
-#include "surface/hosttext.h"
 
 #include <QtNetwork/QNetworkProxy>
 #include <QtNetwork/QTcpServer>

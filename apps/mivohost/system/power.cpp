@@ -1,6 +1,6 @@
 #include "system/power.h"
 
-#include "surface/hostlog.h"
+#include "base/hostlog.h"
 
 #include <QtCore/QProcess>
 

@@ -1,6 +1,6 @@
 #include "system/tray.h"
 
-#include "surface/hosttext.h"
+#include "base/hosttext.h"
 
 namespace mivohost {
 

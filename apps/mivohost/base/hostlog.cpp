@@ -1,0 +1,86 @@
+#include "base/hostlog.h"
+
+#include <QtCore/QMetaObject>
+#include <QtCore/QObject>
+
+#include <spdlog/sinks/base_sink.h>
+#include <spdlog/sinks/dist_sink.h>
+#include <spdlog/sinks/rotating_file_sink.h>
+#include <spdlog/sinks/stdout_sinks.h>
+
+#include <memory>
+#include <mutex>
+
+namespace mivohost {
+
+namespace {
+
+class ViewSink : public spdlog::sinks::base_sink<std::mutex>
+{
+public:
+    explicit ViewSink(QObject* view) : m_view(view) {}
+
+protected:
+    void sink_it_(const spdlog::details::log_msg& message) override
+    {
+        spdlog::memory_buf_t line;
+        formatter_->format(message, line);
+        const QString text =
+            QString::fromUtf8(line.data(), static_cast<int>(line.size())).trimmed();
+        QMetaObject::invokeMethod(m_view, "appendPlainText", Qt::QueuedConnection,
+                                  Q_ARG(QString, text));
+    }
+
+    void flush_() override {}
+
+private:
+    QObject* m_view;
+};
+
+struct Sinks
+{
+    std::shared_ptr<spdlog::sinks::dist_sink_mt> all =
+        std::make_shared<spdlog::sinks::dist_sink_mt>();
+    std::shared_ptr<ViewSink> view;
+};
+
+Sinks& sinks()
+{
+    static Sinks instance;
+    return instance;
+}
+
+} // namespace
+
+void startLog(const QString& file)
+{
+    sinks().all->add_sink(std::make_shared<spdlog::sinks::stderr_sink_mt>());
+    auto logger = std::make_shared<spdlog::logger>("mivohost", sinks().all);
+    logger->set_pattern("%H:%M:%S.%e %l %v");
+    logger->flush_on(spdlog::level::info);
+    QV::SpdlogApplication::instance().setLogger(logger);
+    if (!file.isEmpty()) {
+        try {
+            sinks().all->add_sink(std::make_shared<spdlog::sinks::rotating_file_sink_mt>(
+                file.toStdString(), 1 << 20, 5));
+            logger->set_pattern("%H:%M:%S.%e %l %v");
+        } catch (const spdlog::spdlog_ex& error) {
+            logger->warn("no log file: {}", error.what());
+        }
+    }
+}
+
+void attachLogView(QObject* view)
+{
+    sinks().view = std::make_shared<ViewSink>(view);
+    sinks().view->set_pattern("%H:%M:%S  %v");
+    sinks().all->add_sink(sinks().view);
+}
+
+void detachLogView()
+{
+    sinks().all->remove_sink(sinks().view);
+    sinks().view.reset();
+}
+
+} // namespace mivohost

@@ -1,0 +1,207 @@
+#include "mivosettingswidgets/settingsdialog.h"
+
+#include "mivosettingswidgets/isettingbox.h"
+#include "mivosettingswidgets/settingwidget.h"
+#include "mivosettingswidgets/storeaccess.h"
+#include "mivosettingswidgets/texts.h"
+
+#include <mivowidgets/pushbutton.h>
+
+#include <QtCore/QRegularExpression>
+#include <QtGui/QPainter>
+#include <QtWidgets/QButtonGroup>
+#include <QtWidgets/QHBoxLayout>
+#include <QtWidgets/QStackedWidget>
+#include <QtWidgets/QStyleOption>
+
+namespace mivo::settings {
+
+using mivo::widgets::PushButton;
+
+namespace {
+
+QString withoutWhitespace(QString text)
+{
+    static const QRegularExpression whitespace(QStringLiteral("\\s"));
+    return text.remove(whitespace);
+}
+
+} // namespace
+
+class SettingsDialog::Impl : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit Impl(SettingsDialog* dialog);
+
+    PushButton* makeButton(const QString& objectName, QWidget* parent, int id);
+    int indexOf(const QString& objectName) const;
+
+    SettingsDialog* owner;
+    QSize buttonSize = QSize(128, 32);
+    QVBoxLayout* navigation = nullptr;
+    QButtonGroup* buttons = nullptr;
+    PushButton* firstButton = nullptr;
+    QStackedWidget* sections = nullptr;
+
+public slots:
+    void buttonGroupClickedSlot(int id);
+    void updateSettingsButtonTextSlot(const QString& titleText);
+};
+
+SettingsDialog::Impl::Impl(SettingsDialog* dialog) : owner(dialog)
+{
+    QWidget* area = owner->dialogWidget();
+    auto* panel = new QWidget(area);
+    panel->setFixedWidth(buttonSize.width());
+
+    buttons = new QButtonGroup(area);
+    firstButton = makeButton(QStringLiteral("GeneralSettings"), panel, 0);
+    firstButton->setChecked(true);
+    buttons->setExclusive(true);
+
+    navigation = new QVBoxLayout(panel);
+    navigation->setContentsMargins(0, 20, 0, 0);
+    navigation->addWidget(firstButton);
+    navigation->addStretch();
+    navigation->setSpacing(4);
+
+    sections = new QStackedWidget(area);
+    sections->insertWidget(0, new SettingWidget);
+
+    auto* separator = new QWidget(area);
+    separator->setProperty("style", QStringLiteral("BG1"));
+    separator->setFixedWidth(1);
+
+    auto* row = new QHBoxLayout(area);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(0);
+    row->addWidget(panel);
+    row->addWidget(separator);
+    row->addWidget(sections);
+
+    connect(buttons, &QButtonGroup::idClicked, this, &Impl::buttonGroupClickedSlot);
+}
+
+PushButton* SettingsDialog::Impl::makeButton(const QString& objectName, QWidget* parent, int id)
+{
+    auto* button = new PushButton(parent);
+    button->setFixedSize(buttonSize);
+    button->setObjectName(objectName);
+    button->setProperty("style", QStringLiteral("settingBtn"));
+    button->setCheckable(true);
+    buttons->addButton(button, id);
+    return button;
+}
+
+/// The section whose button has that name, or -1.
+int SettingsDialog::Impl::indexOf(const QString& objectName) const
+{
+    const auto all = buttons->buttons();
+    for (int i = 0; i < all.size(); ++i) {
+        if (all[i]->objectName() == objectName) {
+            return i;
+        }
+    }
+    return -1;
+}
+
+void SettingsDialog::Impl::buttonGroupClickedSlot(int id)
+{
+    if (id < 0 || id >= sections->count()) {
+        warn("buttonGroupClickedSlot", "id({}) < 0 || id({}) >= stackedWidget count({})!", id, id,
+             sections->count());
+        return;
+    }
+    sections->setCurrentIndex(id);
+}
+
+void SettingsDialog::Impl::updateSettingsButtonTextSlot(const QString& titleText)
+{
+    auto* section = qobject_cast<QWidget*>(sender());
+    if (sender() == nullptr) {
+        warn("updateSettingsButtonTextSlot", "nullptr == obj!");
+        return;
+    }
+    const int index = sections->indexOf(section);
+    QLayoutItem* item = navigation->itemAt(index);
+    if (auto* button = item ? qobject_cast<PushButton*>(item->widget()) : nullptr) {
+        button->setText(titleText);
+        return;
+    }
+    warn("updateSettingsButtonTextSlot", "settingsBtn is nullptr!,count:{}, find index :{}",
+         navigation->count(), index);
+}
+
+SettingsDialog::SettingsDialog(QWidget* parent) : Dialog(parent)
+{
+    setFixedSize(1080, 800);
+    m_impl = std::make_unique<Impl>(this);
+    translateLanguage();
+}
+
+SettingsDialog::~SettingsDialog() = default;
+
+void SettingsDialog::insertSettingBox(ISettingBox* box)
+{
+    const QString title = box->titleText();
+    const QString name = withoutWhitespace(title);
+    const int index = m_impl->indexOf(name);
+    if (index != -1) {
+        auto* section = qobject_cast<SettingWidget*>(m_impl->sections->widget(index));
+        if (section == nullptr) {
+            warn("addSettingsBox", "The {}nd widget in the stackedWidget is nullputr!", index);
+            return;
+        }
+        section->insertSettingsBox(box, box->priorityIndex());
+        return;
+    }
+
+    const int last = m_impl->navigation->count() - 1; // the stretch stays behind the buttons
+    PushButton* button = m_impl->makeButton(name, dialogWidget(), last);
+    button->setText(title);
+    m_impl->navigation->insertWidget(last, button);
+    setTabOrder(m_impl->buttons->button(last - 1), button);
+
+    auto* section = new SettingWidget(dialogWidget());
+    m_impl->sections->insertWidget(last, section);
+    section->insertSettingsBox(box, box->priorityIndex());
+    // Only added sections name their button; the first one is named by translateLanguage().
+    connect(section, &SettingWidget::sigTitleTextChanged, m_impl.get(),
+            &Impl::updateSettingsButtonTextSlot);
+}
+
+void SettingsDialog::setSettingsstyleSheet(const QString& styleSheet)
+{
+    setStyleSheet(styleSheet);
+}
+
+void SettingsDialog::loadLanguageFiles(const std::vector<QString>& files) const
+{
+    loadIntoTranslator(files);
+}
+
+void SettingsDialog::switchLanguage(const QString& language)
+{
+    SettingWdigetTranslateManager::instance().translator().switchLanguage(language);
+    translateLanguage();
+}
+
+void SettingsDialog::translateLanguage()
+{
+    setTitle(text(QStringLiteral("SystemSettings")));
+    m_impl->firstButton->setText(text(QStringLiteral("GeneralSettings")));
+}
+
+void SettingsDialog::paintEvent(QPaintEvent* /*event*/)
+{
+    QStyleOption option;
+    option.initFrom(this);
+    QPainter painter(this);
+    style()->drawPrimitive(QStyle::PE_Widget, &option, &painter, this);
+}
+
+} // namespace mivo::settings
+
+#include "settingsdialog.moc"

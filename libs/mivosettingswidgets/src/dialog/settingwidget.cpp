@@ -1,0 +1,127 @@
+#include "mivosettingswidgets/settingwidget.h"
+
+#include "mivosettingswidgets/controls.h"
+#include "mivosettingswidgets/isettingbox.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QEvent>
+#include <QtCore/QVariant>
+#include <QtWidgets/QScrollBar>
+#include <QtWidgets/QVBoxLayout>
+
+#include <algorithm>
+#include <iterator>
+#include <map>
+
+namespace mivo::settings {
+
+namespace {
+
+/// Every new widget has itself polished from the event loop, shown or not. Without that it is
+/// polished when it is first shown.
+void polishWhenShown(QWidget* widget)
+{
+    QCoreApplication::removePostedEvents(widget, QEvent::PolishRequest);
+    const auto children = widget->findChildren<QWidget*>();
+    for (QWidget* child : children) {
+        QCoreApplication::removePostedEvents(child, QEvent::PolishRequest);
+    }
+}
+
+} // namespace
+
+class SettingWidget::Impl : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit Impl(SettingWidget* section) : owner(section), content(new QWidget(section))
+    {
+        content->setProperty("style", QStringLiteral("BG3"));
+        column = new QVBoxLayout(content);
+        column->setContentsMargins(20, 20, 20, 20);
+        column->setSpacing(8);
+        column->addStretch(1);
+    }
+
+    /// Tab goes through the pages from top to bottom; those from `position` on are new there.
+    void orderTabStops(int position) const
+    {
+        QWidget* previous = nullptr;
+        for (int i = std::max(0, position - 1); i < column->count() - 1; ++i) {
+            for (QWidget* stop : tabStops(column->itemAt(i)->widget(), content)) {
+                if (previous != nullptr && i >= position) {
+                    QWidget::setTabOrder(previous, stop);
+                }
+                previous = stop;
+            }
+        }
+    }
+
+    SettingWidget* owner;
+    QString title;
+    QVBoxLayout* column = nullptr;
+    QWidget* content;
+    std::map<int, ISettingBox*> order;
+};
+
+SettingWidget::SettingWidget(QWidget* parent) : QScrollArea(parent)
+{
+    verticalScrollBar()->setContextMenuPolicy(Qt::NoContextMenu);
+    horizontalScrollBar()->setContextMenuPolicy(Qt::NoContextMenu);
+    setWidgetResizable(true);
+    m_impl = std::make_unique<Impl>(this);
+    setWidget(m_impl->content);
+}
+
+SettingWidget::~SettingWidget() = default;
+
+void SettingWidget::insertSettingsBox(ISettingBox* box, int index) const
+{
+    if (index == -1) {
+        index = m_impl->column->count() - 1;
+    }
+    ensurePolished(); // now, while it is cheap: polishing a parent polishes all of its children
+    polishWhenShown(box);
+    // Kept on purpose: a second page with a key is placed, but not recorded.
+    const auto place = m_impl->order.emplace(index, box).first;
+    const auto position = static_cast<int>(std::distance(m_impl->order.begin(), place));
+    m_impl->column->insertWidget(position, box);
+    m_impl->orderTabStops(position);
+    connect(box, &ISettingBox::sigTitleTextChanged, this, &SettingWidget::sigTitleTextChanged);
+}
+
+void SettingWidget::setTitle(const QString& title) const
+{
+    m_impl->title = title;
+}
+
+QString SettingWidget::title() const
+{
+    return m_impl->title;
+}
+
+QSize SettingWidget::sizeHint() const
+{
+    // The base class would measure, and so polish, every control of a section that is not shown.
+    return minimumSizeHint();
+}
+
+bool SettingWidget::eventFilter(QObject* object, QEvent* event)
+{
+    // For the same reason: the base class measures the pages at once. showEvent() makes up for it.
+    return event->type() == QEvent::LayoutRequest && !isVisible()
+               ? false
+               : QScrollArea::eventFilter(object, event);
+}
+
+void SettingWidget::showEvent(QShowEvent* event)
+{
+    QScrollArea::showEvent(event);
+    QEvent measure(QEvent::LayoutRequest);
+    QCoreApplication::sendEvent(this, &measure);
+}
+
+} // namespace mivo::settings
+
+#include "settingwidget.moc"

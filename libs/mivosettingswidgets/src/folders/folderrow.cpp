@@ -1,0 +1,129 @@
+#include "folders/folderrow.h"
+
+#include "folders/folderselection.h"
+#include "mivosettingswidgets/controls.h"
+#include "mivosettingswidgets/texts.h"
+
+#include <mivoqutils/volumes.h>
+#include <mivowidgets/editbox.h>
+#include <mivowidgets/pushbutton.h>
+#include <mivowidgets/tipdialog.h>
+
+#include <QtCore/QDir>
+#include <QtWidgets/QHBoxLayout>
+#include <QtWidgets/QLabel>
+
+namespace mivo::settings {
+
+using mivo::widgets::EditBox;
+using mivo::widgets::PushButton;
+using mivo::widgets::TipDialog;
+
+FolderRow::Means::Means() : bytesAvailable(&qutils::bytesAvailable), clear(&qutils::clearFolder) {}
+
+FolderRow::FolderRow(QWidget* page, QWidget* tip, Means means)
+    : caption(new QLabel), edit(new EditBox), browse(new PushButton), clear(new PushButton),
+      space(new QLabel), layout(rowOf({caption, edit, browse, clear, space, tip})), m_page(page),
+      m_tip(tip), m_means(std::move(means))
+{
+    edit->setReadOnly(true);
+    edit->setFixedWidth(180);
+    browse->setFixedHeight(24);
+    clear->setFixedHeight(24);
+    clear->setEnabled(false); // like everything that needs a folder
+    m_tip->hide();
+    connect(clear, &PushButton::clicked, this, &FolderRow::startClearing);
+}
+
+FolderRow::~FolderRow() = default;
+
+void FolderRow::addTexts(const char* captionKey, const RegisterText& text)
+{
+    caption->setBuddy(edit);
+    text(captionKey, [this](const QString& name) {
+        caption->setText(name);
+        edit->setAccessibleName(name);
+        browse->setAccessibleDescription(name); // which of the page's buttons of that text
+        clear->setAccessibleDescription(name);
+    });
+    text("Browse", [this](const QString& name) { browse->setText(name); });
+    text("Clear", [this](const QString& name) { clear->setText(name); });
+    text("RemainSpace", [this](const QString& prefix) {
+        m_spacePrefix = prefix;
+        showSpace();
+    });
+}
+
+QString FolderRow::path() const
+{
+    return edit->text();
+}
+
+void FolderRow::setPath(const QString& path)
+{
+    if (path == edit->text()) {
+        return;
+    }
+    edit->setText(path);
+    edit->setCursorPosition(0);
+    edit->setToolTip(tipOf(QDir::toNativeSeparators(path))); // it is longer than the box mostly
+    clear->setEnabled(!path.isEmpty());
+    emit pathChanged(path);
+    checkSpace();
+}
+
+void FolderRow::checkSpace()
+{
+    const QString drive = driveOf(path());
+    m_freeGibibytes = std::nullopt;
+    if (!drive.isEmpty()) { // one that does not answer, with -1, counts as full
+        m_freeGibibytes = m_means.bytesAvailable(drive) / (qint64(1) << 30);
+    }
+    showSpace();
+    // Kept on purpose: a limit in mebibytes for a number of whole gibibytes, so less than one.
+    const bool usedUp = m_freeGibibytes && *m_freeGibibytes * 1024 < 100;
+    m_tip->setVisible(usedUp);
+    emit spaceChecked(usedUp);
+}
+
+void FolderRow::showSpace()
+{
+    // Kept on purpose: one decimal of a whole number, always 0.
+    space->setText(m_freeGibibytes
+                       ? m_spacePrefix
+                             + QString::asprintf("%.1f G", static_cast<double>(*m_freeGibibytes))
+                       : QString());
+}
+
+void FolderRow::startClearing()
+{
+    const QString folder = path();
+    if ((m_clearing && m_clearing->isRunning()) || !confirmClearing(m_page, folder)) {
+        return;
+    }
+    m_clearing = std::make_unique<FolderClearing>(folder, m_page, m_means.clear);
+    connect(m_clearing.get(), &FolderClearing::finished, this,
+            [this, folder] { endClearing(folder); });
+}
+
+void FolderRow::endClearing(const QString& folder)
+{
+    const qutils::ClearResult result = m_clearing->result();
+    const QPointer<QWidget> page(m_page);
+    checkSpace();
+    if (result.refused) {
+        showTip(page, text(QStringLiteral("ClearRefused")), TipDialog::warning,
+                QDir::toNativeSeparators(folder));
+    } else if (!result.notRemoved.isEmpty()) {
+        constexpr int mostNamed = 10;
+        QStringList named = result.notRemoved.mid(0, mostNamed);
+        if (result.notRemoved.size() > mostNamed) {
+            named.append(
+                text(QStringLiteral("ClearMore")).arg(result.notRemoved.size() - mostNamed));
+        }
+        showTip(page, text(QStringLiteral("ClearIncomplete")), TipDialog::warning,
+                named.join(QLatin1Char('\n')));
+    }
+}
+
+} // namespace mivo::settings

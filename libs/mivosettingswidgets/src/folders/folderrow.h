@@ -1,0 +1,85 @@
+#pragma once
+
+#include "folders/folderclearing.h"
+#include "mivosettingswidgets/export.h"
+
+#include <QtCore/QObject>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+class QHBoxLayout;
+class QLabel;
+class QWidget;
+
+namespace mivo::widgets {
+class EditBox;
+class PushButton;
+} // namespace mivo::widgets
+
+namespace mivo::settings {
+
+/// The row of a folder on a page: caption, path, buttons, free space of the drive, and the tip that
+/// warns when that runs out. Clears the folder; choosing another one is the page's. GUI thread.
+class MIVOSETTINGSWIDGETS_EXPORT FolderRow : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Registers a text as SettingPageImpl::text() does.
+    using RegisterText =
+        std::function<void(const char* key, std::function<void(const QString&)> set)>;
+
+    /// The means of the row, for tests to replace.
+    struct MIVOSETTINGSWIDGETS_EXPORT Means
+    {
+        Means();
+
+        std::function<qint64(const QString& drive)> bytesAvailable; ///< -1 when unknown
+        FolderClearing::Clear clear;                                ///< on a thread of its own
+    };
+
+    /// `tip` comes hidden into the row, as its last; the page sets its text. The widgets get a
+    /// parent with the row's layout.
+    FolderRow(QWidget* page, QWidget* tip, Means means = {});
+    ~FolderRow() override;
+
+    QLabel* const caption;
+    mivo::widgets::EditBox* const edit;
+    mivo::widgets::PushButton* const browse;
+    mivo::widgets::PushButton* const clear;
+    QLabel* const space;
+    QHBoxLayout* const layout; ///< made in the order of the fields; a page may insert more
+
+    /// Registers all texts but the tip's.
+    void addTexts(const char* captionKey, const RegisterText& text);
+
+    QString path() const;
+
+    /// Shows the path and the free space of its drive; nothing when the path is shown already.
+    void setPath(const QString& path);
+
+    /// Asks for the free space again, and shows it. Nothing is shown for a path without a drive.
+    void checkSpace();
+
+signals:
+    void pathChanged(const QString& path);
+
+    /// The free space was asked for; `usedUp` is whether the tip is visible now.
+    void spaceChecked(bool usedUp);
+
+private:
+    void startClearing();
+    void endClearing(const QString& folder);
+    void showSpace();
+
+    QWidget* m_page;
+    QWidget* m_tip;
+    Means m_means;
+    QString m_spacePrefix;
+    std::optional<qint64> m_freeGibibytes;
+    std::unique_ptr<FolderClearing> m_clearing;
+};
+
+} // namespace mivo::settings

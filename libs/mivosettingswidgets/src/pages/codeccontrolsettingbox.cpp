@@ -1,0 +1,348 @@
+#include "mivosettingswidgets/codeccontrolsettingbox.h"
+
+#include "mivohostapi/imediaoutput.h"
+#include "mivosettingswidgets/controls.h"
+#include "mivosettingswidgets/settingpageimpl.h"
+
+#include <mivowidgets/combobox.h>
+
+#include <QtWidgets/QHBoxLayout>
+#include <QtWidgets/QLabel>
+
+#include <array>
+#include <optional>
+
+namespace mivo::settings {
+
+using mivo::mediaoutput::IPhysicsOutputMgr;
+using mivo::mediaoutput::IRenderFacade;
+using mivo::mediaoutput::STOutputConfig;
+using mivo::widgets::ComboBox;
+
+namespace {
+
+constexpr const char* standardRange = "SDR";
+
+// By the text on the screen; what is not here counts as the first.
+constexpr std::array<std::pair<const char*, std::uint32_t>, 3> bitDepthTexts{
+    {{"8bit", 8}, {"10bit", 10}, {"12bit", 12}}};
+
+const char* textOfBitDepth(std::uint32_t bitDepth)
+{
+    for (const auto& [text, depth] : bitDepthTexts) {
+        if (depth == bitDepth) {
+            return text;
+        }
+    }
+    return bitDepthTexts[0].first;
+}
+
+std::uint32_t bitDepthOfText(const QString& shown)
+{
+    for (const auto& [text, depth] : bitDepthTexts) {
+        if (shown == QLatin1String(text)) {
+            return depth;
+        }
+    }
+    return bitDepthTexts[0].second;
+}
+
+} // namespace
+
+class CodecControlSettingBox::Impl : public SettingPageImpl
+{
+    Q_OBJECT
+
+public:
+    explicit Impl(CodecControlSettingBox* page);
+
+    // Runtime thread.
+    void onGraphicsCardsChanged() { queue("updateDisplayCardInfo"); }
+    void onGraphicsCardChanged(const std::string& name) { queue("setGraphicsCard", name); }
+    void onDisplayTechnologyStandardChanged(const std::string& standard)
+    {
+        queue("setDisplayTechnologyStandard", standard);
+    }
+    void onDynamicRangeConfigChanged(const DynamicRangeConfig& config)
+    {
+        queue("setDynamicRange", config);
+    }
+
+    IRenderFacade* renderFacade = nullptr;
+    std::weak_ptr<IPhysicsOutputMgr> physicsOutputMgr;
+
+public slots:
+    void updateDisplayCardInfo();
+    void setGraphicsCard(const std::string& name) { showText(m_card, name); }
+    void onGraphicsCardComBoxChanged();
+    void setDisplayTechnologyStandard(const std::string& name) { showText(m_standard, name); }
+    void onDisplayTechnologyStandardsComBoxChanged();
+    void setDynamicRange(const DynamicRangeConfig& dynamicRangeConfig);
+    void onDynamicRangeComBoxChanged();
+    void processDisplayConfigChange();
+
+protected:
+    void initSettings() override;
+
+private:
+    struct Cards
+    {
+        std::vector<std::string> names;
+        std::string stored;
+    };
+
+    void layOut();
+    void addTexts();
+    void showBitDepths(std::uint32_t rangeMode);
+    std::optional<Cards> fetchCards(const CallSite& site);
+
+    QLabel* m_label;
+    ComboBox* m_card;
+    ComboBox* m_range;
+    ComboBox* m_bitDepth;
+    ComboBox* m_standard;
+    QLabel* m_restartIcon;
+    QLabel* m_restartText;
+    STOutputConfig m_outputConfig;
+};
+
+CodecControlSettingBox::Impl::Impl(CodecControlSettingBox* page)
+    : SettingPageImpl(page, QStringLiteral("Display Settings")), m_label(new QLabel),
+      m_card(new ComboBox(page)), m_range(new ComboBox(page)), m_bitDepth(new ComboBox(page)),
+      m_standard(new ComboBox(page)), m_restartIcon(new QLabel), m_restartText(new QLabel)
+{
+    qRegisterMetaType<DynamicRangeConfig>("DynamicRangeConfig");
+    m_range->addItem(QLatin1String(standardRange));
+    showBitDepths(0);
+    for (const char* standard : displayTechnologyStandards) {
+        m_standard->addItem(QLatin1String(standard));
+    }
+    layOut();
+    addTexts();
+
+    // By the user alone, and also where he chooses what is shown already: that a card is shown does
+    // not mean that it is stored.
+    connect(m_card, qOverload<int>(&ComboBox::activated), this, &Impl::onGraphicsCardComBoxChanged);
+    connect(m_standard, qOverload<int>(&ComboBox::activated), this,
+            &Impl::onDisplayTechnologyStandardsComBoxChanged);
+    connect(m_bitDepth, qOverload<int>(&ComboBox::activated), this,
+            &Impl::processDisplayConfigChange);
+    connect(m_range, qOverload<int>(&ComboBox::currentIndexChanged), this,
+            &Impl::onDynamicRangeComBoxChanged);
+
+    follow(&IMivoSettings::graphicsCardChanged, &Impl::onGraphicsCardChanged);
+    follow(&IMivoSettings::displayTechnologyStandardChanged,
+           &Impl::onDisplayTechnologyStandardChanged);
+    follow(&IMivoSettings::dynamicRangeConfigChanged, &Impl::onDynamicRangeConfigChanged);
+    follow([this] {
+        if (renderFacade == nullptr) {
+            return sigslot::connection();
+        }
+        return renderFacade->graphicsCardsChanged.connect(&Impl::onGraphicsCardsChanged,
+                                                          self<Impl>());
+    });
+}
+
+void CodecControlSettingBox::Impl::layOut()
+{
+    owner->setObjectName(QStringLiteral("CodecControlSettingGroupBox"));
+    m_label->setObjectName(QStringLiteral("MainProgramWindow"));
+    m_card->setFixedWidth(240);
+    m_range->setFixedWidth(100);
+    m_standard->setFixedWidth(100);
+
+    auto* row = new QHBoxLayout;
+    row->setSpacing(0);
+    row->setContentsMargins(2, 0, 0, 0);
+    for (QWidget* widget : QList<QWidget*>{m_label, m_card, m_range, m_bitDepth, m_standard}) {
+        row->addWidget(widget);
+        row->addSpacing(8);
+    }
+    addRestartTip(row, m_restartIcon, m_restartText);
+
+    auto* column = new QVBoxLayout(owner);
+    column->addLayout(row);
+    column->addStretch();
+    column->setContentsMargins(30, 20, 0, 16);
+}
+
+void CodecControlSettingBox::Impl::addTexts()
+{
+    text(QStringLiteral("CodecControl"), [this](const QString& title) { owner->setTitle(title); });
+    text(QStringLiteral("MainProgramWindow"), m_label, m_card);
+    // Without a label of their own.
+    for (const auto& [key, combo] :
+         {std::pair("DynamicRange", m_range), std::pair("BitDepth", m_bitDepth),
+          std::pair("DisplayTechnologyStandard", m_standard)}) {
+        text(QString::fromLatin1(key), [combo = combo](const QString& name) {
+            combo->setAccessibleName(name);
+            combo->setToolTip(name);
+        });
+    }
+    text(QStringLiteral("RestartTakeEffect"), m_restartText);
+    navigationText(QStringLiteral("DisplaySettings"));
+}
+
+void CodecControlSettingBox::Impl::initSettings()
+{
+    if (startFetching()) {
+        fetch(&IMivoSettings::getGraphicsCard, "setGraphicsCard");
+        fetch(&IMivoSettings::getDisplayTechnologyStandard, "setDisplayTechnologyStandard");
+        fetch(&IMivoSettings::getDynamicRangeConfig, "setDynamicRange");
+    }
+}
+
+void CodecControlSettingBox::Impl::updateDisplayCardInfo()
+{
+    const CallSite site("updateDisplayCardInfo");
+    // The text names another operation, kept on purpose.
+    if (!hasRuntime(site, "CodecControlSettingBox::setPhysicsOutputMgr zrRuntime is nullptr!")) {
+        return;
+    }
+    const auto cards = fetchCards(site);
+    if (!cards) {
+        return;
+    }
+    {
+        const QSignalBlocker blocker(m_card);
+        m_card->clear();
+        for (const std::string& name : cards->names) {
+            m_card->addItem(QString::fromStdString(name));
+        }
+    }
+    if (showText(m_card, cards->stored)) {
+        return;
+    }
+    const auto inUse = inRuntime(site, [this] { return renderFacade->graphicsCardInUse(); });
+    if (!showText(m_card, inUse)) {
+        logAt(spdlog::level::err, site, "card select err. {}", inUse);
+    }
+}
+
+/// Nothing, and a line in the log, where there is no facade to ask; nothing where the runtime
+/// refuses.
+std::optional<CodecControlSettingBox::Impl::Cards>
+CodecControlSettingBox::Impl::fetchCards(const CallSite& site)
+{
+    return inRuntime(site, [this, site]() -> std::optional<Cards> {
+        if (renderFacade == nullptr) {
+            warn(site, "renderFacade is nullptr!");
+            return std::nullopt;
+        }
+        Cards cards{renderFacade->graphicsCards(), {}};
+        if (sharedSettings != nullptr) {
+            cards.stored = sharedSettings->getGraphicsCard();
+        } else {
+            // Another spelling than elsewhere, kept on purpose.
+            warn(site, "shareSettings is nullptr!");
+        }
+        return cards;
+    });
+}
+
+void CodecControlSettingBox::Impl::onGraphicsCardComBoxChanged()
+{
+    submit("onGraphicsCardComBoxChanged", &IMivoSettings::setGraphicsCard,
+           m_card->currentText().toStdString());
+}
+
+void CodecControlSettingBox::Impl::onDisplayTechnologyStandardsComBoxChanged()
+{
+    submit("onDisplayTechnologyStandardsComBoxChanged",
+           &IMivoSettings::setDisplayTechnologyStandard, m_standard->currentText().toStdString());
+}
+
+void CodecControlSettingBox::Impl::showBitDepths(std::uint32_t rangeMode)
+{
+    const QSignalBlocker blocker(m_bitDepth);
+    m_bitDepth->clear();
+    for (const std::uint32_t depth : bitDepths(rangeMode)) {
+        m_bitDepth->addItem(QLatin1String(textOfBitDepth(depth)));
+    }
+}
+
+void CodecControlSettingBox::Impl::setDynamicRange(const DynamicRangeConfig& dynamicRangeConfig)
+{
+    showText(m_range, standardRange);
+    showBitDepths(dynamicRangeConfig.rangeMode);
+    showText(m_bitDepth, textOfBitDepth(dynamicRangeConfig.bitDepth));
+}
+
+void CodecControlSettingBox::Impl::onDynamicRangeComBoxChanged()
+{
+    showBitDepths(0);
+    processDisplayConfigChange();
+}
+
+void CodecControlSettingBox::Impl::processDisplayConfigChange()
+{
+    const CallSite site("processDisplayConfigChange");
+    if (!hasStore(site)) {
+        return;
+    }
+    // Always mode 0, whatever is shown; kept on purpose.
+    const DynamicRangeConfig config{0, bitDepthOfText(m_bitDepth->currentText())};
+    m_outputConfig.graphicsCard = m_card->currentText().toStdString();
+    m_outputConfig.displayTechnologyStandard = m_standard->currentText().toStdString();
+    inRuntime(site, [this, config, site] {
+        sharedSettings->setDynamicRangeConfig(config);
+        // The store may have refused it.
+        m_outputConfig.bitDepth = sharedSettings->getDynamicRangeConfig().bitDepth;
+        if (const auto manager = physicsOutputMgr.lock()) {
+            manager->setOutputConfig(m_outputConfig);
+        } else {
+            // The text names another operation, kept on purpose.
+            warn(site, "CodecControlSettingBox::setPhysicsOutputMgr sharedPhysicsOutputMgr is "
+                       "nullptr!");
+        }
+    });
+}
+
+CodecControlSettingBox::CodecControlSettingBox(QWidget* parent) : SettingPage(parent)
+{
+    setImpl(std::make_unique<Impl>(this));
+}
+
+CodecControlSettingBox::~CodecControlSettingBox() = default;
+
+void CodecControlSettingBox::setSettings(MivoSettings* settings)
+{
+    if (Impl::isStore(settings, "setSettings")
+        && impl<Impl>().hasRuntime("setSettings",
+                                   "CodecControlSettingBox::setSettings zrRuntime is nullptr!")) {
+        impl<Impl>().setSettings(settings);
+    }
+}
+
+void CodecControlSettingBox::unsetSettings()
+{
+    if (impl<Impl>().hasStore("unsetSettings")
+        && impl<Impl>().hasRuntime("unsetSettings",
+                                   "CodecControlSettingBox::unsetSettings zrRuntime is nullptr!")) {
+        impl<Impl>().unsetSettings();
+    }
+}
+
+void CodecControlSettingBox::setRenderFacade(IRenderFacade* facade)
+{
+    impl<Impl>().renderFacade = facade;
+}
+
+void CodecControlSettingBox::setPhysicsOutputMgr(std::weak_ptr<IPhysicsOutputMgr> manager)
+{
+    impl<Impl>().physicsOutputMgr = std::move(manager);
+}
+
+void CodecControlSettingBox::updateDisplayCardInfo()
+{
+    impl<Impl>().updateDisplayCardInfo();
+}
+
+void CodecControlSettingBox::updateDynamicRangeConfig(const DynamicRangeConfig& config)
+{
+    impl<Impl>().setDynamicRange(config);
+}
+
+} // namespace mivo::settings
+
+#include "codeccontrolsettingbox.moc"

@@ -1,0 +1,84 @@
+#include "pages/countdownprompt.h"
+
+#include "mivosettingswidgets/texts.h"
+
+#include <mivowidgets/tipdialog.h>
+
+#include <utility>
+
+namespace mivo::settings {
+
+using mivo::widgets::TipDialog;
+
+CountdownPrompt::CountdownPrompt(const CountdownKeys& keys, std::function<void()> onTick)
+    : m_keys(keys), m_onTick(std::move(onTick))
+{
+    m_timer.setInterval(1000);
+    m_timer.setTimerType(Qt::PreciseTimer);
+    QObject::connect(&m_timer, &QTimer::timeout, [this] { m_onTick(); });
+}
+
+std::optional<int> CountdownPrompt::count(QWidget* parent, int seconds)
+{
+    const bool wasOpen = m_dialog;
+    if (!wasOpen) {
+        m_dialog = new TipDialog(parent);
+        m_dialog->setTipKind(TipDialog::warning);
+        m_dialog->setButtonTexts(settings::text(QString::fromLatin1(m_keys.cancel)),
+                                 settings::text(QString::fromLatin1(m_keys.accept)));
+        m_dialog->setAssistText(settings::text(QString::fromLatin1(m_keys.assist)));
+        m_dialog->setCancelButtonVisible(true);
+    }
+    const QPointer<TipDialog> dialog = m_dialog;
+    m_secondsLeft = seconds;
+    m_timer.start();
+    m_onTick();
+    if (wasOpen) {
+        return std::nullopt;
+    }
+    // A count-down from zero has run out already.
+    const int result = m_timer.isActive() ? dialog->run() : TipDialog::dismissed;
+    if (!dialog) {
+        return std::nullopt;
+    }
+    m_timer.stop();
+    delete dialog;
+    return result;
+}
+
+bool CountdownPrompt::tick()
+{
+    if (!m_dialog) {
+        return false;
+    }
+    m_dialog->setTipText(text());
+    if (--m_secondsLeft >= 0) {
+        return false;
+    }
+    dismiss();
+    return true;
+}
+
+void CountdownPrompt::dismiss()
+{
+    m_timer.stop();
+    if (m_dialog) {
+        m_dialog->done(TipDialog::dismissed);
+        m_dialog = nullptr; // it may have to wait for a prompt above it, and is deleted after that
+    }
+}
+
+QString CountdownPrompt::text() const
+{
+    const QString key = QString::fromLatin1(m_keys.text);
+    QStringList words{settings::text(key + QStringLiteral("Prefix")),
+                      QString::number(m_secondsLeft)};
+    if (isEnglish()) {
+        words.append(settings::text(m_secondsLeft < 2 ? QStringLiteral("Second")
+                                                      : QStringLiteral("Seconds")));
+    }
+    words.append(settings::text(key + QStringLiteral("Suffix")));
+    return joined(words);
+}
+
+} // namespace mivo::settings

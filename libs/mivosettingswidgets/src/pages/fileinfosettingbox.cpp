@@ -1,0 +1,191 @@
+#include "mivosettingswidgets/fileinfosettingbox.h"
+
+#include "folders/folderrow.h"
+#include "folders/folderselection.h"
+#include "mivosettingswidgets/controls.h"
+#include "mivosettingswidgets/settingpageimpl.h"
+
+#include <mivowidgets/combobox.h>
+#include <mivowidgets/editbox.h>
+#include <mivowidgets/pushbutton.h>
+
+#include <QtWidgets/QHBoxLayout>
+#include <QtWidgets/QLabel>
+
+namespace mivo::settings {
+
+using mivo::widgets::ComboBox;
+using mivo::widgets::PushButton;
+
+class FileInfoSettingBox::Impl : public SettingPageImpl
+{
+    Q_OBJECT
+
+public:
+    explicit Impl(FileInfoSettingBox* page);
+
+    // Runtime thread.
+    void onStoredTimeTypeChanged(int type) { queue("setPlayLogStorageTimeType", type); }
+    void onStoredPlayLogPathChanged(const std::string& path)
+    {
+        queue("setPlayLogPathStr", QString::fromStdString(path));
+    }
+    void onStoredCachePathChanged(const std::string& path)
+    {
+        queue("setCachePathStr", QString::fromStdString(path));
+    }
+    void onStoredSharePathChanged(const std::string& path)
+    {
+        queue("setSharePathStr", QString::fromStdString(path));
+    }
+
+public slots:
+    void setPlayLogStorageTimeType(int type) { showValue(m_timeType, type); }
+    void setPlayLogPathStr(const QString& path) { m_playLog->setPath(path); }
+    void setCachePathStr(const QString& path) { m_cache->setPath(path); }
+    void setSharePathStr(const QString& path) { m_share->setPath(path); }
+    void setFileInfoSettings(const STFileInfoSettings& info);
+    void onPlayLogStorageTimeComboBoxIndexChanged(int index);
+    void onPlayLogPathChanged(const QString& path);
+    void onCacheChanged(const QString& path);
+    void onShareChanged(const QString& path);
+
+protected:
+    void initSettings() override;
+
+private:
+    FolderRow* addFolder(const char* captionKey, const char* tipName, const char* subFolder,
+                         void (Impl::*changed)(const QString& path));
+
+    QLabel* m_timeTypeLabel;
+    ComboBox* m_timeType;
+    QVBoxLayout* m_column;
+    FolderRow* m_playLog = nullptr;
+    FolderRow* m_cache = nullptr;
+    FolderRow* m_share = nullptr;
+};
+
+namespace {
+
+constexpr int captionWidth = 120;
+
+} // namespace
+
+FileInfoSettingBox::Impl::Impl(FileInfoSettingBox* page)
+    : SettingPageImpl(page, QStringLiteral("GeneralSettings")), m_timeTypeLabel(new QLabel),
+      m_timeType(new ComboBox), m_column(new QVBoxLayout(page))
+{
+    page->setObjectName(QStringLiteral("FileInfoSettingGroupBox"));
+    m_timeTypeLabel->setFixedWidth(captionWidth);
+    m_timeType->setObjectName(QStringLiteral("playLogStorageTime"));
+    m_timeType->setFixedWidth(100);
+    for (int type = PlayLogPermanent; type <= PlayLogTwelveMonths; ++type) {
+        m_timeType->addItem(QString(), type);
+    }
+    m_column->setContentsMargins(30, 20, 0, 16);
+    m_column->setSpacing(12);
+    m_column->addLayout(rowOf({m_timeTypeLabel, m_timeType}));
+
+    text(QStringLiteral("FileInfoGroup"), [page](const QString& title) { page->setTitle(title); });
+    text(QStringLiteral("PlayLogStorageTime"), m_timeTypeLabel, m_timeType);
+    itemTexts(m_timeType,
+              {"PermanentDefault", "OneMonth", "ThreeMonths", "SixMonths", "TwelveMonths"});
+    m_playLog = addFolder("LogPath", "logSpaceTips", "/playlog", &Impl::onPlayLogPathChanged);
+    m_cache = addFolder("CachePath", "cacheSpaceTips", "/cache", &Impl::onCacheChanged);
+    m_share =
+        addFolder("SharePath", "shareFolderSpaceTips", "/sharedfolder", &Impl::onShareChanged);
+    navigationText(QStringLiteral("GeneralSettings"));
+
+    connect(m_timeType, qOverload<int>(&ComboBox::currentIndexChanged), this,
+            &Impl::onPlayLogStorageTimeComboBoxIndexChanged);
+    follow(&IMivoSettings::playLogStorageTimeTypeChanged, &Impl::onStoredTimeTypeChanged);
+    follow(&IMivoSettings::playLogPathChanged, &Impl::onStoredPlayLogPathChanged);
+    follow(&IMivoSettings::cachePathChanged, &Impl::onStoredCachePathChanged);
+    follow(&IMivoSettings::sharePathChanged, &Impl::onStoredSharePathChanged);
+}
+
+FolderRow* FileInfoSettingBox::Impl::addFolder(const char* captionKey, const char* tipName,
+                                               const char* subFolder,
+                                               void (Impl::*changed)(const QString& path))
+{
+    auto* tip = new QLabel;
+    tip->setObjectName(QString::fromLatin1(tipName));
+    auto* row = new FolderRow(owner, tip);
+    row->setParent(this);
+    row->caption->setFixedWidth(captionWidth);
+    m_column->addLayout(row->layout);
+    row->addTexts(captionKey, textRegistrar());
+    text(QStringLiteral("NoSpace"), tip);
+
+    auto* page = static_cast<FileInfoSettingBox*>(owner);
+    connect(row, &FolderRow::spaceChecked, page, &FileInfoSettingBox::notifySpaceUseup);
+    connect(row->browse, &PushButton::clicked, this, [this, row, subFolder, changed] {
+        QString path = row->path();
+        if (FolderSelection(fileInfoFolderRules, owner).createSecLevelDir(path, subFolder)) {
+            row->setPath(path);
+            (this->*changed)(path);
+        }
+    });
+    return row;
+}
+
+void FileInfoSettingBox::Impl::initSettings()
+{
+    if (startFetching()) {
+        fetch(&IMivoSettings::getFileInfoSettings, "setFileInfoSettings");
+    }
+}
+
+void FileInfoSettingBox::Impl::setFileInfoSettings(const STFileInfoSettings& info)
+{
+    setPlayLogStorageTimeType(info.playLogStorageTimeType);
+    setPlayLogPathStr(QString::fromStdString(info.playLogPath));
+    setCachePathStr(QString::fromStdString(info.cachePath));
+    setSharePathStr(QString::fromStdString(info.sharePath));
+}
+
+void FileInfoSettingBox::Impl::onPlayLogStorageTimeComboBoxIndexChanged(int index)
+{
+    submit("onPlayLogStorageTimeComboBoxIndexChanged", &IMivoSettings::setPlayLogStorageTimeType,
+           m_timeType->itemData(index).toInt());
+}
+
+void FileInfoSettingBox::Impl::onPlayLogPathChanged(const QString& path)
+{
+    submit("onPlayLogPathChanged", &IMivoSettings::setPlayLogPath, path.toStdString());
+}
+
+void FileInfoSettingBox::Impl::onCacheChanged(const QString& path)
+{
+    submit("onCacheChanged", &IMivoSettings::setCachePath, path.toStdString());
+}
+
+void FileInfoSettingBox::Impl::onShareChanged(const QString& path)
+{
+    submit("onShareChanged", &IMivoSettings::setSharePath, path.toStdString());
+}
+
+FileInfoSettingBox::FileInfoSettingBox(QWidget* parent) : SettingPage(parent)
+{
+    setImpl(std::make_unique<Impl>(this));
+}
+
+FileInfoSettingBox::~FileInfoSettingBox() = default;
+
+void FileInfoSettingBox::setSettings(MivoSettings* settings)
+{
+    if (Impl::isStore(settings, "setSettings")) {
+        impl<Impl>().setSettings(settings);
+    }
+}
+
+void FileInfoSettingBox::unsetSettings()
+{
+    if (impl<Impl>().hasStore("unsetSettings")) {
+        impl<Impl>().unsetSettings();
+    }
+}
+
+} // namespace mivo::settings
+
+#include "fileinfosettingbox.moc"

@@ -1,0 +1,532 @@
+#include "mivosettingswidgets/netdevicesettingwidget.h"
+
+#include "kit/borrowed.h"
+#include "mivohostapi/peripherals.h"
+#include "mivosettingswidgets/controls.h"
+#include "mivosettingswidgets/settingpageimpl.h"
+
+#include <mivowidgets/checkbox.h>
+#include <mivowidgets/editbox.h>
+#include <mivowidgets/pushbutton.h>
+#include <mivowidgets/spineditbox.h>
+
+#include <QtCore/QLoggingCategory>
+#include <QtWidgets/QHBoxLayout>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QListWidget>
+
+#include <utility>
+
+using mivo::peripheralcontrol::SAddDMXInfo;
+using mivo::peripheralcontrol::SAddOSCInfo;
+
+namespace mivo::settings {
+
+using mivo::peripheralcontrol::DmxPeripheral;
+using mivo::peripheralcontrol::MidiPeripheral;
+using mivo::peripheralcontrol::OscPeripheral;
+using mivo::peripheralcontrol::SMIDIDevInfo;
+using mivo::widgets::CheckBox;
+using mivo::widgets::EditBox;
+using mivo::widgets::PushButton;
+using mivo::widgets::SpinEditBox;
+
+template <>
+inline constexpr const char* queuedTypeText<std::uint16_t> = "const uint16_t";
+template <>
+inline constexpr const char* queuedTypeText<SAddDMXInfo> = "SAddDMXInfo";
+template <>
+inline constexpr const char* queuedTypeText<SAddOSCInfo> = "SAddOSCInfo";
+
+namespace {
+
+/// One listening port.
+struct PortRow
+{
+    QLabel* label = new QLabel;
+    SpinEditBox* port = new SpinEditBox;
+    PushButton* open = new PushButton;
+    PushButton* close = new PushButton;
+    QLabel* status = new QLabel;
+    QLabel* failure = new QLabel;
+    bool wish = false; // whether it is to be open
+
+    void show(bool isOpen, int number)
+    {
+        showValue(port, number);
+        wish = isOpen;
+        open->setEnabled(!isOpen);
+        port->setEnabled(!isOpen);
+        status->setVisible(isOpen);
+        if (isOpen) {
+            failure->hide();
+        }
+    }
+
+    void showFailure(const QString& reason)
+    {
+        failure->setText(reason);
+        failure->setToolTip(reason);
+        failure->setVisible(!reason.isEmpty());
+    }
+};
+
+} // namespace
+
+class DeviceSettingWidget::Impl : public SettingPageImpl
+{
+    Q_OBJECT
+
+public:
+    explicit Impl(DeviceSettingWidget* page);
+
+    void useMidi(MidiPeripheral* midi);
+    void useDmx(DmxPeripheral* dmx);
+    void useOsc(OscPeripheral* osc);
+
+public slots:
+    void getTCPPortInfo(const bool open, const uint16_t port) { m_tcp.show(open, port); }
+    void getUDPPortInfo(const bool open, const uint16_t port) { m_udp.show(open, port); }
+    void setTCPPortInfo(const bool open, const uint16_t port) { m_tcp.show(open, port); }
+    void setUDPPortInfo(const bool open, const uint16_t port) { m_udp.show(open, port); }
+    void setTCPFailure(const QString& reason) { m_tcp.showFailure(reason); }
+    void setUDPFailure(const QString& reason) { m_udp.showFailure(reason); }
+    void setDmxData(const SAddDMXInfo& info);
+    void setDmxEnable(bool on) { showValue(m_useDmx, on); }
+    void setDmxFailure(const QString& reason) { m_dmxFailure->setText(reason); }
+    void addMIDIDevices(const std::vector<std::string>& names);
+    void setMidiEnable(bool on) { showValue(m_useMidi, on); }
+    void setOscData(SAddOSCInfo info) { showValue(m_oscPort, info.port); }
+    void setOscEnable(bool on) { showValue(m_useOsc, on); }
+    void setOscFailure(const QString& reason) { m_oscFailure->setText(reason); }
+    void onTcpPortChanged()
+    {
+        submitPort("onTcpPortChanged", {__FILE__, __LINE__, Q_FUNC_INFO}, m_tcp,
+                   &IMivoSettings::setTcpPort);
+    }
+    void onUdpPortChanged()
+    {
+        submitPort("onUdpPortChanged", {__FILE__, __LINE__, Q_FUNC_INFO}, m_udp,
+                   &IMivoSettings::setUdpPort);
+    }
+    void onAddDmx();
+    void onAddOsc();
+
+protected:
+    void initSettings() override;
+
+private:
+    void layOut();
+    QWidget* layOutMidi();
+    QWidget* layOutDmx();
+    QWidget* layOutOsc();
+    void addTexts();
+    void connectRow(PortRow& row, void (Impl::*changed)());
+    void submitPort(const CallSite& site, const QMessageLogger& log, const PortRow& row,
+                    void (IMivoSettings::*set)(const STPortInfo&));
+
+    // Store to slot, on the runtime thread.
+    void onTcpChanged(const STPortInfo& info) { queue("getTCPPortInfo", info.open, info.port); }
+    void onUdpChanged(const STPortInfo& info) { queue("getUDPPortInfo", info.open, info.port); }
+    void onTcpFailed(const std::string& reason)
+    {
+        queue("setTCPFailure", QString::fromStdString(reason));
+    }
+    void onUdpFailed(const std::string& reason)
+    {
+        queue("setUDPFailure", QString::fromStdString(reason));
+    }
+
+    void queueDmx(const SAddDMXInfo& info)
+    {
+        queue("setDmxData", info);
+        queue("setDmxEnable", info.enabled);
+    }
+    void queueDmxFailure(const std::string& reason)
+    {
+        queue("setDmxFailure", QString::fromStdString(reason));
+    }
+    void queueOsc(const SAddOSCInfo& info)
+    {
+        queue("setOscData", info);
+        queue("setOscEnable", info.enabled);
+    }
+    void queueOscFailure(const std::string& reason)
+    {
+        queue("setOscFailure", QString::fromStdString(reason));
+    }
+    void queueDevices(const std::vector<SMIDIDevInfo>& devices);
+
+    template <typename Service>
+    static bool use(Borrowed<Service>& borrowed, Service* service, QWidget* section);
+
+    PortRow m_tcp;
+    PortRow m_udp;
+    QGroupBox* m_external;
+    CheckBox* m_useMidi;
+    QLabel* m_devicesLabel;
+    QListWidget* m_devices;
+    CheckBox* m_useDmx;
+    QLabel* m_nodeNameLabel;
+    EditBox* m_nodeName;
+    QLabel* m_channelLabel;
+    SpinEditBox* m_channel;
+    QLabel* m_subnetLabel;
+    SpinEditBox* m_subnet;
+    QLabel* m_domainLabel;
+    SpinEditBox* m_domain;
+    PushButton* m_applyDmx;
+    QLabel* m_dmxFailure;
+    CheckBox* m_useOsc;
+    QLabel* m_oscPortLabel;
+    SpinEditBox* m_oscPort;
+    QLabel* m_oscFailure;
+    QWidget* m_midiSection;
+    QWidget* m_dmxSection;
+    QWidget* m_oscSection;
+
+    Borrowed<MidiPeripheral> m_midi;
+    Borrowed<DmxPeripheral> m_dmx;
+    Borrowed<OscPeripheral> m_osc;
+};
+
+DeviceSettingWidget::Impl::Impl(DeviceSettingWidget* page)
+    : SettingPageImpl(page, QStringLiteral("netSetting")), m_external(new QGroupBox),
+      m_useMidi(new CheckBox), m_devicesLabel(new QLabel), m_devices(new QListWidget),
+      m_useDmx(new CheckBox), m_nodeNameLabel(new QLabel), m_nodeName(new EditBox),
+      m_channelLabel(new QLabel), m_channel(new SpinEditBox), m_subnetLabel(new QLabel),
+      m_subnet(new SpinEditBox), m_domainLabel(new QLabel), m_domain(new SpinEditBox),
+      m_applyDmx(new PushButton), m_dmxFailure(new QLabel), m_useOsc(new CheckBox),
+      m_oscPortLabel(new QLabel), m_oscPort(new SpinEditBox), m_oscFailure(new QLabel),
+      m_midiSection(layOutMidi()), m_dmxSection(layOutDmx()), m_oscSection(layOutOsc())
+{
+    qRegisterMetaType<std::uint16_t>("uint16_t");
+    qRegisterMetaType<std::vector<std::string>>("std::vector<std::string>");
+    qRegisterMetaType<SAddDMXInfo>("SAddDMXInfo");
+    qRegisterMetaType<SAddOSCInfo>("SAddOSCInfo");
+    // The network's ports end one before the OSC port does; kept on purpose.
+    m_tcp.port->setRange(0, 65534);
+    m_udp.port->setRange(0, 65534);
+    m_oscPort->setRange(1, 65535);
+    m_channel->setRange(0, 512);
+    m_subnet->setRange(0, 15);
+    m_domain->setRange(0, 15);
+    for (SpinEditBox* box : {m_channel, m_subnet, m_domain}) {
+        box->setFixedWidth(150);
+    }
+    layOut();
+    addTexts();
+    for (QWidget* section : {m_midiSection, m_dmxSection, m_oscSection}) {
+        section->setEnabled(false);
+    }
+
+    connectRow(m_tcp, &Impl::onTcpPortChanged);
+    connectRow(m_udp, &Impl::onUdpPortChanged);
+    connect(m_useMidi, &CheckBox::stateChanged, this, [this](int state) {
+        if (m_midi) {
+            m_midi->setEnabled(state == Qt::Checked);
+        }
+    });
+    connect(m_useDmx, &CheckBox::stateChanged, this, &Impl::onAddDmx);
+    connect(m_applyDmx, &PushButton::clicked, this, &Impl::onAddDmx);
+    connect(m_useOsc, &CheckBox::stateChanged, this, &Impl::onAddOsc);
+    connect(m_oscPort, qOverload<double>(&SpinEditBox::valueChanged), this, &Impl::onAddOsc);
+    follow(&IMivoSettings::tcpPortChanged, &Impl::onTcpChanged);
+    follow(&IMivoSettings::udpPortChanged, &Impl::onUdpChanged);
+    follow(&IMivoSettings::tcpPortFailed, &Impl::onTcpFailed);
+    follow(&IMivoSettings::udpPortFailed, &Impl::onUdpFailed);
+}
+
+void DeviceSettingWidget::Impl::connectRow(PortRow& row, void (Impl::*changed)())
+{
+    const auto wish = [this, &row, changed](bool open) {
+        row.wish = open;
+        row.showFailure(QString());
+        (this->*changed)();
+    };
+    connect(row.open, &PushButton::clicked, this, [wish] { wish(true); });
+    connect(row.close, &PushButton::clicked, this, [wish] { wish(false); });
+    connect(row.port, qOverload<double>(&SpinEditBox::valueChanged), this,
+            [wish, &row] { wish(row.wish); });
+}
+
+namespace {
+
+QBoxLayout* fieldRow(QLabel* label, int labelWidth, QWidget* field)
+{
+    label->setFixedWidth(labelWidth);
+    auto* row = new QHBoxLayout;
+    row->setSpacing(8);
+    row->setContentsMargins(22, 0, 0, 0);
+    row->addWidget(label);
+    row->addWidget(field);
+    row->addStretch();
+    return row;
+}
+
+/// A section of the external controllers: its heading, its check box, and its fields below.
+QWidget* section(const char* heading, CheckBox* use, int spacing,
+                 const std::vector<QBoxLayout*>& rows)
+{
+    auto* widget = new QWidget;
+    auto* title = new QLabel(QString::fromLatin1(heading));
+    title->setObjectName(QStringLiteral("sectionHeading"));
+    use->setFixedWidth(150);
+    auto* column = new QVBoxLayout(widget);
+    column->setSpacing(spacing);
+    column->setContentsMargins(10, 15, 0, 15);
+    column->addWidget(title);
+    column->addWidget(use);
+    for (QBoxLayout* row : rows) {
+        column->addLayout(row);
+    }
+    return widget;
+}
+
+QLabel* failureLabel(QLabel* label)
+{
+    label->setObjectName(QStringLiteral("portFailure"));
+    label->setWordWrap(true);
+    return label;
+}
+
+} // namespace
+
+QWidget* DeviceSettingWidget::Impl::layOutMidi()
+{
+    m_devices->setFixedHeight(100);
+    m_devices->setTabKeyNavigation(false);
+    return section("MIDI", m_useMidi, 12, {fieldRow(m_devicesLabel, 80, m_devices)});
+}
+
+QWidget* DeviceSettingWidget::Impl::layOutDmx()
+{
+    m_nodeName->setFixedSize(150, 20);
+    m_nodeName->setMaxLength(17); // what an answer to a poll has room for
+    m_applyDmx->setFixedSize(60, 20);
+    auto* apply = new QHBoxLayout;
+    apply->setContentsMargins(110, 0, 0, 0);
+    apply->addWidget(m_applyDmx);
+    apply->addWidget(failureLabel(m_dmxFailure), 1);
+    return section(
+        "DMX", m_useDmx, 10,
+        {fieldRow(m_nodeNameLabel, 100, m_nodeName), fieldRow(m_channelLabel, 100, m_channel),
+         fieldRow(m_subnetLabel, 100, m_subnet), fieldRow(m_domainLabel, 100, m_domain), apply});
+}
+
+QWidget* DeviceSettingWidget::Impl::layOutOsc()
+{
+    m_oscPort->setFixedSize(150, 20);
+    auto* port = fieldRow(m_oscPortLabel, 80, m_oscPort);
+    port->insertWidget(2, failureLabel(m_oscFailure), 1);
+    return section("OSC", m_useOsc, 12, {port});
+}
+
+void DeviceSettingWidget::Impl::layOut()
+{
+    owner->setObjectName(QStringLiteral("NetDeviceSettingGroupBox"));
+    m_external->setObjectName(QStringLiteral("ProjectGroupBox"));
+    auto* column = new QVBoxLayout(owner);
+    column->setSpacing(16);
+    column->setContentsMargins(5, 8, 25, 16);
+    for (PortRow* port : {&m_tcp, &m_udp}) {
+        port->label->setFixedWidth(64);
+        port->port->setFixedWidth(80);
+        for (PushButton* button : {port->open, port->close}) {
+            button->setProperty("assist", true);
+        }
+        port->status->setFixedHeight(20);
+        auto* row = new QHBoxLayout;
+        row->setSpacing(12);
+        row->addWidget(port->label);
+        row->addWidget(port->port);
+        row->addWidget(port->open);
+        row->addWidget(port->close);
+        row->addWidget(port->status);
+        row->addWidget(failureLabel(port->failure), 1);
+        row->addStretch();
+        column->addLayout(row);
+        port->status->hide();
+        port->failure->hide();
+    }
+    auto* external = new QVBoxLayout(m_external);
+    external->setSpacing(12);
+    external->addWidget(m_midiSection);
+    external->addWidget(m_dmxSection);
+    external->addWidget(m_oscSection);
+    column->addWidget(m_external);
+}
+
+void DeviceSettingWidget::Impl::addTexts()
+{
+    text(QStringLiteral("netSetting"), [this](const QString& title) { owner->setTitle(title); });
+    navigationText(QStringLiteral("netSetting"));
+    text(QStringLiteral("udpPort"), m_udp.label, m_udp.port);
+    text(QStringLiteral("tcpPort"), m_tcp.label, m_tcp.port);
+    for (PortRow* row : {&m_udp, &m_tcp}) {
+        text(QStringLiteral("open"), row->open);
+    }
+    for (PortRow* row : {&m_udp, &m_tcp}) {
+        text(QStringLiteral("close"), row->close);
+    }
+    text(QStringLiteral("exteranlContralSetting"),
+         [this](const QString& title) { m_external->setTitle(title); });
+    text(QStringLiteral("exteranlContralSetting"),
+         [this](const QString& title) { m_external->setAccessibleName(title); });
+    for (PortRow* row : {&m_udp, &m_tcp}) {
+        text(QStringLiteral("openSuccess"), row->status);
+    }
+    text(QStringLiteral("UseMIDI"), m_useMidi);
+    text(QStringLiteral("MIDIDevice"), m_devicesLabel, m_devices);
+    text(QStringLiteral("useDMX"), m_useDmx);
+    text(QStringLiteral("NodeName"), m_nodeNameLabel, m_nodeName);
+    text(QStringLiteral("ChannelOffest"), m_channelLabel, m_channel);
+    text(QStringLiteral("Subnet"), m_subnetLabel, m_subnet);
+    text(QStringLiteral("Domain"), m_domainLabel, m_domain);
+    text(QStringLiteral("ApplyDMX"), m_applyDmx);
+    text(QStringLiteral("UseOSC"), m_useOsc);
+    text(QStringLiteral("OSCPort"), m_oscPortLabel, m_oscPort);
+}
+
+void DeviceSettingWidget::Impl::initSettings()
+{
+    if (!startFetching()) {
+        return;
+    }
+    const auto tcp = read(&IMivoSettings::getTcpPort);
+    const auto udp = read(&IMivoSettings::getUdpPort);
+    if (showsFetched()) {
+        queue("setTCPPortInfo", tcp.open, tcp.port);
+        queue("setUDPPortInfo", udp.open, udp.port);
+    }
+}
+
+void DeviceSettingWidget::Impl::submitPort(const CallSite& site, const QMessageLogger& log,
+                                           const PortRow& row,
+                                           void (IMivoSettings::*set)(const STPortInfo&))
+{
+    if (sharedSettings == nullptr) {
+        log.warning("_settings is null");
+        return;
+    }
+    submit(site, set, STPortInfo{row.wish, static_cast<std::uint16_t>(row.port->value())});
+}
+
+// --- Controllers ---
+
+template <typename Service>
+bool DeviceSettingWidget::Impl::use(Borrowed<Service>& borrowed, Service* service, QWidget* section)
+{
+    borrowed.reset(service, [section] { section->setEnabled(false); });
+    section->setEnabled(service != nullptr);
+    return service != nullptr;
+}
+
+void DeviceSettingWidget::Impl::useMidi(MidiPeripheral* midi)
+{
+    if (use(m_midi, midi, m_midiSection)) {
+        m_midi.follow(midi->devicesChanged, &Impl::queueDevices, this);
+        m_midi.follow(midi->enabledChanged, [this](bool on) { queue("setMidiEnable", on); });
+        queueDevices(midi->devices());
+        queue("setMidiEnable", midi->isEnabled());
+    }
+}
+
+void DeviceSettingWidget::Impl::queueDevices(const std::vector<SMIDIDevInfo>& devices)
+{
+    std::vector<std::string> names;
+    names.reserve(devices.size());
+    for (const SMIDIDevInfo& device : devices) {
+        names.push_back(device.name);
+    }
+    queue("addMIDIDevices", names);
+}
+
+void DeviceSettingWidget::Impl::addMIDIDevices(const std::vector<std::string>& names)
+{
+    m_devices->clear();
+    for (const std::string& name : names) {
+        m_devices->addItem(QString::fromStdString(name));
+    }
+}
+
+void DeviceSettingWidget::Impl::useDmx(DmxPeripheral* dmx)
+{
+    if (use(m_dmx, dmx, m_dmxSection)) {
+        m_dmx.follow(dmx->infoChanged, &Impl::queueDmx, this);
+        m_dmx.follow(dmx->failed, &Impl::queueDmxFailure, this);
+        queueDmx(dmx->info());
+        queueDmxFailure(dmx->failure());
+    }
+}
+
+void DeviceSettingWidget::Impl::setDmxData(const SAddDMXInfo& info)
+{
+    const QSignalBlocker blocker(m_nodeName);
+    m_nodeName->setText(QString::fromStdString(info.nodeName));
+    showValue(m_channel, info.channelOffset);
+    showValue(m_subnet, info.subnet);
+    showValue(m_domain, info.domain);
+}
+
+void DeviceSettingWidget::Impl::onAddDmx()
+{
+    if (m_dmx) {
+        m_dmx->setInfo({m_useDmx->isChecked(), m_nodeName->text().toStdString(),
+                        static_cast<int>(m_channel->value()), static_cast<int>(m_subnet->value()),
+                        static_cast<int>(m_domain->value())});
+    }
+}
+
+void DeviceSettingWidget::Impl::useOsc(OscPeripheral* osc)
+{
+    if (use(m_osc, osc, m_oscSection)) {
+        m_osc.follow(osc->infoChanged, &Impl::queueOsc, this);
+        m_osc.follow(osc->failed, &Impl::queueOscFailure, this);
+        queueOsc(osc->info());
+        queueOscFailure(osc->failure());
+    }
+}
+
+void DeviceSettingWidget::Impl::onAddOsc()
+{
+    if (m_osc) {
+        m_osc->setInfo({m_useOsc->isChecked(), static_cast<int>(m_oscPort->value())});
+    }
+}
+
+DeviceSettingWidget::DeviceSettingWidget(QWidget* parent) : SettingPage(parent)
+{
+    setImpl(std::make_unique<Impl>(this));
+}
+
+DeviceSettingWidget::~DeviceSettingWidget() = default;
+
+void DeviceSettingWidget::setMidiMgr(MidiPeripheral* midi)
+{
+    impl<Impl>().useMidi(midi);
+}
+
+void DeviceSettingWidget::setDmxMgr(DmxPeripheral* dmx)
+{
+    impl<Impl>().useDmx(dmx);
+}
+
+void DeviceSettingWidget::setOscMgr(OscPeripheral* osc)
+{
+    impl<Impl>().useOsc(osc);
+}
+
+void DeviceSettingWidget::setSettings(MivoSettings* settings)
+{
+    impl<Impl>().setSettings(settings);
+}
+
+void DeviceSettingWidget::unsetSettings()
+{
+    impl<Impl>().unsetSettings();
+}
+
+} // namespace mivo::settings
+
+#include "netdevicesettingwidget.moc"

@@ -1,0 +1,334 @@
+#include "mivosettingswidgets/officepptsettingbox.h"
+
+#include "mivohostapi/pptresolutions.h"
+#include "mivosettingswidgets/controls.h"
+#include "mivosettingswidgets/settingpageimpl.h"
+
+#include <mivowidgets/checkbox.h>
+#include <mivowidgets/combobox.h>
+#include <mivowidgets/pushbutton.h>
+#include <mivowidgets/spineditbox.h>
+#include <mivowidgets/timeeditbox.h>
+
+#include <QtWidgets/QButtonGroup>
+#include <QtWidgets/QHBoxLayout>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QRadioButton>
+
+#include <utility>
+
+namespace mivo::settings {
+
+using mivo::widgets::CheckBox;
+using mivo::widgets::ComboBox;
+using mivo::widgets::PushButton;
+using mivo::widgets::SpinEditBox;
+using mivo::widgets::TimeEditBox;
+
+template <>
+inline constexpr const char* queuedTypeText<SpinEditBox*> = "SpinEditBox*";
+
+class OfficePPTSettingBox::Impl : public SettingPageImpl
+{
+    Q_OBJECT
+
+public:
+    explicit Impl(OfficePPTSettingBox* page);
+
+    // Store to slot, on the runtime thread.
+    void onAutoplayChanged(bool on) { queueTo(this, "setChecked", on, "bool"); }
+    void onAutoplayIntervalChanged(int milliseconds) { queue("setDurationTime", milliseconds); }
+    void onPlayModeChanged(int mode) { queue("setPPTPlayMode", mode); }
+    void onPresetsResolutionTypeChanged(int key) { queue("setPPTPresetsResolutionType", key); }
+    void onWidthChanged(int pixels) { queue("setPPTResolutionValue", pixels, m_width); }
+    void onHeightChanged(int pixels) { queue("setPPTResolutionValue", pixels, m_height); }
+
+    std::weak_ptr<resource::IResourceMgr> resources;
+
+public slots:
+    void setChecked(bool on) { showValue(m_autoplay, on); }
+    void onPPTAutoplayStateChanged();
+    void setDurationTime(const int milliseconds) { showValue(m_interval, milliseconds); }
+    void onPPTAutoplayIntervalTimeChanged();
+    void setPPTPlayMode(const int mode);
+    void onPPTPlayModeBtnGroupChanged();
+    void setPPTPresetsResolutionType(const int key);
+    void onPPTPresetsResolutionComboBoxIndexChanged(int index);
+    void setPPTResolutionValue(const int pixels, SpinEditBox* box);
+    void onResolutionEditingFinished();
+
+protected:
+    void initSettings() override;
+
+private:
+    void layOut();
+    void addTexts();
+
+    QSize shownSize() const;
+    void showOwnSizeTip();
+
+    /// Shows the store's preset, or none where it is not the size that is shown.
+    void showPreset();
+
+    PushButton* m_tip;
+    CheckBox* m_autoplay;
+    QLabel* m_intervalLabel;
+    TimeEditBox* m_interval;
+    QLabel* m_modeLabel;
+    QButtonGroup* m_modes;
+    QRadioButton* m_animationMode;
+    QRadioButton* m_imageMode;
+    QLabel* m_resolutionLabel;
+    QLabel* m_widthLabel;
+    SpinEditBox* m_width;
+    QLabel* m_heightLabel;
+    SpinEditBox* m_height;
+    QWidget* m_ownSizeTip;
+    QLabel* m_ownSizeTipIcon;
+    QLabel* m_ownSizeTipText;
+    QLabel* m_presetsLabel;
+    ComboBox* m_presets;
+    PushButton* m_presetsTip;
+
+    // As the store is known to hold them.
+    int m_preset = pptResolutions().begin()->first;
+    QSize m_size = pptResolution(m_preset);
+};
+
+OfficePPTSettingBox::Impl::Impl(OfficePPTSettingBox* page)
+    : SettingPageImpl(page, QStringLiteral("OfficeSettings")), m_tip(new PushButton(page)),
+      m_autoplay(new CheckBox(page)), m_intervalLabel(new QLabel),
+      m_interval(new TimeEditBox(page)), m_modeLabel(new QLabel), m_modes(new QButtonGroup(page)),
+      m_animationMode(new QRadioButton(page)), m_imageMode(new QRadioButton(page)),
+      m_resolutionLabel(new QLabel), m_widthLabel(new QLabel(QStringLiteral("W"))),
+      m_width(new SpinEditBox(page)), m_heightLabel(new QLabel(QStringLiteral("H"))),
+      m_height(new SpinEditBox(page)), m_ownSizeTip(new QWidget(page)),
+      m_ownSizeTipIcon(new QLabel), m_ownSizeTipText(new QLabel), m_presetsLabel(new QLabel),
+      m_presets(new ComboBox(page)), m_presetsTip(new PushButton(page))
+{
+    qRegisterMetaType<SpinEditBox*>("SpinEditBox*");
+    setUpDuration(m_interval, QTime(0, 0, 3));
+    m_modes->addButton(m_animationMode, PPTPlayAnimation);
+    m_modes->addButton(m_imageMode, PPTPlayImage);
+    m_animationMode->setChecked(true);
+    for (SpinEditBox* box : {m_width, m_height}) {
+        box->setRange(0, 16384);
+    }
+    m_width->setValue(m_size.width());
+    m_height->setValue(m_size.height());
+    for (const auto& [key, resolution] : pptResolutions()) {
+        m_presets->addItem(resolution, key);
+    }
+    m_presets->setPlaceholderText(QStringLiteral("--"));
+    m_presets->setCurrentIndex(0);
+    layOut();
+    addTexts();
+    showOwnSizeTip();
+
+    connect(m_autoplay, &CheckBox::stateChanged, this, &Impl::onPPTAutoplayStateChanged);
+    connect(m_interval, &TimeEditBox::timeChanged, this, &Impl::onPPTAutoplayIntervalTimeChanged);
+    connect(m_modes, &QButtonGroup::idClicked, this, &Impl::onPPTPlayModeBtnGroupChanged);
+    connect(m_presets, qOverload<int>(&ComboBox::currentIndexChanged), this,
+            &Impl::onPPTPresetsResolutionComboBoxIndexChanged);
+    for (SpinEditBox* box : {m_width, m_height}) {
+        connect(box, qOverload<double>(&SpinEditBox::valueChanged), this, &Impl::showOwnSizeTip);
+        connect(box, &SpinEditBox::editingFinished, this, &Impl::onResolutionEditingFinished);
+    }
+    follow(&IMivoSettings::pptAutoplayChanged, &Impl::onAutoplayChanged);
+    follow(&IMivoSettings::pptAutoplayIntervalChanged, &Impl::onAutoplayIntervalChanged);
+    follow(&IMivoSettings::pptPlayModeChanged, &Impl::onPlayModeChanged);
+    follow(&IMivoSettings::pptPresetsResolutionTypeChanged, &Impl::onPresetsResolutionTypeChanged);
+    follow(&IMivoSettings::pptResolutionWidthChanged, &Impl::onWidthChanged);
+    follow(&IMivoSettings::pptResolutionHeightChanged, &Impl::onHeightChanged);
+}
+
+void OfficePPTSettingBox::Impl::layOut()
+{
+    owner->setObjectName(QStringLiteral("OfficePPTSettingGroupBox"));
+    m_tip->setObjectName(QStringLiteral("pptSettingTipBtn"));
+    m_presetsTip->setObjectName(QStringLiteral("pptResolutionSettingTipBtn"));
+    m_animationMode->setFixedHeight(24);
+    m_imageMode->setFixedHeight(24);
+    for (QLabel* label : {m_widthLabel, m_heightLabel}) {
+        label->setFixedWidth(14);
+    }
+    for (SpinEditBox* box : {m_width, m_height}) {
+        box->setFixedWidth(72);
+    }
+    m_presets->setFixedWidth(170);
+    m_presets->setMaximumHeight(150);
+    auto* ownSizeTip = new QHBoxLayout(m_ownSizeTip);
+    ownSizeTip->setContentsMargins(0, 0, 0, 0);
+    addTip(ownSizeTip, m_ownSizeTipIcon, m_ownSizeTipText);
+
+    auto* column = new QVBoxLayout(owner);
+    column->setSpacing(12);
+    column->setContentsMargins(30, 20, 0, 15);
+    const std::vector<QList<QWidget*>> rows{
+        {m_tip},
+        {m_autoplay, m_intervalLabel, m_interval},
+        {m_modeLabel, m_animationMode, m_imageMode},
+        {m_resolutionLabel, m_widthLabel, m_width, m_heightLabel, m_height, m_ownSizeTip},
+        {m_presetsLabel, m_presets, m_presetsTip}};
+    for (const auto& controls : rows) {
+        column->addLayout(rowOf(controls, 2));
+    }
+}
+
+void OfficePPTSettingBox::Impl::addTexts()
+{
+    text(QStringLiteral("OfficePPTSettings"),
+         [this](const QString& title) { owner->setTitle(title); });
+    text(QStringLiteral("OfficePPTAutoplay"), m_autoplay);
+    text(QStringLiteral("OfficePPTAutoplayInterval"), m_intervalLabel, m_interval);
+    text(QStringLiteral("OfficePPTPlayMode"), m_modeLabel);
+    text(QStringLiteral("OfficePPTPlayAnimationMode"), m_animationMode);
+    text(QStringLiteral("OfficePPTPlayImageMode"), m_imageMode);
+    m_widthLabel->setBuddy(m_width);
+    m_width->setAccessibleName(m_widthLabel->text());
+    m_heightLabel->setBuddy(m_height);
+    m_height->setAccessibleName(m_heightLabel->text());
+    text(QStringLiteral("OfficePPTResolution"), [this](const QString& label) {
+        m_resolutionLabel->setText(label);
+        m_width->setAccessibleDescription(label);
+        m_height->setAccessibleDescription(label);
+    });
+    text(QStringLiteral("OfficePPTPresetsResolution"), m_presetsLabel, m_presets);
+    navigationText(QStringLiteral("OfficeSettings"));
+    text(QStringLiteral("OfficePPTSettingTip"), m_tip);
+    text(QStringLiteral("OfficePPTResolutionSettingTip"), m_presetsTip);
+    text(QStringLiteral("OfficePPTDefaultResolution"), [this](const QString& word) {
+        m_presets->setItemText(
+            0, QStringLiteral("%1 (%2)").arg(pptResolutions().begin()->second, word));
+    });
+    text(QStringLiteral("OfficePPTOwnResolutionTip"), m_ownSizeTipText);
+}
+
+void OfficePPTSettingBox::Impl::initSettings()
+{
+    if (!startFetching()) {
+        return;
+    }
+    const auto info = read(&IMivoSettings::getPPTSysSettings);
+    if (showsFetched()) {
+        onAutoplayChanged(info.pptAutoplay);
+        onAutoplayIntervalChanged(info.pptAutoplayInterval);
+        onPlayModeChanged(info.pptPlayMode);
+        onPresetsResolutionTypeChanged(info.pptPresetsResolutionType);
+        onWidthChanged(info.pptResolutionWidth);
+        onHeightChanged(info.pptResolutionHeight);
+    }
+}
+
+void OfficePPTSettingBox::Impl::onPPTAutoplayStateChanged()
+{
+    submit("onPPTAutoplayStateChanged", &IMivoSettings::setPPTAutoplay, m_autoplay->isChecked());
+}
+
+void OfficePPTSettingBox::Impl::onPPTAutoplayIntervalTimeChanged()
+{
+    submit("onPPTAutoplayIntervalTimeChanged", &IMivoSettings::setPPTAutoplayInterval,
+           m_interval->time().msecsSinceStartOfDay());
+}
+
+void OfficePPTSettingBox::Impl::setPPTPlayMode(const int mode)
+{
+    if (QAbstractButton* button = m_modes->button(mode)) {
+        showValue(button, true);
+    }
+}
+
+void OfficePPTSettingBox::Impl::onPPTPlayModeBtnGroupChanged()
+{
+    submit("onPPTPlayModeBtnGroupChanged", &IMivoSettings::setPPTPlayMode, m_modes->checkedId());
+}
+
+void OfficePPTSettingBox::Impl::setPPTPresetsResolutionType(const int key)
+{
+    m_preset = key;
+    showPreset();
+}
+
+void OfficePPTSettingBox::Impl::onPPTPresetsResolutionComboBoxIndexChanged(int index)
+{
+    if (!hasStore("onPPTPresetsResolutionComboBoxIndexChanged")) {
+        return;
+    }
+    m_preset = m_presets->itemData(index).toInt();
+    m_size = pptResolution(m_preset);
+    showValue(m_width, m_size.width());
+    showValue(m_height, m_size.height());
+    showOwnSizeTip();
+    submit("onPPTPresetsResolutionComboBoxIndexChanged",
+           &IMivoSettings::setPPTPresetsResolutionType, m_preset);
+}
+
+void OfficePPTSettingBox::Impl::setPPTResolutionValue(const int pixels, SpinEditBox* box)
+{
+    showValue(box, pixels);
+    (box == m_width ? m_size.rwidth() : m_size.rheight()) = pixels;
+    showOwnSizeTip();
+    showPreset();
+}
+
+void OfficePPTSettingBox::Impl::onResolutionEditingFinished()
+{
+    if (!hasStore("onResolutionEditingFinished")) {
+        return;
+    }
+    const QSize size = shownSize();
+    submit("onResolutionEditingFinished", &IMivoSettings::setPPTResolutionWidth, size.width());
+    submit("onResolutionEditingFinished", &IMivoSettings::setPPTResolutionHeight, size.height());
+    if (std::exchange(m_size, size) == size) {
+        return; // only passed through
+    }
+    for (const auto& [key, resolution] : pptResolutions()) {
+        if (pptResolution(key) == size) {
+            m_presets->setCurrentIndex(m_presets->findData(key)); // which writes it
+            return;
+        }
+    }
+    showPreset();
+}
+
+QSize OfficePPTSettingBox::Impl::shownSize() const
+{
+    return {static_cast<int>(m_width->value()), static_cast<int>(m_height->value())};
+}
+
+void OfficePPTSettingBox::Impl::showOwnSizeTip()
+{
+    m_ownSizeTip->setVisible(shownSize().isEmpty());
+}
+
+void OfficePPTSettingBox::Impl::showPreset()
+{
+    const bool isShown = pptResolution(m_preset) == shownSize();
+    showIndex(m_presets, isShown ? m_presets->findData(m_preset) : -1);
+}
+
+OfficePPTSettingBox::OfficePPTSettingBox(QWidget* parent) : SettingPage(parent)
+{
+    setImpl(std::make_unique<Impl>(this));
+}
+
+OfficePPTSettingBox::~OfficePPTSettingBox() = default;
+
+void OfficePPTSettingBox::setSettings(MivoSettings* settings)
+{
+    impl<Impl>().setSettings(settings);
+}
+
+void OfficePPTSettingBox::unsetSettings()
+{
+    impl<Impl>().unsetSettings();
+}
+
+void OfficePPTSettingBox::setResourceMgr(std::weak_ptr<resource::IResourceMgr> resources)
+{
+    impl<Impl>().resources = std::move(resources);
+}
+
+} // namespace mivo::settings
+
+#include "officepptsettingbox.moc"

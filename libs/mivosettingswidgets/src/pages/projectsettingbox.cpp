@@ -1,0 +1,494 @@
+#include "mivosettingswidgets/projectsettingbox.h"
+
+#include "folders/folderrow.h"
+#include "folders/folderselection.h"
+#include "kit/storedcheck.h"
+#include "mivosettingswidgets/controls.h"
+#include "mivosettingswidgets/settingpageimpl.h"
+#include "mivosettingswidgets/texts.h"
+#include "pages/programmenu.h"
+
+#include <mivoqutils/folders.h>
+#include <mivowidgets/checkbox.h>
+#include <mivowidgets/editbox.h>
+#include <mivowidgets/pushbutton.h>
+#include <mivowidgets/spineditbox.h>
+#include <mivowidgets/tipdialog.h>
+
+#include <QtCore/QMetaMethod>
+#include <QtWidgets/QHBoxLayout>
+#include <QtWidgets/QLabel>
+
+#include <optional>
+
+namespace mivo::settings {
+
+using mivo::mediadispatch::IProgram;
+using mivo::mediadispatch::IProgramDispatch;
+using mivo::mediadispatch::STDefaultPlayProgramInfo;
+using mivo::widgets::CheckBox;
+using mivo::widgets::PushButton;
+using mivo::widgets::SpinEditBox;
+
+// Long for a page: eight settings, and the program menu's slots.
+class ProjectSettingBox::Impl : public SettingPageImpl
+{
+    Q_OBJECT
+
+public:
+    explicit Impl(ProjectSettingBox* page);
+
+    void setProjectFileWidget(QWidget* widget);
+    void showPrograms();
+
+    // Runtime thread.
+    void onOpenRecentFilesChanged(bool on) { m_openRecentValue->queueChecked(on); }
+    void onOpenProjectFileDefaultPlayChanged(bool on) { m_defaultPlayValue->queueChecked(on); }
+    void onAutoSaveProjectFilesChanged(bool on) { m_autoSaveValue->queueChecked(on); }
+    void onNotPromptForSaveChanged(bool on) { m_noPromptValue->queueChecked(on); }
+    void onNewProjResetOutputChanged(bool on) { m_resetOutputValue->queueChecked(on); }
+    void onIntervalChanged(int minutes) { queue("setAutoSaveProjectFilesInterval", minutes); }
+    void onMaxNumChanged(int saves) { queue("setAutoSaveProjectFilesMaxNum", saves); }
+    void onStoredPathChanged(const QString& path) { queue("setAutoSavePath", path); }
+    void onProgramsChanged()
+    {
+        QMetaObject::invokeMethod(this, "updateDefaultPlayBtnText", Qt::QueuedConnection);
+    }
+
+    std::weak_ptr<IProgramDispatch> programDispatch;
+    QString checkIconPath;
+
+public slots:
+    void setAutoSaveProjectFilesInterval(const int minutes) { showValue(m_interval, minutes); }
+    void setAutoSaveProjectFilesMaxNum(const int saves) { showValue(m_maxNum, saves); }
+    void setAutoSavePath(const QString& path) { m_folder->setPath(path); }
+    void setText(const QString& program);
+    void onOpenRecentFilesCheckBoxStateChanged(int state)
+    {
+        submitCheck("onOpenRecentFilesCheckBoxStateChanged", &IMivoSettings::setOpenRecentFiles,
+                    state);
+    }
+    void onOpenProjectFileDefaultPlayCheckBoxStateChanged(int state)
+    {
+        submitCheck("onOpenProjectFileDefaultPlayCheckBoxStateChanged",
+                    &IMivoSettings::setOpenProjectFileDefaultPlay, state);
+    }
+    void onAutoSaveProjectFilesCheckBoxStateChanged(int state)
+    {
+        submitCheck("onAutoSaveProjectFilesCheckBoxStateChanged",
+                    &IMivoSettings::setAutoSaveProjectFiles, state);
+    }
+    void onIntervalSpinBoxValueChanged(double minutes);
+    void onAutoSaveMaxNumSpinBoxValueChanged(double saves);
+    void onAutoSavePathChanged(const QString& path);
+    void onNotPromptForSaveCheckBoxStateChanged(int state)
+    {
+        submitCheck("onNotPromptForSaveCheckBoxStateChanged", &IMivoSettings::setNotPromptForSave,
+                    state);
+    }
+    void onNewProjResetOutputCheckBoxStateChanged(int state)
+    {
+        submitCheck("onNewProjResetOutputCheckBoxStateChanged",
+                    &IMivoSettings::setNewProjResetOutput, state);
+    }
+    void onBrowseBtnClicked();
+    void onOpenBtnClicked();
+    void onLinkWithProjectChanged(int minutes) { showValue(m_interval, minutes); }
+    void onCheckRemainSpace() { m_folder->checkSpace(); }
+    void onUpdateProgramList();
+    void checkedProgramGroupMenu(QAction* action);
+    void checkedProgramAction(const std::weak_ptr<IProgram>& program);
+    void updateDefaultPlayBtnText();
+
+protected:
+    void initSettings() override;
+
+private:
+    void layOut();
+    void addTexts();
+    void enableAutoSave(bool on);
+
+    /// Has `use` called on the runtime thread; without a dispatcher, false and a warning.
+    template <typename Use>
+    bool withDispatch(const CallSite& site, Use use);
+    std::optional<ProgramList> programs(const CallSite& site);
+
+    CheckBox* m_openRecent;
+    CheckBox* m_defaultPlay;
+    ProgramButton* m_program;
+    CheckBox* m_autoSave;
+    QLabel* m_intervalPrefix;
+    SpinEditBox* m_interval;
+    QLabel* m_intervalSuffix;
+    QLabel* m_maxNumLabel;
+    SpinEditBox* m_maxNum;
+    PushButton* m_spaceTip;
+    PushButton* m_open;
+    FolderRow* m_folder;
+    CheckBox* m_noPrompt;
+    CheckBox* m_resetOutput;
+    QLabel* m_restartIcon;
+    QLabel* m_restartText;
+    StoredCheck* m_openRecentValue;
+    StoredCheck* m_defaultPlayValue;
+    StoredCheck* m_autoSaveValue;
+    StoredCheck* m_noPromptValue;
+    StoredCheck* m_resetOutputValue;
+    QPointer<QWidget> m_projectFileWidget;
+    QString m_programName; // empty for the one played last
+};
+
+ProjectSettingBox::Impl::Impl(ProjectSettingBox* page)
+    : SettingPageImpl(page, QStringLiteral("GeneralSettings")), m_openRecent(new CheckBox),
+      m_defaultPlay(new CheckBox), m_program(new ProgramButton), m_autoSave(new CheckBox),
+      m_intervalPrefix(new QLabel), m_interval(new SpinEditBox), m_intervalSuffix(new QLabel),
+      m_maxNumLabel(new QLabel), m_maxNum(new SpinEditBox), m_spaceTip(new PushButton),
+      m_open(new PushButton), m_folder(new FolderRow(page, m_spaceTip)), m_noPrompt(new CheckBox),
+      m_resetOutput(new CheckBox), m_restartIcon(new QLabel), m_restartText(new QLabel),
+      m_openRecentValue(new StoredCheck(m_openRecent, this)),
+      m_defaultPlayValue(new StoredCheck(m_defaultPlay, this)),
+      m_autoSaveValue(new StoredCheck(m_autoSave, this)),
+      m_noPromptValue(new StoredCheck(m_noPrompt, this)),
+      m_resetOutputValue(new StoredCheck(m_resetOutput, this))
+{
+    m_folder->setParent(this);
+    m_interval->setRange(1, 30);
+    m_maxNum->setRange(1, 20);
+    m_maxNum->setValue(5);
+    enableAutoSave(false);
+    layOut();
+    addTexts();
+
+    connect(m_openRecent, &CheckBox::stateChanged, this,
+            &Impl::onOpenRecentFilesCheckBoxStateChanged);
+    connect(m_defaultPlay, &CheckBox::stateChanged, this,
+            &Impl::onOpenProjectFileDefaultPlayCheckBoxStateChanged);
+    connect(m_autoSave, &CheckBox::stateChanged, this,
+            &Impl::onAutoSaveProjectFilesCheckBoxStateChanged);
+    connect(m_autoSave, &CheckBox::toggled, this, &Impl::enableAutoSave);
+    connect(m_autoSaveValue, &StoredCheck::shown, this, &Impl::enableAutoSave);
+    connect(m_interval, qOverload<double>(&SpinEditBox::valueChanged), this,
+            &Impl::onIntervalSpinBoxValueChanged);
+    connect(m_maxNum, qOverload<double>(&SpinEditBox::valueChanged), this,
+            &Impl::onAutoSaveMaxNumSpinBoxValueChanged);
+    connect(m_noPrompt, &CheckBox::stateChanged, this,
+            &Impl::onNotPromptForSaveCheckBoxStateChanged);
+    connect(m_resetOutput, &CheckBox::stateChanged, this,
+            &Impl::onNewProjResetOutputCheckBoxStateChanged);
+    connect(m_folder->browse, &PushButton::clicked, this, &Impl::onBrowseBtnClicked);
+    connect(m_open, &PushButton::clicked, this, &Impl::onOpenBtnClicked);
+    connect(m_spaceTip, &PushButton::clicked, m_folder, &FolderRow::checkSpace);
+    connect(m_folder, &FolderRow::pathChanged, m_open,
+            [this](const QString& path) { m_open->setEnabled(!path.isEmpty()); });
+    connect(m_folder, &FolderRow::spaceChecked, page, &ProjectSettingBox::notifySpaceUseup);
+    connect(m_program->programMenu(), &QMenu::aboutToShow, this, &Impl::onUpdateProgramList);
+    connect(m_program->programMenu(), &QMenu::triggered, this, &Impl::checkedProgramGroupMenu);
+
+    follow(&IMivoSettings::openRecentFilesChanged, &Impl::onOpenRecentFilesChanged);
+    follow(&IMivoSettings::openProjectFileDefaultPlayChanged,
+           &Impl::onOpenProjectFileDefaultPlayChanged);
+    follow(&IMivoSettings::autoSaveProjectFilesChanged, &Impl::onAutoSaveProjectFilesChanged);
+    follow(&IMivoSettings::autoSaveProjectFilesIntervalChanged, &Impl::onIntervalChanged);
+    follow(&IMivoSettings::autoSaveProjectFilesMaxNumChanged, &Impl::onMaxNumChanged);
+    follow(&IMivoSettings::autoSavePathChanged, &Impl::onStoredPathChanged);
+    follow(&IMivoSettings::notPromptForSaveChanged, &Impl::onNotPromptForSaveChanged);
+    follow(&IMivoSettings::newProjResetOutputChanged, &Impl::onNewProjResetOutputChanged);
+    for (auto signal :
+         {&IProgramDispatch::programListChanged, &IProgramDispatch::defaultPlayProgramChanged}) {
+        follow([this, signal] {
+            const auto dispatch = programDispatch.lock();
+            return dispatch ? ((*dispatch).*signal).connect(&Impl::onProgramsChanged, self<Impl>())
+                            : sigslot::connection();
+        });
+    }
+}
+
+void ProjectSettingBox::Impl::layOut()
+{
+    owner->setObjectName(QStringLiteral("ProjectGroupBox"));
+    m_openRecent->setObjectName(QStringLiteral("checkBox"));
+    m_intervalPrefix->setObjectName(QStringLiteral("intervalPrefix"));
+    m_interval->setFixedWidth(72);
+    m_intervalSuffix->setObjectName(QStringLiteral("intervalSuffix"));
+    m_maxNumLabel->setObjectName(QStringLiteral("saveMaximumQuantity"));
+    m_maxNum->setFixedWidth(72);
+    m_folder->caption->setObjectName(QStringLiteral("autoSavePath"));
+    m_folder->edit->setObjectName(QStringLiteral("autoSavePathEdit"));
+    m_folder->space->setObjectName(QStringLiteral("remainSpace"));
+    m_spaceTip->setObjectName(QStringLiteral("shareSpaceTips"));
+    m_spaceTip->setFixedHeight(18);
+    m_open->setFixedHeight(24);
+    m_open->setEnabled(false);
+    m_folder->layout->insertWidget(m_folder->layout->indexOf(m_folder->clear), m_open);
+    auto* resetOutput = new QHBoxLayout;
+    resetOutput->addWidget(m_resetOutput);
+    addRestartTip(resetOutput, m_restartIcon, m_restartText);
+
+    auto* column = new QVBoxLayout(owner);
+    column->setSpacing(12);
+    column->setContentsMargins(30, 20, 0, 16);
+    column->addLayout(rowOf({m_openRecent}));
+    column->addLayout(rowOf({m_defaultPlay, m_program}));
+    column->addLayout(rowOf(
+        {m_autoSave, m_intervalPrefix, m_interval, m_intervalSuffix, m_maxNumLabel, m_maxNum}));
+    column->addLayout(m_folder->layout);
+    column->addLayout(rowOf({m_noPrompt}));
+    column->addLayout(resetOutput);
+}
+
+void ProjectSettingBox::Impl::addTexts()
+{
+    text(
+        QStringLiteral("ProjectFile"), [this](const QString& title) { owner->setTitle(title); },
+        QStringLiteral("Project file"));
+    text(QStringLiteral("OpenRecentFilesAfterStartup"), m_openRecent,
+         QStringLiteral("Open recent files after startup"));
+    text(QStringLiteral("AutoSaveProjectFiles"), m_autoSave,
+         QStringLiteral("Automatically save project files"));
+    text(
+        QStringLiteral("OpenProjectFileDefaultPlay"),
+        [this](const QString& label) {
+            m_defaultPlay->setText(label);
+            m_program->setAccessibleDescription(label);
+        },
+        QStringLiteral("Open project files for default playback"));
+    text(QStringLiteral("LastTime"), [this](const QString& label) {
+        m_program->programMenu()->setLastTimeText(label);
+        setText(m_programName);
+    });
+    text(QStringLiteral("Interval"), m_intervalPrefix, m_interval, QStringLiteral("interval"));
+    text(QStringLiteral("saves"), m_intervalSuffix, nullptr, QStringLiteral("minutes Save"));
+    text(QStringLiteral("SaveMaximumQuantity"), m_maxNumLabel, m_maxNum,
+         QStringLiteral(",Save maximum quantity"));
+    text(QStringLiteral("NoPromptWhenCloseSoftware"), m_noPrompt,
+         QStringLiteral("Do not prompt to save the project when closing the software"));
+    text(QStringLiteral("NewProjResetOutput"), m_resetOutput,
+         QStringLiteral("new Proj Reset Output"));
+    text(QStringLiteral("NewProjResetRecommand"), [this](const QString& advice) {
+        m_resetOutput->setToolTip(advice);
+        m_resetOutput->setAccessibleDescription(advice);
+    });
+    m_folder->addTexts("AutoSavePath", textRegistrar());
+    text(QStringLiteral("Open"), m_open);
+    text(QStringLiteral("NoSpace"), m_spaceTip);
+    text(QStringLiteral("RestartTakeEffect"), m_restartText);
+    navigationText(QStringLiteral("GeneralSettings"));
+}
+
+void ProjectSettingBox::Impl::enableAutoSave(bool on)
+{
+    for (QWidget* widget :
+         QList<QWidget*>{m_intervalPrefix, m_interval, m_intervalSuffix, m_maxNumLabel, m_maxNum}) {
+        widget->setEnabled(on);
+    }
+}
+
+void ProjectSettingBox::Impl::initSettings()
+{
+    if (!startFetching()) {
+        return;
+    }
+    const auto info = read(&IMivoSettings::getProjectFileSettings);
+    if (showsFetched()) {
+        m_openRecentValue->queueChecked(info.openRecentFiles);
+        m_defaultPlayValue->queueChecked(info.openProjectFileDefaultPlay);
+        m_autoSaveValue->queueChecked(info.autoSaveProjectFiles);
+        queue("setAutoSaveProjectFilesInterval", info.autoSaveProjectFilesInterval);
+        queue("setAutoSaveProjectFilesMaxNum", info.autoSaveProjectFilesMaxNum);
+        queue("setAutoSavePath", info.autoSavePath);
+        m_noPromptValue->queueChecked(info.notPromptForSave);
+        m_resetOutputValue->queueChecked(info.newProjResetOutput);
+    }
+}
+
+void ProjectSettingBox::Impl::onIntervalSpinBoxValueChanged(double minutes)
+{
+    submit("onIntervalSpinBoxValueChanged", &IMivoSettings::setAutoSaveProjectFilesInterval,
+           static_cast<int>(minutes));
+}
+
+void ProjectSettingBox::Impl::onAutoSaveMaxNumSpinBoxValueChanged(double saves)
+{
+    submit("onAutoSaveMaxNumSpinBoxValueChanged", &IMivoSettings::setAutoSaveProjectFilesMaxNum,
+           static_cast<int>(saves));
+}
+
+void ProjectSettingBox::Impl::onAutoSavePathChanged(const QString& path)
+{
+    submit("onAutoSavePathChanged", &IMivoSettings::setAutoSavePath, path);
+}
+
+void ProjectSettingBox::Impl::onBrowseBtnClicked()
+{
+    QString path = m_folder->path();
+    if (FolderSelection(projectFolderRules, owner).createSecLevelDir(path, "/projectbackups")) {
+        m_folder->setPath(path);
+        onAutoSavePathChanged(path);
+    }
+}
+
+void ProjectSettingBox::Impl::onOpenBtnClicked()
+{
+    if (!qutils::openFolder(m_folder->path())) {
+        showTip(QPointer<QWidget>(owner), settings::text(QStringLiteral("OpenFolderFailed")),
+                mivo::widgets::TipDialog::warning, m_folder->path());
+    }
+}
+
+void ProjectSettingBox::Impl::setProjectFileWidget(QWidget* widget)
+{
+    if (m_projectFileWidget) {
+        disconnect(m_projectFileWidget, nullptr, this, nullptr);
+    }
+    m_projectFileWidget = widget;
+    if (widget == nullptr) {
+        return;
+    }
+    const auto link = [this, widget](const char* signal, const char* slot) {
+        const int index = widget->metaObject()->indexOfSignal(signal);
+        if (index != -1) {
+            connect(widget, widget->metaObject()->method(index), this,
+                    metaObject()->method(metaObject()->indexOfSlot(slot)));
+        }
+    };
+    link("timeChanged(int)", "onLinkWithProjectChanged(int)");
+    link("checkRemainSpace()", "onCheckRemainSpace()");
+}
+
+template <typename Use>
+bool ProjectSettingBox::Impl::withDispatch(const CallSite& site, Use use)
+{
+    // Its end, like any call of it, is to be on the runtime thread: it is not locked here.
+    const bool missing =
+        programDispatch.expired()
+        || callInRuntime(zrRuntime, site.file, site.line, site.function, [this, &use] {
+               const auto dispatch = programDispatch.lock();
+               if (dispatch) {
+                   use(*dispatch);
+               }
+               return dispatch == nullptr;
+           });
+    if (missing) {
+        warn(site, "programDispatch is nullptr!");
+    }
+    return !missing;
+}
+
+std::optional<ProgramList> ProjectSettingBox::Impl::programs(const CallSite& site)
+{
+    std::optional<ProgramList> list;
+    withDispatch(site, [&list](const IProgramDispatch& dispatch) { list.emplace(dispatch); });
+    return list;
+}
+
+void ProjectSettingBox::Impl::showPrograms()
+{
+    if (programDispatch.expired()) {
+        warn("showEvent", "programDispatch is nullptr!");
+        return;
+    }
+    onUpdateProgramList();
+    updateDefaultPlayBtnText();
+}
+
+void ProjectSettingBox::Impl::onUpdateProgramList()
+{
+    if (const auto list = programs("onUpdateProgramList")) {
+        m_program->programMenu()->setPrograms(*list, QIcon(checkIconPath));
+    }
+}
+
+void ProjectSettingBox::Impl::checkedProgramGroupMenu(QAction* action)
+{
+    if (action == nullptr) {
+        warn("checkedProgramGroupMenu", "action is nullptr!");
+    } else if (!m_program->programMenu()->isLastTime(action)) {
+        checkedProgramAction(ProgramMenu::programOf(*action));
+    } else if (withDispatch("checkedProgramGroupMenu", [](IProgramDispatch& dispatch) {
+                   dispatch.setDefaultPlayProgram(STDefaultPlayProgramInfo());
+               })) {
+        updateDefaultPlayBtnText();
+    }
+}
+
+void ProjectSettingBox::Impl::checkedProgramAction(const std::weak_ptr<IProgram>& program)
+{
+    bool gone = program.expired();
+    const auto choose = [&program, &gone](IProgramDispatch& dispatch) {
+        if (const auto sharedProgram = program.lock()) {
+            dispatch.setDefaultPlayProgram({false, sharedProgram->id(), sharedProgram->name()});
+        } else {
+            gone = true;
+        }
+    };
+    if (!gone && withDispatch("checkedProgramAction", choose) && !gone) {
+        updateDefaultPlayBtnText();
+    }
+    if (gone) {
+        warn("checkedProgramAction", "sharedProgram is nullptr!");
+    }
+}
+
+void ProjectSettingBox::Impl::updateDefaultPlayBtnText()
+{
+    if (const auto list = programs("updateDefaultPlayBtnText")) {
+        queueTo(this, "setText", list->chosenName(), "QString");
+    }
+}
+
+void ProjectSettingBox::Impl::setText(const QString& program)
+{
+    m_programName = program;
+    m_program->setProgram(program.isEmpty() ? settings::text(QStringLiteral("LastTime")) : program);
+}
+
+ProjectSettingBox::ProjectSettingBox(QWidget* parent) : SettingPage(parent)
+{
+    setImpl(std::make_unique<Impl>(this));
+    installEventFilter(this);
+}
+
+ProjectSettingBox::~ProjectSettingBox() = default;
+
+void ProjectSettingBox::setSettings(MivoSettings* settings)
+{
+    impl<Impl>().setSettings(settings);
+}
+
+void ProjectSettingBox::unsetSettings()
+{
+    impl<Impl>().unsetSettings();
+}
+
+void ProjectSettingBox::setProgramDispatch(std::weak_ptr<IProgramDispatch> dispatch)
+{
+    impl<Impl>().programDispatch = std::move(dispatch);
+}
+
+void ProjectSettingBox::setProjectFileWidget(QWidget* widget)
+{
+    impl<Impl>().setProjectFileWidget(widget);
+}
+
+void ProjectSettingBox::setCheckIconPath(const QString& path)
+{
+    impl<Impl>().checkIconPath = path;
+}
+
+bool ProjectSettingBox::eventFilter(QObject* object, QEvent* event)
+{
+    if (object == this && event->type() == QEvent::WindowActivate) {
+        impl<Impl>().onCheckRemainSpace();
+    }
+    return SettingPage::eventFilter(object, event);
+}
+
+void ProjectSettingBox::showEvent(QShowEvent* event)
+{
+    SettingPage::showEvent(event);
+    impl<Impl>().showPrograms();
+}
+
+} // namespace mivo::settings
+
+#include "projectsettingbox.moc"

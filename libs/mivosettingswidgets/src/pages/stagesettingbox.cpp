@@ -1,0 +1,488 @@
+#include "mivosettingswidgets/stagesettingbox.h"
+
+#include "mivosettingswidgets/controls.h"
+#include "mivosettingswidgets/settingpageimpl.h"
+#include "mivosettingswidgets/texts.h"
+
+#include <mivowidgets/colordialog.h>
+#include <mivowidgets/editbox.h>
+#include <mivowidgets/pushbutton.h>
+#include <mivowidgets/spineditbox.h>
+
+#include <QtCore/QRegularExpression>
+#include <QtGui/QRegExpValidator>
+#include <QtWidgets/QButtonGroup>
+#include <QtWidgets/QHBoxLayout>
+#include <QtWidgets/QLabel>
+
+#include <array>
+#include <functional>
+#include <utility>
+
+namespace mivo::settings {
+
+using mivo::widgets::ColorDialog;
+using mivo::widgets::EditBox;
+using mivo::widgets::PushButton;
+using mivo::widgets::SpinEditBox;
+
+namespace {
+
+using Presets = std::array<const char*, 10>;
+
+constexpr Presets canvasPresets{"#000000", "#1E2C36", "#05121B", "#003248", "#004F23",
+                                "#320048", "#5C5821", "#D1C0A5", "#959595", "#FFFFFF"};
+/// The page's palette, too.
+constexpr Presets outputPresets{"#FFFFFF", "#049BA1", "#C91617", "#C67326", "#BCB62B",
+                                "#1FB449", "#7F33DF", "#458CEE", "#FF6523", "#0030FF"};
+constexpr int checkedBorder = 7; // of the palette
+
+enum Channel { red, green, blue };
+constexpr std::array channelNames{"R", "G", "B"};
+constexpr int swatchSize = 20;
+
+/// The colour that a person typed: three or six hexadecimal digits, with or without "#".
+QColor typedColor(const QString& text)
+{
+    static const QRegularExpression digits(
+        QStringLiteral("\\A#?([0-9A-Fa-f]{3}|[0-9A-Fa-f]{6})\\z"));
+    const auto match = digits.match(text);
+    return match.hasMatch() ? QColor('#' + match.captured(1)) : QColor();
+}
+
+/// Refuses what cannot stand in a colour's name. A field that is left empty shows `shown` again.
+class ColorValidator : public QRegExpValidator
+{
+public:
+    ColorValidator(std::function<QString()> shown, QObject* parent)
+        : QRegExpValidator(QRegExp(QStringLiteral("^[0-9a-zA-Z#]+$")), parent),
+          m_shown(std::move(shown))
+    {}
+
+    void fixup(QString& text) const override { text = m_shown(); }
+
+private:
+    std::function<QString()> m_shown;
+};
+
+PushButton* swatch(const QString& objectName, QWidget* parent = nullptr)
+{
+    auto* button = new PushButton(parent);
+    button->setObjectName(objectName);
+    button->setFixedSize(swatchSize, swatchSize);
+    return button;
+}
+
+} // namespace
+
+class StageSettingBox::Impl : public SettingPageImpl
+{
+    Q_OBJECT
+
+public:
+    explicit Impl(StageSettingBox* page);
+
+    // Store to slot, on the runtime thread.
+    void onCanvasColorChanged(const std::string& color)
+    {
+        queue("setColor", QColor(QString::fromStdString(color)));
+    }
+    void onOutputColorChanged(const std::string& color)
+    {
+        queue("setOutputColor", QColor(QString::fromStdString(color)));
+    }
+
+public slots:
+    void updateColor(int index) { choosePreset(m_canvas, index); }
+    void openColorDialog() { openDialog(m_canvas); }
+    void onRedChanged() { m_canvas.takeChannel(red); }
+    void onGreenChanged() { m_canvas.takeChannel(green); }
+    void onBlueChanged() { m_canvas.takeChannel(blue); }
+    void pickColor(const QColor& color) { m_canvas.pick(color); }
+    void updateTextColor(int index) { choosePreset(m_output, index); }
+    void openTextColorDialog() { openDialog(m_output); }
+    void onTextRedChanged() { m_output.takeChannel(red); }
+    void onTextGreenChanged() { m_output.takeChannel(green); }
+    void onTextBlueChanged() { m_output.takeChannel(blue); }
+    void pickTextColor(const QColor& color) { m_output.pick(color); }
+    void setColor(const QColor& color) { m_canvas.show(color); }
+    void setOutputColor(const QColor& color) { m_output.show(color); }
+
+protected:
+    void initSettings() override;
+
+private:
+    /// What differs between the two colours.
+    struct Differences
+    {
+        const Presets& presets;
+        int headingWidth; // 0: as wide as its text
+        const char* headingKey;
+        const char* initialHeading;
+        const char* initial;
+        void (Impl::*report)(const QString& color);
+        void (Impl::*choosePreset)(int id);
+        void (Impl::*openDialog)();
+        std::array<void (Impl::*)(), 3> takeChannel;
+    };
+
+    /// One of the two colours and its controls.
+    struct ColorRow
+    {
+        explicit ColorRow(const Differences& differences) : differs(differences) {}
+
+        /// An invalid colour changes nothing.
+        void pick(const QColor& color);
+        /// The same for the store's colour.
+        void show(const QColor& color);
+        /// Takes over what the box of a channel shows.
+        void takeChannel(Channel channel);
+        void refresh();
+        QString color() const;
+
+        Differences differs;
+        QLabel* heading = new QLabel;
+        QLabel* presetsLabel = new QLabel;
+        QButtonGroup* swatches = nullptr;
+        QLabel* customLabel = new QLabel;
+        PushButton* picker = swatch(QStringLiteral("colorPicker"));
+        PushButton* dialogButton = swatch(QStringLiteral("imageBtn"));
+        EditBox* hexEdit = new EditBox;
+        std::array<SpinEditBox*, 3> channels{};
+        std::array<QString, 3> channelTexts;
+        QString reported; // what the store is known to hold
+    };
+
+    static QString channelText(int value)
+    {
+        return QStringLiteral("%1").arg(value & 255, 2, 16, QLatin1Char('0'));
+    }
+
+    QHBoxLayout* presetsRow(ColorRow& row);
+    QHBoxLayout* customRow(ColorRow& row);
+    void addTexts();
+    void connectRow(ColorRow& row);
+
+    void choosePreset(ColorRow& row, int id);
+    void openDialog(ColorRow& row);
+    void finishHexEdit(ColorRow& row);
+    void report(ColorRow& row);
+    void notifyChangeColor(const QString& color);
+    void notifyChangeTextColor(const QString& color);
+
+    ColorRow m_canvas{{canvasPresets,
+                       0,
+                       "CanvesSetting",
+                       "Canvas Color",
+                       "#000000",
+                       &Impl::notifyChangeColor,
+                       &Impl::updateColor,
+                       &Impl::openColorDialog,
+                       {&Impl::onRedChanged, &Impl::onGreenChanged, &Impl::onBlueChanged}}};
+    ColorRow m_output{
+        {outputPresets,
+         45,
+         "TextColor",
+         "Output:",
+         "#FFFFFF",
+         &Impl::notifyChangeTextColor,
+         &Impl::updateTextColor,
+         &Impl::openTextColorDialog,
+         {&Impl::onTextRedChanged, &Impl::onTextGreenChanged, &Impl::onTextBlueChanged}}};
+};
+
+StageSettingBox::Impl::Impl(StageSettingBox* page)
+    : SettingPageImpl(page, QStringLiteral("GeneralSettings"))
+{
+    owner->setObjectName(QStringLiteral("StageSettingGroupBox"));
+    auto* column = new QVBoxLayout(owner);
+    column->setSpacing(12);
+    column->setContentsMargins(30, 20, 0, 16);
+    int rowHeights = 0;
+    for (ColorRow* row : {&m_canvas, &m_output}) {
+        column->addWidget(row->heading);
+        column->addLayout(presetsRow(*row));
+        column->addLayout(customRow(*row));
+        row->pick(QColor(row->differs.initial));
+        row->reported = row->color();
+        connectRow(*row);
+        rowHeights += row->heading->sizeHint().height() + swatchSize
+                      + row->channels[red]->sizeHint().height();
+    }
+    // And the margins, the spacings between six rows, and the title.
+    owner->setFixedHeight(rowHeights + 122);
+    addTexts();
+
+    follow(&IMivoSettings::canvasColorChanged, &Impl::onCanvasColorChanged);
+    follow(&IMivoSettings::outputColorChanged, &Impl::onOutputColorChanged);
+}
+
+QHBoxLayout* StageSettingBox::Impl::presetsRow(ColorRow& row)
+{
+    if (row.differs.headingWidth != 0) {
+        row.heading->setFixedWidth(row.differs.headingWidth);
+    }
+    row.heading->setObjectName(QStringLiteral("sectionHeading"));
+    row.presetsLabel->setFixedWidth(45);
+    row.swatches = new QButtonGroup(owner);
+    auto* buttons = new QHBoxLayout;
+    buttons->setSpacing(0);
+    for (std::size_t id = 0; id < row.differs.presets.size(); ++id) {
+        const auto preset = QString::fromLatin1(row.differs.presets[id]);
+        // With its parent, since a change of that is dear with a style sheet.
+        PushButton* button = swatch({}, owner);
+        button->setCheckable(true);
+        // No blank before the border's colour; kept on purpose.
+        button->setStyleSheet("QPushButton{background-color:" + preset
+                              + ";border: none;}QPushButton:checked {border: 1px solid"
+                              + QLatin1String(outputPresets[checkedBorder]) + "; }");
+        button->setAccessibleName(preset);
+        button->setToolTip(preset);
+        row.swatches->addButton(button, static_cast<int>(id));
+        buttons->addWidget(button);
+    }
+    auto* layout = new QHBoxLayout;
+    layout->setSpacing(10);
+    layout->addWidget(row.presetsLabel);
+    layout->addLayout(buttons);
+    layout->addStretch();
+    return layout;
+}
+
+QHBoxLayout* StageSettingBox::Impl::customRow(ColorRow& row)
+{
+    row.customLabel->setFixedWidth(88);
+    row.customLabel->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    row.hexEdit->setObjectName(QStringLiteral("lineEdit"));
+    row.hexEdit->setProperty("style", QStringLiteral("color"));
+    row.hexEdit->setFixedWidth(72);
+    row.hexEdit->setValidator(new ColorValidator([&row] { return row.color(); }, row.hexEdit));
+    auto* layout = new QHBoxLayout;
+    layout->setSpacing(0);
+    layout->addWidget(row.customLabel);
+    layout->addWidget(row.picker);
+    layout->addSpacing(4);
+    layout->addWidget(row.dialogButton);
+    layout->addSpacing(16);
+    layout->addWidget(row.hexEdit);
+    for (const Channel channel : {red, green, blue}) {
+        auto* label = new QLabel(QString::fromLatin1(channelNames[channel]));
+        auto* box = new SpinEditBox;
+        box->setFixedWidth(58);
+        box->setAlignment(Qt::AlignLeft);
+        box->setRange(0, 255);
+        box->setAccessibleName(label->text());
+        label->setBuddy(box);
+        row.channels[channel] = box;
+        layout->addSpacing(16);
+        layout->addWidget(label);
+        layout->addSpacing(4);
+        layout->addWidget(box);
+    }
+    layout->addStretch();
+    return layout;
+}
+
+void StageSettingBox::Impl::addTexts()
+{
+    const auto presets = [this](ColorRow& row) {
+        text(QStringLiteral("PresetsColor"), row.presetsLabel, nullptr, QStringLiteral("Presets:"));
+    };
+    const auto heading = [this](ColorRow& row) {
+        text(
+            QString::fromLatin1(row.differs.headingKey),
+            [&row](const QString& name) {
+                row.heading->setText(name);
+                row.hexEdit->setAccessibleDescription(name);
+                row.picker->setAccessibleDescription(name);
+                row.dialogButton->setAccessibleDescription(name);
+                for (SpinEditBox* box : row.channels) {
+                    box->setAccessibleDescription(name);
+                }
+                const auto buttons = row.swatches->buttons();
+                for (QAbstractButton* button : buttons) {
+                    button->setAccessibleDescription(name);
+                }
+            },
+            QString::fromLatin1(row.differs.initialHeading));
+    };
+    text(QStringLiteral("General"), [this](const QString& title) { owner->setTitle(title); });
+    presets(m_canvas);
+    heading(m_canvas);
+    presets(m_output);
+    heading(m_output);
+    navigationText(QStringLiteral("GeneralSettings"));
+    for (ColorRow* row : {&m_canvas, &m_output}) {
+        text(QStringLiteral("CustomColor"), row->customLabel, row->hexEdit,
+             QStringLiteral("custom:"));
+        text(QStringLiteral("SelectColor"), [row](const QString& name) {
+            for (PushButton* button : {row->picker, row->dialogButton}) {
+                button->setAccessibleName(name);
+                button->setToolTip(name);
+            }
+        });
+    }
+}
+
+void StageSettingBox::Impl::connectRow(ColorRow& row)
+{
+    connect(row.swatches, &QButtonGroup::idClicked, this, row.differs.choosePreset);
+    connect(row.picker, &PushButton::clicked, this, row.differs.openDialog);
+    connect(row.dialogButton, &PushButton::clicked, this, row.differs.openDialog);
+    connect(row.hexEdit, &EditBox::editingFinished, this, [this, &row] { finishHexEdit(row); });
+    for (const Channel channel : {red, green, blue}) {
+        // Shown at each step, but reported when the edit is finished.
+        SpinEditBox* box = row.channels[channel];
+        connect(box, qOverload<double>(&SpinEditBox::valueChanged), this,
+                row.differs.takeChannel[channel]);
+        connect(box, &SpinEditBox::editingFinished, this, [this, &row] {
+            if (row.color() != row.reported) {
+                report(row);
+            }
+        });
+    }
+}
+
+void StageSettingBox::Impl::ColorRow::pick(const QColor& color)
+{
+    if (!color.isValid()) {
+        return;
+    }
+    const std::array values{color.red(), color.green(), color.blue()};
+    for (const Channel channel : {red, green, blue}) {
+        showValue(channels[channel], values[channel]);
+        channelTexts[channel] = channelText(values[channel]);
+    }
+    refresh();
+}
+
+void StageSettingBox::Impl::ColorRow::show(const QColor& color)
+{
+    pick(color);
+    if (color.isValid()) {
+        reported = this->color();
+    }
+}
+
+void StageSettingBox::Impl::ColorRow::takeChannel(Channel channel)
+{
+    channelTexts[channel] = channelText(static_cast<int>(channels[channel]->value()));
+    refresh();
+}
+
+QString StageSettingBox::Impl::ColorRow::color() const
+{
+    return QStringLiteral("%1%2%3%4")
+        .arg(QStringLiteral("#"), channelTexts[red], channelTexts[green], channelTexts[blue]);
+}
+
+void StageSettingBox::Impl::ColorRow::refresh()
+{
+    const QString shown = color();
+    hexEdit->setText(shown);
+    const QString style = "QPushButton{background-color:" + shown + ";}";
+    if (picker->styleSheet() != style) { // a style sheet is dear, also one that changes nothing
+        picker->setStyleSheet(style);
+    }
+    for (std::size_t id = 0; id < differs.presets.size(); ++id) {
+        if (shown.compare(QLatin1String(differs.presets[id]), Qt::CaseInsensitive) == 0) {
+            swatches->button(static_cast<int>(id))->setChecked(true);
+            return;
+        }
+    }
+    if (QAbstractButton* checked = swatches->checkedButton()) {
+        swatches->setExclusive(false); // else one stays checked
+        checked->setChecked(false);
+        swatches->setExclusive(true);
+    }
+}
+
+void StageSettingBox::Impl::initSettings()
+{
+    if (!startFetching()) {
+        return;
+    }
+    const auto canvas = read(&IMivoSettings::getCanvasColor);
+    const auto output = read(&IMivoSettings::getOutputColor);
+    if (showsFetched()) {
+        onCanvasColorChanged(canvas);
+        onOutputColorChanged(output);
+    }
+}
+
+void StageSettingBox::Impl::choosePreset(ColorRow& row, int id)
+{
+    row.pick(QColor(row.differs.presets.at(static_cast<std::size_t>(id))));
+    report(row);
+}
+
+void StageSettingBox::Impl::openDialog(ColorRow& row)
+{
+    auto* dialog = new ColorDialog(owner);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setTexts(settings::text(QStringLiteral("SelectColor")),
+                     settings::text(QStringLiteral("Determine")),
+                     settings::text(QStringLiteral("Cancel")),
+                     settings::text(QStringLiteral("PickScreenColor")));
+    dialog->setCurrentColor(QColor(row.color()));
+    connect(dialog, &ColorDialog::currentColorChanged, this,
+            [&row](const QColor& color) { row.pick(color); });
+    connect(dialog, &ColorDialog::accepted, this, [this, &row, dialog] {
+        row.pick(dialog->currentColor());
+        report(row);
+    });
+    connect(dialog, &ColorDialog::rejected, this, [&row] { row.pick(QColor(row.reported)); });
+    dialog->open();
+}
+
+void StageSettingBox::Impl::finishHexEdit(ColorRow& row)
+{
+    row.pick(typedColor(row.hexEdit->text()));
+    row.refresh(); // what is no colour gives way to the one before
+    if (row.color() != row.reported) {
+        report(row);
+    }
+}
+
+void StageSettingBox::Impl::report(ColorRow& row)
+{
+    row.reported = row.color();
+    (this->*row.differs.report)(row.reported);
+}
+
+void StageSettingBox::Impl::notifyChangeColor(const QString& color)
+{
+    submit("notifyChangeColor", &IMivoSettings::setCanvasColor, color.toStdString());
+}
+
+void StageSettingBox::Impl::notifyChangeTextColor(const QString& color)
+{
+    submit("notifyChangeTextColor", &IMivoSettings::setOutputColor, color.toStdString());
+}
+
+StageSettingBox::StageSettingBox(QWidget* parent) : SettingPage(parent)
+{
+    setImpl(std::make_unique<Impl>(this));
+}
+
+StageSettingBox::~StageSettingBox() = default;
+
+void StageSettingBox::setSettings(MivoSettings* settings)
+{
+    if (Impl::isStore(settings, "setSettings")
+        && impl<Impl>().hasRuntime("setSettings",
+                                   "StageSettingBox::setSettings zrRuntime is nullptr!")) {
+        impl<Impl>().setSettings(settings);
+    }
+}
+
+void StageSettingBox::unsetSettings()
+{
+    if (impl<Impl>().hasStore("unsetSettings")) {
+        impl<Impl>().unsetSettings();
+    }
+}
+
+} // namespace mivo::settings
+
+#include "stagesettingbox.moc"

@@ -1,0 +1,299 @@
+#include "soundcards/soundcardcolumn.h"
+
+#include "mivosettingswidgets/controls.h"
+#include "mivosettingswidgets/texts.h"
+
+#include <mivowidgets/checkbox.h>
+#include <mivowidgets/combobox.h>
+
+#include <QtCore/QEvent>
+#include <QtCore/QStringListModel>
+#include <QtWidgets/QAbstractItemView>
+#include <QtWidgets/QLabel>
+
+#include <algorithm>
+#include <utility>
+
+namespace mivo::settings {
+
+using mivo::widgets::CheckBox;
+using mivo::widgets::ComboBox;
+using velorn::mediadispatch::STChosenSoundCard;
+
+namespace {
+
+constexpr int gap = 4;
+constexpr int columnWidth = 240;
+constexpr int labelHeight = 20; // whatever its script, so that columns stand in line
+constexpr int comboHeight = 26;
+constexpr int marksInRow = 3;
+
+/// One of some hundred boxes: without the list that opens until it does.
+class CardBox : public ComboBox
+{
+public:
+    using ComboBox::ComboBox;
+
+    void showPopup() override
+    {
+        m_hasList = true;
+        view()->setFont(font());
+        ComboBox::showPopup();
+    }
+
+protected:
+    void changeEvent(QEvent* event) override
+    {
+        // The base class makes the list, only to hand the font on to it.
+        if (m_hasList || event->type() != QEvent::FontChange) {
+            ComboBox::changeEvent(event);
+        } else {
+            QWidget::changeEvent(event);
+        }
+    }
+
+private:
+    bool m_hasList = false;
+};
+
+/// Whether `value` was another one.
+template <typename Value>
+bool replace(Value& value, const Value& wanted)
+{
+    const bool isOther = !(value == wanted);
+    if (isOther) {
+        value = wanted;
+    }
+    return isOther;
+}
+
+/// Whether `offered` had to become those of `cards` that are free for the mapping.
+bool replaceOffers(std::vector<STSoundCardInfo>& offered, const std::vector<STSoundCardInfo>& cards,
+                   std::uint64_t mapping)
+{
+    std::vector<const STSoundCardInfo*> free;
+    free.reserve(cards.size());
+    for (const STSoundCardInfo& card : cards) {
+        if (card.chosenIn == 0 || card.chosenIn == mapping) {
+            free.push_back(&card);
+        }
+    }
+    const bool isSame = std::equal(
+        free.begin(), free.end(), offered.begin(), offered.end(),
+        [](const STSoundCardInfo* one, const STSoundCardInfo& other) { return *one == other; });
+    if (!isSame) {
+        offered.resize(free.size()); // most stay, and so do their texts' buffers
+        std::transform(free.begin(), free.end(), offered.begin(),
+                       [](const STSoundCardInfo* card) { return *card; });
+    }
+    return !isSame;
+}
+
+std::optional<STChosenSoundCard> optionalOf(const STChosenSoundCard* card)
+{
+    return card == nullptr ? std::nullopt : std::optional(*card);
+}
+
+bool contains(const std::vector<std::string>& ids, const std::string& id)
+{
+    return std::find(ids.begin(), ids.end(), id) != ids.end();
+}
+
+} // namespace
+
+SoundCardColumn::SoundCardColumn(std::string deviceName, QWidget* editor)
+    : QWidget(editor), device(std::move(deviceName)), m_label(new QLabel(this)),
+      m_combo(new CardBox(this)), m_texts(new QStringListModel(m_combo))
+{
+    m_label->setGeometry(0, 0, columnWidth, labelHeight);
+    m_label->setBuddy(m_combo);
+    m_label->setTextFormat(Qt::PlainText);
+    m_combo->setGeometry(0, labelHeight + gap, columnWidth, comboHeight);
+    m_combo->setModel(m_texts);
+    placeMarks();
+    connect(m_combo, qOverload<int>(&ComboBox::activated), this, &SoundCardColumn::choose);
+}
+
+void SoundCardColumn::setCards(const STDeviceSoundCards& known, std::uint64_t mapping,
+                               const STChosenSoundCard* chosen)
+{
+    bool isOther = !m_isShown;
+    isOther |= replace(m_caption, known.caption.empty() ? device : known.caption);
+    isOther |= replaceOffers(m_offered, known.soundCards, mapping);
+    isOther |= replace(m_chosen, optionalOf(chosen));
+    if (isOther) {
+        showAll();
+    }
+}
+
+void SoundCardColumn::setChosen(const STChosenSoundCard* chosen)
+{
+    m_chosen = optionalOf(chosen);
+    showAll(); // even the same: the box shows what was wanted
+}
+
+bool SoundCardColumn::isOffered(const std::string& id) const
+{
+    return std::any_of(m_offered.begin(), m_offered.end(),
+                       [&id](const STSoundCardInfo& offer) { return offer.id == id; });
+}
+
+void SoundCardColumn::enable(const std::vector<std::string>& soundCards)
+{
+    if (m_chosen && contains(soundCards, m_chosen->id) && !isOffered(m_chosen->id)) {
+        m_offered.push_back({m_chosen->id, m_chosen->caption, m_chosen->channels});
+        showAll();
+    }
+}
+
+void SoundCardColumn::disable(const std::vector<std::string>& soundCards)
+{
+    m_offered.erase(
+        std::remove_if(m_offered.begin(), m_offered.end(),
+                       [&](const STSoundCardInfo& card) { return contains(soundCards, card.id); }),
+        m_offered.end());
+    showAll();
+}
+
+void SoundCardColumn::setMappingName(const QString& name)
+{
+    m_combo->setAccessibleDescription(name);
+}
+
+std::vector<QWidget*> SoundCardColumn::tabStops() const
+{
+    std::vector<QWidget*> stops{m_combo};
+    stops.insert(stops.end(), m_marks.begin(), m_marks.end());
+    return stops;
+}
+
+void SoundCardColumn::changeEvent(QEvent* event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::StyleChange || event->type() == QEvent::FontChange) {
+        placeMarks();
+    }
+}
+
+void SoundCardColumn::showAll()
+{
+    m_isShown = true;
+    QStringList texts{text(QStringLiteral("None"))};
+    texts.reserve(static_cast<int>(m_offered.size()) + 2);
+    int current = 0;
+    std::uint32_t channels = m_chosen ? m_chosen->channels : 0;
+    for (const STSoundCardInfo& card : m_offered) {
+        if (m_chosen && m_chosen->id == card.id) {
+            current = texts.size();
+            channels = card.channels;
+        }
+        texts.append(QString::fromStdString(card.caption));
+    }
+    if (m_chosen && current == 0) {
+        current = texts.size();
+        texts.append(QString::fromStdString(m_chosen->caption) + QLatin1Char(' ')
+                     + text(QStringLiteral("SoundCardNotConnected")));
+    }
+    const QSignalBlocker blocker(m_combo);
+    if (texts != m_texts->stringList()) {
+        m_texts->setStringList(texts);
+    }
+    m_combo->setCurrentIndex(current);
+    const QString tip = current == 0 ? QString() : tipOf(texts[current]);
+    if (tip != m_combo->toolTip()) {
+        m_combo->setToolTip(tip);
+    }
+
+    const QString caption = !m_caption.empty() ? QString::fromStdString(m_caption)
+                                               : text(QStringLiteral("ThisMachine"));
+    if (caption != m_combo->accessibleName()) {
+        m_combo->setAccessibleName(caption);
+        m_label->setText(QString(caption).replace(QLatin1Char('&'), QLatin1String("&&")));
+        m_label->setToolTip(tipOf(caption));
+    }
+    showMarks(channels);
+}
+
+void SoundCardColumn::showMarks(std::uint32_t channels)
+{
+    channels = std::min(channels, mostSoundCardChannels);
+    const std::size_t pairs = channels > 2 ? (channels + 1) / 2 : 0;
+    const std::size_t before = m_marks.size();
+    while (m_marks.size() > pairs) {
+        m_marks.back()->hide();
+        m_marks.back()->deleteLater();
+        m_marks.pop_back();
+    }
+    while (m_marks.size() < pairs) {
+        auto* mark = new CheckBox(this);
+        connect(mark, &CheckBox::clicked, this, &SoundCardColumn::markPairs);
+        m_marks.push_back(mark);
+    }
+    for (std::size_t pair = 0; pair < pairs; ++pair) {
+        const std::size_t first = 2 * pair + 1;
+        m_marks[pair]->setText(first == channels
+                                   ? QString::number(first)
+                                   : QStringLiteral("%1-%2").arg(first).arg(first + 1));
+        m_marks[pair]->setAccessibleDescription(m_combo->accessibleName());
+        showValue(m_marks[pair], ((m_chosen->channelPairs >> pair) & 1U) != 0);
+    }
+    if (before != pairs) {
+        placeMarks();
+        emit tabStopsChanged();
+    }
+}
+
+void SoundCardColumn::placeMarks()
+{
+    int bottom = labelHeight + gap + comboHeight;
+    int place = 0;
+    for (CheckBox* mark : m_marks) {
+        const int height = mark->sizeHint().height();
+        constexpr int width = columnWidth / marksInRow;
+        if (place % marksInRow == 0) {
+            bottom += gap + height;
+        }
+        mark->setGeometry(place++ % marksInRow * width, bottom - height, width - gap, height);
+        mark->show();
+    }
+    setFixedSize(columnWidth, bottom);
+}
+
+void SoundCardColumn::choose(int item)
+{
+    const std::size_t offer = static_cast<std::size_t>(item) - 1; // behind "None"
+    if (item > 0 && offer == m_offered.size()) {
+        return; // the chosen one, which is not offered
+    }
+    STChosenSoundCard soundCard;
+    soundCard.device = device;
+    if (item > 0) {
+        const STSoundCardInfo& card = m_offered[offer];
+        soundCard.id = card.id;
+        soundCard.caption = card.caption;
+        soundCard.channels = card.channels;
+    }
+    if (m_isShown && soundCard.id == (m_chosen ? m_chosen->id : std::string())) {
+        return;
+    }
+    m_isShown = false; // but what the user wants
+    emit wanted(device.empty() ? mivo::SoundCardChangeLocalCard : mivo::SoundCardChangeClusterCard,
+                soundCard);
+}
+
+void SoundCardColumn::markPairs()
+{
+    if (!m_chosen) {
+        return;
+    }
+    STChosenSoundCard soundCard = *m_chosen;
+    for (std::size_t pair = 0; pair < m_marks.size(); ++pair) {
+        const std::uint32_t bit = std::uint32_t(1) << pair;
+        soundCard.channelPairs = m_marks[pair]->isChecked() ? soundCard.channelPairs | bit
+                                                            : soundCard.channelPairs & ~bit;
+    }
+    m_isShown = false;
+    emit wanted(mivo::SoundCardChangeChannels, soundCard);
+}
+
+} // namespace mivo::settings

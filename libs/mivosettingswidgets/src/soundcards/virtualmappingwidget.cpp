@@ -1,0 +1,434 @@
+#include "mivosettingswidgets/virtualmappingwidget.h"
+
+#include "mivohostapi/imivosettings.h"
+#include "mivosettingswidgets/controls.h"
+#include "mivosettingswidgets/storeaccess.h"
+#include "mivosettingswidgets/texts.h"
+#include "soundcards/soundcardcolumn.h"
+
+#include <mivowidgets/editbox.h>
+#include <mivowidgets/pushbutton.h>
+#include <mivowidgets/tipdialog.h>
+
+#include <QtCore/QPointer>
+#include <QtWidgets/QGridLayout>
+#include <QtWidgets/QHBoxLayout>
+#include <QtWidgets/QLabel>
+
+#include <algorithm>
+#include <optional>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+
+namespace mivo::settings {
+
+using mivo::STSoundCardChangeInfo;
+using mivo::widgets::EditBox;
+using mivo::widgets::PushButton;
+using mivo::widgets::TipDialog;
+using velorn::mediadispatch::STChosenSoundCard;
+using velorn::mediadispatch::STSoundCardMappingInfo;
+
+namespace {
+
+constexpr int columnsInRow = 3;
+
+SoundCardColumn* findColumn(const std::vector<SoundCardColumn*>& columns, const std::string& device)
+{
+    const auto found =
+        std::find_if(columns.begin(), columns.end(),
+                     [&](const SoundCardColumn* column) { return column->device == device; });
+    return found == columns.end() ? nullptr : *found;
+}
+
+} // namespace
+
+class VirtualMappingWidget::Impl : public QObject
+{
+    Q_OBJECT
+
+public:
+    Impl(VirtualMappingWidget* editor, const STSoundCardMappingInfo& mapping, IZRRuntime* runtime,
+         MivoSettings* settings);
+
+    std::optional<STSoundCardMappingsInfo> read(const CallSite& site) const
+    {
+        return readIfThere(zrRuntime, site, &IMivoSettings::getSoundCardMappings, sharedSettings);
+    }
+    void resetColumns(const STSoundCardMappingsInfo& known);
+    void resetOffers(const STSoundCardMappingsInfo& known);
+    void deleteColumns(const std::vector<std::string>& devices);
+    void placeColumns();
+    void translate();
+    SoundCardColumn* columnOf(const std::string& device) const
+    {
+        return findColumn(m_columns, device);
+    }
+    void refresh(const STSoundCardChangeInfo& change);
+
+    MivoSettings* sharedSettings;
+    IZRRuntime* zrRuntime;
+
+public slots:
+    void slotNameEdited();
+    void slotDelete();
+
+private:
+    void setTexts();
+    SoundCardColumn* makeColumn(const std::string& device);
+    void retire(SoundCardColumn* column);
+    /// Puts those of the column behind those of the one before it.
+    void orderTabStops(const SoundCardColumn* column);
+    void showName();
+    const STChosenSoundCard* chosenOn(const std::string& device) const;
+    void setChosen(const STChosenSoundCard& soundCard);
+
+    VirtualMappingWidget* m_owner;
+    STSoundCardMappingInfo m_info;
+    QLabel* m_nameLabel;
+    EditBox* m_name;
+    QLabel* m_nameTip;
+    PushButton* m_delete;
+    QGridLayout* m_grid;
+    std::vector<SoundCardColumn*> m_columns; // this machine first
+    std::vector<SoundCardColumn*> m_placed;  // those that are visible
+};
+
+VirtualMappingWidget::Impl::Impl(VirtualMappingWidget* editor,
+                                 const STSoundCardMappingInfo& mapping, IZRRuntime* runtime,
+                                 MivoSettings* settings)
+    : sharedSettings(settings), zrRuntime(runtime), m_owner(editor), m_info(mapping),
+      m_nameLabel(new QLabel(editor)), m_name(new EditBox(editor)), m_nameTip(new QLabel(editor)),
+      m_delete(new PushButton(editor)), m_grid(new QGridLayout)
+{
+    m_nameLabel->setBuddy(m_name);
+    m_name->setObjectName(QStringLiteral("mappingName"));
+    m_name->setMaxLength(longestSoundCardMappingName);
+    m_name->setFixedSize(240, 24);
+    m_nameTip->setObjectName(QStringLiteral("mappingNameTip"));
+    m_nameTip->hide();
+    m_delete->setObjectName(QStringLiteral("deleteMapping"));
+    m_delete->setProperty("style", QStringLiteral("assist"));
+    m_delete->setFixedHeight(24);
+
+    auto* row = new QHBoxLayout;
+    row->setSpacing(8);
+    row->addWidget(m_nameLabel);
+    row->addWidget(m_name);
+    row->addWidget(m_nameTip);
+    row->addStretch();
+    row->addWidget(m_delete);
+    m_grid->setSpacing(12);
+    m_grid->setColumnStretch(columnsInRow, 1);
+    auto* column = new QVBoxLayout(editor);
+    column->setContentsMargins(12, 12, 12, 12);
+    column->setSpacing(12);
+    column->addLayout(row);
+    column->addLayout(m_grid);
+    setTexts();
+    showName();
+
+    connect(m_name, &EditBox::editingFinished, this, &Impl::slotNameEdited);
+    connect(m_name, &EditBox::textEdited, m_nameTip, &QLabel::hide);
+    connect(m_delete, &PushButton::clicked, this, &Impl::slotDelete);
+}
+
+const STChosenSoundCard* VirtualMappingWidget::Impl::chosenOn(const std::string& device) const
+{
+    const auto found =
+        std::find_if(m_info.soundCards.begin(), m_info.soundCards.end(),
+                     [&](const STChosenSoundCard& card) { return card.device == device; });
+    return found == m_info.soundCards.end() ? nullptr : &*found;
+}
+
+SoundCardColumn* VirtualMappingWidget::Impl::makeColumn(const std::string& device)
+{
+    auto* column = new SoundCardColumn(device, m_owner);
+    column->setMappingName(QString::fromStdString(m_info.name));
+    connect(column, &SoundCardColumn::wanted, this,
+            [this](mivo::EnumSoundCardChange kind, const STChosenSoundCard& soundCard) {
+                emit m_owner->sigMappingInfoChanged({m_info.id, kind, {}, soundCard});
+            });
+    connect(column, &SoundCardColumn::tabStopsChanged, this,
+            [this, column] { orderTabStops(column); });
+    column->move(0, m_owner->height()); // not painted before it has its place
+    column->show();
+    return column;
+}
+
+void VirtualMappingWidget::Impl::resetColumns(const STSoundCardMappingsInfo& known)
+{
+    const LayoutPause pause(m_owner->layout());
+    const auto before = std::exchange(m_columns, {});
+    const auto add = [&](const std::string& device) {
+        SoundCardColumn* same = findColumn(before, device);
+        m_columns.push_back(same != nullptr ? same : makeColumn(device));
+        if (same == nullptr) {
+            orderTabStops(m_columns.back());
+        }
+    };
+    add(std::string());
+    for (const auto& device : known.devices) {
+        const bool isShown = !device.soundCards.empty() || chosenOn(device.device) != nullptr;
+        if (!device.device.empty() && isShown) {
+            add(device.device);
+        }
+    }
+    for (SoundCardColumn* column : before) {
+        if (columnOf(column->device) != column) {
+            retire(column);
+        }
+    }
+}
+
+void VirtualMappingWidget::Impl::deleteColumns(const std::vector<std::string>& devices)
+{
+    const auto gone =
+        std::stable_partition(m_columns.begin(), m_columns.end(), [&](const auto* column) {
+            return column->device.empty()
+                   || std::find(devices.begin(), devices.end(), column->device) == devices.end();
+        });
+    std::for_each(gone, m_columns.end(), [this](SoundCardColumn* column) { retire(column); });
+    m_columns.erase(gone, m_columns.end());
+    placeColumns();
+}
+
+void VirtualMappingWidget::Impl::retire(SoundCardColumn* column)
+{
+    column->disconnect(this);
+    column->hide();
+    column->deleteLater(); // its list may be open
+}
+
+void VirtualMappingWidget::Impl::resetOffers(const STSoundCardMappingsInfo& known)
+{
+    const LayoutPause pause(m_owner->layout());
+    if (m_columns.empty()) {
+        resetColumns(known);
+    }
+    for (const auto& mapping : known.mappings) {
+        if (mapping.id == m_info.id) {
+            m_info.soundCards = mapping.soundCards;
+            if (std::exchange(m_info.name, mapping.name) != mapping.name) {
+                showName(); // it changed while nothing was bound
+            }
+        }
+    }
+    std::unordered_map<std::string_view, const STDeviceSoundCards*> devices;
+    for (const auto& device : known.devices) {
+        devices.emplace(device.device, &device);
+    }
+    static const STDeviceSoundCards none;
+    for (SoundCardColumn* column : m_columns) {
+        const auto found = devices.find(column->device);
+        const bool isKnown = found != devices.end();
+        column->setCards(isKnown ? *found->second : none, m_info.id, chosenOn(column->device));
+        if (isKnown) {
+            column->setVisible(found->second->visible);
+        }
+    }
+    placeColumns();
+}
+
+void VirtualMappingWidget::Impl::placeColumns()
+{
+    std::vector<SoundCardColumn*> shown;
+    std::copy_if(m_columns.begin(), m_columns.end(), std::back_inserter(shown),
+                 [](const SoundCardColumn* column) { return !column->isHidden(); });
+    if (shown == m_placed) {
+        return;
+    }
+    while (m_grid->count() > 0) {
+        delete m_grid->takeAt(0);
+    }
+    m_placed = std::move(shown);
+    for (SoundCardColumn* column : m_placed) {
+        const int place = m_grid->count();
+        m_grid->addWidget(column, place / columnsInRow, place % columnsInRow, Qt::AlignTop);
+    }
+}
+
+void VirtualMappingWidget::Impl::orderTabStops(const SoundCardColumn* column)
+{
+    const auto place = std::find(m_columns.begin(), m_columns.end(), column);
+    QWidget* previous =
+        place == m_columns.begin() ? m_delete : (*std::prev(place))->tabStops().back();
+    for (QWidget* stop : column->tabStops()) {
+        QWidget::setTabOrder(previous, stop);
+        previous = stop;
+    }
+}
+
+void VirtualMappingWidget::Impl::setTexts()
+{
+    m_nameLabel->setText(text(QStringLiteral("MappingName")));
+    m_name->setAccessibleName(m_nameLabel->text());
+    m_nameTip->setText(text(QStringLiteral("MappingNameInUse")));
+    m_delete->setText(text(QStringLiteral("DeleteMapping")));
+}
+
+void VirtualMappingWidget::Impl::translate()
+{
+    setTexts();
+    for (SoundCardColumn* column : m_columns) {
+        column->translate();
+    }
+}
+
+void VirtualMappingWidget::Impl::showName()
+{
+    const QString name = QString::fromStdString(m_info.name);
+    const QSignalBlocker blocker(m_name);
+    m_name->setText(name);
+    m_delete->setAccessibleDescription(name); // which of the buttons of that text
+    for (SoundCardColumn* column : m_columns) {
+        column->setMappingName(name);
+    }
+}
+
+void VirtualMappingWidget::Impl::refresh(const STSoundCardChangeInfo& change)
+{
+    switch (change.kind) {
+    case SoundCardChangeName:
+        m_info.name = change.name;
+        showName();
+        return;
+    case SoundCardChangeLocalCard:
+    case SoundCardChangeClusterCard:
+    case SoundCardChangeChannels:
+        setChosen(change.soundCard);
+        return;
+    default: // a deletion is the page's
+        return;
+    }
+}
+
+void VirtualMappingWidget::Impl::setChosen(const STChosenSoundCard& soundCard)
+{
+    auto& all = m_info.soundCards;
+    const auto place = std::find_if(all.begin(), all.end(), [&](const STChosenSoundCard& card) {
+        return card.device == soundCard.device;
+    });
+    if (place != all.end()) {
+        all.erase(place);
+    }
+    if (!soundCard.id.empty()) {
+        all.push_back(soundCard);
+    }
+    if (SoundCardColumn* column = columnOf(soundCard.device)) {
+        column->setChosen(chosenOn(soundCard.device));
+    }
+}
+
+void VirtualMappingWidget::Impl::slotNameEdited()
+{
+    const std::string name = m_name->text().trimmed().toStdString();
+    bool isFree = true;
+    if (!name.empty() && name != m_info.name) {
+        const auto known = read("slotNameEdited").value_or(STSoundCardMappingsInfo());
+        isFree = std::none_of(known.mappings.begin(), known.mappings.end(), [&](const auto& other) {
+            return other.id != m_info.id && other.name == name;
+        });
+        m_nameTip->setVisible(!isFree);
+    }
+    if (name.empty() || name == m_info.name || !isFree) {
+        showName();
+        return;
+    }
+    emit m_owner->sigMappingInfoChanged({m_info.id, SoundCardChangeName, name, {}});
+}
+
+void VirtualMappingWidget::Impl::slotDelete()
+{
+    const QPointer<Impl> self(this);
+    const int answer = TipDialog::ask(
+        m_owner, TipDialog::question,
+        text(QStringLiteral("DeleteMappingTips")).arg(QString::fromStdString(m_info.name)),
+        text(QStringLiteral("Cancel")), text(QStringLiteral("OK")));
+    if (self && answer == TipDialog::accepted) {
+        emit m_owner->sigMappingInfoChanged({m_info.id, SoundCardChangeDeletion, {}, {}});
+    }
+}
+
+VirtualMappingWidget::VirtualMappingWidget(const STSoundCardMappingInfo& info, IZRRuntime* runtime,
+                                           MivoSettings* settings, QWidget* parent)
+    : QWidget(parent), m_impl(std::make_unique<Impl>(this, info, runtime, settings))
+{
+    setAttribute(Qt::WA_StyledBackground);
+}
+
+VirtualMappingWidget::~VirtualMappingWidget() = default;
+
+void VirtualMappingWidget::setSettings(MivoSettings* settings)
+{
+    m_impl->sharedSettings = settings;
+}
+
+void VirtualMappingWidget::resetSoundCardsCombobox()
+{
+    if (const auto known = m_impl->read("resetSoundCardsCombobox")) {
+        m_impl->resetOffers(*known);
+    }
+}
+
+void VirtualMappingWidget::resetSoundCardsCombobox(const STSoundCardMappingsInfo& known)
+{
+    m_impl->resetOffers(known);
+}
+
+void VirtualMappingWidget::resetSoundCardWidget()
+{
+    if (const auto known = m_impl->read("resetSoundCardWidget")) {
+        resetSoundCardWidget(*known);
+    }
+}
+
+void VirtualMappingWidget::resetSoundCardWidget(const STSoundCardMappingsInfo& known)
+{
+    m_impl->resetColumns(known);
+    m_impl->resetOffers(known);
+}
+
+void VirtualMappingWidget::refreshMappingInfo(const STSoundCardChangeInfo& change)
+{
+    m_impl->refresh(change);
+}
+
+void VirtualMappingWidget::setSoundCardEnable(const std::string& device,
+                                              const std::vector<std::string>& soundCards)
+{
+    if (SoundCardColumn* column = m_impl->columnOf(device)) {
+        column->enable(soundCards);
+    }
+}
+
+void VirtualMappingWidget::setSoundCardDisable(const std::string& device,
+                                               const std::vector<std::string>& soundCards)
+{
+    if (SoundCardColumn* column = m_impl->columnOf(device)) {
+        column->disable(soundCards);
+    }
+}
+
+void VirtualMappingWidget::deleteClusterDeviceSoundCard(const std::vector<std::string>& devices)
+{
+    m_impl->deleteColumns(devices);
+}
+
+void VirtualMappingWidget::setDeviceSoundCardVisible(const std::string& device, bool visible)
+{
+    if (SoundCardColumn* column = m_impl->columnOf(device)) {
+        column->setVisible(visible);
+        m_impl->placeColumns();
+    }
+}
+
+void VirtualMappingWidget::translateLangauge()
+{
+    m_impl->translate();
+}
+
+} // namespace mivo::settings
+
+#include "virtualmappingwidget.moc"
