@@ -16,7 +16,11 @@ set(CMAKE_INSTALL_RPATH $ORIGIN/../${CMAKE_INSTALL_LIBDIR} $ORIGIN)
 
 find_program(MIVO_CCACHE ccache)
 if(MIVO_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
-    set(CMAKE_CXX_COMPILER_LAUNCHER ${MIVO_CCACHE})
+    # A clone elsewhere finds what this one has compiled.
+    set(CMAKE_CXX_COMPILER_LAUNCHER
+        ${CMAKE_COMMAND} -E env CCACHE_BASEDIR=${PROJECT_SOURCE_DIR} CCACHE_NOHASHDIR=1
+        CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime
+        ${MIVO_CCACHE})
 endif()
 
 set(MIVO_SANITIZE_FLAGS "")

@@ -17,19 +17,27 @@ fail() {
     exit "${2:-1}"
 }
 
-# need_packages GROUP...: installs what is missing of the groups.
+# need_packages GROUP...: installs what is missing of what building needs, and of the groups.
 need_packages() {
-    local group list missing=()
-    command -v dpkg-query >/dev/null || {
-        echo "no dpkg here: the needed libraries are taken as installed" >&2
-        return 0
-    }
-    list=$packages_build
+    local group list=$packages_build
     for group in "$@"; do
         local name=packages_$group
         list+=" ${!name}"
     done
-    local installed
+    install_missing "$list"
+}
+
+# install_missing LIST: installs those packages of the list that are not there.
+install_missing() {
+    local list=$1 missing=() package installed as_root=()
+    command -v dpkg-query >/dev/null || {
+        echo "no dpkg here: the needed libraries are taken as installed" >&2
+        return 0
+    }
+    # JACK's two implementations exclude each other: the one that is there is the one that is used.
+    if dpkg-query -W -f '${Status}' libjack0 2>/dev/null | grep -q '^install ok installed'; then
+        list=${list/libjack-jackd2-dev/libjack-dev} list=${list/jackd2/jackd1}
+    fi
     # It fails when it does not know one of them.
     # shellcheck disable=SC2086
     installed=" $(dpkg-query -W -f '${Status}/${Package} ' $list 2>/dev/null || true) "
@@ -38,15 +46,16 @@ need_packages() {
     done
     [ ${#missing[@]} -eq 0 ] && return 0
 
-    local as_root=()
     if [ "$(id -u)" -ne 0 ]; then
         command -v sudo >/dev/null || fail "please install as root: ${missing[*]}"
         as_root=(sudo)
     fi
     echo "installing: ${missing[*]}" >&2
     "${as_root[@]}" apt-get -qq update >&2
-    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -qq install -y \
-        --no-install-recommends "${missing[@]}" >&2
+    # What the user has stays: rather nothing is installed than something removed.
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -qq install -y --no-remove \
+        --no-install-recommends "${missing[@]}" >&2 ||
+        fail "the packages above could not be installed (nothing that you have is removed for them)"
 }
 
 # quietly WHAT COMMAND...: says nothing when all goes well.
@@ -66,6 +75,33 @@ configure() {
     quietly "configuring $1" cmake --preset "$1" -DMIVO_WERROR="${MIVO_WERROR:-OFF}"
 }
 
+# build DIR [TARGET...]: shows ninja's own progress on a terminal, else a line each half minute.
+build() {
+    local dir=$1 log status=0
+    shift
+    local command=(cmake --build "$dir" ${1:+--target "$@"})
+    if [ -t 2 ]; then
+        "${command[@]}" >&2 || fail "building failed"
+        return 0
+    fi
+    log=$(mktemp)
+    "${command[@]}" >"$log" 2>&1 &
+    local builder=$! waited=0
+    while kill -0 "$builder" 2>/dev/null; do
+        sleep 1
+        if ((++waited % 30 == 0)); then
+            echo "building $(basename "$dir"): $(grep -oE '^\[[0-9]+/[0-9]+\]' "$log" | tail -n 1)" >&2
+        fi
+    done
+    wait "$builder" || status=$?
+    [ $status -eq 0 ] || {
+        cat "$log" >&2
+        rm -f "$log"
+        fail "building $(basename "$dir") failed"
+    }
+    rm -f "$log"
+}
+
 # configure_and_build PRESET [TARGET...]: configures once, and again when MIVO_WERROR asks for
 # another value. The caller stays in its folder.
 configure_and_build() (
@@ -75,6 +111,7 @@ configure_and_build() (
     cd "$root"
     if [ ! -f "$dir/build.ninja" ] || ! grep -q "^MIVO_WERROR:BOOL=$werror\$" "$dir/CMakeCache.txt"; then
         configure "$preset"
+        echo "building $preset: the first time takes about ten minutes on two cores" >&2
     fi
-    quietly "building $preset" cmake --build "$dir" ${1:+--target "$@"}
+    build "$dir" "$@"
 )
