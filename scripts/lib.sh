@@ -53,9 +53,13 @@ install_missing() {
     echo "installing: ${missing[*]}" >&2
     "${as_root[@]}" apt-get -qq update >&2
     # What the user has stays: rather nothing is installed than something removed.
-    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -qq install -y --no-remove \
-        --no-install-recommends "${missing[@]}" >&2 ||
-        fail "the packages above could not be installed (nothing that you have is removed for them)"
+    local command=("${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-remove
+        --no-install-recommends "${missing[@]}")
+    if [ -t 2 ]; then
+        "${command[@]}" >&2 || fail "the packages above could not be installed"
+    else
+        quietly "installing the packages above" "${command[@]}"
+    fi
 }
 
 # quietly WHAT COMMAND...: says nothing when all goes well.
