@@ -246,7 +246,7 @@ QWidget* findControl(QWidget* page, const ControlCase& control)
     int index = control.index;
     const auto children = page->findChildren<QWidget*>();
     for (QWidget* child : children) {
-        if (qstrcmp(child->metaObject()->className(), control.type) == 0 && index-- == 0) {
+        if (child->inherits(control.type) && index-- == 0) {
             return child;
         }
     }

@@ -17,6 +17,9 @@ class IMsgCenterMgr;
 namespace mivo::settings {
 
 /// The page of the sound-card mappings: an editor for each that the store announces, at most 20.
+///
+/// setSettings(): the page stays empty until the store announces its mappings; null is logged, and
+/// lets go of the store. unsetSettings() forgets the store.
 class MIVOSETTINGSWIDGETS_EXPORT AudioSettingBox : public SettingPage
 {
     Q_OBJECT
@@ -24,11 +27,6 @@ class MIVOSETTINGSWIDGETS_EXPORT AudioSettingBox : public SettingPage
 public:
     explicit AudioSettingBox(QWidget* parent = nullptr);
     ~AudioSettingBox() override;
-
-    /// Binds to the store; needs the runtime. The page stays empty until the store announces its
-    /// mappings. Null is logged, and lets go of the store.
-    void setSettings(MivoSettings* settings);
-    void unsetSettings() const;
 
     /// The services are borrowed, and may be null: without a message centre, a mismatch of sound
     /// cards is not told.

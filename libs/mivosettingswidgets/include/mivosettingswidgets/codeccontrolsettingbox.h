@@ -16,6 +16,9 @@ namespace mivo::settings {
 
 /// The output pipeline: the graphics card, the standard of colour, and the dynamic range. All of it
 /// takes effect after a restart. Common contract: ISettingBox.
+///
+/// setSettings(): a null store, or no runtime, is logged and changes nothing. unsetSettings()
+/// without a store, or without a runtime, is logged.
 class MIVOSETTINGSWIDGETS_EXPORT CodecControlSettingBox : public SettingPage
 {
     Q_OBJECT
@@ -23,14 +26,6 @@ class MIVOSETTINGSWIDGETS_EXPORT CodecControlSettingBox : public SettingPage
 public:
     explicit CodecControlSettingBox(QWidget* parent = nullptr);
     ~CodecControlSettingBox() override;
-
-    /// Binds the page and shows the store's values; a null store, or no runtime, is logged and
-    /// changes nothing.
-    void setSettings(MivoSettings* settings);
-
-    /// Stops following the store, which stays known; without one, or without a runtime, a line in
-    /// the log.
-    void unsetSettings();
 
     /// Borrowed, and null until it is set; must outlive the page. To be set before the store, so
     /// that the page follows the list of cards.

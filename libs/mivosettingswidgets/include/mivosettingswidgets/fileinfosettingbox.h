@@ -6,6 +6,8 @@ namespace mivo::settings {
 
 /// Where the play log, the cache and the shared files are kept, and how long the play log goes
 /// back. Common contract: ISettingBox.
+///
+/// setSettings(): null is logged and changes nothing. unsetSettings() without a store is logged.
 class MIVOSETTINGSWIDGETS_EXPORT FileInfoSettingBox : public SettingPage
 {
     Q_OBJECT
@@ -13,12 +15,6 @@ class MIVOSETTINGSWIDGETS_EXPORT FileInfoSettingBox : public SettingPage
 public:
     explicit FileInfoSettingBox(QWidget* parent = nullptr);
     ~FileInfoSettingBox() override;
-
-    /// Binds the page and shows the store's values; null is logged and changes nothing.
-    void setSettings(MivoSettings* settings);
-
-    /// Stops following the store, which stays known; without one, a line in the log.
-    void unsetSettings();
 
 signals:
     /// The free space of a folder's drive was looked up, after its path changed or it was cleared:

@@ -13,6 +13,8 @@ namespace mivo::settings {
 
 /// The page of how the application starts and closes, and of the timed shutdown and the timed
 /// automatic restart with their count-down prompts. The host carries both actions out.
+///
+/// setSettings(): null is logged and changes nothing.
 class MIVOSETTINGSWIDGETS_EXPORT GeneralSettingBox : public SettingPage
 {
     Q_OBJECT
@@ -25,10 +27,6 @@ public:
     /// must outlive the page.
     void setProgramDispatch(std::shared_ptr<mivo::mediadispatch::IProgramDispatch> dispatch);
     void setProjectFileMgr(mivo::projectfilemgr::IProjectFileMgr* manager);
-
-    /// Binds to the store; a null one is logged and not taken. Needs the runtime.
-    void setSettings(MivoSettings* settings);
-    void unsetSettings();
 
 private:
     class Impl;

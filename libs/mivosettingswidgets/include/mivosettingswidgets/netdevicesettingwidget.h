@@ -25,10 +25,6 @@ public:
     void setDmxMgr(mivo::peripheralcontrol::DmxPeripheral* dmx);
     void setOscMgr(mivo::peripheralcontrol::OscPeripheral* osc);
 
-    /// Binds to the store, which must not be null; needs the runtime.
-    void setSettings(MivoSettings* settings);
-    void unsetSettings();
-
 private:
     class Impl;
 };

@@ -20,12 +20,6 @@ public:
     explicit OfficePPTSettingBox(QWidget* parent = nullptr);
     ~OfficePPTSettingBox() override;
 
-    /// Binds the page and shows the store's values. Neither `settings` nor the runtime may be null.
-    void setSettings(MivoSettings* settings);
-
-    /// Stops following the store, which stays known: edits are written still.
-    void unsetSettings();
-
     /// Kept for the host; the page calls nothing of it.
     void setResourceMgr(std::weak_ptr<resource::IResourceMgr> resources);
 

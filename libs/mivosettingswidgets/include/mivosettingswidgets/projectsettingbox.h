@@ -19,12 +19,6 @@ public:
     explicit ProjectSettingBox(QWidget* parent = nullptr);
     ~ProjectSettingBox() override;
 
-    /// Binds the page and shows the store's values. Neither `settings` nor the runtime may be null.
-    void setSettings(MivoSettings* settings);
-
-    /// Stops following the store, which stays known: edits are written still.
-    void unsetSettings();
-
     /// The programs that can be chosen to play when a project is opened. To be set before the store
     /// for its changes to be followed; it is called on the runtime thread only. Without one, or
     /// after its end, the page shows the choice that it knows.

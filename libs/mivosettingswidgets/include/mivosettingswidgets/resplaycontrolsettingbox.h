@@ -6,6 +6,8 @@ namespace mivo::settings {
 
 /// How long a picture, a presentation slide and an on-screen display play. Common contract:
 /// ISettingBox.
+///
+/// setSettings(): null is logged and changes nothing. unsetSettings() without a store is logged.
 class MIVOSETTINGSWIDGETS_EXPORT ResPlayControlSettingBox : public SettingPage
 {
     Q_OBJECT
@@ -13,12 +15,6 @@ class MIVOSETTINGSWIDGETS_EXPORT ResPlayControlSettingBox : public SettingPage
 public:
     explicit ResPlayControlSettingBox(QWidget* parent = nullptr);
     ~ResPlayControlSettingBox() override;
-
-    /// Binds the page and shows the store's values; null is logged and changes nothing.
-    void setSettings(MivoSettings* settings);
-
-    /// Stops following the store, which stays known; without one, a line in the log.
-    void unsetSettings();
 
 private:
     class Impl;

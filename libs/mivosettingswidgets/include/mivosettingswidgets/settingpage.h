@@ -14,6 +14,9 @@ class SettingPageImpl;
 ///
 /// A page made of it derives its private `Impl` from SettingPageImpl and hands it to setImpl() in
 /// its constructor. A page that is destroyed while it is bound drops its subscriptions first.
+///
+/// A page says what is particular to it; otherwise setSettings() and unsetSettings() do what is
+/// said here.
 class MIVOSETTINGSWIDGETS_EXPORT SettingPage : public ISettingBox
 {
     Q_OBJECT
@@ -29,6 +32,14 @@ public:
     void switchLanguage(const QString& language) override;
     void loadLanguageFiles(const std::vector<QString>& files) const override;
     void setZRRuntime(IZRRuntime* runtime) override;
+
+    /// Binds the page to the store, follows it and shows what it holds. Neither `settings` nor the
+    /// runtime may be null. A second call without unsetSettings() follows twice.
+    void setSettings(MivoSettings* settings);
+
+    /// Stops following the store, which stays known: edits are written still. Without a store,
+    /// nothing.
+    void unsetSettings() const;
 
 protected:
     explicit SettingPage(QWidget* parent);

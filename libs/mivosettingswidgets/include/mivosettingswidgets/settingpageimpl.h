@@ -1,16 +1,15 @@
 #pragma once
 
 #include "mivohostapi/imivosettings.h"
-#include "mivohostapi/shortcuttypes.h"
+#include "mivosettingswidgets/queuedtypes.h"
 #include "mivosettingswidgets/storeaccess.h"
+#include "mivosettingswidgets/storedcheckbox.h"
 
 #include <QtCore/QObject>
 #include <QtCore/QString>
-#include <QtGui/QColor>
 
 #include <functional>
 #include <memory>
-#include <string>
 #include <vector>
 
 class QAbstractButton;
@@ -22,40 +21,6 @@ namespace mivo::settings {
 
 class ISettingBox;
 
-/// The type text under which a value travels through a call queued by slot name.
-template <typename T>
-constexpr const char* queuedTypeText = nullptr;
-template <>
-inline constexpr const char* queuedTypeText<int> = "const int";
-template <>
-inline constexpr const char* queuedTypeText<bool> = "const bool";
-template <>
-inline constexpr const char* queuedTypeText<double> = "const double";
-template <>
-inline constexpr const char* queuedTypeText<std::string> = "std::string";
-template <>
-inline constexpr const char* queuedTypeText<mivo::DynamicRangeConfig> = "DynamicRangeConfig";
-template <>
-inline constexpr const char* queuedTypeText<QString> = "const QString&";
-template <>
-inline constexpr const char* queuedTypeText<QColor> = "const QColor";
-template <>
-inline constexpr const char* queuedTypeText<std::vector<std::string>> = "std::vector<std::string>";
-template <>
-inline constexpr const char* queuedTypeText<STResourceSettingsInfo> =
-    "const STResourceSettingsInfo&";
-template <>
-inline constexpr const char* queuedTypeText<STMivoAutoStartSettings> =
-    "const STMivoAutoStartSettings&";
-template <>
-inline constexpr const char* queuedTypeText<STMivoTimedShutdownSettings> =
-    "const STMivoTimedShutdownSettings&";
-template <>
-inline constexpr const char* queuedTypeText<STMivoTimedAutomaticRestartSettings> =
-    "const STMivoTimedAutomaticRestartSettings&";
-template <>
-inline constexpr const char* queuedTypeText<STFileInfoSettings> = "const STFileInfoSettings&";
-
 /// Base of every page's Impl: the common fields, and the verbs in which a page is written.
 ///
 /// GUI thread, but for what is said to run on the runtime thread.
@@ -64,8 +29,9 @@ class SettingPageImpl : public QObject
     Q_OBJECT
 
 public:
-    /// `navigationKey` is the section's untranslated name.
-    SettingPageImpl(ISettingBox* page, const QString& navigationKey);
+    /// `navigationKey` is the section's untranslated name; `site` is the page's own file, which the
+    /// runtime is told.
+    SettingPageImpl(ISettingBox* page, const char* navigationKey, const CallSite& site = {});
     ~SettingPageImpl() override;
 
     MivoSettings* sharedSettings = nullptr;
@@ -74,11 +40,12 @@ public:
     QString titleText;
     int priorityIndex = -1;
 
-    /// Binds to the store: connects all that is followed, then calls initSettings().
-    void setSettings(MivoSettings* settings, const CallSite& site = "setSettings");
+    /// Binds to the store: connects all that is followed, then calls initSettings(). Neither the
+    /// store nor the runtime may be null; a page that checks them overrides this.
+    virtual void setSettings(MivoSettings* settings);
 
     /// Disconnects all that is followed; without a store, nothing. The store stays known.
-    void unsetSettings(const CallSite& site = "unsetSettings");
+    virtual void unsetSettings();
 
     /// Like unsetSettings(), but leaves no connection behind even where the runtime refuses or has
     /// stopped, and lets a forwarding method that still runs end: for the end of the page.
@@ -88,25 +55,25 @@ public:
     void translateLanguage();
 
     /// False, and the null-store warning under the function of `site`, without a store. Also for
-    /// the argument of a page's setSettings() that may be null.
-    bool hasStore(const CallSite& site) const { return isStore(sharedSettings, site); }
-    static bool isStore(const MivoSettings* settings, const CallSite& site);
+    /// the argument of setSettings(), where it may be null.
+    bool hasStore(const CallSite& site = {}) const { return isStore(sharedSettings, site); }
+    static bool isStore(const MivoSettings* settings, const CallSite& site = {});
 
     /// False, and `warning` under the function of `site`, without a runtime: for pages that check.
-    bool hasRuntime(const CallSite& site, const char* warning) const;
+    bool hasRuntime(const char* warning, const CallSite& site = {}) const;
 
-    /// Registers a text: `set` gets the translation of `key` now, and again whenever it differs
-    /// after a change of language. An `initial` text takes the place of the first translation.
-    void text(const QString& key, std::function<void(const QString&)> set,
-              const QString& initial = {});
+    /// Registers a text: `set` gets the translation of `key` now and at each translateLanguage().
+    /// An `initial` text takes the place of the first translation.
+    void addText(const char* key, std::function<void(const QString&)> set,
+                 const char* initial = nullptr);
 
     /// The same for a label; the control next to it becomes its buddy and is named after it.
-    void text(const QString& key, QLabel* label, QWidget* buddy = nullptr,
-              const QString& initial = {});
-    void text(const QString& key, QAbstractButton* button, const QString& initial = {});
+    void addText(const char* key, QLabel* label, QWidget* buddy = nullptr,
+                 const char* initial = nullptr);
+    void addText(const char* key, QAbstractButton* button, const char* initial = nullptr);
 
     /// The same for the items of a combo box, from the first on; those that are missing are added.
-    void itemTexts(QComboBox* combo, const std::vector<const char*>& keys);
+    void addItemTexts(QComboBox* combo, const std::vector<const char*>& keys);
 
 protected:
     /// Reads every value with fetch(); runs at the end of setSettings().
@@ -114,11 +81,11 @@ protected:
 
     /// To be called first in initSettings(): hasStore(), and asks the runtime whether the values
     /// that are fetched from here on are shown.
-    bool startFetching(const CallSite& site = "initSettings");
+    bool startFetching(const CallSite& site = {});
 
     /// Reads one value from the store, which must be there.
     template <typename Getter>
-    auto read(Getter getter, const CallSite& site = "initSettings")
+    auto read(Getter getter, const CallSite& site = {})
     {
         return callInRuntime(zrRuntime, site.file, site.line, site.function, getter,
                              sharedSettings);
@@ -128,7 +95,7 @@ protected:
     /// synchronised the value is read and dropped; kept on purpose, so that the runtime sees the
     /// same calls.
     template <typename Getter>
-    void fetch(Getter getter, const char* slot, const CallSite& site = "initSettings")
+    void fetch(Getter getter, const char* slot, const CallSite& site = {})
     {
         const auto value = read(getter, site);
         if (m_showFetched) {
@@ -139,26 +106,19 @@ protected:
     /// Whether initSettings() is to show what it read by read(); as startFetching() found it.
     bool showsFetched() const { return m_showFetched; }
 
-    /// Writes a value, or several at once, to the store; without one, the null-store warning.
-    template <typename Setter, typename... Values>
-    void submit(const CallSite& site, Setter setter, const Values&... values)
+    /// Writes a value to the store; without one, the null-store warning.
+    template <typename Setter, typename Value>
+    void submit(Setter setter, const Value& value, const CallSite& site = {})
     {
         if (hasStore(site)) {
             callInRuntime(zrRuntime, site.file, site.line, site.function, setter, sharedSettings,
-                          values...);
+                          value);
         }
-    }
-
-    /// The same for the state of a check box.
-    template <typename Setter>
-    void submitCheck(const CallSite& site, Setter setter, int state)
-    {
-        submit(site, setter, state == Qt::Checked);
     }
 
     /// Has `work` done on the runtime thread, for what is more than one call of the store.
     template <typename Work>
-    auto inRuntime(const CallSite& site, Work work)
+    auto inRuntime(Work work, const CallSite& site = {})
     {
         return callInRuntime(zrRuntime, site.file, site.line, site.function, std::move(work));
     }
@@ -170,6 +130,20 @@ protected:
     {
         m_followed.push_back([this, signal, forward](MivoSettings& store) {
             return (store.*signal).connect(forward, self<Impl>());
+        });
+    }
+
+    /// Has a check box show what the store announces, and `chosen` called for what a person
+    /// chooses.
+    template <typename Impl>
+    void follow(sigslot::signal<const bool> IMivoSettings::*signal, StoredCheckBox* box,
+                void (Impl::*chosen)(int state))
+    {
+        connect(box, &QCheckBox::stateChanged, static_cast<Impl*>(this), chosen);
+        m_followed.push_back([this, signal, box](MivoSettings& store) {
+            const std::weak_ptr<StoredCheckBox> called =
+                std::shared_ptr<StoredCheckBox>(m_self, box);
+            return (store.*signal).connect(&StoredCheckBox::queueChecked, called);
         });
     }
 
@@ -192,46 +166,30 @@ protected:
     template <typename... T>
     void queue(const char* slot, const T&... values)
     {
-        (registerQueued<T>(), ...);
+        (registerQueuedType<T>(), ...);
         QMetaObject::invokeMethod(this, slot, Qt::QueuedConnection,
                                   QGenericArgument(queuedTypeText<T>, &values)...);
     }
 
-    /// The same for a slot of an object that lives as long as this one, with a type text that is
-    /// not the usual one.
-    template <typename T>
-    static void queueTo(QObject* target, const char* slot, const T& value, const char* typeText)
-    {
-        registerQueued<T>();
-        QMetaObject::invokeMethod(target, slot, Qt::QueuedConnection,
-                                  QGenericArgument(typeText, &value));
-    }
+    /// Registers the title of the page's box.
+    void addTitle(const char* key, const char* initial = nullptr);
 
-    /// The first form, for a part of a page that has texts of its own.
+    /// Registers the place among the texts where the section's name is translated and announced.
+    void addNavigationText(const char* key);
+
+    /// addText(), for a part of a page that has texts of its own.
     auto textRegistrar()
     {
         return [this](const char* key, std::function<void(const QString&)> set) {
-            text(QString::fromLatin1(key), std::move(set));
+            addText(key, std::move(set));
         };
     }
 
-    /// Registers the place among the texts where the section's name is translated and announced.
-    void navigationText(const QString& key);
-
 private:
-    /// Before the first journey of a type.
-    template <typename T>
-    static void registerQueued()
-    {
-        static_assert(queuedTypeText<T> != nullptr, "a type that is queued needs its text");
-        qMetaTypeId<T>();
-    }
-
     struct Text
     {
         QString key;
         std::function<void(const QString&)> set; // null: the section's name
-        QString shown;
     };
 
     std::shared_ptr<SettingPageImpl> m_self{this, [](SettingPageImpl*) {}}; // owns nothing
@@ -239,7 +197,9 @@ private:
     std::vector<sigslot::scoped_connection>
         m_connections; // runtime thread, while the GUI thread waits
     std::vector<Text> m_texts;
+    CallSite m_site;
     bool m_showFetched = false;
+    bool m_unset = false; // since it was bound; what a refusing runtime left connected goes later
 };
 
 } // namespace mivo::settings

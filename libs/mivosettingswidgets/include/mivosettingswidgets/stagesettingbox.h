@@ -5,6 +5,9 @@
 namespace mivo::settings {
 
 /// The colours of the stage: its canvas, and its output. Common contract: ISettingBox.
+///
+/// setSettings(): a null store, or no runtime, is logged and changes nothing. unsetSettings()
+/// without a store is logged.
 class MIVOSETTINGSWIDGETS_EXPORT StageSettingBox : public SettingPage
 {
     Q_OBJECT
@@ -12,13 +15,6 @@ class MIVOSETTINGSWIDGETS_EXPORT StageSettingBox : public SettingPage
 public:
     explicit StageSettingBox(QWidget* parent = nullptr);
     ~StageSettingBox() override;
-
-    /// Binds the page and shows the store's values. Null, or no runtime, is logged and changes
-    /// nothing.
-    void setSettings(MivoSettings* settings);
-
-    /// Stops following the store, which stays known; without one, a line in the log.
-    void unsetSettings();
 
 private:
     class Impl;

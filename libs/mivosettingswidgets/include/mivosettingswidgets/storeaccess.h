@@ -15,13 +15,14 @@
 
 namespace mivo::settings {
 
-/// Where a call stands: named by its function, found by file and line. Converts from the
-/// function's name, taking file and line of that place. All texts are literals.
+/// Where a call stands. As the default of a parameter it takes the caller's own function, file and
+/// line; the literal name of another function takes its place where that is wanted. All texts are
+/// literals.
 struct CallSite
 {
     // NOLINTNEXTLINE(google-explicit-constructor)
-    CallSite(const char* functionName, const char* fileName = __builtin_FILE(),
-             int lineNumber = __builtin_LINE())
+    CallSite(const char* functionName = __builtin_FUNCTION(),
+             const char* fileName = __builtin_FILE(), int lineNumber = __builtin_LINE())
         : file(fileName), line(lineNumber), function(functionName)
     {}
 

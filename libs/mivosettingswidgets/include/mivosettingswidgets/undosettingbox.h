@@ -13,12 +13,6 @@ public:
     explicit UndoSettingBox(QWidget* parent = nullptr);
     ~UndoSettingBox() override;
 
-    /// Binds the page and shows the store's value. Neither `settings` nor the runtime may be null.
-    void setSettings(MivoSettings* settings);
-
-    /// Stops following the store, which stays known: edits are written still.
-    void unsetSettings();
-
 private:
     class Impl;
 };

@@ -27,7 +27,7 @@ class MIVOSETTINGSWIDGETS_EXPORT FolderRow : public QObject
     Q_OBJECT
 
 public:
-    /// Registers a text as SettingPageImpl::text() does.
+    /// Registers a text as SettingPageImpl::addText() does.
     using RegisterText =
         std::function<void(const char* key, std::function<void(const QString&)> set)>;
 

@@ -58,4 +58,14 @@ void SettingPage::setZRRuntime(IZRRuntime* runtime)
     m_impl->zrRuntime = runtime;
 }
 
+void SettingPage::setSettings(MivoSettings* settings)
+{
+    m_impl->setSettings(settings);
+}
+
+void SettingPage::unsetSettings() const
+{
+    m_impl->unsetSettings();
+}
+
 } // namespace mivo::settings

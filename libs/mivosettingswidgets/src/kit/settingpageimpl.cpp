@@ -12,16 +12,19 @@
 
 namespace mivo::settings {
 
-SettingPageImpl::SettingPageImpl(ISettingBox* page, const QString& navigationKey)
-    : owner(page), titleText(navigationKey)
+SettingPageImpl::SettingPageImpl(ISettingBox* page, const char* navigationKey, const CallSite& site)
+    : owner(page), titleText(QString::fromLatin1(navigationKey)), m_site(site)
 {}
 
 SettingPageImpl::~SettingPageImpl() = default;
 
-void SettingPageImpl::setSettings(MivoSettings* settings, const CallSite& site)
+void SettingPageImpl::setSettings(MivoSettings* settings)
 {
     sharedSettings = settings;
-    callInRuntime(zrRuntime, site.file, site.line, site.function, [this] {
+    callInRuntime(zrRuntime, m_site.file, m_site.line, "setSettings", [this] {
+        if (std::exchange(m_unset, false)) {
+            m_connections.clear();
+        }
         for (const auto& connectTo : m_followed) {
             m_connections.emplace_back(connectTo(*sharedSettings));
         }
@@ -29,12 +32,13 @@ void SettingPageImpl::setSettings(MivoSettings* settings, const CallSite& site)
     initSettings();
 }
 
-void SettingPageImpl::unsetSettings(const CallSite& site)
+void SettingPageImpl::unsetSettings()
 {
     if (sharedSettings == nullptr) {
         return;
     }
-    callInRuntime(zrRuntime, site.file, site.line, site.function,
+    m_unset = true;
+    callInRuntime(zrRuntime, m_site.file, m_site.line, "unsetSettings",
                   [this] { m_connections.clear(); });
 }
 
@@ -42,7 +46,7 @@ void SettingPageImpl::releaseStore()
 {
     if (!m_connections.empty()) {
         try {
-            unsetSettings();
+            SettingPageImpl::unsetSettings();
         } catch (const std::future_error&) { // stopped with the task still queued
         }
         m_connections.clear();
@@ -55,14 +59,13 @@ void SettingPageImpl::releaseStore()
 
 void SettingPageImpl::translateLanguage()
 {
-    for (Text& entry : m_texts) {
-        QString translated = settings::text(entry.key);
-        if (!entry.set) {
+    for (const Text& entry : m_texts) {
+        const QString translated = text(entry.key);
+        if (entry.set) {
+            entry.set(translated);
+        } else {
             emit owner->sigTitleTextChanged(translated);
             titleText = translated;
-        } else if (entry.shown != translated) {
-            entry.shown = std::move(translated);
-            entry.set(entry.shown);
         }
     }
 }
@@ -75,7 +78,7 @@ bool SettingPageImpl::isStore(const MivoSettings* settings, const CallSite& site
     return settings != nullptr;
 }
 
-bool SettingPageImpl::hasRuntime(const CallSite& site, const char* warning) const
+bool SettingPageImpl::hasRuntime(const char* warning, const CallSite& site) const
 {
     if (zrRuntime == nullptr) {
         warn(site, "{}", warning);
@@ -92,15 +95,15 @@ bool SettingPageImpl::startFetching(const CallSite& site)
     return true;
 }
 
-void SettingPageImpl::text(const QString& key, std::function<void(const QString&)> set,
-                           const QString& initial)
+void SettingPageImpl::addText(const char* key, std::function<void(const QString&)> set,
+                              const char* initial)
 {
-    m_texts.push_back({key, std::move(set), initial.isEmpty() ? settings::text(key) : initial});
-    m_texts.back().set(m_texts.back().shown);
+    const auto name = QString::fromLatin1(key);
+    set(initial != nullptr ? QString::fromLatin1(initial) : text(name));
+    m_texts.push_back({name, std::move(set)});
 }
 
-void SettingPageImpl::text(const QString& key, QLabel* label, QWidget* buddy,
-                           const QString& initial)
+void SettingPageImpl::addText(const char* key, QLabel* label, QWidget* buddy, const char* initial)
 {
     label->setBuddy(buddy);
     const auto set = [label, buddy](const QString& translated) {
@@ -109,30 +112,36 @@ void SettingPageImpl::text(const QString& key, QLabel* label, QWidget* buddy,
             buddy->setAccessibleName(translated);
         }
     };
-    text(key, set, initial);
+    addText(key, set, initial);
 }
 
-void SettingPageImpl::text(const QString& key, QAbstractButton* button, const QString& initial)
+void SettingPageImpl::addText(const char* key, QAbstractButton* button, const char* initial)
 {
-    text(
+    addText(
         key, [button](const QString& translated) { button->setText(translated); }, initial);
 }
 
-void SettingPageImpl::itemTexts(QComboBox* combo, const std::vector<const char*>& keys)
+void SettingPageImpl::addItemTexts(QComboBox* combo, const std::vector<const char*>& keys)
 {
     for (int item = 0; item < static_cast<int>(keys.size()); ++item) {
         if (item == combo->count()) {
             combo->addItem(QString());
         }
-        text(QString::fromLatin1(keys[static_cast<std::size_t>(item)]),
-             [combo, item](const QString& translated) { combo->setItemText(item, translated); });
+        addText(keys[static_cast<std::size_t>(item)],
+                [combo, item](const QString& translated) { combo->setItemText(item, translated); });
     }
 }
 
-void SettingPageImpl::navigationText(const QString& key)
+void SettingPageImpl::addTitle(const char* key, const char* initial)
+{
+    addText(
+        key, [this](const QString& title) { owner->setTitle(title); }, initial);
+}
+
+void SettingPageImpl::addNavigationText(const char* key)
 {
     // Not before translateLanguage(): until then the dialog groups the page by the key.
-    m_texts.push_back({key, nullptr, QString()});
+    m_texts.push_back({QString::fromLatin1(key), nullptr});
 }
 
 } // namespace mivo::settings

@@ -37,23 +37,6 @@ constexpr int columnsForEditor = 2;
 
 } // namespace
 
-template <>
-inline constexpr const char* queuedTypeText<STAllDeviceSoundCardMappings> =
-    "const STAllDeviceSoundCardMappings&";
-template <>
-inline constexpr const char* queuedTypeText<STSoundCardMappingInfo> =
-    "const STSoundCardMappingInfo&";
-template <>
-inline constexpr const char* queuedTypeText<STSoundCardChangeInfo> = "const STSoundCardChangeInfo&";
-template <>
-inline constexpr const char* queuedTypeText<STLocalSoundCardList> = "const STLocalSoundCardList&";
-template <>
-inline constexpr const char* queuedTypeText<STSoundCardMismatchInfo> =
-    "const STSoundCardMismatchInfo&";
-template <>
-inline constexpr const char* queuedTypeText<STDeviceSoundCardVisibleInfo> =
-    "const STDeviceSoundCardVisibleInfo&";
-
 class AudioSettingBox::Impl : public SettingPageImpl
 {
     Q_OBJECT
@@ -78,6 +61,23 @@ public:
         const LayoutPause pause(m_column);
         for (const auto& [id, editor] : m_editors) {
             change(*editor);
+        }
+    }
+
+    void setSettings(MivoSettings* settings) override
+    {
+        if (isStore(settings, "initSettings")) {
+            SettingPageImpl::setSettings(settings);
+        } else {
+            unsetSettings();
+        }
+    }
+    void unsetSettings() override
+    {
+        SettingPageImpl::unsetSettings();
+        sharedSettings = nullptr;
+        for (VirtualMappingWidget* editor : shownEditors()) {
+            editor->setSettings(nullptr);
         }
     }
 
@@ -145,36 +145,27 @@ private:
     void mismatch(const STSoundCardMismatchInfo& info) { queue("setSoundCardMismatchMsg", info); }
     void clusterDeleted(const std::vector<std::string>& devices)
     {
-        queueTo(this, "deleteClusterDeviceSoundCard", devices, "const std::vector<std::string>&");
+        queue("deleteClusterDeviceSoundCard", devices);
     }
     void setDeviceSoundCardVisible(const STDeviceSoundCardVisibleInfo& info);
 
-    PushButton* m_add;
-    QLabel* m_info;
-    QVBoxLayout* m_column;
+    PushButton* m_add = new PushButton(owner);
+    QLabel* m_info = new QLabel(owner);
+    QVBoxLayout* m_column = new QVBoxLayout(owner);
     std::map<std::uint64_t, VirtualMappingWidget*> m_editors;
     std::deque<STSoundCardMappingInfo> m_waiting; // for their editors
     QTimer m_makeEditors;
     int m_room = 0; // that one of them takes
 };
 
-AudioSettingBox::Impl::Impl(AudioSettingBox* page)
-    : SettingPageImpl(page, QStringLiteral("AudioSettings")), m_add(new PushButton(page)),
-      m_info(new QLabel(page)), m_column(new QVBoxLayout(page))
+AudioSettingBox::Impl::Impl(AudioSettingBox* page) : SettingPageImpl(page, "AudioSettings")
 {
-    qRegisterMetaType<STAllDeviceSoundCardMappings>("STAllDeviceSoundCardMappings");
-    qRegisterMetaType<STSoundCardMappingInfo>("STSoundCardMappingInfo");
-    qRegisterMetaType<STSoundCardChangeInfo>("STSoundCardChangeInfo");
-    qRegisterMetaType<STLocalSoundCardList>("STLocalSoundCardList");
-    qRegisterMetaType<STSoundCardMismatchInfo>("STSoundCardMismatchInfo");
-    qRegisterMetaType<STDeviceSoundCardVisibleInfo>("STDeviceSoundCardVisibleInfo");
-    qRegisterMetaType<std::vector<std::string>>("std::vector<std::string>");
     layOut();
 
-    text(QStringLiteral("AudioMapping"), [page](const QString& title) { page->setTitle(title); });
-    navigationText(QStringLiteral("AudioSettings"));
-    text(QStringLiteral("soundCardInfo"), m_info);
-    text(QStringLiteral("addMapping"), m_add);
+    addTitle("AudioMapping");
+    addNavigationText("AudioSettings");
+    addText("soundCardInfo", m_info);
+    addText("addMapping", m_add);
 
     m_makeEditors.setSingleShot(true);
     connect(&m_makeEditors, &QTimer::timeout, this, [this] { makeEditors("makeEditors"); });
@@ -428,12 +419,9 @@ void AudioSettingBox::Impl::slotAddMapping()
         warn("slotAddMapping", "setting is null");
         return;
     }
-    submit(
-        "slotAddMapping",
-        [](MivoSettings* store, const STSoundCardMappingInfo& info) {
-            store->addSoundCardMappingRequested(info);
-        },
-        STSoundCardMappingInfo());
+    submit([](MivoSettings* store,
+              const STSoundCardMappingInfo& info) { store->addSoundCardMappingRequested(info); },
+           STSoundCardMappingInfo());
 }
 
 void AudioSettingBox::Impl::slotMappingInfoChanged(const STSoundCardChangeInfo& change)
@@ -443,7 +431,6 @@ void AudioSettingBox::Impl::slotMappingInfoChanged(const STSoundCardChangeInfo& 
         return;
     }
     submit(
-        "slotMappingInfoChanged",
         [](MivoSettings* store, const STSoundCardChangeInfo& wanted) {
             store->changeSoundCardMappingRequested(wanted);
         },
@@ -480,24 +467,6 @@ AudioSettingBox::AudioSettingBox(QWidget* parent) : SettingPage(parent)
 }
 
 AudioSettingBox::~AudioSettingBox() = default;
-
-void AudioSettingBox::setSettings(MivoSettings* settings)
-{
-    if (Impl::isStore(settings, "initSettings")) {
-        impl<Impl>().setSettings(settings);
-    } else {
-        unsetSettings();
-    }
-}
-
-void AudioSettingBox::unsetSettings() const
-{
-    impl<Impl>().unsetSettings();
-    impl<Impl>().sharedSettings = nullptr;
-    for (VirtualMappingWidget* editor : impl<Impl>().shownEditors()) {
-        editor->setSettings(nullptr);
-    }
-}
 
 void AudioSettingBox::setMsgCenterMgr(IMsgCenterMgr* msgCenter)
 {

@@ -56,6 +56,21 @@ class CodecControlSettingBox::Impl : public SettingPageImpl
 public:
     explicit Impl(CodecControlSettingBox* page);
 
+    void setSettings(MivoSettings* settings) override
+    {
+        if (isStore(settings)
+            && hasRuntime("CodecControlSettingBox::setSettings zrRuntime is nullptr!")) {
+            SettingPageImpl::setSettings(settings);
+        }
+    }
+    void unsetSettings() override
+    {
+        if (hasStore()
+            && hasRuntime("CodecControlSettingBox::unsetSettings zrRuntime is nullptr!")) {
+            SettingPageImpl::unsetSettings();
+        }
+    }
+
     // Runtime thread.
     void onGraphicsCardsChanged() { queue("updateDisplayCardInfo"); }
     void onGraphicsCardChanged(const std::string& name) { queue("setGraphicsCard", name); }
@@ -94,24 +109,21 @@ private:
     void layOut();
     void addTexts();
     void showBitDepths(std::uint32_t rangeMode);
-    std::optional<Cards> fetchCards(const CallSite& site);
+    std::optional<Cards> fetchCards(const CallSite& site = {});
 
-    QLabel* m_label;
-    ComboBox* m_card;
-    ComboBox* m_range;
-    ComboBox* m_bitDepth;
-    ComboBox* m_standard;
-    QLabel* m_restartIcon;
-    QLabel* m_restartText;
+    QLabel* m_label = new QLabel;
+    ComboBox* m_card = new ComboBox(owner);
+    ComboBox* m_range = new ComboBox(owner);
+    ComboBox* m_bitDepth = new ComboBox(owner);
+    ComboBox* m_standard = new ComboBox(owner);
+    QLabel* m_restartIcon = new QLabel;
+    QLabel* m_restartText = new QLabel;
     STOutputConfig m_outputConfig;
 };
 
 CodecControlSettingBox::Impl::Impl(CodecControlSettingBox* page)
-    : SettingPageImpl(page, QStringLiteral("Display Settings")), m_label(new QLabel),
-      m_card(new ComboBox(page)), m_range(new ComboBox(page)), m_bitDepth(new ComboBox(page)),
-      m_standard(new ComboBox(page)), m_restartIcon(new QLabel), m_restartText(new QLabel)
+    : SettingPageImpl(page, "Display Settings")
 {
-    qRegisterMetaType<DynamicRangeConfig>("DynamicRangeConfig");
     m_range->addItem(QLatin1String(standardRange));
     showBitDepths(0);
     for (const char* standard : displayTechnologyStandards) {
@@ -168,19 +180,19 @@ void CodecControlSettingBox::Impl::layOut()
 
 void CodecControlSettingBox::Impl::addTexts()
 {
-    text(QStringLiteral("CodecControl"), [this](const QString& title) { owner->setTitle(title); });
-    text(QStringLiteral("MainProgramWindow"), m_label, m_card);
+    addTitle("CodecControl");
+    addText("MainProgramWindow", m_label, m_card);
     // Without a label of their own.
     for (const auto& [key, combo] :
          {std::pair("DynamicRange", m_range), std::pair("BitDepth", m_bitDepth),
           std::pair("DisplayTechnologyStandard", m_standard)}) {
-        text(QString::fromLatin1(key), [combo = combo](const QString& name) {
+        addText(key, [combo = combo](const QString& name) {
             combo->setAccessibleName(name);
             combo->setToolTip(name);
         });
     }
-    text(QStringLiteral("RestartTakeEffect"), m_restartText);
-    navigationText(QStringLiteral("DisplaySettings"));
+    addText("RestartTakeEffect", m_restartText);
+    addNavigationText("DisplaySettings");
 }
 
 void CodecControlSettingBox::Impl::initSettings()
@@ -194,12 +206,11 @@ void CodecControlSettingBox::Impl::initSettings()
 
 void CodecControlSettingBox::Impl::updateDisplayCardInfo()
 {
-    const CallSite site("updateDisplayCardInfo");
     // The text names another operation, kept on purpose.
-    if (!hasRuntime(site, "CodecControlSettingBox::setPhysicsOutputMgr zrRuntime is nullptr!")) {
+    if (!hasRuntime("CodecControlSettingBox::setPhysicsOutputMgr zrRuntime is nullptr!")) {
         return;
     }
-    const auto cards = fetchCards(site);
+    const auto cards = fetchCards();
     if (!cards) {
         return;
     }
@@ -213,9 +224,9 @@ void CodecControlSettingBox::Impl::updateDisplayCardInfo()
     if (showText(m_card, cards->stored)) {
         return;
     }
-    const auto inUse = inRuntime(site, [this] { return renderFacade->graphicsCardInUse(); });
+    const auto inUse = inRuntime([this] { return renderFacade->graphicsCardInUse(); });
     if (!showText(m_card, inUse)) {
-        logAt(spdlog::level::err, site, "card select err. {}", inUse);
+        logAt(spdlog::level::err, CallSite(), "card select err. {}", inUse);
     }
 }
 
@@ -224,7 +235,7 @@ void CodecControlSettingBox::Impl::updateDisplayCardInfo()
 std::optional<CodecControlSettingBox::Impl::Cards>
 CodecControlSettingBox::Impl::fetchCards(const CallSite& site)
 {
-    return inRuntime(site, [this, site]() -> std::optional<Cards> {
+    const auto ask = [this, site]() -> std::optional<Cards> {
         if (renderFacade == nullptr) {
             warn(site, "renderFacade is nullptr!");
             return std::nullopt;
@@ -237,19 +248,18 @@ CodecControlSettingBox::Impl::fetchCards(const CallSite& site)
             warn(site, "shareSettings is nullptr!");
         }
         return cards;
-    });
+    };
+    return inRuntime(ask, site);
 }
 
 void CodecControlSettingBox::Impl::onGraphicsCardComBoxChanged()
 {
-    submit("onGraphicsCardComBoxChanged", &IMivoSettings::setGraphicsCard,
-           m_card->currentText().toStdString());
+    submit(&IMivoSettings::setGraphicsCard, m_card->currentText().toStdString());
 }
 
 void CodecControlSettingBox::Impl::onDisplayTechnologyStandardsComBoxChanged()
 {
-    submit("onDisplayTechnologyStandardsComBoxChanged",
-           &IMivoSettings::setDisplayTechnologyStandard, m_standard->currentText().toStdString());
+    submit(&IMivoSettings::setDisplayTechnologyStandard, m_standard->currentText().toStdString());
 }
 
 void CodecControlSettingBox::Impl::showBitDepths(std::uint32_t rangeMode)
@@ -276,7 +286,7 @@ void CodecControlSettingBox::Impl::onDynamicRangeComBoxChanged()
 
 void CodecControlSettingBox::Impl::processDisplayConfigChange()
 {
-    const CallSite site("processDisplayConfigChange");
+    const CallSite site;
     if (!hasStore(site)) {
         return;
     }
@@ -284,7 +294,7 @@ void CodecControlSettingBox::Impl::processDisplayConfigChange()
     const DynamicRangeConfig config{0, bitDepthOfText(m_bitDepth->currentText())};
     m_outputConfig.graphicsCard = m_card->currentText().toStdString();
     m_outputConfig.displayTechnologyStandard = m_standard->currentText().toStdString();
-    inRuntime(site, [this, config, site] {
+    const auto write = [this, config, site] {
         sharedSettings->setDynamicRangeConfig(config);
         // The store may have refused it.
         m_outputConfig.bitDepth = sharedSettings->getDynamicRangeConfig().bitDepth;
@@ -295,7 +305,8 @@ void CodecControlSettingBox::Impl::processDisplayConfigChange()
             warn(site, "CodecControlSettingBox::setPhysicsOutputMgr sharedPhysicsOutputMgr is "
                        "nullptr!");
         }
-    });
+    };
+    inRuntime(write, site);
 }
 
 CodecControlSettingBox::CodecControlSettingBox(QWidget* parent) : SettingPage(parent)
@@ -304,24 +315,6 @@ CodecControlSettingBox::CodecControlSettingBox(QWidget* parent) : SettingPage(pa
 }
 
 CodecControlSettingBox::~CodecControlSettingBox() = default;
-
-void CodecControlSettingBox::setSettings(MivoSettings* settings)
-{
-    if (Impl::isStore(settings, "setSettings")
-        && impl<Impl>().hasRuntime("setSettings",
-                                   "CodecControlSettingBox::setSettings zrRuntime is nullptr!")) {
-        impl<Impl>().setSettings(settings);
-    }
-}
-
-void CodecControlSettingBox::unsetSettings()
-{
-    if (impl<Impl>().hasStore("unsetSettings")
-        && impl<Impl>().hasRuntime("unsetSettings",
-                                   "CodecControlSettingBox::unsetSettings zrRuntime is nullptr!")) {
-        impl<Impl>().unsetSettings();
-    }
-}
 
 void CodecControlSettingBox::setRenderFacade(IRenderFacade* facade)
 {

@@ -1,11 +1,9 @@
 #include "mivosettingswidgets/displaycontrolsettingbox.h"
 
-#include "kit/storedcheck.h"
 #include "mivosettingswidgets/controls.h"
 #include "mivosettingswidgets/settingpageimpl.h"
 #include "mivosettingswidgets/texts.h"
 
-#include <mivowidgets/checkbox.h>
 #include <mivowidgets/pushbutton.h>
 #include <mivowidgets/spineditbox.h>
 
@@ -16,7 +14,6 @@
 
 namespace mivo::settings {
 
-using mivo::widgets::CheckBox;
 using mivo::widgets::PushButton;
 using mivo::widgets::SpinEditBox;
 
@@ -27,10 +24,10 @@ class DisplayControlSettingBox::Impl : public SettingPageImpl
 public:
     explicit Impl(DisplayControlSettingBox* page);
 
+    void setSettings(MivoSettings* settings) override;
+    void unsetSettings() override;
+
     // Runtime thread.
-    void onBlackScreenMuteChanged(bool on) { m_blackScreenMuteValue->queueChecked(on); }
-    void onMFPSChanged(bool on) { m_mfpsValue->queueChecked(on); }
-    void onEFPSChanged(bool on) { m_efpsValue->queueChecked(on); }
     void onFadeInTimeChanged(double seconds) { queue("setFadeInTime", seconds); }
     void onFadeOutTimeChanged(double seconds) { queue("setFadeOutTime", seconds); }
     void onImageHierarchyChanged(PatchLevelPriority priority)
@@ -41,16 +38,15 @@ public:
 public slots:
     void onBlackScreenMuteCheckBoxStateChanged(int state)
     {
-        submitCheck("onBlackScreenMuteCheckBoxStateChanged", &IMivoSettings::setBlackScreenMute,
-                    state);
+        submit(&IMivoSettings::setBlackScreenMute, state == Qt::Checked);
     }
     void onMFPSCheckBoxStateChanged(int state)
     {
-        submitCheck("onMFPSCheckBoxStateChanged", &IMivoSettings::setMFPS, state);
+        submit(&IMivoSettings::setMFPS, state == Qt::Checked);
     }
     void onEFPSCheckBoxStateChanged(int state)
     {
-        submitCheck("onEFPSCheckBoxStateChanged", &IMivoSettings::setEFPS, state);
+        submit(&IMivoSettings::setEFPS, state == Qt::Checked);
     }
     void setFadeInTime(const double seconds) { showValue(m_fadeIn, seconds); }
     void onFadeInTimeSpinBoxValueChanged(double seconds);
@@ -67,34 +63,24 @@ private:
     void layOut();
     void addTexts();
 
-    CheckBox* m_blackScreenMute;
-    CheckBox* m_mfps;
-    CheckBox* m_efps;
-    QLabel* m_fadeInLabel;
-    SpinEditBox* m_fadeIn;
-    QLabel* m_fadeOutLabel;
-    SpinEditBox* m_fadeOut;
-    PushButton* m_apply;
-    QLabel* m_hierarchyLabel;
-    QRadioButton* m_programMgr;
-    QRadioButton* m_timeline;
-    QButtonGroup* m_hierarchy;
-    QLabel* m_restartIcon;
-    QLabel* m_restartText;
-    StoredCheck* m_blackScreenMuteValue;
-    StoredCheck* m_mfpsValue;
-    StoredCheck* m_efpsValue;
+    StoredCheckBox* m_blackScreenMute = new StoredCheckBox(owner);
+    StoredCheckBox* m_mfps = new StoredCheckBox(owner);
+    StoredCheckBox* m_efps = new StoredCheckBox(owner);
+    QLabel* m_fadeInLabel = new QLabel;
+    SpinEditBox* m_fadeIn = new SpinEditBox(owner);
+    QLabel* m_fadeOutLabel = new QLabel;
+    SpinEditBox* m_fadeOut = new SpinEditBox(owner);
+    PushButton* m_apply = new PushButton(owner);
+    QLabel* m_hierarchyLabel = new QLabel;
+    QRadioButton* m_programMgr = new QRadioButton(owner);
+    QRadioButton* m_timeline = new QRadioButton(owner);
+    QButtonGroup* m_hierarchy = new QButtonGroup(this);
+    QLabel* m_restartIcon = new QLabel;
+    QLabel* m_restartText = new QLabel;
 };
 
 DisplayControlSettingBox::Impl::Impl(DisplayControlSettingBox* page)
-    : SettingPageImpl(page, QStringLiteral("Display Settings")),
-      m_blackScreenMute(new CheckBox(page)), m_mfps(new CheckBox(page)), m_efps(new CheckBox(page)),
-      m_fadeInLabel(new QLabel), m_fadeIn(new SpinEditBox(page)), m_fadeOutLabel(new QLabel),
-      m_fadeOut(new SpinEditBox(page)), m_apply(new PushButton(page)), m_hierarchyLabel(new QLabel),
-      m_programMgr(new QRadioButton(page)), m_timeline(new QRadioButton(page)),
-      m_hierarchy(new QButtonGroup(this)), m_restartIcon(new QLabel), m_restartText(new QLabel),
-      m_blackScreenMuteValue(new StoredCheck(m_blackScreenMute, this)),
-      m_mfpsValue(new StoredCheck(m_mfps, this)), m_efpsValue(new StoredCheck(m_efps, this))
+    : SettingPageImpl(page, "Display Settings")
 {
     for (SpinEditBox* fade : {m_fadeIn, m_fadeOut}) {
         fade->setDecimals(1);
@@ -108,10 +94,6 @@ DisplayControlSettingBox::Impl::Impl(DisplayControlSettingBox* page)
     layOut();
     addTexts();
 
-    connect(m_blackScreenMute, &CheckBox::stateChanged, this,
-            &Impl::onBlackScreenMuteCheckBoxStateChanged);
-    connect(m_mfps, &CheckBox::stateChanged, this, &Impl::onMFPSCheckBoxStateChanged);
-    connect(m_efps, &CheckBox::stateChanged, this, &Impl::onEFPSCheckBoxStateChanged);
     connect(m_fadeIn, qOverload<double>(&SpinEditBox::valueChanged), this,
             &Impl::onFadeInTimeSpinBoxValueChanged);
     connect(m_fadeOut, qOverload<double>(&SpinEditBox::valueChanged), this,
@@ -119,9 +101,10 @@ DisplayControlSettingBox::Impl::Impl(DisplayControlSettingBox* page)
     connect(m_hierarchy, &QButtonGroup::idClicked, this, &Impl::onImageHierarchyBtnGroupChanged);
     connect(m_apply, &PushButton::clicked, this, &Impl::onApplySettings);
 
-    follow(&IMivoSettings::blackScreenMuteChanged, &Impl::onBlackScreenMuteChanged);
-    follow(&IMivoSettings::mfpsChanged, &Impl::onMFPSChanged);
-    follow(&IMivoSettings::efpsChanged, &Impl::onEFPSChanged);
+    follow(&IMivoSettings::blackScreenMuteChanged, m_blackScreenMute,
+           &Impl::onBlackScreenMuteCheckBoxStateChanged);
+    follow(&IMivoSettings::mfpsChanged, m_mfps, &Impl::onMFPSCheckBoxStateChanged);
+    follow(&IMivoSettings::efpsChanged, m_efps, &Impl::onEFPSCheckBoxStateChanged);
     follow(&IMivoSettings::fadeInTimeChanged, &Impl::onFadeInTimeChanged);
     follow(&IMivoSettings::fadeOutTimeChanged, &Impl::onFadeOutTimeChanged);
     follow(&IMivoSettings::imageHierarchyChanged, &Impl::onImageHierarchyChanged);
@@ -183,28 +166,25 @@ void DisplayControlSettingBox::Impl::layOut()
 
 void DisplayControlSettingBox::Impl::addTexts()
 {
-    text(
-        QStringLiteral("DisplayControl"), [this](const QString& title) { owner->setTitle(title); },
-        QStringLiteral("Display Control"));
-    text(QStringLiteral("BlackScreenMute"), m_blackScreenMute,
-         QStringLiteral("Check mute when the screen is black"));
+    addTitle("DisplayControl", "Display Control");
+    addText("BlackScreenMute", m_blackScreenMute, "Check mute when the screen is black");
     m_mfps->setText(QStringLiteral("MFPS"));
     m_efps->setText(QStringLiteral("EFPS"));
-    text(QStringLiteral("FadeInTime"), m_fadeInLabel, m_fadeIn);
-    text(QStringLiteral("FadeOutTime"), m_fadeOutLabel, m_fadeOut);
-    text(
-        QStringLiteral("Second"),
+    addText("FadeInTime", m_fadeInLabel, m_fadeIn);
+    addText("FadeOutTime", m_fadeOutLabel, m_fadeOut);
+    addText(
+        "Second",
         [this](const QString& unit) {
             m_fadeIn->setSuffix(joined({QString(), unit}));
             m_fadeOut->setSuffix(joined({QString(), unit}));
         },
-        QStringLiteral("seconds"));
-    text(QStringLiteral("ApplyAllSettings"), m_apply);
-    text(QStringLiteral("ImageHierarchy"), m_hierarchyLabel);
-    text(QStringLiteral("ProgramMgrPriority"), m_programMgr);
-    text(QStringLiteral("TimelinePriority"), m_timeline);
-    text(QStringLiteral("RestartTakeEffect"), m_restartText);
-    navigationText(QStringLiteral("DisplaySettings"));
+        "seconds");
+    addText("ApplyAllSettings", m_apply);
+    addText("ImageHierarchy", m_hierarchyLabel);
+    addText("ProgramMgrPriority", m_programMgr);
+    addText("TimelinePriority", m_timeline);
+    addText("RestartTakeEffect", m_restartText);
+    addNavigationText("DisplaySettings");
 }
 
 void DisplayControlSettingBox::Impl::initSettings()
@@ -216,9 +196,9 @@ void DisplayControlSettingBox::Impl::initSettings()
     const CallSite site("initSettings", "displaycontrolsettingbox", showsFetched() ? 197 : 200);
     const auto info = read(&IMivoSettings::getDisplayControlSettings, site);
     if (showsFetched()) {
-        m_blackScreenMuteValue->queueChecked(info.blackScreenMute);
-        m_mfpsValue->queueChecked(info.mfps);
-        m_efpsValue->queueChecked(info.efps);
+        m_blackScreenMute->queueChecked(info.blackScreenMute);
+        m_mfps->queueChecked(info.mfps);
+        m_efps->queueChecked(info.efps);
         onImageHierarchyChanged(info.imageHierarchy);
     }
     fetch(&IMivoSettings::getFadeInTime, "setFadeInTime");
@@ -227,12 +207,12 @@ void DisplayControlSettingBox::Impl::initSettings()
 
 void DisplayControlSettingBox::Impl::onFadeInTimeSpinBoxValueChanged(double seconds)
 {
-    submit("onFadeInTimeSpinBoxValueChanged", &IMivoSettings::setFadeInTime, seconds);
+    submit(&IMivoSettings::setFadeInTime, seconds);
 }
 
 void DisplayControlSettingBox::Impl::onFadeOutTimeSpinBoxValueChanged(double seconds)
 {
-    submit("onFadeOutTimeSpinBoxValueChanged", &IMivoSettings::setFadeOutTime, seconds);
+    submit(&IMivoSettings::setFadeOutTime, seconds);
 }
 
 void DisplayControlSettingBox::Impl::setImageHierarchy(const int priority)
@@ -244,17 +224,40 @@ void DisplayControlSettingBox::Impl::setImageHierarchy(const int priority)
 
 void DisplayControlSettingBox::Impl::onImageHierarchyBtnGroupChanged(int id)
 {
-    submit("onImageHierarchyBtnGroupChanged", &IMivoSettings::setImageHierarchy,
-           static_cast<PatchLevelPriority>(id));
+    submit(&IMivoSettings::setImageHierarchy, static_cast<PatchLevelPriority>(id));
 }
 
 void DisplayControlSettingBox::Impl::onApplySettings()
 {
-    if (hasStore("onApplySettings")) {
+    if (hasStore()) {
         // A place that is not this one; kept on purpose.
-        submit(CallSite("onApplySettings", "displaycontrolsettingbox"),
-               &IMivoSettings::applyFadeTimes, m_fadeIn->value(), m_fadeOut->value());
+        const auto apply = [this, fadeIn = m_fadeIn->value(), fadeOut = m_fadeOut->value()] {
+            sharedSettings->applyFadeTimes(fadeIn, fadeOut);
+        };
+        inRuntime(apply, CallSite("onApplySettings", "displaycontrolsettingbox"));
     }
+}
+
+void DisplayControlSettingBox::Impl::setSettings(MivoSettings* settings)
+{
+    if (isStore(settings)
+        && hasRuntime("DisplayControlSettingBox::setSettings zrRuntime is nullptr!")) {
+        SettingPageImpl::setSettings(settings);
+    }
+}
+
+void DisplayControlSettingBox::Impl::unsetSettings()
+{
+    // The text names setSettings, kept on purpose.
+    if (!hasRuntime("DisplayControlSettingBox::setSettings zrRuntime is nullptr!")) {
+        return;
+    }
+    if (sharedSettings == nullptr) {
+        warn({}, "shareSettings is nullptr!"); // another spelling than elsewhere, kept on purpose
+        return;
+    }
+    SettingPageImpl::unsetSettings();
+    sharedSettings = nullptr;
 }
 
 DisplayControlSettingBox::DisplayControlSettingBox(QWidget* parent) : SettingPage(parent)
@@ -263,31 +266,6 @@ DisplayControlSettingBox::DisplayControlSettingBox(QWidget* parent) : SettingPag
 }
 
 DisplayControlSettingBox::~DisplayControlSettingBox() = default;
-
-void DisplayControlSettingBox::setSettings(MivoSettings* settings)
-{
-    if (Impl::isStore(settings, "setSettings")
-        && impl<Impl>().hasRuntime("setSettings",
-                                   "DisplayControlSettingBox::setSettings zrRuntime is nullptr!")) {
-        impl<Impl>().setSettings(settings);
-    }
-}
-
-void DisplayControlSettingBox::unsetSettings()
-{
-    // The text names setSettings, kept on purpose.
-    if (!impl<Impl>().hasRuntime("unsetSettings",
-                                 "DisplayControlSettingBox::setSettings zrRuntime is nullptr!")) {
-        return;
-    }
-    if (impl<Impl>().sharedSettings == nullptr) {
-        // Another spelling than elsewhere, kept on purpose.
-        warn("unsetSettings", "shareSettings is nullptr!");
-        return;
-    }
-    impl<Impl>().unsetSettings();
-    impl<Impl>().sharedSettings = nullptr;
-}
 
 } // namespace mivo::settings
 

@@ -24,6 +24,19 @@ class FileInfoSettingBox::Impl : public SettingPageImpl
 public:
     explicit Impl(FileInfoSettingBox* page);
 
+    void setSettings(MivoSettings* settings) override
+    {
+        if (isStore(settings)) {
+            SettingPageImpl::setSettings(settings);
+        }
+    }
+    void unsetSettings() override
+    {
+        if (hasStore()) {
+            SettingPageImpl::unsetSettings();
+        }
+    }
+
     // Runtime thread.
     void onStoredTimeTypeChanged(int type) { queue("setPlayLogStorageTimeType", type); }
     void onStoredPlayLogPathChanged(const std::string& path)
@@ -57,9 +70,9 @@ private:
     FolderRow* addFolder(const char* captionKey, const char* tipName, const char* subFolder,
                          void (Impl::*changed)(const QString& path));
 
-    QLabel* m_timeTypeLabel;
-    ComboBox* m_timeType;
-    QVBoxLayout* m_column;
+    QLabel* m_timeTypeLabel = new QLabel;
+    ComboBox* m_timeType = new ComboBox;
+    QVBoxLayout* m_column = new QVBoxLayout(owner);
     FolderRow* m_playLog = nullptr;
     FolderRow* m_cache = nullptr;
     FolderRow* m_share = nullptr;
@@ -71,9 +84,7 @@ constexpr int captionWidth = 120;
 
 } // namespace
 
-FileInfoSettingBox::Impl::Impl(FileInfoSettingBox* page)
-    : SettingPageImpl(page, QStringLiteral("GeneralSettings")), m_timeTypeLabel(new QLabel),
-      m_timeType(new ComboBox), m_column(new QVBoxLayout(page))
+FileInfoSettingBox::Impl::Impl(FileInfoSettingBox* page) : SettingPageImpl(page, "GeneralSettings")
 {
     page->setObjectName(QStringLiteral("FileInfoSettingGroupBox"));
     m_timeTypeLabel->setFixedWidth(captionWidth);
@@ -86,15 +97,15 @@ FileInfoSettingBox::Impl::Impl(FileInfoSettingBox* page)
     m_column->setSpacing(12);
     m_column->addLayout(rowOf({m_timeTypeLabel, m_timeType}));
 
-    text(QStringLiteral("FileInfoGroup"), [page](const QString& title) { page->setTitle(title); });
-    text(QStringLiteral("PlayLogStorageTime"), m_timeTypeLabel, m_timeType);
-    itemTexts(m_timeType,
-              {"PermanentDefault", "OneMonth", "ThreeMonths", "SixMonths", "TwelveMonths"});
+    addTitle("FileInfoGroup");
+    addText("PlayLogStorageTime", m_timeTypeLabel, m_timeType);
+    addItemTexts(m_timeType,
+                 {"PermanentDefault", "OneMonth", "ThreeMonths", "SixMonths", "TwelveMonths"});
     m_playLog = addFolder("LogPath", "logSpaceTips", "/playlog", &Impl::onPlayLogPathChanged);
     m_cache = addFolder("CachePath", "cacheSpaceTips", "/cache", &Impl::onCacheChanged);
     m_share =
         addFolder("SharePath", "shareFolderSpaceTips", "/sharedfolder", &Impl::onShareChanged);
-    navigationText(QStringLiteral("GeneralSettings"));
+    addNavigationText("GeneralSettings");
 
     connect(m_timeType, qOverload<int>(&ComboBox::currentIndexChanged), this,
             &Impl::onPlayLogStorageTimeComboBoxIndexChanged);
@@ -115,7 +126,7 @@ FolderRow* FileInfoSettingBox::Impl::addFolder(const char* captionKey, const cha
     row->caption->setFixedWidth(captionWidth);
     m_column->addLayout(row->layout);
     row->addTexts(captionKey, textRegistrar());
-    text(QStringLiteral("NoSpace"), tip);
+    addText("NoSpace", tip);
 
     auto* page = static_cast<FileInfoSettingBox*>(owner);
     connect(row, &FolderRow::spaceChecked, page, &FileInfoSettingBox::notifySpaceUseup);
@@ -146,23 +157,22 @@ void FileInfoSettingBox::Impl::setFileInfoSettings(const STFileInfoSettings& inf
 
 void FileInfoSettingBox::Impl::onPlayLogStorageTimeComboBoxIndexChanged(int index)
 {
-    submit("onPlayLogStorageTimeComboBoxIndexChanged", &IMivoSettings::setPlayLogStorageTimeType,
-           m_timeType->itemData(index).toInt());
+    submit(&IMivoSettings::setPlayLogStorageTimeType, m_timeType->itemData(index).toInt());
 }
 
 void FileInfoSettingBox::Impl::onPlayLogPathChanged(const QString& path)
 {
-    submit("onPlayLogPathChanged", &IMivoSettings::setPlayLogPath, path.toStdString());
+    submit(&IMivoSettings::setPlayLogPath, path.toStdString());
 }
 
 void FileInfoSettingBox::Impl::onCacheChanged(const QString& path)
 {
-    submit("onCacheChanged", &IMivoSettings::setCachePath, path.toStdString());
+    submit(&IMivoSettings::setCachePath, path.toStdString());
 }
 
 void FileInfoSettingBox::Impl::onShareChanged(const QString& path)
 {
-    submit("onShareChanged", &IMivoSettings::setSharePath, path.toStdString());
+    submit(&IMivoSettings::setSharePath, path.toStdString());
 }
 
 FileInfoSettingBox::FileInfoSettingBox(QWidget* parent) : SettingPage(parent)
@@ -171,20 +181,6 @@ FileInfoSettingBox::FileInfoSettingBox(QWidget* parent) : SettingPage(parent)
 }
 
 FileInfoSettingBox::~FileInfoSettingBox() = default;
-
-void FileInfoSettingBox::setSettings(MivoSettings* settings)
-{
-    if (Impl::isStore(settings, "setSettings")) {
-        impl<Impl>().setSettings(settings);
-    }
-}
-
-void FileInfoSettingBox::unsetSettings()
-{
-    if (impl<Impl>().hasStore("unsetSettings")) {
-        impl<Impl>().unsetSettings();
-    }
-}
 
 } // namespace mivo::settings
 

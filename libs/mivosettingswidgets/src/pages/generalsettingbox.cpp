@@ -42,6 +42,15 @@ public:
     std::shared_ptr<mivo::mediadispatch::IProgramDispatch> programDispatch;
     mivo::projectfilemgr::IProjectFileMgr* projectFileMgr = nullptr;
 
+    void setSettings(MivoSettings* settings) override
+    {
+        if (settings == nullptr) {
+            warn({}, "sharedSettings is nullptr"); // without "!", kept on purpose
+        } else {
+            SettingPageImpl::setSettings(settings);
+        }
+    }
+
     /// Writes at once what is waiting to be written.
     void writePending();
 
@@ -79,17 +88,16 @@ private:
 
     void onStartUpCheckBoxStateChanged(int state)
     {
-        submitCheck("onStartUpCheckBoxStateChanged", &IMivoSettings::setAutoStart, state);
+        submit(&IMivoSettings::setAutoStart, state == Qt::Checked);
     }
     void onCloseSoftwareMinimizeCheckBoxStateChanged(int state)
     {
-        submitCheck("onCloseSoftwareMinimizeCheckBoxStateChanged",
-                    &IMivoSettings::setCloseSoftWareMinimize, state);
+        submit(&IMivoSettings::setCloseSoftWareMinimize, state == Qt::Checked);
     }
     void onDelayTimeChanged(int seconds);
     void onTimedShutdownSettingsUIChanged();
     void onTimedAutomaticRestartSettingsUIChanged();
-    void writeRestartLater(const CallSite& site);
+    void writeRestartLater(const CallSite& site = {});
     void delaySetTimedShutdown();
     void delaySetTimedRestart();
 
@@ -125,15 +133,15 @@ private:
     void queueLink(const char* slot, bool link);
 
     template <typename Operation>
-    void report(const CallSite& site, Operation operation, bool now);
+    void report(Operation operation, bool now, const CallSite& site = {});
 
-    CheckBox* m_autoStart;
-    QLabel* m_delayLabel;
-    SpinEditBox* m_delay;
-    QLabel* m_delayUnit;
-    QLabel* m_tipIcon;
-    QLabel* m_tipText;
-    CheckBox* m_minimize;
+    CheckBox* m_autoStart = new CheckBox(owner);
+    QLabel* m_delayLabel = new QLabel(owner);
+    SpinEditBox* m_delay = new SpinEditBox(owner);
+    QLabel* m_delayUnit = new QLabel(owner);
+    QLabel* m_tipIcon = new QLabel(owner);
+    QLabel* m_tipText = new QLabel(owner);
+    CheckBox* m_minimize = new CheckBox(owner);
     RestartRow m_restart;
     ShutdownRow m_shutdown;
 
@@ -152,10 +160,7 @@ private:
 };
 
 GeneralSettingBox::Impl::Impl(GeneralSettingBox* page)
-    : SettingPageImpl(page, QStringLiteral("GeneralSettings")), m_autoStart(new CheckBox(page)),
-      m_delayLabel(new QLabel(page)), m_delay(new SpinEditBox(page)), m_delayUnit(new QLabel(page)),
-      m_tipIcon(new QLabel(page)), m_tipText(new QLabel(page)), m_minimize(new CheckBox(page)),
-      m_restart(page), m_shutdown(page)
+    : SettingPageImpl(page, "GeneralSettings"), m_restart(page), m_shutdown(page)
 {
     m_delay->setRange(0, 300);
     layOut();
@@ -214,16 +219,15 @@ void GeneralSettingBox::Impl::layOut()
 
 void GeneralSettingBox::Impl::addTexts()
 {
-    text(QStringLiteral("StartCloseGroup"),
-         [this](const QString& title) { owner->setTitle(title); });
-    text(QStringLiteral("StartupSelfStart"), m_autoStart);
-    text(QStringLiteral("Delay"), m_delayLabel, m_delay);
-    text(QStringLiteral("Seconds"), m_delayUnit);
-    text(QStringLiteral("SlowLoadingSoundCardPrompt"), m_tipText);
-    text(QStringLiteral("MinimizeToTrayWhenClosingSoftware"), m_minimize);
+    addTitle("StartCloseGroup");
+    addText("StartupSelfStart", m_autoStart);
+    addText("Delay", m_delayLabel, m_delay);
+    addText("Seconds", m_delayUnit);
+    addText("SlowLoadingSoundCardPrompt", m_tipText);
+    addText("MinimizeToTrayWhenClosingSoftware", m_minimize);
     m_restart.addTexts(*this);
     m_shutdown.addTexts(*this);
-    navigationText(QStringLiteral("GeneralSettings"));
+    addNavigationText("GeneralSettings");
 }
 
 void GeneralSettingBox::Impl::followStore()
@@ -261,7 +265,7 @@ void GeneralSettingBox::Impl::setSettingsInfo(const STMivoAutoStartSettings& inf
 
 void GeneralSettingBox::Impl::onDelayTimeChanged(int seconds)
 {
-    submit("onDelayTimeChanged", &IMivoSettings::setAutoStartDelayTime, seconds);
+    submit(&IMivoSettings::setAutoStartDelayTime, seconds);
 }
 
 // --- The schedules ---
@@ -290,7 +294,7 @@ void GeneralSettingBox::Impl::slotTimedAutomaticRestartMonthComBoxChanged(int in
 {
     m_restart.fillDays(index);
     // Together with the month's own change this sends two calls; kept on purpose.
-    writeRestartLater("slotTimedAutomaticRestartMonthComBoxChanged");
+    writeRestartLater();
 }
 
 void GeneralSettingBox::Impl::onTimedShutdownSettingsUIChanged()
@@ -300,14 +304,14 @@ void GeneralSettingBox::Impl::onTimedShutdownSettingsUIChanged()
     }
     QV::SpdlogApplication::instance().logger()->info(
         "tmp tmp tmp client notify server modify data");
-    if (hasStore("onTimedShutdownSettingsUIChanged")) {
+    if (hasStore()) {
         m_shutdownWrite.start();
     }
 }
 
 void GeneralSettingBox::Impl::onTimedAutomaticRestartSettingsUIChanged()
 {
-    writeRestartLater("onTimedAutomaticRestartSettingsUIChanged");
+    writeRestartLater();
 }
 
 void GeneralSettingBox::Impl::writeRestartLater(const CallSite& site)
@@ -319,13 +323,12 @@ void GeneralSettingBox::Impl::writeRestartLater(const CallSite& site)
 
 void GeneralSettingBox::Impl::delaySetTimedShutdown()
 {
-    submit("delaySetTimedShutdown", &IMivoSettings::setTimedShutdownSettings, m_shutdown.shown());
+    submit(&IMivoSettings::setTimedShutdownSettings, m_shutdown.shown());
 }
 
 void GeneralSettingBox::Impl::delaySetTimedRestart()
 {
-    submit("delaySetTimedRestart", &IMivoSettings::setTimedAutomaticRestartSettings,
-           m_restart.shown());
+    submit(&IMivoSettings::setTimedAutomaticRestartSettings, m_restart.shown());
 }
 
 void GeneralSettingBox::Impl::writePending()
@@ -351,7 +354,7 @@ void GeneralSettingBox::Impl::saveProjectFile()
 }
 
 template <typename Operation>
-void GeneralSettingBox::Impl::report(const CallSite& site, Operation operation, bool now)
+void GeneralSettingBox::Impl::report(Operation operation, bool now, const CallSite& site)
 {
     if (now) {
         saveProjectFile();
@@ -360,15 +363,14 @@ void GeneralSettingBox::Impl::report(const CallSite& site, Operation operation, 
         warn(site, "sharedSettings is nullptr"); // without "!", kept on purpose
         return;
     }
-    submit(site, operation, now);
+    submit(operation, now, site);
 }
 
 void GeneralSettingBox::Impl::slotAutomaticRestartCountdownTimerTimeout()
 {
     // The prompt's own answer is reported after this; both calls are made on purpose.
     if (m_restartPrompt.tick()) {
-        report("slotAutomaticRestartCountdownTimerTimeout",
-               &IMivoSettings::executeTimedAutomaticRestart, true);
+        report(&IMivoSettings::executeTimedAutomaticRestart, true);
     }
 }
 
@@ -376,7 +378,7 @@ void GeneralSettingBox::Impl::slotShutdownCountdownTimerTimeout()
 {
     if (m_shutdownPrompt.tick()) {
         m_shutdownActive = false;
-        report("slotShutdownCountdownTimerTimeout", &IMivoSettings::executeTimedShutdown, true);
+        report(&IMivoSettings::executeTimedShutdown, true);
     }
 }
 
@@ -387,8 +389,7 @@ void GeneralSettingBox::Impl::showTimedAutomaticRestartCount(int seconds)
         return;
     }
     if (const auto result = m_restartPrompt.count(owner, seconds)) {
-        report("showTimedAutomaticRestartCount", &IMivoSettings::executeTimedAutomaticRestart,
-               *result == TipDialog::accepted);
+        report(&IMivoSettings::executeTimedAutomaticRestart, *result == TipDialog::accepted);
     }
 }
 
@@ -411,8 +412,7 @@ void GeneralSettingBox::Impl::showTimedShutdownCount(int seconds)
             return;
         }
     }
-    report("showTimedShutdownCount", &IMivoSettings::executeTimedShutdown,
-           *result == TipDialog::accepted);
+    report(&IMivoSettings::executeTimedShutdown, *result == TipDialog::accepted);
 }
 
 void GeneralSettingBox::Impl::queueLink(const char* slot, bool link)
@@ -427,7 +427,7 @@ void GeneralSettingBox::Impl::setLinkRestart(bool link)
 {
     m_restartPrompt.dismiss();
     if (link) {
-        report("setLinkRestart", &IMivoSettings::executeTimedAutomaticRestart, true);
+        report(&IMivoSettings::executeTimedAutomaticRestart, true);
     }
 }
 
@@ -435,7 +435,7 @@ void GeneralSettingBox::Impl::setLinkShutdown(bool link)
 {
     m_shutdownPrompt.dismiss();
     if (link) {
-        report("setLinkShutdown", &IMivoSettings::executeTimedShutdown, true);
+        report(&IMivoSettings::executeTimedShutdown, true);
     }
 }
 
@@ -458,20 +458,6 @@ void GeneralSettingBox::setProgramDispatch(
 void GeneralSettingBox::setProjectFileMgr(mivo::projectfilemgr::IProjectFileMgr* manager)
 {
     impl<Impl>().projectFileMgr = manager;
-}
-
-void GeneralSettingBox::setSettings(MivoSettings* settings)
-{
-    if (settings == nullptr) {
-        warn("setSettings", "sharedSettings is nullptr"); // without "!", kept on purpose
-        return;
-    }
-    impl<Impl>().setSettings(settings);
-}
-
-void GeneralSettingBox::unsetSettings()
-{
-    impl<Impl>().unsetSettings();
 }
 
 } // namespace mivo::settings

@@ -31,13 +31,6 @@ using mivo::widgets::EditBox;
 using mivo::widgets::PushButton;
 using mivo::widgets::SpinEditBox;
 
-template <>
-inline constexpr const char* queuedTypeText<std::uint16_t> = "const uint16_t";
-template <>
-inline constexpr const char* queuedTypeText<SAddDMXInfo> = "SAddDMXInfo";
-template <>
-inline constexpr const char* queuedTypeText<SAddOSCInfo> = "SAddOSCInfo";
-
 namespace {
 
 /// One listening port.
@@ -99,16 +92,8 @@ public slots:
     void setOscData(SAddOSCInfo info) { showValue(m_oscPort, info.port); }
     void setOscEnable(bool on) { showValue(m_useOsc, on); }
     void setOscFailure(const QString& reason) { m_oscFailure->setText(reason); }
-    void onTcpPortChanged()
-    {
-        submitPort("onTcpPortChanged", {__FILE__, __LINE__, Q_FUNC_INFO}, m_tcp,
-                   &IMivoSettings::setTcpPort);
-    }
-    void onUdpPortChanged()
-    {
-        submitPort("onUdpPortChanged", {__FILE__, __LINE__, Q_FUNC_INFO}, m_udp,
-                   &IMivoSettings::setUdpPort);
-    }
+    void onTcpPortChanged() { submitPort(m_tcp, &IMivoSettings::setTcpPort); }
+    void onUdpPortChanged() { submitPort(m_udp, &IMivoSettings::setUdpPort); }
     void onAddDmx();
     void onAddOsc();
 
@@ -122,8 +107,8 @@ private:
     QWidget* layOutOsc();
     void addTexts();
     void connectRow(PortRow& row, void (Impl::*changed)());
-    void submitPort(const CallSite& site, const QMessageLogger& log, const PortRow& row,
-                    void (IMivoSettings::*set)(const STPortInfo&));
+    void submitPort(const PortRow& row, void (IMivoSettings::*set)(const STPortInfo&),
+                    const CallSite& site = {});
 
     // Store to slot, on the runtime thread.
     void onTcpChanged(const STPortInfo& info) { queue("getTCPPortInfo", info.open, info.port); }
@@ -162,25 +147,25 @@ private:
 
     PortRow m_tcp;
     PortRow m_udp;
-    QGroupBox* m_external;
-    CheckBox* m_useMidi;
-    QLabel* m_devicesLabel;
-    QListWidget* m_devices;
-    CheckBox* m_useDmx;
-    QLabel* m_nodeNameLabel;
-    EditBox* m_nodeName;
-    QLabel* m_channelLabel;
-    SpinEditBox* m_channel;
-    QLabel* m_subnetLabel;
-    SpinEditBox* m_subnet;
-    QLabel* m_domainLabel;
-    SpinEditBox* m_domain;
-    PushButton* m_applyDmx;
-    QLabel* m_dmxFailure;
-    CheckBox* m_useOsc;
-    QLabel* m_oscPortLabel;
-    SpinEditBox* m_oscPort;
-    QLabel* m_oscFailure;
+    QGroupBox* m_external = new QGroupBox;
+    CheckBox* m_useMidi = new CheckBox;
+    QLabel* m_devicesLabel = new QLabel;
+    QListWidget* m_devices = new QListWidget;
+    CheckBox* m_useDmx = new CheckBox;
+    QLabel* m_nodeNameLabel = new QLabel;
+    EditBox* m_nodeName = new EditBox;
+    QLabel* m_channelLabel = new QLabel;
+    SpinEditBox* m_channel = new SpinEditBox;
+    QLabel* m_subnetLabel = new QLabel;
+    SpinEditBox* m_subnet = new SpinEditBox;
+    QLabel* m_domainLabel = new QLabel;
+    SpinEditBox* m_domain = new SpinEditBox;
+    PushButton* m_applyDmx = new PushButton;
+    QLabel* m_dmxFailure = new QLabel;
+    CheckBox* m_useOsc = new CheckBox;
+    QLabel* m_oscPortLabel = new QLabel;
+    SpinEditBox* m_oscPort = new SpinEditBox;
+    QLabel* m_oscFailure = new QLabel;
     QWidget* m_midiSection;
     QWidget* m_dmxSection;
     QWidget* m_oscSection;
@@ -191,19 +176,9 @@ private:
 };
 
 DeviceSettingWidget::Impl::Impl(DeviceSettingWidget* page)
-    : SettingPageImpl(page, QStringLiteral("netSetting")), m_external(new QGroupBox),
-      m_useMidi(new CheckBox), m_devicesLabel(new QLabel), m_devices(new QListWidget),
-      m_useDmx(new CheckBox), m_nodeNameLabel(new QLabel), m_nodeName(new EditBox),
-      m_channelLabel(new QLabel), m_channel(new SpinEditBox), m_subnetLabel(new QLabel),
-      m_subnet(new SpinEditBox), m_domainLabel(new QLabel), m_domain(new SpinEditBox),
-      m_applyDmx(new PushButton), m_dmxFailure(new QLabel), m_useOsc(new CheckBox),
-      m_oscPortLabel(new QLabel), m_oscPort(new SpinEditBox), m_oscFailure(new QLabel),
-      m_midiSection(layOutMidi()), m_dmxSection(layOutDmx()), m_oscSection(layOutOsc())
+    : SettingPageImpl(page, "netSetting"), m_midiSection(layOutMidi()), m_dmxSection(layOutDmx()),
+      m_oscSection(layOutOsc())
 {
-    qRegisterMetaType<std::uint16_t>("uint16_t");
-    qRegisterMetaType<std::vector<std::string>>("std::vector<std::string>");
-    qRegisterMetaType<SAddDMXInfo>("SAddDMXInfo");
-    qRegisterMetaType<SAddOSCInfo>("SAddOSCInfo");
     // The network's ports end one before the OSC port does; kept on purpose.
     m_tcp.port->setRange(0, 65534);
     m_udp.port->setRange(0, 65534);
@@ -359,33 +334,33 @@ void DeviceSettingWidget::Impl::layOut()
 
 void DeviceSettingWidget::Impl::addTexts()
 {
-    text(QStringLiteral("netSetting"), [this](const QString& title) { owner->setTitle(title); });
-    navigationText(QStringLiteral("netSetting"));
-    text(QStringLiteral("udpPort"), m_udp.label, m_udp.port);
-    text(QStringLiteral("tcpPort"), m_tcp.label, m_tcp.port);
+    addTitle("netSetting");
+    addNavigationText("netSetting");
+    addText("udpPort", m_udp.label, m_udp.port);
+    addText("tcpPort", m_tcp.label, m_tcp.port);
     for (PortRow* row : {&m_udp, &m_tcp}) {
-        text(QStringLiteral("open"), row->open);
+        addText("open", row->open);
     }
     for (PortRow* row : {&m_udp, &m_tcp}) {
-        text(QStringLiteral("close"), row->close);
+        addText("close", row->close);
     }
-    text(QStringLiteral("exteranlContralSetting"),
-         [this](const QString& title) { m_external->setTitle(title); });
-    text(QStringLiteral("exteranlContralSetting"),
-         [this](const QString& title) { m_external->setAccessibleName(title); });
+    addText("exteranlContralSetting",
+            [this](const QString& title) { m_external->setTitle(title); });
+    addText("exteranlContralSetting",
+            [this](const QString& title) { m_external->setAccessibleName(title); });
     for (PortRow* row : {&m_udp, &m_tcp}) {
-        text(QStringLiteral("openSuccess"), row->status);
+        addText("openSuccess", row->status);
     }
-    text(QStringLiteral("UseMIDI"), m_useMidi);
-    text(QStringLiteral("MIDIDevice"), m_devicesLabel, m_devices);
-    text(QStringLiteral("useDMX"), m_useDmx);
-    text(QStringLiteral("NodeName"), m_nodeNameLabel, m_nodeName);
-    text(QStringLiteral("ChannelOffest"), m_channelLabel, m_channel);
-    text(QStringLiteral("Subnet"), m_subnetLabel, m_subnet);
-    text(QStringLiteral("Domain"), m_domainLabel, m_domain);
-    text(QStringLiteral("ApplyDMX"), m_applyDmx);
-    text(QStringLiteral("UseOSC"), m_useOsc);
-    text(QStringLiteral("OSCPort"), m_oscPortLabel, m_oscPort);
+    addText("UseMIDI", m_useMidi);
+    addText("MIDIDevice", m_devicesLabel, m_devices);
+    addText("useDMX", m_useDmx);
+    addText("NodeName", m_nodeNameLabel, m_nodeName);
+    addText("ChannelOffest", m_channelLabel, m_channel);
+    addText("Subnet", m_subnetLabel, m_subnet);
+    addText("Domain", m_domainLabel, m_domain);
+    addText("ApplyDMX", m_applyDmx);
+    addText("UseOSC", m_useOsc);
+    addText("OSCPort", m_oscPortLabel, m_oscPort);
 }
 
 void DeviceSettingWidget::Impl::initSettings()
@@ -401,15 +376,15 @@ void DeviceSettingWidget::Impl::initSettings()
     }
 }
 
-void DeviceSettingWidget::Impl::submitPort(const CallSite& site, const QMessageLogger& log,
-                                           const PortRow& row,
-                                           void (IMivoSettings::*set)(const STPortInfo&))
+void DeviceSettingWidget::Impl::submitPort(const PortRow& row,
+                                           void (IMivoSettings::*set)(const STPortInfo&),
+                                           const CallSite& site)
 {
     if (sharedSettings == nullptr) {
-        log.warning("_settings is null");
+        QMessageLogger(site.file, site.line, site.function).warning("_settings is null");
         return;
     }
-    submit(site, set, STPortInfo{row.wish, static_cast<std::uint16_t>(row.port->value())});
+    submit(set, STPortInfo{row.wish, static_cast<std::uint16_t>(row.port->value())}, site);
 }
 
 // --- Controllers ---
@@ -515,16 +490,6 @@ void DeviceSettingWidget::setDmxMgr(DmxPeripheral* dmx)
 void DeviceSettingWidget::setOscMgr(OscPeripheral* osc)
 {
     impl<Impl>().useOsc(osc);
-}
-
-void DeviceSettingWidget::setSettings(MivoSettings* settings)
-{
-    impl<Impl>().setSettings(settings);
-}
-
-void DeviceSettingWidget::unsetSettings()
-{
-    impl<Impl>().unsetSettings();
 }
 
 } // namespace mivo::settings

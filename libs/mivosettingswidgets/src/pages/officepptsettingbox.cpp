@@ -4,7 +4,6 @@
 #include "mivosettingswidgets/controls.h"
 #include "mivosettingswidgets/settingpageimpl.h"
 
-#include <mivowidgets/checkbox.h>
 #include <mivowidgets/combobox.h>
 #include <mivowidgets/pushbutton.h>
 #include <mivowidgets/spineditbox.h>
@@ -19,14 +18,10 @@
 
 namespace mivo::settings {
 
-using mivo::widgets::CheckBox;
 using mivo::widgets::ComboBox;
 using mivo::widgets::PushButton;
 using mivo::widgets::SpinEditBox;
 using mivo::widgets::TimeEditBox;
-
-template <>
-inline constexpr const char* queuedTypeText<SpinEditBox*> = "SpinEditBox*";
 
 class OfficePPTSettingBox::Impl : public SettingPageImpl
 {
@@ -36,7 +31,6 @@ public:
     explicit Impl(OfficePPTSettingBox* page);
 
     // Store to slot, on the runtime thread.
-    void onAutoplayChanged(bool on) { queueTo(this, "setChecked", on, "bool"); }
     void onAutoplayIntervalChanged(int milliseconds) { queue("setDurationTime", milliseconds); }
     void onPlayModeChanged(int mode) { queue("setPPTPlayMode", mode); }
     void onPresetsResolutionTypeChanged(int key) { queue("setPPTPresetsResolutionType", key); }
@@ -46,8 +40,10 @@ public:
     std::weak_ptr<resource::IResourceMgr> resources;
 
 public slots:
-    void setChecked(bool on) { showValue(m_autoplay, on); }
-    void onPPTAutoplayStateChanged();
+    void onPPTAutoplayStateChanged(int state)
+    {
+        submit(&IMivoSettings::setPPTAutoplay, state == Qt::Checked);
+    }
     void setDurationTime(const int milliseconds) { showValue(m_interval, milliseconds); }
     void onPPTAutoplayIntervalTimeChanged();
     void setPPTPlayMode(const int mode);
@@ -70,43 +66,33 @@ private:
     /// Shows the store's preset, or none where it is not the size that is shown.
     void showPreset();
 
-    PushButton* m_tip;
-    CheckBox* m_autoplay;
-    QLabel* m_intervalLabel;
-    TimeEditBox* m_interval;
-    QLabel* m_modeLabel;
-    QButtonGroup* m_modes;
-    QRadioButton* m_animationMode;
-    QRadioButton* m_imageMode;
-    QLabel* m_resolutionLabel;
-    QLabel* m_widthLabel;
-    SpinEditBox* m_width;
-    QLabel* m_heightLabel;
-    SpinEditBox* m_height;
-    QWidget* m_ownSizeTip;
-    QLabel* m_ownSizeTipIcon;
-    QLabel* m_ownSizeTipText;
-    QLabel* m_presetsLabel;
-    ComboBox* m_presets;
-    PushButton* m_presetsTip;
+    PushButton* m_tip = new PushButton(owner);
+    StoredCheckBox* m_autoplay = new StoredCheckBox(owner);
+    QLabel* m_intervalLabel = new QLabel;
+    TimeEditBox* m_interval = new TimeEditBox(owner);
+    QLabel* m_modeLabel = new QLabel;
+    QButtonGroup* m_modes = new QButtonGroup(owner);
+    QRadioButton* m_animationMode = new QRadioButton(owner);
+    QRadioButton* m_imageMode = new QRadioButton(owner);
+    QLabel* m_resolutionLabel = new QLabel;
+    QLabel* m_widthLabel = new QLabel(QStringLiteral("W"));
+    SpinEditBox* m_width = new SpinEditBox(owner);
+    QLabel* m_heightLabel = new QLabel(QStringLiteral("H"));
+    SpinEditBox* m_height = new SpinEditBox(owner);
+    QWidget* m_ownSizeTip = new QWidget(owner);
+    QLabel* m_ownSizeTipIcon = new QLabel;
+    QLabel* m_ownSizeTipText = new QLabel;
+    QLabel* m_presetsLabel = new QLabel;
+    ComboBox* m_presets = new ComboBox(owner);
+    PushButton* m_presetsTip = new PushButton(owner);
 
     // As the store is known to hold them.
     int m_preset = pptResolutions().begin()->first;
     QSize m_size = pptResolution(m_preset);
 };
 
-OfficePPTSettingBox::Impl::Impl(OfficePPTSettingBox* page)
-    : SettingPageImpl(page, QStringLiteral("OfficeSettings")), m_tip(new PushButton(page)),
-      m_autoplay(new CheckBox(page)), m_intervalLabel(new QLabel),
-      m_interval(new TimeEditBox(page)), m_modeLabel(new QLabel), m_modes(new QButtonGroup(page)),
-      m_animationMode(new QRadioButton(page)), m_imageMode(new QRadioButton(page)),
-      m_resolutionLabel(new QLabel), m_widthLabel(new QLabel(QStringLiteral("W"))),
-      m_width(new SpinEditBox(page)), m_heightLabel(new QLabel(QStringLiteral("H"))),
-      m_height(new SpinEditBox(page)), m_ownSizeTip(new QWidget(page)),
-      m_ownSizeTipIcon(new QLabel), m_ownSizeTipText(new QLabel), m_presetsLabel(new QLabel),
-      m_presets(new ComboBox(page)), m_presetsTip(new PushButton(page))
+OfficePPTSettingBox::Impl::Impl(OfficePPTSettingBox* page) : SettingPageImpl(page, "OfficeSettings")
 {
-    qRegisterMetaType<SpinEditBox*>("SpinEditBox*");
     setUpDuration(m_interval, QTime(0, 0, 3));
     m_modes->addButton(m_animationMode, PPTPlayAnimation);
     m_modes->addButton(m_imageMode, PPTPlayImage);
@@ -125,7 +111,6 @@ OfficePPTSettingBox::Impl::Impl(OfficePPTSettingBox* page)
     addTexts();
     showOwnSizeTip();
 
-    connect(m_autoplay, &CheckBox::stateChanged, this, &Impl::onPPTAutoplayStateChanged);
     connect(m_interval, &TimeEditBox::timeChanged, this, &Impl::onPPTAutoplayIntervalTimeChanged);
     connect(m_modes, &QButtonGroup::idClicked, this, &Impl::onPPTPlayModeBtnGroupChanged);
     connect(m_presets, qOverload<int>(&ComboBox::currentIndexChanged), this,
@@ -134,7 +119,7 @@ OfficePPTSettingBox::Impl::Impl(OfficePPTSettingBox* page)
         connect(box, qOverload<double>(&SpinEditBox::valueChanged), this, &Impl::showOwnSizeTip);
         connect(box, &SpinEditBox::editingFinished, this, &Impl::onResolutionEditingFinished);
     }
-    follow(&IMivoSettings::pptAutoplayChanged, &Impl::onAutoplayChanged);
+    follow(&IMivoSettings::pptAutoplayChanged, m_autoplay, &Impl::onPPTAutoplayStateChanged);
     follow(&IMivoSettings::pptAutoplayIntervalChanged, &Impl::onAutoplayIntervalChanged);
     follow(&IMivoSettings::pptPlayModeChanged, &Impl::onPlayModeChanged);
     follow(&IMivoSettings::pptPresetsResolutionTypeChanged, &Impl::onPresetsResolutionTypeChanged);
@@ -177,31 +162,30 @@ void OfficePPTSettingBox::Impl::layOut()
 
 void OfficePPTSettingBox::Impl::addTexts()
 {
-    text(QStringLiteral("OfficePPTSettings"),
-         [this](const QString& title) { owner->setTitle(title); });
-    text(QStringLiteral("OfficePPTAutoplay"), m_autoplay);
-    text(QStringLiteral("OfficePPTAutoplayInterval"), m_intervalLabel, m_interval);
-    text(QStringLiteral("OfficePPTPlayMode"), m_modeLabel);
-    text(QStringLiteral("OfficePPTPlayAnimationMode"), m_animationMode);
-    text(QStringLiteral("OfficePPTPlayImageMode"), m_imageMode);
+    addTitle("OfficePPTSettings");
+    addText("OfficePPTAutoplay", m_autoplay);
+    addText("OfficePPTAutoplayInterval", m_intervalLabel, m_interval);
+    addText("OfficePPTPlayMode", m_modeLabel);
+    addText("OfficePPTPlayAnimationMode", m_animationMode);
+    addText("OfficePPTPlayImageMode", m_imageMode);
     m_widthLabel->setBuddy(m_width);
     m_width->setAccessibleName(m_widthLabel->text());
     m_heightLabel->setBuddy(m_height);
     m_height->setAccessibleName(m_heightLabel->text());
-    text(QStringLiteral("OfficePPTResolution"), [this](const QString& label) {
+    addText("OfficePPTResolution", [this](const QString& label) {
         m_resolutionLabel->setText(label);
         m_width->setAccessibleDescription(label);
         m_height->setAccessibleDescription(label);
     });
-    text(QStringLiteral("OfficePPTPresetsResolution"), m_presetsLabel, m_presets);
-    navigationText(QStringLiteral("OfficeSettings"));
-    text(QStringLiteral("OfficePPTSettingTip"), m_tip);
-    text(QStringLiteral("OfficePPTResolutionSettingTip"), m_presetsTip);
-    text(QStringLiteral("OfficePPTDefaultResolution"), [this](const QString& word) {
+    addText("OfficePPTPresetsResolution", m_presetsLabel, m_presets);
+    addNavigationText("OfficeSettings");
+    addText("OfficePPTSettingTip", m_tip);
+    addText("OfficePPTResolutionSettingTip", m_presetsTip);
+    addText("OfficePPTDefaultResolution", [this](const QString& word) {
         m_presets->setItemText(
             0, QStringLiteral("%1 (%2)").arg(pptResolutions().begin()->second, word));
     });
-    text(QStringLiteral("OfficePPTOwnResolutionTip"), m_ownSizeTipText);
+    addText("OfficePPTOwnResolutionTip", m_ownSizeTipText);
 }
 
 void OfficePPTSettingBox::Impl::initSettings()
@@ -211,7 +195,7 @@ void OfficePPTSettingBox::Impl::initSettings()
     }
     const auto info = read(&IMivoSettings::getPPTSysSettings);
     if (showsFetched()) {
-        onAutoplayChanged(info.pptAutoplay);
+        m_autoplay->queueChecked(info.pptAutoplay);
         onAutoplayIntervalChanged(info.pptAutoplayInterval);
         onPlayModeChanged(info.pptPlayMode);
         onPresetsResolutionTypeChanged(info.pptPresetsResolutionType);
@@ -220,15 +204,9 @@ void OfficePPTSettingBox::Impl::initSettings()
     }
 }
 
-void OfficePPTSettingBox::Impl::onPPTAutoplayStateChanged()
-{
-    submit("onPPTAutoplayStateChanged", &IMivoSettings::setPPTAutoplay, m_autoplay->isChecked());
-}
-
 void OfficePPTSettingBox::Impl::onPPTAutoplayIntervalTimeChanged()
 {
-    submit("onPPTAutoplayIntervalTimeChanged", &IMivoSettings::setPPTAutoplayInterval,
-           m_interval->time().msecsSinceStartOfDay());
+    submit(&IMivoSettings::setPPTAutoplayInterval, m_interval->time().msecsSinceStartOfDay());
 }
 
 void OfficePPTSettingBox::Impl::setPPTPlayMode(const int mode)
@@ -240,7 +218,7 @@ void OfficePPTSettingBox::Impl::setPPTPlayMode(const int mode)
 
 void OfficePPTSettingBox::Impl::onPPTPlayModeBtnGroupChanged()
 {
-    submit("onPPTPlayModeBtnGroupChanged", &IMivoSettings::setPPTPlayMode, m_modes->checkedId());
+    submit(&IMivoSettings::setPPTPlayMode, m_modes->checkedId());
 }
 
 void OfficePPTSettingBox::Impl::setPPTPresetsResolutionType(const int key)
@@ -251,7 +229,7 @@ void OfficePPTSettingBox::Impl::setPPTPresetsResolutionType(const int key)
 
 void OfficePPTSettingBox::Impl::onPPTPresetsResolutionComboBoxIndexChanged(int index)
 {
-    if (!hasStore("onPPTPresetsResolutionComboBoxIndexChanged")) {
+    if (!hasStore()) {
         return;
     }
     m_preset = m_presets->itemData(index).toInt();
@@ -259,8 +237,7 @@ void OfficePPTSettingBox::Impl::onPPTPresetsResolutionComboBoxIndexChanged(int i
     showValue(m_width, m_size.width());
     showValue(m_height, m_size.height());
     showOwnSizeTip();
-    submit("onPPTPresetsResolutionComboBoxIndexChanged",
-           &IMivoSettings::setPPTPresetsResolutionType, m_preset);
+    submit(&IMivoSettings::setPPTPresetsResolutionType, m_preset);
 }
 
 void OfficePPTSettingBox::Impl::setPPTResolutionValue(const int pixels, SpinEditBox* box)
@@ -273,12 +250,12 @@ void OfficePPTSettingBox::Impl::setPPTResolutionValue(const int pixels, SpinEdit
 
 void OfficePPTSettingBox::Impl::onResolutionEditingFinished()
 {
-    if (!hasStore("onResolutionEditingFinished")) {
+    if (!hasStore()) {
         return;
     }
     const QSize size = shownSize();
-    submit("onResolutionEditingFinished", &IMivoSettings::setPPTResolutionWidth, size.width());
-    submit("onResolutionEditingFinished", &IMivoSettings::setPPTResolutionHeight, size.height());
+    submit(&IMivoSettings::setPPTResolutionWidth, size.width());
+    submit(&IMivoSettings::setPPTResolutionHeight, size.height());
     if (std::exchange(m_size, size) == size) {
         return; // only passed through
     }
@@ -313,16 +290,6 @@ OfficePPTSettingBox::OfficePPTSettingBox(QWidget* parent) : SettingPage(parent)
 }
 
 OfficePPTSettingBox::~OfficePPTSettingBox() = default;
-
-void OfficePPTSettingBox::setSettings(MivoSettings* settings)
-{
-    impl<Impl>().setSettings(settings);
-}
-
-void OfficePPTSettingBox::unsetSettings()
-{
-    impl<Impl>().unsetSettings();
-}
 
 void OfficePPTSettingBox::setResourceMgr(std::weak_ptr<resource::IResourceMgr> resources)
 {

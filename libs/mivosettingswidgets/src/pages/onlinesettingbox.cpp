@@ -26,13 +26,17 @@ public slots:
 
 protected:
     void initSettings() override;
+    void unsetSettings() override
+    {
+        SettingPageImpl::unsetSettings();
+        sharedSettings = nullptr;
+    }
 
 private:
-    CheckBox* m_autoSync;
+    CheckBox* m_autoSync = new CheckBox(owner);
 };
 
-OnlineSettingBox::Impl::Impl(OnlineSettingBox* page)
-    : SettingPageImpl(page, QStringLiteral("GeneralSettings")), m_autoSync(new CheckBox(page))
+OnlineSettingBox::Impl::Impl(OnlineSettingBox* page) : SettingPageImpl(page, "GeneralSettings")
 {
     page->setObjectName(QStringLiteral("generalSettingGroupBox"));
 
@@ -40,9 +44,9 @@ OnlineSettingBox::Impl::Impl(OnlineSettingBox* page)
     column->addLayout(rowOf({m_autoSync}));
     column->setContentsMargins(30, 20, 0, 16);
 
-    text(QStringLiteral("OnlineSettings"), [page](const QString& title) { page->setTitle(title); });
-    text(QStringLiteral("AutoSyncResources"), m_autoSync);
-    navigationText(QStringLiteral("GeneralSettings"));
+    addTitle("OnlineSettings");
+    addText("AutoSyncResources", m_autoSync);
+    addNavigationText("GeneralSettings");
 
     connect(m_autoSync, &CheckBox::stateChanged, this, &Impl::onAutoSyncResourcesStateChanged);
     follow(&IMivoSettings::autoSyncResourcesChanged, &Impl::onAutoSyncResourcesChanged);
@@ -57,7 +61,7 @@ void OnlineSettingBox::Impl::initSettings()
 
 void OnlineSettingBox::Impl::onAutoSyncResourcesStateChanged(int state)
 {
-    submitCheck("onAutoSyncResourcesStateChanged", &IMivoSettings::setAutoSyncResources, state);
+    submit(&IMivoSettings::setAutoSyncResources, state == Qt::Checked);
 }
 
 OnlineSettingBox::OnlineSettingBox(QWidget* parent) : SettingPage(parent)
@@ -66,17 +70,6 @@ OnlineSettingBox::OnlineSettingBox(QWidget* parent) : SettingPage(parent)
 }
 
 OnlineSettingBox::~OnlineSettingBox() = default;
-
-void OnlineSettingBox::setSettings(MivoSettings* settings)
-{
-    impl<Impl>().setSettings(settings);
-}
-
-void OnlineSettingBox::unsetSettings()
-{
-    impl<Impl>().unsetSettings();
-    impl<Impl>().sharedSettings = nullptr;
-}
 
 } // namespace mivo::settings
 

@@ -2,14 +2,12 @@
 
 #include "folders/folderrow.h"
 #include "folders/folderselection.h"
-#include "kit/storedcheck.h"
 #include "mivosettingswidgets/controls.h"
 #include "mivosettingswidgets/settingpageimpl.h"
 #include "mivosettingswidgets/texts.h"
 #include "pages/programmenu.h"
 
 #include <mivoqutils/folders.h>
-#include <mivowidgets/checkbox.h>
 #include <mivowidgets/editbox.h>
 #include <mivowidgets/pushbutton.h>
 #include <mivowidgets/spineditbox.h>
@@ -26,7 +24,6 @@ namespace mivo::settings {
 using mivo::mediadispatch::IProgram;
 using mivo::mediadispatch::IProgramDispatch;
 using mivo::mediadispatch::STDefaultPlayProgramInfo;
-using mivo::widgets::CheckBox;
 using mivo::widgets::PushButton;
 using mivo::widgets::SpinEditBox;
 
@@ -42,11 +39,6 @@ public:
     void showPrograms();
 
     // Runtime thread.
-    void onOpenRecentFilesChanged(bool on) { m_openRecentValue->queueChecked(on); }
-    void onOpenProjectFileDefaultPlayChanged(bool on) { m_defaultPlayValue->queueChecked(on); }
-    void onAutoSaveProjectFilesChanged(bool on) { m_autoSaveValue->queueChecked(on); }
-    void onNotPromptForSaveChanged(bool on) { m_noPromptValue->queueChecked(on); }
-    void onNewProjResetOutputChanged(bool on) { m_resetOutputValue->queueChecked(on); }
     void onIntervalChanged(int minutes) { queue("setAutoSaveProjectFilesInterval", minutes); }
     void onMaxNumChanged(int saves) { queue("setAutoSaveProjectFilesMaxNum", saves); }
     void onStoredPathChanged(const QString& path) { queue("setAutoSavePath", path); }
@@ -65,31 +57,26 @@ public slots:
     void setText(const QString& program);
     void onOpenRecentFilesCheckBoxStateChanged(int state)
     {
-        submitCheck("onOpenRecentFilesCheckBoxStateChanged", &IMivoSettings::setOpenRecentFiles,
-                    state);
+        submit(&IMivoSettings::setOpenRecentFiles, state == Qt::Checked);
     }
     void onOpenProjectFileDefaultPlayCheckBoxStateChanged(int state)
     {
-        submitCheck("onOpenProjectFileDefaultPlayCheckBoxStateChanged",
-                    &IMivoSettings::setOpenProjectFileDefaultPlay, state);
+        submit(&IMivoSettings::setOpenProjectFileDefaultPlay, state == Qt::Checked);
     }
     void onAutoSaveProjectFilesCheckBoxStateChanged(int state)
     {
-        submitCheck("onAutoSaveProjectFilesCheckBoxStateChanged",
-                    &IMivoSettings::setAutoSaveProjectFiles, state);
+        submit(&IMivoSettings::setAutoSaveProjectFiles, state == Qt::Checked);
     }
     void onIntervalSpinBoxValueChanged(double minutes);
     void onAutoSaveMaxNumSpinBoxValueChanged(double saves);
     void onAutoSavePathChanged(const QString& path);
     void onNotPromptForSaveCheckBoxStateChanged(int state)
     {
-        submitCheck("onNotPromptForSaveCheckBoxStateChanged", &IMivoSettings::setNotPromptForSave,
-                    state);
+        submit(&IMivoSettings::setNotPromptForSave, state == Qt::Checked);
     }
     void onNewProjResetOutputCheckBoxStateChanged(int state)
     {
-        submitCheck("onNewProjResetOutputCheckBoxStateChanged",
-                    &IMivoSettings::setNewProjResetOutput, state);
+        submit(&IMivoSettings::setNewProjResetOutput, state == Qt::Checked);
     }
     void onBrowseBtnClicked();
     void onOpenBtnClicked();
@@ -110,46 +97,30 @@ private:
 
     /// Has `use` called on the runtime thread; without a dispatcher, false and a warning.
     template <typename Use>
-    bool withDispatch(const CallSite& site, Use use);
-    std::optional<ProgramList> programs(const CallSite& site);
+    bool withDispatch(Use use, const CallSite& site = {});
+    std::optional<ProgramList> programs(const CallSite& site = {});
 
-    CheckBox* m_openRecent;
-    CheckBox* m_defaultPlay;
-    ProgramButton* m_program;
-    CheckBox* m_autoSave;
-    QLabel* m_intervalPrefix;
-    SpinEditBox* m_interval;
-    QLabel* m_intervalSuffix;
-    QLabel* m_maxNumLabel;
-    SpinEditBox* m_maxNum;
-    PushButton* m_spaceTip;
-    PushButton* m_open;
-    FolderRow* m_folder;
-    CheckBox* m_noPrompt;
-    CheckBox* m_resetOutput;
-    QLabel* m_restartIcon;
-    QLabel* m_restartText;
-    StoredCheck* m_openRecentValue;
-    StoredCheck* m_defaultPlayValue;
-    StoredCheck* m_autoSaveValue;
-    StoredCheck* m_noPromptValue;
-    StoredCheck* m_resetOutputValue;
+    StoredCheckBox* m_openRecent = new StoredCheckBox;
+    StoredCheckBox* m_defaultPlay = new StoredCheckBox;
+    ProgramButton* m_program = new ProgramButton;
+    StoredCheckBox* m_autoSave = new StoredCheckBox;
+    QLabel* m_intervalPrefix = new QLabel;
+    SpinEditBox* m_interval = new SpinEditBox;
+    QLabel* m_intervalSuffix = new QLabel;
+    QLabel* m_maxNumLabel = new QLabel;
+    SpinEditBox* m_maxNum = new SpinEditBox;
+    PushButton* m_spaceTip = new PushButton;
+    PushButton* m_open = new PushButton;
+    FolderRow* m_folder = new FolderRow(owner, m_spaceTip);
+    StoredCheckBox* m_noPrompt = new StoredCheckBox;
+    StoredCheckBox* m_resetOutput = new StoredCheckBox;
+    QLabel* m_restartIcon = new QLabel;
+    QLabel* m_restartText = new QLabel;
     QPointer<QWidget> m_projectFileWidget;
     QString m_programName; // empty for the one played last
 };
 
-ProjectSettingBox::Impl::Impl(ProjectSettingBox* page)
-    : SettingPageImpl(page, QStringLiteral("GeneralSettings")), m_openRecent(new CheckBox),
-      m_defaultPlay(new CheckBox), m_program(new ProgramButton), m_autoSave(new CheckBox),
-      m_intervalPrefix(new QLabel), m_interval(new SpinEditBox), m_intervalSuffix(new QLabel),
-      m_maxNumLabel(new QLabel), m_maxNum(new SpinEditBox), m_spaceTip(new PushButton),
-      m_open(new PushButton), m_folder(new FolderRow(page, m_spaceTip)), m_noPrompt(new CheckBox),
-      m_resetOutput(new CheckBox), m_restartIcon(new QLabel), m_restartText(new QLabel),
-      m_openRecentValue(new StoredCheck(m_openRecent, this)),
-      m_defaultPlayValue(new StoredCheck(m_defaultPlay, this)),
-      m_autoSaveValue(new StoredCheck(m_autoSave, this)),
-      m_noPromptValue(new StoredCheck(m_noPrompt, this)),
-      m_resetOutputValue(new StoredCheck(m_resetOutput, this))
+ProjectSettingBox::Impl::Impl(ProjectSettingBox* page) : SettingPageImpl(page, "GeneralSettings")
 {
     m_folder->setParent(this);
     m_interval->setRange(1, 30);
@@ -159,22 +130,12 @@ ProjectSettingBox::Impl::Impl(ProjectSettingBox* page)
     layOut();
     addTexts();
 
-    connect(m_openRecent, &CheckBox::stateChanged, this,
-            &Impl::onOpenRecentFilesCheckBoxStateChanged);
-    connect(m_defaultPlay, &CheckBox::stateChanged, this,
-            &Impl::onOpenProjectFileDefaultPlayCheckBoxStateChanged);
-    connect(m_autoSave, &CheckBox::stateChanged, this,
-            &Impl::onAutoSaveProjectFilesCheckBoxStateChanged);
-    connect(m_autoSave, &CheckBox::toggled, this, &Impl::enableAutoSave);
-    connect(m_autoSaveValue, &StoredCheck::shown, this, &Impl::enableAutoSave);
+    connect(m_autoSave, &StoredCheckBox::toggled, this, &Impl::enableAutoSave);
+    connect(m_autoSave, &StoredCheckBox::shown, this, &Impl::enableAutoSave);
     connect(m_interval, qOverload<double>(&SpinEditBox::valueChanged), this,
             &Impl::onIntervalSpinBoxValueChanged);
     connect(m_maxNum, qOverload<double>(&SpinEditBox::valueChanged), this,
             &Impl::onAutoSaveMaxNumSpinBoxValueChanged);
-    connect(m_noPrompt, &CheckBox::stateChanged, this,
-            &Impl::onNotPromptForSaveCheckBoxStateChanged);
-    connect(m_resetOutput, &CheckBox::stateChanged, this,
-            &Impl::onNewProjResetOutputCheckBoxStateChanged);
     connect(m_folder->browse, &PushButton::clicked, this, &Impl::onBrowseBtnClicked);
     connect(m_open, &PushButton::clicked, this, &Impl::onOpenBtnClicked);
     connect(m_spaceTip, &PushButton::clicked, m_folder, &FolderRow::checkSpace);
@@ -184,15 +145,19 @@ ProjectSettingBox::Impl::Impl(ProjectSettingBox* page)
     connect(m_program->programMenu(), &QMenu::aboutToShow, this, &Impl::onUpdateProgramList);
     connect(m_program->programMenu(), &QMenu::triggered, this, &Impl::checkedProgramGroupMenu);
 
-    follow(&IMivoSettings::openRecentFilesChanged, &Impl::onOpenRecentFilesChanged);
-    follow(&IMivoSettings::openProjectFileDefaultPlayChanged,
-           &Impl::onOpenProjectFileDefaultPlayChanged);
-    follow(&IMivoSettings::autoSaveProjectFilesChanged, &Impl::onAutoSaveProjectFilesChanged);
+    follow(&IMivoSettings::openRecentFilesChanged, m_openRecent,
+           &Impl::onOpenRecentFilesCheckBoxStateChanged);
+    follow(&IMivoSettings::openProjectFileDefaultPlayChanged, m_defaultPlay,
+           &Impl::onOpenProjectFileDefaultPlayCheckBoxStateChanged);
+    follow(&IMivoSettings::autoSaveProjectFilesChanged, m_autoSave,
+           &Impl::onAutoSaveProjectFilesCheckBoxStateChanged);
     follow(&IMivoSettings::autoSaveProjectFilesIntervalChanged, &Impl::onIntervalChanged);
     follow(&IMivoSettings::autoSaveProjectFilesMaxNumChanged, &Impl::onMaxNumChanged);
     follow(&IMivoSettings::autoSavePathChanged, &Impl::onStoredPathChanged);
-    follow(&IMivoSettings::notPromptForSaveChanged, &Impl::onNotPromptForSaveChanged);
-    follow(&IMivoSettings::newProjResetOutputChanged, &Impl::onNewProjResetOutputChanged);
+    follow(&IMivoSettings::notPromptForSaveChanged, m_noPrompt,
+           &Impl::onNotPromptForSaveCheckBoxStateChanged);
+    follow(&IMivoSettings::newProjResetOutputChanged, m_resetOutput,
+           &Impl::onNewProjResetOutputCheckBoxStateChanged);
     for (auto signal :
          {&IProgramDispatch::programListChanged, &IProgramDispatch::defaultPlayProgramChanged}) {
         follow([this, signal] {
@@ -238,41 +203,35 @@ void ProjectSettingBox::Impl::layOut()
 
 void ProjectSettingBox::Impl::addTexts()
 {
-    text(
-        QStringLiteral("ProjectFile"), [this](const QString& title) { owner->setTitle(title); },
-        QStringLiteral("Project file"));
-    text(QStringLiteral("OpenRecentFilesAfterStartup"), m_openRecent,
-         QStringLiteral("Open recent files after startup"));
-    text(QStringLiteral("AutoSaveProjectFiles"), m_autoSave,
-         QStringLiteral("Automatically save project files"));
-    text(
-        QStringLiteral("OpenProjectFileDefaultPlay"),
+    addTitle("ProjectFile", "Project file");
+    addText("OpenRecentFilesAfterStartup", m_openRecent, "Open recent files after startup");
+    addText("AutoSaveProjectFiles", m_autoSave, "Automatically save project files");
+    addText(
+        "OpenProjectFileDefaultPlay",
         [this](const QString& label) {
             m_defaultPlay->setText(label);
             m_program->setAccessibleDescription(label);
         },
-        QStringLiteral("Open project files for default playback"));
-    text(QStringLiteral("LastTime"), [this](const QString& label) {
+        "Open project files for default playback");
+    addText("LastTime", [this](const QString& label) {
         m_program->programMenu()->setLastTimeText(label);
         setText(m_programName);
     });
-    text(QStringLiteral("Interval"), m_intervalPrefix, m_interval, QStringLiteral("interval"));
-    text(QStringLiteral("saves"), m_intervalSuffix, nullptr, QStringLiteral("minutes Save"));
-    text(QStringLiteral("SaveMaximumQuantity"), m_maxNumLabel, m_maxNum,
-         QStringLiteral(",Save maximum quantity"));
-    text(QStringLiteral("NoPromptWhenCloseSoftware"), m_noPrompt,
-         QStringLiteral("Do not prompt to save the project when closing the software"));
-    text(QStringLiteral("NewProjResetOutput"), m_resetOutput,
-         QStringLiteral("new Proj Reset Output"));
-    text(QStringLiteral("NewProjResetRecommand"), [this](const QString& advice) {
+    addText("Interval", m_intervalPrefix, m_interval, "interval");
+    addText("saves", m_intervalSuffix, nullptr, "minutes Save");
+    addText("SaveMaximumQuantity", m_maxNumLabel, m_maxNum, ",Save maximum quantity");
+    addText("NoPromptWhenCloseSoftware", m_noPrompt,
+            "Do not prompt to save the project when closing the software");
+    addText("NewProjResetOutput", m_resetOutput, "new Proj Reset Output");
+    addText("NewProjResetRecommand", [this](const QString& advice) {
         m_resetOutput->setToolTip(advice);
         m_resetOutput->setAccessibleDescription(advice);
     });
     m_folder->addTexts("AutoSavePath", textRegistrar());
-    text(QStringLiteral("Open"), m_open);
-    text(QStringLiteral("NoSpace"), m_spaceTip);
-    text(QStringLiteral("RestartTakeEffect"), m_restartText);
-    navigationText(QStringLiteral("GeneralSettings"));
+    addText("Open", m_open);
+    addText("NoSpace", m_spaceTip);
+    addText("RestartTakeEffect", m_restartText);
+    addNavigationText("GeneralSettings");
 }
 
 void ProjectSettingBox::Impl::enableAutoSave(bool on)
@@ -290,32 +249,30 @@ void ProjectSettingBox::Impl::initSettings()
     }
     const auto info = read(&IMivoSettings::getProjectFileSettings);
     if (showsFetched()) {
-        m_openRecentValue->queueChecked(info.openRecentFiles);
-        m_defaultPlayValue->queueChecked(info.openProjectFileDefaultPlay);
-        m_autoSaveValue->queueChecked(info.autoSaveProjectFiles);
+        m_openRecent->queueChecked(info.openRecentFiles);
+        m_defaultPlay->queueChecked(info.openProjectFileDefaultPlay);
+        m_autoSave->queueChecked(info.autoSaveProjectFiles);
         queue("setAutoSaveProjectFilesInterval", info.autoSaveProjectFilesInterval);
         queue("setAutoSaveProjectFilesMaxNum", info.autoSaveProjectFilesMaxNum);
         queue("setAutoSavePath", info.autoSavePath);
-        m_noPromptValue->queueChecked(info.notPromptForSave);
-        m_resetOutputValue->queueChecked(info.newProjResetOutput);
+        m_noPrompt->queueChecked(info.notPromptForSave);
+        m_resetOutput->queueChecked(info.newProjResetOutput);
     }
 }
 
 void ProjectSettingBox::Impl::onIntervalSpinBoxValueChanged(double minutes)
 {
-    submit("onIntervalSpinBoxValueChanged", &IMivoSettings::setAutoSaveProjectFilesInterval,
-           static_cast<int>(minutes));
+    submit(&IMivoSettings::setAutoSaveProjectFilesInterval, static_cast<int>(minutes));
 }
 
 void ProjectSettingBox::Impl::onAutoSaveMaxNumSpinBoxValueChanged(double saves)
 {
-    submit("onAutoSaveMaxNumSpinBoxValueChanged", &IMivoSettings::setAutoSaveProjectFilesMaxNum,
-           static_cast<int>(saves));
+    submit(&IMivoSettings::setAutoSaveProjectFilesMaxNum, static_cast<int>(saves));
 }
 
 void ProjectSettingBox::Impl::onAutoSavePathChanged(const QString& path)
 {
-    submit("onAutoSavePathChanged", &IMivoSettings::setAutoSavePath, path);
+    submit(&IMivoSettings::setAutoSavePath, path);
 }
 
 void ProjectSettingBox::Impl::onBrowseBtnClicked()
@@ -356,7 +313,7 @@ void ProjectSettingBox::Impl::setProjectFileWidget(QWidget* widget)
 }
 
 template <typename Use>
-bool ProjectSettingBox::Impl::withDispatch(const CallSite& site, Use use)
+bool ProjectSettingBox::Impl::withDispatch(Use use, const CallSite& site)
 {
     // Its end, like any call of it, is to be on the runtime thread: it is not locked here.
     const bool missing =
@@ -377,7 +334,7 @@ bool ProjectSettingBox::Impl::withDispatch(const CallSite& site, Use use)
 std::optional<ProgramList> ProjectSettingBox::Impl::programs(const CallSite& site)
 {
     std::optional<ProgramList> list;
-    withDispatch(site, [&list](const IProgramDispatch& dispatch) { list.emplace(dispatch); });
+    withDispatch([&list](const IProgramDispatch& dispatch) { list.emplace(dispatch); }, site);
     return list;
 }
 
@@ -393,7 +350,7 @@ void ProjectSettingBox::Impl::showPrograms()
 
 void ProjectSettingBox::Impl::onUpdateProgramList()
 {
-    if (const auto list = programs("onUpdateProgramList")) {
+    if (const auto list = programs()) {
         m_program->programMenu()->setPrograms(*list, QIcon(checkIconPath));
     }
 }
@@ -401,10 +358,10 @@ void ProjectSettingBox::Impl::onUpdateProgramList()
 void ProjectSettingBox::Impl::checkedProgramGroupMenu(QAction* action)
 {
     if (action == nullptr) {
-        warn("checkedProgramGroupMenu", "action is nullptr!");
+        warn({}, "action is nullptr!");
     } else if (!m_program->programMenu()->isLastTime(action)) {
         checkedProgramAction(ProgramMenu::programOf(*action));
-    } else if (withDispatch("checkedProgramGroupMenu", [](IProgramDispatch& dispatch) {
+    } else if (withDispatch([](IProgramDispatch& dispatch) {
                    dispatch.setDefaultPlayProgram(STDefaultPlayProgramInfo());
                })) {
         updateDefaultPlayBtnText();
@@ -421,18 +378,18 @@ void ProjectSettingBox::Impl::checkedProgramAction(const std::weak_ptr<IProgram>
             gone = true;
         }
     };
-    if (!gone && withDispatch("checkedProgramAction", choose) && !gone) {
+    if (!gone && withDispatch(choose) && !gone) {
         updateDefaultPlayBtnText();
     }
     if (gone) {
-        warn("checkedProgramAction", "sharedProgram is nullptr!");
+        warn({}, "sharedProgram is nullptr!");
     }
 }
 
 void ProjectSettingBox::Impl::updateDefaultPlayBtnText()
 {
-    if (const auto list = programs("updateDefaultPlayBtnText")) {
-        queueTo(this, "setText", list->chosenName(), "QString");
+    if (const auto list = programs()) {
+        queue("setText", list->chosenName());
     }
 }
 
@@ -449,16 +406,6 @@ ProjectSettingBox::ProjectSettingBox(QWidget* parent) : SettingPage(parent)
 }
 
 ProjectSettingBox::~ProjectSettingBox() = default;
-
-void ProjectSettingBox::setSettings(MivoSettings* settings)
-{
-    impl<Impl>().setSettings(settings);
-}
-
-void ProjectSettingBox::unsetSettings()
-{
-    impl<Impl>().unsetSettings();
-}
 
 void ProjectSettingBox::setProgramDispatch(std::weak_ptr<IProgramDispatch> dispatch)
 {

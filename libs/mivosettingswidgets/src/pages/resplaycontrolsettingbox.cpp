@@ -51,6 +51,19 @@ public:
         queue("setResourceSettings", info);
     }
 
+    void setSettings(MivoSettings* settings) override
+    {
+        if (isStore(settings)) {
+            SettingPageImpl::setSettings(settings);
+        }
+    }
+    void unsetSettings() override
+    {
+        if (hasStore()) {
+            SettingPageImpl::unsetSettings();
+        }
+    }
+
 public slots:
     void onDurationTimeChanged(const QTime& time);
     void onResTypeComboBoxIndexChanged(int index);
@@ -67,15 +80,14 @@ private:
     /// Queues the duration of a kind; it is shown if that kind is still chosen when it arrives.
     void queueDuration(int kind, int milliseconds);
 
-    QLabel* m_label;
-    ComboBox* m_kind;
-    TimeEditBox* m_duration;
+    QLabel* m_label = new QLabel;
+    ComboBox* m_kind = new ComboBox(owner);
+    TimeEditBox* m_duration = new TimeEditBox(owner);
     std::deque<int> m_queuedKinds; // of the durations on their way, in their order
 };
 
 ResPlayControlSettingBox::Impl::Impl(ResPlayControlSettingBox* page)
-    : SettingPageImpl(page, QStringLiteral("DisplaySettings")), m_label(new QLabel),
-      m_kind(new ComboBox(page)), m_duration(new TimeEditBox(page))
+    : SettingPageImpl(page, "DisplaySettings")
 {
     m_kind->addItem(QString(), ResourcePicture);
     m_kind->addItem(QString(), ResourcePowerPoint);
@@ -83,19 +95,17 @@ ResPlayControlSettingBox::Impl::Impl(ResPlayControlSettingBox* page)
     setUpDuration(m_duration, QTime(0, 0, 5));
     layOut();
 
-    text(
-        QStringLiteral("PlayControl"), [page](const QString& title) { page->setTitle(title); },
-        QStringLiteral("Play Control"));
+    addTitle("PlayControl", "Play Control");
     m_label->setBuddy(m_duration);
-    text(
-        QStringLiteral("DefaultPlayDuration"),
+    addText(
+        "DefaultPlayDuration",
         [this](const QString& label) {
             m_label->setText(label);
             nameAll({m_kind, m_duration}, label);
         },
-        QStringLiteral("default Play Duration:"));
-    itemTexts(m_kind, {"Picture", "PowerPoint", "OSD"});
-    navigationText(QStringLiteral("DisplaySettings"));
+        "default Play Duration:");
+    addItemTexts(m_kind, {"Picture", "PowerPoint", "OSD"});
+    addNavigationText("DisplaySettings");
 
     connect(m_duration, &TimeEditBox::timeChanged, this, &Impl::onDurationTimeChanged);
     connect(m_kind, qOverload<int>(&ComboBox::currentIndexChanged), this,
@@ -130,21 +140,20 @@ void ResPlayControlSettingBox::Impl::initSettings()
 void ResPlayControlSettingBox::Impl::onDurationTimeChanged(const QTime& time)
 {
     const auto setter = durationSetters().find(m_kind->currentData().toInt());
-    if (hasStore("onDurationTimeChanged") && setter != durationSetters().end()) {
-        submit("onDurationTimeChanged", setter->second,
-               time.isValid() ? time.msecsSinceStartOfDay() : 0);
+    if (hasStore() && setter != durationSetters().end()) {
+        submit(setter->second, time.isValid() ? time.msecsSinceStartOfDay() : 0);
     }
 }
 
 void ResPlayControlSettingBox::Impl::onResTypeComboBoxIndexChanged(int index)
 {
-    if (!hasStore("onResTypeComboBoxIndexChanged")) {
+    if (!hasStore()) {
         return;
     }
     const int kind = m_kind->itemData(index).toInt();
     const auto getter = durationGetters().find(kind);
     if (getter != durationGetters().end()) {
-        queueDuration(kind, read(getter->second, "onResTypeComboBoxIndexChanged"));
+        queueDuration(kind, read(getter->second));
     }
 }
 
@@ -176,20 +185,6 @@ ResPlayControlSettingBox::ResPlayControlSettingBox(QWidget* parent) : SettingPag
 }
 
 ResPlayControlSettingBox::~ResPlayControlSettingBox() = default;
-
-void ResPlayControlSettingBox::setSettings(MivoSettings* settings)
-{
-    if (Impl::isStore(settings, "setSettings")) {
-        impl<Impl>().setSettings(settings);
-    }
-}
-
-void ResPlayControlSettingBox::unsetSettings()
-{
-    if (impl<Impl>().hasStore("unsetSettings")) {
-        impl<Impl>().unsetSettings();
-    }
-}
 
 } // namespace mivo::settings
 

@@ -82,6 +82,19 @@ class StageSettingBox::Impl : public SettingPageImpl
 public:
     explicit Impl(StageSettingBox* page);
 
+    void setSettings(MivoSettings* settings) override
+    {
+        if (isStore(settings) && hasRuntime("StageSettingBox::setSettings zrRuntime is nullptr!")) {
+            SettingPageImpl::setSettings(settings);
+        }
+    }
+    void unsetSettings() override
+    {
+        if (hasStore()) {
+            SettingPageImpl::unsetSettings();
+        }
+    }
+
     // Store to slot, on the runtime thread.
     void onCanvasColorChanged(const std::string& color)
     {
@@ -191,8 +204,7 @@ private:
          {&Impl::onTextRedChanged, &Impl::onTextGreenChanged, &Impl::onTextBlueChanged}}};
 };
 
-StageSettingBox::Impl::Impl(StageSettingBox* page)
-    : SettingPageImpl(page, QStringLiteral("GeneralSettings"))
+StageSettingBox::Impl::Impl(StageSettingBox* page) : SettingPageImpl(page, "GeneralSettings")
 {
     owner->setObjectName(QStringLiteral("StageSettingGroupBox"));
     auto* column = new QVBoxLayout(owner);
@@ -286,11 +298,11 @@ QHBoxLayout* StageSettingBox::Impl::customRow(ColorRow& row)
 void StageSettingBox::Impl::addTexts()
 {
     const auto presets = [this](ColorRow& row) {
-        text(QStringLiteral("PresetsColor"), row.presetsLabel, nullptr, QStringLiteral("Presets:"));
+        addText("PresetsColor", row.presetsLabel, nullptr, "Presets:");
     };
     const auto heading = [this](ColorRow& row) {
-        text(
-            QString::fromLatin1(row.differs.headingKey),
+        addText(
+            row.differs.headingKey,
             [&row](const QString& name) {
                 row.heading->setText(name);
                 row.hexEdit->setAccessibleDescription(name);
@@ -304,18 +316,17 @@ void StageSettingBox::Impl::addTexts()
                     button->setAccessibleDescription(name);
                 }
             },
-            QString::fromLatin1(row.differs.initialHeading));
+            row.differs.initialHeading);
     };
-    text(QStringLiteral("General"), [this](const QString& title) { owner->setTitle(title); });
+    addTitle("General");
     presets(m_canvas);
     heading(m_canvas);
     presets(m_output);
     heading(m_output);
-    navigationText(QStringLiteral("GeneralSettings"));
+    addNavigationText("GeneralSettings");
     for (ColorRow* row : {&m_canvas, &m_output}) {
-        text(QStringLiteral("CustomColor"), row->customLabel, row->hexEdit,
-             QStringLiteral("custom:"));
-        text(QStringLiteral("SelectColor"), [row](const QString& name) {
+        addText("CustomColor", row->customLabel, row->hexEdit, "custom:");
+        addText("SelectColor", [row](const QString& name) {
             for (PushButton* button : {row->picker, row->dialogButton}) {
                 button->setAccessibleName(name);
                 button->setToolTip(name);
@@ -452,12 +463,12 @@ void StageSettingBox::Impl::report(ColorRow& row)
 
 void StageSettingBox::Impl::notifyChangeColor(const QString& color)
 {
-    submit("notifyChangeColor", &IMivoSettings::setCanvasColor, color.toStdString());
+    submit(&IMivoSettings::setCanvasColor, color.toStdString());
 }
 
 void StageSettingBox::Impl::notifyChangeTextColor(const QString& color)
 {
-    submit("notifyChangeTextColor", &IMivoSettings::setOutputColor, color.toStdString());
+    submit(&IMivoSettings::setOutputColor, color.toStdString());
 }
 
 StageSettingBox::StageSettingBox(QWidget* parent) : SettingPage(parent)
@@ -466,22 +477,6 @@ StageSettingBox::StageSettingBox(QWidget* parent) : SettingPage(parent)
 }
 
 StageSettingBox::~StageSettingBox() = default;
-
-void StageSettingBox::setSettings(MivoSettings* settings)
-{
-    if (Impl::isStore(settings, "setSettings")
-        && impl<Impl>().hasRuntime("setSettings",
-                                   "StageSettingBox::setSettings zrRuntime is nullptr!")) {
-        impl<Impl>().setSettings(settings);
-    }
-}
-
-void StageSettingBox::unsetSettings()
-{
-    if (impl<Impl>().hasStore("unsetSettings")) {
-        impl<Impl>().unsetSettings();
-    }
-}
 
 } // namespace mivo::settings
 

@@ -61,7 +61,7 @@ TimedRow::TimedRow(QWidget* page, const std::vector<int>& widths)
 
 void TimedRow::addText(SettingPageImpl& page, const char* key)
 {
-    page.text(QString::fromLatin1(key), [this](const QString& label) {
+    page.addText(key, [this](const QString& label) {
         m_enabled->setText(label);
         m_time->setAccessibleName(label);
         for (ComboBox* days : m_days) {
@@ -75,8 +75,8 @@ ShutdownRow::ShutdownRow(QWidget* page) : TimedRow(page, {72}) {}
 void ShutdownRow::addTexts(SettingPageImpl& page)
 {
     addText(page, "TimedShutdown");
-    page.itemTexts(m_days[0], {"EveryDay", "Monday", "Tuesday", "Wednesday", "Thursday", "Friday",
-                               "Saturday", "Sunday"});
+    page.addItemTexts(m_days[0], {"EveryDay", "Monday", "Tuesday", "Wednesday", "Thursday",
+                                  "Friday", "Saturday", "Sunday"});
 }
 
 STMivoTimedShutdownSettings ShutdownRow::shown() const
@@ -104,19 +104,19 @@ RestartRow::RestartRow(QWidget* page)
 void RestartRow::addTexts(SettingPageImpl& page)
 {
     addText(page, "TimedAutomaticRestart");
-    page.itemTexts(m_month, {"EveryMonth", "January", "February", "March", "April", "May", "June",
-                             "July", "August", "September", "October", "November", "December"});
-    page.text(QStringLiteral("EveryDay"),
-              [this](const QString& every) { m_day->setItemText(0, every); });
+    page.addItemTexts(m_month,
+                      {"EveryMonth", "January", "February", "March", "April", "May", "June", "July",
+                       "August", "September", "October", "November", "December"});
+    page.addText("EveryDay", [this](const QString& every) { m_day->setItemText(0, every); });
     // Set by the first translation in any case: where its place is depends on the language.
-    page.text(
-        QStringLiteral("Day"),
+    page.addText(
+        "Day",
         [this](const QString& /*word*/) {
             for (int day = 1; day < m_day->count(); ++day) {
                 m_day->setItemText(day, dayText(day));
             }
         },
-        QStringLiteral("-"));
+        "-");
 }
 
 STMivoTimedAutomaticRestartSettings RestartRow::shown() const

@@ -31,24 +31,22 @@ protected:
 private:
     void layOut();
 
-    QLabel* m_stepLabel;
-    SpinEditBox* m_stepEdit;
-    QLabel* m_tipIcon;
-    QLabel* m_tipText;
+    QLabel* m_stepLabel = new QLabel;
+    SpinEditBox* m_stepEdit = new SpinEditBox(owner);
+    QLabel* m_tipIcon = new QLabel;
+    QLabel* m_tipText = new QLabel;
 };
 
-UndoSettingBox::Impl::Impl(UndoSettingBox* page)
-    : SettingPageImpl(page, QStringLiteral("GeneralSettings")), m_stepLabel(new QLabel),
-      m_stepEdit(new SpinEditBox(page)), m_tipIcon(new QLabel), m_tipText(new QLabel)
+UndoSettingBox::Impl::Impl(UndoSettingBox* page) : SettingPageImpl(page, "GeneralSettings")
 {
     m_stepEdit->setRange(1, 500);
     m_stepEdit->setValue(50);
     layOut();
 
-    text(QStringLiteral("UndoRedo"), [page](const QString& title) { page->setTitle(title); });
-    text(QStringLiteral("UndoSteps"), m_stepLabel, m_stepEdit);
-    navigationText(QStringLiteral("GeneralSettings"));
-    text(QStringLiteral("RestartTakeEffect"), m_tipText);
+    addTitle("UndoRedo");
+    addText("UndoSteps", m_stepLabel, m_stepEdit);
+    addNavigationText("GeneralSettings");
+    addText("RestartTakeEffect", m_tipText);
 
     connect(m_stepEdit, &SpinEditBox::editingFinished, this, &Impl::slotUndoStepChanged);
     follow(&IMivoSettings::undoStepChanged, &Impl::onUndoStepChanged);
@@ -83,8 +81,7 @@ void UndoSettingBox::Impl::initSettings()
 
 void UndoSettingBox::Impl::slotUndoStepChanged()
 {
-    submit("slotUndoStepChanged", &IMivoSettings::setUndoStep,
-           static_cast<int>(m_stepEdit->value()));
+    submit(&IMivoSettings::setUndoStep, static_cast<int>(m_stepEdit->value()));
 }
 
 UndoSettingBox::UndoSettingBox(QWidget* parent) : SettingPage(parent)
@@ -93,16 +90,6 @@ UndoSettingBox::UndoSettingBox(QWidget* parent) : SettingPage(parent)
 }
 
 UndoSettingBox::~UndoSettingBox() = default;
-
-void UndoSettingBox::setSettings(MivoSettings* settings)
-{
-    impl<Impl>().setSettings(settings);
-}
-
-void UndoSettingBox::unsetSettings()
-{
-    impl<Impl>().unsetSettings();
-}
 
 } // namespace mivo::settings
 

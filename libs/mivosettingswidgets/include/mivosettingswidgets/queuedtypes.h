@@ -1,0 +1,92 @@
+#pragma once
+
+#include "mivohostapi/peripherals.h"
+#include "mivohostapi/settingsrecords.h"
+#include "mivohostapi/shortcuttypes.h"
+#include "mivohostapi/soundcardrecords.h"
+
+#include <QtCore/QMetaType>
+#include <QtCore/QString>
+#include <QtGui/QColor>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace mivo::widgets {
+class SpinEditBox;
+}
+
+namespace mivo::settings {
+
+/// The type text under which a value travels through a call queued by slot name. A page with a type
+/// of its own specialises it.
+template <typename T>
+constexpr const char* queuedTypeText = nullptr;
+
+template <>
+inline constexpr const char* queuedTypeText<int> = "const int";
+template <>
+inline constexpr const char* queuedTypeText<bool> = "const bool";
+template <>
+inline constexpr const char* queuedTypeText<double> = "const double";
+template <>
+inline constexpr const char* queuedTypeText<std::uint16_t> = "const uint16_t";
+template <>
+inline constexpr const char* queuedTypeText<std::string> = "std::string";
+template <>
+inline constexpr const char* queuedTypeText<std::vector<std::string>> = "std::vector<std::string>";
+template <>
+inline constexpr const char* queuedTypeText<QString> = "const QString&";
+template <>
+inline constexpr const char* queuedTypeText<QColor> = "const QColor";
+template <>
+inline constexpr const char* queuedTypeText<mivo::widgets::SpinEditBox*> = "SpinEditBox*";
+template <>
+inline constexpr const char* queuedTypeText<mivo::DynamicRangeConfig> = "DynamicRangeConfig";
+template <>
+inline constexpr const char* queuedTypeText<mivo::peripheralcontrol::SAddDMXInfo> = "SAddDMXInfo";
+template <>
+inline constexpr const char* queuedTypeText<mivo::peripheralcontrol::SAddOSCInfo> = "SAddOSCInfo";
+template <>
+inline constexpr const char* queuedTypeText<STResourceSettingsInfo> =
+    "const STResourceSettingsInfo&";
+template <>
+inline constexpr const char* queuedTypeText<STMivoAutoStartSettings> =
+    "const STMivoAutoStartSettings&";
+template <>
+inline constexpr const char* queuedTypeText<STMivoTimedShutdownSettings> =
+    "const STMivoTimedShutdownSettings&";
+template <>
+inline constexpr const char* queuedTypeText<STMivoTimedAutomaticRestartSettings> =
+    "const STMivoTimedAutomaticRestartSettings&";
+template <>
+inline constexpr const char* queuedTypeText<STFileInfoSettings> = "const STFileInfoSettings&";
+template <>
+inline constexpr const char* queuedTypeText<STAllDeviceSoundCardMappings> =
+    "const STAllDeviceSoundCardMappings&";
+template <>
+inline constexpr const char* queuedTypeText<velorn::mediadispatch::STSoundCardMappingInfo> =
+    "const STSoundCardMappingInfo&";
+template <>
+inline constexpr const char* queuedTypeText<mivo::STSoundCardChangeInfo> =
+    "const STSoundCardChangeInfo&";
+template <>
+inline constexpr const char* queuedTypeText<STLocalSoundCardList> = "const STLocalSoundCardList&";
+template <>
+inline constexpr const char* queuedTypeText<STSoundCardMismatchInfo> =
+    "const STSoundCardMismatchInfo&";
+template <>
+inline constexpr const char* queuedTypeText<STDeviceSoundCardVisibleInfo> =
+    "const STDeviceSoundCardVisibleInfo&";
+
+/// Registers the type under the name that its text has, before it is queued first. Any thread.
+template <typename T>
+void registerQueuedType()
+{
+    static_assert(queuedTypeText<T> != nullptr, "a type that is queued needs its text");
+    static const int registered = qRegisterMetaType<T>(queuedTypeText<T>);
+    Q_UNUSED(registered)
+}
+
+} // namespace mivo::settings

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "mivosettingswidgets/controls.h"
+#include "mivosettingswidgets/export.h"
+
+#include <mivowidgets/checkbox.h>
+
+namespace mivo::settings {
+
+/// A check box that shows a value of the store. GUI thread, but for queueChecked().
+class MIVOSETTINGSWIDGETS_EXPORT StoredCheckBox : public mivo::widgets::CheckBox
+{
+    Q_OBJECT
+
+public:
+    using CheckBox::CheckBox;
+
+    /// Has the value shown from the event loop. Any thread.
+    void queueChecked(bool on)
+    {
+        QMetaObject::invokeMethod(this, "setChecked", Qt::QueuedConnection, Q_ARG(bool, on));
+    }
+
+public slots:
+    /// Shows a value of the store: of the signals only shown() is emitted, so that the value is not
+    /// written back.
+    void setChecked(bool on)
+    {
+        showValue(this, on);
+        emit shown(on);
+    }
+
+signals:
+    void shown(bool on);
+};
+
+} // namespace mivo::settings
