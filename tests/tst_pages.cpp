@@ -245,6 +245,16 @@ TEST_P(Pages, LetGoOfTheStoreWhenTheyAreUnset)
               !GetParam().keepsStoreWhenUnset);
 }
 
+TEST_P(Pages, FollowOnceAfterARuntimeThatRefusedToUnsetThem)
+{
+    bind();
+    runtime.refuses = true;
+    GetParam().unbind(page);
+    runtime.refuses = false;
+    bind();
+    EXPECT_EQ(store.connections(), GetParam().signals_);
+}
+
 TEST_P(Pages, MayBeDestroyedWhileBoundWithAValueOnItsWay)
 {
     bind();
@@ -351,6 +361,10 @@ TEST_P(Pages, AreWholeInBothLanguagesThereAndBack)
     EXPECT_EQ(announced[1][0].toString(), chinese[1]);
     EXPECT_NE(english[1], key);
     translator().setMissingTextHandler(nullptr);
+
+    page->setTitle("Changed by somebody else");
+    page->translateLanguage();
+    EXPECT_EQ(texts(), english);
 }
 
 TEST_P(Pages, NameEveryControlAfterItsLabelAndReachItByTab)
