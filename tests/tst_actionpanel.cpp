@@ -3,6 +3,7 @@
 #include "peripherals/peripherals.h"
 
 #include "support/dialogs.h"
+#include "support/files.h"
 #include "support/hostlanguage.h"
 #include "support/logcapture.h"
 #include "support/testruntime.h"
@@ -11,7 +12,9 @@
 #include <mivosettingswidgets/shortcutfile.h>
 #include <mivowidgets/shortcutcover.h>
 
+#include <QtCore/QDir>
 #include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QSignalSpy>
 #include <QtWidgets/QAction>
@@ -150,6 +153,14 @@ protected:
         return file.open(QIODevice::ReadOnly)
                    ? mivo::settings::parseShortCuts(file.readAll().toStdString())
                    : std::vector<STShortCutItem>{};
+    }
+
+    /// Without its folder the file of the keys can be neither read nor written.
+    static void hideKeysFolder(bool hidden)
+    {
+        const QString path = QFileInfo(mivo::settings::shortCutFilePath()).path();
+        EXPECT_TRUE(hidden ? QDir().rename(path, path + "-hidden")
+                           : QDir().rename(path + "-hidden", path));
     }
 
     LogCapture log;
@@ -333,12 +344,30 @@ TEST_F(Panel, AllBindingsGoOutIntoAFileAndComeBack)
     EXPECT_NE(panel->importFrom(folder.filePath("gone.json")), "");
     EXPECT_EQ(kept().size(), 1u) << "unchanged";
     EXPECT_EQ(peripherals->dmx().bindings().size(), 1u);
+    // All or nothing: neither half is taken when the other one cannot be saved.
+    const auto half = write(R"({"shortCutInfoList":[{"type":210,"path":"","shortCutStr":"F9"},)"
+                            R"({"type":189,"path":"","shortCutStr":"DMX 9"}]})");
+    const auto setStoreFails = [this](bool fails) {
+        runtime.call([this, fails] { store.kept.fails = fails; });
+    };
+    setStoreFails(true);
+    EXPECT_EQ(panel->importFrom(half), "the bindings could not be saved; the old ones stay");
+    setStoreFails(false);
+    hideKeysFolder(true);
+    EXPECT_EQ(panel->importFrom(half), "the bindings could not be saved; the old ones stay");
+    hideKeysFolder(false);
+    EXPECT_EQ(cover(mute)->getShortCutStr(), "Ctrl + F5");
+    EXPECT_EQ(cover(take)->getShortCutStr(), "");
+    EXPECT_EQ(cover(mute)->keyText(PeripheralDmx), "DMX 12");
+    EXPECT_EQ(peripherals->midi().bindings().size(), 1u);
+    EXPECT_EQ(kept().size(), 1u);
 
     EXPECT_EQ(panel->importFrom(
                   write(R"({"shortCutInfoList":[{"type":189,"path":"a","shortCutStr":"Ctrl + C"},)"
                         R"({"type":189,"path":"b","shortCutStr":"nonsense"},)"
                         R"({"type":189,"path":"b","shortCutStr":"Ctrl + a"},)"
                         R"({"type":210,"path":"","shortCutStr":"Shift + Ctrl + F7"},)"
+                        R"({"type":210,"path":"x","shortCutStr":"F4"},)"
                         R"({"type":189,"path":"","shortCutStr":"DMX 9"},)"
                         R"({"type":9999,"path":"c","shortCutStr":"F9"},)"
                         R"({"type":187,"path":"","shortCutStr":"F9"},)"
@@ -355,6 +384,32 @@ TEST_F(Panel, AllBindingsGoOutIntoAFileAndComeBack)
     EXPECT_EQ(triggered("Stage/Take by Ctrl \\+ Shift \\+ F7"), 1);
     press(Qt::Key_F9);
     EXPECT_EQ(triggered(""), 0);
+}
+
+TEST_F(Panel, WhatCannotBeReadOrSavedIsToldAndSavedLater)
+{
+    QSignalSpy failed(panel, &ActionPanel::failed);
+    QSignalSpy recovered(panel, &ActionPanel::recovered);
+    hideKeysFolder(true);
+    bindKey(mute, Qt::Key_F5, Qt::NoModifier);
+    bindKey(take, Qt::Key_F6, Qt::NoModifier);
+    QApplication::processEvents();
+    ASSERT_EQ(failed.size(), 1) << "once";
+    EXPECT_EQ(failed[0][0], "KeysNotWritten");
+    press(Qt::Key_F6);
+    EXPECT_EQ(triggered("Stage/Take"), 1) << "it holds meanwhile";
+    hideKeysFolder(false);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !recovered.isEmpty(); }, 10000));
+    EXPECT_EQ(kept().size(), 2u);
+
+    writeFile(mivo::settings::shortCutFilePath(), "{");
+    ActionPanel again(*peripherals);
+    QSignalSpy told(&again, &ActionPanel::failed);
+    QApplication::processEvents();
+    ASSERT_EQ(told.size(), 1);
+    EXPECT_EQ(told[0][0], "KeysPutAside");
+    EXPECT_EQ(readFile(told[0][1].toString()), "{");
+    QFile::remove(told[0][1].toString());
 }
 
 TEST_F(Panel, AFloodIsCountedAndLosesNoKey)

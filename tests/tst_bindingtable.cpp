@@ -97,7 +97,7 @@ TEST_F(Bindings, SurviveARestartAndWhatCannotBeReadIsDropped)
 {
     {
         auto table = make();
-        const BindingTable::Together together(table);
+        const BindingTable::DeferredSave deferred(table);
         table.bind({211, "/Peripherals/组/\"1\"", "knob é"});
         table.bind({187, "", "knob 1"});
         EXPECT_EQ(saves, 0);

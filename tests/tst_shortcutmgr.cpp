@@ -167,21 +167,26 @@ TEST_F(ShortCuts, AreReadSplitAndWrittenInOrder)
     EXPECT_EQ(manager.linkShortCutInfo().pathShortCutList, (Row{{type(211), groupPath, "F6"}}));
 }
 
-TEST_F(ShortCuts, AFileThatCannotBeReadIsLoggedAndCopiedBeforeItIsWrittenOver)
+TEST_F(ShortCuts, AFileThatCannotBeReadIsLoggedAndPutAsideUnderAFreeName)
 {
+    QSignalSpy told(&manager, &ShortCutMgr::signalShortCutFilePutAside);
     const std::string broken = "{\"shortCutInfoList\":[x";
-    write(broken);
-    manager.loadShortCutInfoList();
-    EXPECT_TRUE(log.hasOnly("error|std::exception error msg: error at line :1 col :21 msg:no valid "
-                            "array! \n //shortcutmgr.cpp:loadShortCutInfoList()#"));
-    const QString copy = path + ".bad";
-    EXPECT_FALSE(QFile::exists(copy));
-    manager.saveShortCutInfoList();
-    EXPECT_EQ(contentOf(copy), broken);
-    EXPECT_EQ(content(), formatShortCuts({}));
-    QFile::remove(copy);
-    manager.saveShortCutInfoList();
-    EXPECT_FALSE(QFile::exists(copy));
+    for (const char* name : {".bad", ".bad-2"}) {
+        const QString aside = path + name;
+        log.clear();
+        write(broken + name);
+        manager.loadShortCutInfoList();
+        EXPECT_TRUE(log.hasOnly("error|std::exception error msg: error at line :1 col :21 msg:no "
+                                "valid array! \n //shortcutmgr.cpp:loadShortCutInfoList()#"));
+        EXPECT_FALSE(QFile::exists(aside));
+        manager.saveShortCutInfoList();
+        manager.saveShortCutInfoList();
+        EXPECT_EQ(contentOf(aside), broken + name);
+        EXPECT_EQ(content(), formatShortCuts({}));
+        ASSERT_EQ(told.size(), 1) << "a good file stays";
+        EXPECT_EQ(told.takeFirst()[0].value<std::string>(), aside.toStdString());
+    }
+    EXPECT_EQ(contentOf(path + ".bad"), broken + ".bad");
 
     QFile::remove(path);
     QDir().mkpath(path);

@@ -1192,9 +1192,24 @@
         <translation>The file is too large.</translation>
     </message>
     <message>
-        <source>KeysNotSaved</source>
+        <source>BindingsNotSaved</source>
         <comment>MainWindow</comment>
-        <translation>the keys could not be saved, and the old ones stay</translation>
+        <translation>the bindings could not be saved; the old ones stay</translation>
+    </message>
+    <message>
+        <source>KeysPutAside</source>
+        <comment>MainWindow</comment>
+        <translation>The file of the keys could not be read and was put aside as “%1”. No keys are bound.</translation>
+    </message>
+    <message>
+        <source>KeysNotWritten</source>
+        <comment>MainWindow</comment>
+        <translation>The keys could not be saved to “%1”. The changes hold meanwhile, and saving them is tried again.</translation>
+    </message>
+    <message>
+        <source>KeysWritten</source>
+        <comment>MainWindow</comment>
+        <translation>The keys are saved again.</translation>
     </message>
     <message>
         <source>KeyHint</source>

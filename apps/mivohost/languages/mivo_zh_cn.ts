@@ -1192,9 +1192,24 @@
         <translation>文件过大。</translation>
     </message>
     <message>
-        <source>KeysNotSaved</source>
+        <source>BindingsNotSaved</source>
         <comment>MainWindow</comment>
-        <translation>无法保存按键，原有按键保持不变</translation>
+        <translation>无法保存绑定，原有绑定保持不变</translation>
+    </message>
+    <message>
+        <source>KeysPutAside</source>
+        <comment>MainWindow</comment>
+        <translation>按键文件无法读取，已另存为“%1”。当前没有绑定任何按键。</translation>
+    </message>
+    <message>
+        <source>KeysNotWritten</source>
+        <comment>MainWindow</comment>
+        <translation>无法将按键保存到“%1”。更改暂时有效，程序会重试保存。</translation>
+    </message>
+    <message>
+        <source>KeysWritten</source>
+        <comment>MainWindow</comment>
+        <translation>按键已重新保存。</translation>
     </message>
     <message>
         <source>KeyHint</source>

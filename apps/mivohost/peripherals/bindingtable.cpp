@@ -126,33 +126,43 @@ void BindingTable::restore(const std::string& kept)
     }
 }
 
-BindingTable::Together::Together(BindingTable& table) : m_table(table)
+BindingTable::DeferredSave::DeferredSave(BindingTable& table) : m_table(table)
 {
     const std::lock_guard lock(m_table.m_mutex);
-    ++m_table.m_together;
+    ++m_table.m_deferredSaves;
 }
 
-BindingTable::Together::~Together()
+BindingTable::DeferredSave::~DeferredSave()
 {
     const std::lock_guard lock(m_table.m_mutex);
-    if (--m_table.m_together == 0 && m_table.m_isUnsaved) {
+    if (--m_table.m_deferredSaves == 0 && m_table.m_isUnsaved) {
         m_table.save();
     }
 }
 
-void BindingTable::save()
+std::string BindingTable::text() const
 {
-    m_isUnsaved = m_together > 0;
-    if (m_isUnsaved) {
-        return;
-    }
+    const std::lock_guard lock(m_mutex);
+    return textOfAll();
+}
+
+std::string BindingTable::textOfAll() const
+{
     QJsonArray entries;
     for (const auto& [action, control] : m_controls) {
         entries.append(QJsonObject{{typeKey, action.first},
                                    {pathKey, QString::fromStdString(action.second)},
                                    {controlKey, QString::fromStdString(control)}});
     }
-    m_setup.save(QJsonDocument(entries).toJson(QJsonDocument::Compact).toStdString());
+    return QJsonDocument(entries).toJson(QJsonDocument::Compact).toStdString();
+}
+
+void BindingTable::save()
+{
+    m_isUnsaved = m_deferredSaves > 0;
+    if (!m_isUnsaved) {
+        m_setup.save(textOfAll());
+    }
 }
 
 } // namespace mivohost

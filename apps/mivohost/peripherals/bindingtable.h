@@ -41,15 +41,17 @@ public:
     void bind(const BindInfo& info);
     void unbind(int type, const std::string& path);
     std::vector<BindInfo> bindings() const;
+    /// All bindings as the text that Setup::save is given.
+    std::string text() const;
     void setLocked(bool locked) { m_locked = locked; }
 
-    /// While it lives, nothing is saved: what changes meanwhile is saved together at its end.
-    class Together
+    /// While it lives, nothing is saved. What changed meanwhile is saved once, at its end.
+    class DeferredSave
     {
     public:
-        explicit Together(BindingTable& table);
-        ~Together();
-        Q_DISABLE_COPY_MOVE(Together)
+        explicit DeferredSave(BindingTable& table);
+        ~DeferredSave();
+        Q_DISABLE_COPY_MOVE(DeferredSave)
 
     private:
         BindingTable& m_table;
@@ -73,6 +75,7 @@ private:
     void put(const Action& action, const std::string& control);
     bool remove(const Action& action);
     void restore(const std::string& kept);
+    std::string textOfAll() const;
     void save();
 
     const Setup m_setup;
@@ -81,7 +84,7 @@ private:
     std::unordered_map<std::string, Action> m_actions; // by control
     std::map<Action, std::string> m_controls;          // by action
     std::optional<Action> m_learning;
-    int m_together = 0; // how many of those live
+    int m_deferredSaves = 0; // how many of those live
     bool m_isUnsaved = false;
 };
 
@@ -97,6 +100,7 @@ public:
     std::vector<BindingTable::BindInfo> bindings() const override { return m_table.bindings(); }
     void setLocked(bool locked) override { m_table.setLocked(locked); }
     BindingTable& table() { return m_table; }
+    const BindingTable& table() const { return m_table; }
 
 protected:
     explicit BoundPeripheral(BindingTable::Setup setup) : m_table(std::move(setup)) {}

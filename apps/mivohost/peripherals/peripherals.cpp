@@ -43,7 +43,8 @@ Peripherals::Peripherals(RuntimeThread& runtime, SettingsStore& store)
 {}
 
 Peripherals::Peripherals(RuntimeThread& runtime, SettingsStore& store, const Kept& kept)
-    : m_midi({MidiService::isControl, kept.midiBindings,
+    : m_runtime(runtime), m_store(store),
+      m_midi({MidiService::isControl, kept.midiBindings,
               writing(runtime, store, &SettingsStore::setMidiBindings)}),
       m_dmx({DmxService::isControl, kept.dmxBindings,
              writing(runtime, store, &SettingsStore::setDmxBindings)})
@@ -54,6 +55,17 @@ Peripherals::Peripherals(RuntimeThread& runtime, SettingsStore& store, const Kep
     m_midi.enabledChanged.connect(writing(runtime, store, &SettingsStore::setMidiEnabled));
     m_osc.infoChanged.connect(writing(runtime, store, &SettingsStore::setOscInfo));
     m_dmx.infoChanged.connect(writing(runtime, store, &SettingsStore::setDmxInfo));
+}
+
+bool Peripherals::areBindingsStored() const
+{
+    // A table that never had a binding has no text in the store.
+    const auto isStored = [](const BindingTable& table, const std::string& text) {
+        return table.text() == text || (text.empty() && table.bindings().empty());
+    };
+    const auto [midi, dmx] = m_runtime.call(
+        [this] { return std::pair(m_store.getMidiBindings(), m_store.getDmxBindings()); });
+    return isStored(m_midi.table(), midi) && isStored(m_dmx.table(), dmx);
 }
 
 void Peripherals::giveTo(mivo::settings::ShortCutMgr& manager)

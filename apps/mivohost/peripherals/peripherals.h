@@ -25,6 +25,10 @@ public:
     /// The manager must go first, or is told by the services that they go.
     void giveTo(mivo::settings::ShortCutMgr& manager);
 
+    /// Whether the store holds the bindings as they are now. Waits until what was posted is
+    /// written.
+    bool areBindingsStored() const;
+
     MidiService& midi() { return m_midi; }
     OscService& osc() { return m_osc; }
     DmxService& dmx() { return m_dmx; }
@@ -34,6 +38,8 @@ private:
 
     Peripherals(RuntimeThread& runtime, SettingsStore& store, const Kept& kept);
 
+    RuntimeThread& m_runtime;
+    SettingsStore& m_store;
     MidiService m_midi;
     OscService m_osc;
     DmxService m_dmx;

@@ -2,6 +2,7 @@
 
 #include "base/hostlog.h"
 #include "base/hosttext.h"
+#include "peripherals/bindingsfile.h"
 #include "peripherals/peripherals.h"
 #include "surface/askforfile.h"
 
@@ -24,13 +25,9 @@
 #include <QtWidgets/QStyle>
 
 #include <algorithm>
-#include <exception>
-#include <set>
 
 namespace mivohost {
 
-using mivo::peripheralcontrol::Peripheral;
-using mivo::peripheralcontrol::SDeviceBindInfo;
 using mivo::settings::peripheralActions;
 using mivo::settings::peripheralPrefix;
 using mivo::widgets::ShortCutCover;
@@ -61,20 +58,6 @@ QString textOf(const std::string& key)
     return hostText(QString::fromStdString(key));
 }
 
-/// A key sequence as it is when it is pressed, whatever the order of its names; empty when it is
-/// none, or the application's own.
-std::string bindableKeys(const std::string& text)
-{
-    const QKeySequence sequence = mivo::widgets::keySequenceOf(QString::fromStdString(text));
-    if (sequence.isEmpty()) {
-        return {};
-    }
-    constexpr int modifiers = static_cast<int>(Qt::KeyboardModifierMask);
-    const QString keys = mivo::widgets::keySequenceText(
-        sequence[0] & ~modifiers, Qt::KeyboardModifiers(sequence[0] & modifiers));
-    return mivo::settings::isReservedKeySequence(keys) ? std::string() : keys.toStdString();
-}
-
 /// A property that the style sheet knows.
 void setState(QPushButton& button, const char* name, bool on)
 {
@@ -88,7 +71,7 @@ void setState(QPushButton& button, const char* name, bool on)
 ActionPanel::ActionPanel(Peripherals& peripherals)
     : m_peripherals(peripherals), m_heading(new QLabel), m_edit(new QPushButton),
       m_kind(new QComboBox), m_clear(new QPushButton), m_export(new QPushButton),
-      m_import(new QPushButton), m_lock(new QPushButton), m_hint(new QLabel)
+      m_import(new QPushButton), m_lock(new QPushButton), m_hint(new QLabel), m_fileRetry(m_manager)
 {
     m_heading->setObjectName(QStringLiteral("sectionHeading"));
     m_edit->setObjectName(QStringLiteral("editShortcuts"));
@@ -211,6 +194,24 @@ void ActionPanel::addConnections()
                 m_hasKeys = !info.shortCutInfoList.empty();
                 m_keys.setBindings(info);
             });
+    // Queued: at the start nobody listens yet.
+    connect(
+        &m_manager, &ShortCutMgr::signalShortCutFilePutAside, this,
+        [this](const std::string& aside) {
+            emit failed(QStringLiteral("KeysPutAside"),
+                        QDir::toNativeSeparators(QString::fromStdString(aside)));
+        },
+        Qt::QueuedConnection);
+    connect(
+        &m_fileRetry, &ShortcutFileRetry::failed, this,
+        [this] {
+            emit failed(QStringLiteral("KeysNotWritten"),
+                        QDir::toNativeSeparators(mivo::settings::shortCutFilePath()));
+        },
+        Qt::QueuedConnection);
+    connect(
+        &m_fileRetry, &ShortcutFileRetry::succeeded, this,
+        [this] { emit recovered(QStringLiteral("KeysWritten")); }, Qt::QueuedConnection);
     connect(&m_manager, &ShortCutMgr::signalClearShortCutState, this, &ActionPanel::showState);
     connect(&m_manager, &ShortCutMgr::signalUpdateClearPeripheralsState, this,
             &ActionPanel::showState);
@@ -452,14 +453,7 @@ void ActionPanel::importAll()
 
 bool ActionPanel::exportTo(const QString& path) const
 {
-    // The texts of keys, MIDI controls and DMX channels are of different forms.
-    auto items = m_manager.linkShortCutInfo().shortCutInfoList;
-    for (const auto& bindings : {m_peripherals.midi().bindings(), m_peripherals.dmx().bindings()}) {
-        for (const SDeviceBindInfo& info : bindings) {
-            items.push_back({static_cast<EnumShortCutType>(info.type), info.oprKey, info.keyValue});
-        }
-    }
-    return NoCacheFile::saveToFile(path.toStdString(), mivo::settings::formatShortCuts(items));
+    return NoCacheFile::saveToFile(path.toStdString(), exportedBindings(m_manager, m_peripherals));
 }
 
 QString ActionPanel::importFrom(const QString& path)
@@ -471,43 +465,9 @@ QString ActionPanel::importFrom(const QString& path)
     if (file.size() > mostBytes) {
         return hostText("FileTooLarge");
     }
-    std::vector<STShortCutItem> items;
-    try {
-        items = mivo::settings::parseShortCuts(file.readAll().toStdString());
-    } catch (const std::exception& error) {
-        return QString::fromUtf8(error.what());
-    }
-    // A crash leaves either the old ones or the new ones.
-    const BindingTable::Together midi(m_peripherals.midi().table());
-    const BindingTable::Together dmx(m_peripherals.dmx().table());
-    for (const auto each : {PeripheralMidi, PeripheralDmx}) {
-        m_manager.slotClearShortCut(true, each);
-    }
-    STLinkShortCutInfo keys;
-    std::set<std::string> bound;
-    for (STShortCutItem& item : items) {
-        if (const Action* action = actionOf(item.type)) {
-            item.path = action->path; // the type identifies it; a file may have another path
-        }
-        if (MidiService::isControl(item.shortCutStr)) {
-            m_manager.rebindPeripheral(PeripheralMidi, item.type, item.path, item.shortCutStr);
-        } else if (DmxService::isControl(item.shortCutStr)) {
-            m_manager.rebindPeripheral(PeripheralDmx, item.type, item.path, item.shortCutStr);
-        } else if (const auto sequence = bindableKeys(item.shortCutStr);
-                   sequence.empty() || !bound.insert(sequence).second) {
-            hostLog()->warn("\"{}\" cannot be bound to {}", item.shortCutStr, item.path);
-        } else {
-            item.shortCutStr = sequence;
-            (item.type == ShortCutOfPath ? keys.pathShortCutList : keys.indexShortCutList)
-                .push_back(item);
-        }
-    }
-    m_manager.shortCutInfoSave(keys);
+    const QString problem = importBindings(file.readAll().toStdString(), m_manager, m_peripherals);
     showState();
-    const auto held = m_manager.linkShortCutInfo();
-    const bool isSaved = held.indexShortCutList == keys.indexShortCutList
-                         && held.pathShortCutList == keys.pathShortCutList;
-    return isSaved ? QString() : hostText("KeysNotSaved");
+    return problem;
 }
 
 } // namespace mivohost

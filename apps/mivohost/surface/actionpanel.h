@@ -1,6 +1,7 @@
 #pragma once
 
 #include "mivohostapi/shortcuttypes.h"
+#include "peripherals/shortcutfileretry.h"
 #include "surface/keytriggers.h"
 
 #include <mivosettingswidgets/shortcutmgr.h>
@@ -53,13 +54,14 @@ public:
     /// Writes all bindings, of keys and of devices, to a file. False when it cannot be written.
     bool exportTo(const QString& path) const;
 
-    /// Replaces all bindings by those of a file. What the file has that cannot be bound is logged
-    /// and left out. Returns what is wrong with the file, and then nothing has changed.
+    /// Replaces all bindings by those of a file, as importBindings(). Returns why it did not.
     QString importFrom(const QString& path);
 
 signals:
     /// A text's key and what is put into it, as MainWindow::showNotice().
     void failed(const QString& key, const QString& argument);
+    /// What had failed is well again: the key of a text that says so.
+    void recovered(const QString& key);
 
 private:
     struct Action
@@ -108,7 +110,8 @@ private:
     std::vector<sigslot::scoped_connection> m_connections;
     QTimer m_logPause;
     KeyTriggers m_keys;
-    mivo::settings::ShortCutMgr m_manager; // the last one: it knows covers and services
+    mivo::settings::ShortCutMgr m_manager; // knows covers and services, and goes before them
+    ShortcutFileRetry m_fileRetry;
 };
 
 } // namespace mivohost

@@ -33,7 +33,7 @@ public:
     ~ShortCutMgr() override;
 
     /// Reads the shortcut file. Without one, or with one that cannot be read, the table is empty;
-    /// the latter is logged, and the file copied beside itself before it is written over.
+    /// the latter is logged, and the next save puts the file aside before it writes a new one.
     void loadShortCutInfoList();
 
     /// Writes the shortcut file, whose folder must exist.
@@ -82,7 +82,10 @@ signals:
     /// The covers have been opened for the kind, or closed.
     void signalOpenShortCover(bool open, EnumPeripheralShortCutType kind);
     void signalPeripheralsControl(int action, const std::string& path, const std::string& value);
+    /// After every save. The file may not have been written, which the host can see by reading it.
     void signalShortCutSave(const STLinkShortCutInfo& info);
+    /// A file that could not be read was renamed to this path, in UTF-8.
+    void signalShortCutFilePutAside(const std::string& path);
     void signalShortCutStrChanged(const EnumShortCutType& type, const std::string& path,
                                   const std::string& text);
     /// The covers have been opened for the kind: what comes of it may be shown.

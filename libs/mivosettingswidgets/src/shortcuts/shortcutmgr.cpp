@@ -73,18 +73,20 @@ std::optional<std::string> contentOf(const std::filesystem::path& path)
     return content;
 }
 
-/// Keeps a file that is about to be written over, and may be gone by now; one that cannot be copied
-/// by another name.
-void putAside(const std::filesystem::path& file)
+/// Renames a file that is about to be replaced, to a name that is free. Returns that name, or
+/// nothing where the file is gone by now.
+std::filesystem::path putAside(const std::filesystem::path& file)
 {
-    auto copy = file;
-    copy += ".bad";
-    std::error_code problem;
-    std::filesystem::copy_file(file, copy, std::filesystem::copy_options::overwrite_existing,
-                               problem);
-    if (problem && std::filesystem::exists(file)) {
-        std::filesystem::rename(file, copy);
+    const auto bad = file.u8string() + ".bad";
+    auto aside = std::filesystem::u8path(bad);
+    for (int n = 2; std::filesystem::exists(std::filesystem::symlink_status(aside)); ++n) {
+        aside = std::filesystem::u8path(bad + '-' + std::to_string(n));
     }
+    if (!std::filesystem::exists(std::filesystem::symlink_status(file))) {
+        return {};
+    }
+    std::filesystem::rename(file, aside);
+    return aside;
 }
 
 std::filesystem::path shortCutFile()
@@ -228,10 +230,11 @@ void ShortCutMgr::Impl::save()
     auto items = table.indexShortCutList;
     items.insert(items.end(), table.pathShortCutList.begin(), table.pathShortCutList.end());
     const CallSite site("saveShortCutInfoList");
+    std::filesystem::path aside;
     try {
         const auto path = shortCutFile();
         if (m_fileIsUnreadable) {
-            putAside(path);
+            aside = putAside(path);
             m_fileIsUnreadable = false;
         }
         NoCacheFile::saveToFile(path.u8string(), formatShortCuts(items));
@@ -241,6 +244,9 @@ void ShortCutMgr::Impl::save()
         logAt(spdlog::level::err, site, "std::exception error msg: {}", error.what());
     }
     table.shortCutInfoList = std::move(items);
+    if (!aside.empty()) {
+        emit m_manager->signalShortCutFilePutAside(aside.u8string());
+    }
     emit m_manager->signalShortCutSave(table);
 }
 

@@ -1,0 +1,153 @@
+#include "peripherals/bindingsfile.h"
+
+#include "base/hostlog.h"
+#include "base/hosttext.h"
+#include "peripherals/peripherals.h"
+
+#include <mivosettingswidgets/shortcutfile.h>
+#include <mivosettingswidgets/shortcutmgr.h>
+#include <mivosettingswidgets/shortcuttable.h>
+#include <mivowidgets/shortcutcover.h>
+#include <zrcutils/nocachefile.h>
+
+#include <algorithm>
+#include <exception>
+#include <filesystem>
+#include <set>
+#include <utility>
+#include <vector>
+
+namespace mivohost {
+
+using mivo::peripheralcontrol::SDeviceBindInfo;
+using mivo::settings::peripheralActions;
+using mivo::settings::ShortCutMgr;
+
+namespace {
+
+using Infos = std::vector<SDeviceBindInfo>;
+
+struct Bindings
+{
+    STLinkShortCutInfo keys;
+    Infos midi;
+    Infos dmx;
+};
+
+/// A key sequence as it is when it is pressed, whatever the order of its names; empty when it is
+/// none, or the application's own.
+std::string bindableKeys(const std::string& text)
+{
+    const QKeySequence sequence = mivo::widgets::keySequenceOf(QString::fromStdString(text));
+    if (sequence.isEmpty()) {
+        return {};
+    }
+    constexpr int modifiers = static_cast<int>(Qt::KeyboardModifierMask);
+    const QString keys = mivo::widgets::keySequenceText(
+        sequence[0] & ~modifiers, Qt::KeyboardModifiers(sequence[0] & modifiers));
+    return mivo::settings::isReservedKeySequence(keys) ? std::string() : keys.toStdString();
+}
+
+/// Throws std::runtime_error where the text is no shortcut file.
+Bindings bindingsOf(const std::string& json)
+{
+    Bindings bindings;
+    std::set<std::string> sequences;
+    std::set<std::pair<int, std::string>> actions;
+    for (STShortCutItem& item : mivo::settings::parseShortCuts(json)) {
+        const auto action =
+            std::find_if(peripheralActions.begin(), peripheralActions.end(),
+                         [&item](const auto& each) { return each.type == item.type; });
+        if (action != peripheralActions.end()) {
+            item.path = action->path; // the type identifies it; a file may have another path
+        }
+        if (MidiService::isControl(item.shortCutStr)) {
+            bindings.midi.push_back({item.type, item.path, item.shortCutStr});
+            continue;
+        }
+        if (DmxService::isControl(item.shortCutStr)) {
+            bindings.dmx.push_back({item.type, item.path, item.shortCutStr});
+            continue;
+        }
+        const std::string sequence = bindableKeys(item.shortCutStr);
+        const std::pair identity(static_cast<int>(item.type), item.path);
+        if (sequence.empty() || sequences.count(sequence) > 0 || actions.count(identity) > 0) {
+            hostLog()->warn("\"{}\" cannot be bound to {}", item.shortCutStr, item.path);
+            continue;
+        }
+        sequences.insert(sequence);
+        actions.insert(identity);
+        item.shortCutStr = sequence;
+        (item.type == ShortCutOfPath ? bindings.keys.pathShortCutList
+                                     : bindings.keys.indexShortCutList)
+            .push_back(item);
+    }
+    return bindings;
+}
+
+void bindDevices(const Infos& midi, const Infos& dmx, ShortCutMgr& manager,
+                 Peripherals& peripherals)
+{
+    const BindingTable::DeferredSave midiSave(peripherals.midi().table());
+    const BindingTable::DeferredSave dmxSave(peripherals.dmx().table());
+    for (const auto& [kind, infos] :
+         {std::pair(PeripheralMidi, &midi), std::pair(PeripheralDmx, &dmx)}) {
+        manager.slotClearShortCut(true, kind);
+        for (const SDeviceBindInfo& info : *infos) {
+            manager.rebindPeripheral(kind, info.type, info.oprKey, info.keyValue);
+        }
+    }
+}
+
+} // namespace
+
+std::string exportedBindings(const ShortCutMgr& manager, Peripherals& peripherals)
+{
+    // The texts of keys, MIDI controls and DMX channels are of different forms.
+    auto items = manager.linkShortCutInfo().shortCutInfoList;
+    for (const auto& bindings : {peripherals.midi().bindings(), peripherals.dmx().bindings()}) {
+        for (const SDeviceBindInfo& info : bindings) {
+            items.push_back({static_cast<EnumShortCutType>(info.type), info.oprKey, info.keyValue});
+        }
+    }
+    return mivo::settings::formatShortCuts(items);
+}
+
+QString importBindings(const std::string& json, ShortCutMgr& manager, Peripherals& peripherals)
+{
+    Bindings wanted;
+    try {
+        wanted = bindingsOf(json);
+    } catch (const std::exception& error) {
+        return QString::fromUtf8(error.what());
+    }
+    auto keys = wanted.keys.indexShortCutList;
+    keys.insert(keys.end(), wanted.keys.pathShortCutList.begin(),
+                wanted.keys.pathShortCutList.end());
+    // The new keys are on the disk, beside the old ones, before anything changes: what can still
+    // fail is the store, and then the old bindings of devices are what it holds.
+    const auto file = std::filesystem::u8path(mivo::settings::shortCutFilePath().toStdString());
+    auto imported = file;
+    imported += ".import";
+    std::error_code problem;
+    if (!NoCacheFile::saveToFile(imported.u8string(), mivo::settings::formatShortCuts(keys))) {
+        return hostText("BindingsNotSaved");
+    }
+    const auto midi = peripherals.midi().bindings();
+    const auto dmx = peripherals.dmx().bindings();
+    bindDevices(wanted.midi, wanted.dmx, manager, peripherals);
+    bool isStored = peripherals.areBindingsStored();
+    if (isStored) {
+        std::filesystem::rename(imported, file, problem);
+        isStored = !problem;
+    }
+    if (!isStored) {
+        bindDevices(midi, dmx, manager, peripherals);
+        std::filesystem::remove(imported, problem);
+        return hostText("BindingsNotSaved");
+    }
+    manager.shortCutInfoSave(wanted.keys);
+    return {};
+}
+
+} // namespace mivohost
