@@ -2,7 +2,7 @@
 // hand-over to a thread, and beside Qt's own blocking call.
 
 #include "barethread.h"
-#include "runtime/runtimethread.h"
+#include "mivohostkit/runtimethread.h"
 #include "support/teststore.h"
 #include <mivosettingswidgets/storeaccess.h>
 

@@ -1,7 +1,7 @@
 // A change in the store until the control shows it, beside a bare queued setValue: one at a time,
 // and as a burst of which the last is waited for.
 
-#include "runtime/runtimethread.h"
+#include "mivohostkit/runtimethread.h"
 #include "support/teststore.h"
 
 #include <mivosettingswidgets/undosettingbox.h>

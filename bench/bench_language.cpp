@@ -1,7 +1,7 @@
 // The language of everything, switched there and back in an open dialog: microseconds a text,
 // beside one look-up in a bare QTranslator.
 
-#include "runtime/runtimethread.h"
+#include "mivohostkit/runtimethread.h"
 #include "support/teststore.h"
 #include "surface/settingsview.h"
 

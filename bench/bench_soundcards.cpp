@@ -7,7 +7,7 @@
 // same boxes are filled, made or hidden. Nothing changes on it when nothing of a cluster has, so
 // that has no floor.
 
-#include "runtime/runtimethread.h"
+#include "mivohostkit/runtimethread.h"
 #include "support/hostlanguage.h"
 #include "support/teststore.h"
 #include "surface/settingsview.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "runtime/runtimethread.h"
+#include "mivohostkit/runtimethread.h"
 #include "support/hostlanguage.h"
 #include "support/teststore.h"
 #include "surface/settingsview.h"

@@ -8,9 +8,9 @@ PRODUCT = pathlib.Path("libs/mivosettingswidgets")
 HOST = pathlib.Path("apps/mivohost")
 ROOMS = {
     PRODUCT / "src": ["kit", "dialog", "folders", "soundcards", "shortcuts", "pages"],
-    HOST: ["base", "runtime", "store", "devices", "peripherals", "project", "system", "surface"],
+    HOST: ["base", "store", "devices", "peripherals", "project", "system", "surface"],
 }
-LIBRARIES = ["mivohostapi", "mivowidgets", "mivosettingswidgets"]
+LIBRARIES = ["mivohostapi", "mivowidgets", "mivosettingswidgets", "mivohostkit"]
 INCLUDE = re.compile(r'^#include [<"](\w+)/(\w+)\.h[">]', re.MULTILINE)
 
 # A public header of the product belongs to the room of its source; one without is the kit's.

@@ -1,6 +1,6 @@
 #include "system/autostart.h"
 
-#include "runtime/runtimethread.h"
+#include "mivohostkit/runtimethread.h"
 #include "system/tray.h"
 
 #include "support/files.h"

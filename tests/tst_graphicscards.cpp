@@ -1,7 +1,7 @@
 #include "devices/graphicscards.h"
 #include "devices/physicsoutputs.h"
 
-#include "runtime/runtimethread.h"
+#include "mivohostkit/runtimethread.h"
 #include "surface/settingsview.h"
 
 #include "support/logcapture.h"

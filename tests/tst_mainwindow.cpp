@@ -1,9 +1,9 @@
 #include "surface/mainwindow.h"
 
 #include "base/hosttext.h"
+#include "mivohostkit/runtimethread.h"
 #include "peripherals/peripherals.h"
 #include "project/projectfile.h"
-#include "runtime/runtimethread.h"
 #include "system/tray.h"
 
 #include "support/dialogs.h"

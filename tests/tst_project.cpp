@@ -1,7 +1,7 @@
 #include "project/autosave.h"
 #include "project/projectfile.h"
 
-#include "runtime/runtimethread.h"
+#include "mivohostkit/runtimethread.h"
 
 #include "support/files.h"
 #include "support/logcapture.h"

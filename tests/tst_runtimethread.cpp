@@ -1,4 +1,4 @@
-#include "runtime/runtimethread.h"
+#include "mivohostkit/runtimethread.h"
 
 #include "support/logcapture.h"
 

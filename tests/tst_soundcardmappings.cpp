@@ -1,4 +1,4 @@
-#include "store/soundcardmappings.h"
+#include "mivohostkit/soundcardmappings.h"
 
 #include "support/logcapture.h"
 #include "support/teststore.h"

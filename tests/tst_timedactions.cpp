@@ -1,6 +1,6 @@
 #include "system/timedactions.h"
 
-#include "runtime/runtimethread.h"
+#include "mivohostkit/runtimethread.h"
 #include "system/power.h"
 
 #include "support/logcapture.h"

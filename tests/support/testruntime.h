@@ -1,6 +1,6 @@
 #pragma once
 
-#include "runtime/runtimethread.h"
+#include "mivohostkit/runtimethread.h"
 
 #include <atomic>
 #include <mutex>

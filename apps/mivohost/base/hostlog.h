@@ -1,20 +1,12 @@
 #pragma once
 
-#include "qvspdlog/spdlogapplication.h"
+#include "mivohostkit/hostlog.h"
 
 #include <QtCore/QString>
-
-#include <memory>
 
 class QObject;
 
 namespace mivohost {
-
-/// The process's log. Any thread.
-inline std::shared_ptr<spdlog::logger> hostLog()
-{
-    return QV::SpdlogApplication::instance().logger();
-}
 
 /// Sends the process's log to the standard error, and to `file` (up to 1 MiB, and five older ones)
 /// unless it is empty or cannot be written.

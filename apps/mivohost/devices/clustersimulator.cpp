@@ -1,7 +1,7 @@
 #include "devices/clustersimulator.h"
 
 #include "base/hostlog.h"
-#include "store/soundcardmappings.h"
+#include "mivohostkit/soundcardmappings.h"
 
 #include <string>
 

@@ -1,7 +1,7 @@
 #include "devices/graphicscards.h"
 
 #include "base/hostlog.h"
-#include "runtime/runtimethread.h"
+#include "mivohostkit/runtimethread.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>

@@ -1,8 +1,8 @@
 #include "peripherals/peripherals.h"
 
+#include "mivohostkit/runtimethread.h"
+#include "mivohostkit/settingsstore.h"
 #include "mivosettingswidgets/shortcutmgr.h"
-#include "runtime/runtimethread.h"
-#include "store/settingsstore.h"
 
 namespace mivohost {
 

@@ -2,9 +2,9 @@
 
 #include "base/hostlog.h"
 #include "base/hosttext.h"
+#include "mivohostkit/runtimethread.h"
+#include "mivohostkit/settingsstore.h"
 #include "project/autosave.h"
-#include "runtime/runtimethread.h"
-#include "store/settingsstore.h"
 
 #include <QtCore/QDateTime>
 #include <QtCore/QFileInfo>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "store/settingspersistence.h"
+#include "mivohostkit/settingspersistence.h"
 
 #include <memory>
 #include <utility>

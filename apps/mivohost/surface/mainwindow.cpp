@@ -2,10 +2,10 @@
 
 #include "base/hostlog.h"
 #include "base/hosttext.h"
+#include "mivohostkit/runtimethread.h"
+#include "mivohostkit/settingsstore.h"
 #include "peripherals/peripherals.h"
 #include "project/projectfile.h"
-#include "runtime/runtimethread.h"
-#include "store/settingsstore.h"
 #include "surface/actionpanel.h"
 #include "surface/askforfile.h"
 #include "surface/messagepanel.h"

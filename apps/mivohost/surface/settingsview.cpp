@@ -1,7 +1,7 @@
 #include "surface/settingsview.h"
 
 #include "mivohostapi/imediaoutput.h"
-#include "runtime/runtimethread.h"
+#include "mivohostkit/runtimethread.h"
 
 #include <mivosettingswidgets/audiosettingbox.h>
 #include <mivosettingswidgets/codeccontrolsettingbox.h>

@@ -1,8 +1,8 @@
 #include "system/autostart.h"
 
 #include "base/hostlog.h"
-#include "runtime/runtimethread.h"
-#include "store/settingsstore.h"
+#include "mivohostkit/runtimethread.h"
+#include "mivohostkit/settingsstore.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>

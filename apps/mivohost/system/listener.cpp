@@ -2,7 +2,7 @@
 
 #include "base/hostlog.h"
 #include "base/hosttext.h"
-#include "runtime/runtimethread.h"
+#include "mivohostkit/runtimethread.h"
 
 #include <QtNetwork/QNetworkProxy>
 #include <QtNetwork/QTcpServer>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "store/settingsstore.h"
+#include "mivohostkit/settingsstore.h"
 
 #include <QtCore/QObject>
 

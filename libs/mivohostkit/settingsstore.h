@@ -2,8 +2,9 @@
 
 #include "mivohostapi/imivosettings.h"
 #include "mivohostapi/peripherals.h"
-#include "store/settingspersistence.h"
-#include "store/soundcardmappings.h"
+#include "mivohostkit/export.h"
+#include "mivohostkit/settingspersistence.h"
+#include "mivohostkit/soundcardmappings.h"
 
 #include <array>
 #include <functional>
@@ -13,7 +14,7 @@
 namespace mivohost {
 
 /// The reference store. Lives on the runtime thread from construction to destruction.
-class SettingsStore : public MivoSettings
+class MIVOHOSTKIT_EXPORT SettingsStore : public MivoSettings
 {
 public:
     using FailureHandler = std::function<void(const QString& reason)>;

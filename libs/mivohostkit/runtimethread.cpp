@@ -1,6 +1,6 @@
-#include "runtime/runtimethread.h"
+#include "mivohostkit/runtimethread.h"
 
-#include "base/hostlog.h"
+#include "mivohostkit/hostlog.h"
 
 #include <exception>
 #include <utility>

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "mivohostapi/imivosettings.h"
+#include "mivohostkit/export.h"
 
 #include <functional>
 #include <map>
@@ -13,7 +14,7 @@ namespace mivohost {
 ///
 /// The empty device is this machine. What is chosen stays chosen while its card or its device is
 /// away, or the card has fewer channels.
-class SoundCardMappings
+class MIVOHOSTKIT_EXPORT SoundCardMappings
 {
 public:
     using Keep = std::function<void(const QString& text)>;

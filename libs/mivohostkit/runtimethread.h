@@ -1,6 +1,7 @@
 #pragma once
 
 #include "mivohostapi/izrruntime.h"
+#include "mivohostkit/export.h"
 
 #include <atomic>
 #include <condition_variable>
@@ -14,7 +15,7 @@
 namespace mivohost {
 
 /// The runtime of the reference host: one thread that runs posted tasks in their order.
-class RuntimeThread : public IZRRuntime
+class MIVOHOSTKIT_EXPORT RuntimeThread : public IZRRuntime
 {
 public:
     RuntimeThread();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "mivohostkit/export.h"
+
 #include <QtCore/QString>
 #include <QtCore/QVariant>
 
@@ -8,7 +10,7 @@
 namespace mivohost {
 
 /// Where the store keeps its settings. All operations on the runtime thread.
-class SettingsPersistence
+class MIVOHOSTKIT_EXPORT SettingsPersistence
 {
 public:
     using ChangeHandler = std::function<void(const QString& key, const QVariant& value)>;

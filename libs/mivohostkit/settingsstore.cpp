@@ -1,7 +1,7 @@
-#include "store/settingsstore.h"
+#include "mivohostkit/settingsstore.h"
 
-#include "base/hostlog.h"
 #include "mivohostapi/pptresolutions.h"
+#include "mivohostkit/hostlog.h"
 
 #include <QtCore/QRegularExpression>
 #include <QtCore/QTime>

@@ -1,6 +1,6 @@
-#include "store/soundcardmappings.h"
+#include "mivohostkit/soundcardmappings.h"
 
-#include "base/hostlog.h"
+#include "mivohostkit/hostlog.h"
 
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
