@@ -196,6 +196,37 @@ void coversOurs(benchmark::State& state)
     }
 }
 
+/// A file with many entries of the same few types: the last of each is kept.
+Items manyOfFewTypes(std::size_t count)
+{
+    Items items = manyItems(count);
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        items[i].type = items[i % 47].type;
+    }
+    return items;
+}
+
+void duplicatesFloor(benchmark::State& state)
+{
+    const auto text =
+        mivo::settings::formatShortCuts(manyOfFewTypes(static_cast<std::size_t>(state.range(0))));
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(mivo::settings::parseShortCuts(text).data());
+    }
+}
+
+void duplicatesOurs(benchmark::State& state)
+{
+    Bound bound(47);
+    const auto text =
+        mivo::settings::formatShortCuts(manyOfFewTypes(static_cast<std::size_t>(state.range(0))));
+    for (auto _ : state) {
+        NoCacheFile::saveToFile(bound.path.toStdString(), text);
+        bound.manager.loadShortCutInfoList();
+        bound.manager.setAllShortCutStr();
+    }
+}
+
 void conflictFloor(benchmark::State& state)
 {
     const Items items = manyItems(static_cast<std::size_t>(state.range(0)));
@@ -290,6 +321,8 @@ BENCHMARK(saveFloor)->Name("save/floor")->Arg(100)->Arg(10000)->Arg(1000000);
 BENCHMARK(saveOurs)->Name("save/ours")->Arg(100)->Arg(10000)->Arg(1000000);
 BENCHMARK(coversFloor)->Name("covers/floor")->Arg(10000)->UseRealTime();
 BENCHMARK(coversOurs)->Name("covers/ours")->Arg(10000)->UseRealTime();
+BENCHMARK(duplicatesFloor)->Name("duplicates/floor")->Arg(10000)->Arg(160000)->UseRealTime();
+BENCHMARK(duplicatesOurs)->Name("duplicates/ours")->Arg(10000)->Arg(160000)->UseRealTime();
 BENCHMARK(conflictFloor)->Name("conflict/floor")->Arg(100)->Arg(10000);
 BENCHMARK(conflictOurs)->Name("conflict/ours")->Arg(100)->Arg(10000);
 BENCHMARK(oscFloor)->Name("osc/floor")->UseRealTime();

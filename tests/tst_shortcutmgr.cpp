@@ -143,11 +143,12 @@ TEST_F(ShortCuts, AreReadSplitAndWrittenInOrder)
     const STShortCutItem first{type(187), "a", "F1"};
     const STShortCutItem ofPath{type(211), groupPath, "F2"};
     const STShortCutItem unknown{type(9999), "", "F3"};
-    write(formatShortCuts({hidden, first, ofPath, unknown}));
+    const STShortCutItem hiddenPath{type(211), groupPath, "F8"};
+    write(formatShortCuts({hidden, hiddenPath, first, ofPath, unknown}));
     QSignalSpy state(&manager, &ShortCutMgr::signalClearShortCutState);
     manager.loadShortCutInfoList();
     EXPECT_EQ(manager.linkShortCutInfo().indexShortCutList, (Row{hidden, first, unknown}));
-    EXPECT_EQ(manager.linkShortCutInfo().pathShortCutList, Row{ofPath});
+    EXPECT_EQ(manager.linkShortCutInfo().pathShortCutList, (Row{hiddenPath, ofPath}));
     manager.setAllShortCutStr();
     EXPECT_EQ(output->getShortCutStr(), "F1");
     EXPECT_EQ(mute->getShortCutStr(), "");
@@ -177,7 +178,7 @@ TEST_F(ShortCuts, AFileThatCannotBeReadIsLoggedAndPutAsideUnderAFreeName)
         write(broken + name);
         manager.loadShortCutInfoList();
         EXPECT_TRUE(log.hasOnly("error|std::exception error msg: error at line :1 col :21 msg:no "
-                                "valid array! \n //shortcutmgr.cpp:loadShortCutInfoList()#"));
+                                "valid array! \n //keytable.cpp:loadShortCutInfoList()#"));
         EXPECT_FALSE(QFile::exists(aside));
         manager.saveShortCutInfoList();
         manager.saveShortCutInfoList();
@@ -222,7 +223,10 @@ TEST_F(ShortCuts, AKeyIsBoundKeptAndCleared)
     EXPECT_TRUE(state[0][0].toBool());
 
     QSignalSpy saved(&manager, &ShortCutMgr::signalShortCutSave);
+    changed.clear();
     manager.shortCutInfoSave({{{type(189), "", "F7"}}, {}, {}});
+    ASSERT_EQ(changed.size(), 1);
+    EXPECT_EQ(changed[0][2].value<std::string>(), "F7");
     EXPECT_EQ(mute->getShortCutStr(), "F7");
     EXPECT_EQ(content(), formatShortCuts({{type(189), mutePath, "F7"}}));
     for (const auto& save : saved) {
@@ -466,7 +470,18 @@ TEST_F(ShortCuts, CoversAndServicesMayGoAtAnyTime)
     manager.slotClearShortCut(true, PeripheralMidi);
     manager.slotLockScreenChanged(true);
     EXPECT_FALSE(midi.locked);
-    delete mute;
+    manager.setDmxMgr(&dmx);
+    open(PeripheralDmx);
+    for (const bool isOther : {true, false}) { // the cover that goes is another one
+        mute->clearFocus();
+        mute->setFocus();
+        ASSERT_EQ(dmx.asked, "189 " + mutePath);
+        auto* brief = new ShortCutCover("/Peripherals/brief", output);
+        manager.setBindShortCutAndCover({brief});
+        delete std::exchange(isOther ? brief : mute, nullptr);
+        EXPECT_EQ(dmx.asked, isOther ? "189 " + mutePath : "stopped");
+    }
+    manager.slotShowAllShortCutCover(false, PeripheralDmx);
     manager.setDisbindShortCutAndCover({group, group, nullptr});
     manager.delShortCutCover(group);
     open(PeripheralKeyboard);

@@ -3,6 +3,7 @@
 #include "mivosettingswidgets/storeaccess.h"
 
 #include <QtCore/QThread>
+#include <QtCore/QTimer>
 
 #include <utility>
 
@@ -11,8 +12,9 @@ namespace mivo::settings {
 namespace {
 
 constexpr std::size_t mostWaiting = 4096;
+constexpr int warnEvery = 3000; // milliseconds; a flood is not to push all else out of the log
 
-}
+} // namespace
 
 PeripheralMailbox::PeripheralMailbox(QObject* owner, Deliver deliver)
     : m_owner(owner), m_deliver(std::move(deliver))
@@ -64,22 +66,35 @@ std::optional<ControlMessage> PeripheralMailbox::takeNext()
 void PeripheralMailbox::deliverWaiting()
 {
     std::size_t most = 0; // a flood is to leave other events their turn
-    std::size_t dropped = 0;
     {
         const std::lock_guard lock(m_mutex);
         m_isWoken = false;
         most = m_waiting.size();
-        dropped = std::exchange(m_dropped, 0);
     }
-    if (dropped > 0) {
-        warn("deliverWaiting", "{} messages of devices were dropped!", dropped);
-    }
+    warnOfDropped();
     for (; most > 0; --most) {
         const auto next = takeNext(); // none when the one before has ended the owner
         if (!next) {
             return;
         }
         m_deliver(*next);
+    }
+}
+
+void PeripheralMailbox::warnOfDropped()
+{
+    const std::lock_guard lock(m_mutex);
+    if (m_dropped == 0 || m_owner == nullptr) {
+        return;
+    }
+    if (!m_warned.isValid() || m_warned.hasExpired(warnEvery)) {
+        warn("deliverWaiting", "{} messages of devices were dropped!", std::exchange(m_dropped, 0));
+        m_warned.start();
+    } else if (!std::exchange(m_isWarningDue, true)) {
+        QTimer::singleShot(warnEvery, m_owner, [self = shared_from_this()] {
+            self->m_isWarningDue = false;
+            self->warnOfDropped();
+        });
     }
 }
 

@@ -81,41 +81,51 @@ void ShortCutCovers::pushTexts(const STLinkShortCutInfo& table) const
 
 void ShortCutCovers::takeTexts(STLinkShortCutInfo& table) const
 {
-    std::unordered_map<int, std::size_t> byType;
-    std::unordered_map<std::string, std::size_t> byPath;
-    for (std::size_t i = 0; i < table.indexShortCutList.size(); ++i) {
-        byType[table.indexShortCutList[i].type] = i;
-    }
-    for (std::size_t i = 0; i < table.pathShortCutList.size(); ++i) {
-        byPath[table.pathShortCutList[i].path] = i;
-    }
-    const auto take = [](auto& places, const auto& key, std::vector<STShortCutItem>& items,
-                         const ShortCutCover& cover) {
-        const std::string shown = cover.getShortCutStr().toStdString();
-        if (shown.empty()) {
-            return;
-        }
-        const auto [place, isNew] = places.try_emplace(key, items.size());
-        if (isNew) {
-            items.push_back({cover.getShortCutIndex(), cover.getShortCutPath(), shown});
-        } else {
-            items[place->second].path = cover.getShortCutPath();
-            items[place->second].shortCutStr = shown;
-        }
+    takeTexts(m_byIndex, table.indexShortCutList,
+              [](const STShortCutItem& item) { return static_cast<int>(item.type); });
+    takeTexts(m_byPath, table.pathShortCutList,
+              [](const STShortCutItem& item) { return item.path; });
+}
+
+template <typename KeyOf>
+void ShortCutCovers::takeTexts(const QSet<Cover*>& covers, std::vector<STShortCutItem>& items,
+                               KeyOf keyOf)
+{
+    using Key = decltype(keyOf(items.front()));
+    struct Place
+    {
+        std::size_t last = 0; // of the entries with that key
+        bool hasCover = false;
     };
-    for (const ShortCutCover* cover : m_byIndex) {
-        take(byType, static_cast<int>(cover->getShortCutIndex()), table.indexShortCutList, *cover);
+    std::unordered_map<Key, Place> places;
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        places[keyOf(items[i])].last = i;
     }
-    for (const ShortCutCover* cover : m_byPath) {
-        take(byPath, cover->getShortCutPath(), table.pathShortCutList, *cover);
-    }
-    // Of several entries of a type the cover shows the last; nothing could clear the others.
-    auto& items = table.indexShortCutList;
-    for (std::size_t i = items.size(); i-- > 0;) {
-        if (byType[items[i].type] != i && of(items[i].type, {}) != nullptr) {
-            items.erase(items.begin() + static_cast<std::ptrdiff_t>(i));
+    for (const ShortCutCover* cover : covers) {
+        STShortCutItem shown{cover->getShortCutIndex(), cover->getShortCutPath(),
+                             cover->getShortCutStr().toStdString()};
+        const auto place = places.find(keyOf(shown));
+        if (place != places.end()) {
+            place->second.hasCover = true;
+        }
+        if (shown.shortCutStr.empty()) {
+            continue;
+        }
+        if (place == places.end()) {
+            places[keyOf(shown)] = {items.size(), true};
+            items.push_back(std::move(shown));
+        } else {
+            items[place->second.last] = std::move(shown);
         }
     }
+    // Of several entries with one key the cover shows the last; nothing could clear the others.
+    std::size_t at = 0;
+    items.erase(std::remove_if(items.begin(), items.end(),
+                               [&](const STShortCutItem& item) {
+                                   const Place& place = places[keyOf(item)];
+                                   return at++ != place.last && place.hasCover;
+                               }),
+                items.end());
 }
 
 void ShortCutCovers::showBindings(EnumPeripheralShortCutType kind,

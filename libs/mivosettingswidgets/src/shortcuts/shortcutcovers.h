@@ -59,6 +59,10 @@ public:
     bool isAnyBound(EnumPeripheralShortCutType kind) const;
 
 private:
+    template <typename KeyOf>
+    static void takeTexts(const QSet<Cover*>& covers, std::vector<STShortCutItem>& items,
+                          KeyOf keyOf);
+
     QSet<Cover*> m_byIndex;
     QSet<Cover*> m_byPath;
 };

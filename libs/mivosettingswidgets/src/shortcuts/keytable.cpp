@@ -1,0 +1,159 @@
+#include "shortcuts/keytable.h"
+
+#include "mivosettingswidgets/shortcutfile.h"
+#include "mivosettingswidgets/storeaccess.h"
+#include "zrcutils/nocachefile.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <utility>
+
+namespace mivo::settings {
+
+namespace {
+
+/// Takes out all entries for which it holds.
+template <typename Predicate>
+std::vector<STShortCutItem> takeOut(std::vector<STShortCutItem>& items, Predicate isTaken)
+{
+    const auto end = std::stable_partition(items.begin(), items.end(),
+                                           [&](const auto& item) { return !isTaken(item); });
+    std::vector<STShortCutItem> taken(end, items.end());
+    items.erase(end, items.end());
+    return taken;
+}
+
+/// The content of a file, or none where there is no file that can be opened.
+std::optional<std::string> contentOf(const std::filesystem::path& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    if (!file) {
+        return {};
+    }
+    std::string content(std::filesystem::file_size(path), '\0');
+    file.read(content.data(), static_cast<std::streamsize>(content.size()));
+    content.resize(static_cast<std::size_t>(file.gcount()));
+    return content;
+}
+
+/// Renames a file that is about to be replaced, to a name that is free. Returns that name, or
+/// nothing where the file is gone by now.
+std::filesystem::path putAside(const std::filesystem::path& file)
+{
+    const auto bad = file.u8string() + ".bad";
+    auto aside = std::filesystem::u8path(bad);
+    for (int n = 2; std::filesystem::exists(std::filesystem::symlink_status(aside)); ++n) {
+        aside = std::filesystem::u8path(bad + '-' + std::to_string(n));
+    }
+    if (!std::filesystem::exists(std::filesystem::symlink_status(file))) {
+        return {};
+    }
+    std::filesystem::rename(file, aside);
+    return aside;
+}
+
+std::filesystem::path shortCutFile()
+{
+    return std::filesystem::u8path(shortCutFilePath().toStdString());
+}
+
+} // namespace
+
+void KeyTable::load()
+{
+    lists.indexShortCutList.clear();
+    lists.pathShortCutList.clear();
+    m_fileIsUnreadable = false;
+    const CallSite site("loadShortCutInfoList");
+    try {
+        const auto path = shortCutFile();
+        m_fileIsUnreadable = std::filesystem::exists(path);
+        const auto content = contentOf(path);
+        if (!content) {
+            return; // a first run
+        }
+        lists.shortCutInfoList = parseShortCuts(*content);
+        m_fileIsUnreadable = false;
+    } catch (const std::filesystem::filesystem_error& error) {
+        logAt(spdlog::level::err, site, "filesystem_error error msg: {}", error.what());
+        return;
+    } catch (const std::exception& error) {
+        logAt(spdlog::level::err, site, "std::exception error msg: {}", error.what());
+        return;
+    }
+    for (const STShortCutItem& item : lists.shortCutInfoList) {
+        (item.type == ShortCutOfPath ? lists.pathShortCutList : lists.indexShortCutList)
+            .push_back(item);
+    }
+}
+
+std::string KeyTable::save()
+{
+    auto items = lists.indexShortCutList;
+    items.insert(items.end(), lists.pathShortCutList.begin(), lists.pathShortCutList.end());
+    const CallSite site("saveShortCutInfoList");
+    std::filesystem::path aside;
+    try {
+        const auto path = shortCutFile();
+        if (m_fileIsUnreadable) {
+            aside = putAside(path);
+            m_fileIsUnreadable = false;
+        }
+        NoCacheFile::saveToFile(path.u8string(), formatShortCuts(items));
+    } catch (const std::filesystem::filesystem_error& error) {
+        logAt(spdlog::level::err, site, "filesystem_error error msg: {}", error.what());
+    } catch (const std::exception& error) {
+        logAt(spdlog::level::err, site, "std::exception error msg: {}", error.what());
+    }
+    lists.shortCutInfoList = std::move(items);
+    return aside.u8string();
+}
+
+void KeyTable::put(EnumShortCutType type, const std::string& path, const std::string& keys,
+                   ShortCutModuleType module)
+{
+    takeOut(listOf(module), [&](const STShortCutItem& item) { return matches(item, type, path); });
+    (module == ShortCutModuleIndex ? lists.indexShortCutList : lists.pathShortCutList)
+        .push_back({type, path, keys});
+}
+
+bool KeyTable::remove(EnumShortCutType type, const std::string& path, ShortCutModuleType module)
+{
+    auto& items = listOf(module);
+    const auto found = std::find_if(items.begin(), items.end(), [&](const STShortCutItem& item) {
+        return matches(item, type, path);
+    });
+    if (found == items.end()) {
+        return false;
+    }
+    items.erase(found);
+    return true;
+}
+
+const STShortCutItem* KeyTable::holderOf(const std::string& keys) const
+{
+    for (const auto* items : {&lists.indexShortCutList, &lists.pathShortCutList}) {
+        const auto found =
+            std::find_if(items->begin(), items->end(),
+                         [&keys](const STShortCutItem& item) { return item.shortCutStr == keys; });
+        if (found != items->end()) {
+            return &*found;
+        }
+    }
+    return nullptr;
+}
+
+std::vector<STShortCutItem> KeyTable::takeHoldersOf(const std::string& keys)
+{
+    std::vector<STShortCutItem> holders;
+    for (auto* items : {&lists.indexShortCutList, &lists.pathShortCutList}) {
+        const auto taken = takeOut(
+            *items, [&keys](const STShortCutItem& item) { return item.shortCutStr == keys; });
+        holders.insert(holders.end(), taken.begin(), taken.end());
+    }
+    return holders;
+}
+
+} // namespace mivo::settings
