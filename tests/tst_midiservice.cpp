@@ -222,23 +222,42 @@ TEST(MidiDevices, KeepTheirNamesInWhateverOrderTheyAre)
     EXPECT_EQ(names.update(alsa({"Z #2 1:0", "Z 2:0", "Z 3:0"})), (Names{"Z #2", "Z", "Z #3"}));
 }
 
-TEST_F(Midi, WithoutABackEndThereAreNoDevicesAndOneLineForEach)
+TEST_F(Midi, ABackEndThatIsAwayIsSaidOnceAndComesBackByItself)
 {
+    // The first test with JACK, whose library knows one server at a time.
     const QByteArray before = qgetenv("JACK_DEFAULT_SERVER");
-    qputenv("JACK_DEFAULT_SERVER", "mivotest-none");
+    const QByteArray name =
+        "mivotest-brief-" + QByteArray::number(QCoreApplication::applicationPid());
+    qputenv("JACK_DEFAULT_SERVER", name);
+    const auto jackLines = [this] {
+        const auto lines = log.lines();
+        return std::count_if(lines.begin(), lines.end(), [](const std::string& line) {
+            return line.rfind("warning|no MIDI over Jack: ", 0) == 0;
+        });
+    };
     service.setEnabled(true);
-    QTest::qWait(2200);
-    qputenv("JACK_DEFAULT_SERVER", before);
+    QTest::qWait(2500);
     EXPECT_TRUE(service.isEnabled());
-    Names missing;
-    for (const std::string& line : log.lines()) {
-        const std::string start = "warning|no MIDI over ";
-        ASSERT_EQ(line.rfind(start, 0), 0U) << line;
-        missing.push_back(line.substr(start.size(), line.find(':') - start.size()));
+    EXPECT_EQ(jackLines(), 1);
+    for (int run = 0; run < 2 && JackServer::canRun(); ++run) {
+        QProcess server;
+        server.setStandardOutputFile(QProcess::nullDevice());
+        server.setStandardErrorFile(QProcess::nullDevice());
+        server.start("jackd", {"-n", name, "-r", "-T", "-d", "dummy", "-p", "4096"});
+        if (server.waitForFinished(500)) {
+            break; // it cannot be used here
+        }
+        {
+            const MidiPlayer keys("keys");
+            EXPECT_TRUE(waitFor({"keys:out"})) << run;
+        }
+        EXPECT_TRUE(waitFor({}));
+        server.kill();
+        server.waitForFinished();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return jackLines() == run + 2; }, 10000)) << run;
     }
-    EXPECT_EQ(std::count(missing.begin(), missing.end(), "Jack"), 1);
-    std::sort(missing.begin(), missing.end());
-    EXPECT_EQ(std::unique(missing.begin(), missing.end()), missing.end());
+    service.setEnabled(false);
+    qputenv("JACK_DEFAULT_SERVER", before);
 }
 
 TEST_F(Midi, ControlsOfRealDevicesAreLearnedAndTrigger)

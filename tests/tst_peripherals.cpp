@@ -20,6 +20,11 @@ protected:
         return runtime.call([this] { return store.kept.rows; });
     }
 
+    static bool isFree(const char* address)
+    {
+        return QUdpSocket().bind(QHostAddress(address), 9001, QUdpSocket::DontShareAddress);
+    }
+
     TestStore store;
     TestRuntime runtime;
 };
@@ -37,6 +42,7 @@ TEST_F(PeripheralsOfHost, WriteWhatChangesAndReadItBackOnTheNextStart)
         EXPECT_TRUE(rows().isEmpty()) << "a start writes nothing";
         peripherals.dmx().setInfo(dmx);
         peripherals.osc().setInfo({false, 9001});
+        peripherals.setListenAddress("127.0.0.2");
         peripherals.midi().setEnabled(true);
         peripherals.midi().bind({187, "a", "CC 7 ch 1 (X)"});
         peripherals.dmx().bind({188, "b", "DMX 12"});
@@ -50,6 +56,10 @@ TEST_F(PeripheralsOfHost, WriteWhatChangesAndReadItBackOnTheNextStart)
     Peripherals peripherals(runtime, store);
     EXPECT_EQ(peripherals.dmx().info(), dmx);
     EXPECT_EQ(peripherals.osc().info(), (SAddOSCInfo{false, 9001}));
+    EXPECT_EQ(peripherals.listenAddress(), "127.0.0.2");
+    peripherals.osc().setInfo({true, 9001});
+    EXPECT_FALSE(isFree("127.0.0.2"));
+    EXPECT_TRUE(isFree("127.0.0.1"));
     EXPECT_TRUE(peripherals.midi().isEnabled());
     EXPECT_EQ(peripherals.midi().bindings(),
               (std::vector<SDeviceBindInfo>{{187, "a", "CC 7 ch 1 (X)"}}));
@@ -64,11 +74,22 @@ TEST_F(PeripheralsOfHost, RowsThatCannotBeAreReset)
         const char* row;
         bool usable;
     } cases[]{
-        {"dmx", "1|512|15|15|", true}, {"dmx", "1|513|0|0|a", false}, {"dmx", "1|0|16|0|a", false},
-        {"dmx", "1|0|0|16|a", false},  {"dmx", "1|0|0|0", false},     {"dmx", "", false},
-        {"dmx", "2|0|0|0|a", false},   {"osc", "1|65535", true},      {"osc", "1|65536", false},
-        {"osc", "1|0", false},         {"osc", "1", false},           {"osc", "1|9000|", false},
-        {"midiEnabled", "1", true},    {"midiEnabled", "2", false},
+        {"dmx", "1|512|15|15|", true},
+        {"dmx", "1|513|0|0|a", false},
+        {"dmx", "1|0|16|0|a", false},
+        {"dmx", "1|0|0|16|a", false},
+        {"dmx", "1|0|0|0", false},
+        {"dmx", "", false},
+        {"dmx", "2|0|0|0|a", false},
+        {"osc", "1|65535", true},
+        {"osc", "1|65536", false},
+        {"osc", "1|0", false},
+        {"osc", "1", false},
+        {"osc", "1|9000|", false},
+        {"midiEnabled", "1", true},
+        {"midiEnabled", "2", false},
+        {"listenAddress", "127.0.0.1", true},
+        {"listenAddress", "here", false},
     };
     for (const auto& test : cases) {
         const TestStore read({{test.key, test.row}});

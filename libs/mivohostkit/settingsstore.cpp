@@ -5,6 +5,7 @@
 
 #include <QtCore/QRegularExpression>
 #include <QtCore/QTime>
+#include <QtNetwork/QHostAddress>
 
 #include <algorithm>
 #include <array>
@@ -134,6 +135,12 @@ bool isOsc(const QString& record)
     const QStringList fields = fieldsOf(record);
     return fields.size() == 2 && isIndex(fields[0], 1) && isIndex(fields[1], 65535)
            && fields[1].toInt() > 0;
+}
+
+/// Of this machine, or empty for all.
+bool isListenAddress(const QString& text)
+{
+    return text.isEmpty() || QHostAddress(text).protocol() == QAbstractSocket::IPv4Protocol;
 }
 
 /// "enabled|channel offset|subnet|domain|node name"; the name may have any character.
@@ -311,6 +318,7 @@ const std::array settings{
     Setting("dmx", "0|0|0|0|mivo", nullptr, isDmx),
     Setting("dmxBindings", QString()),
     Setting("osc", "0|9000", nullptr, isOsc),
+    Setting("listenAddress", QString(), nullptr, isListenAddress),
 };
 
 const Setting* find(const QString& key)

@@ -167,6 +167,9 @@ public:
     std::string getDmxBindings() const { return value("dmxBindings").toString().toStdString(); }
     void setOscInfo(const mivo::peripheralcontrol::SAddOSCInfo& info) { set("osc", stored(info)); }
     mivo::peripheralcontrol::SAddOSCInfo getOscInfo() const;
+    /// Where OSC and DMX listen: an IPv4 address of this machine, or empty for all.
+    void setListenAddress(const QString& address) { set("listenAddress", address); }
+    QString getListenAddress() const { return value("listenAddress").toString(); }
 
     enum Port { tcp, udp };
     using PortHandler = std::function<void(Port port, const STPortInfo& wished)>;

@@ -7,6 +7,7 @@
 #include <RtMidi.h>
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QStandardPaths>
 
 #include <cstdlib>
 #include <iostream>
@@ -43,16 +44,24 @@ const bool isRegistered = [] {
 
 } // namespace
 
-bool JackServer::isRunning()
+bool JackServer::canRun()
 {
 #ifdef __SANITIZE_THREAD__
     // The library of JACK cancels its threads within calls that ThreadSanitizer ignores, and that
     // ends the program.
     return false;
 #else
+    return !QStandardPaths::findExecutable(QStringLiteral("jackd")).isEmpty();
+#endif
+}
+
+bool JackServer::isRunning()
+{
+    if (!canRun()) {
+        return false;
+    }
     static JackServer server;
     return server.m_isRunning;
-#endif
 }
 
 JackServer::JackServer()

@@ -10,6 +10,8 @@ class JackServer
 public:
     /// Started by the first call. False where there is none.
     static bool isRunning();
+    /// Whether there is a server that could be started.
+    static bool canRun();
 
 private:
     JackServer();

@@ -1212,6 +1212,46 @@
         <translation>The keys are saved again.</translation>
     </message>
     <message>
+        <source>OscFailed</source>
+        <comment>MainWindow</comment>
+        <translation>OSC does not receive: %1. It is tried again.</translation>
+    </message>
+    <message>
+        <source>DmxFailed</source>
+        <comment>MainWindow</comment>
+        <translation>DMX does not receive: %1. It is tried again.</translation>
+    </message>
+    <message>
+        <source>OscReceives</source>
+        <comment>MainWindow</comment>
+        <translation>OSC receives again.</translation>
+    </message>
+    <message>
+        <source>DmxReceives</source>
+        <comment>MainWindow</comment>
+        <translation>DMX receives again.</translation>
+    </message>
+    <message>
+        <source>LockedByControl</source>
+        <comment>MainWindow</comment>
+        <translation>The screen was locked by a key or a controller. Only its button unlocks it.</translation>
+    </message>
+    <message>
+        <source>LockedHint</source>
+        <comment>MainWindow</comment>
+        <translation>The screen is locked: keys and controllers trigger nothing until “Lock” is pressed again.</translation>
+    </message>
+    <message>
+        <source>ListenAddress</source>
+        <comment>MainWindow</comment>
+        <translation>DMX and OSC listen at</translation>
+    </message>
+    <message>
+        <source>AllAddresses</source>
+        <comment>MainWindow</comment>
+        <translation>All addresses</translation>
+    </message>
+    <message>
         <source>KeyHint</source>
         <comment>MainWindow</comment>
         <translation>Choose an action and press its keys. Backspace clears, Tab goes on, Escape ends.</translation>

@@ -1212,6 +1212,46 @@
         <translation>按键已重新保存。</translation>
     </message>
     <message>
+        <source>OscFailed</source>
+        <comment>MainWindow</comment>
+        <translation>OSC 无法接收：%1。程序会重试。</translation>
+    </message>
+    <message>
+        <source>DmxFailed</source>
+        <comment>MainWindow</comment>
+        <translation>DMX 无法接收：%1。程序会重试。</translation>
+    </message>
+    <message>
+        <source>OscReceives</source>
+        <comment>MainWindow</comment>
+        <translation>OSC 已恢复接收。</translation>
+    </message>
+    <message>
+        <source>DmxReceives</source>
+        <comment>MainWindow</comment>
+        <translation>DMX 已恢复接收。</translation>
+    </message>
+    <message>
+        <source>LockedByControl</source>
+        <comment>MainWindow</comment>
+        <translation>屏幕已被按键或控制器锁定，只能用其按钮解锁。</translation>
+    </message>
+    <message>
+        <source>LockedHint</source>
+        <comment>MainWindow</comment>
+        <translation>屏幕已锁定：再次按下“锁定”按钮之前，按键和控制器不会触发任何操作。</translation>
+    </message>
+    <message>
+        <source>ListenAddress</source>
+        <comment>MainWindow</comment>
+        <translation>DMX 与 OSC 监听地址</translation>
+    </message>
+    <message>
+        <source>AllAddresses</source>
+        <comment>MainWindow</comment>
+        <translation>所有地址</translation>
+    </message>
+    <message>
         <source>KeyHint</source>
         <comment>MainWindow</comment>
         <translation>选择一个动作并按下按键。退格键清除，Tab 键继续，Esc 键结束。</translation>

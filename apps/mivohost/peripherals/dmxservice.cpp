@@ -42,10 +42,9 @@ void putPlace(ArtNetNode& node, const QHostAddress& sender)
 } // namespace
 
 DmxService::DmxService(BindingTable::Setup setup, std::uint16_t port)
-    : BoundPeripheral(std::move(setup)), m_port(port)
-{
-    QObject::connect(&m_socket, &QUdpSocket::readyRead, &m_socket, [this] { read(); });
-}
+    : BoundPeripheral(std::move(setup)), m_port(port),
+      m_input({"DMX", true, [this] { read(); }, [this] { failed(m_input.failure()); }})
+{}
 
 bool DmxService::isControl(const std::string& text)
 {
@@ -62,44 +61,34 @@ void DmxService::setInfo(const SAddDMXInfo& info)
     m_info.channelOffset = std::clamp(info.channelOffset, 0, channels);
     m_info.subnet = std::clamp(info.subnet, 0, 15);
     m_info.domain = std::clamp(info.domain, 0, 15);
-    m_socket.close();
     m_senders.clear();
     m_levels = {};
-    const std::string before = std::exchange(m_failure, {});
-    if (m_info.enabled
-        && !m_socket.bind(QHostAddress::AnyIPv4, m_port,
-                          QUdpSocket::ShareAddress | QUdpSocket::ReuseAddressHint)) {
-        m_failure = fmt::format("UDP {}: {}", m_port, m_socket.errorString().toStdString());
-        m_socket.close();
-        hostLog()->warn("no DMX: {}", m_failure);
+    if (m_info.enabled) {
+        m_input.open(m_port);
+    } else {
+        m_input.close();
     }
     infoChanged(m_info);
-    if (!m_failure.empty() || !before.empty()) {
-        failed(m_failure);
-    }
 }
 
 void DmxService::read()
 {
-    std::array<std::uint8_t, 1024> bytes; // more than any datagram that is taken
     std::vector<int> rising;
-    for (int i = 0; i < readAtOnce && m_socket.hasPendingDatagrams(); ++i) {
-        QHostAddress sender;
-        const qint64 size = m_socket.readDatagram(reinterpret_cast<char*>(bytes.data()),
-                                                  static_cast<qint64>(bytes.size()), &sender);
-        if (size < 0) {
-            break;
-        }
-        const auto datagram = parseArtNet(bytes.data(), static_cast<std::size_t>(size));
-        const bool isTaken = datagram.kind == ArtNetDatagram::dmx
-                                 ? take(datagram, sender, rising)
-                                 : datagram.kind == ArtNetDatagram::poll && answer(sender);
+    for (int i = 0; i < readAtOnce && m_input.socket().hasPendingDatagrams(); ++i) {
+        const QNetworkDatagram received = m_input.receive();
+        const QByteArray bytes = received.data();
+        const auto datagram = parseArtNet(reinterpret_cast<const std::uint8_t*>(bytes.constData()),
+                                          static_cast<std::size_t>(bytes.size()));
+        const bool isTaken =
+            datagram.kind == ArtNetDatagram::dmx
+                ? take(datagram, received.senderAddress(), rising)
+                : datagram.kind == ArtNetDatagram::poll && answer(received.senderAddress());
         m_ignored += isTaken ? 0 : 1;
     }
     if (!rising.empty()) {
         // From the event loop: an action may open a dialog, and nothing is read in this slot then.
         QMetaObject::invokeMethod(
-            &m_socket,
+            &m_input.socket(),
             [this, rising] {
                 for (const int channel : rising) {
                     use(prefix + std::to_string(channel), true, true);
@@ -162,8 +151,8 @@ bool DmxService::answer(const QHostAddress& poller)
     node.subnet = m_info.subnet;
     putPlace(node, poller);
     const auto reply = artNetPollReply(node);
-    return m_socket.writeDatagram(reinterpret_cast<const char*>(reply.data()),
-                                  static_cast<qint64>(reply.size()), poller, m_port)
+    return m_input.socket().writeDatagram(reinterpret_cast<const char*>(reply.data()),
+                                          static_cast<qint64>(reply.size()), poller, m_port)
            >= 0;
 }
 

@@ -2,10 +2,10 @@
 
 #include "peripherals/artnet.h"
 #include "peripherals/bindingtable.h"
+#include "peripherals/udpinput.h"
 
 #include <QtCore/QElapsedTimer>
 #include <QtNetwork/QHostAddress>
-#include <QtNetwork/QUdpSocket>
 
 #include <array>
 #include <cstddef>
@@ -31,10 +31,12 @@ public:
     static bool isControl(const std::string& text);
 
     /// Numbers outside of their ranges are taken as the nearest ones. When the port cannot be
-    /// opened there is no input; the settings stay, and giving them again is another try.
+    /// opened there is no input; the settings stay, and it is tried again.
     void setInfo(const mivo::peripheralcontrol::SAddDMXInfo& info) override;
     mivo::peripheralcontrol::SAddDMXInfo info() const override { return m_info; }
-    std::string failure() const override { return m_failure; }
+    std::string failure() const override { return m_input.failure(); }
+    /// See UdpInput. Broadcasts that come by the card with that address are received.
+    void setAddress(const QHostAddress& address) { m_input.setAddress(address); }
 
     /// Datagrams that came and were neither levels for this input nor a poll that was answered.
     std::size_t ignored() const { return m_ignored; }
@@ -54,13 +56,12 @@ private:
 
     const std::uint16_t m_port;
     mivo::peripheralcontrol::SAddDMXInfo m_info;
-    std::string m_failure;
     std::size_t m_ignored = 0;
     std::vector<Sender> m_senders;
     Levels m_levels{}; // the highest of all senders
     QElapsedTimer m_answerTime;
     int m_answers = 0;
-    QUdpSocket m_socket;
+    UdpInput m_input;
 };
 
 } // namespace mivohost

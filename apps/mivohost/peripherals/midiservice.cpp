@@ -5,9 +5,18 @@
 
 #include <RtMidi.h>
 
+#include <QtCore/QElapsedTimer>
+
 #include <algorithm>
+#include <atomic>
+#include <iostream>
 #include <regex>
 #include <stdexcept>
+
+#ifdef __GNUC__
+// Of a library that is there when RtMidi uses it.
+extern "C" __attribute__((weak)) void jack_set_error_function(void (*function)(const char*));
+#endif
 
 namespace mivohost {
 
@@ -17,6 +26,19 @@ namespace {
 
 // Milliseconds. A device that is away for less goes unnoticed, and is then not opened again.
 constexpr int lookEvery = 200;
+constexpr int retryAfter = 2000; // of a back end that is not there
+
+std::atomic<int> jackErrors{0};
+
+/// JACK's library says on the standard error, and nowhere else, that its server is away.
+void countJackErrors()
+{
+#ifdef __GNUC__
+    if (jack_set_error_function != nullptr) {
+        jack_set_error_function([](const char* /*message*/) { ++jackErrors; });
+    }
+#endif
+}
 
 } // namespace
 
@@ -44,17 +66,16 @@ class MidiService::BackEnd
 {
 public:
     /// Throws RtMidiError when the system does not offer it.
-    BackEnd(RtMidi::Api backEnd, const std::string& clientName)
-        : api(backEnd), m_watcher(backEnd, clientName)
+    BackEnd(RtMidi::Api backEnd, std::string clientName)
+        : api(backEnd), m_clientName(std::move(clientName))
     {
-        m_watcher.setErrorCallback([](RtMidiError::Type /*type*/, const std::string& reason,
-                                      void* error) { *static_cast<std::string*>(error) = reason; },
-                                   &m_error);
+        connect();
     }
 
     const RtMidi::Api api;
 
-    /// In the order of their places. Throws std::runtime_error when the back end has gone.
+    /// In the order of their places. Throws std::runtime_error when it is not there or has gone;
+    /// then nothing comes of it until reconnect().
     std::vector<ListedDevice> ports()
     {
         constexpr int mostTimes = 10;
@@ -67,18 +88,41 @@ public:
         return found;
     }
 
+    bool isReported = false; // that it is not there
+    QElapsedTimer failed;    // valid while it is not there
+
+    void connect()
+    {
+        m_watcher.reset();
+        // What is wrong is asked for below; RtMidi also writes it to the standard error.
+        struct Silence
+        {
+            Silence() { std::cerr.setstate(std::ios_base::failbit); }
+            ~Silence() { std::cerr.clear(); }
+        };
+        const Silence silence;
+        m_watcher = std::make_unique<RtMidiIn>(api, m_clientName);
+        m_watcher->setErrorCallback([](RtMidiError::Type /*type*/, const std::string& reason,
+                                       void* error) { *static_cast<std::string*>(error) = reason; },
+                                    &m_error);
+        m_jackErrors = jackErrors;
+    }
+
 private:
     /// False when one has gone meanwhile, which has no name then.
     bool list(std::vector<ListedDevice>& found)
     {
         found.clear();
         m_error.clear();
-        const unsigned count = m_watcher.getPortCount();
+        const unsigned count = m_watcher->getPortCount();
+        if (m_error.empty() && api == RtMidi::UNIX_JACK && jackErrors != m_jackErrors) {
+            m_error = "the server has gone";
+        }
         if (!m_error.empty()) {
             throw std::runtime_error(m_error);
         }
         for (unsigned place = 0; place < count && m_error.empty(); ++place) {
-            const std::string listed = m_watcher.getPortName(place);
+            const std::string listed = m_watcher->getPortName(place);
             ListedDevice port{listed, listed};
             if (api == RtMidi::LINUX_ALSA) {
                 port = alsaMidiInput(listed);
@@ -91,8 +135,10 @@ private:
         return m_error.empty();
     }
 
+    const std::string m_clientName;
     std::string m_error;
-    RtMidiIn m_watcher;
+    int m_jackErrors = 0; // when it was connected
+    std::unique_ptr<RtMidiIn> m_watcher;
 };
 
 struct MidiService::Place
@@ -106,7 +152,7 @@ class MidiService::Input
 public:
     /// Throws RtMidiError when it cannot be opened.
     Input(MidiService& service, const Place& place, std::string portId, std::string deviceName)
-        : id(std::move(portId)), device(std::move(deviceName)), m_service(service),
+        : api(place.api), id(std::move(portId)), device(std::move(deviceName)), m_service(service),
           m_midi(place.api, service.m_clientName)
     {
         m_midi.setCallback([](double /*seconds*/, std::vector<unsigned char>* bytes,
@@ -120,6 +166,7 @@ public:
             this);
     }
 
+    const RtMidi::Api api;
     const std::string id;
     const std::string device;
 
@@ -174,6 +221,7 @@ std::vector<SMIDIDevInfo> MidiService::devices() const
 
 void MidiService::start()
 {
+    countJackErrors();
     std::vector<RtMidi::Api> apis;
     RtMidi::getCompiledApi(apis);
     for (const RtMidi::Api api : apis) {
@@ -204,20 +252,13 @@ void MidiService::look()
 {
     std::vector<ListedDevice> ports;
     std::vector<Place> places;
-    for (auto& backEnd : m_backEnds) {
-        try {
-            unsigned number = 0;
-            for (ListedDevice& port : backEnd->ports()) {
-                ports.push_back(std::move(port));
-                places.push_back({backEnd->api, number++});
-            }
-        } catch (const std::runtime_error& error) {
-            hostLog()->warn("no MIDI over {}: {}", RtMidi::getApiDisplayName(backEnd->api),
-                            error.what());
-            backEnd.reset();
+    for (const auto& backEnd : m_backEnds) {
+        unsigned number = 0;
+        for (ListedDevice& port : portsOf(*backEnd)) {
+            ports.push_back(std::move(port));
+            places.push_back({backEnd->api, number++});
         }
     }
-    m_backEnds.erase(std::remove(m_backEnds.begin(), m_backEnds.end(), nullptr), m_backEnds.end());
 
     // Of twins nothing tells which one came or went: all of them are opened again.
     std::map<std::string, std::size_t> count;
@@ -249,6 +290,36 @@ void MidiService::look()
     if (devices != m_devices) {
         m_devices = std::move(devices);
         devicesChanged(m_devices);
+    }
+}
+
+std::vector<ListedDevice> MidiService::portsOf(BackEnd& backEnd)
+{
+    if (backEnd.failed.isValid() && !backEnd.failed.hasExpired(retryAfter)) {
+        return {};
+    }
+    const std::string name = RtMidi::getApiDisplayName(backEnd.api);
+    try {
+        if (backEnd.failed.isValid()) {
+            backEnd.connect();
+        }
+        auto ports = backEnd.ports();
+        if (std::exchange(backEnd.isReported, false)) {
+            hostLog()->info("MIDI over {} is there", name);
+        }
+        backEnd.failed.invalidate();
+        return ports;
+    } catch (const std::exception& error) { // RtMidiError or std::runtime_error
+        backEnd.failed.start();
+        if (!std::exchange(backEnd.isReported, true)) {
+            hostLog()->warn("no MIDI over {}: {}", name, error.what());
+            // They hear nothing from now on, also when the server comes back at once.
+            m_inputs.erase(
+                std::remove_if(m_inputs.begin(), m_inputs.end(),
+                               [&backEnd](const auto& input) { return input->api == backEnd.api; }),
+                m_inputs.end());
+        }
+        return {};
     }
 }
 

@@ -24,7 +24,8 @@ ListedDevice windowsMidiInput(const std::string& listed, unsigned place);
 ///
 /// While enabled, all inputs are open, and one that comes or goes is noticed within two seconds.
 /// One that cannot be opened is logged once, and tried again all the time. A back end that is not
-/// there is logged once and counts as having no devices, until the service is enabled again.
+/// there or has gone is logged once, counts as having no devices, and is tried again every two
+/// seconds; one that the system does not offer at all, not until the service is enabled again.
 class MidiService : public BoundPeripheral<mivo::peripheralcontrol::MidiPeripheral>
 {
 public:
@@ -46,6 +47,8 @@ private:
     void start();
     void stop();
     void look();
+    /// The ports of a back end, as far as it is there.
+    std::vector<ListedDevice> portsOf(BackEnd& backEnd);
     /// Null, and the reason once in the log, when it cannot be opened.
     std::unique_ptr<Input> opened(const Place& place, const ListedDevice& port,
                                   const std::string& name);

@@ -1,20 +1,12 @@
 #include "peripherals/oscservice.h"
 
-#include "base/hostlog.h"
 #include "mivosettingswidgets/shortcuttable.h"
-
-#include <lo/lo.h>
-#include <lo/lo_throw.h>
+#include "peripherals/oscmessage.h"
 
 #include <QtCore/QString>
 
-#include <fmt/format.h>
-
 #include <algorithm>
-#include <optional>
 #include <string_view>
-#include <system_error>
-#include <utility>
 
 namespace mivohost {
 
@@ -26,6 +18,7 @@ using mivo::settings::peripheralPrefix;
 namespace {
 
 constexpr std::size_t longest = 1024; // bytes of an address and of a text
+constexpr int readAtOnce = 64;        // datagrams; then other events have their turn
 
 bool isText(const std::string& text)
 {
@@ -43,49 +36,6 @@ bool isAddress(const std::string& text)
            });
 }
 
-/// The first argument: its text, and whether it is a button's release.
-struct Value
-{
-    std::string text;
-    bool isRelease = false;
-};
-
-template <typename Number>
-Value valueOf(Number number)
-{
-    return {fmt::format("{}", number), number == Number(0)};
-}
-
-Value textValue(const char* text)
-{
-    const QString value = QString::fromUtf8(text);
-    return {text, value == QLatin1String("0")
-                      || value.compare(QLatin1String("false"), Qt::CaseInsensitive) == 0};
-}
-
-Value firstOf(const char* types, lo_arg** arguments)
-{
-    switch (types[0]) {
-    case LO_INT32:
-        return valueOf(arguments[0]->i);
-    case LO_INT64:
-        return valueOf(arguments[0]->h);
-    case LO_FLOAT:
-        return valueOf(arguments[0]->f);
-    case LO_DOUBLE:
-        return valueOf(arguments[0]->d);
-    case LO_STRING:
-    case LO_SYMBOL:
-        return textValue(&arguments[0]->s);
-    case LO_TRUE:
-        return {"true", false};
-    case LO_FALSE:
-        return {"false", true};
-    default:
-        return {};
-    }
-}
-
 std::unordered_map<std::string, int> typesByPath()
 {
     std::unordered_map<std::string, int> types;
@@ -95,35 +45,12 @@ std::unordered_map<std::string, int> typesByPath()
     return types;
 }
 
-// The library reports what goes wrong to a function that knows no object: while a server is made,
-// to this variable of the thread that makes it; afterwards with the server's context.
-thread_local std::string openingError;
-
-void onError(int number, const char* message, const char* where)
-{
-    if (auto* ignored = static_cast<std::atomic<std::size_t>*>(lo_error_get_context())) {
-        ++*ignored;
-        return;
-    }
-    openingError = fmt::format("{} ({}{}{})", message != nullptr ? message : "unknown error",
-                               number, where != nullptr ? ", " : "", where != nullptr ? where : "");
-}
-
 } // namespace
 
-struct OscService::Server
-{
-    explicit Server(lo_server_thread opened) : thread(opened) {}
-    Server(const Server&) = delete;
-    Server& operator=(const Server&) = delete;
-    ~Server() { lo_server_thread_free(thread); }
-
-    lo_server_thread thread;
-};
-
-OscService::OscService() : m_actions(typesByPath()) {}
-
-OscService::~OscService() = default;
+OscService::OscService()
+    : m_actions(typesByPath()),
+      m_input({"OSC", false, [this] { read(); }, [this] { failed(m_input.failure()); }})
+{}
 
 void OscService::learn(int type, const std::string& path)
 {
@@ -143,59 +70,45 @@ void OscService::setInfo(const SAddOSCInfo& info)
 {
     m_info = info;
     m_info.port = std::clamp(info.port, 1, 65535);
-    m_server.reset();
-    const std::string before = std::exchange(m_failure, {});
     if (m_info.enabled) {
-        openingError.clear();
-        const std::string port = std::to_string(m_info.port);
-        if (auto* opened = lo_server_thread_new_with_proto(port.c_str(), LO_UDP, onError)) {
-            m_server = std::make_unique<Server>(opened);
-            lo_server_thread_set_error_context(opened, &m_ignored);
-            // Messages of bundles that are meant for later would pile up without a limit.
-            lo_server_enable_queue(lo_server_thread_get_server(opened), 0, 1);
-            lo_server_thread_add_method(
-                opened, nullptr, nullptr,
-                [](const char* path, const char* types, lo_arg** arguments, int /*count*/,
-                   lo_message /*message*/, void* service) {
-                    static_cast<OscService*>(service)->receive(path, types,
-                                                               reinterpret_cast<void**>(arguments));
-                    return 0; // handled, whatever it was
-                },
-                this);
-            if (const int error = lo_server_thread_start(opened); error < 0) {
-                m_server.reset();
-                openingError = std::generic_category().message(-error);
-            }
-        }
-        if (!m_server) {
-            m_failure = fmt::format("UDP {}: {}", port, openingError);
-            hostLog()->warn("no OSC: {}", m_failure);
-        }
+        m_input.open(static_cast<std::uint16_t>(m_info.port));
+    } else {
+        m_input.close();
     }
     infoChanged(m_info);
-    if (!m_failure.empty() || !before.empty()) {
-        failed(m_failure);
+}
+
+void OscService::read()
+{
+    for (int i = 0; i < readAtOnce && m_input.socket().hasPendingDatagrams(); ++i) {
+        const QByteArray bytes = m_input.receive().data();
+        m_ignored += parseOsc(bytes.constData(), static_cast<std::size_t>(bytes.size()),
+                              [this](const OscMessage& message) { take(message); });
     }
 }
 
-void OscService::receive(const char* path, const char* types, void** arguments)
+void OscService::take(const OscMessage& message)
 {
-    const std::string address(path);
-    Value value = firstOf(types, reinterpret_cast<lo_arg**>(arguments));
-    const auto action = m_actions.find(address);
+    const auto action = m_actions.find(message.address);
     const bool isPath = action == m_actions.end();
-    if (!isText(value.text)
-        || (isPath
-            && (address.size() <= peripheralPrefix.size()
-                || address.compare(0, peripheralPrefix.size(), peripheralPrefix) != 0
-                || !isAddress(address)))) {
+    const bool isUsable =
+        isText(message.value)
+        && (!isPath
+            || (message.address.size() > peripheralPrefix.size()
+                && message.address.rfind(peripheralPrefix, 0) == 0 && isAddress(message.address)));
+    if (!isUsable) {
         ++m_ignored;
         return;
     }
-    if (m_locked || (!isPath && value.isRelease)) {
+    if (m_locked || (!isPath && message.isRelease)) {
         return;
     }
-    controlMessage(isPath ? static_cast<int>(ShortCutOfPath) : action->second, address, value.text);
+    // From the event loop: an action may open a dialog, and nothing is read in this slot then.
+    const int type = isPath ? static_cast<int>(ShortCutOfPath) : action->second;
+    QMetaObject::invokeMethod(
+        &m_input.socket(),
+        [this, type, message] { controlMessage(type, message.address, message.value); },
+        Qt::QueuedConnection);
 }
 
 } // namespace mivohost

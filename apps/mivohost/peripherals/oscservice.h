@@ -1,16 +1,17 @@
 #pragma once
 
 #include "mivohostapi/peripherals.h"
+#include "peripherals/udpinput.h"
 
-#include <atomic>
 #include <cstddef>
-#include <memory>
 #include <string>
 #include <unordered_map>
 
 namespace mivohost {
 
-/// Open Sound Control over UDP. GUI thread; controlMessage is emitted on the server's thread.
+struct OscMessage;
+
+/// Open Sound Control over UDP. GUI thread, all signals too.
 ///
 /// An address is a path: one that the table of actions has is that action, any other one under
 /// /Peripherals/ is of type ShortCutOfPath. So nothing is bound or learned: every action has its
@@ -28,7 +29,6 @@ class OscService : public mivo::peripheralcontrol::OscPeripheral
 public:
     /// Starts disabled.
     OscService();
-    ~OscService() override;
 
     /// Reports the action's path as bound to it.
     void learn(int type, const std::string& path) override;
@@ -40,26 +40,25 @@ public:
     void setLocked(bool locked) override { m_locked = locked; }
 
     /// A port outside of its range is taken as the nearest one. When the port cannot be opened
-    /// there is no server; the settings stay, and giving them again is another try.
+    /// there is no input; the settings stay, and it is tried again.
     void setInfo(const mivo::peripheralcontrol::SAddOSCInfo& info) override;
     mivo::peripheralcontrol::SAddOSCInfo info() const override { return m_info; }
-    std::string failure() const override { return m_failure; }
+    std::string failure() const override { return m_input.failure(); }
+    /// See UdpInput.
+    void setAddress(const QHostAddress& address) { m_input.setAddress(address); }
 
-    /// Messages that came and were no action. Any thread.
+    /// Datagrams and messages of bundles that came and were no action.
     std::size_t ignored() const { return m_ignored; }
 
 private:
-    struct Server;
-
-    /// On the server's thread; `arguments` is the library's array of them.
-    void receive(const char* path, const char* types, void** arguments);
+    void read();
+    void take(const OscMessage& message);
 
     const std::unordered_map<std::string, int> m_actions; // types by path
     mivo::peripheralcontrol::SAddOSCInfo m_info;
-    std::string m_failure;
-    std::atomic<bool> m_locked{false};
-    std::atomic<std::size_t> m_ignored{0};
-    std::unique_ptr<Server> m_server; // the last one: its thread uses the others
+    bool m_locked = false;
+    std::size_t m_ignored = 0;
+    UdpInput m_input;
 };
 
 } // namespace mivohost

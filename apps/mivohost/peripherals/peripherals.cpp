@@ -16,11 +16,12 @@ struct Peripherals::Kept
     SAddOSCInfo osc;
     SAddDMXInfo dmx;
     std::string dmxBindings;
+    QString listenAddress;
 
     static Kept of(SettingsStore& store)
     {
         return {store.getMidiEnabled(), store.getMidiBindings(), store.getOscInfo(),
-                store.getDmxInfo(), store.getDmxBindings()};
+                store.getDmxInfo(),     store.getDmxBindings(),  store.getListenAddress()};
     }
 };
 
@@ -43,18 +44,28 @@ Peripherals::Peripherals(RuntimeThread& runtime, SettingsStore& store)
 {}
 
 Peripherals::Peripherals(RuntimeThread& runtime, SettingsStore& store, const Kept& kept)
-    : m_runtime(runtime), m_store(store),
+    : m_runtime(runtime), m_store(store), m_listenAddress(kept.listenAddress),
       m_midi({MidiService::isControl, kept.midiBindings,
               writing(runtime, store, &SettingsStore::setMidiBindings)}),
       m_dmx({DmxService::isControl, kept.dmxBindings,
              writing(runtime, store, &SettingsStore::setDmxBindings)})
 {
+    m_osc.setAddress(QHostAddress(m_listenAddress));
+    m_dmx.setAddress(QHostAddress(m_listenAddress));
     m_midi.setEnabled(kept.midiEnabled);
     m_osc.setInfo(kept.osc);
     m_dmx.setInfo(kept.dmx);
     m_midi.enabledChanged.connect(writing(runtime, store, &SettingsStore::setMidiEnabled));
     m_osc.infoChanged.connect(writing(runtime, store, &SettingsStore::setOscInfo));
     m_dmx.infoChanged.connect(writing(runtime, store, &SettingsStore::setDmxInfo));
+}
+
+void Peripherals::setListenAddress(const QString& address)
+{
+    m_listenAddress = address;
+    m_osc.setAddress(QHostAddress(address));
+    m_dmx.setAddress(QHostAddress(address));
+    writing(m_runtime, m_store, &SettingsStore::setListenAddress)(address);
 }
 
 bool Peripherals::areBindingsStored() const

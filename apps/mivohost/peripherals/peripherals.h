@@ -25,6 +25,10 @@ public:
     /// The manager must go first, or is told by the services that they go.
     void giveTo(mivo::settings::ShortCutMgr& manager);
 
+    /// The address of this machine at which OSC and DMX listen; empty for all.
+    const QString& listenAddress() const { return m_listenAddress; }
+    void setListenAddress(const QString& address);
+
     /// Whether the store holds the bindings as they are now. Waits until what was posted is
     /// written.
     bool areBindingsStored() const;
@@ -40,6 +44,7 @@ private:
 
     RuntimeThread& m_runtime;
     SettingsStore& m_store;
+    QString m_listenAddress;
     MidiService m_midi;
     OscService m_osc;
     DmxService m_dmx;

@@ -4,7 +4,9 @@
 #include "base/hosttext.h"
 #include "peripherals/bindingsfile.h"
 #include "peripherals/peripherals.h"
+#include "surface/actionbutton.h"
 #include "surface/askforfile.h"
+#include "surface/listenaddressbox.h"
 
 #include <mivosettingswidgets/shortcutfile.h>
 #include <mivosettingswidgets/shortcuttable.h>
@@ -22,48 +24,25 @@
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QScrollArea>
-#include <QtWidgets/QStyle>
 
 #include <algorithm>
+#include <iterator>
 
 namespace mivohost {
 
 using mivo::settings::peripheralActions;
-using mivo::settings::peripheralPrefix;
 using mivo::widgets::ShortCutCover;
 using mivo::widgets::TipDialog;
 
 namespace {
 
 constexpr int columns = 8;
-constexpr int flashTime = 300;                 // ms
-constexpr int logPause = 100;                  // ms
 constexpr int lockScreen = 208;                // its type
 constexpr qint64 mostBytes = 64 * 1024 * 1024; // of a file to be imported
-
-/// The key of the text of an action, or with the first word only that of its group.
-std::string textKey(std::string_view path)
-{
-    return std::string(path.substr(peripheralPrefix.size()));
-}
-
-std::string groupOf(std::string_view path)
-{
-    const std::string key = textKey(path);
-    return key.substr(0, key.find('/') + 1);
-}
 
 QString textOf(const std::string& key)
 {
     return hostText(QString::fromStdString(key));
-}
-
-/// A property that the style sheet knows.
-void setState(QPushButton& button, const char* name, bool on)
-{
-    button.setProperty(name, on);
-    button.style()->unpolish(&button);
-    button.style()->polish(&button);
 }
 
 } // namespace
@@ -71,7 +50,9 @@ void setState(QPushButton& button, const char* name, bool on)
 ActionPanel::ActionPanel(Peripherals& peripherals)
     : m_peripherals(peripherals), m_heading(new QLabel), m_edit(new QPushButton),
       m_kind(new QComboBox), m_clear(new QPushButton), m_export(new QPushButton),
-      m_import(new QPushButton), m_lock(new QPushButton), m_hint(new QLabel), m_fileRetry(m_manager)
+      m_import(new QPushButton), m_lock(new QPushButton), m_hint(new QLabel),
+      m_addressLabel(new QLabel), m_address(new ListenAddressBox(peripherals)),
+      m_fileRetry(m_manager)
 {
     m_heading->setObjectName(QStringLiteral("sectionHeading"));
     m_edit->setObjectName(QStringLiteral("editShortcuts"));
@@ -88,7 +69,14 @@ ActionPanel::ActionPanel(Peripherals& peripherals)
     m_hint->setObjectName(QStringLiteral("shortcutHint"));
     m_hint->setWordWrap(true);
     m_hint->setTextFormat(Qt::PlainText);
-    m_hint->hide();
+    m_addressLabel->setBuddy(m_address);
+    auto* hintRow = new QHBoxLayout;
+    hintRow->addWidget(m_hint, 1);
+    hintRow->addWidget(m_addressLabel);
+    hintRow->addWidget(m_address);
+    for (QWidget* widget : std::initializer_list<QWidget*>{m_hint, m_addressLabel, m_address}) {
+        widget->hide();
+    }
 
     auto* row = new QHBoxLayout;
     row->setSpacing(8);
@@ -114,10 +102,9 @@ ActionPanel::ActionPanel(Peripherals& peripherals)
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(6);
     column->addLayout(row);
-    column->addWidget(m_hint);
+    column->addLayout(hintRow);
     column->addWidget(scroll);
 
-    m_logPause.setSingleShot(true);
     addConnections();
 
     // The manager writes into this folder, and does not make it.
@@ -126,8 +113,8 @@ ActionPanel::ActionPanel(Peripherals& peripherals)
     }
     m_manager.loadShortCutInfoList();
     QList<ShortCutCover*> covers;
-    for (const Action& action : m_actions) {
-        covers.append(action.cover);
+    for (const ActionButton* action : m_actions) {
+        covers.append(action->cover());
     }
     m_manager.setBindShortCutAndCover(covers);
     m_peripherals.giveTo(m_manager);
@@ -144,7 +131,10 @@ void ActionPanel::addActions(QGridLayout& grid)
     int column = columns;
     std::string group;
     for (const auto& [type, path] : peripheralActions) {
-        if (std::exchange(group, groupOf(path)) != groupOf(path)) {
+        auto* action = new ActionButton(type, std::string(path));
+        const std::string& key = action->textKey();
+        const std::string groupKey = key.substr(0, key.find('/') + 1); // the first word of the path
+        if (std::exchange(group, groupKey) != groupKey) {
             auto* label = new QLabel;
             grid.addWidget(label, ++row, 0);
             m_groups.emplace_back(group, label);
@@ -153,19 +143,10 @@ void ActionPanel::addActions(QGridLayout& grid)
             ++row;
             column = 1;
         }
-        auto* button = new QPushButton;
-        button->setProperty("style", QStringLiteral("action"));
-        button->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
-        grid.addWidget(button, row, column++);
-        auto* cover =
-            new ShortCutCover(static_cast<EnumShortCutType>(type), std::string(path), button);
-        auto* flash = new QTimer(button);
-        flash->setSingleShot(true);
-        flash->setInterval(flashTime);
-        connect(flash, &QTimer::timeout, button, [button] { setState(*button, "flash", false); });
-        connect(button, &QPushButton::clicked, this,
-                [this, type = type, name = std::string(path)] { trigger(type, name, {}); });
-        m_actions.push_back({type, std::string(path), button, cover, flash, 0, {}});
+        grid.addWidget(action, row, column++);
+        connect(action, &QPushButton::clicked, this,
+                [this, action] { trigger(action->type(), action->path(), {}); });
+        m_actions.push_back(action);
     }
     for (int i = 1; i < columns; ++i) {
         grid.setColumnStretch(i, 1);
@@ -182,18 +163,14 @@ void ActionPanel::addConnections()
     connect(m_export, &QPushButton::clicked, this, &ActionPanel::exportAll);
     connect(m_import, &QPushButton::clicked, this, &ActionPanel::importAll);
     connect(m_lock, &QPushButton::toggled, this, &ActionPanel::setLocked);
-    connect(&m_logPause, &QTimer::timeout, this, &ActionPanel::writeTriggered);
+    connect(m_address, &ListenAddressBox::chosen, this, &ActionPanel::showHint);
     connect(&m_keys, &KeyTriggers::triggered, this, &ActionPanel::trigger);
     connect(&m_manager, &ShortCutMgr::signalPeripheralsControl, this, &ActionPanel::trigger);
     connect(&m_manager, &ShortCutMgr::signalCloseShortByEsc, this, [this] {
         setEditing(false);
         m_edit->setFocus();
     });
-    connect(&m_manager, &ShortCutMgr::signalShortCutSave, this,
-            [this](const STLinkShortCutInfo& info) {
-                m_hasKeys = !info.shortCutInfoList.empty();
-                m_keys.setBindings(info);
-            });
+    connect(&m_manager, &ShortCutMgr::signalShortCutSave, this, &ActionPanel::setBindings);
     // Queued: at the start nobody listens yet.
     connect(
         &m_manager, &ShortCutMgr::signalShortCutFilePutAside, this,
@@ -211,7 +188,7 @@ void ActionPanel::addConnections()
         Qt::QueuedConnection);
     connect(
         &m_fileRetry, &ShortcutFileRetry::succeeded, this,
-        [this] { emit recovered(QStringLiteral("KeysWritten")); }, Qt::QueuedConnection);
+        [this] { emit told(QStringLiteral("KeysWritten")); }, Qt::QueuedConnection);
     connect(&m_manager, &ShortCutMgr::signalClearShortCutState, this, &ActionPanel::showState);
     connect(&m_manager, &ShortCutMgr::signalUpdateClearPeripheralsState, this,
             &ActionPanel::showState);
@@ -226,6 +203,29 @@ void ActionPanel::addConnections()
             showHint();
         }
     });
+    // Also those of the start; nobody listens yet.
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            const auto follow = [this](auto& service, const char* name) {
+                const auto tell = [this, &service,
+                                   name = QString::fromLatin1(name)](const std::string& failure) {
+                    if (!failure.empty()) {
+                        emit failed(name + QStringLiteral("Failed"),
+                                    QString::fromStdString(failure));
+                    } else if (service.info().enabled) {
+                        emit told(name + QStringLiteral("Receives"));
+                    }
+                };
+                m_connections.emplace_back(service.failed.connect(tell));
+                if (!service.failure().empty()) {
+                    tell(service.failure());
+                }
+            };
+            follow(m_peripherals.osc(), "Osc");
+            follow(m_peripherals.dmx(), "Dmx");
+        },
+        Qt::QueuedConnection);
     const auto show = [this](const auto& /*state*/) { this->showHint(); };
     m_connections.emplace_back(m_peripherals.midi().enabledChanged.connect(show));
     m_connections.emplace_back(m_peripherals.dmx().infoChanged.connect(show));
@@ -267,41 +267,46 @@ void ActionPanel::setTexts()
     m_export->setText(hostText("ExportShortcuts"));
     m_import->setText(hostText("ImportShortcuts"));
     m_lock->setText(hostText("LockScreen"));
+    m_addressLabel->setText(hostText("ListenAddress"));
+    m_address->refill();
     for (const auto& [key, label] : m_groups) {
         label->setText(textOf(key));
     }
-    for (const Action& action : m_actions) {
-        const QString name = textOf(textKey(action.path));
-        action.button->setText(name);
-        action.button->setToolTip(name);
-        action.cover->setClearText(hostText("ClearShortcut"));
-        action.cover->setToolTip(name);
-        action.cover->setAccessibleName(name);
+    for (ActionButton* action : m_actions) {
+        action->setTexts();
     }
     showHint();
 }
 
+QString ActionPanel::hintOf(EnumPeripheralShortCutType kind) const
+{
+    switch (kind) {
+    case PeripheralMidi:
+        return hostText(!m_peripherals.midi().isEnabled()        ? "MidiOff"
+                        : m_peripherals.midi().devices().empty() ? "MidiNoDevice"
+                                                                 : "MidiHint");
+    case PeripheralDmx:
+        return hostText(m_peripherals.dmx().info().enabled ? "DmxHint" : "DmxOff");
+    case PeripheralOsc: {
+        const auto info = m_peripherals.osc().info();
+        const QString& address = m_peripherals.listenAddress();
+        const QString url = address.isEmpty()
+                                ? QString::fromStdString(m_oscUrl)
+                                : QStringLiteral("osc.udp://%1:%2/").arg(address).arg(info.port);
+        return info.enabled ? hostText("OscHint").arg(url) : hostText("OscOff");
+    }
+    default:
+        return hostText("KeyHint");
+    }
+}
+
 void ActionPanel::showHint()
 {
-    QString state;
-    switch (kind()) {
-    case PeripheralMidi:
-        state = hostText(!m_peripherals.midi().isEnabled()        ? "MidiOff"
-                         : m_peripherals.midi().devices().empty() ? "MidiNoDevice"
-                                                                  : "MidiHint");
-        break;
-    case PeripheralDmx:
-        state = hostText(m_peripherals.dmx().info().enabled ? "DmxHint" : "DmxOff");
-        break;
-    case PeripheralOsc:
-        state = m_peripherals.osc().info().enabled
-                    ? hostText("OscHint").arg(QString::fromStdString(m_oscUrl))
-                    : hostText("OscOff");
-        break;
-    default:
-        state = hostText("KeyHint");
-    }
-    m_hint->setText(state);
+    m_hint->setVisible(m_editing || m_locked);
+    m_hint->setText(m_locked ? hostText("LockedHint") : hintOf(kind()));
+    const bool hasAddress = kind() == PeripheralDmx || kind() == PeripheralOsc;
+    m_addressLabel->setVisible(m_editing && hasAddress);
+    m_address->setVisible(m_editing && hasAddress);
 }
 
 void ActionPanel::showState()
@@ -311,8 +316,8 @@ void ActionPanel::showState()
     m_clear->setEnabled(!m_locked && hasBindings());
     m_export->setEnabled(!m_locked && !m_editing);
     m_import->setEnabled(!m_locked && !m_editing);
-    for (const Action& action : m_actions) {
-        action.button->setEnabled(!m_locked);
+    for (ActionButton* action : m_actions) {
+        action->setEnabled(!m_locked);
     }
 }
 
@@ -324,17 +329,15 @@ void ActionPanel::setEditing(bool on)
     m_editing = on;
     m_keys.setEnabled(!on && !m_locked);
     m_edit->setChecked(on);
-    m_hint->setVisible(on);
-    for (const Action& action : m_actions) { // with room for what is bound
-        QPushButton& button = *action.button;
-        button.setMinimumHeight(on ? button.sizeHint().height() + button.fontMetrics().height()
-                                   : 0);
-        setState(button, "editing", on);
+    m_address->refill();
+    showHint();
+    for (ActionButton* action : m_actions) {
+        action->setEditing(on);
     }
     m_manager.slotShowAllShortCutCover(on, kind());
     showState();
     if (on) {
-        m_actions.front().cover->setFocus();
+        m_actions.front()->cover()->setFocus();
     }
     if (on) {
         hostLog()->info("editing shortcuts: {}", m_kind->currentText().toStdString());
@@ -349,6 +352,7 @@ void ActionPanel::setKind()
         m_manager.slotShowAllShortCutCover(true, kind());
     }
     showState();
+    showHint();
 }
 
 void ActionPanel::setLocked(bool locked)
@@ -362,7 +366,21 @@ void ActionPanel::setLocked(bool locked)
     m_keys.setEnabled(!locked);
     m_manager.slotLockScreenChanged(locked);
     showState();
+    showHint();
     hostLog()->info(locked ? "screen locked" : "screen unlocked");
+}
+
+void ActionPanel::setBindings(const STLinkShortCutInfo& info)
+{
+    m_hasKeys = !info.shortCutInfoList.empty();
+    std::vector<STShortCutItem> bindings;
+    std::copy_if(info.shortCutInfoList.begin(), info.shortCutInfoList.end(),
+                 std::back_inserter(bindings), [this](const STShortCutItem& item) {
+                     return actionOf(item.type) != nullptr
+                            && !mivo::settings::isReservedKeySequence(
+                                QString::fromStdString(item.shortCutStr));
+                 });
+    m_keys.setBindings(bindings);
 }
 
 void ActionPanel::trigger(int type, const std::string& path, const std::string& control)
@@ -370,43 +388,25 @@ void ActionPanel::trigger(int type, const std::string& path, const std::string& 
     if (m_locked || m_editing) {
         return; // also for what was on its way before
     }
-    Action* action = actionOf(type);
+    ActionButton* action = actionOf(type);
     if (action == nullptr) {
-        hostLog()->info("no action {}: {}", path, control);
+        m_log.add("no action", path);
         return;
     }
-    ++action->waiting;
-    action->control = control;
-    if (!m_logPause.isActive()) {
-        writeTriggered();
-    }
-    if (!action->flash->isActive()) {
-        setState(*action->button, "flash", true);
-    }
-    action->flash->start();
+    m_log.add("action " + action->textKey(), control);
+    action->flash();
     if (type == lockScreen) {
         setLocked(true);
+        emit told(QStringLiteral("LockedByControl"));
     }
 }
 
-ActionPanel::Action* ActionPanel::actionOf(int type)
+ActionButton* ActionPanel::actionOf(int type) const
 {
-    const auto found = std::find_if(m_actions.begin(), m_actions.end(),
-                                    [type](const Action& each) { return each.type == type; });
-    return found == m_actions.end() ? nullptr : &*found;
-}
-
-void ActionPanel::writeTriggered()
-{
-    for (Action& action : m_actions) {
-        const int count = std::exchange(action.waiting, 0);
-        if (count > 0) {
-            hostLog()->info("action {}{}{}{}", textKey(action.path),
-                            action.control.empty() ? "" : " by ", action.control,
-                            count == 1 ? std::string() : fmt::format(" ({} times)", count));
-            m_logPause.start(logPause);
-        }
-    }
+    const auto found =
+        std::find_if(m_actions.begin(), m_actions.end(),
+                     [type](const ActionButton* each) { return each->type() == type; });
+    return found == m_actions.end() ? nullptr : *found;
 }
 
 bool ActionPanel::confirm(const char* question, const char* button)

@@ -2,6 +2,7 @@
 
 #include "mivohostapi/shortcuttypes.h"
 #include "peripherals/shortcutfileretry.h"
+#include "surface/actionlog.h"
 #include "surface/keytriggers.h"
 
 #include <mivosettingswidgets/shortcutmgr.h>
@@ -20,19 +21,16 @@ class QGridLayout;
 class QLabel;
 class QPushButton;
 
-namespace mivo::widgets {
-class ShortCutCover;
-}
-
 namespace mivohost {
 
+class ActionButton;
+class ListenAddressBox;
 class Peripherals;
 
 /// A button for each action that keys and controllers can trigger, and the editing of what triggers
 /// them. GUI thread; `peripherals` must outlive the panel.
 ///
-/// An action that is triggered flashes its button and is written to the log. Actions that come
-/// faster than can be read are counted, and written together.
+/// An action that is triggered flashes its button and is written to the log, as ActionLog does it.
 class ActionPanel : public QWidget
 {
     Q_OBJECT
@@ -60,37 +58,27 @@ public:
 signals:
     /// A text's key and what is put into it, as MainWindow::showNotice().
     void failed(const QString& key, const QString& argument);
-    /// What had failed is well again: the key of a text that says so.
-    void recovered(const QString& key);
+    /// The key of a text that the operator is to know.
+    void told(const QString& key);
 
 private:
-    struct Action
-    {
-        int type;
-        std::string path;
-        QPushButton* button;
-        mivo::widgets::ShortCutCover* cover;
-        QTimer* flash;
-        int waiting = 0;     // times it was triggered since it was written to the log
-        std::string control; // what triggered it last
-    };
-
     void addActions(QGridLayout& grid);
     void addConnections();
     EnumPeripheralShortCutType kind() const;
     bool hasBindings() const;
     void showState();
     void showHint();
+    QString hintOf(EnumPeripheralShortCutType kind) const;
     void setKind();
     void trigger(int type, const std::string& path, const std::string& control);
-    void writeTriggered();
+    void setBindings(const STLinkShortCutInfo& info);
     void clearAll();
     void exportAll();
     void importAll();
     QString askForBindings(bool saving);
     bool confirm(const char* question, const char* button);
     /// Null for a type that is not in the table of actions.
-    Action* actionOf(int type);
+    ActionButton* actionOf(int type) const;
 
     Peripherals& m_peripherals;
     bool m_editing = false;
@@ -105,10 +93,12 @@ private:
     QPushButton* m_import;
     QPushButton* m_lock;
     QLabel* m_hint;
+    QLabel* m_addressLabel;
+    ListenAddressBox* m_address;
     std::vector<std::pair<std::string, QLabel*>> m_groups; // with the keys of their texts
-    std::vector<Action> m_actions;
+    std::vector<ActionButton*> m_actions;
     std::vector<sigslot::scoped_connection> m_connections;
-    QTimer m_logPause;
+    ActionLog m_log;
     KeyTriggers m_keys;
     mivo::settings::ShortCutMgr m_manager; // knows covers and services, and goes before them
     ShortcutFileRetry m_fileRetry;

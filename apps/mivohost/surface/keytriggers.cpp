@@ -43,15 +43,13 @@ KeyTriggers::KeyTriggers()
     qApp->installEventFilter(this);
 }
 
-void KeyTriggers::setBindings(const STLinkShortCutInfo& info)
+void KeyTriggers::setBindings(const std::vector<STShortCutItem>& bindings)
 {
     m_bindings.clear();
-    for (const auto* list : {&info.indexShortCutList, &info.pathShortCutList}) {
-        for (const STShortCutItem& item : *list) {
-            const QString keys = QString::fromStdString(item.shortCutStr);
-            if (!m_bindings.contains(keys)) {
-                m_bindings.insert(keys, item);
-            }
+    for (const STShortCutItem& item : bindings) {
+        const QString keys = QString::fromStdString(item.shortCutStr);
+        if (!m_bindings.contains(keys)) {
+            m_bindings.insert(keys, item);
         }
     }
 }

@@ -6,6 +6,8 @@
 #include <QtCore/QObject>
 #include <QtCore/QString>
 
+#include <vector>
+
 class QKeyEvent;
 
 namespace mivohost {
@@ -22,7 +24,7 @@ class KeyTriggers : public QObject
 public:
     KeyTriggers();
 
-    void setBindings(const STLinkShortCutInfo& info);
+    void setBindings(const std::vector<STShortCutItem>& bindings);
     /// Off at first.
     void setEnabled(bool on) { m_enabled = on; }
 

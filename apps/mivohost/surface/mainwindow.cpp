@@ -116,7 +116,7 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
     connect(m_settingsButton, &QPushButton::clicked, this, &MainWindow::openSettings);
     connect(m_language, qOverload<int>(&QComboBox::activated), this, &MainWindow::chooseLanguage);
     connect(m_actionPanel, &ActionPanel::failed, this, &MainWindow::showNotice);
-    connect(m_actionPanel, &ActionPanel::recovered, this,
+    connect(m_actionPanel, &ActionPanel::told, this,
             [this](const QString& key) { post(velorn::msgcenter::MsgInformation, hostText(key)); });
     connect(m_programs, &QTreeWidget::itemActivated, this, &MainWindow::play);
     connect(&m_project, &ProjectFile::changed, this, &MainWindow::showProject);

@@ -1,0 +1,108 @@
+#include "peripherals/udpinput.h"
+
+#include "base/hostlog.h"
+
+#include <QtNetwork/QNetworkInterface>
+
+#include <fmt/format.h>
+
+#include <utility>
+
+namespace mivohost {
+
+namespace {
+
+constexpr int retryAfter = 2000; // milliseconds
+
+int cardOf(const QHostAddress& address)
+{
+    for (const QNetworkInterface& card : QNetworkInterface::allInterfaces()) {
+        for (const QNetworkAddressEntry& entry : card.addressEntries()) {
+            if (entry.ip() == address) {
+                return card.index();
+            }
+        }
+    }
+    return 0;
+}
+
+} // namespace
+
+UdpInput::UdpInput(Setup setup) : m_setup(std::move(setup))
+{
+    m_retry.setInterval(retryAfter);
+    QObject::connect(&m_retry, &QTimer::timeout, &m_socket, [this] { tryToOpen(); });
+    QObject::connect(&m_socket, &QUdpSocket::readyRead, &m_socket, [this] { m_setup.read(); });
+}
+
+void UdpInput::open(std::uint16_t port)
+{
+    m_socket.close();
+    m_retry.stop();
+    m_port = port;
+    tryToOpen();
+}
+
+void UdpInput::close()
+{
+    m_socket.close();
+    m_retry.stop();
+    m_port = 0;
+    setFailure({});
+}
+
+void UdpInput::setAddress(const QHostAddress& address)
+{
+    m_address = address;
+    if (m_port != 0) {
+        open(m_port);
+    }
+}
+
+void UdpInput::tryToOpen()
+{
+    // A socket that is bound to the address of a card hears nothing that is sent to all of its
+    // network: such an input is bound to all addresses, and drops what came by another card.
+    const bool isFiltered = m_setup.isShared && !m_address.isNull() && !m_address.isLoopback();
+    const auto mode = m_setup.isShared ? QUdpSocket::ShareAddress | QUdpSocket::ReuseAddressHint
+                                       : QUdpSocket::BindMode(QUdpSocket::DontShareAddress);
+    m_card = isFiltered ? cardOf(m_address) : 0;
+    std::string problem;
+    if (isFiltered && m_card == 0) {
+        problem = "no network card has the address " + m_address.toString().toStdString();
+    } else if (!m_socket.bind(m_address.isNull() || isFiltered ? QHostAddress(QHostAddress::AnyIPv4)
+                                                               : m_address,
+                              m_port, mode)) {
+        problem = m_socket.errorString().toStdString();
+        m_socket.close();
+    }
+    if (problem.empty()) {
+        m_retry.stop();
+        setFailure({});
+    } else {
+        m_retry.start();
+        setFailure(fmt::format("UDP {}: {}", m_port, problem));
+    }
+}
+
+void UdpInput::setFailure(const std::string& failure)
+{
+    if (failure == m_failure) {
+        return;
+    }
+    m_failure = failure;
+    if (!failure.empty()) {
+        hostLog()->warn("no {}: {}", m_setup.name, failure);
+    }
+    m_setup.failureChanged();
+}
+
+QNetworkDatagram UdpInput::receive()
+{
+    QNetworkDatagram datagram = m_socket.receiveDatagram();
+    const bool isForAddress = m_card == 0 || datagram.destinationAddress() == m_address
+                              || static_cast<int>(datagram.interfaceIndex()) == m_card;
+    return isForAddress ? datagram : QNetworkDatagram();
+}
+
+} // namespace mivohost

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <QtCore/QTimer>
+#include <QtNetwork/QHostAddress>
+#include <QtNetwork/QNetworkDatagram>
+#include <QtNetwork/QUdpSocket>
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+
+namespace mivohost {
+
+/// The UDP port of an input. A port that cannot be opened is tried again every two seconds until it
+/// is open or nobody wants it. GUI thread; the functions are called from the event loop.
+class UdpInput
+{
+public:
+    struct Setup
+    {
+        const char* name; ///< of the input, in the log
+        /// With other programs, and for what is sent to a whole network as well.
+        bool isShared = false;
+        /// Datagrams wait: it receives some of them, so that other events have their turn.
+        std::function<void()> read;
+        /// failure() has changed.
+        std::function<void()> failureChanged;
+    };
+
+    explicit UdpInput(Setup setup);
+
+    /// Closes the port before. `failureChanged` may be called at once.
+    void open(std::uint16_t port);
+    void close();
+
+    /// Only what is sent to this address of the machine is received; a null one stands for all.
+    void setAddress(const QHostAddress& address);
+
+    /// Why it is not open although it is to be; empty when all is well.
+    const std::string& failure() const { return m_failure; }
+
+    /// The next datagram; an invalid one when it was not sent to the address.
+    QNetworkDatagram receive();
+
+    QUdpSocket& socket() { return m_socket; }
+
+private:
+    void tryToOpen();
+    void setFailure(const std::string& failure);
+
+    const Setup m_setup;
+    std::uint16_t m_port = 0; // 0: it is not to be open
+    QHostAddress m_address;
+    int m_card = 0; // the network card that has the address; 0 for all
+    std::string m_failure;
+    QTimer m_retry;
+    QUdpSocket m_socket;
+};
+
+} // namespace mivohost

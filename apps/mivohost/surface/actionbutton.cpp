@@ -1,0 +1,62 @@
+#include "surface/actionbutton.h"
+
+#include "base/hosttext.h"
+
+#include <mivosettingswidgets/shortcuttable.h>
+#include <mivowidgets/shortcutcover.h>
+
+#include <QtWidgets/QStyle>
+
+namespace mivohost {
+
+namespace {
+
+constexpr int flashTime = 300; // ms
+
+} // namespace
+
+ActionButton::ActionButton(int actionType, const std::string& actionPath)
+    : m_type(actionType), m_path(actionPath),
+      m_textKey(actionPath.substr(mivo::settings::peripheralPrefix.size())),
+      m_cover(new mivo::widgets::ShortCutCover(static_cast<EnumShortCutType>(actionType),
+                                               actionPath, this))
+{
+    setProperty("style", QStringLiteral("action"));
+    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    m_flash.setSingleShot(true);
+    m_flash.setInterval(flashTime);
+    connect(&m_flash, &QTimer::timeout, this, [this] { setState("flash", false); });
+}
+
+void ActionButton::setTexts()
+{
+    const QString name = hostText(QString::fromStdString(m_textKey));
+    setText(name);
+    setToolTip(name);
+    m_cover->setClearText(hostText("ClearShortcut"));
+    m_cover->setToolTip(name);
+    m_cover->setAccessibleName(name);
+}
+
+void ActionButton::setEditing(bool on)
+{
+    setMinimumHeight(on ? sizeHint().height() + fontMetrics().height() : 0);
+    setState("editing", on);
+}
+
+void ActionButton::flash()
+{
+    if (!m_flash.isActive()) {
+        setState("flash", true);
+    }
+    m_flash.start();
+}
+
+void ActionButton::setState(const char* name, bool on)
+{
+    setProperty(name, on);
+    style()->unpolish(this); // the style sheet knows the property
+    style()->polish(this);
+}
+
+} // namespace mivohost
