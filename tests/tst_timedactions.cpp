@@ -134,7 +134,7 @@ TEST(DeadlineWatch, FindsADeadlineOnceWhateverTheClockDoes)
 TEST(DeadlineWatch, AnEditedScheduleCountsFromTheEditOn)
 {
     DeadlineWatch watch;
-    const Schedule off(STMivoTimedShutdownSettings{false, 0, "12:00:00"});
+    const Schedule off(STMivoTimedShutdownSettings{false, 0, "12:00:05"});
     watch.look(at("2026-05-04 12:00:00"), daily("18:00:00"));
     EXPECT_FALSE(watch.look(at("2026-05-04 12:00:02"), daily("12:00:01"))) << "has just passed";
     EXPECT_FALSE(watch.look(at("2026-05-04 12:00:03"), daily("12:00:01")));
@@ -144,6 +144,13 @@ TEST(DeadlineWatch, AnEditedScheduleCountsFromTheEditOn)
     EXPECT_FALSE(watch.look(at("2026-05-04 12:00:03"), daily("12:00:05")));
     EXPECT_FALSE(watch.look(at("2026-05-04 12:00:05"), daily("12:00:05"))) << "was due before";
     EXPECT_TRUE(watch.look(at("2026-05-05 12:00:05"), daily("12:00:05")));
+    // Another field, in the second of the deadline: 12 May is a Tuesday.
+    watch.look(at("2026-05-12 12:00:04"), daily("12:00:05"));
+    EXPECT_TRUE(watch.look(at("2026-05-12 12:00:05"), daily("12:00:05", 2)));
+    watch.look(at("2026-05-19 12:00:04"), daily("12:00:05", 2));
+    EXPECT_FALSE(watch.look(at("2026-05-19 12:00:05"), daily("12:00:05", 3)));
+    watch.look(at("2026-05-20 12:00:04"), off);
+    EXPECT_FALSE(watch.look(at("2026-05-20 12:00:05"), daily("12:00:05")));
 }
 
 namespace {
@@ -179,8 +186,13 @@ protected:
     QDateTime now = at("2026-05-04 11:59:00");
     std::vector<std::string> asked;
     std::vector<PowerAction> done;
+    std::function<void()> lastFailed;
     std::unique_ptr<mivohost::TimedActions> timed = std::make_unique<mivohost::TimedActions>(
-        runtime, store, [this](PowerAction action) { done.push_back(action); },
+        runtime, store,
+        [this](PowerAction action, const std::function<void()>& failed) {
+            done.push_back(action);
+            lastFailed = failed;
+        },
         [this] { return now; });
 };
 
@@ -213,27 +225,48 @@ TEST_F(Timed, AsksWhenTheStoresSchedulesAreDue)
               "warning|timed shutdown of 2026-05-11 12:30:01 was missed by 5399 s and is skipped");
 }
 
-TEST_F(Timed, OnePromptMeansOneAction)
+TEST_F(Timed, PromptsThatAreOpenAtOnceMeanOneAction)
 {
-    runtime.call([this] { store.setTimedShutdownSettings({true, 0, "12:00:00"}); });
-    using Decisions = std::vector<bool>;
-    for (const auto& [day, decisions, actions] :
-         {std::tuple("2026-05-09", Decisions{true}, 1U),
-          {"2026-05-10", Decisions{true, true, false, true}, 1U},
-          {"2026-05-11", Decisions{false, false}, 0U}}) {
-        goTo(day + QString(" 11:59:59"));
-        goTo(day + QString(" 12:00:00"));
-        for (const bool decision : decisions) {
-            runtime.call([&] { store.executeTimedShutdown(decision); });
+    runtime.call([this] {
+        store.setTimedShutdownSettings({true, 0, "12:00:00"});
+        store.setTimedAutomaticRestartSettings({true, 0, 0, "12:00:01"});
+    });
+    // What the prompts decide: "S" for the shutdown, "s" against it, "R" and "r" for the restart;
+    // "!" is that the action which was carried out last has failed.
+    for (const auto& [day, decisions, actions, cancelled] : {std::tuple("2026-05-09", "S", "S", 0U),
+                                                             {"2026-05-10", "SSsS", "S", 0U},
+                                                             {"2026-05-11", "sr", "", 2U},
+                                                             {"2026-05-12", "rS", "S", 1U},
+                                                             {"2026-05-13", "RSrs", "R", 0U},
+                                                             {"2026-05-14", "Ss!SR", "SS", 0U},
+                                                             {"2026-05-15", "S!Rr", "SR", 0U}}) {
+        for (const char* time : {" 11:59:59", " 12:00:00", " 12:00:01"}) {
+            goTo(QString(day) + time);
         }
-        EXPECT_EQ(done, std::vector(actions, PowerAction::shutdown)) << day;
-        done.clear();
+        log.clear();
+        for (const char what : std::string(decisions)) {
+            if (what == '!') {
+                lastFailed();
+            }
+            runtime.call([&, what] {
+                if (what == 'S' || what == 's') {
+                    store.executeTimedShutdown(what == 'S');
+                } else if (what != '!') {
+                    store.executeTimedAutomaticRestart(what == 'R');
+                }
+            });
+        }
+        std::string carriedOut;
+        for (const PowerAction action : std::exchange(done, {})) {
+            carriedOut += action == PowerAction::shutdown ? 'S' : 'R';
+        }
+        EXPECT_EQ(carriedOut, actions) << day;
+        EXPECT_EQ(log.lines().size(), cancelled) << day << ": the operator's no is logged";
     }
-    runtime.call([this] { store.executeTimedAutomaticRestart(true); });
-    EXPECT_EQ(done, std::vector{PowerAction::restart}) << "from elsewhere, without a prompt";
     timed.reset();
     runtime.call([this] { store.executeTimedShutdown(true); });
-    EXPECT_EQ(done.size(), 1U);
+    lastFailed();
+    EXPECT_TRUE(done.empty());
 }
 
 TEST(Power, GoesToTheSystemOnlyWhenAllowed)

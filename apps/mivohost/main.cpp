@@ -130,13 +130,20 @@ int runWindow(MainWindow& window, RuntimeThread& runtime, SettingsStore& store,
         autostart.emplace(runtime, store, QCoreApplication::applicationFilePath(), startArguments,
                           notify("AutostartFailed"));
     }
-    const TimedActions timed(
-        runtime, store,
-        [&window, allowed, failed = notify("PowerActionFailed")](PowerAction action) {
-            QMetaObject::invokeMethod(
-                &window, [=, &window] { carryOut(action, allowed, &window, failed); },
-                Qt::QueuedConnection);
-        });
+    const TimedActions timed(runtime, store,
+                             [&window, allowed, tell = notify("PowerActionFailed")](
+                                 PowerAction action, const std::function<void()>& failed) {
+                                 QMetaObject::invokeMethod(
+                                     &window,
+                                     [=, &window] {
+                                         carryOut(action, allowed, &window,
+                                                  [failed, tell](const QString& reason) {
+                                                      failed();
+                                                      tell(reason);
+                                                  });
+                                     },
+                                     Qt::QueuedConnection);
+                             });
 
     const Listener listener(runtime, store);
     const SoundCards soundCards(

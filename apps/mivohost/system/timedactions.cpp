@@ -4,6 +4,8 @@
 #include "mivohostkit/runtimethread.h"
 #include "mivohostkit/settingsstore.h"
 
+#include <QtCore/QPointer>
+
 #include <algorithm>
 #include <utility>
 
@@ -69,26 +71,25 @@ bool Schedule::isOn(const QDate& date) const
 std::optional<DeadlineWatch::Deadline> DeadlineWatch::look(const QDateTime& now,
                                                            const Schedule& schedule)
 {
-    const bool sameAsBefore = m_schedule && m_schedule->fields() == schedule.fields();
-    m_schedule = schedule;
+    const auto before = std::exchange(m_schedule, schedule);
     const qint64 instant = now.toMSecsSinceEpoch();
     const QDateTime wall = wallOf(now);
     // Kept apart: a local time that is kept changes its instant with the system's zone.
     const qint64 lastInstant = std::exchange(m_lastInstant, instant);
     const QDateTime lastWall = std::exchange(m_lastWall, wall);
-    if (!sameAsBefore) {
+    if (!before || before->time != schedule.time) {
         return std::nullopt;
     }
     const QDate first =
         std::max(std::min(lastWall.date(), wall.date()), wall.date().addDays(-daysLookedBack));
     for (QDate date = wall.date(); date >= first; date = date.addDays(-1)) {
-        if (!schedule.isOn(date)) {
+        if (!before->isOn(date) || !schedule.isOn(date)) {
             continue;
         }
         const QDateTime deadline(date, schedule.time, Qt::UTC);
         const qint64 moment = firstMoment(deadline, now);
-        // The one finds what passes while a zone further west turns the clock back, the other what
-        // a zone further east leaves behind.
+        // By instants: a change to a zone further west sets the wall clock back, but the deadline
+        // passes. By the wall clock: a change to a zone further east skips the deadline.
         const bool passed = (lastInstant < moment && moment <= instant)
                             || (lastWall < deadline && deadline <= wall);
         if (passed && !m_wereDue.contains(deadline)) {
@@ -156,7 +157,7 @@ bool TimedActions::isDue(Kind& kind, const QDateTime& now, const Schedule& sched
         deadline->wall.toString(QStringLiteral("yyyy-MM-dd hh:mm:ss")).toStdString();
     const auto logger = hostLog();
     if (deadline->due) {
-        kind.carriedOut = false;
+        m_isCarriedOut = false;
         logger->info("timed {} of {} is due", kind.name, wall);
     } else {
         logger->warn("timed {} of {} was missed by {} s and is skipped", kind.name, wall,
@@ -165,11 +166,22 @@ bool TimedActions::isDue(Kind& kind, const QDateTime& now, const Schedule& sched
     return deadline->due;
 }
 
-void TimedActions::decide(Kind& kind, bool now)
+void TimedActions::decide(const Kind& kind, bool now)
 {
-    // One prompt may decide twice, and its second word may be no.
-    if (now && !std::exchange(kind.carriedOut, true)) {
-        m_carryOut(kind.action);
+    // A prompt that runs out decides for the action and then, as it closes, against it.
+    if (m_isCarriedOut) {
+        return;
+    }
+    if (now) {
+        m_isCarriedOut = true;
+        m_carryOut(kind.action, [self = QPointer<TimedActions>(this)] {
+            if (self) {
+                self->m_runtime.post([&kept = *self] { kept.m_isCarriedOut = false; }, __FILE__,
+                                     __LINE__, "carryOut");
+            }
+        });
+    } else {
+        hostLog()->info("timed {} is not carried out: cancelled by the operator", kind.name);
     }
 }
 

@@ -53,9 +53,10 @@ public:
     };
 
     /// What passed between the look before this one and `now`, which is local time: the latest
-    /// deadline, if there is one and it was not due before. The first look, and the first one on
-    /// another schedule, find nothing. A time that the clock skips on that day passes when it
-    /// skips; of one that it shows twice the first counts.
+    /// deadline, if there is one and it was not due before. The first look, and the first one with
+    /// another time of day, find nothing; after another edit, what both schedules have counts. A
+    /// time that the clock skips on that day passes when it skips; of one that it shows twice the
+    /// first counts.
     std::optional<Deadline> look(const QDateTime& now, const Schedule& schedule);
 
 private:
@@ -66,7 +67,8 @@ private:
 };
 
 /// Asks for the timed actions of the store's schedules when they are due, and has them carried out
-/// when the operator has decided so.
+/// when the operator has decided so. Of several prompts that are open at once one action is carried
+/// out: no second one until a schedule is due again, or the first one has failed.
 ///
 /// Made and destroyed on the GUI thread, whose event loop ticks; everything else happens on the
 /// runtime thread. `runtime` and `store` must outlive it.
@@ -75,8 +77,10 @@ class TimedActions : public QObject
     Q_OBJECT
 
 public:
-    using Clock = std::function<QDateTime()>;                 // local time
-    using CarryOut = std::function<void(PowerAction action)>; // called on the runtime thread
+    using Clock = std::function<QDateTime()>; // local time
+    /// Called on the runtime thread. `failed` is to be called when it did not work, on the GUI
+    /// thread and at any time, so that an action can be decided again.
+    using CarryOut = std::function<void(PowerAction action, const std::function<void()>& failed)>;
 
     TimedActions(RuntimeThread& runtime, SettingsStore& store, CarryOut carryOut,
                  Clock clock = &QDateTime::currentDateTime);
@@ -91,11 +95,10 @@ private:
         PowerAction action;
         const char* name;
         DeadlineWatch watch;
-        bool carriedOut = false; // since it was asked for last
     };
 
     bool isDue(Kind& kind, const QDateTime& now, const Schedule& schedule);
-    void decide(Kind& kind, bool now);
+    void decide(const Kind& kind, bool now);
 
     RuntimeThread& m_runtime;
     SettingsStore& m_store;
@@ -104,6 +107,7 @@ private:
     QTimer m_tick{this};
     Kind m_shutdown{PowerAction::shutdown, "shutdown", {}};
     Kind m_restart{PowerAction::restart, "restart", {}};
+    bool m_isCarriedOut = false;                    // one of them, since one was due last
     std::vector<sigslot::connection> m_connections; // runtime thread
 };
 
