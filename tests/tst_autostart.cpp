@@ -1,6 +1,7 @@
 #include "system/autostart.h"
 
 #include "mivohostkit/runtimethread.h"
+#include "system/runninginstance.h"
 #include "system/tray.h"
 
 #include "support/files.h"
@@ -10,12 +11,22 @@
 #include <gtest/gtest.h>
 
 #include <QtCore/QCoreApplication>
-#include <QtCore/QDir>
 #include <QtCore/QFileInfo>
+#include <QtCore/QTemporaryDir>
+#include <QtTest/QSignalSpy>
+#include <QtTest/QTest>
+
+#include <sys/resource.h>
+
+#include <chrono>
+#include <csignal>
+#include <future>
+#include <optional>
 
 namespace autostarttest {
 
 using mivohost::Autostart;
+using mivohost::RunningInstance;
 
 // By the rules of desktop entries: quotes around each argument, in it a backslash before ", `, $
 // and \, and %% for %; on all of that the escapes of a value: \\, \n, \t and \r.
@@ -39,44 +50,91 @@ TEST(AutostartEntry, StartsExactlyThisProgramWithTheseArguments)
     }
 }
 
-TEST(Autostart, FollowsTheStore)
+TEST(Autostart, FollowsWhatTheStoreKeeps)
 {
     const LogCapture log;
     const QString path = Autostart::entryPath();
-    const auto starts = [&path](const QByteArray& command) {
-        return readFile(path).endsWith("\nExec=" + command + '\n');
-    };
     mivohost::RuntimeThread runtime;
-    TestStore store({{"autoStart", 1}, {"autoStartDelayTime", 30}});
     QStringList failures;
-    {
-        const Autostart autostart(runtime, store, "/opt/mivohost", {"--store", "x"},
-                                  [&](const QString& why) { failures.append(why); });
-        EXPECT_EQ(QFileInfo(path).completeBaseName(), QCoreApplication::applicationName());
-        EXPECT_TRUE(starts(R"("/opt/mivohost" "--store" "x" "--start-delay" "30")"));
-        runtime.call([&] { store.setAutoStartDelayTime(300); });
-        EXPECT_TRUE(starts(R"("/opt/mivohost" "--store" "x" "--start-delay" "300")"));
-        runtime.call([&] { store.setAutoStart(false); });
-        EXPECT_FALSE(QFile::exists(path));
-        runtime.call([&] { store.setAutoStartDelayTime(0); });
-        EXPECT_FALSE(QFile::exists(path));
-        EXPECT_TRUE(failures.isEmpty());
+    std::optional<TestStore> store;
+    std::optional<Autostart> autostart;
+    const auto start = [&](QVariantHash rows, bool allowed = false) { // of the store before, too
+        autostart.reset();
+        store.emplace(rows);
+        autostart.emplace(runtime, *store, "/opt/mivohost", allowed,
+                          [&](const QString& why) { failures.append(why); });
+    };
+    const auto command = [&path] {
+        const QByteArray entry = readFile(path);
+        return entry.mid(entry.indexOf("Exec=") + 5).trimmed().toStdString();
+    };
+    const std::string program = R"("/opt/mivohost" )";
+    const std::string withRight = program + R"("--allow-power-actions" "--start-delay" )";
 
-        ASSERT_TRUE(QDir().mkpath(path + "/in the way"));
-        runtime.call([&] { store.setAutoStart(true); });
-        runtime.call([&] { store.setAutoStart(false); });
-        EXPECT_EQ(failures.size(), 2);
-        EXPECT_TRUE(failures.value(0).startsWith(path)) << failures.value(0).toStdString();
-        EXPECT_TRUE(QDir(path).removeRecursively());
-    }
-    runtime.call([&] { store.setAutoStart(true); });
-    EXPECT_FALSE(QFile::exists(path)) << "nobody follows any more";
+    start({{"autoStart", 1}, {"autoStartDelayTime", 30}});
+    EXPECT_EQ(QFileInfo(path).completeBaseName(), QCoreApplication::applicationName());
+    EXPECT_EQ(command(), program + R"("--start-delay" "30")");
+    runtime.call([&] { store->setAutoStartDelayTime(300); });
+    EXPECT_EQ(command(), program + R"("--start-delay" "300")");
 
-    // An entry of before goes when the store says off.
-    store.setAutoStart(false);
-    writeFile(path);
-    const Autostart again(runtime, store, "/opt/mivohost", {}, [](const QString&) {});
+    start(store->kept.rows, true);
+    EXPECT_EQ(command(), withRight + R"("300")");
+    start(store->kept.rows); // by hand, without the option
+    EXPECT_EQ(command(), withRight + R"("300")") << "the entry has it already";
+
+    start({}); // a store that was lost
+    runtime.call([&] { store->setAutoStartDelayTime(10); });
+    EXPECT_EQ(command(), withRight + R"("300")");
+    start({{"autoStart", 7}});
+    EXPECT_EQ(command(), withRight + R"("300")") << "a value that it cannot be";
+
+    runtime.call([&] { store->setAutoStart(true); });
+    runtime.call([&] { store->setAutoStart(false); });
     EXPECT_FALSE(QFile::exists(path));
+    runtime.call([&] { store->setAutoStartDelayTime(0); });
+    EXPECT_FALSE(QFile::exists(path));
+    runtime.call([&] { store->setAutoStart(true); });
+    EXPECT_EQ(command(), program + R"("--start-delay" "0")") << "off and on takes the right away";
+    EXPECT_TRUE(failures.isEmpty());
+
+    rlimit before{};
+    ::getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit diskFull{0, before.rlim_max};
+    std::signal(SIGXFSZ, SIG_IGN);
+    ::setrlimit(RLIMIT_FSIZE, &diskFull);
+    runtime.call([&] { store->setAutoStartDelayTime(20); });
+    ::setrlimit(RLIMIT_FSIZE, &before);
+    EXPECT_EQ(failures.size(), 1);
+    EXPECT_TRUE(failures.value(0).startsWith(path + ": ")) << failures.value(0).toStdString();
+    EXPECT_EQ(command(), program + R"("--start-delay" "0")") << "the old one stays";
+
+    autostart.reset();
+    store->setAutoStart(false);
+    EXPECT_TRUE(QFile::exists(path)) << "nobody follows any more";
+    start(store->kept.rows);
+    EXPECT_FALSE(QFile::exists(path)) << "an entry of before goes when the store says off";
+}
+
+TEST(RunningInstance, ShowsItsWindowForAnotherStartOnTheSameData)
+{
+    const QTemporaryDir folder;
+    const QTemporaryDir otherFolder;
+    const auto isShown = [](const QTemporaryDir& data) {
+        auto answer = std::async(
+            std::launch::async, [path = data.path()] { return RunningInstance::show(path, 1000); });
+        EXPECT_TRUE(QTest::qWaitFor(
+            [&] { return answer.wait_for(std::chrono::seconds(0)) == std::future_status::ready; }));
+        return answer.get();
+    };
+    for (int start = 0; start < 2; ++start) { // the second after the first one's orderly end
+        const RunningInstance instance(folder.path());
+        QSignalSpy shown(&instance, &RunningInstance::showRequested);
+        EXPECT_TRUE(isShown(folder));
+        EXPECT_EQ(shown.size(), 1);
+        EXPECT_FALSE(isShown(otherFolder));
+        EXPECT_EQ(shown.size(), 1);
+    }
+    EXPECT_FALSE(isShown(folder));
 }
 
 TEST(Tray, TakesTheWindowOnlyWhereItCanBeGotBack)

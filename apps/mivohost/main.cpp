@@ -16,6 +16,7 @@
 #include "system/autostart.h"
 #include "system/listener.h"
 #include "system/power.h"
+#include "system/runninginstance.h"
 #include "system/timedactions.h"
 
 #include <mivosettingswidgets/settingwdigettranslatemanager.h>
@@ -123,11 +124,7 @@ int runWindow(MainWindow& window, RuntimeThread& runtime, SettingsStore& store,
     if (arguments.isSet(QStringLiteral("store"))) {
         hostLog()->info("the start at log-on stays as it is: these are other settings");
     } else {
-        QStringList startArguments; // what holds for this start holds for the one at log-on
-        if (allowed) {
-            startArguments << QStringLiteral("--allow-power-actions");
-        }
-        autostart.emplace(runtime, store, QCoreApplication::applicationFilePath(), startArguments,
+        autostart.emplace(runtime, store, QCoreApplication::applicationFilePath(), allowed,
                           notify("AutostartFailed"));
     }
     const TimedActions timed(runtime, store,
@@ -163,6 +160,11 @@ int runWindow(MainWindow& window, RuntimeThread& runtime, SettingsStore& store,
         });
         simulation.start(1000);
     }
+
+    const RunningInstance instance(
+        QStandardPaths::writableLocation(QStandardPaths::AppDataLocation));
+    QObject::connect(&instance, &RunningInstance::showRequested, &window,
+                     &MainWindow::bringToFront);
 
     // Hiding to the tray is not the end.
     QApplication::setQuitOnLastWindowClosed(false);
@@ -222,6 +224,12 @@ int run(const QCommandLineParser& arguments)
         // The shortcuts and the log have one owner, also when each has a store of its own.
         data.mkpath(QStringLiteral("."));
         if (!alone.tryLock(200) && alone.error() == QLockFile::LockFailedError) {
+            if (arguments.isSet(QStringLiteral("start-delay"))) {
+                return finished; // at log-on, but somebody was faster
+            }
+            if (!arguments.isSet(QStringLiteral("store")) && RunningInstance::show(data.path())) {
+                return finished;
+            }
             return refuse(storeInUse, hostText("DataInUse").arg(data.path()), true);
         }
     }

@@ -362,6 +362,7 @@ SettingsStore::SettingsStore(std::unique_ptr<SettingsPersistence> persistence,
         }
         if (const auto accepted = setting.accept(*row)) {
             m_values[setting.key] = *accepted;
+            m_keptKeys.insert(setting.key);
             continue;
         }
         hostLog()->warn("setting {} was {}, which it cannot be; reset to {}", setting.key,
@@ -380,6 +381,7 @@ SettingsStore::SettingsStore(std::unique_ptr<SettingsPersistence> persistence,
         const auto accepted = setting ? setting->accept(changed) : std::nullopt;
         if (accepted && m_values[key] != *accepted) {
             m_values[key] = *accepted;
+            m_keptKeys.insert(key);
             if (setting->announce != nullptr) {
                 setting->announce(*this, *accepted);
             }
@@ -605,6 +607,7 @@ void SettingsStore::set(const char* key, const QVariant& wanted)
     if (corrected != value(key)) {
         if (m_persistence->write(key, asRow(corrected))) {
             m_values[key] = corrected;
+            m_keptKeys.insert(key);
             hostLog()->info("setting {} = {}", key, logged(corrected));
         } else {
             hostLog()->error("setting {} could not be saved: {}", key,

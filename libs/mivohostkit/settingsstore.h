@@ -6,6 +6,8 @@
 #include "mivohostkit/settingspersistence.h"
 #include "mivohostkit/soundcardmappings.h"
 
+#include <QtCore/QSet>
+
 #include <array>
 #include <functional>
 #include <memory>
@@ -189,6 +191,9 @@ public:
     /// old value and announces it, so that no control shows what is not saved.
     void setFailureHandler(FailureHandler handler);
 
+    /// Whether a setting was read from what was kept, or has been set since; else it is a default.
+    bool isKept(const QString& key) const { return m_keptKeys.contains(key); }
+
     /// Key and value of every setting, in the table's order.
     std::vector<std::pair<QString, QVariant>> all() const;
 
@@ -207,6 +212,7 @@ private:
     std::unique_ptr<SettingsPersistence> m_persistence;
     SoundCardMappings m_soundCards;
     QVariantHash m_values;
+    QSet<QString> m_keptKeys;
     FailureHandler m_failure;
     PortHandler m_portHandler;
     std::array<STPortInfo, 2> m_ports; // as they are, not as they are wished

@@ -199,15 +199,18 @@ void MainWindow::openSettings()
     hostLog()->info("settings dialog open");
 }
 
+void MainWindow::bringToFront()
+{
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    show();
+    raise();
+    activateWindow();
+}
+
 void MainWindow::showTray()
 {
     m_tray = std::make_unique<Tray>();
-    connect(m_tray.get(), &Tray::showRequested, this, [this] {
-        setWindowState(windowState() & ~Qt::WindowMinimized);
-        show();
-        raise();
-        activateWindow();
-    });
+    connect(m_tray.get(), &Tray::showRequested, this, &MainWindow::bringToFront);
     connect(m_tray.get(), &Tray::settingsRequested, this, &MainWindow::openSettings);
     connect(m_tray.get(), &Tray::quitRequested, this, &MainWindow::quit);
 }

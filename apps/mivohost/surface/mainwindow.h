@@ -47,6 +47,9 @@ public:
 
     ActionPanel& actions() { return *m_actionPanel; }
 
+    /// Shows the window in front of the others, wherever it was.
+    void bringToFront();
+
     /// From now on with an icon in the system's tray, to which closing may hide the window.
     void showTray();
 

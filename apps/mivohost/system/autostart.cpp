@@ -3,15 +3,17 @@
 #include "base/hostlog.h"
 #include "mivohostkit/runtimethread.h"
 #include "mivohostkit/settingsstore.h"
+#include "zrcutils/nocachefile.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
-#include <QtCore/QSaveFile>
 #include <QtCore/QSettings>
 #include <QtCore/QStandardPaths>
 
+#include <cerrno>
+#include <system_error>
 #include <utility>
 
 namespace mivohost {
@@ -44,41 +46,65 @@ QString escaped(QString value)
 
 #ifdef Q_OS_WIN
 
-QString setEntry(bool on, const QString& program, const QStringList& arguments)
+QSettings runKey()
 {
-    QSettings run(
-        QStringLiteral("HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Run"),
-        QSettings::NativeFormat);
+    return {QStringLiteral("HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Run"),
+            QSettings::NativeFormat};
+}
+
+QString currentEntry()
+{
+    return runKey().value(QCoreApplication::applicationName()).toString();
+}
+
+QString setEntry(const QString& program, const QStringList& arguments)
+{
     QString command;
     for (const QString& part : QStringList{QDir::toNativeSeparators(program)} + arguments) {
         command += (command.isEmpty() ? QString() : QStringLiteral(" ")) + '"' + part + '"';
     }
-    if (on) {
-        run.setValue(QCoreApplication::applicationName(), command);
-    } else {
-        run.remove(QCoreApplication::applicationName());
-    }
+    QSettings run = runKey();
+    run.setValue(QCoreApplication::applicationName(), command);
+    run.sync();
+    return run.status() == QSettings::NoError ? QString() : run.fileName();
+}
+
+QString removeEntry()
+{
+    QSettings run = runKey();
+    run.remove(QCoreApplication::applicationName());
     run.sync();
     return run.status() == QSettings::NoError ? QString() : run.fileName();
 }
 
 #else
 
+/// Empty without an entry.
+QString currentEntry()
+{
+    QFile file(Autostart::entryPath());
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.read(1 << 16)) : QString();
+}
+
 /// Empty, or why it did not work.
-QString setEntry(bool on, const QString& program, const QStringList& arguments)
+QString setEntry(const QString& program, const QStringList& arguments)
 {
     const QString path = Autostart::entryPath();
-    if (!on) {
-        QFile file(path);
-        return !file.exists() || file.remove() ? QString() : path + ": " + file.errorString();
-    }
     QDir().mkpath(QFileInfo(path).absolutePath());
-    QSaveFile file(path);
-    const bool written =
-        file.open(QIODevice::WriteOnly)
-        && file.write(autostartEntry(QCoreApplication::applicationName(), program, arguments)) > 0
-        && file.commit();
-    return written ? QString() : path + ": " + file.errorString();
+    const bool isSaved = NoCacheFile::saveToFile(
+        path.toStdString(),
+        autostartEntry(QCoreApplication::applicationName(), program, arguments).toStdString());
+    const int error = errno;
+    return isSaved ? QString()
+                   : path + ": " + QString::fromStdString(std::generic_category().message(error));
+}
+
+/// Empty, or why it did not work.
+QString removeEntry()
+{
+    QFile file(Autostart::entryPath());
+    return !file.exists() || file.remove() ? QString()
+                                           : file.fileName() + ": " + file.errorString();
 }
 
 #endif
@@ -97,9 +123,9 @@ QByteArray autostartEntry(const QString& name, const QString& program, const QSt
 }
 
 Autostart::Autostart(RuntimeThread& runtime, SettingsStore& store, const QString& program,
-                     const QStringList& arguments, FailureHandler failed)
-    : m_runtime(runtime), m_store(store), m_program(program), m_arguments(arguments),
-      m_failed(std::move(failed))
+                     bool powerActionsAllowed, FailureHandler failed)
+    : m_runtime(runtime), m_store(store), m_program(program),
+      m_powerActionsAllowed(powerActionsAllowed), m_failed(std::move(failed))
 {
     m_runtime.call([this] {
         m_connections = {
@@ -127,10 +153,22 @@ QString Autostart::entryPath()
 
 void Autostart::apply()
 {
+    if (!m_store.isKept("autoStart")) {
+        return; // nobody has set it, or the store was lost: what is there may be wanted
+    }
     const STMivoAutoStartSettings settings = m_store.getAutoStartSettings();
-    const QString reason = setEntry(
-        settings.autoStart, m_program,
-        m_arguments + QStringList{"--start-delay", QString::number(settings.autoStartDelayTime)});
+    QString reason;
+    if (settings.autoStart) {
+        const QString allow = QStringLiteral("--allow-power-actions");
+        QStringList arguments{QStringLiteral("--start-delay"),
+                              QString::number(settings.autoStartDelayTime)};
+        if (m_powerActionsAllowed || currentEntry().contains('"' + allow + '"')) {
+            arguments.prepend(allow);
+        }
+        reason = setEntry(m_program, arguments);
+    } else {
+        reason = removeEntry();
+    }
     if (!reason.isEmpty()) {
         hostLog()->error("start at log-on could not be set: {}", reason.toStdString());
         m_failed(reason);

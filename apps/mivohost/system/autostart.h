@@ -21,6 +21,9 @@ QByteArray autostartEntry(const QString& name, const QString& program,
 /// freedesktop autostart entry, on Windows through the Run key. The delay travels as the option
 /// "--start-delay SECONDS".
 ///
+/// An entry is written or removed only when the store keeps the setting: a store that was lost, or
+/// in which nobody has set it, changes nothing.
+///
 /// Made and destroyed on the GUI thread; works on the runtime thread. `runtime` and `store` must
 /// outlive it.
 class Autostart
@@ -28,10 +31,12 @@ class Autostart
 public:
     using FailureHandler = std::function<void(const QString& reason)>;
 
-    /// Brings the entry in line with the store at once, and at each change. `arguments` come before
-    /// the delay. `failed` is called on the runtime thread, also from here.
+    /// Brings the entry in line with the store at once, and at each change. The option
+    /// "--allow-power-actions" is in it when it was given to this start, or stands there already:
+    /// switching the start at log-on off and on again takes it away. `failed` is called on the
+    /// runtime thread, also from here.
     Autostart(RuntimeThread& runtime, SettingsStore& store, const QString& program,
-              const QStringList& arguments, FailureHandler failed);
+              bool powerActionsAllowed, FailureHandler failed);
     ~Autostart();
 
     Autostart(const Autostart&) = delete;
@@ -46,7 +51,7 @@ private:
     RuntimeThread& m_runtime;
     SettingsStore& m_store;
     QString m_program;
-    QStringList m_arguments;
+    bool m_powerActionsAllowed;
     FailureHandler m_failed;
     std::vector<sigslot::connection> m_connections; // runtime thread
 };
