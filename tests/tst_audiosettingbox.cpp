@@ -18,6 +18,7 @@
 
 #include <QtCore/QRegularExpression>
 #include <QtTest/QTest>
+#include <QtWidgets/QAbstractItemView>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QLayout>
 #include <QtWidgets/QScrollArea>
@@ -48,15 +49,13 @@ void settle()
     QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
-class MessageLog : public velorn::msgcenter::IMsgCenterMgr
+struct MessageLog : velorn::msgcenter::IMsgCenterMgr
 {
-public:
     void postMessage(const velorn::msgcenter::STMsgInfo& message) override
     {
-        messages.push_back(message);
+        all.push_back(message);
     }
-
-    std::vector<velorn::msgcenter::STMsgInfo> messages;
+    std::vector<velorn::msgcenter::STMsgInfo> all;
 };
 
 std::vector<ComboBox*> combosOf(const QWidget* editor)
@@ -76,7 +75,7 @@ std::vector<ComboBox*> combosOf(const QWidget* editor)
 }
 
 /// What a person sees of one column: "Hall: [None, A, B] = B 1-2 (3-4)"; a channel pair that is not
-/// played on stands in brackets.
+/// played on stands in brackets, and "!" where the hint says that nothing is played.
 std::string columnText(const ComboBox* combo)
 {
     QString text =
@@ -86,7 +85,8 @@ std::string columnText(const ComboBox* combo)
             text += mark->isChecked() ? ' ' + mark->text() : " (" + mark->text() + ')';
         }
     }
-    return text.toStdString();
+    const auto* hint = combo->parentWidget()->findChild<QLabel*>("soundCardPlaysNowhere");
+    return (hint != nullptr && !hint->isHidden() ? text + " !" : text).toStdString();
 }
 
 Lines columnsOf(const QWidget* editor)
@@ -238,6 +238,9 @@ TEST_F(Audio, TheButtonAddsUpToTwentyMappings)
     EXPECT_TRUE(editors().empty());
     add(19);
     EXPECT_TRUE(addButton()->isEnabled());
+    EXPECT_EQ(addButton()->toolTip(), "");
+    EXPECT_EQ(window.focusWidget(), nameOf(editors().back()));
+    EXPECT_FALSE(nameOf(editors().back())->visibleRegion().isEmpty()) << "it is scrolled to";
     runtime.takePosted();
     add();
     const auto hops = runtime.takePosted();
@@ -246,6 +249,7 @@ TEST_F(Audio, TheButtonAddsUpToTwentyMappings)
     EXPECT_EQ(hops.back().file, "audiosettingbox");
     EXPECT_EQ(hops.back().line, 314);
     EXPECT_FALSE(addButton()->isEnabled());
+    EXPECT_NE(addButton()->toolTip(), "");
     ASSERT_EQ(editors().size(), 20U);
     EXPECT_EQ(nameOf(editors().back())->text(), "Output 20");
 
@@ -257,36 +261,84 @@ TEST_F(Audio, TheButtonAddsUpToTwentyMappings)
     remove(editors()[4]);
     EXPECT_TRUE(addButton()->isEnabled());
     EXPECT_EQ(editors().size(), 19U);
-    add();
+    announce(&IMivoSettings::addSoundCardMappingRequested, STSoundCardMappingInfo());
     EXPECT_EQ(nameOf(editors().back())->text(), "Output 5") << "the next free one";
+    EXPECT_NE(window.focusWidget(), nameOf(editors().back())) << "not added here";
 }
 
-TEST_F(Audio, AChosenCardStaysWhileItIsAwayAndIsKnownByItsId)
+TEST_F(Audio, WhatIsChosenStaysWhileItsDeviceIsAwayAndIsKnownByItsId)
 {
-    setCards("", "", threeCards);
+    setCards("10.0.0.2", "Hall", threeCards);
     bind();
-    add();
-    choose(editors()[0], 0, "Beta");
-    setCards("", "", {threeCards[0], threeCards[2]});
-    const Lines absent{
-        "This machine: [None, Alpha, Gamma, Beta (not connected)] = Beta (not connected) 1-2 (3-4)"
-        " (5-6) (7-8)"};
+    add(2);
+    choose(editors()[0], 1, "Beta");
+    tell([](auto& cards) { cards.removeDevice("10.0.0.2"); });
+    const Lines absent{"This machine: [None] = None",
+                       "Hall: [None, Beta (not connected)] = Beta (not connected) 1-2 (3-4) (5-6) "
+                       "(7-8)"};
     EXPECT_EQ(columnsOf(editors()[0]), absent);
+    EXPECT_EQ(columnsOf(editors()[1]).size(), 1U);
     // Opening and closing the page does not drop it.
     store.kept.writes.clear();
-    page->unsetSettings();
-    delete page;
     makePage();
     bind();
     EXPECT_EQ(columnsOf(editors()[0]), absent);
     EXPECT_TRUE(store.kept.writes.empty());
 
     page->switchLanguage("zh_cn");
-    EXPECT_EQ(combosOf(editors()[0])[0]->currentText().toStdString(), "Beta （未连接）");
+    EXPECT_EQ(combosOf(editors()[0])[1]->currentText().toStdString(), "Beta （未连接）");
     page->switchLanguage("en");
-    setCards("", "", {threeCards[0], {"b", "Beta renamed", 4}, threeCards[2]});
-    EXPECT_EQ(columnsOf(editors()[0])[0],
-              "This machine: [None, Alpha, Beta renamed, Gamma] = Beta renamed 1-2 (3-4)");
+    setCards("10.0.0.2", "Hall", {threeCards[0], {"b", "Beta renamed", 4}});
+    EXPECT_EQ(columnsOf(editors()[0])[1],
+              "Hall: [None, Alpha, Beta renamed] = Beta renamed 1-2 (3-4)");
+}
+
+TEST_F(Audio, AnOpenListKeepsItsItemsAndWhatIsClickedIsChosen)
+{
+    setCards("", "", threeCards);
+    bind();
+    add(2);
+    ComboBox* combo = combosOf(editors()[0])[0];
+    const Lines before = columnsOf(editors()[0]);
+    for (const auto& [key, after] : {std::pair(Qt::Key_Escape, "[None, Gamma, Beta] = None"),
+                                     {Qt::Key_Return, "[None, Gamma] = Gamma 1-2 (3-4) (5)"}}) {
+        setCards("", "", threeCards);
+        combo->showPopup();
+        combo->view()->setCurrentIndex(combo->model()->index(3, 0)); // Gamma
+        setCards("", "", {threeCards[2], threeCards[1]});
+        if (key == Qt::Key_Return) {
+            choose(editors()[1], 0, "Beta");
+        }
+        EXPECT_EQ(columnsOf(editors()[0]), before);
+        QTest::keyClick(combo->view(), key);
+        settle();
+        EXPECT_EQ(columnsOf(editors()[0]), Lines{"This machine: " + std::string(after)});
+    }
+}
+
+TEST_F(Audio, TheFocusNeverMovesToAControlThatTheNextKeyWouldChange)
+{
+    setCards("", "", {threeCards[1]});
+    bind();
+    add(2);
+    choose(editors()[0], 0, "Beta");
+    auto* editor = editors()[0];
+    const auto focusOnDevice = [&](const std::string& device) {
+        setCards(device, "", threeCards);
+        setCards("10.0.0.9", "", threeCards);
+        combosOf(editor)[1]->setFocus();
+    };
+    focusOnDevice("10.0.0.1");
+    tell([](auto& cards) { cards.removeDevice("10.0.0.1"); });
+    EXPECT_EQ(window.focusWidget(), nameOf(editor)) << "left the cluster";
+    focusOnDevice("10.0.0.2");
+    tell([](auto& cards) { cards.setDeviceVisible("10.0.0.2", false); });
+    EXPECT_EQ(window.focusWidget(), nameOf(editor)) << "hidden";
+    combosOf(editor)[0]->parentWidget()->findChildren<CheckBox*>().back()->setFocus();
+    setCards("", "", {{"b", "Beta", 4}});
+    EXPECT_EQ(window.focusWidget(), nameOf(editor)) << "fewer channels";
+    remove(editor);
+    EXPECT_EQ(window.focusWidget(), addButton());
 }
 
 TEST_F(Audio, ADeviceHasItsNameOrElseItsAddressAndIsHiddenWithALineInTheLog)
@@ -295,11 +347,7 @@ TEST_F(Audio, ADeviceHasItsNameOrElseItsAddressAndIsHiddenWithALineInTheLog)
     bind();
     add();
     EXPECT_EQ(columnsOf(editors()[0])[1], "10.0.0.2: [None, Alpha] = None");
-    choose(editors()[0], 1, "Alpha");
-    setCards("10.0.0.2", "Hall", {});
-    EXPECT_EQ(columnsOf(editors()[0])[1],
-              "Hall: [None, Alpha (not connected)] = Alpha (not connected)");
-    setCards("10.0.0.2", "R&D <b>", {});
+    setCards("10.0.0.2", "R&D <b>", {{"a", "Alpha", 2}});
     const auto* label = combosOf(editors()[0])[1]->parentWidget()->findChild<QLabel*>();
     EXPECT_EQ(label->text(), "R&&D <b>") << "no key of the keyboard";
     EXPECT_EQ(label->toolTip(), "<p>R&amp;D &lt;b&gt;</p>") << "no markup";
@@ -348,9 +396,8 @@ TEST_F(Audio, OnlyAChangeOfACardRebuildsTheOffersOfAllOthers)
 
 TEST_F(Audio, ManyMappingsAreFilledInSeveralTurns)
 {
-    constexpr int deviceCount = 17;
     setCards("", "", threeCards);
-    for (int device = 1; device < deviceCount; ++device) {
+    for (int device = 1; device < 17; ++device) {
         setCards("10.0.0." + std::to_string(device), "", {{"x", "X", 2}});
     }
     runtime.call([this] {
@@ -363,10 +410,6 @@ TEST_F(Audio, ManyMappingsAreFilledInSeveralTurns)
     tell([](auto& cards) { cards.announceMappings(); }, false);
     QApplication::sendPostedEvents(); // but no timer
     ASSERT_EQ(editors().size(), 1U);
-    EXPECT_EQ(columnsOf(editors()[0]).size(), deviceCount);
-    EXPECT_TRUE(editors()[0]->visibleRegion().isEmpty()) << "it has no place yet";
-    QApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
-    EXPECT_FALSE(editors()[0]->visibleRegion().isEmpty());
     const int height = page->sizeHint().height();
     EXPECT_GT(height, 20 * editors()[0]->sizeHint().height()) << "the others' room";
 
@@ -377,7 +420,7 @@ TEST_F(Audio, ManyMappingsAreFilledInSeveralTurns)
     };
     ask({mappings[18].id, mivo::SoundCardChangeDeletion, {}, {}});
     ask({mappings[19].id, mivo::SoundCardChangeName, "Last", {}});
-    ask({mappings[19].id, mivo::SoundCardChangeLocalCard, {}, {"", "b", "Beta", 8, 1}});
+    ask({mappings[19].id, mivo::SoundCardChangeLocalCard, {}, {"", "a", "Alpha", 2, 1}});
     EXPECT_EQ(editors().size(), 1U) << "it is not its turn";
     page->unsetSettings();
     QTest::qWait(20);
@@ -385,17 +428,11 @@ TEST_F(Audio, ManyMappingsAreFilledInSeveralTurns)
     page->setSettings(&store);
     ASSERT_TRUE(QTest::qWaitFor([&] { return editors().size() == 19; }, 60000));
     settle();
-    const int each = editors()[0]->sizeHint().height();
-    const int last = editors().back()->sizeHint().height(); // with marks
-    EXPECT_EQ(page->sizeHint().height(), height - (each + 12) + (last - each))
+    EXPECT_EQ(page->sizeHint().height(), height - editors()[0]->sizeHint().height() - 12)
         << "less by the one that was deleted";
-    for (std::size_t i = 0; i < 18; ++i) {
-        EXPECT_EQ(columnsOf(editors()[i])[0], "This machine: [None, Alpha, Gamma] = None");
-    }
+    EXPECT_EQ(columnsOf(editors()[17])[0], "This machine: [None, Beta, Gamma] = None");
     EXPECT_EQ(nameOf(editors().back())->text(), "Last");
-    EXPECT_EQ(columnsOf(editors().back())[0],
-              "This machine: [None, Alpha, Beta, Gamma] = Beta 1-2 (3-4) (5-6) (7-8)");
-    EXPECT_EQ(combosOf(editors().back())[0]->accessibleDescription(), "Last");
+    EXPECT_EQ(columnsOf(editors().back())[0], "This machine: [None, Alpha, Beta, Gamma] = Alpha");
 }
 
 TEST_F(Audio, AnEditorByItselfReadsTheStoreAndKeepsWhatIsChosen)
@@ -405,9 +442,9 @@ TEST_F(Audio, AnEditorByItselfReadsTheStoreAndKeepsWhatIsChosen)
     VirtualMappingWidget editor({1, 0, "Main", {{"", "b", "Beta", 8, 1}}}, &runtime, &store);
     editor.show();
     editor.resetSoundCardsCombobox();
-    const std::string hall = "Hall: [None, X] = None";
     const std::string marks = " 1-2 (3-4) (5-6) (7-8)";
-    const Lines all{"This machine: [None, Alpha, Beta, Gamma] = Beta" + marks, hall};
+    const Lines all{"This machine: [None, Alpha, Beta, Gamma] = Beta" + marks,
+                    "Hall: [None, X] = None"};
     EXPECT_EQ(columnsOf(&editor), all);
     editor.setSoundCardDisable("", {"a", "b"});
     const std::string away = "Beta (not connected)";
@@ -417,10 +454,6 @@ TEST_F(Audio, AnEditorByItselfReadsTheStoreAndKeepsWhatIsChosen)
         << "others are offered from the next reset on";
     editor.deleteClusterDeviceSoundCard({"", "10.0.0.2"});
     EXPECT_EQ(columnsOf(&editor).size(), 1U) << "this machine stays";
-    editor.resetSoundCardWidget();
-    EXPECT_EQ(columnsOf(&editor), all);
-    editor.setSettings(nullptr);
-    setCards("", "", {});
     editor.resetSoundCardWidget();
     EXPECT_EQ(columnsOf(&editor), all);
 }
@@ -445,10 +478,6 @@ TEST_F(Audio, OddAnnouncementsAreTakenAsTheyCome)
         rename(editor, "Other");
     }
     EXPECT_EQ(posted(), Lines());
-    page->switchLanguage("zh_cn");
-    for (auto* editor : editors()) {
-        EXPECT_EQ(combosOf(editor)[0]->itemText(0).toStdString(), "无");
-    }
 }
 
 TEST_F(Audio, ANameIsTrimmedOfOneTo64CharactersAndUnique)
@@ -510,25 +539,19 @@ TEST_F(Audio, DeletingAsksFirstAndMayHappenAtAnyMoment)
         announce(&IMivoSettings::changeSoundCardMappingRequested,
                  STSoundCardChangeInfo{held()[place].id, mivo::SoundCardChangeDeletion, {}, {}});
     };
-    // While its own question is open, ...
+    // While its own question is open, or its list.
     remove(editors()[1], [&](TipDialog& /*question*/) { deleteFromElsewhere(1); });
     EXPECT_EQ(editors().size(), 2U);
-    // ... while its list is, and while the list of another one is.
-    for (const std::size_t open : {1U, 0U}) {
-        ComboBox* combo = combosOf(editors()[open])[0];
-        combo->showPopup();
-        settle();
-        const std::size_t before = editors().size();
-        deleteFromElsewhere(before - 1);
-        EXPECT_EQ(editors().size(), before - 1);
-        add();
-    }
+    combosOf(editors()[1])[0]->showPopup();
+    settle();
+    deleteFromElsewhere(1);
+    EXPECT_EQ(editors().size(), 1U);
     // The page itself may go while it asks.
     remove(editors()[0], [this](TipDialog& /*question*/) { delete page; });
     EXPECT_EQ(store.connections(), 0U);
 }
 
-TEST_F(Audio, AMismatchIsToldInBothLanguages)
+TEST_F(Audio, AMismatchIsToldInEveryLanguage)
 {
     bind();
     const STSoundCardMismatchInfo local{true, "10.0.0.9", "Line 1"};
@@ -541,7 +564,7 @@ TEST_F(Audio, AMismatchIsToldInBothLanguages)
         announce(&IMivoSettings::soundCardMismatch, slave);
     }
     Lines texts;
-    for (const auto& message : messages.messages) {
+    for (const auto& message : messages.all) {
         EXPECT_EQ(message.kind, 2U);
         EXPECT_EQ(message.programId, -1);
         EXPECT_EQ(message.time, 0);
@@ -552,7 +575,9 @@ TEST_F(Audio, AMismatchIsToldInBothLanguages)
         (Lines{"The sound cards of the backup 10.0.0.9 and this machine (Line 1) do not match.",
                "The sound cards of the slave's backup 10.0.0.9 and the slave (3) do not match.",
                "备机 10.0.0.9 与本机的声卡(Line 1)不一致。",
-               "从机的备机 10.0.0.9 与从机的声卡(3)不一致。"}));
+               "从机的备机 10.0.0.9 与从机的声卡(3)不一致。",
+               "SoundCardNumberOfBackUp10.0.0.9LocalDeviceLine 1) SoundCardMisMatch",
+               "SoundCardNumberOfSlaverBackUp10.0.0.9Slaver3) SoundCardMisMatch"}));
 }
 
 TEST_F(Audio, WithoutAStoreItLogsAndGoesOn)
@@ -563,11 +588,8 @@ TEST_F(Audio, WithoutAStoreItLogsAndGoesOn)
     setCards("", "", threeCards);
     bind();
     add();
-    const auto kept = held();
     page->unsetSettings();
     runtime.takePosted();
-    store.kept.writes.clear();
-
     log.clear();
     QTest::mouseClick(addButton(), Qt::LeftButton);
     choose(editors()[0], 0, "Alpha");
@@ -575,9 +597,7 @@ TEST_F(Audio, WithoutAStoreItLogsAndGoesOn)
               (Lines{"warning|setting is null \n //audiosettingbox.cpp:slotAddMapping()",
                      "warning|setting is null \n //audiosettingbox.cpp:slotMappingInfoChanged()"}));
     announce(&IMivoSettings::changeSoundCardMappingRequested,
-             STSoundCardChangeInfo{kept[0].id, mivo::SoundCardChangeName, "Other", {}});
-    announce(&IMivoSettings::soundCardMappingDeleted, kept[0]);
-    EXPECT_EQ(editors().size(), 1U);
+             STSoundCardChangeInfo{held()[0].id, mivo::SoundCardChangeName, "Other", {}});
     EXPECT_TRUE(runtime.takePosted().empty()) << "the store may be gone";
 
     page->setSettings(&store); // its editors go on
@@ -639,11 +659,11 @@ struct Model
     {
         std::vector<int> cards;
         bool visible = true;
+        bool isAway = false;
     };
     using Choices = std::map<std::string, Choice>; // by their devices
 
     std::map<std::uint64_t, Choices> mappings;
-    std::map<std::uint64_t, std::string> names;
     std::map<std::string, Device> devices;
     bool areDevicesTold = true;
 
@@ -654,43 +674,44 @@ struct Model
         return device.empty() ? "This machine" : areDevicesTold ? "at " + device : device;
     }
 
-    void add(std::uint64_t id)
-    {
-        int number = 1;
-        const auto isTaken = [&](const auto& other) {
-            return other.second == "Output " + std::to_string(number);
-        };
-        while (std::any_of(names.begin(), names.end(), isTaken)) {
-            ++number;
-        }
-        mappings[id];
-        names[id] = "Output " + std::to_string(number);
-    }
-
-    void rename(std::uint64_t id, const std::string& name)
-    {
-        if (std::none_of(names.begin(), names.end(),
-                         [&](const auto& other) { return other.second == name; })) {
-            names[id] = name;
-        }
-    }
-
     void remove(std::uint64_t id)
     {
         mappings.erase(id);
-        names.erase(id);
+        forget();
+    }
+
+    void leave(const std::string& device)
+    {
+        if (devices.count(device) > 0) {
+            devices[device] = {{}, true, true};
+            forget();
+        }
+    }
+
+    /// Devices that have left and are chosen on no more.
+    void forget()
+    {
+        for (auto device = devices.begin(); device != devices.end();) {
+            const bool isUsed =
+                std::any_of(mappings.begin(), mappings.end(), [&](const auto& mapping) {
+                    return mapping.second.count(device->first) > 0;
+                });
+            device = device->second.isAway && !isUsed ? devices.erase(device) : std::next(device);
+        }
     }
 
     static std::string marksOf(const Choice& choice)
     {
         std::string marks;
-        for (int first = 1; choice.card > 2 && first <= choice.card; first += 2) {
+        const bool playsNowhere = (choice.pairs & ((2U << (choice.card - 1) / 2) - 1)) == 0;
+        const bool hasMarks = choice.card > 2 || playsNowhere;
+        for (int first = 1; hasMarks && first <= choice.card; first += 2) {
             const std::string second = first < choice.card ? "-" + std::to_string(first + 1) : "";
             const std::string mark = std::to_string(first) + second;
             const bool isOn = ((choice.pairs >> (first / 2)) & 1U) != 0;
             marks += isOn ? " " + mark : " (" + mark + ")";
         }
-        return marks;
+        return playsNowhere ? marks + " !" : marks;
     }
 
     bool isTaken(std::uint64_t by, const std::string& device, int card) const
@@ -761,11 +782,11 @@ protected:
     void userStep()
     {
         ASSERT_TRUE(areEditorsShown());
-        const int what = random(11);
+        const int what = random(10);
         if (what < 2 || model.mappings.empty()) {
             if (model.mappings.size() < 8) {
                 add();
-                model.add(nextId++);
+                model.mappings[nextId++];
             }
             return;
         }
@@ -775,10 +796,6 @@ protected:
         if (what == 2) {
             remove(editor);
             model.remove(mapping->first);
-        } else if (what == 10) {
-            const std::string name = "Output " + std::to_string(20 + random(100));
-            rename(editor, QString::fromStdString(name));
-            model.rename(mapping->first, name);
         } else {
             use(mapping->second, editor, what < 7);
         }
@@ -800,6 +817,7 @@ protected:
             choose(editor, column, text);
             if (item == 0) {
                 choices.erase(device);
+                model.forget();
             } else if (const int card = text.section(' ', 1, 1).toInt();
                        choices[device].card != card) {
                 choices[device] = {card, 1};
@@ -829,7 +847,7 @@ protected:
         if (what == 8) {
             openPage(store);
         } else if (what == 0 && !device.empty()) {
-            model.devices.erase(device);
+            model.leave(device);
             tell([&](auto& cards) { cards.removeDevice(device); }, false);
         } else if (what == 1 && isKnown) {
             const bool visible = !model.devices[device].visible;
@@ -837,6 +855,7 @@ protected:
             tell([&](auto& cards) { cards.setDeviceVisible(device, visible); }, false);
         } else {
             auto& cards = model.devices[device].cards;
+            model.devices[device].isAway = false;
             const int card = 1 + random(6);
             const auto found = std::find(cards.begin(), cards.end(), card);
             if (found != cards.end()) {
@@ -859,11 +878,10 @@ protected:
             ASSERT_TRUE(QTest::qWaitFor([&] { return columnsOf(editor) == expected; }, 2000))
                 << ::testing::PrintToString(columnsOf(editor)) << " instead of "
                 << ::testing::PrintToString(expected) << ", step " << step << ", " << id;
-            ASSERT_EQ(nameOf(editor)->text().toStdString(), model.names[id]) << step;
         }
     }
 
-    Model model{{}, {}, {{"", {}}}};
+    Model model{{}, {{"", {}}}};
     std::uint64_t nextId = 1;
 
 private:

@@ -234,6 +234,25 @@ TEST_F(Mappings, CardsThatComeAndGoAreAnnounced)
     cards.removeDevice("d");
     EXPECT_EQ(takeTold(), (Lines{"cluster", "visible d; 0; ", "cluster", "left d"}));
     ASSERT_EQ(store->getSoundCardMappings().devices.size(), 1);
+
+    // While a card is chosen on it, a device that has left is shown, with its last name.
+    cards.setDeviceSoundCards("d", "Hall", {{"a", "A", 2}});
+    add();
+    change(1, SoundCardChangeClusterCard, {"d", "a", {}, 0, 1});
+    cards.setDeviceVisible("d", false);
+    takeTold();
+    cards.removeDevice("d");
+    EXPECT_EQ(takeTold(), (Lines{"visible d; 1; ", "cluster"}));
+    EXPECT_EQ(store->getSoundCardMappings().devices.last(),
+              (STDeviceSoundCards{"d", "Hall", {}, true}));
+    change(1, SoundCardChangeClusterCard, {"d", {}, {}, 0, 1});
+    EXPECT_EQ(takeTold(), (Lines{"changed 1; 8; ; d; ; ; 2; 1; ; ", "left d"}));
+    // Also after a restart, when it has not come yet.
+    open({{"soundCardMappings", R"({"mappings":[{"id":1,"name":"A","soundCards":[)"
+                                R"({"device":"d","id":"a","channels":2}]}]})"}});
+    EXPECT_EQ(store->getSoundCardMappings().devices.size(), 1);
+    change(1, SoundCardChangeDeletion);
+    EXPECT_EQ(takeTold(), (Lines{"deleted 1", "left d"}));
 }
 
 } // namespace soundcardmappingstest

@@ -1,13 +1,9 @@
 #include "mivohostkit/soundcardmappings.h"
 
 #include "mivohostkit/hostlog.h"
-
-#include <QtCore/QJsonArray>
-#include <QtCore/QJsonDocument>
-#include <QtCore/QJsonObject>
+#include "mivohostkit/soundcardmappings_p.h"
 
 #include <algorithm>
-#include <set>
 #include <utility>
 
 namespace mivohost {
@@ -20,45 +16,7 @@ using velorn::mediadispatch::STSoundCardMappingInfo;
 
 namespace {
 
-/// The first of `list` whose `field` is `value`; null when none is.
-template <typename List, typename Field, typename Value>
-auto findBy(List& list, Field field, const Value& value) -> decltype(list.data())
-{
-    const auto found = std::find_if(list.begin(), list.end(),
-                                    [&](const auto& item) { return item.*field == value; });
-    return found == list.end() ? nullptr : &*found;
-}
-
-template <typename Mapping>
-auto chosenOn(Mapping& mapping, const std::string& device)
-{
-    return findBy(mapping.soundCards, &STChosenSoundCard::device, device);
-}
-
-bool isChosenElsewhere(const std::vector<STSoundCardMappingInfo>& mappings,
-                       const STSoundCardMappingInfo& mapping, const STChosenSoundCard& card)
-{
-    return std::any_of(mappings.begin(), mappings.end(), [&](const auto& other) {
-        const auto* chosen = chosenOn(other, card.device);
-        return other.id != mapping.id && chosen != nullptr && chosen->id == card.id;
-    });
-}
-
-bool isNameFree(const std::vector<STSoundCardMappingInfo>& mappings,
-                const STSoundCardMappingInfo& mapping, const std::string& name)
-{
-    const auto* other = findBy(mappings, &STSoundCardMappingInfo::name, name);
-    return other == nullptr || other->id == mapping.id;
-}
-
-bool isName(const std::string& name)
-{
-    const QString text = QString::fromStdString(name);
-    return !text.trimmed().isEmpty() && text == text.trimmed()
-           && text.size() <= longestSoundCardMappingName;
-}
-
-std::string nextFreeName(const std::vector<STSoundCardMappingInfo>& mappings)
+std::string nextFreeName(const SoundCardMappingList& mappings)
 {
     for (std::size_t number = 1;; ++number) {
         std::string name = "Output " + std::to_string(number);
@@ -140,64 +98,6 @@ std::vector<STSoundCardChangeInfo> changesBetween(const STSoundCardMappingInfo& 
     return changes;
 }
 
-QJsonObject toJson(const STSoundCardMappingInfo& mapping)
-{
-    QJsonArray cards;
-    for (const auto& card : mapping.soundCards) {
-        cards.append(QJsonObject{{"device", QString::fromStdString(card.device)},
-                                 {"id", QString::fromStdString(card.id)},
-                                 {"caption", QString::fromStdString(card.caption)},
-                                 {"channels", static_cast<qint64>(card.channels)},
-                                 {"channelPairs", static_cast<qint64>(card.channelPairs)}});
-    }
-    return {{"id", static_cast<qint64>(mapping.id)},
-            {"name", QString::fromStdString(mapping.name)},
-            {"soundCards", cards}};
-}
-
-std::uint64_t numberIn(const QJsonObject& object, const char* key)
-{
-    // As a number, JSON's own is exact up to 2^53.
-    const double number = object[QLatin1String(key)].toDouble();
-    return number > 0 && number < 9e15 ? static_cast<std::uint64_t>(number) : 0;
-}
-
-std::string textIn(const QJsonObject& object, const char* key)
-{
-    return object[QLatin1String(key)].toString().toStdString();
-}
-
-STSoundCardMappingInfo fromJson(const QJsonObject& object)
-{
-    STSoundCardMappingInfo mapping;
-    mapping.id = numberIn(object, "id");
-    mapping.name = textIn(object, "name");
-    const QJsonArray cards = object[QLatin1String("soundCards")].toArray();
-    for (const QJsonValue& value : cards) {
-        const QJsonObject card = value.toObject();
-        mapping.soundCards.push_back({textIn(card, "device"), textIn(card, "id"),
-                                      textIn(card, "caption"),
-                                      static_cast<std::uint32_t>(numberIn(card, "channels")),
-                                      static_cast<std::uint32_t>(numberIn(card, "channelPairs"))});
-    }
-    return mapping;
-}
-
-/// Whether `mapping` can stand behind those that are there.
-bool canFollow(const std::vector<STSoundCardMappingInfo>& mappings,
-               const STSoundCardMappingInfo& mapping)
-{
-    std::set<std::string> devices;
-    const bool cardsFit =
-        std::all_of(mapping.soundCards.begin(), mapping.soundCards.end(), [&](const auto& card) {
-            return !card.id.empty() && card.channels > 0 && devices.insert(card.device).second
-                   && !isChosenElsewhere(mappings, mapping, card);
-        });
-    return cardsFit && mappings.size() < mostSoundCardMappings && isName(mapping.name)
-           && isNameFree(mappings, mapping, mapping.name)
-           && mapping.id > (mappings.empty() ? 0 : mappings.back().id);
-}
-
 } // namespace
 
 SoundCardMappings::SoundCardMappings(IMivoSettings& store, Keep keep)
@@ -216,6 +116,7 @@ void SoundCardMappings::announceMappings(bool refreshOnly)
 void SoundCardMappings::setDeviceSoundCards(const std::string& device, const std::string& caption,
                                             const std::vector<STSoundCardInfo>& cards)
 {
+    m_away.erase(device);
     const auto [place, isNew] = m_devices.try_emplace(device);
     STDeviceSoundCards& held = place->second;
     STDeviceSoundCards now{device, caption, {}, held.visible};
@@ -260,9 +161,36 @@ void SoundCardMappings::setDeviceSoundCards(const std::string& device, const std
 
 void SoundCardMappings::removeDevice(const std::string& device)
 {
-    if (!device.empty() && m_devices.erase(device) > 0) {
+    if (device.empty() || m_devices.count(device) == 0) {
+        return;
+    }
+    m_away.insert(device);
+    forgetUnused();
+    if (const auto found = m_devices.find(device); found != m_devices.end()) {
+        setDeviceVisible(device, true);
+        setDeviceSoundCards(device, std::string(found->second.caption), {});
+        m_away.insert(device); // it has not come
+    }
+}
+
+void SoundCardMappings::forgetUnused()
+{
+    std::vector<std::string> forgotten;
+    for (auto device = m_away.begin(); device != m_away.end();) {
+        const bool isUsed =
+            std::any_of(m_kept.mappings.begin(), m_kept.mappings.end(),
+                        [&](const auto& mapping) { return chosenOn(mapping, *device) != nullptr; });
+        if (isUsed) {
+            ++device;
+        } else {
+            m_devices.erase(*device);
+            forgotten.push_back(*device);
+            device = m_away.erase(device);
+        }
+    }
+    if (!forgotten.empty()) {
         m_all.reset();
-        m_store.clusterDeviceSoundCardsDeleted(std::vector<std::string>{device});
+        m_store.clusterDeviceSoundCardsDeleted(forgotten);
     }
 }
 
@@ -312,39 +240,6 @@ bool SoundCardMappings::isValid(const QString& text)
     return parsed(text).has_value();
 }
 
-std::optional<SoundCardMappings::Kept> SoundCardMappings::parsed(const QString& text)
-{
-    Kept kept;
-    if (text.isEmpty()) {
-        return kept;
-    }
-    const QJsonObject root = QJsonDocument::fromJson(text.toUtf8()).object();
-    if (!root[QLatin1String("mappings")].isArray()) {
-        return std::nullopt;
-    }
-    const QJsonArray mappings = root[QLatin1String("mappings")].toArray();
-    for (const QJsonValue& value : mappings) {
-        const STSoundCardMappingInfo mapping = fromJson(value.toObject());
-        if (!canFollow(kept.mappings, mapping)) {
-            return std::nullopt;
-        }
-        kept.mappings.push_back(mapping);
-    }
-    kept.nextId = std::max(numberIn(root, "nextId"),
-                           (kept.mappings.empty() ? 0 : kept.mappings.back().id) + 1);
-    return kept;
-}
-
-QString SoundCardMappings::written(const Kept& kept)
-{
-    QJsonArray mappings;
-    for (const auto& mapping : kept.mappings) {
-        mappings.append(toJson(mapping));
-    }
-    const QJsonObject root{{"nextId", static_cast<qint64>(kept.nextId)}, {"mappings", mappings}};
-    return QString::fromUtf8(QJsonDocument(root).toJson(QJsonDocument::Compact));
-}
-
 void SoundCardMappings::adopt(const QString& text)
 {
     const auto next = parsed(text);
@@ -354,10 +249,13 @@ void SoundCardMappings::adopt(const QString& text)
     const auto before = shown(std::exchange(m_kept, *next).mappings);
     m_all.reset();
     if (m_devices.empty()) {
-        // At the start nothing has been told yet: what is chosen is away until it is.
+        // At the start no device has been told of yet: those with a chosen card have no cards.
         for (const auto& mapping : m_kept.mappings) {
             for (const auto& card : mapping.soundCards) {
                 m_devices.try_emplace(card.device, STDeviceSoundCards{card.device, {}, {}});
+                if (!card.device.empty()) {
+                    m_away.insert(card.device);
+                }
             }
         }
     }
@@ -376,6 +274,7 @@ void SoundCardMappings::adopt(const QString& text)
             m_store.soundCardMappingChanged(change);
         }
     }
+    forgetUnused();
 }
 
 void SoundCardMappings::onAddRequested(const STSoundCardMappingInfo& request)
@@ -409,7 +308,7 @@ void SoundCardMappings::onChangeRequested(const STSoundCardChangeInfo& request)
     auto* chosen = chosenOn(*mapping, device);
     switch (request.kind) {
     case mivo::SoundCardChangeName:
-        if (isName(request.name) && isNameFree(next.mappings, *mapping, request.name)) {
+        if (mayBeNamed(next.mappings, *mapping, request.name)) {
             mapping->name = request.name;
         }
         break;

@@ -6,6 +6,7 @@
 #include <functional>
 #include <map>
 #include <optional>
+#include <set>
 
 namespace mivohost {
 
@@ -34,8 +35,8 @@ public:
     void setDeviceSoundCards(const std::string& device, const std::string& caption,
                              const std::vector<mivo::settings::STSoundCardInfo>& cards);
 
-    /// The device has left the cluster: nothing is shown of it until it comes again. This machine
-    /// never does.
+    /// The device has left the cluster. It stays known, without cards, while one is chosen on it,
+    /// and else until it comes again nothing is shown of it. This machine never leaves.
     void removeDevice(const std::string& device);
 
     /// Whether pages show the cards of a device that is known.
@@ -70,6 +71,9 @@ private:
     const mivo::settings::STSoundCardInfo* findCard(const std::string& device,
                                                     const std::string& id) const;
 
+    /// Drops the devices that have left and on which no card is chosen any more.
+    void forgetUnused();
+
     /// Takes over what the chosen cards of a device are called now, and how many channels they
     /// have.
     void renewChosen(const mivo::settings::STDeviceSoundCards& device);
@@ -78,6 +82,7 @@ private:
     Keep m_keep;
     Kept m_kept;
     std::map<std::string, mivo::settings::STDeviceSoundCards> m_devices;
+    std::set<std::string> m_away; // those in m_devices that have left, or never came
     std::optional<mivo::settings::STSoundCardMappingsInfo> m_all; // until something changes
 };
 

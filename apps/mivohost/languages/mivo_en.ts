@@ -779,6 +779,11 @@
         <translation>Add mapping</translation>
     </message>
     <message>
+        <source>SoundCardMappingsFull</source>
+        <comment>Widget</comment>
+        <translation>There are 20 mappings, which is the most. Delete one to add another.</translation>
+    </message>
+    <message>
         <source>MappingName</source>
         <comment>Widget</comment>
         <translation>Name</translation>
@@ -807,6 +812,11 @@
         <source>SoundCardNotConnected</source>
         <comment>Widget</comment>
         <translation>(not connected)</translation>
+    </message>
+    <message>
+        <source>SoundCardPlaysNowhere</source>
+        <comment>Widget</comment>
+        <translation>No channel is on: this plays nowhere.</translation>
     </message>
     <message>
         <source>ThisMachine</source>

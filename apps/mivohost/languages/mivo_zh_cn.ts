@@ -779,6 +779,11 @@
         <translation>添加映射</translation>
     </message>
     <message>
+        <source>SoundCardMappingsFull</source>
+        <comment>Widget</comment>
+        <translation>最多 20 个映射，删除一个后才能添加。</translation>
+    </message>
+    <message>
         <source>MappingName</source>
         <comment>Widget</comment>
         <translation>名称</translation>
@@ -807,6 +812,11 @@
         <source>SoundCardNotConnected</source>
         <comment>Widget</comment>
         <translation>（未连接）</translation>
+    </message>
+    <message>
+        <source>SoundCardPlaysNowhere</source>
+        <comment>Widget</comment>
+        <translation>没有启用的声道：不会播放。</translation>
     </message>
     <message>
         <source>ThisMachine</source>

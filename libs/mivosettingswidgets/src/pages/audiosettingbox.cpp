@@ -12,6 +12,7 @@
 #include <QtCore/QTimer>
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QLabel>
+#include <QtWidgets/QScrollArea>
 
 #include <algorithm>
 #include <deque>
@@ -30,8 +31,8 @@ using velorn::msgcenter::IMsgCenterMgr;
 
 namespace {
 
-/// What is made of editors in one turn of the event loop, counted in columns: some hundred of them
-/// would hold up the frames that come meanwhile. An editor without any takes as long as two.
+/// How much is made in one turn of the event loop, counted in columns: some hundred of them would
+/// hold up the frames that come meanwhile. An editor without any takes as long as two columns.
 constexpr int columnsInTurn = 32;
 constexpr int columnsForEditor = 2;
 
@@ -103,8 +104,8 @@ private:
     void followStore();
 
     using Reset = void (VirtualMappingWidget::*)(const STSoundCardMappingsInfo& known);
-    static constexpr Reset offers = &VirtualMappingWidget::resetSoundCardsCombobox;
-    static constexpr Reset columns = &VirtualMappingWidget::resetSoundCardWidget;
+    static constexpr Reset resetOffers = &VirtualMappingWidget::resetSoundCardsCombobox;
+    static constexpr Reset resetColumns = &VirtualMappingWidget::resetSoundCardWidget;
     std::optional<STSoundCardMappingsInfo> readMappings(const CallSite& site)
     {
         return readIfThere(zrRuntime, site, &IMivoSettings::getSoundCardMappings, sharedSettings);
@@ -130,6 +131,9 @@ private:
     void reserve();
 
     void setAddedMappingBtnState();
+    void setAddTip();
+    /// Has the user who added a mapping see it and name it.
+    void focusNew(VirtualMappingWidget* editor);
 
     // Store to slot, on the thread on which the store announces it.
     void mappingsInit(const STAllDeviceSoundCardMappings& all) { queue("onMappingsInit", all); }
@@ -154,6 +158,8 @@ private:
     QVBoxLayout* m_column = new QVBoxLayout(owner);
     std::map<std::uint64_t, VirtualMappingWidget*> m_editors;
     std::deque<STSoundCardMappingInfo> m_waiting; // for their editors
+    bool m_isAdding = false;         // the user has asked here, and there is no answer yet
+    std::uint64_t m_toBeFocused = 0; // the mapping that was the answer; 0: none
     QTimer m_makeEditors;
     int m_room = 0; // that one of them takes
 };
@@ -166,6 +172,7 @@ AudioSettingBox::Impl::Impl(AudioSettingBox* page) : SettingPageImpl(page, "Audi
     addNavigationText("AudioSettings");
     addText("soundCardInfo", m_info);
     addText("addMapping", m_add);
+    addText("SoundCardMappingsFull", [this](const QString& /*tip*/) { setAddTip(); });
 
     m_makeEditors.setSingleShot(true);
     connect(&m_makeEditors, &QTimer::timeout, this, [this] { makeEditors("makeEditors"); });
@@ -262,17 +269,21 @@ void AudioSettingBox::Impl::makeEditors(const CallSite& site)
         return;
     }
     const LayoutPause pause(m_column);
-    const int columns = columnsForEditor + std::max(1, known->devices.size());
+    const int cost = columnsForEditor + std::max(1, known->devices.size());
     int made = 0;
-    while (!m_waiting.empty() && (made == 0 || made + columns <= columnsInTurn)) {
+    while (!m_waiting.empty() && (made == 0 || made + cost <= columnsInTurn)) {
         const auto now = std::find_if(
             known->mappings.begin(), known->mappings.end(),
             [this](const auto& mapping) { return mapping.id == m_waiting.front().id; });
         auto* editor = makeEditor(now == known->mappings.end() ? m_waiting.front() : *now);
         editor->resetSoundCardsCombobox(*known);
         m_room = editor->sizeHint().height() + m_column->spacing();
+        if (m_toBeFocused == m_waiting.front().id) {
+            m_toBeFocused = 0;
+            focusNew(editor);
+        }
         m_waiting.pop_front();
-        made += columns;
+        made += cost;
     }
     reserve();
     if (!m_waiting.empty()) {
@@ -300,7 +311,7 @@ void AudioSettingBox::Impl::resetEditors(Reset reset, const CallSite& site,
 void AudioSettingBox::Impl::onMappingsInit(const STAllDeviceSoundCardMappings& all)
 {
     if (all.refreshOnly) {
-        resetEditors(columns, "onMappingsInit");
+        resetEditors(resetColumns, "onMappingsInit");
         return;
     }
     m_waiting.insert(m_waiting.end(), all.mappings.begin(), all.mappings.end());
@@ -310,7 +321,9 @@ void AudioSettingBox::Impl::onMappingsInit(const STAllDeviceSoundCardMappings& a
 
 void AudioSettingBox::Impl::onMappingAdded(const STSoundCardMappingInfo& info)
 {
+    const bool isAnswer = std::exchange(m_isAdding, false);
     if (info.state != velorn::mediadispatch::SoundCardMappingRefused) {
+        m_toBeFocused = isAnswer ? info.id : m_toBeFocused;
         m_waiting.push_back(info);
         makeEditors("onMappingAdded");
         setAddedMappingBtnState();
@@ -328,7 +341,7 @@ void AudioSettingBox::Impl::onMappingChanged(const STSoundCardChangeInfo& change
         editor->refreshMappingInfo(change);
     }
     if (change.kind == SoundCardChangeLocalCard || change.kind == SoundCardChangeClusterCard) {
-        resetEditors(offers, "onMappingChanged", editor);
+        resetEditors(resetOffers, "onMappingChanged", editor);
     }
 }
 
@@ -336,7 +349,9 @@ void AudioSettingBox::Impl::onMappingDeleted(const STSoundCardMappingInfo& info)
 {
     const auto deleted = m_editors.find(info.id);
     const auto waiting = findWaiting(info.id);
+    bool hadFocus = false;
     if (deleted != m_editors.end()) {
+        hadFocus = deleted->second->isAncestorOf(owner->window()->focusWidget());
         deleteEditor(deleted->second);
         m_editors.erase(deleted);
     } else if (waiting != m_waiting.end()) {
@@ -345,8 +360,11 @@ void AudioSettingBox::Impl::onMappingDeleted(const STSoundCardMappingInfo& info)
     } else {
         return;
     }
-    resetEditors(offers, "onMappingDeleted");
+    resetEditors(resetOffers, "onMappingDeleted");
     setAddedMappingBtnState();
+    if (hadFocus) { // else the next key would change the next mapping
+        m_add->setFocus();
+    }
 }
 
 void AudioSettingBox::Impl::deleteEditor(VirtualMappingWidget* editor)
@@ -367,7 +385,7 @@ void AudioSettingBox::Impl::onSoundCardEnableSet(const STLocalSoundCardList& lis
     forEachEditor([&](VirtualMappingWidget& editor) {
         editor.setSoundCardEnable(list.device, list.soundCards);
     });
-    resetEditors(offers, "onSoundCardEnableSet");
+    resetEditors(resetOffers, "onSoundCardEnableSet");
 }
 
 void AudioSettingBox::Impl::onSoundCardDisableSet(const STLocalSoundCardList& list)
@@ -375,12 +393,12 @@ void AudioSettingBox::Impl::onSoundCardDisableSet(const STLocalSoundCardList& li
     forEachEditor([&](VirtualMappingWidget& editor) {
         editor.setSoundCardDisable(list.device, list.soundCards);
     });
-    resetEditors(offers, "onSoundCardDisableSet");
+    resetEditors(resetOffers, "onSoundCardDisableSet");
 }
 
 void AudioSettingBox::Impl::onClusterNodeSoundCardChanged()
 {
-    resetEditors(columns, "onClusterNodeSoundCardChanged");
+    resetEditors(resetColumns, "onClusterNodeSoundCardChanged");
 }
 
 void AudioSettingBox::Impl::deleteClusterDeviceSoundCard(const std::vector<std::string>& devices)
@@ -406,11 +424,34 @@ void AudioSettingBox::Impl::showDeviceSoundCards(const STDeviceSoundCardVisibleI
 void AudioSettingBox::Impl::setAddedMappingBtnState()
 {
     if (sharedSettings != nullptr) {
-        // A place that is not this one; kept on purpose.
+        // Not this function's file and line; kept on purpose.
         const CallSite site("setAddedMappingBtnState", "audiosettingbox", 314);
         m_add->setEnabled(read(&IMivoSettings::getSoundCardMappingCount, site)
                           < mostSoundCardMappings);
+        setAddTip();
     }
+}
+
+void AudioSettingBox::Impl::setAddTip()
+{
+    const QString tip =
+        m_add->isEnabled() ? QString() : settings::text(QStringLiteral("SoundCardMappingsFull"));
+    m_add->setToolTip(tip);
+    m_add->setAccessibleDescription(tip);
+}
+
+void AudioSettingBox::Impl::focusNew(VirtualMappingWidget* editor)
+{
+    editor->setFocus(Qt::TabFocusReason); // selects the name, so that typing replaces it
+    // Queued: the editor gets its place with the next layout.
+    QTimer::singleShot(0, editor, [editor] {
+        for (QWidget* outer = editor; outer != nullptr; outer = outer->parentWidget()) {
+            if (auto* area = qobject_cast<QScrollArea*>(outer)) {
+                area->ensureWidgetVisible(editor);
+                area->ensureWidgetVisible(editor->focusProxy()); // the editor may be too high
+            }
+        }
+    });
 }
 
 void AudioSettingBox::Impl::slotAddMapping()
@@ -419,6 +460,7 @@ void AudioSettingBox::Impl::slotAddMapping()
         warn("slotAddMapping", "setting is null");
         return;
     }
+    m_isAdding = true;
     submit([](MivoSettings* store,
               const STSoundCardMappingInfo& info) { store->addSoundCardMappingRequested(info); },
            STSoundCardMappingInfo());
@@ -449,16 +491,12 @@ void AudioSettingBox::Impl::setSoundCardMismatchMsg(const STSoundCardMismatchInf
     const QString card = QString::fromStdString(info.soundCard);
     const QString language =
         SettingWdigetTranslateManager::instance().translator().language().toLower();
-    QString message;
-    if (language == QLatin1String("zh_cn")) {
-        message = pair + card + QStringLiteral(")") + textOf("SoundCardMisMatch");
-    } else if (language == QLatin1String("en")) {
-        message = textOf("SoundCardNumberOf") + pair + card + QStringLiteral(") ")
-                  + textOf("SoundCardMisMatch");
-    }
-    if (!message.isEmpty()) { // another language has no wording
-        msgCenter->postMessage({velorn::msgcenter::MsgWarning, message.toStdString(), -1});
-    }
+    // Every language but Chinese is worded as English is.
+    const QString message = language == QLatin1String("zh_cn")
+                                ? pair + card + QStringLiteral(")") + textOf("SoundCardMisMatch")
+                                : textOf("SoundCardNumberOf") + pair + card + QStringLiteral(") ")
+                                      + textOf("SoundCardMisMatch");
+    msgCenter->postMessage({velorn::msgcenter::MsgWarning, message.toStdString(), -1});
 }
 
 AudioSettingBox::AudioSettingBox(QWidget* parent) : SettingPage(parent)

@@ -12,6 +12,7 @@
 #include <QtWidgets/QLabel>
 
 #include <algorithm>
+#include <functional>
 #include <utility>
 
 namespace mivo::settings {
@@ -28,17 +29,32 @@ constexpr int labelHeight = 20; // whatever its script, so that columns stand in
 constexpr int comboHeight = 26;
 constexpr int marksInRow = 3;
 
-/// One of some hundred boxes: without the list that opens until it does.
+/// One of some hundred boxes: without the list that opens until it does. `listShown` is called when
+/// the list has opened, and after it has closed and what was clicked in it has been taken.
 class CardBox : public ComboBox
 {
 public:
-    using ComboBox::ComboBox;
+    CardBox(QWidget* parent, std::function<void(bool isOpen)> listShown)
+        : ComboBox(parent), m_listShown(std::move(listShown))
+    {}
 
     void showPopup() override
     {
-        m_hasList = true;
+        if (!std::exchange(m_hasList, true)) {
+            view()->installEventFilter(this);
+        }
         view()->setFont(font());
         ComboBox::showPopup();
+        m_listShown(view()->isVisible());
+    }
+
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == QEvent::Hide) {
+            QMetaObject::invokeMethod(
+                this, [this] { m_listShown(view()->isVisible()); }, Qt::QueuedConnection);
+        }
+        return ComboBox::eventFilter(watched, event);
     }
 
 protected:
@@ -53,6 +69,7 @@ protected:
     }
 
 private:
+    std::function<void(bool isOpen)> m_listShown;
     bool m_hasList = false;
 };
 
@@ -103,7 +120,8 @@ bool contains(const std::vector<std::string>& ids, const std::string& id)
 
 SoundCardColumn::SoundCardColumn(std::string deviceName, QWidget* editor)
     : QWidget(editor), device(std::move(deviceName)), m_label(new QLabel(this)),
-      m_combo(new CardBox(this)), m_texts(new QStringListModel(m_combo))
+      m_combo(new CardBox(this, [this](bool isOpen) { setListOpen(isOpen); })),
+      m_texts(new QStringListModel(m_combo))
 {
     m_label->setGeometry(0, 0, columnWidth, labelHeight);
     m_label->setBuddy(m_combo);
@@ -117,6 +135,10 @@ SoundCardColumn::SoundCardColumn(std::string deviceName, QWidget* editor)
 void SoundCardColumn::setCards(const STDeviceSoundCards& known, std::uint64_t mapping,
                                const STChosenSoundCard* chosen)
 {
+    if (defersChange()) {
+        return;
+    }
+    m_hasCards = !known.soundCards.empty();
     bool isOther = !m_isShown;
     isOther |= replace(m_caption, known.caption.empty() ? device : known.caption);
     isOther |= replaceOffers(m_offered, known.soundCards, mapping);
@@ -128,8 +150,32 @@ void SoundCardColumn::setCards(const STDeviceSoundCards& known, std::uint64_t ma
 
 void SoundCardColumn::setChosen(const STChosenSoundCard* chosen)
 {
-    m_chosen = optionalOf(chosen);
-    showAll(); // even the same: the box shows what was wanted
+    if (!defersChange()) {
+        m_chosen = optionalOf(chosen);
+        showAll(); // even the same: the box shows what was wanted
+    }
+}
+
+void SoundCardColumn::translate()
+{
+    if (!defersChange()) {
+        showAll();
+    }
+}
+
+bool SoundCardColumn::defersChange()
+{
+    m_isOutdated |= m_isListOpen;
+    return m_isListOpen;
+}
+
+void SoundCardColumn::setListOpen(bool isOpen)
+{
+    m_isListOpen = isOpen;
+    if (!isOpen && std::exchange(m_isOutdated, false)) {
+        showAll();
+        emit outdated();
+    }
 }
 
 bool SoundCardColumn::isOffered(const std::string& id) const
@@ -140,7 +186,8 @@ bool SoundCardColumn::isOffered(const std::string& id) const
 
 void SoundCardColumn::enable(const std::vector<std::string>& soundCards)
 {
-    if (m_chosen && contains(soundCards, m_chosen->id) && !isOffered(m_chosen->id)) {
+    if (!defersChange() && m_chosen && contains(soundCards, m_chosen->id)
+        && !isOffered(m_chosen->id)) {
         m_offered.push_back({m_chosen->id, m_chosen->caption, m_chosen->channels});
         showAll();
     }
@@ -148,6 +195,9 @@ void SoundCardColumn::enable(const std::vector<std::string>& soundCards)
 
 void SoundCardColumn::disable(const std::vector<std::string>& soundCards)
 {
+    if (defersChange()) {
+        return;
+    }
     m_offered.erase(
         std::remove_if(m_offered.begin(), m_offered.end(),
                        [&](const STSoundCardInfo& card) { return contains(soundCards, card.id); }),
@@ -217,9 +267,14 @@ void SoundCardColumn::showAll()
 void SoundCardColumn::showMarks(std::uint32_t channels)
 {
     channels = std::min(channels, mostSoundCardChannels);
-    const std::size_t pairs = channels > 2 ? (channels + 1) / 2 : 0;
+    const std::size_t all = (channels + 1) / 2;
+    const bool playsNowhere = all > 0 && (m_chosen->channelPairs << (32 - all)) == 0;
+    const std::size_t pairs = channels > 2 || playsNowhere ? all : 0;
     const std::size_t before = m_marks.size();
     while (m_marks.size() > pairs) {
+        if (m_marks.back()->hasFocus()) {
+            emit focusedMarkGoes();
+        }
         m_marks.back()->hide();
         m_marks.back()->deleteLater();
         m_marks.pop_back();
@@ -237,8 +292,21 @@ void SoundCardColumn::showMarks(std::uint32_t channels)
         m_marks[pair]->setAccessibleDescription(m_combo->accessibleName());
         showValue(m_marks[pair], ((m_chosen->channelPairs >> pair) & 1U) != 0);
     }
-    if (before != pairs) {
+    const bool isHintOther = playsNowhere != (m_hint != nullptr);
+    if (isHintOther && playsNowhere) {
+        m_hint = new QLabel(this);
+        m_hint->setObjectName(QStringLiteral("soundCardPlaysNowhere"));
+        m_hint->setWordWrap(true);
+    } else if (isHintOther) {
+        delete std::exchange(m_hint, nullptr);
+    }
+    if (m_hint != nullptr) {
+        m_hint->setText(text(QStringLiteral("SoundCardPlaysNowhere")));
+    }
+    if (before != pairs || isHintOther) {
         placeMarks();
+    }
+    if (before != pairs) {
         emit tabStopsChanged();
     }
 }
@@ -255,6 +323,13 @@ void SoundCardColumn::placeMarks()
         }
         mark->setGeometry(place++ % marksInRow * width, bottom - height, width - gap, height);
         mark->show();
+    }
+    if (m_hint != nullptr) {
+        m_hint->ensurePolished();
+        const int height = m_hint->heightForWidth(columnWidth);
+        m_hint->setGeometry(0, bottom + gap, columnWidth, height);
+        m_hint->show();
+        bottom += gap + height;
     }
     setFixedSize(columnWidth, bottom);
 }
@@ -276,7 +351,7 @@ void SoundCardColumn::choose(int item)
     if (m_isShown && soundCard.id == (m_chosen ? m_chosen->id : std::string())) {
         return;
     }
-    m_isShown = false; // but what the user wants
+    m_isShown = false; // the box shows what the user wants, not what is chosen
     emit wanted(device.empty() ? mivo::SoundCardChangeLocalCard : mivo::SoundCardChangeClusterCard,
                 soundCard);
 }

@@ -19,8 +19,9 @@ namespace mivo::settings {
 /// One device in the editor of a sound-card mapping: its name, a box in which one of its cards is
 /// chosen, and a mark for each channel pair of a card that has more than one.
 ///
-/// GUI thread. It shows what it is told, and asks for changes by wanted(). Its parts have their
-/// places, since layouts of some hundred columns would take longer than all the rest.
+/// GUI thread. It shows what it is told, and asks for changes by wanted(). While its list is open
+/// it ignores what it is told, so that no item changes under the pointer, and says outdated() after
+/// that. Its parts have fixed places: layouts for some hundred columns take too long.
 class SoundCardColumn : public QWidget
 {
     Q_OBJECT
@@ -43,7 +44,10 @@ public:
 
     /// The name of the mapping, for those who do not see where the column stands.
     void setMappingName(const QString& name);
-    void translate() { showAll(); }
+    void translate();
+
+    /// Whether the device has no card, and none of it is chosen.
+    bool isEmpty() const { return !m_hasCards && !m_chosen; }
 
     /// In their order.
     std::vector<QWidget*> tabStops() const;
@@ -53,12 +57,19 @@ signals:
     void wanted(mivo::EnumSoundCardChange kind,
                 const velorn::mediadispatch::STChosenSoundCard& soundCard);
     void tabStopsChanged();
+    /// The mark with the focus is about to be removed.
+    void focusedMarkGoes();
+    /// Something was ignored while the list was open, which is closed now.
+    void outdated();
 
 protected:
     void changeEvent(QEvent* event) override;
 
 private:
     bool isOffered(const std::string& id) const;
+    /// Whether a change has to wait until the list is closed.
+    bool defersChange();
+    void setListOpen(bool isOpen);
     void showAll();
     void showMarks(std::uint32_t channels);
     void placeMarks();
@@ -68,13 +79,17 @@ private:
     std::string m_caption;
     std::vector<STSoundCardInfo> m_offered;
     std::optional<velorn::mediadispatch::STChosenSoundCard> m_chosen;
-    bool m_isShown = false; // what stands above, and nothing else
+    bool m_hasCards = false; // free or not
+    bool m_isShown = false;  // whether the controls show exactly the caption, offers and choice
+    bool m_isListOpen = false;
+    bool m_isOutdated = false;
 
     QLabel* m_label;
     mivo::widgets::ComboBox* m_combo;
     /// Of the items of the combo box: none, what is offered, and the chosen one if it is not.
     QStringListModel* m_texts;
     std::vector<mivo::widgets::CheckBox*> m_marks; // of the channel pairs
+    QLabel* m_hint = nullptr; // there while no channel pair of the chosen card is played on
 };
 
 } // namespace mivo::settings

@@ -60,6 +60,7 @@ public:
     void resetOffers(const STSoundCardMappingsInfo& known);
     void deleteColumns(const std::vector<std::string>& devices);
     void placeColumns();
+    void showColumn(SoundCardColumn* column, bool visible);
     void translate();
     SoundCardColumn* columnOf(const std::string& device) const
     {
@@ -78,6 +79,8 @@ private:
     void setTexts();
     SoundCardColumn* makeColumn(const std::string& device);
     void retire(SoundCardColumn* column);
+    /// Else the focus would go to the next device's box, and the next key would change it.
+    void moveFocusToNameFrom(const QWidget* leaving);
     /// Puts those of the column behind those of the one before it.
     void orderTabStops(const SoundCardColumn* column);
     void showName();
@@ -126,6 +129,7 @@ VirtualMappingWidget::Impl::Impl(VirtualMappingWidget* editor,
     column->setSpacing(12);
     column->addLayout(row);
     column->addLayout(m_grid);
+    editor->setFocusProxy(m_name);
     setTexts();
     showName();
 
@@ -152,6 +156,9 @@ SoundCardColumn* VirtualMappingWidget::Impl::makeColumn(const std::string& devic
             });
     connect(column, &SoundCardColumn::tabStopsChanged, this,
             [this, column] { orderTabStops(column); });
+    connect(column, &SoundCardColumn::focusedMarkGoes, this, [this] { m_name->setFocus(); });
+    connect(column, &SoundCardColumn::outdated, m_owner,
+            [this] { m_owner->resetSoundCardWidget(); });
     column->move(0, m_owner->height()); // not painted before it has its place
     column->show();
     return column;
@@ -196,9 +203,26 @@ void VirtualMappingWidget::Impl::deleteColumns(const std::vector<std::string>& d
 
 void VirtualMappingWidget::Impl::retire(SoundCardColumn* column)
 {
+    moveFocusToNameFrom(column);
     column->disconnect(this);
+    column->disconnect(m_owner);
     column->hide();
     column->deleteLater(); // its list may be open
+}
+
+void VirtualMappingWidget::Impl::moveFocusToNameFrom(const QWidget* leaving)
+{
+    if (leaving->isAncestorOf(m_owner->window()->focusWidget())) {
+        m_name->setFocus();
+    }
+}
+
+void VirtualMappingWidget::Impl::showColumn(SoundCardColumn* column, bool visible)
+{
+    if (!visible) {
+        moveFocusToNameFrom(column);
+    }
+    column->setVisible(visible);
 }
 
 void VirtualMappingWidget::Impl::resetOffers(const STSoundCardMappingsInfo& known)
@@ -225,7 +249,7 @@ void VirtualMappingWidget::Impl::resetOffers(const STSoundCardMappingsInfo& know
         const bool isKnown = found != devices.end();
         column->setCards(isKnown ? *found->second : none, m_info.id, chosenOn(column->device));
         if (isKnown) {
-            column->setVisible(found->second->visible);
+            showColumn(column, found->second->visible);
         }
     }
     placeColumns();
@@ -318,6 +342,9 @@ void VirtualMappingWidget::Impl::setChosen(const STChosenSoundCard& soundCard)
     }
     if (SoundCardColumn* column = columnOf(soundCard.device)) {
         column->setChosen(chosenOn(soundCard.device));
+        if (column->isEmpty()) {
+            deleteColumns({soundCard.device});
+        }
     }
 }
 
@@ -419,7 +446,7 @@ void VirtualMappingWidget::deleteClusterDeviceSoundCard(const std::vector<std::s
 void VirtualMappingWidget::setDeviceSoundCardVisible(const std::string& device, bool visible)
 {
     if (SoundCardColumn* column = m_impl->columnOf(device)) {
-        column->setVisible(visible);
+        m_impl->showColumn(column, visible);
         m_impl->placeColumns();
     }
 }

@@ -1,0 +1,129 @@
+#include "mivohostkit/soundcardmappings.h"
+#include "mivohostkit/soundcardmappings_p.h"
+
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+
+#include <set>
+
+namespace mivohost {
+
+using velorn::mediadispatch::STChosenSoundCard;
+using velorn::mediadispatch::STSoundCardMappingInfo;
+
+namespace {
+
+QJsonObject toJson(const STSoundCardMappingInfo& mapping)
+{
+    QJsonArray cards;
+    for (const auto& card : mapping.soundCards) {
+        cards.append(QJsonObject{{"device", QString::fromStdString(card.device)},
+                                 {"id", QString::fromStdString(card.id)},
+                                 {"caption", QString::fromStdString(card.caption)},
+                                 {"channels", static_cast<qint64>(card.channels)},
+                                 {"channelPairs", static_cast<qint64>(card.channelPairs)}});
+    }
+    return {{"id", static_cast<qint64>(mapping.id)},
+            {"name", QString::fromStdString(mapping.name)},
+            {"soundCards", cards}};
+}
+
+std::uint64_t numberIn(const QJsonObject& object, const char* key)
+{
+    // As a number, JSON's own is exact up to 2^53.
+    const double number = object[QLatin1String(key)].toDouble();
+    return number > 0 && number < 9e15 ? static_cast<std::uint64_t>(number) : 0;
+}
+
+std::string textIn(const QJsonObject& object, const char* key)
+{
+    return object[QLatin1String(key)].toString().toStdString();
+}
+
+STSoundCardMappingInfo fromJson(const QJsonObject& object)
+{
+    STSoundCardMappingInfo mapping;
+    mapping.id = numberIn(object, "id");
+    mapping.name = textIn(object, "name");
+    const QJsonArray cards = object[QLatin1String("soundCards")].toArray();
+    for (const QJsonValue& value : cards) {
+        const QJsonObject card = value.toObject();
+        mapping.soundCards.push_back({textIn(card, "device"), textIn(card, "id"),
+                                      textIn(card, "caption"),
+                                      static_cast<std::uint32_t>(numberIn(card, "channels")),
+                                      static_cast<std::uint32_t>(numberIn(card, "channelPairs"))});
+    }
+    return mapping;
+}
+
+/// Whether `mapping` can stand behind those that are there.
+bool canFollow(const SoundCardMappingList& mappings, const STSoundCardMappingInfo& mapping)
+{
+    std::set<std::string> devices;
+    const bool cardsFit =
+        std::all_of(mapping.soundCards.begin(), mapping.soundCards.end(), [&](const auto& card) {
+            return !card.id.empty() && card.channels > 0 && devices.insert(card.device).second
+                   && !isChosenElsewhere(mappings, mapping, card);
+        });
+    return cardsFit && mappings.size() < mostSoundCardMappings
+           && mayBeNamed(mappings, mapping, mapping.name)
+           && mapping.id > (mappings.empty() ? 0 : mappings.back().id);
+}
+
+} // namespace
+
+bool isChosenElsewhere(const SoundCardMappingList& mappings, const STSoundCardMappingInfo& mapping,
+                       const STChosenSoundCard& card)
+{
+    return std::any_of(mappings.begin(), mappings.end(), [&](const auto& other) {
+        const auto* chosen = chosenOn(other, card.device);
+        return other.id != mapping.id && chosen != nullptr && chosen->id == card.id;
+    });
+}
+
+bool mayBeNamed(const SoundCardMappingList& mappings, const STSoundCardMappingInfo& mapping,
+                const std::string& name)
+{
+    const QString text = QString::fromStdString(name);
+    if (text.isEmpty() || text != text.trimmed() || text.size() > longestSoundCardMappingName) {
+        return false;
+    }
+    const auto* other = findBy(mappings, &STSoundCardMappingInfo::name, name);
+    return other == nullptr || other->id == mapping.id;
+}
+
+std::optional<SoundCardMappings::Kept> SoundCardMappings::parsed(const QString& text)
+{
+    Kept kept;
+    if (text.isEmpty()) {
+        return kept;
+    }
+    const QJsonObject root = QJsonDocument::fromJson(text.toUtf8()).object();
+    if (!root[QLatin1String("mappings")].isArray()) {
+        return std::nullopt;
+    }
+    const QJsonArray mappings = root[QLatin1String("mappings")].toArray();
+    for (const QJsonValue& value : mappings) {
+        const STSoundCardMappingInfo mapping = fromJson(value.toObject());
+        if (!canFollow(kept.mappings, mapping)) {
+            return std::nullopt;
+        }
+        kept.mappings.push_back(mapping);
+    }
+    kept.nextId = std::max(numberIn(root, "nextId"),
+                           (kept.mappings.empty() ? 0 : kept.mappings.back().id) + 1);
+    return kept;
+}
+
+QString SoundCardMappings::written(const Kept& kept)
+{
+    QJsonArray mappings;
+    for (const auto& mapping : kept.mappings) {
+        mappings.append(toJson(mapping));
+    }
+    const QJsonObject root{{"nextId", static_cast<qint64>(kept.nextId)}, {"mappings", mappings}};
+    return QString::fromUtf8(QJsonDocument(root).toJson(QJsonDocument::Compact));
+}
+
+} // namespace mivohost
