@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QDir>
 #include <QtCore/QProcess>
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QThread>
@@ -17,6 +18,7 @@
 #include <fstream>
 #include <spawn.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -147,48 +149,83 @@ TEST(NoCacheFile, ReplacesTheWholeFileOrNothing)
 {
     const QTemporaryDir folder;
     const fs::path base = fs::path(QFile::encodeName(folder.path()).toStdString());
-    const std::string path = (base / u8"设置 file.json").string();
-    const auto content = [&path] {
-        return readFile(QFile::decodeName(path.c_str())).toStdString();
+    const fs::path path = base / u8"设置 file.json";
+    const auto content = [](const fs::path& file) {
+        return readFile(QFile::decodeName(file.c_str())).toStdString();
     };
+    const auto mode = [](const fs::path& file) {
+        return static_cast<int>(fs::status(file).permissions());
+    };
+    std::error_code error;
     const std::string odd("a\0b\r\n\xff", 6);
-    EXPECT_TRUE(NoCacheFile::saveToFile(path, odd));
-    EXPECT_EQ(content(), odd);
-    fs::permissions(path, fs::perms::owner_read | fs::perms::owner_write);
-    EXPECT_TRUE(NoCacheFile::saveToFile(path, ""));
-    EXPECT_EQ(content(), "");
-    EXPECT_EQ(fs::status(path).permissions(), fs::perms::owner_read | fs::perms::owner_write);
-    EXPECT_TRUE(NoCacheFile::saveToFile(path, "kept"));
+    EXPECT_TRUE(NoCacheFile::saveToFile(path.string(), odd));
+    EXPECT_EQ(content(path), odd);
+    EXPECT_EQ(mode(path), 0600);
+    fs::permissions(path, fs::perms(0640));
+    EXPECT_TRUE(NoCacheFile::saveToFile(path.string(), "", error, NoCacheFile::Access::umask));
+    EXPECT_EQ(content(path), "");
+    EXPECT_EQ(mode(path), 0640) << "of the one before";
+    fs::create_symlink("loop", base / "loop");
+    fs::create_symlink(path.filename(), base / "link");
+    EXPECT_TRUE(NoCacheFile::saveToFile((base / "link").string(), "kept"));
+    EXPECT_TRUE(fs::is_symlink(base / "link"));
+    EXPECT_EQ(content(path), "kept");
+    const mode_t before = ::umask(027);
+    EXPECT_TRUE(NoCacheFile::saveToFile((base / "shared").string(), "x", error,
+                                        NoCacheFile::Access::umask));
+    ::umask(before);
+    EXPECT_EQ(mode(base / "shared"), 0640);
 
-    EXPECT_FALSE(NoCacheFile::saveToFile((base / "no such" / "file").string(), "x"));
+    ASSERT_EQ(::mkfifo((base / "pipe").c_str(), 0600), 0);
     fs::create_directory(base / "folder");
-    EXPECT_FALSE(NoCacheFile::saveToFile((base / "folder").string(), "x"));
-    EXPECT_FALSE(NoCacheFile::saveToFile("", "x"));
+    for (const auto& [file, reason] :
+         {std::pair(base / "no such" / "file", std::errc::no_such_file_or_directory),
+          std::pair(base / "folder", std::errc::is_a_directory),
+          std::pair(base / "pipe", std::errc::invalid_argument),
+          std::pair(base / "loop", std::errc::too_many_symbolic_link_levels),
+          std::pair(fs::path(), std::errc::invalid_argument)}) {
+        EXPECT_FALSE(NoCacheFile::saveToFile(file.string(), "x", error)) << file;
+        EXPECT_TRUE(error == reason) << file << ' ' << error.message();
+    }
 
-    // A disk that is full: the limit stops a write in its middle.
+    // As on a full disk: also what is shorter than any buffer must have been written.
     std::signal(SIGXFSZ, SIG_IGN);
     rlimit old{};
     ::getrlimit(RLIMIT_FSIZE, &old);
-    const rlimit small{100000, old.rlim_max};
-    ::setrlimit(RLIMIT_FSIZE, &small);
-    EXPECT_FALSE(NoCacheFile::saveToFile(path, std::string(200000, 'x')));
-    ::setrlimit(RLIMIT_FSIZE, &old);
-    EXPECT_EQ(content(), "kept");
-    EXPECT_EQ(std::distance(fs::directory_iterator(base), {}), 2) << "something was left behind";
+    for (const auto& [limit, size] : {std::pair(100000, 200000), std::pair(0, 10)}) {
+        const rlimit small{static_cast<rlim_t>(limit), old.rlim_max};
+        ::setrlimit(RLIMIT_FSIZE, &small);
+        EXPECT_FALSE(NoCacheFile::saveToFile(
+            path.string(), std::string(static_cast<std::size_t>(size), 'x'), error));
+        ::setrlimit(RLIMIT_FSIZE, &old);
+        EXPECT_TRUE(error == std::errc::file_too_large) << error.message();
+        EXPECT_EQ(content(path), "kept");
+    }
+    EXPECT_EQ(std::distance(fs::directory_iterator(base), {}), 6) << "something was left behind";
 
-    // Nobody may read the folder, so that it cannot be flushed.
+    // Nobody may read the folder, so that it cannot be flushed, and one file may only be read.
+    fs::permissions(path, fs::perms(0666));
+    fs::permissions(base / "shared", fs::perms(0444));
     fs::permissions(base, fs::perms(0333));
-    EXPECT_EQ(QProcess::execute(QCoreApplication::applicationFilePath(),
-                                {"--as-nobody-saving", QFile::decodeName(path.c_str())}),
-              0);
+    for (const auto& [file, refused] : {std::pair(path, 0), std::pair(base / "shared", 1)}) {
+        EXPECT_EQ(QProcess::execute(QCoreApplication::applicationFilePath(),
+                                    {"--as-nobody-saving", QFile::decodeName(file.c_str())}),
+                  refused);
+    }
     fs::permissions(base, fs::perms::owner_all);
-    EXPECT_EQ(content(), "new");
+    EXPECT_EQ(content(path), "new");
+    EXPECT_EQ(content(base / "shared"), "x");
 }
 
-TEST(NoCacheFile, IsWholeWhenItsWriterIsKilled)
+TEST(NoCacheFile, IsWholeWhenItsWriterIsKilledAndWhatWasLeftIsRemoved)
 {
     const QTemporaryDir folder;
     const QString path = folder.filePath("file");
+    const auto entries = [&] { return QDir(folder.path()).entryList(QDir::Files | QDir::Hidden); };
+    const QStringList others{".file.abc123.saving.txt", ".file.abc1234.saving", ".saving"};
+    for (const QString& other : others) {
+        writeFile(folder.filePath(other));
+    }
     for (int round = 0; round < 10; ++round) {
         QProcess writer;
         writer.start(QCoreApplication::applicationFilePath(), {"--as-file-writer", path});
@@ -200,6 +237,20 @@ TEST(NoCacheFile, IsWholeWhenItsWriterIsKilled)
         ASSERT_EQ(content.size(), 300000);
         EXPECT_EQ(content.count(content[0]), content.size());
     }
+    writeFile(folder.filePath(".file.abc123.saving"));
+    NoCacheFile::removeLeftovers(folder.path().toStdString());
+    EXPECT_EQ(entries(), others + QStringList{"file"});
+
+    // A writer that lives is not disturbed.
+    QProcess running;
+    running.start(QCoreApplication::applicationFilePath(), {"--as-file-writer", path});
+    ASSERT_TRUE(running.waitForReadyRead());
+    for (int round = 0; round < 500; ++round) {
+        NoCacheFile::removeLeftovers(folder.path().toStdString());
+    }
+    EXPECT_FALSE(running.waitForFinished(0)) << "its file was removed";
+    running.kill();
+    running.waitForFinished();
 }
 
 namespace {
