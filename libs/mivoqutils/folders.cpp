@@ -1,5 +1,7 @@
 #include "mivoqutils/folders.h"
 
+#include "mivoqutils/filetask.h"
+
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
@@ -63,6 +65,13 @@ bool openFolder(const QString& path)
     const QFileInfo folder(path);
     return folder.isDir()
            && QDesktopServices::openUrl(QUrl::fromLocalFile(folder.absoluteFilePath()));
+}
+
+QString answeringFolder(const QString& path)
+{
+    FileTask probe;
+    probe.start([path] { return QFileInfo::exists(path); }, [](bool /*there*/) {});
+    return probe.waitInLoop(std::chrono::seconds(2)) ? path : QDir::homePath();
 }
 
 bool mayBeCleared(const QString& path)

@@ -7,7 +7,8 @@
 
 #include <functional>
 
-// On any thread, except openFolder().
+// On any thread, except openFolder() and answeringFolder(). A folder may be on a network drive that
+// is gone, and each call hang for minutes; FileTask keeps that away from the GUI thread.
 
 namespace mivo::qutils {
 
@@ -20,6 +21,10 @@ MIVOQUTILS_EXPORT bool addFolderSuffix(QString& path, const QString& suffix);
 /// Shows the folder in the system's file manager, without waiting for it. False when there is no
 /// such folder, or nothing that could be started. Only for the GUI thread.
 MIVOQUTILS_EXPORT bool openFolder(const QString& path);
+
+/// The folder, where a dialog is to begin; the user's home when it does not answer within 2 s. Only
+/// for the GUI thread, whose events are handled meanwhile, except the user's input.
+MIVOQUTILS_EXPORT QString answeringFolder(const QString& path);
 
 /// Whether clearFolder() would take the folder. False for what is empty, relative, or no folder,
 /// for the root of a drive or mounted file system, for the user's home and all that it lies in;
