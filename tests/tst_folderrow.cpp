@@ -13,6 +13,7 @@
 #include <QtWidgets/QProgressDialog>
 
 #include <atomic>
+#include <future>
 
 namespace folderrowtest {
 
@@ -94,6 +95,7 @@ protected:
     QStringList asked;
     qint64 available = static_cast<qint64>(99 * gibibyte);
     std::atomic<bool> clearing{false};
+    std::atomic<int> hanging{0};
     QPointer<QWidget> page;
     QPointer<FolderRow> row;
     QPointer<QLabel> tip;
@@ -128,6 +130,7 @@ TEST_F(Row, ShowsPathAndWholeGibibytesAndWarnsBelowOne)
         checked.clear();
         available = static_cast<qint64>(test.gibibytes * gibibyte);
         row->setPath(test.path);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !checked.isEmpty(); })) << test.path;
         EXPECT_EQ(row->space->text(), test.shown) << test.path;
         EXPECT_EQ(tip->isVisible(), test.usedUp) << test.path;
         EXPECT_EQ(asked.size(), *test.shown ? 1 : 0) << "one query for each path";
@@ -142,6 +145,33 @@ TEST_F(Row, ShowsPathAndWholeGibibytesAndWarnsBelowOne)
         EXPECT_EQ(checked.size(), 1) << "the path is shown already";
         EXPECT_EQ(asked.size(), *test.shown ? 1 : 0);
     }
+}
+
+TEST_F(Row, ADriveThatHangsHoldsUpNothing)
+{
+    std::promise<void> answer;
+    means.bytesAvailable = [answered = answer.get_future().share(),
+                            count = &hanging](const QString& drive) {
+        if (drive == "H:") {
+            ++*count;
+            answered.wait();
+        }
+        return qint64(0);
+    };
+    make("H:/cache");
+    QSignalSpy checked(row, &FolderRow::spaceChecked);
+    row->checkSpace();
+    EXPECT_EQ(row->space->text(), "");
+    row->setPath("D:/cache");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return checked.size() == 1; }));
+    row->setPath("H:/other");
+    row->checkSpace();
+    EXPECT_EQ(hanging, 2) << "no thread for each question";
+    EXPECT_FALSE(tip->isVisible());
+    answer.set_value();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return checked.size() == 2; }));
+    EXPECT_EQ(row->space->text(), "RemainSpace0.0 G");
+    EXPECT_TRUE(tip->isVisible());
 }
 
 TEST_F(Row, ClearsWhatIsInTheFolderAfterAYesOnly)
@@ -222,7 +252,7 @@ TEST_F(Row, ItsPageMayGoOrCloseWhileItClears)
         }
         EXPECT_TRUE(QTest::qWaitFor([this] { return clearing.load(); }));
         delete page;
-        EXPECT_FALSE(clearing) << "the thread has ended";
+        EXPECT_TRUE(QTest::qWaitFor([this] { return !clearing; })) << "the thread ends";
         EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
     }
     startClearingForever();

@@ -44,7 +44,7 @@ mivohost::Project show(const QString& finale = "Finale",
 /// The programs of a project; touched on the runtime thread, or while that waits.
 struct Dispatch : mivohost::ProgramDispatch
 {
-    Dispatch() { create(show()); }
+    Dispatch() { replace(show(), {}); }
 
     std::vector<std::weak_ptr<IProgramGroup>> programGroups() const override
     {
@@ -123,7 +123,9 @@ protected:
         page->setProgramDispatch(std::move(programs));
         page->setSettings(&store);
         activate(page);
-        QApplication::processEvents();
+        const auto* space = page->findChild<QLabel*>("remainSpace");
+        const bool onDrive = store.held("autoSavePath").toString().contains(':');
+        EXPECT_TRUE(QTest::qWaitFor([=] { return space->text().isEmpty() != onDrive; }));
     }
 
     QPushButton* button() { return page->findChild<QPushButton*>("openProjectFileDefaultPlayBtn"); }
@@ -222,7 +224,7 @@ TEST_F(Project, ProgramsThatAreRemovedVanishAtTheNextOpening)
     bindAndShow(dispatch);
     openMenu();
     const std::weak_ptr<IProgram> removed = dispatch->first(2);
-    dispatch->create({{{"Nobody", {}}, {"晚会", {}}}, {}});
+    dispatch->replace({{{"Nobody", {}}, {"晚会", {}}}, {}}, {});
     EXPECT_TRUE(removed.expired()) << "the menu holds no program";
     entry("Finale")->trigger();
     EXPECT_EQ(warned(), Lines{"checkedProgramAction: sharedProgram is nullptr!"});
@@ -230,7 +232,7 @@ TEST_F(Project, ProgramsThatAreRemovedVanishAtTheNextOpening)
 
     openMenu();
     EXPECT_EQ(shown(), "*LastTime  ProgramList Nobody() 晚会()");
-    dispatch->create({});
+    dispatch->replace({}, {});
     openMenu();
     EXPECT_EQ(shown(), "*LastTime");
 }
@@ -256,8 +258,8 @@ TEST_F(Project, FollowsAChoiceMadeElsewhereAndANewName)
     page->setSettings(&store);
     settle();
     dispatch->defaultPlayProgramChanged.disconnect_all(); // the list alone has to be enough
-    becomes([&] { dispatch->create(show("End", finale)); }, "End");
-    becomes([&] { dispatch->create({{}, finale}); }, "old name");
+    becomes([&] { dispatch->replace(show("End", finale), {}); }, "End");
+    becomes([&] { dispatch->replace({{}, finale}, {}); }, "old name");
 }
 
 TEST_F(Project, WithoutADispatcherItWarnsAndShowsWhatItKnows)
@@ -292,7 +294,7 @@ TEST_F(Project, ARuntimeThatRefusesLeavesTheMenuWithoutAWord)
     bindAndShow(dispatch);
     const QString before = shown();
     const auto program = dispatch->first(0);
-    dispatch->create({});
+    dispatch->replace({}, {});
     runtime.refuses = true;
     openMenu();
     entry("Opening")->trigger();
@@ -354,7 +356,7 @@ TEST_F(Project, IsLinkedWithTheHostsWidgetOfTheProjectFile)
     EXPECT_EQ(interval->value(), 17);
     EXPECT_TRUE(store.kept.writes.empty()) << "shown, not written";
     emit first->checkRemainSpace();
-    ASSERT_EQ(notified.size(), 1);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return notified.size() == 1; }));
     EXPECT_TRUE(notified[0][0].toBool());
 
     page->setProjectFileWidget(&second);
@@ -390,11 +392,11 @@ TEST_F(Project, LooksUpTheFreeSpaceWhenItsWindowBecomesActive)
     activate(&other);
     EXPECT_TRUE(notified.isEmpty());
     activate(page);
-    ASSERT_EQ(notified.size(), 1);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return notified.size() == 1; }));
     EXPECT_TRUE(notified[0][0].toBool());
     EXPECT_EQ(space->text(), "RemainSpace0.0 G");
     QTest::mouseClick(page->findChild<QPushButton*>("shareSpaceTips"), Qt::LeftButton);
-    EXPECT_EQ(notified.size(), 2) << "it looks again";
+    EXPECT_TRUE(QTest::qWaitFor([&] { return notified.size() == 2; })) << "it looks again";
     QDir::setCurrent(before);
 }
 

@@ -539,6 +539,16 @@
         <translation>Clearing the folder…</translation>
     </message>
     <message>
+        <source>CheckingFolder</source>
+        <comment>Widget</comment>
+        <translation>Waiting for the folder…</translation>
+    </message>
+    <message>
+        <source>FolderNoAnswer</source>
+        <comment>Widget</comment>
+        <translation>The folder does not answer. Nothing has been changed.</translation>
+    </message>
+    <message>
         <source>ClearRefused</source>
         <comment>Widget</comment>
         <translation>This folder is not cleared: it is missing, or it is the root of a drive or holds the user’s own files.</translation>
@@ -1015,6 +1025,45 @@
         <source>AutomaticSaveFailed</source>
         <comment>MainWindow</comment>
         <translation>The project could not be saved automatically: %1</translation>
+    </message>
+    <message>
+        <source>ProjectSavedLate</source>
+        <comment>MainWindow</comment>
+        <translation>The project that was not waited for has been saved after all: %1</translation>
+    </message>
+    <message>
+        <source>OpeningProject</source>
+        <comment>MainWindow</comment>
+        <translation>Opening %1 …</translation>
+    </message>
+    <message>
+        <source>SavingProject</source>
+        <comment>MainWindow</comment>
+        <translation>Saving %1 …</translation>
+    </message>
+    <message>
+        <source>StopWaiting</source>
+        <comment>MainWindow</comment>
+        <translation>Do not wait</translation>
+    </message>
+    <message>
+        <source>UnsavedFound</source>
+        <comment>MainWindow</comment>
+        <translation>The program ended before its project was saved. The changes were saved automatically as:
+
+%1
+
+Open them now?</translation>
+    </message>
+    <message>
+        <source>OpenUnsaved</source>
+        <comment>MainWindow</comment>
+        <translation>Open</translation>
+    </message>
+    <message>
+        <source>LeaveUnsaved</source>
+        <comment>MainWindow</comment>
+        <translation>Do not open</translation>
     </message>
     <message>
         <source>AutostartFailed</source>
@@ -1590,6 +1639,21 @@
         <source>no such folder</source>
         <comment>Reason</comment>
         <translation>no such folder</translation>
+    </message>
+    <message>
+        <source>no answer</source>
+        <comment>Reason</comment>
+        <translation>no answer</translation>
+    </message>
+    <message>
+        <source>a file is still being opened or saved</source>
+        <comment>Reason</comment>
+        <translation>a file is still being opened or saved</translation>
+    </message>
+    <message>
+        <source>the open project has been changed meanwhile</source>
+        <comment>Reason</comment>
+        <translation>the open project has been changed meanwhile</translation>
     </message>
     <message>
         <source>not a project file</source>

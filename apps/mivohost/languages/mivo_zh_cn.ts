@@ -539,6 +539,16 @@
         <translation>正在清空文件夹…</translation>
     </message>
     <message>
+        <source>CheckingFolder</source>
+        <comment>Widget</comment>
+        <translation>正在等待文件夹响应…</translation>
+    </message>
+    <message>
+        <source>FolderNoAnswer</source>
+        <comment>Widget</comment>
+        <translation>文件夹没有响应，未做任何更改。</translation>
+    </message>
+    <message>
         <source>ClearRefused</source>
         <comment>Widget</comment>
         <translation>未清空该文件夹：它不存在，或者是磁盘根目录，或者包含用户的个人文件。</translation>
@@ -1015,6 +1025,45 @@
         <source>AutomaticSaveFailed</source>
         <comment>MainWindow</comment>
         <translation>无法自动保存项目：%1</translation>
+    </message>
+    <message>
+        <source>ProjectSavedLate</source>
+        <comment>MainWindow</comment>
+        <translation>此前不再等待的项目现已保存：%1</translation>
+    </message>
+    <message>
+        <source>OpeningProject</source>
+        <comment>MainWindow</comment>
+        <translation>正在打开 %1 …</translation>
+    </message>
+    <message>
+        <source>SavingProject</source>
+        <comment>MainWindow</comment>
+        <translation>正在保存 %1 …</translation>
+    </message>
+    <message>
+        <source>StopWaiting</source>
+        <comment>MainWindow</comment>
+        <translation>不再等待</translation>
+    </message>
+    <message>
+        <source>UnsavedFound</source>
+        <comment>MainWindow</comment>
+        <translation>程序在项目保存之前结束。更改已自动保存为：
+
+%1
+
+现在打开吗？</translation>
+    </message>
+    <message>
+        <source>OpenUnsaved</source>
+        <comment>MainWindow</comment>
+        <translation>打开</translation>
+    </message>
+    <message>
+        <source>LeaveUnsaved</source>
+        <comment>MainWindow</comment>
+        <translation>不打开</translation>
     </message>
     <message>
         <source>AutostartFailed</source>
@@ -1590,6 +1639,21 @@
         <source>no such folder</source>
         <comment>Reason</comment>
         <translation>没有此文件夹</translation>
+    </message>
+    <message>
+        <source>no answer</source>
+        <comment>Reason</comment>
+        <translation>没有响应</translation>
+    </message>
+    <message>
+        <source>a file is still being opened or saved</source>
+        <comment>Reason</comment>
+        <translation>仍有文件正在打开或保存</translation>
+    </message>
+    <message>
+        <source>the open project has been changed meanwhile</source>
+        <comment>Reason</comment>
+        <translation>打开的项目在此期间已更改</translation>
     </message>
     <message>
         <source>not a project file</source>

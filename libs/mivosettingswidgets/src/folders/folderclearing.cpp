@@ -1,55 +1,33 @@
 #include "folders/folderclearing.h"
 
-#include "mivosettingswidgets/texts.h"
-
-#include <QtCore/QDir>
-#include <QtCore/QTimer>
-
-#include <chrono>
+#include "folders/folderwork.h"
 
 namespace mivo::settings {
 
+using qutils::FileTask;
+
 FolderClearing::FolderClearing(const QString& folder, QWidget* page, const Clear& clear)
 {
-    QTimer::singleShot(std::chrono::milliseconds(500), this,
-                       [this, folder, page = QPointer<QWidget>(page)] {
-                           if (isRunning() && page && page->isVisible()) {
-                               showProgress(folder, page);
-                           }
-                       });
-    m_thread = std::thread([this, folder, clear] {
-        m_result = clear(folder, [this](int /*removed*/) { return !m_cancelled; });
-        QMetaObject::invokeMethod(this, "finish", Qt::QueuedConnection);
+    connect(&m_task, &FileTask::slow, this, [this, folder, page = QPointer<QWidget>(page)] {
+        if (page && page->isVisible()) {
+            m_progress = showFolderProgress(page, "ClearingFolder", folder);
+            connect(m_progress, &QProgressDialog::canceled, this, [this] { *m_cancelled = true; });
+        }
     });
+    m_task.start(
+        [folder, clear, cancelled = m_cancelled] {
+            return clear(folder, [cancelled](int /*removed*/) { return !*cancelled; });
+        },
+        [this](const qutils::ClearResult& result) {
+            delete m_progress;
+            emit finished(result);
+        });
 }
 
 FolderClearing::~FolderClearing()
 {
-    m_cancelled = true;
-    if (isRunning()) {
-        m_thread.join();
-    }
+    *m_cancelled = true;
     delete m_progress;
-}
-
-void FolderClearing::finish()
-{
-    m_thread.join();
-    delete m_progress;
-    emit finished();
-}
-
-void FolderClearing::showProgress(const QString& folder, QWidget* page)
-{
-    m_progress = new QProgressDialog(page);
-    m_progress->setWindowFlag(Qt::WindowContextHelpButtonHint, false);
-    m_progress->setWindowModality(Qt::WindowModal);
-    m_progress->setRange(0, 0); // nobody has counted
-    m_progress->setLabelText(text(QStringLiteral("ClearingFolder")) + QStringLiteral("\n\n")
-                             + QDir::toNativeSeparators(folder));
-    m_progress->setCancelButtonText(text(QStringLiteral("Cancel")));
-    connect(m_progress, &QProgressDialog::canceled, this, [this] { m_cancelled = true; });
-    m_progress->show();
 }
 
 } // namespace mivo::settings

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <mivoqutils/filetask.h>
 #include <mivoqutils/folders.h>
 
 #include <QtCore/QObject>
@@ -8,7 +9,7 @@
 
 #include <atomic>
 #include <functional>
-#include <thread>
+#include <memory>
 
 namespace mivo::settings {
 
@@ -19,32 +20,24 @@ class FolderClearing : public QObject
     Q_OBJECT
 
 public:
+    /// Called on that thread, maybe beyond the life of this object: it owns all that it uses.
     using Clear = std::function<qutils::ClearResult(const QString& folder,
                                                     const std::function<bool(int removed)>& goOn)>;
 
     FolderClearing(const QString& folder, QWidget* page, const Clear& clear);
 
-    /// Cancels, and waits until the entry at hand is done.
+    /// Cancels: the thread ends after the entry at hand, which nobody waits for.
     ~FolderClearing() override;
 
-    bool isRunning() const { return m_thread.joinable(); }
-
-    /// Valid when finished() is emitted.
-    const qutils::ClearResult& result() const { return m_result; }
+    bool isRunning() const { return m_task.isRunning(); }
 
 signals:
-    void finished();
-
-private slots:
-    void finish();
+    void finished(const mivo::qutils::ClearResult& result);
 
 private:
-    void showProgress(const QString& folder, QWidget* page);
-
-    qutils::ClearResult m_result; // the thread's until it is joined
-    std::atomic<bool> m_cancelled{false};
+    qutils::FileTask m_task;
+    std::shared_ptr<std::atomic<bool>> m_cancelled = std::make_shared<std::atomic<bool>>(false);
     QPointer<QProgressDialog> m_progress;
-    std::thread m_thread;
 };
 
 } // namespace mivo::settings

@@ -75,10 +75,31 @@ void FolderRow::setPath(const QString& path)
 void FolderRow::checkSpace()
 {
     const QString drive = driveOf(path());
-    m_freeGibibytes = std::nullopt;
-    if (!drive.isEmpty()) { // one that does not answer, with -1, counts as full
-        m_freeGibibytes = m_means.bytesAvailable(drive) / (qint64(1) << 30);
+    if (m_spaceTask && m_spaceTask->isRunning() && drive == m_askedDrive) {
+        return; // it hangs, and more threads would hang with it
     }
+    m_spaceTask.reset();
+    m_askedDrive = drive;
+    if (drive.isEmpty()) {
+        applySpace(std::nullopt);
+        return;
+    }
+    m_spaceTask = std::make_unique<qutils::FileTask>();
+    m_spaceTask->start(
+        [bytesAvailable = m_means.bytesAvailable, drive] { return bytesAvailable(drive); },
+        // One that does not know, with -1, counts as full.
+        [this](qint64 bytes) { applySpace(bytes / (qint64(1) << 30)); });
+    // Most drives answer at once; then nothing flickers.
+    if (!m_spaceTask->waitFor(std::chrono::milliseconds(10))) {
+        m_freeGibibytes = std::nullopt;
+        showSpace();
+        m_tip->hide();
+    }
+}
+
+void FolderRow::applySpace(std::optional<qint64> gibibytes)
+{
+    m_freeGibibytes = gibibytes;
     showSpace();
     // Kept on purpose: a limit in mebibytes for a number of whole gibibytes, so less than one.
     const bool usedUp = m_freeGibibytes && *m_freeGibibytes * 1024 < 100;
@@ -103,12 +124,11 @@ void FolderRow::startClearing()
     }
     m_clearing = std::make_unique<FolderClearing>(folder, m_page, m_means.clear);
     connect(m_clearing.get(), &FolderClearing::finished, this,
-            [this, folder] { endClearing(folder); });
+            [this, folder](const qutils::ClearResult& result) { endClearing(folder, result); });
 }
 
-void FolderRow::endClearing(const QString& folder)
+void FolderRow::endClearing(const QString& folder, const qutils::ClearResult& result)
 {
-    const qutils::ClearResult result = m_clearing->result();
     const QPointer<QWidget> page(m_page);
     checkSpace();
     if (result.refused) {

@@ -31,13 +31,13 @@ public:
     using RegisterText =
         std::function<void(const char* key, std::function<void(const QString&)> set)>;
 
-    /// The means of the row, for tests to replace.
+    /// What the row depends on, for tests to replace. Both are called on threads of their own.
     struct MIVOSETTINGSWIDGETS_EXPORT Means
     {
         Means();
 
         std::function<qint64(const QString& drive)> bytesAvailable; ///< -1 when unknown
-        FolderClearing::Clear clear;                                ///< on a thread of its own
+        FolderClearing::Clear clear;
     };
 
     /// `tip` comes hidden into the row, as its last; the page sets its text. The widgets get a
@@ -60,7 +60,8 @@ public:
     /// Shows the path and the free space of its drive; nothing when the path is shown already.
     void setPath(const QString& path);
 
-    /// Asks for the free space again, and shows it. Nothing is shown for a path without a drive.
+    /// Asks for the free space again, and shows it: at once, or when the drive answers. Nothing is
+    /// shown for a path without a drive.
     void checkSpace();
 
 signals:
@@ -71,7 +72,8 @@ signals:
 
 private:
     void startClearing();
-    void endClearing(const QString& folder);
+    void endClearing(const QString& folder, const qutils::ClearResult& result);
+    void applySpace(std::optional<qint64> gibibytes);
     void showSpace();
 
     QWidget* m_page;
@@ -79,6 +81,8 @@ private:
     Means m_means;
     QString m_spacePrefix;
     std::optional<qint64> m_freeGibibytes;
+    std::unique_ptr<qutils::FileTask> m_spaceTask;
+    QString m_askedDrive;
     std::unique_ptr<FolderClearing> m_clearing;
 };
 

@@ -1,5 +1,6 @@
 #include "folders/folderselection.h"
 
+#include "folders/folderwork.h"
 #include "mivosettingswidgets/texts.h"
 
 #include <mivoqutils/folders.h>
@@ -68,7 +69,11 @@ FolderSelection::FolderSelection(const FolderRules& rules, QWidget* page, Folder
 
 bool FolderSelection::openBrowseFileDialog(QString& path) const
 {
-    QFileDialog dialog(nullptr, textOf("SelectFolder"), QDir(path).absolutePath());
+    const QString start = qutils::answeringFolder(QDir(path).absolutePath());
+    if (!m_page) {
+        return false;
+    }
+    QFileDialog dialog(nullptr, textOf("SelectFolder"), start);
     dialog.setViewMode(QFileDialog::Detail);
     dialog.setFileMode(QFileDialog::Directory);
     dialog.setOption(QFileDialog::ShowDirsOnly);
@@ -85,7 +90,13 @@ bool FolderSelection::openBrowseFileDialog(QString& path) const
         qWarning("--ProjectSetting--browse folder is empty!");
         return false;
     }
-    if (!QFileInfo(selected->first()).isDir()) {
+    const auto isFolder = askFolder(m_page, selected->first(), [folder = selected->first()] {
+        return QFileInfo(folder).isDir();
+    });
+    if (!isFolder) {
+        return false;
+    }
+    if (!*isFolder) {
         qWarning("%s", m_rules.notAFolderLine);
         return false;
     }
@@ -113,23 +124,40 @@ bool FolderSelection::createSecLevelDir(QString& path, const std::string& suffix
         return false;
     }
     chosen = withoutTrailingSlash(chosen);
-    if (!qutils::addFolderSuffix(chosen, QString::fromStdString(suffix))) {
+    const auto made = askFolder(
+        m_page, chosen, [folder = chosen, name = QString::fromStdString(suffix)]() mutable {
+            return qutils::addFolderSuffix(folder, name) ? folder : QString();
+        });
+    if (!made) {
+        return false;
+    }
+    if (made->isEmpty()) {
         qWarning("--ProjectSetting--make next level dir failure!");
         showTip(m_page, textOf("MakeDirTips"), TipDialog::information);
         return false;
     }
-    path = chosen;
+    path = *made;
     return true;
 }
 
 bool FolderSelection::mayBeUsed(const QString& folder) const
 {
-    if (m_means.isMobile(folder)) {
+    const auto isMobile = askFolder(
+        m_page, folder, [isMobile = m_means.isMobile, folder] { return isMobile(folder); });
+    if (!isMobile) {
+        return false;
+    }
+    if (*isMobile) {
         qWarning("--ProjectSetting--The current folder belongs to a mobile device!");
         showTip(m_page, textOf(m_rules.mobileTipKey), TipDialog::warning);
         return false;
     }
-    if (!folderWritePermission(folder.toStdString())) {
+    const auto mayWrite = askFolder(
+        m_page, folder, [path = folder.toStdString()] { return folderWritePermission(path); });
+    if (!mayWrite) {
+        return false;
+    }
+    if (!*mayWrite) {
         qWarning("--ProjectSetting--have no permission to write file!");
         showTip(m_page, textOf(m_rules.permissionTipKey), TipDialog::warning);
         return false;
@@ -154,6 +182,15 @@ bool confirmClearing(QWidget* page, const QString& folder)
     return TipDialog::ask(page, TipDialog::warning, textOf("ClearTips"), textOf("Cancel"),
                           textOf("OK"), QDir::toNativeSeparators(folder))
            == TipDialog::accepted;
+}
+
+void showFolder(QWidget* page, const QString& folder)
+{
+    const QPointer<QWidget> guard(page);
+    const auto there = askFolder(guard, folder, [folder] { return QFileInfo(folder).isDir(); });
+    if (there && !(*there && qutils::openFolder(folder))) {
+        showTip(guard, textOf("OpenFolderFailed"), TipDialog::warning, folder);
+    }
 }
 
 QString driveOf(const QString& path)

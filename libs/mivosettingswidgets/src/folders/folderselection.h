@@ -28,17 +28,19 @@ struct FolderRules
 MIVOSETTINGSWIDGETS_EXPORT extern const FolderRules projectFolderRules;
 MIVOSETTINGSWIDGETS_EXPORT extern const FolderRules fileInfoFolderRules;
 
-/// The means of the choice, for tests to replace.
+/// What the choice depends on, for tests to replace.
 struct MIVOSETTINGSWIDGETS_EXPORT FolderMeans
 {
     FolderMeans();
 
     std::function<std::optional<QStringList>(QFileDialog&)> select; ///< nothing when cancelled
-    std::function<bool(const QString&)> isMobile;
+    std::function<bool(const QString&)> isMobile;                   ///< on a thread of its own
 };
 
 /// One choice of a folder by the user: dialog, checks, each with its line in Qt's log and some with
-/// a modal tip, and the sub-folder that is made in the chosen folder. GUI thread.
+/// a modal tip, and the sub-folder that is made in the chosen folder. GUI thread, which handles
+/// events meanwhile: a folder may hang. When the user does not wait, or it has not answered for
+/// 30 s, the choice ends with false.
 ///
 /// The page may be destroyed while a dialog is open: the dialog is closed then, the choice ends
 /// with false, and no path that was passed is touched.
@@ -67,6 +69,9 @@ void showTip(const QPointer<QWidget>& page, const QString& text, int kind,
 
 /// Asks, over the page, whether the folder is to be cleared; no when the page goes meanwhile.
 bool confirmClearing(QWidget* page, const QString& folder);
+
+/// Shows the folder in the system's file manager; a tip tells when that fails.
+void showFolder(QWidget* page, const QString& folder);
 
 /// The drive that a path begins with, as "D:"; empty when it does not.
 MIVOSETTINGSWIDGETS_EXPORT QString driveOf(const QString& path);

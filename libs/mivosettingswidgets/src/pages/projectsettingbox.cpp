@@ -11,7 +11,6 @@
 #include <mivowidgets/editbox.h>
 #include <mivowidgets/pushbutton.h>
 #include <mivowidgets/spineditbox.h>
-#include <mivowidgets/tipdialog.h>
 
 #include <QtCore/QMetaMethod>
 #include <QtWidgets/QHBoxLayout>
@@ -79,7 +78,7 @@ public slots:
         submit(&IMivoSettings::setNewProjResetOutput, state == Qt::Checked);
     }
     void onBrowseBtnClicked();
-    void onOpenBtnClicked();
+    void onOpenBtnClicked() { showFolder(owner, m_folder->path()); }
     void onLinkWithProjectChanged(int minutes) { showValue(m_interval, minutes); }
     void onCheckRemainSpace() { m_folder->checkSpace(); }
     void onUpdateProgramList();
@@ -281,14 +280,6 @@ void ProjectSettingBox::Impl::onBrowseBtnClicked()
     if (FolderSelection(projectFolderRules, owner).createSecLevelDir(path, "/projectbackups")) {
         m_folder->setPath(path);
         onAutoSavePathChanged(path);
-    }
-}
-
-void ProjectSettingBox::Impl::onOpenBtnClicked()
-{
-    if (!qutils::openFolder(m_folder->path())) {
-        showTip(QPointer<QWidget>(owner), settings::text(QStringLiteral("OpenFolderFailed")),
-                mivo::widgets::TipDialog::warning, m_folder->path());
     }
 }
 

@@ -28,8 +28,12 @@ std::vector<STShortCutItem> takeOut(std::vector<STShortCutItem>& items, Predicat
 /// The content of a file, or none where there is no file that can be opened.
 std::optional<std::string> contentOf(const std::filesystem::path& path)
 {
-    std::ifstream file(path, std::ios::binary);
-    if (!file) {
+    std::error_code error;
+    std::ifstream file;
+    if (!std::filesystem::is_other(path, error)) { // a pipe would be waited for
+        file.open(path, std::ios::binary);
+    }
+    if (!file.is_open()) {
         return {};
     }
     std::string content(std::filesystem::file_size(path), '\0');
