@@ -7,6 +7,7 @@
 #include "system/tray.h"
 
 #include "support/dialogs.h"
+#include "support/ended.h"
 #include "support/hostlanguage.h"
 #include "support/logcapture.h"
 #include "support/teststore.h"
@@ -74,6 +75,15 @@ protected:
     }
     enum Answer { save, stay, drop }; // in the order of QMessageBox::buttons()
 
+    bool open(const QString& file)
+    {
+        return ended([&](const ProjectFile::Done& done) { project.open(file, done); });
+    }
+    bool saveAs(const QString& file)
+    {
+        return ended([&](const ProjectFile::Done& done) { project.saveAs(file, done); });
+    }
+
     QString playing() { return window.findChild<QLabel*>("playing")->text(); }
 
     LogCapture log;
@@ -124,21 +134,21 @@ TEST_F(Window, AsksBeforeChangesAreLost)
                                   "Save the changes to “Unnamed project”?"}));
 
     const QString file = folder.filePath("a&b.mivo");
-    ASSERT_TRUE(project.saveAs(file));
+    ASSERT_TRUE(saveAs(file));
     project.play(4);
     answer(drop);
     window.menuBar()->actions().at(0)->menu()->actions().at(0)->trigger(); // New
     EXPECT_EQ(project.state().file, "");
     EXPECT_FALSE(project.state().modified);
 
-    ASSERT_TRUE(project.open(file));
+    ASSERT_TRUE(open(file));
     EXPECT_EQ(project.state().project.lastPlayed, 3) << "dropped";
     project.play(4);
     answer(save);
     window.close();
-    EXPECT_EQ(closed.size(), 1);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return closed.size() == 1; })) << "when it is saved";
     EXPECT_EQ(asked.size(), 4);
-    ASSERT_TRUE(project.open(file));
+    ASSERT_TRUE(open(file));
     EXPECT_EQ(project.state().project.lastPlayed, 4);
 
     window.show();
@@ -155,14 +165,15 @@ TEST_F(Window, AsksBeforeChangesAreLost)
 
 TEST_F(Window, OpensRecentFilesFromItsMenu)
 {
-    ASSERT_TRUE(project.saveAs(folder.filePath("one.mivo")));
-    ASSERT_TRUE(project.saveAs(folder.filePath("two.mivo")));
+    ASSERT_TRUE(saveAs(folder.filePath("one.mivo")));
+    ASSERT_TRUE(saveAs(folder.filePath("two.mivo")));
     auto* menu = window.menuBar()->actions().at(0)->menu();
     emit menu->aboutToShow();
     auto* recent = menu->actions().at(2)->menu();
     ASSERT_EQ(recent->actions().size(), 2);
     recent->actions().at(1)->trigger();
-    EXPECT_EQ(project.state().file, folder.filePath("one.mivo"));
+    EXPECT_TRUE(
+        QTest::qWaitFor([this] { return project.state().file == folder.filePath("one.mivo"); }));
     EXPECT_TRUE(window.windowTitle().startsWith("one[*]"));
 }
 
@@ -172,7 +183,7 @@ TEST_F(Window, ShowsAFailureUntilItIsDismissedAndKeepsEachMessage)
     for (const auto* label : window.findChildren<QLabel*>()) {
         notice = label->property("style") == "notice" ? label : notice;
     }
-    EXPECT_FALSE(project.open(folder.filePath("missing.mivo")));
+    EXPECT_FALSE(open(folder.filePath("missing.mivo")));
     EXPECT_TRUE(notice->isVisible());
     const QString failure = notice->text();
     EXPECT_TRUE(failure.contains("missing.mivo"));
@@ -206,7 +217,8 @@ TEST_F(Window, HasEveryTextInBothLanguages)
         for (const char* reason :
              {"0 is no port", "a program has no id of its own", "no such folder",
               "not a project file", "the file was replaced or removed",
-              "written by a later version"}) {
+              "written by a later version", "no answer", "a file is still being opened or saved",
+              "the open project has been changed meanwhile"}) {
             EXPECT_EQ(reasonText(reason) == reason, language == QLatin1String("en")) << reason;
         }
         for (const char* key :

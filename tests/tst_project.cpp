@@ -1,93 +1,39 @@
-#include "project/autosave.h"
-#include "project/projectfile.h"
-
-#include "mivohostkit/runtimethread.h"
-
-#include "support/files.h"
-#include "support/logcapture.h"
-#include "support/teststore.h"
+#include "support/projecttest.h"
 
 #include <gtest/gtest.h>
 
-#include <QtCore/QDateTime>
-#include <QtCore/QDir>
 #include <QtCore/QFileInfo>
-#include <QtCore/QTemporaryDir>
-#include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 
-#include <cmath>
+#include <sys/stat.h>
 
 namespace projecttest {
-
-using namespace mivohost;
-
-namespace {
-
-Project smallShow()
-{
-    return {{{"First", {{1, "One"}, {2, "Two"}}}, {"Empty", {}}, {"Last", {{9, "Nine \"9\"; 九"}}}},
-            {},
-            -1};
-}
-
-class ProjectTest : public ::testing::Test
-{
-protected:
-    /// A store with these rows, and the project file over it.
-    void start(const QVariantHash& rows = {})
-    {
-        failures.reset();
-        file.reset();
-        store = std::make_unique<TestStore>(rows);
-        file = std::make_unique<ProjectFile>(runtime, *store);
-        failures = std::make_unique<QSignalSpy>(file.get(), &ProjectFile::failed);
-        file->start();
-    }
-
-    QString path(const QString& name) const { return folder.filePath(name); }
-    QString makeFile(const QString& name, const Project& project = smallShow()) const
-    {
-        writeFile(path(name), projectToJson(project));
-        return path(name);
-    }
-    bool logged(const std::string& line) const
-    {
-        const auto lines = log.lines();
-        return std::find(lines.begin(), lines.end(), line) != lines.end();
-    }
-    qint64 playing() const { return file->state().playing; }
-
-    LogCapture log;
-    QTemporaryDir folder;
-    RuntimeThread runtime;
-    std::unique_ptr<TestStore> store;
-    std::unique_ptr<ProjectFile> file;
-    std::unique_ptr<QSignalSpy> failures;
-};
-
-} // namespace
 
 TEST_F(ProjectTest, SurvivesItsFile)
 {
     EXPECT_FALSE(ProgramDispatch().isUsable());
     start();
-    ASSERT_TRUE(file->open(makeFile("show.mivo")));
-    EXPECT_TRUE(runtime.call([this] { return file->dispatch()->isUsable(); }));
+    ASSERT_TRUE(open(makeFile("show.mivo")));
     file->play(9);
     runtime.call([this] { file->dispatch()->setDefaultPlayProgram({false, 2, "Two"}); });
     file->refresh();
     EXPECT_TRUE(file->state().modified);
-    file->save();
+    EXPECT_TRUE(save());
     EXPECT_FALSE(file->state().modified);
 
     start();
-    ASSERT_TRUE(file->open(path("show.mivo")));
+    ASSERT_TRUE(open(path("show.mivo")));
     EXPECT_EQ(file->state().project.groups, smallShow().groups);
     EXPECT_EQ(file->state().project.lastPlayed, 9);
     EXPECT_TRUE(file->state().project.defaultPlay
                 == (ProgramDispatch::DefaultPlay{false, 2, "Two"}));
     EXPECT_EQ(playing(), -1);
+    file->create();
+    EXPECT_EQ(file->state().file, "");
+    EXPECT_FALSE(logged("info|outputs reset"));
+    runtime.call([this] { store->setNewProjResetOutput(true); });
+    file->create();
+    EXPECT_TRUE(logged("info|outputs reset"));
 }
 
 TEST_F(ProjectTest, FadeTimesAreGivenToAllProgramsAndSurviveTheFile)
@@ -104,10 +50,10 @@ TEST_F(ProjectTest, FadeTimesAreGivenToAllProgramsAndSurviveTheFile)
     writeFile(path("old.mivo"), R"({"mivoProject": 1, "groups": [{"programs": [
         {"id": 1}, {"id": 2, "fadeInTime": 3, "fadeOutTime": 10},
         {"id": 3, "fadeInTime": -1, "fadeOutTime": "x"}, {"id": 4, "fadeOutTime": 10.5}]}]})");
-    ASSERT_TRUE(file->open(path("old.mivo")));
-    EXPECT_EQ(fades(0, 0), std::pair(0.5, 0.5));
-    EXPECT_EQ(fades(0, 2), std::pair(0.5, 0.5));
-    EXPECT_EQ(fades(0, 3), std::pair(0.5, 0.5));
+    ASSERT_TRUE(open(path("old.mivo")));
+    for (const std::size_t odd : {0, 2, 3}) {
+        EXPECT_EQ(fades(0, odd), std::pair(0.5, 0.5));
+    }
     EXPECT_EQ(fades(0, 1), std::pair(3., 10.));
 
     const auto apply = [&](double fadeIn, double fadeOut) {
@@ -118,22 +64,19 @@ TEST_F(ProjectTest, FadeTimesAreGivenToAllProgramsAndSurviveTheFile)
     EXPECT_EQ(apply(3, 10), 3) << "one had them already";
     EXPECT_TRUE(logged("info|fade in 3 s and fade out 10 s for all programs: 3 changed"));
     EXPECT_TRUE(file->state().modified);
-    file->save();
+    EXPECT_TRUE(save());
     EXPECT_EQ(apply(3, 10), 0);
     EXPECT_FALSE(file->state().modified);
-    for (const auto& [fadeIn, fadeOut] : {std::pair(-0.1, 1.), {1., 10.1}, {std::nan(""), 1.}}) {
-        EXPECT_EQ(apply(fadeIn, fadeOut), -1) << "refused";
-    }
 
     start();
-    ASSERT_TRUE(file->open(path("old.mivo")));
+    ASSERT_TRUE(open(path("old.mivo")));
     EXPECT_EQ(fades(0, 3), std::pair(3., 10.));
 }
 
 TEST_F(ProjectTest, WhatCannotBeReadLeavesTheOpenOneAsItIs)
 {
     start();
-    ASSERT_TRUE(file->open(makeFile("good.mivo")));
+    ASSERT_TRUE(open(makeFile("good.mivo")));
     file->play(2);
     const QByteArray good = readFile(path("good.mivo"));
     const std::vector<std::pair<const char*, QByteArray>> cases{
@@ -151,56 +94,168 @@ TEST_F(ProjectTest, WhatCannotBeReadLeavesTheOpenOneAsItIs)
     int failed = 0;
     for (const auto& [label, content] : cases) {
         writeFile(path("bad.mivo"), content);
-        EXPECT_FALSE(file->open(path("bad.mivo"))) << label;
+        EXPECT_FALSE(open(path("bad.mivo"))) << label;
         EXPECT_EQ(failures->size(), ++failed) << label;
     }
-    EXPECT_FALSE(file->open(path("missing.mivo")));
-    EXPECT_FALSE(file->open(folder.path()));
+    ASSERT_EQ(::mkfifo(QFile::encodeName(path("pipe.mivo")).constData(), 0600), 0);
+    for (const QString& none : {path("missing.mivo"), folder.path(), path("pipe.mivo")}) {
+        EXPECT_FALSE(open(none)) << none.toStdString();
+    }
+    const QString late = makeFile("late.mivo");
+    EXPECT_FALSE(ended([&](const ProjectFile::Done& done) {
+        file->open(late, done);
+        file->play(1); // which would be lost
+    }));
     EXPECT_EQ(file->state().file, path("good.mivo"));
-    EXPECT_EQ(playing(), 2);
+    EXPECT_EQ(playing(), 1);
     EXPECT_TRUE(file->state().modified);
     EXPECT_EQ(file->recentFiles(), QStringList{path("good.mivo")});
 
     // Odd, but readable: what is missing is empty.
     writeFile(path("odd.mivo"), R"({"mivoProject": 1, "groups": [3, {"programs": "x"}],
                                 "defaultPlay": 5, "lastPlayed": "many"})");
-    EXPECT_TRUE(file->open(path("odd.mivo")));
+    EXPECT_TRUE(open(path("odd.mivo")));
     EXPECT_TRUE(file->state().project.defaultPlay.lastTime);
 }
 
-TEST_F(ProjectTest, ASaveThatFailsIsToldAndStaysUnsaved)
+TEST_F(ProjectTest, ASaveThatFailsIsToldAndLeavesTheFileAsItWas)
 {
     start();
-    QSignalSpy nameWanted(file.get(), &ProjectFile::nameWanted);
-    file->save();
-    EXPECT_EQ(nameWanted.size(), 1) << "a new project has no file";
-    EXPECT_FALSE(file->saveAs(path("missing/show.mivo")));
-    EXPECT_EQ(file->state().file, "");
-    EXPECT_TRUE(file->saveAs(path("show.mivo")));
-    file->play(3);
+    ASSERT_TRUE(open(makeFile("show.mivo")));
+    file->play(2);
+    EXPECT_FALSE(saveAs(path("missing/show.mivo")));
+    EXPECT_EQ(file->state().file, path("show.mivo"));
+    {
+        const FullDisk full;
+        EXPECT_FALSE(save());
+    }
+    EXPECT_EQ(readFile(path("show.mivo")), projectToJson(smallShow()));
     QDir().remove(path("show.mivo"));
     ASSERT_TRUE(QDir().mkpath(path("show.mivo/in the way")));
-    file->save();
+    EXPECT_FALSE(save());
     EXPECT_TRUE(file->state().modified);
-    EXPECT_TRUE(QTest::qWaitFor([this] { return failures->size() == 2; }));
-    EXPECT_EQ(failures->at(0).at(0), "ProjectNotSaved");
+    ASSERT_EQ(failures->size(), 3);
+    EXPECT_EQ(failures->at(1).at(0), "ProjectNotSaved");
     EXPECT_TRUE(failures->at(0).at(1).toString().startsWith(path("missing/show.mivo: ")));
-    EXPECT_EQ(nameWanted.size(), 1);
+
+    EXPECT_TRUE(ended([this](const ProjectFile::Done& done) {
+        file->saveAs(path("changed.mivo"), done);
+        file->play(1);
+    }));
+    EXPECT_TRUE(file->state().modified) << "it was changed while it was saved";
 }
 
-TEST_F(ProjectTest, ASaveThatNobodyWatchesAsksForNoName)
+TEST_F(ProjectTest, AFileThatHangsHoldsUpNothingElse)
+{
+    start({{"autoSavePath", path("saves hangs")}});
+    QSignalSpy waiting(file.get(), &ProjectFile::waiting);
+    QSignalSpy told(file.get(), &ProjectFile::told);
+    ASSERT_TRUE(saveAs(path("here.mivo")));
+    file->play(3);
+    file->afterSaves([] {});
+    waiting.clear();
+    std::vector<bool> results;
+    const auto note = [&results](bool done) { results.push_back(done); };
+    file->saveAs(path("hangs.mivo"), note);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return waiting.size() == 1; }));
+    EXPECT_EQ(waiting[0][0], "SavingProject");
+    EXPECT_FALSE(open(path("here.mivo"))) << "one at a time";
+    file->play(4);
+    EXPECT_EQ(file->state().project.lastPlayed, 4);
+    file->stopWaiting();
+    EXPECT_EQ(results, std::vector{false});
+    EXPECT_EQ(waiting.last()[0], "");
+    EXPECT_FALSE(saveAs(path("hangs.mivo"))) << "the older content could replace the newer one";
+    file->open(path("hangs too.mivo"), note);
+    file->stopWaiting();
+    EXPECT_EQ(failures->size(), 4);
+
+    EXPECT_TRUE(saveAs(path("here.mivo")));
+    file->checkRecentFiles();
+    file->saveCompleted(); // all is saved
+    file->play(5);
+    ASSERT_TRUE(saveAs(path("other.mivo")));
+    hanging.answer();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return told.size() == 1; }));
+    EXPECT_EQ(told[0], (QVariantList{"ProjectSavedLate", path("hangs.mivo")}));
+    EXPECT_EQ(file->state().file, path("other.mivo"));
+    QString error;
+    EXPECT_EQ(projectFromJson(readFile(path("hangs.mivo")), error)->lastPlayed, 3);
+    EXPECT_EQ(failures->size(), 4);
+    EXPECT_EQ(results.size(), 2U);
+}
+
+TEST_F(ProjectTest, AnEndThatNobodyWasAskedAboutLosesNothing)
+{
+    QVariantHash rows{{"autoSavePath", path("saves")}};
+    start(rows);
+    ASSERT_TRUE(open(makeFile("show.mivo")));
+    file->rescue();
+    EXPECT_TRUE(savesOf("*").isEmpty()) << "nothing is unsaved";
+    file->play(2);
+    file->discardChanges();
+    file->rescue();
+    EXPECT_TRUE(savesOf("*").isEmpty()) << "nobody wants it";
+    file->play(9);
+    file->rescue();
+    file->rescue();
+    ASSERT_EQ(savesOf("show-*.mivo").size(), 1);
+
+    const auto restart = [&] {
+        rows = store->kept.rows;
+        failures.reset();
+        file.reset();
+        store = std::make_unique<TestStore>(rows);
+        file = std::make_unique<ProjectFile>(runtime, *store, hanging.observer());
+        QSignalSpy found(file.get(), &ProjectFile::unsavedFound);
+        file->start();
+        QTest::qWait(50);
+        return found.isEmpty() ? QString() : found[0][0].toString();
+    };
+    EXPECT_EQ(restart(), path("saves/" + savesOf("*").value(0)));
+    file->openUnsaved();
+    EXPECT_TRUE(QTest::qWaitFor([this] { return playing() == -1 && !file->isBusy(); }));
+    EXPECT_EQ(file->state().file, path("show.mivo"));
+    EXPECT_EQ(file->state().project.lastPlayed, 9);
+    EXPECT_TRUE(file->state().modified);
+    EXPECT_EQ(file->recentFiles(), QStringList{path("show.mivo")});
+    EXPECT_EQ(restart(), "") << "offered until it is opened";
+
+    runtime.call([this] { store->setAutoSavePath(path("hangs")); });
+    file->play(3);
+    file->rescue();
+    const QString own = restart();
+    EXPECT_TRUE(own.contains("/projectbackups/unnamed-")) << own.toStdString();
+    EXPECT_TRUE(QFile::remove(own));
+    file->forgetUnsaved();
+    EXPECT_EQ(restart(), "");
+}
+
+TEST_F(ProjectTest, ASaveThatNobodyWatchesEndsAmongTheAutomaticSaves)
 {
     start({{"autoSavePath", path("saves")}});
-    QSignalSpy nameWanted(file.get(), &ProjectFile::nameWanted);
+    const auto saved = [this] {
+        file->saveCompleted();
+        EXPECT_TRUE(ended([this](const auto& done) { file->afterSaves([done] { done(true); }); }));
+    };
     file->play(3);
-    file->saveCompleted();
-    EXPECT_EQ(nameWanted.size(), 0);
-    EXPECT_EQ(QDir(path("saves")).entryList({"unnamed-*.mivo"}).size(), 1);
+    saved();
+    EXPECT_EQ(savesOf("unnamed-*.mivo").size(), 1);
 
-    EXPECT_TRUE(file->saveAs(path("show.mivo")));
+    EXPECT_TRUE(saveAs(path("gone/show.mivo")) || saveAs(path("show.mivo")));
     file->play(2);
-    file->saveCompleted(); // its drive is away
-    EXPECT_EQ(QDir(path("saves")).entryList({"show-*.mivo"}).size(), 1);
+    saved();
+    EXPECT_FALSE(file->state().modified);
+    EXPECT_EQ(savesOf("show-*.mivo").size(), 0);
+    ASSERT_TRUE(QFile::remove(path("show.mivo")) && QDir().mkpath(path("show.mivo/in the way")));
+    file->play(3);
+    saved();
+    EXPECT_EQ(savesOf("show-*.mivo").size(), 1);
+
+    ASSERT_TRUE(QDir(path("show.mivo")).removeRecursively());
+    runtime.call([this] { file->dispatch()->saveProjectFile(0); });
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !file->state().modified; }));
+    EXPECT_TRUE(QFileInfo(path("show.mivo")).isFile());
 }
 
 TEST_F(ProjectTest, PlaysWhatIsChosenWhenItIsOpened)
@@ -227,7 +282,7 @@ TEST_F(ProjectTest, PlaysWhatIsChosenWhenItIsOpened)
         project.lastPlayed = test.lastPlayed;
         start({{"openProjectFileDefaultPlay", int{test.setting}}});
         log.clear();
-        ASSERT_TRUE(file->open(makeFile("show.mivo", project))) << test.label;
+        ASSERT_TRUE(open(makeFile("show.mivo", project))) << test.label;
         EXPECT_EQ(playing(), test.plays) << test.label;
         EXPECT_EQ(logged(test.plays == 2 ? "info|playing program Two" : "info|playing program One"),
                   test.plays > 0)
@@ -239,15 +294,22 @@ TEST_F(ProjectTest, RemembersTheLastFilesAndOpensTheLastOne)
 {
     start();
     for (int i = 1; i <= 10; ++i) {
-        ASSERT_TRUE(file->open(makeFile(QStringLiteral("show %1.mivo").arg(i))));
+        ASSERT_TRUE(open(makeFile(QStringLiteral("show %1.mivo").arg(i))));
     }
-    ASSERT_TRUE(file->open(folder.path() + "/./show 5.mivo"));
+    ASSERT_TRUE(open(folder.path() + "/./show 5.mivo"));
     QDir().remove(path("show 9.mivo"));
+    const auto check = [this] {
+        QSignalSpy checked(file.get(), &ProjectFile::recentFilesChecked);
+        file->checkRecentFiles();
+        EXPECT_TRUE(checked.wait());
+    };
+    check();
     EXPECT_EQ(file->recentFiles().first().section('/', -1), "show 5.mivo");
     EXPECT_EQ(file->recentFiles().count(path("show 5.mivo")), 1);
     EXPECT_EQ(file->recentFiles().size(), 7) << "eight, of which one is gone";
-    ASSERT_TRUE(file->saveAs(path("new.mivo")));
+    ASSERT_TRUE(saveAs(path("new.mivo")));
     makeFile("show 9.mivo");
+    check();
     EXPECT_EQ(file->recentFiles().size(), 8) << "it is there again";
     QVariantHash rows = store->kept.rows;
 
@@ -268,142 +330,6 @@ TEST_F(ProjectTest, RemembersTheLastFilesAndOpensTheLastOne)
         EXPECT_EQ(file->state().project.groups.size(), 3U) << "a new project instead";
         EXPECT_EQ(store->kept.rows, rows) << label;
     }
-}
-
-TEST_F(ProjectTest, ANewOneResetsTheOutputsIfTheSettingSaysSo)
-{
-    start();
-    file->create();
-    EXPECT_FALSE(logged("info|outputs reset"));
-    runtime.call([this] { store->setNewProjResetOutput(true); });
-    file->create();
-    EXPECT_TRUE(logged("info|outputs reset"));
-}
-
-namespace {
-
-class AutoSaveTest : public ProjectTest
-{
-protected:
-    AutoSaveTest()
-    {
-        start({{"autoSavePath", path("saves")}, {"autoSaveProjectFilesMaxNum", 3}});
-        EXPECT_TRUE(file->open(makeFile("show.mivo")));
-        autoSave = std::make_unique<AutoSave>(
-            runtime, *store, file->dispatch(),
-            [this](const QString& where, const QString& /*why*/) { told.append(where); });
-    }
-
-    /// Changes the project, then saves at that time of the 4th.
-    void saveAt(const char* time)
-    {
-        file->play(playing() == 1 ? 2 : 1);
-        saveUnchangedAt(time);
-    }
-    void saveUnchangedAt(const char* time)
-    {
-        const QDateTime now(QDate(2026, 5, 4), QTime::fromString(time, "hh:mm"));
-        runtime.call([this, &now] { autoSave->save(now); });
-    }
-    QStringList saves() const { return QDir(path("saves")).entryList(QDir::Files, QDir::Name); }
-
-    QStringList told;
-    std::unique_ptr<AutoSave> autoSave;
-};
-
-} // namespace
-
-TEST_F(AutoSaveTest, KeepsTheNewestOfItsOwnAndTouchesNothingElse)
-{
-    saveUnchangedAt("09:00");
-    EXPECT_FALSE(QDir(path("saves")).exists()) << "nothing to save, no folder";
-    saveAt("10:00");
-    saveUnchangedAt("10:01");
-    EXPECT_EQ(saves(), QStringList{"show-20260504-100000.mivo"});
-    const QByteArray content = readFile(path("saves/show-20260504-100000.mivo"));
-    QString error;
-    const auto saved = projectFromJson(content, error);
-    ASSERT_TRUE(saved.has_value()) << error.toStdString();
-    EXPECT_EQ(saved->groups, smallShow().groups);
-    EXPECT_EQ(saved->lastPlayed, 1);
-    EXPECT_TRUE(file->state().modified) << "the project itself stays unsaved";
-    EXPECT_EQ(readFile(path("show.mivo")), projectToJson(smallShow()));
-
-    const QStringList foreign{"show-20200101-000000.mivo",   // of that name, but saved by the user
-                              "show-20200101-000001.mivo",   // of another project of that name
-                              "show-2-20200101-000000.mivo", // of another name
-                              "show-20200101-00000a.mivo", "notes.txt"};
-    writeFile(path("saves/" + foreign[0]), projectToJson(smallShow()));
-    writeFile(path("saves/" + foreign[1]), projectToJson(smallShow(), "/elsewhere/show.mivo"));
-    for (int i = 2; i < foreign.size(); ++i) {
-        writeFile(path("saves/" + foreign[i]), content);
-    }
-    for (const char* time : {"10:05", "10:10", "10:15", "10:20"}) {
-        saveAt(time);
-    }
-    const auto expectBesideForeign = [&](const QStringList& own) {
-        QStringList expected = foreign + own;
-        expected.sort();
-        EXPECT_EQ(saves(), expected);
-    };
-    expectBesideForeign(
-        {"show-20260504-101000.mivo", "show-20260504-101500.mivo", "show-20260504-102000.mivo"});
-
-    saveAt("08:00"); // a clock that was set back
-    EXPECT_TRUE(saves().contains("show-20260504-080000.mivo"));
-    saveAt("10:20"); // a name that is taken
-    EXPECT_TRUE(saves().contains("show-20260504-102001.mivo"));
-    runtime.call([this] { store->setAutoSaveProjectFilesMaxNum(1); });
-    saveAt("11:00");
-    expectBesideForeign({"show-20260504-110000.mivo"});
-    EXPECT_TRUE(told.isEmpty());
-}
-
-TEST_F(AutoSaveTest, AFolderThatFailsIsToldOnceUntilItWorksAgain)
-{
-    writeFile(path("file"), "in the way");
-    const auto useFolder = [this](const QString& name) {
-        runtime.call([&] { store->setAutoSavePath(name); });
-    };
-    useFolder(path("file"));
-    saveAt("10:00");
-    saveAt("10:05");
-    EXPECT_EQ(told.size(), 1);
-    EXPECT_EQ(told.value(0), path("file"));
-    useFolder("/proc/no/such");
-    saveAt("10:10");
-    EXPECT_EQ(told.size(), 2);
-    useFolder("");
-    saveAt("10:15");
-    saveAt("10:20");
-    EXPECT_EQ(told.size(), 3);
-    useFolder(path("saves"));
-    saveUnchangedAt("10:25");
-    EXPECT_EQ(saves().size(), 1) << "what failed before is made up for";
-    useFolder(path("file"));
-    saveAt("10:30");
-    EXPECT_EQ(told.size(), 4);
-    EXPECT_EQ(readFile(path("file")), "in the way");
-}
-
-TEST_F(AutoSaveTest, TicksAsTheSettingsSay)
-{
-    const auto* tick = autoSave->findChild<QTimer*>();
-    const auto set = [&](bool on, int minutes) {
-        runtime.call([&] {
-            store->setAutoSaveProjectFilesInterval(minutes);
-            store->setAutoSaveProjectFiles(on);
-        });
-        QCoreApplication::processEvents();
-    };
-    EXPECT_FALSE(tick->isActive());
-    set(true, 30);
-    EXPECT_TRUE(tick->isActive());
-    EXPECT_EQ(tick->interval(), 30 * 60 * 1000);
-    set(true, 1);
-    EXPECT_EQ(tick->interval(), 60 * 1000);
-    set(false, 1);
-    EXPECT_FALSE(tick->isActive());
 }
 
 } // namespace projecttest

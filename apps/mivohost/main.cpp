@@ -109,8 +109,8 @@ void wait(int seconds)
 }
 
 /// The program with its window, from here to its end.
-int runWindow(MainWindow& window, RuntimeThread& runtime, SettingsStore& store,
-              const QCommandLineParser& arguments, int simulatedDevices)
+int runWindow(MainWindow& window, ProjectFile& project, RuntimeThread& runtime,
+              SettingsStore& store, const QCommandLineParser& arguments, int simulatedDevices)
 {
     const auto notify = [&window](const char* key) {
         return [&window, key = QString::fromLatin1(key)](const QString& reason) {
@@ -127,20 +127,19 @@ int runWindow(MainWindow& window, RuntimeThread& runtime, SettingsStore& store,
         autostart.emplace(runtime, store, QCoreApplication::applicationFilePath(), allowed,
                           notify("AutostartFailed"));
     }
-    const TimedActions timed(runtime, store,
-                             [&window, allowed, tell = notify("PowerActionFailed")](
-                                 PowerAction action, const std::function<void()>& failed) {
-                                 QMetaObject::invokeMethod(
-                                     &window,
-                                     [=, &window] {
-                                         carryOut(action, allowed, &window,
-                                                  [failed, tell](const QString& reason) {
-                                                      failed();
-                                                      tell(reason);
-                                                  });
-                                     },
-                                     Qt::QueuedConnection);
-                             });
+    const TimedActions timed(
+        runtime, store,
+        [&window, &project, allowed, tell = notify("PowerActionFailed")](
+            PowerAction action, const std::function<void()>& failed) {
+            const auto act = [=, &window] {
+                carryOut(action, allowed, &window, [failed, tell](const QString& reason) {
+                    failed();
+                    tell(reason);
+                });
+            };
+            QMetaObject::invokeMethod(
+                &window, [&project, act] { project.afterSaves(act); }, Qt::QueuedConnection);
+        });
 
     const Listener listener(runtime, store);
     const SoundCards soundCards(
@@ -176,7 +175,9 @@ int runWindow(MainWindow& window, RuntimeThread& runtime, SettingsStore& store,
     if (arguments.isSet(QStringLiteral("settings"))) {
         window.openSettings();
     }
-    return QApplication::exec();
+    const int code = QApplication::exec();
+    project.rescue(); // unless the user was asked
+    return code;
 }
 
 int run(const QCommandLineParser& arguments)
@@ -281,7 +282,7 @@ int run(const QCommandLineParser& arguments)
                     refuse(notWritten, QStringLiteral("cannot write pictures to ") + folder, false);
             }
         } else {
-            code = runWindow(window, runtime, *store, arguments, *simulatedDevices);
+            code = runWindow(window, project, runtime, *store, arguments, *simulatedDevices);
         }
     }
     runtime.call([&store] { store.reset(); });

@@ -53,7 +53,7 @@ public:
     /// False while no project is open.
     virtual bool isUsable() const = 0;
 
-    /// Saves the open project. `flags` says which of its parts.
+    /// Saves the open project, or begins to: it must not wait for the file. `flags`: which parts.
     virtual void saveProjectFile(int flags) = 0;
 
     virtual std::vector<std::weak_ptr<IProgramGroup>> programGroups() const = 0;

@@ -8,8 +8,8 @@ class IProjectFileMgr
 public:
     virtual ~IProjectFileMgr() = default;
 
-    /// A save has been asked for and carried out: the file's list of recent files and its window
-    /// title may follow.
+    /// A save has been asked for, and may still be going on: the list of recent files and the
+    /// window title follow when it has ended. Must not wait for the file.
     virtual void saveCompleted() = 0;
 };
 

@@ -313,6 +313,7 @@ const std::array settings{
     Setting("canvasColor", "#000000", announce<&Store::canvasColorChanged>, isColor),
     Setting("outputColor", "#ffffff", announce<&Store::outputColorChanged>, isColor),
     Setting("recentProjectFiles", QString()),
+    Setting("unsavedProject", QString()),
     Setting("midiEnabled", false),
     Setting("midiBindings", QString()),
     Setting("dmx", "0|0|0|0|mivo", nullptr, isDmx),

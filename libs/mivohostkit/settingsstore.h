@@ -157,6 +157,9 @@ public:
     /// The host's own: paths of project files, one a line, the most recent first.
     void setRecentProjectFiles(const QString& files) { set("recentProjectFiles", files); }
     QString getRecentProjectFiles() const { return value("recentProjectFiles").toString(); }
+    /// The automatic save that holds the changes which the last end left unsaved; empty: none.
+    void setUnsavedProject(const QString& file) { set("unsavedProject", file); }
+    QString getUnsavedProject() const { return value("unsavedProject").toString(); }
 
     /// The host's own: its inputs for controllers, and their bindings as the services keep them.
     void setMidiEnabled(bool on) { set("midiEnabled", on); }

@@ -1,6 +1,9 @@
 #pragma once
 
 #include "project/programdispatch.h"
+#include "project/projectaccess.h"
+
+#include <mivoqutils/filetask.h>
 
 #include <QtCore/QObject>
 #include <QtCore/QTimer>
@@ -9,48 +12,53 @@
 #include <memory>
 #include <vector>
 
-class QDateTime;
-
 namespace mivohost {
 
 class RuntimeThread;
 class SettingsStore;
 
 /// Saves the open project into the folder of automatic saves, as the store's settings say: every so
-/// many minutes when there is something unsaved that no automatic save has yet, under the name
-/// "<project>-yyyyMMdd-hhmmss.mivo". Of a project's saves the newest are kept. A file that is not
-/// marked as an automatic save of this project is never touched.
+/// many minutes when there is something unsaved that no automatic save has yet.
 ///
-/// Made and destroyed on the GUI thread, whose event loop ticks; saves on the runtime thread.
-/// `runtime` and `store` must outlive it.
+/// GUI thread; the files are touched on a thread of their own, and a folder that hangs is not asked
+/// again until it answers. `runtime` and `store` must outlive it.
 class AutoSave : public QObject
 {
     Q_OBJECT
 
 public:
-    using FailureHandler = std::function<void(const QString& folder, const QString& reason)>;
-
-    /// `failed` is called on the runtime thread, once for each folder until a save works again.
     AutoSave(RuntimeThread& runtime, SettingsStore& store,
-             std::shared_ptr<ProgramDispatch> dispatch, FailureHandler failed);
+             std::shared_ptr<ProgramDispatch> dispatch, PathObserver observer = {});
     ~AutoSave() override;
 
-    /// Saves now if there is something to save. `now` is local time. Runtime thread.
+    /// Begins to save if there is something to save. `now` is local time.
     void save(const QDateTime& now);
+
+    bool isSaving() const { return m_task && m_task->isRunning(); }
+
+    /// For the end of the program: waits until the project is saved, also when an automatic save
+    /// has it already. Where the folder does not take it within 2 s, the program's own is tried as
+    /// long. The complete path of the file; empty when both failed.
+    QString saveAtTheEnd();
+
+signals:
+    /// A save has ended, or has not for 30 s. `reason` is empty when it succeeded.
+    void saved(const QString& folder, const QString& reason);
 
 private:
     void followSettings();
+    /// What is to be written; runtime thread.
+    AutomaticSave snapshot(const QDateTime& now) const;
 
     RuntimeThread& m_runtime;
     SettingsStore& m_store;
-    std::shared_ptr<ProgramDispatch> m_dispatch;
-    FailureHandler m_failed;
+    std::shared_ptr<ProgramDispatch> m_dispatch; // runtime thread
+    PathObserver m_observer;
     QTimer m_tick{this};
-
-    // Runtime thread.
+    std::unique_ptr<mivo::qutils::FileTask> m_task;
+    QString m_savingInto;
     int m_savedRevision = -1;
-    QString m_failedFolder; // null: none
-    std::vector<sigslot::connection> m_connections;
+    std::vector<sigslot::connection> m_connections; // runtime thread
 };
 
 } // namespace mivohost

@@ -2,10 +2,6 @@
 
 #include "base/hostlog.h"
 
-#include <QtCore/QFile>
-#include <QtCore/QFileInfo>
-#include <QtCore/QSaveFile>
-
 #include <utility>
 
 namespace mivohost {
@@ -14,8 +10,6 @@ using mivo::mediadispatch::IProgram;
 using mivo::mediadispatch::IProgramGroup;
 
 namespace {
-
-constexpr qint64 largestFile = 64 * 1024 * 1024;
 
 class ProgramOfGroup : public IProgram
 {
@@ -55,9 +49,7 @@ ProgramDispatch::~ProgramDispatch() = default;
 
 void ProgramDispatch::saveProjectFile(int /*flags*/)
 {
-    if (!m_state.file.isEmpty()) {
-        saveAs(m_state.file);
-    }
+    saveRequested();
 }
 
 std::vector<std::weak_ptr<IProgramGroup>> ProgramDispatch::programGroups() const
@@ -72,48 +64,6 @@ void ProgramDispatch::setDefaultPlayProgram(const DefaultPlay& info)
         setModified(true);
         defaultPlayProgramChanged();
     }
-}
-
-void ProgramDispatch::create(Project project)
-{
-    replace(std::move(project), {});
-}
-
-QString ProgramDispatch::open(const QString& file)
-{
-    QFile input(file);
-    QString error;
-    if (!input.open(QIODevice::ReadOnly)) {
-        return input.errorString();
-    }
-    auto project = projectFromJson(input.read(largestFile), error);
-    if (!project) {
-        return error;
-    }
-    replace(std::move(*project), QFileInfo(file).absoluteFilePath());
-    hostLog()->info("project {} open", file.toStdString());
-    return {};
-}
-
-bool ProgramDispatch::saveAs(const QString& file)
-{
-    if (!m_usable) {
-        return false;
-    }
-    const auto logger = hostLog();
-    const QByteArray content = projectToJson(m_state.project);
-    QSaveFile output(file);
-    if (!output.open(QIODevice::WriteOnly) || output.write(content) != content.size()
-        || !output.commit()) {
-        logger->error("project {} could not be saved: {}", file.toStdString(),
-                      output.errorString().toStdString());
-        saveFailed(file, output.errorString());
-        return false;
-    }
-    logger->info("project {} saved", file.toStdString());
-    m_state.file = QFileInfo(file).absoluteFilePath();
-    setModified(false);
-    return true;
 }
 
 void ProgramDispatch::play(qint64 id)
@@ -140,7 +90,7 @@ int ProgramDispatch::setFadeTimes(double fadeIn, double fadeOut)
     return changed;
 }
 
-void ProgramDispatch::replace(Project project, const QString& file)
+void ProgramDispatch::replace(Project project, const QString& file, bool modified)
 {
     m_usable = true;
     m_groups.clear();
@@ -148,9 +98,19 @@ void ProgramDispatch::replace(Project project, const QString& file)
         m_groups.push_back(std::make_shared<Group>(group));
     }
     m_state = {std::move(project), file, false, -1, m_state.revision};
-    setModified(false);
+    setModified(modified);
     programListChanged();
     defaultPlayProgramChanged();
+}
+
+void ProgramDispatch::setSaved(const QString& file, int revision)
+{
+    m_state.file = file;
+    if (revision == m_state.revision) {
+        setModified(false);
+    } else {
+        stateChanged(); // changed meanwhile
+    }
 }
 
 void ProgramDispatch::setModified(bool modified)

@@ -8,8 +8,8 @@
 
 namespace mivohost {
 
-/// The open project: its programs, its playing, and its file. Playing is what a reference host can
-/// do of it: it says so.
+/// The open project: its programs, its playing, and the path of its file, which somebody else reads
+/// and writes. Playing is what a reference host can do of it: it says so.
 ///
 /// Made on any thread; from then on called on the runtime thread, where the signals are emitted.
 class ProgramDispatch : public mivo::mediadispatch::IProgramDispatch
@@ -32,24 +32,18 @@ public:
 
     bool isUsable() const override { return m_usable; }
 
-    /// Saves to the project's file, always the whole project; saveFailed() where that does not
-    /// work. A project without a file stays unsaved: somebody has to ask for a name.
+    /// Asks for a save through saveRequested(), always of the whole project.
     void saveProjectFile(int flags) override;
 
     std::vector<std::weak_ptr<mivo::mediadispatch::IProgramGroup>> programGroups() const override;
     DefaultPlay getDefaultPlayProgram() const override { return m_state.project.defaultPlay; }
     void setDefaultPlayProgram(const DefaultPlay& info) override;
 
-    /// Replaces the open project by one without a file.
-    void create(Project project);
+    /// Replaces the open project. `modified`: the file does not hold it.
+    void replace(Project project, const QString& file, bool modified = false);
 
-    /// Replaces the open project by a file's. Where that cannot be read the open project stays, and
-    /// the reason is returned; otherwise an empty text.
-    QString open(const QString& file);
-
-    /// Saves to another file, which is the project's from then on. False, and saveFailed(), where
-    /// that does not work.
-    bool saveAs(const QString& file);
+    /// The project as it was at that revision is in this file, which is the project's from now on.
+    void setSaved(const QString& file, int revision);
 
     /// Plays a program of the project; without one of that id it does nothing.
     void play(qint64 id);
@@ -59,13 +53,12 @@ public:
 
     const State& state() const { return m_state; }
 
-    sigslot::signal<> stateChanged;                             ///< of any part of the state
-    sigslot::signal<const QString&, const QString&> saveFailed; ///< with the path and the reason
+    sigslot::signal<> stateChanged; ///< of any part of the state
+    sigslot::signal<> saveRequested;
 
 private:
     class Group;
 
-    void replace(Project project, const QString& file);
     void setModified(bool modified);
 
     bool m_usable = false;

@@ -7,6 +7,8 @@
 #include "project/autosave.h"
 
 #include <QtCore/QDateTime>
+#include <QtCore/QDeadlineTimer>
+#include <QtCore/QDir>
 #include <QtCore/QFileInfo>
 
 #include <algorithm>
@@ -14,34 +16,67 @@
 
 namespace mivohost {
 
+using mivo::qutils::FileTask;
+
 namespace {
 
-constexpr int wholeProject = -1; // all flags
+/// Absolute and without detours, by the names alone: asking the file system may hang.
+QString cleanPath(const QString& file)
+{
+    return QDir::cleanPath(QFileInfo(file).absoluteFilePath());
+}
+
+bool isSamePath(const QString& a, const QString& b)
+{
+#ifdef Q_OS_WIN
+    return cleanPath(a).compare(cleanPath(b), Qt::CaseInsensitive) == 0;
+#else
+    return cleanPath(a) == cleanPath(b);
+#endif
+}
 
 } // namespace
 
-ProjectFile::ProjectFile(RuntimeThread& runtime, SettingsStore& store)
-    : m_runtime(runtime), m_store(store), m_dispatch(std::make_shared<ProgramDispatch>())
+/// A file that is being opened or saved.
+struct ProjectFile::Task
 {
-    const auto tellLater = [this](const char* key, const QString& path, const QString& reason) {
-        QMetaObject::invokeMethod(
-            this, [this, key, path, reason] { tell(key, path, reason); }, Qt::QueuedConnection);
-    };
-    m_runtime.call([this, tellLater] {
+    QString path;
+    bool saves;
+    Done done;
+    std::unique_ptr<FileTask> thread = std::make_unique<FileTask>();
+
+    const char* failure() const { return saves ? "ProjectNotSaved" : "ProjectNotOpened"; }
+};
+
+ProjectFile::ProjectFile(RuntimeThread& runtime, SettingsStore& store, PathObserver observer)
+    : m_runtime(runtime), m_store(store), m_observer(std::move(observer)),
+      m_dispatch(std::make_shared<ProgramDispatch>())
+{
+    m_runtime.call([this] {
         m_connections = {
             m_dispatch->stateChanged.connect([this] {
                 QMetaObject::invokeMethod(this, &ProjectFile::refresh, Qt::QueuedConnection);
             }),
-            m_dispatch->saveFailed.connect([tellLater](const QString& path, const QString& reason) {
-                tellLater("ProjectNotSaved", path, reason);
+            m_dispatch->saveRequested.connect([this] {
+                QMetaObject::invokeMethod(
+                    this,
+                    [this] {
+                        if (!m_state.file.isEmpty() && !(m_task && m_task->saves)) {
+                            save();
+                        }
+                    },
+                    Qt::QueuedConnection);
             }),
             m_store.fadeTimesApplied.connect(&ProjectFile::applyFadeTimes, this),
         };
     });
-    m_autoSave = std::make_unique<AutoSave>(
-        runtime, store, m_dispatch, [tellLater](const QString& folder, const QString& reason) {
-            tellLater("AutomaticSaveFailed", folder, reason);
-        });
+    m_autoSave = std::make_unique<AutoSave>(runtime, store, m_dispatch, m_observer);
+    connect(m_autoSave.get(), &AutoSave::saved, this,
+            [this](const QString& folder, const QString& reason) {
+                if (!reason.isEmpty()) {
+                    fail("AutomaticSaveFailed", folder, reason);
+                }
+            });
 }
 
 ProjectFile::~ProjectFile()
@@ -55,19 +90,29 @@ ProjectFile::~ProjectFile()
     });
 }
 
-void ProjectFile::tell(const char* key, const QString& path, const QString& reason)
+void ProjectFile::fail(const char* key, const QString& path, const QString& reason)
 {
     emit failed(QString::fromLatin1(key), QStringLiteral("%1: %2").arg(path, reasonText(reason)));
 }
 
 void ProjectFile::start()
 {
+    m_runtime.call([this, show = sampleShow()] { createOnRuntime(show); });
+    refresh();
     const bool openLast =
         m_runtime.call([this] { return m_store.getProjectFileSettings().openRecentFiles; });
     const QStringList recent = keptRecentFiles();
-    if (!openLast || recent.isEmpty() || !open(recent.first())) {
-        m_runtime.call([this, show = sampleShow()] { createOnRuntime(show); });
-        refresh();
+    const auto offer = [this](bool /*done*/) {
+        const QString unsaved = unsavedProject();
+        if (!unsaved.isEmpty()) {
+            emit unsavedFound(unsaved);
+        }
+    };
+    if (openLast && !recent.isEmpty()) {
+        open(recent.first(), offer);
+    } else {
+        QMetaObject::invokeMethod(
+            this, [offer] { offer(true); }, Qt::QueuedConnection);
     }
 }
 
@@ -87,7 +132,7 @@ void ProjectFile::create()
 void ProjectFile::createOnRuntime(Project show)
 {
     show.setFadeTimes(m_store.getFadeInTime(), m_store.getFadeOutTime());
-    m_dispatch->create(std::move(show));
+    m_dispatch->replace(std::move(show), {});
 }
 
 void ProjectFile::applyFadeTimes(double fadeIn, double fadeOut)
@@ -99,50 +144,158 @@ void ProjectFile::applyFadeTimes(double fadeIn, double fadeOut)
         this, [this, programs] { emit fadeTimesApplied(programs); }, Qt::QueuedConnection);
 }
 
-bool ProjectFile::open(const QString& file)
+template <typename Work, typename Finish>
+void ProjectFile::run(Task task, Work work, Finish finish)
 {
-    const QString reason = m_runtime.call([this, &file] {
-        const QString failure = m_dispatch->open(file);
-        if (failure.isEmpty() && m_store.getProjectFileSettings().openProjectFileDefaultPlay) {
-            if (const auto* program = m_dispatch->state().project.toPlayOnOpening()) {
-                m_dispatch->play(program->id);
-            }
+    const bool inUse =
+        m_task || std::any_of(m_abandoned.begin(), m_abandoned.end(), [&task](const auto& other) {
+            return isSamePath(other->path, task.path);
+        });
+    if (inUse) {
+        fail(task.failure(), task.path, QStringLiteral("a file is still being opened or saved"));
+        if (task.done) {
+            QMetaObject::invokeMethod(
+                this, [done = task.done] { done(false); }, Qt::QueuedConnection);
         }
-        return failure;
-    });
-    if (!reason.isEmpty()) {
-        hostLog()->error("project {} could not be opened: {}", file.toStdString(),
-                         reason.toStdString());
-        tell("ProjectNotOpened", file, reason);
-        return false;
-    }
-    refresh();
-    addRecentFile();
-    return true;
-}
-
-void ProjectFile::save()
-{
-    refresh();
-    if (m_state.file.isEmpty()) {
-        emit nameWanted();
         return;
     }
-    m_runtime.call([this] { m_dispatch->saveProjectFile(wholeProject); });
-    refresh();
-    if (!m_state.modified) {
-        addRecentFile();
+    m_task = std::make_unique<Task>(std::move(task));
+    const Task* started = m_task.get();
+    connect(started->thread.get(), &FileTask::slow, this, [this, started] {
+        if (m_task.get() == started) {
+            emit waiting(started->saves ? QStringLiteral("SavingProject")
+                                        : QStringLiteral("OpeningProject"),
+                         started->path);
+        }
+    });
+    connect(started->thread.get(), &FileTask::overdue, this, [this, started] {
+        if (m_task.get() == started) {
+            abandon(QStringLiteral("no answer"));
+        }
+    });
+    started->thread->start(
+        [work, path = started->path, observer = m_observer] {
+            if (observer) {
+                observer(path);
+            }
+            return work();
+        },
+        [this, started, finish](auto result) {
+            const bool waited = m_task.get() == started;
+            std::unique_ptr<Task> ended = std::move(m_task);
+            if (!waited) {
+                m_task = std::move(ended);
+                const auto found =
+                    std::find_if(m_abandoned.begin(), m_abandoned.end(),
+                                 [started](const auto& other) { return other.get() == started; });
+                ended = std::move(*found);
+                m_abandoned.erase(found);
+            } else {
+                emit waiting({}, {});
+            }
+            const bool done = finish(std::move(result), waited);
+            if (waited && ended->done) {
+                ended->done(done);
+            }
+        });
+}
+
+void ProjectFile::stopWaiting()
+{
+    if (m_task) {
+        abandon(QStringLiteral("no answer"));
     }
 }
 
-bool ProjectFile::saveAs(const QString& file)
+void ProjectFile::abandon(const QString& reason)
 {
-    const bool saved = m_runtime.call([this, &file] { return m_dispatch->saveAs(file); });
-    refresh();
-    if (saved) {
-        addRecentFile();
+    const Task* task = m_task.get();
+    m_abandoned.push_back(std::move(m_task));
+    hostLog()->error("project {} is not waited for any more", task->path.toStdString());
+    emit waiting({}, {});
+    fail(task->failure(), task->path, reason);
+    if (const Done done = task->done) {
+        done(false);
     }
-    return saved;
+}
+
+void ProjectFile::open(const QString& file, const Done& done)
+{
+    openAs(file, false, done);
+}
+
+void ProjectFile::openAs(const QString& file, bool unsaved, const Done& done)
+{
+    refresh();
+    run(
+        {file, false, done}, [file] { return readProject(file); },
+        [this, file, unsaved, revision = m_state.revision](ReadProject result, bool waited) {
+            if (!waited) {
+                return false;
+            }
+            const QString path = unsaved ? result.automaticSaveOf : cleanPath(file);
+            QString reason = result.error;
+            if (result.project) {
+                reason = m_runtime.call([&] {
+                    if (m_dispatch->state().revision != revision) {
+                        return QStringLiteral("the open project has been changed meanwhile");
+                    }
+                    m_dispatch->replace(std::move(*result.project), path, unsaved);
+                    const auto* program = m_dispatch->state().project.toPlayOnOpening();
+                    if (program && m_store.getProjectFileSettings().openProjectFileDefaultPlay) {
+                        m_dispatch->play(program->id);
+                    }
+                    return QString();
+                });
+            }
+            if (!reason.isEmpty()) {
+                hostLog()->error("project {} could not be opened: {}", file.toStdString(),
+                                 reason.toStdString());
+                fail("ProjectNotOpened", file, reason);
+                return false;
+            }
+            hostLog()->info("project {} open", file.toStdString());
+            refresh();
+            if (!unsaved) {
+                addRecentFile(path);
+            }
+            return true;
+        });
+}
+
+void ProjectFile::save(const Done& done)
+{
+    saveAs(m_state.file, done);
+}
+
+void ProjectFile::saveAs(const QString& file, const Done& done)
+{
+    refresh();
+    const QString path = cleanPath(file);
+    run(
+        {path, true, done},
+        [path, project = m_state.project] { return writeProject(path, project); },
+        [this, path, revision = m_state.revision](const QString& reason, bool waited) {
+            if (!reason.isEmpty()) {
+                hostLog()->error("project {} could not be saved: {}", path.toStdString(),
+                                 reason.toStdString());
+                fail("ProjectNotSaved", path, reason);
+                return false;
+            }
+            hostLog()->info("project {} saved", path.toStdString());
+            m_runtime.call([&] {
+                // Where nobody waited, another file may be the project's now.
+                if (waited || m_dispatch->state().file == path) {
+                    m_dispatch->setSaved(path, revision);
+                }
+            });
+            if (!waited) {
+                emit told(QStringLiteral("ProjectSavedLate"), path);
+            }
+            refresh();
+            addRecentFile(path);
+            return true;
+        });
 }
 
 void ProjectFile::play(qint64 id)
@@ -161,19 +314,93 @@ QStringList ProjectFile::recentFiles() const
 {
     QStringList files = keptRecentFiles();
     files.erase(std::remove_if(files.begin(), files.end(),
-                               [](const QString& file) { return !QFileInfo::exists(file); }),
+                               [this](const QString& file) { return m_missing.contains(file); }),
                 files.end());
-    return files.mid(0, mostRecentFiles);
+    return files;
+}
+
+void ProjectFile::checkRecentFiles()
+{
+    m_check.start(
+        [files = keptRecentFiles(), observer = m_observer] {
+            if (observer && !files.isEmpty()) {
+                observer(files.first());
+            }
+            return missingFiles(files);
+        },
+        [this](const QStringList& missing) {
+            m_missing = missing;
+            emit recentFilesChecked();
+        });
 }
 
 void ProjectFile::saveCompleted()
 {
     refresh();
-    if (m_state.file.isEmpty() || m_state.modified) { // its own file may be away
-        m_runtime.call([this] { m_autoSave->save(QDateTime::currentDateTime()); });
-    } else {
-        addRecentFile();
+    const auto saveAutomatically = [this](bool saved) {
+        if (!saved) {
+            m_autoSave->save(QDateTime::currentDateTime());
+        }
+    };
+    if (m_state.file.isEmpty()) {
+        saveAutomatically(false);
+    } else if (m_state.modified) {
+        save(saveAutomatically); // the file may be away
     }
+}
+
+void ProjectFile::afterSaves(std::function<void()> then)
+{
+    auto* timer = new QTimer(this);
+    connect(timer, &QTimer::timeout, this,
+            [this, timer, then = std::move(then), deadline = QDeadlineTimer(5000)] {
+                if ((m_task || m_autoSave->isSaving()) && !deadline.hasExpired()) {
+                    return;
+                }
+                timer->stop();
+                timer->deleteLater();
+                then();
+            });
+    timer->start(20);
+}
+
+void ProjectFile::discardChanges()
+{
+    refresh();
+    m_settledRevision = m_state.revision;
+}
+
+void ProjectFile::rescue()
+{
+    const auto [modified, revision] = m_runtime.call(
+        [this] { return std::pair(m_dispatch->state().modified, m_dispatch->state().revision); });
+    if (!modified || revision == m_settledRevision) {
+        return;
+    }
+    const QString file = m_autoSave->saveAtTheEnd();
+    if (!file.isEmpty()) {
+        m_settledRevision = revision;
+        m_runtime.call([&] { m_store.setUnsavedProject(file); });
+    }
+}
+
+QString ProjectFile::unsavedProject() const
+{
+    return m_runtime.call([this] { return m_store.getUnsavedProject(); });
+}
+
+void ProjectFile::openUnsaved()
+{
+    openAs(unsavedProject(), true, [this](bool done) {
+        if (done) {
+            forgetUnsaved();
+        }
+    });
+}
+
+void ProjectFile::forgetUnsaved()
+{
+    m_runtime.call([this] { m_store.setUnsavedProject({}); });
 }
 
 void ProjectFile::refresh()
@@ -182,14 +409,15 @@ void ProjectFile::refresh()
     emit changed();
 }
 
-void ProjectFile::addRecentFile()
+void ProjectFile::addRecentFile(const QString& file)
 {
-    QStringList files{m_state.file};
-    for (const QString& file : keptRecentFiles()) {
-        if (QFileInfo(file) != QFileInfo(m_state.file)) {
-            files.append(file);
+    QStringList files{file};
+    for (const QString& kept : keptRecentFiles()) {
+        if (!isSamePath(kept, file)) {
+            files.append(kept);
         }
     }
+    m_missing.removeAll(file);
     const QString text = QStringList(files.mid(0, mostRecentFiles)).join('\n');
     m_runtime.call([this, &text] { m_store.setRecentProjectFiles(text); });
     emit changed();

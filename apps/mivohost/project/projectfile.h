@@ -2,10 +2,14 @@
 
 #include "mivohostapi/iprojectfilemgr.h"
 #include "project/programdispatch.h"
+#include "project/projectaccess.h"
+
+#include <mivoqutils/filetask.h>
 
 #include <QtCore/QObject>
 #include <QtCore/QStringList>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -17,6 +21,11 @@ class SettingsStore;
 
 /// The open project as the GUI thread sees it: New, Open, Save, recent files, automatic saving.
 /// `runtime` and `store` must outlive it.
+///
+/// Files are read and written on threads of their own, and the open project can be changed
+/// meanwhile. One file is opened or saved at a time. One that has not answered for 30 s, or when
+/// stopWaiting() is called, is not waited for any more: failed() tells so, and what has become of a
+/// save is told when it is known.
 class ProjectFile : public QObject, public mivo::projectfilemgr::IProjectFileMgr
 {
     Q_OBJECT
@@ -24,7 +33,10 @@ class ProjectFile : public QObject, public mivo::projectfilemgr::IProjectFileMgr
 public:
     static constexpr int mostRecentFiles = 8;
 
-    ProjectFile(RuntimeThread& runtime, SettingsStore& store);
+    /// Called once on the GUI thread, from the event loop; `done` is false after a failed().
+    using Done = std::function<void(bool done)>;
+
+    ProjectFile(RuntimeThread& runtime, SettingsStore& store, PathObserver observer = {});
     ~ProjectFile() override;
 
     /// The programs of the open project; to be called on the runtime thread.
@@ -34,55 +46,101 @@ public:
     const ProgramDispatch::State& state() const { return m_state; }
     void refresh();
 
-    /// Opens what was open last, if the settings say so and it can be read, else a new project.
+    /// Starts with a new project. Then opens what was open last, if the settings say so, and after
+    /// that tells by unsavedFound() what rescue() saved at the last end.
     void start();
 
     /// Opens a new project without a file.
     void create();
 
-    /// Opens a file and plays what is to be played then. False, and failed(), when it cannot be
-    /// read; the open project stays.
-    bool open(const QString& file);
+    /// Opens a file and plays what is to be played then. Where it cannot be read, or the open
+    /// project is changed meanwhile, the open project stays.
+    void open(const QString& file, const Done& done = {});
 
-    /// Saves to the project's file, or asks for one through nameWanted().
-    void save();
+    /// Saves to the project's file, which there must be.
+    void save(const Done& done = {});
+    /// Saves to another file, which is the project's from then on.
+    void saveAs(const QString& file, const Done& done = {});
 
-    /// False, and failed(), when the file cannot be written.
-    bool saveAs(const QString& file);
+    /// Whether a file is being opened or saved.
+    bool isBusy() const { return m_task != nullptr; }
+    void stopWaiting();
 
     void play(qint64 id);
 
-    /// Files that were opened or saved and are still there, the last one first.
+    /// Files that were opened or saved, the last one first, without those that checkRecentFiles()
+    /// did not find.
     QStringList recentFiles() const;
+    /// Looks, on a thread of its own, which of them are there; then recentFilesChecked().
+    void checkRecentFiles();
 
-    /// Takes the project's file up as the most recent one. Nobody may be at the screen: a project
-    /// without a file is not asked for one, but saved among the automatic saves; so is one that its
-    /// file did not take.
+    /// Has the project saved, where it has a file. Nobody may be at the screen: a project without a
+    /// file is not asked for one, but saved among the automatic saves; so is one that its file did
+    /// not take.
     void saveCompleted() override;
+
+    /// Calls `then` from the event loop when no save runs, at the latest after 5 s.
+    void afterSaves(std::function<void()> then);
+
+    /// The open project's changes are not wanted any more: rescue() leaves them.
+    void discardChanges();
+
+    /// Before an end of the program that nobody was asked about: saves a modified project among the
+    /// automatic saves, or where that fails in the program's own folder. Returns within 5 s, and
+    /// touches no widget. The next start offers what was saved.
+    void rescue();
+
+    /// Opens what unsavedFound() told of, as unsaved changes of its project, or forgets it.
+    void openUnsaved();
+    void forgetUnsaved();
 
 signals:
     void changed();
-    void nameWanted();
+    void recentFilesChecked();
 
     /// All programs were given fade times, which changed so many of them.
     void fadeTimesApplied(int programs);
 
-    /// `key` is a text of the host's, with a place for `argument`.
+    /// `key` is a text of the host's, with a place for `argument`. told() is no failure.
     void failed(const QString& key, const QString& argument);
+    void told(const QString& key, const QString& argument);
+
+    /// Half a second has gone by, and the file is still being opened or saved. `key` as above;
+    /// empty when nobody waits any more.
+    void waiting(const QString& key, const QString& file);
+
+    /// The last end left unsaved changes, in this automatic save.
+    void unsavedFound(const QString& file);
 
 private:
+    struct Task;
+
+    /// Runs `work` aside; then calls `finish` with its result, and with whether somebody still
+    /// waits for it. `finish` says whether it was done.
+    template <typename Work, typename Finish>
+    void run(Task task, Work work, Finish finish);
+    void abandon(const QString& reason);
+    void openAs(const QString& file, bool unsaved, const Done& done);
+    QString unsavedProject() const;
+
     /// Also those that are not there now: their drive may come later.
     QStringList keptRecentFiles() const;
-    void addRecentFile();
-    void tell(const char* key, const QString& path, const QString& reason);
+    void addRecentFile(const QString& file);
     void createOnRuntime(Project show);
+    void fail(const char* key, const QString& path, const QString& reason);
     void applyFadeTimes(double fadeIn, double fadeOut); // runtime thread
 
     RuntimeThread& m_runtime;
     SettingsStore& m_store;
+    PathObserver m_observer;
     std::shared_ptr<ProgramDispatch> m_dispatch;
     ProgramDispatch::State m_state;
     std::unique_ptr<AutoSave> m_autoSave;
+    std::unique_ptr<Task> m_task;                   // somebody waits for it
+    std::vector<std::unique_ptr<Task>> m_abandoned; // nobody does, but its file is still in use
+    mivo::qutils::FileTask m_check;
+    QStringList m_missing;
+    int m_settledRevision = -1;                     // its changes are discarded or rescued
     std::vector<sigslot::connection> m_connections; // runtime thread
 };
 

@@ -1,12 +1,16 @@
 #include "surface/askforfile.h"
 
+#include <mivoqutils/folders.h>
+
 namespace mivohost {
 
 QString askForFile(QWidget* parent, QFileDialog::AcceptMode mode, const QString& title,
                    const QString& kind, const QString& suffix, const QString& folder,
                    const QString& name)
 {
-    QFileDialog dialog(parent, title, folder, QStringLiteral("%1 (*.%2)").arg(kind, suffix));
+    QFileDialog dialog(parent, title,
+                       folder.isEmpty() ? QString() : mivo::qutils::answeringFolder(folder),
+                       QStringLiteral("%1 (*.%2)").arg(kind, suffix));
     dialog.setAcceptMode(mode);
     dialog.setFileMode(mode == QFileDialog::AcceptSave ? QFileDialog::AnyFile
                                                        : QFileDialog::ExistingFile);

@@ -40,12 +40,12 @@ constexpr int idRole = Qt::UserRole;
 MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile& project,
                        Peripherals& peripherals, const SettingsServices& services)
     : m_runtime(runtime), m_store(store), m_project(project), m_services(services),
-      m_title(new QLabel), m_notice(new QLabel), m_dismiss(new QPushButton),
-      m_settingsButton(new mivo::widgets::PushButton), m_languageLabel(new QLabel),
-      m_language(new QComboBox), m_actionPanel(new ActionPanel(peripherals)),
-      m_programsLabel(new QLabel), m_programs(new QTreeWidget), m_playing(new QLabel),
-      m_logLabel(new QLabel), m_log(new QPlainTextEdit),
-      m_messagePanel(new MessagePanel(m_messages))
+      m_title(new QLabel), m_notice(new QLabel), m_dismiss(new QPushButton), m_waiting(new QLabel),
+      m_stopWaiting(new QPushButton), m_settingsButton(new mivo::widgets::PushButton),
+      m_languageLabel(new QLabel), m_language(new QComboBox),
+      m_actionPanel(new ActionPanel(peripherals)), m_programsLabel(new QLabel),
+      m_programs(new QTreeWidget), m_playing(new QLabel), m_logLabel(new QLabel),
+      m_log(new QPlainTextEdit), m_messagePanel(new MessagePanel(m_messages))
 {
     m_services.programs = m_project.dispatch();
     m_services.projectFile = &m_project;
@@ -60,6 +60,11 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
     m_notice->hide();
     m_dismiss->setObjectName(QStringLiteral("dismissNotice"));
     m_dismiss->hide();
+    m_waiting->setObjectName(QStringLiteral("waiting"));
+    m_waiting->setWordWrap(true);
+    m_waiting->setTextFormat(Qt::PlainText);
+    m_stopWaiting->setObjectName(QStringLiteral("stopWaiting"));
+    showWaiting({}, {});
     m_settingsButton->setProperty("style", QStringLiteral("general"));
     m_settingsButton->setShortcut(QStringLiteral("Ctrl+,"));
     m_language->addItem(QStringLiteral("English"), QStringLiteral("en"));
@@ -100,6 +105,10 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
     noticeRow->addWidget(m_notice, 1);
     noticeRow->addWidget(m_dismiss);
     column->addLayout(noticeRow);
+    auto* waitingRow = new QHBoxLayout;
+    waitingRow->addWidget(m_waiting, 1);
+    waitingRow->addWidget(m_stopWaiting);
+    column->addLayout(waitingRow);
     column->addLayout(row);
     columns->addWidget(m_messagePanel, 0, 2, 3, 1);
     columns->setColumnStretch(2, 3);
@@ -120,8 +129,14 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
             [this](const QString& key) { post(velorn::msgcenter::MsgInformation, hostText(key)); });
     connect(m_programs, &QTreeWidget::itemActivated, this, &MainWindow::play);
     connect(&m_project, &ProjectFile::changed, this, &MainWindow::showProject);
-    connect(&m_project, &ProjectFile::nameWanted, this, &MainWindow::saveProjectAs);
+    connect(&m_project, &ProjectFile::recentFilesChecked, this, &MainWindow::fillRecentMenu);
     connect(&m_project, &ProjectFile::failed, this, &MainWindow::showNotice);
+    connect(&m_project, &ProjectFile::told, this, [this](const QString& key, const QString& path) {
+        post(velorn::msgcenter::MsgInformation, hostText(key).arg(path));
+    });
+    connect(&m_project, &ProjectFile::waiting, this, &MainWindow::showWaiting);
+    connect(&m_project, &ProjectFile::unsavedFound, this, &MainWindow::offerUnsaved);
+    connect(m_stopWaiting, &QPushButton::clicked, &m_project, &ProjectFile::stopWaiting);
     connect(&m_project, &ProjectFile::fadeTimesApplied, this, [this](int programs) {
         post(velorn::msgcenter::MsgInformation, hostText("FadeTimesApplied").arg(programs));
     });
@@ -151,16 +166,17 @@ void MainWindow::addMenu()
         connect(action, &QAction::triggered, this, slot);
         m_actions.emplace_back(action, key);
     };
-    add("NewProject", QKeySequence::New, &MainWindow::newProject);
+    add("NewProject", QKeySequence::New, [this] { leaveProject([this] { m_project.create(); }); });
     add("OpenProject", QKeySequence::Open, &MainWindow::openProject);
     m_recentMenu = m_projectMenu->addMenu(QString());
     m_actions.emplace_back(m_recentMenu->menuAction(), "RecentProjects");
-    add("SaveProject", QKeySequence::Save, [this] { m_project.save(); });
-    add("SaveProjectAs", QKeySequence(QStringLiteral("Ctrl+Shift+S")), &MainWindow::saveProjectAs);
+    add("SaveProject", QKeySequence::Save, [this] { saveProject(); });
+    add("SaveProjectAs", QKeySequence(QStringLiteral("Ctrl+Shift+S")), [this] { saveProjectAs(); });
     m_projectMenu->addSeparator();
     add("Quit", QKeySequence(QStringLiteral("Ctrl+Q")), &MainWindow::quit);
     m_actions.emplace_back(m_projectMenu->menuAction(), "Project");
     connect(m_projectMenu, &QMenu::aboutToShow, this, &MainWindow::fillRecentMenu);
+    connect(m_projectMenu, &QMenu::aboutToShow, &m_project, &ProjectFile::checkRecentFiles);
 }
 
 void MainWindow::fillRecentMenu()
@@ -171,11 +187,8 @@ void MainWindow::fillRecentMenu()
         const QString path = QDir::toNativeSeparators(file).replace('&', QLatin1String("&&"));
         const QAction* action =
             m_recentMenu->addAction(QStringLiteral("&%1  ").arg(++number) + path);
-        connect(action, &QAction::triggered, this, [this, file] {
-            if (mayLeaveProject()) {
-                m_project.open(file);
-            }
-        });
+        connect(action, &QAction::triggered, this,
+                [this, file] { leaveProject([this, file] { m_project.open(file); }); });
     }
     m_recentMenu->setEnabled(number > 0);
 }
@@ -256,9 +269,18 @@ void MainWindow::closeEvent(QCloseEvent* event)
     const bool hides = !m_quitting
                        && hidesOnClose(start.closeSoftWareMinimize, m_tray && m_tray->isThere(),
                                        qApp->isSavingSession());
-    if (!hides && !files.notPromptForSave && !mayLeaveProject()) {
+    if (qApp->isSavingSession()) {
+        m_project.rescue(); // nobody may be there to be asked
+    } else if (!hides && !files.notPromptForSave && !std::exchange(m_projectLeft, false)) {
         event->ignore();
+        leaveProject([this] {
+            m_project.discardChanges();
+            m_projectLeft = true;
+            QMetaObject::invokeMethod(this, &MainWindow::quit, Qt::QueuedConnection);
+        });
         return;
+    } else if (!hides) {
+        m_project.discardChanges();
     }
     if (m_settings) {
         m_settings->dialog().close();
@@ -288,6 +310,8 @@ void MainWindow::setTexts()
     m_title->setText(hostText("Title"));
     m_settingsButton->setText(hostText("Settings"));
     m_dismiss->setText(hostText("Dismiss"));
+    m_stopWaiting->setText(hostText("StopWaiting"));
+    showWaiting(m_waitingKey, m_waitingFile);
     m_languageLabel->setText(hostText("Language"));
     m_actionPanel->setTexts();
     m_programsLabel->setText(hostText("Programs"));
@@ -354,26 +378,30 @@ void MainWindow::play(const QTreeWidgetItem* item)
     }
 }
 
-void MainWindow::newProject()
-{
-    if (mayLeaveProject()) {
-        m_project.create();
-    }
-}
-
 void MainWindow::openProject()
 {
-    const QString file = mayLeaveProject() ? askForProject(false) : QString();
-    if (!file.isEmpty()) {
-        m_project.open(file);
+    leaveProject([this] {
+        const QString file = askForProject(false);
+        if (!file.isEmpty()) {
+            m_project.open(file);
+        }
+    });
+}
+
+void MainWindow::saveProject(const std::function<void(bool)>& done)
+{
+    if (m_project.state().file.isEmpty()) {
+        saveProjectAs(done);
+    } else {
+        m_project.save(done);
     }
 }
 
-void MainWindow::saveProjectAs()
+void MainWindow::saveProjectAs(const std::function<void(bool)>& done)
 {
     const QString file = askForProject(true);
     if (!file.isEmpty()) {
-        m_project.saveAs(file);
+        m_project.saveAs(file, done);
     }
 }
 
@@ -388,11 +416,12 @@ QString MainWindow::askForProject(bool saving)
                       saving ? projectName() + '.' + suffix : QString());
 }
 
-bool MainWindow::mayLeaveProject()
+void MainWindow::leaveProject(const std::function<void()>& then)
 {
     m_project.refresh();
     if (!m_project.state().modified) {
-        return true;
+        then();
+        return;
     }
     QMessageBox question(QMessageBox::Question, QStringLiteral("mivohost"),
                          hostText("SaveQuestion").arg(projectName()), QMessageBox::NoButton, this);
@@ -405,10 +434,40 @@ bool MainWindow::mayLeaveProject()
     question.setEscapeButton(cancel);
     question.exec();
     if (question.clickedButton() == save) {
-        m_project.save();
-        return !m_project.state().modified;
+        saveProject([this, then](bool saved) {
+            if (saved && !m_project.state().modified) {
+                then();
+            }
+        });
+    } else if (question.clickedButton() == drop) {
+        then();
     }
-    return question.clickedButton() == drop;
+}
+
+void MainWindow::showWaiting(const QString& key, const QString& file)
+{
+    m_waitingKey = key;
+    m_waitingFile = file;
+    m_waiting->setText(key.isEmpty() ? QString()
+                                     : hostText(key).arg(QDir::toNativeSeparators(file)));
+    m_waiting->setVisible(!key.isEmpty());
+    m_stopWaiting->setVisible(!key.isEmpty());
+}
+
+void MainWindow::offerUnsaved(const QString& file)
+{
+    auto* question = new QMessageBox(QMessageBox::Question, QStringLiteral("mivohost"),
+                                     hostText("UnsavedFound").arg(QDir::toNativeSeparators(file)),
+                                     QMessageBox::NoButton, this);
+    question->setObjectName(QStringLiteral("unsavedFound"));
+    question->setAttribute(Qt::WA_DeleteOnClose);
+    question->setTextFormat(Qt::PlainText);
+    QPushButton* open = question->addButton(hostText("OpenUnsaved"), QMessageBox::AcceptRole);
+    QPushButton* leave = question->addButton(hostText("LeaveUnsaved"), QMessageBox::RejectRole);
+    question->setDefaultButton(open);
+    connect(open, &QPushButton::clicked, &m_project, &ProjectFile::openUnsaved);
+    connect(leave, &QPushButton::clicked, &m_project, &ProjectFile::forgetUnsaved);
+    question->open(); // the window waits for the answer; what else goes on does not
 }
 
 QString MainWindow::projectName() const

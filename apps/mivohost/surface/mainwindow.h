@@ -7,6 +7,7 @@
 #include <QtCore/QTranslator>
 #include <QtWidgets/QMainWindow>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -82,13 +83,17 @@ private:
     void showProject();
     void play(const QTreeWidgetItem* item);
 
-    void newProject();
     void openProject();
-    void saveProjectAs();
+    /// Saves, asking for a file where the project has none; `done` is told how it ended.
+    void saveProject(const std::function<void(bool)>& done = {});
+    void saveProjectAs(const std::function<void(bool)>& done = {});
     /// The path that the user chose; empty when none. `saving` says for which of the two.
     QString askForProject(bool saving);
-    /// Asks whether to save what is not saved. False when the user wants to stay.
-    bool mayLeaveProject();
+    /// Asks whether to save what is not saved, and calls `then` unless the user wants to stay: at
+    /// once, or when the project has been saved.
+    void leaveProject(const std::function<void()>& then);
+    void showWaiting(const QString& key, const QString& file);
+    void offerUnsaved(const QString& file);
     QString projectName() const;
 
     RuntimeThread& m_runtime;
@@ -101,6 +106,8 @@ private:
     QLabel* m_title;
     QLabel* m_notice;
     QPushButton* m_dismiss;
+    QLabel* m_waiting; // for a file
+    QPushButton* m_stopWaiting;
     QPushButton* m_settingsButton;
     QLabel* m_languageLabel;
     QComboBox* m_language;
@@ -114,9 +121,12 @@ private:
     MessagePanel* m_messagePanel;
     QString m_noticeKey;
     QString m_noticeArgument;
+    QString m_waitingKey;
+    QString m_waitingFile;
     std::vector<Project::Group> m_shownGroups;
     QTranslator m_qtTexts; // of Qt's own dialogs
     bool m_quitting = false;
+    bool m_projectLeft = false; // the user has been asked
     std::unique_ptr<SettingsView> m_settings;
     std::unique_ptr<Tray> m_tray;
 };

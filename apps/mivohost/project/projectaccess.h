@@ -1,0 +1,51 @@
+#pragma once
+
+#include "project/project.h"
+
+#include <QtCore/QDateTime>
+#include <QtCore/QStringList>
+
+#include <functional>
+#include <optional>
+
+// All that touches project files. Any thread but the GUI's and the runtime's: a network drive may
+// hang for minutes. An `error` is empty where nothing failed, else the reason in the C locale.
+
+namespace mivohost {
+
+/// Called with a path before it is touched, on the thread that does it; for tests, which can let it
+/// hang.
+using PathObserver = std::function<void(const QString& path)>;
+
+struct ReadProject
+{
+    std::optional<Project> project;
+    QString automaticSaveOf; ///< the project that it is an automatic save of; null: it is none
+    QString error;
+};
+ReadProject readProject(const QString& file);
+
+/// Empty, or why the file is as it was.
+QString writeProject(const QString& file, const Project& project);
+
+struct AutomaticSave
+{
+    QString folder;
+    int kept = 1; ///< so many of this project's automatic saves stay, the newest
+    Project project;
+    QString file; ///< the project's own; empty where it has none
+    QDateTime now;
+};
+struct AutomaticSaveResult
+{
+    QString file; ///< the complete path
+    QString error;
+};
+/// Writes "<project>-yyyyMMdd-hhmmss.mivo", then removes older automatic saves of this project and
+/// empty ones. A file that is not marked as an automatic save of this project is never touched.
+AutomaticSaveResult saveAutomatically(AutomaticSave save);
+
+/// Those of the files that are not there.
+QStringList missingFiles(const QStringList& files);
+
+} // namespace mivohost

@@ -1,0 +1,129 @@
+#pragma once
+
+#include "project/projectfile.h"
+
+#include "mivohostkit/runtimethread.h"
+
+#include "support/ended.h"
+#include "support/files.h"
+#include "support/logcapture.h"
+#include "support/teststore.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QTemporaryDir>
+#include <QtTest/QSignalSpy>
+
+#include <algorithm>
+#include <csignal>
+#include <future>
+#include <sys/resource.h>
+#include <utility>
+
+namespace projecttest {
+
+using namespace mivohost;
+
+inline Project smallShow()
+{
+    return {{{"First", {{1, "One"}, {2, "Two"}}}, {"Empty", {}}, {"Last", {{9, "Nine \"9\"; 九"}}}},
+            {},
+            -1};
+}
+
+/// While it lives, no file of this process takes a byte.
+class FullDisk
+{
+public:
+    FullDisk()
+    {
+        std::signal(SIGXFSZ, SIG_IGN);
+        ::getrlimit(RLIMIT_FSIZE, &m_before);
+        const rlimit none{0, m_before.rlim_max};
+        ::setrlimit(RLIMIT_FSIZE, &none);
+    }
+    ~FullDisk() { ::setrlimit(RLIMIT_FSIZE, &m_before); }
+
+private:
+    rlimit m_before{};
+};
+
+/// Paths with "hangs" in them hang until they are to answer.
+class Hanging
+{
+public:
+    ~Hanging() { answer(); }
+    void answer()
+    {
+        if (!std::exchange(m_answered, true)) {
+            m_promise.set_value();
+        }
+    }
+    PathObserver observer() const
+    {
+        return [answered = m_future](const QString& path) {
+            if (path.contains("hangs")) {
+                answered.wait();
+            }
+        };
+    }
+
+private:
+    bool m_answered = false;
+    std::promise<void> m_promise;
+    std::shared_future<void> m_future = m_promise.get_future().share();
+};
+
+class ProjectTest : public ::testing::Test
+{
+protected:
+    /// A store with these rows, and the project file over it.
+    void start(const QVariantHash& rows = {})
+    {
+        failures.reset();
+        file.reset();
+        store = std::make_unique<TestStore>(rows);
+        file = std::make_unique<ProjectFile>(runtime, *store, hanging.observer());
+        failures = std::make_unique<QSignalSpy>(file.get(), &ProjectFile::failed);
+        file->start();
+        EXPECT_TRUE(QTest::qWaitFor([this] { return !file->isBusy(); }));
+    }
+
+    QString path(const QString& name) const { return folder.filePath(name); }
+    QString makeFile(const QString& name, const Project& project = smallShow()) const
+    {
+        writeFile(path(name), projectToJson(project));
+        return path(name);
+    }
+    bool open(const QString& name)
+    {
+        return ended([&](const ProjectFile::Done& done) { file->open(name, done); });
+    }
+    bool save()
+    {
+        return ended([this](const ProjectFile::Done& done) { file->save(done); });
+    }
+    bool saveAs(const QString& name)
+    {
+        return ended([&](const ProjectFile::Done& done) { file->saveAs(name, done); });
+    }
+    bool logged(const std::string& line) const
+    {
+        const auto lines = log.lines();
+        return std::find(lines.begin(), lines.end(), line) != lines.end();
+    }
+    qint64 playing() const { return file->state().playing; }
+    QStringList savesOf(const QString& pattern) const
+    {
+        return QDir(path("saves")).entryList({pattern}, QDir::Files);
+    }
+
+    LogCapture log;
+    QTemporaryDir folder;
+    RuntimeThread runtime;
+    Hanging hanging;
+    std::unique_ptr<TestStore> store;
+    std::unique_ptr<ProjectFile> file;
+    std::unique_ptr<QSignalSpy> failures;
+};
+
+} // namespace projecttest

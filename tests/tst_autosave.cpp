@@ -1,0 +1,171 @@
+#include "project/autosave.h"
+
+#include "support/projecttest.h"
+
+#include <gtest/gtest.h>
+
+#include <QtCore/QDateTime>
+#include <QtTest/QTest>
+
+namespace projecttest {
+
+namespace {
+
+class AutoSaveTest : public ProjectTest
+{
+protected:
+    AutoSaveTest()
+    {
+        start({{"autoSavePath", path("saves")}, {"autoSaveProjectFilesMaxNum", 3}});
+        EXPECT_TRUE(open(makeFile("show.mivo")));
+        autoSave =
+            std::make_unique<AutoSave>(runtime, *store, file->dispatch(), hanging.observer());
+        ends = std::make_unique<QSignalSpy>(autoSave.get(), &AutoSave::saved);
+    }
+
+    /// Changes the project, then saves at that time of the 4th.
+    void saveAt(const char* time)
+    {
+        file->play(playing() == 1 ? 2 : 1);
+        saveUnchangedAt(time);
+    }
+    void saveUnchangedAt(const char* time)
+    {
+        autoSave->save(QDateTime(QDate(2026, 5, 4), QTime::fromString(time, "hh:mm")));
+        EXPECT_TRUE(QTest::qWaitFor([this] { return !autoSave->isSaving(); }));
+    }
+    QStringList saves() const
+    {
+        return QDir(path("saves")).entryList(QDir::Files | QDir::Hidden, QDir::Name);
+    }
+    /// Folders that failed since the last call.
+    QStringList failed()
+    {
+        QStringList folders;
+        for (const QVariantList& end : std::as_const(*ends)) {
+            if (!end[1].toString().isEmpty()) {
+                folders.append(end[0].toString());
+            }
+        }
+        ends->clear();
+        return folders;
+    }
+
+    std::unique_ptr<AutoSave> autoSave;
+    std::unique_ptr<QSignalSpy> ends;
+};
+
+} // namespace
+
+TEST_F(AutoSaveTest, KeepsTheNewestOfItsOwnAndTouchesNothingElse)
+{
+    saveUnchangedAt("09:00");
+    EXPECT_FALSE(QDir(path("saves")).exists()) << "nothing to save, no folder";
+    saveAt("10:00");
+    saveUnchangedAt("10:01");
+    EXPECT_EQ(saves(), QStringList{"show-20260504-100000.mivo"});
+    const QByteArray content = readFile(path("saves/show-20260504-100000.mivo"));
+    QString error;
+    const auto saved = projectFromJson(content, error);
+    ASSERT_TRUE(saved.has_value()) << error.toStdString();
+    EXPECT_EQ(saved->groups, smallShow().groups);
+    EXPECT_EQ(saved->lastPlayed, 1);
+    EXPECT_TRUE(file->state().modified) << "the project itself stays unsaved";
+    EXPECT_EQ(readFile(path("show.mivo")), projectToJson(smallShow()));
+
+    const QStringList foreign{"show-20200101-000000.mivo",   // of that name, but saved by the user
+                              "show-20200101-000001.mivo",   // of another project of that name
+                              "show-2-20200101-000000.mivo", // of another name
+                              "show-20200101-00000a.mivo", "notes.txt"};
+    writeFile(path("saves/" + foreign[0]), projectToJson(smallShow()));
+    writeFile(path("saves/" + foreign[1]), projectToJson(smallShow(), "/elsewhere/show.mivo"));
+    for (int i = 2; i < foreign.size(); ++i) {
+        writeFile(path("saves/" + foreign[i]), content);
+    }
+    // What an earlier version made of a full disk, and what a killed writer left.
+    for (const char* leftover :
+         {"show-20260503-100000.mivo", ".show-20260503-100001.mivo.abc123.saving"}) {
+        writeFile(path("saves/") + leftover);
+    }
+    for (const char* time : {"10:05", "10:10", "10:15", "10:20"}) {
+        saveAt(time);
+    }
+    const auto expectBesideForeign = [&](const QStringList& own) {
+        QStringList expected = foreign + own;
+        expected.sort();
+        EXPECT_EQ(saves(), expected);
+    };
+    expectBesideForeign(
+        {"show-20260504-101000.mivo", "show-20260504-101500.mivo", "show-20260504-102000.mivo"});
+
+    saveAt("08:00"); // a clock that was set back
+    EXPECT_TRUE(saves().contains("show-20260504-080000.mivo"));
+    saveAt("10:20"); // a name that is taken
+    EXPECT_TRUE(saves().contains("show-20260504-102001.mivo"));
+    runtime.call([this] { store->setAutoSaveProjectFilesMaxNum(1); });
+    saveAt("11:00");
+    expectBesideForeign({"show-20260504-110000.mivo"});
+    EXPECT_EQ(failed(), QStringList());
+}
+
+TEST_F(AutoSaveTest, AFolderThatFailsIsToldEachTimeAndLosesNothing)
+{
+    for (const char* time : {"09:00", "09:01", "09:02"}) {
+        saveAt(time);
+    }
+    const QStringList good = saves();
+    EXPECT_EQ(good.size(), 3);
+    const auto useFolder = [this](const QString& name) {
+        runtime.call([&] { store->setAutoSavePath(name); });
+    };
+    {
+        const FullDisk full;
+        saveAt("10:00");
+        saveAt("10:01");
+    }
+    EXPECT_EQ(failed(), (QStringList{path("saves"), path("saves")}));
+    EXPECT_EQ(saves(), good) << "none is removed before another is there";
+    writeFile(path("file"), "in the way");
+    for (const QString& bad : {path("file"), QString("/proc/no/such"), QString()}) {
+        useFolder(bad);
+        saveUnchangedAt("10:05");
+        EXPECT_EQ(failed(), QStringList{bad});
+    }
+    EXPECT_EQ(readFile(path("file")), "in the way");
+
+    // A folder that hangs is not asked again; another one is, at once.
+    useFolder(path("hangs"));
+    const QDateTime now(QDate(2026, 5, 4), QTime(11, 0));
+    autoSave->save(now);
+    autoSave->save(now);
+    EXPECT_TRUE(autoSave->isSaving());
+    useFolder(path("saves"));
+    saveUnchangedAt("11:01");
+    EXPECT_EQ(saves().last(), "show-20260504-110100.mivo") << "what failed before is made up for";
+    EXPECT_EQ(saves().size(), 3);
+    hanging.answer();
+    EXPECT_TRUE(
+        QTest::qWaitFor([this] { return QDir(path("hangs")).entryList(QDir::Files).size() == 1; }));
+}
+
+TEST_F(AutoSaveTest, TicksAsTheSettingsSay)
+{
+    const auto* tick = autoSave->findChild<QTimer*>();
+    const auto set = [&](bool on, int minutes) {
+        runtime.call([&] {
+            store->setAutoSaveProjectFilesInterval(minutes);
+            store->setAutoSaveProjectFiles(on);
+        });
+        QCoreApplication::processEvents();
+    };
+    EXPECT_FALSE(tick->isActive());
+    set(true, 30);
+    EXPECT_TRUE(tick->isActive());
+    EXPECT_EQ(tick->interval(), 30 * 60 * 1000);
+    set(true, 1);
+    EXPECT_EQ(tick->interval(), 60 * 1000);
+    set(false, 1);
+    EXPECT_FALSE(tick->isActive());
+}
+
+} // namespace projecttest
