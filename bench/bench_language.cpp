@@ -7,6 +7,7 @@
 
 #include <mivosettingswidgets/settingsdialog.h>
 #include <mivosettingswidgets/settingwdigettranslatemanager.h>
+#include <mivostyle/style.h>
 
 #include <benchmark/benchmark.h>
 
@@ -49,7 +50,7 @@ void floor(benchmark::State& state)
 {
     OpenDialog open;
     QTranslator texts;
-    texts.load(mivohost::languageFiles().front());
+    texts.load(mivo::style::languageFiles().front());
     std::vector<QByteArray> keys;
     for (const QString& key : open.keys) {
         keys.push_back(key.toUtf8());

@@ -4,6 +4,8 @@
 #include "barethread.h"
 #include "opening.h"
 
+#include <mivostyle/style.h>
+
 #include <benchmark/benchmark.h>
 
 #include <atomic>
@@ -14,7 +16,7 @@ using mivohost::SettingsView;
 
 void useLook(bool styled)
 {
-    qApp->setStyleSheet(styled ? mivohost::hostStyleSheet() : QString());
+    qApp->setStyleSheet(styled ? mivo::style::styleSheet() : QString());
     useHostLanguage("en");
 }
 

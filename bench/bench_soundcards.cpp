@@ -13,6 +13,7 @@
 #include "surface/settingsview.h"
 
 #include <mivosettingswidgets/audiosettingbox.h>
+#include <mivostyle/style.h>
 #include <mivowidgets/combobox.h>
 
 #include <benchmark/benchmark.h>
@@ -72,7 +73,7 @@ class LargePage
 public:
     explicit LargePage(int lastDevice = deviceCount)
     {
-        qApp->setStyleSheet(mivohost::hostStyleSheet());
+        qApp->setStyleSheet(mivo::style::styleSheet());
         useHostLanguage("en");
         runtime.call([this, lastDevice] {
             for (int device = 0; device <= lastDevice; ++device) {
@@ -303,7 +304,7 @@ private:
 
 void measureFloor(benchmark::State& state, void (RawPage::*one)(), void (RawPage::*other)())
 {
-    qApp->setStyleSheet(mivohost::hostStyleSheet());
+    qApp->setStyleSheet(mivo::style::styleSheet());
     RawPage page;
     page.make();
     (page.*other)();
@@ -324,7 +325,7 @@ void measureFloor(benchmark::State& state, void (RawPage::*one)(), void (RawPage
 
 void initialFloor(benchmark::State& state)
 {
-    qApp->setStyleSheet(mivohost::hostStyleSheet());
+    qApp->setStyleSheet(mivo::style::styleSheet());
     std::optional<RawPage> page;
     inTurns(
         state,

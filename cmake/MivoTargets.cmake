@@ -69,16 +69,32 @@ function(mivo_precompile target)
 endfunction()
 
 # mivo_add_library(NAME SOURCES file... HEADERS file... [PUBLIC lib...] [PRIVATE lib...])
-# A shared library with hidden visibility and the export header <NAME/export.h>. HEADERS are the
-# public ones: they are installed, and included as <NAME/file.h>.
+# A library with hidden visibility and the export header <NAME/export.h>, shared or static as
+# BUILD_SHARED_LIBS says. HEADERS are the public ones: they are installed, and included as
+# <NAME/file.h>. NAME_TEST_EXPORT, in private headers, exports what tests alone call where there are
+# tests.
 function(mivo_add_library name)
     cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "SOURCES;HEADERS;PUBLIC;PRIVATE")
-    add_library(${name} SHARED ${ARG_SOURCES} ${ARG_HEADERS})
+    add_library(${name} ${ARG_SOURCES} ${ARG_HEADERS})
     add_library(mivo::${name} ALIAS ${name})
     mivo_target(${name})
     string(TOUPPER ${name} upper)
     generate_export_header(${name} BASE_NAME ${upper}
                            EXPORT_FILE_NAME ${PROJECT_BINARY_DIR}/include/${name}/export.h)
+    if(NOT BUILD_SHARED_LIBS)
+        target_compile_definitions(${name} PUBLIC ${upper}_STATIC_DEFINE)
+    endif()
+    if(MIVO_BUILD_TESTS OR MIVO_BUILD_BENCH)
+        set(test_export ${upper}_EXPORT)
+    endif()
+    target_compile_definitions(
+        ${name} PUBLIC $<BUILD_INTERFACE:${upper}_TEST_EXPORT=${test_export}>)
+    if(UNIX AND NOT APPLE)
+        set(exports ${PROJECT_SOURCE_DIR}/cmake/exports.map)
+        target_link_options(${name} PRIVATE LINKER:--version-script=${exports})
+        set_property(TARGET ${name} APPEND PROPERTY LINK_DEPENDS ${exports})
+    endif()
+    target_compile_features(${name} PUBLIC cxx_std_17)
     target_include_directories(
         ${name} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/libs>
                        $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/include>
@@ -89,13 +105,14 @@ function(mivo_add_library name)
         mivo_precompile(${name})
     endif()
     set_target_properties(${name} PROPERTIES VERSION ${PROJECT_VERSION}
-                                             SOVERSION ${PROJECT_VERSION_MAJOR})
+                                             SOVERSION ${MIVO_SOVERSION})
+    set_property(GLOBAL APPEND PROPERTY MIVO_LIBRARIES ${name})
     install(TARGETS ${name} EXPORT mivosettingswidgetsTargets
-            LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-            RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
-            ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+            LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT dev
+            RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime
+            ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT dev)
     install(FILES ${ARG_HEADERS} ${PROJECT_BINARY_DIR}/include/${name}/export.h
-            DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${name})
+            DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${name} COMPONENT dev)
 endfunction()
 
 # mivo_add_tests(NAME UNITS unit... [LIBRARIES lib...]): one program of tst_UNIT.cpp for each unit,

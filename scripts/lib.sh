@@ -6,7 +6,7 @@ packages_build="g++ cmake ninja-build ccache qtbase5-dev qttools5-dev qttools5-d
     libqt5svg5 libqt5sql5-sqlite libspdlog-dev libfmt-dev libboost-dev rapidjson-dev
     pkg-config librtmidi-dev libjack-jackd2-dev liblo-dev libvulkan-dev qtmultimedia5-dev libqt5multimedia5-plugins
     fonts-noto-core fonts-noto-cjk"
-packages_test="libgtest-dev liblo-tools jackd2 mesa-vulkan-drivers
+packages_test="libgtest-dev python3 liblo-tools jackd2 mesa-vulkan-drivers
     pulseaudio pulseaudio-utils"
 packages_bench="libbenchmark-dev python3 util-linux"
 packages_clang="clang llvm libclang-rt-14-dev"

@@ -113,7 +113,7 @@ protected:
     {
         SettingWdigetTranslateManager::instance().translator().switchLanguage(QString());
         page->setZRRuntime(&runtime);
-        page->setCheckIconPath(":/style/icons/check.svg");
+        page->setCheckIconPath(":/mivo/style/icons/check.svg");
     }
 
     ~Project() override { delete page; }

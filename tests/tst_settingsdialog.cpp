@@ -5,11 +5,11 @@
 #include "support/plainpage.h"
 #include "support/testruntime.h"
 #include "support/teststore.h"
-#include "surface/settingsview.h"
 
 #include <mivosettingswidgets/settingwdigettranslatemanager.h>
 #include <mivosettingswidgets/settingwidget.h>
 #include <mivosettingswidgets/undosettingbox.h>
+#include <mivostyle/style.h>
 #include <mivowidgets/spineditbox.h>
 
 #include <gtest/gtest.h>
@@ -100,7 +100,7 @@ TEST_F(Dialog, AnAddedSectionsButtonFollowsItsPagesButTheFirstOneTheDialog)
     EXPECT_EQ(button(0)->text(), "GeneralSettings");
 
     dialog.loadLanguageFiles({});
-    dialog.loadLanguageFiles(mivohost::languageFiles());
+    dialog.loadLanguageFiles(mivo::style::languageFiles());
     dialog.switchLanguage("zh_cn");
     EXPECT_EQ(button(0)->text(), "常规");
     EXPECT_EQ(dialog.title(), "系统设置");
@@ -160,7 +160,7 @@ TEST_F(Dialog, HiddenSectionsAreNeitherPolishedNorPainted)
 
 TEST_F(Dialog, KeepsItsSizesUnderTheHostsStyleSheet)
 {
-    dialog.setSettingsstyleSheet(mivohost::hostStyleSheet());
+    dialog.setSettingsstyleSheet(mivo::style::styleSheet());
     insert("Display");
     dialog.show();
     QApplication::processEvents();

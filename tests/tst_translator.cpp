@@ -1,8 +1,7 @@
 #include "zrtranslate/translator.h"
 
-#include "surface/settingsview.h"
-
 #include <mivosettingswidgets/settingwdigettranslatemanager.h>
+#include <mivostyle/style.h>
 
 #include <gtest/gtest.h>
 
@@ -33,7 +32,7 @@ TEST(Translator, KeysStandForThemselvesUntilALanguageIsLoadedAndChosen)
     EXPECT_EQ(look(translator), key);
     translator.switchLanguage(QStringLiteral("en"));
     EXPECT_EQ(look(translator), key);
-    for (const QString& file : mivohost::languageFiles()) {
+    for (const QString& file : mivo::style::languageFiles()) {
         EXPECT_TRUE(translator.load(file));
     }
     EXPECT_EQ(look(translator), QStringLiteral("Undo steps")) << "chosen before it was loaded";
@@ -42,7 +41,7 @@ TEST(Translator, KeysStandForThemselvesUntilALanguageIsLoadedAndChosen)
 TEST(Translator, SwitchesThereAndBackWhateverTheLettersAndDashes)
 {
     Translator translator;
-    for (const QString& file : mivohost::languageFiles()) {
+    for (const QString& file : mivo::style::languageFiles()) {
         translator.load(file);
         translator.load(file);
     }
@@ -64,7 +63,7 @@ TEST(Translator, AMissingTextIsTheKeyAndIsReported)
     QStringList missing;
     translator.setMissingTextHandler(
         [&missing](const QString&, const QString&, const QString& name) { missing.append(name); });
-    for (const QString& file : mivohost::languageFiles()) {
+    for (const QString& file : mivo::style::languageFiles()) {
         translator.load(file);
     }
     EXPECT_EQ(look(translator, QStringLiteral("NoSuchKey")), QStringLiteral("NoSuchKey"));

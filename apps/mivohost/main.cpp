@@ -20,6 +20,7 @@
 #include "system/timedactions.h"
 
 #include <mivosettingswidgets/settingwdigettranslatemanager.h>
+#include <mivostyle/style.h>
 
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QDir>
@@ -54,7 +55,7 @@ QString systemLanguage()
 void loadLanguages()
 {
     auto& translator = SettingWdigetTranslateManager::instance().translator();
-    for (const QString& file : languageFiles()) {
+    for (const QString& file : mivo::style::languageFiles()) {
         translator.load(file);
     }
     translator.switchLanguage(systemLanguage());
@@ -332,6 +333,6 @@ int main(int argc, char** argv)
     arguments.process(application);
 
     loadLanguages();
-    application.setStyleSheet(hostStyleSheet());
+    application.setStyleSheet(mivo::style::styleSheet());
     return run(arguments);
 }

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "surface/settingsview.h"
-
 #include <mivosettingswidgets/settingwdigettranslatemanager.h>
+#include <mivostyle/style.h>
 
 #include <QtCore/QString>
 
@@ -10,7 +9,7 @@
 inline void useHostLanguage(const QString& language)
 {
     auto& translator = SettingWdigetTranslateManager::instance().translator();
-    for (const QString& file : mivohost::languageFiles()) {
+    for (const QString& file : mivo::style::languageFiles()) {
         translator.load(file);
     }
     translator.switchLanguage(language);

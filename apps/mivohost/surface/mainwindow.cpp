@@ -238,7 +238,7 @@ void MainWindow::quit()
 void MainWindow::switchLanguage(const QString& language)
 {
     SettingWdigetTranslateManager::instance().translator().switchLanguage(language);
-    m_qtTexts.load(QStringLiteral(":/languages/mivo_%1.qm").arg(language));
+    m_qtTexts.load(QStringLiteral(":/mivo/languages/mivo_%1.qm").arg(language));
     if (m_settings) {
         m_settings->switchLanguage(language);
     }

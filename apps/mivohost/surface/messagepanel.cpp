@@ -106,8 +106,8 @@ void MessagePanel::showLast(int count)
         auto* kind = add(kindColumn, kindText(message->kind), {});
         kind->setData(kindRole, message->kind);
         kind->setIcon(QIcon(message->kind == velorn::msgcenter::MsgWarning
-                                ? QStringLiteral(":/style/icons/warning.svg")
-                                : QStringLiteral(":/style/icons/info.svg")));
+                                ? QStringLiteral(":/mivo/style/icons/warning.svg")
+                                : QStringLiteral(":/mivo/style/icons/info.svg")));
         add(textColumn, text, "<p>" + text.toHtmlEscaped() + "</p>");
     }
     while (m_list->rowCount() > static_cast<int>(messages.size())) {

@@ -17,39 +17,17 @@
 #include <mivosettingswidgets/settingwdigettranslatemanager.h>
 #include <mivosettingswidgets/stagesettingbox.h>
 #include <mivosettingswidgets/undosettingbox.h>
-
-#include <QtCore/QFile>
-
-// Resources of a static library, and the macro does not work within a namespace.
-static void useResources()
-{
-    Q_INIT_RESOURCE(languages);
-    Q_INIT_RESOURCE(style);
-}
+#include <mivostyle/style.h>
 
 namespace mivohost {
 
 using namespace mivo::settings;
 
-std::vector<QString> languageFiles()
-{
-    useResources();
-    return {QStringLiteral(":/languages/mivo_en.qm"), QStringLiteral(":/languages/mivo_zh_cn.qm")};
-}
-
-QString hostStyleSheet()
-{
-    useResources();
-    QFile sheet(QStringLiteral(":/style/mivo.qss"));
-    sheet.open(QIODevice::ReadOnly);
-    return QString::fromUtf8(sheet.readAll());
-}
-
 SettingsView::SettingsView(RuntimeThread& runtime, QWidget* parent,
                            const SettingsServices& services)
     : m_dialog(std::make_unique<SettingsDialog>(parent))
 {
-    m_dialog->loadLanguageFiles(languageFiles());
+    m_dialog->loadLanguageFiles(mivo::style::languageFiles());
     // Sections stand in the order of their first pages; within one, the pages stand by their
     // numbers, from the most to the least used.
     const auto add = [&](auto* page, int priorityIndex) {
@@ -65,7 +43,7 @@ SettingsView::SettingsView(RuntimeThread& runtime, QWidget* parent,
     add(general, 10);
     auto* project = new ProjectSettingBox;
     project->setProgramDispatch(services.programs);
-    project->setCheckIconPath(QStringLiteral(":/style/icons/check.svg"));
+    project->setCheckIconPath(QStringLiteral(":/mivo/style/icons/check.svg"));
     add(project, 20);
     add(new FileInfoSettingBox, 30);
     add(new StageSettingBox, 40);

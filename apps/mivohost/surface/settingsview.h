@@ -38,12 +38,6 @@ namespace mivohost {
 
 class RuntimeThread;
 
-/// The language files that the host brings along, in the form of loadLanguageFiles().
-std::vector<QString> languageFiles();
-
-/// The host's look, for the whole application.
-QString hostStyleSheet();
-
 /// What the host gives to pages besides the store; each may be missing.
 struct SettingsServices
 {
