@@ -63,7 +63,7 @@ def text_table():
         if not places[key]:
             errors.append(f"{key}: a text that nothing shows")
     for file, content in sources(LIBRARIES):
-        for key in re.findall(r"\b(?:text|textOf|navigationText)\(" + LITERAL, content):
+        for key in re.findall(r"\b(?:text|textOf|add\w*Texts?)\(\s*" + LITERAL, content):
             if key not in english:
                 errors.append(f"{file.name}: {key} has no text")
     return table(

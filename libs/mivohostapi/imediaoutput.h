@@ -1,6 +1,6 @@
 #pragma once
 
-#include <sigslot/signal.hpp>
+#include "mivohostapi/signals.h"
 
 #include <cstdint>
 #include <string>

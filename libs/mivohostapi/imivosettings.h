@@ -1,9 +1,8 @@
 #pragma once
 
 #include "mivohostapi/settingsrecords.h"
+#include "mivohostapi/signals.h"
 #include "mivohostapi/soundcardrecords.h"
-
-#include <sigslot/signal.hpp>
 
 #include <QtCore/qglobal.h>
 

@@ -7,9 +7,6 @@
 
 namespace velorn::msgcenter {
 
-using ::operator==;
-using ::operator<<;
-
 enum EnumMsgKind : std::uint32_t { MsgInformation = 0, MsgQuestion = 1, MsgWarning = 2 };
 
 /// A message to the operator.
@@ -21,6 +18,7 @@ struct STMsgInfo
     std::int64_t time = 0; ///< milliseconds since 1970 in UTC; 0: the moment of its posting
 
     auto fields() const { return std::tie(kind, text, programId, time); }
+    MIVO_RECORD(STMsgInfo)
 };
 
 /// Where messages to the operator are collected and shown. The host implements and owns it; it

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <sigslot/signal.hpp>
+#include "mivohostapi/signals.h"
 
 #include <QtCore/qglobal.h>
 #include <QtCore/QMetaType>
@@ -22,6 +22,10 @@ struct STDefaultPlayProgramInfo
     {
         return a.lastTime == b.lastTime
                && (a.lastTime || (a.programId == b.programId && a.programName == b.programName));
+    }
+    friend bool operator!=(const STDefaultPlayProgramInfo& a, const STDefaultPlayProgramInfo& b)
+    {
+        return !(a == b);
     }
 };
 

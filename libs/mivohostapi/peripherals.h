@@ -1,10 +1,10 @@
 #pragma once
 
 #include "mivohostapi/shortcuttypes.h"
-
-#include <sigslot/signal.hpp>
+#include "mivohostapi/signals.h"
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace mivo::peripheralcontrol {
@@ -16,10 +16,8 @@ struct SDeviceBindInfo
     std::string oprKey;   ///< the action's path; of type ShortCutOfPath as reported: "group:name"
     std::string keyValue; ///< the control, as it is shown and as it is found again: "CC 7 ch 1"
 
-    friend bool operator==(const SDeviceBindInfo& a, const SDeviceBindInfo& b)
-    {
-        return a.type == b.type && a.oprKey == b.oprKey && a.keyValue == b.keyValue;
-    }
+    auto fields() const { return std::tie(type, oprKey, keyValue); }
+    MIVO_RECORD(SDeviceBindInfo)
 };
 
 /// A service that receives the messages of one kind of controllers and knows what they are bound
@@ -63,10 +61,8 @@ struct SMIDIDevInfo
 {
     std::string name;
 
-    friend bool operator==(const SMIDIDevInfo& a, const SMIDIDevInfo& b)
-    {
-        return a.name == b.name;
-    }
+    auto fields() const { return std::tie(name); }
+    MIVO_RECORD(SMIDIDevInfo)
 };
 
 class MidiPeripheral : public Peripheral
@@ -89,12 +85,8 @@ struct SAddDMXInfo
     int subnet = 0;        ///< 0 to 15
     int domain = 0;        ///< the net, 0 to 15
 
-    friend bool operator==(const SAddDMXInfo& a, const SAddDMXInfo& b)
-    {
-        return a.enabled == b.enabled && a.nodeName == b.nodeName
-               && a.channelOffset == b.channelOffset && a.subnet == b.subnet
-               && a.domain == b.domain;
-    }
+    auto fields() const { return std::tie(enabled, nodeName, channelOffset, subnet, domain); }
+    MIVO_RECORD(SAddDMXInfo)
 };
 
 class DmxPeripheral : public Peripheral
@@ -116,10 +108,8 @@ struct SAddOSCInfo
     bool enabled = false;
     int port = 9000; ///< UDP, 1 to 65535
 
-    friend bool operator==(const SAddOSCInfo& a, const SAddOSCInfo& b)
-    {
-        return a.enabled == b.enabled && a.port == b.port;
-    }
+    auto fields() const { return std::tie(enabled, port); }
+    MIVO_RECORD(SAddOSCInfo)
 };
 
 class OscPeripheral : public Peripheral

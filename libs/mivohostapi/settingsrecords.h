@@ -1,18 +1,17 @@
 #pragma once
 
+#include "mivohostapi/records.h"
+
 #include <QtCore/QMetaType>
 #include <QtCore/QString>
 
 #include <cstdint>
-#include <ostream>
 #include <string>
 #include <tuple>
 #include <vector>
 
 // Records of the settings store: values, equal when all their fields are. Their defaults are what a
 // first run shows.
-
-Q_DECLARE_METATYPE(std::string)
 
 /// Kinds of resources that have no length of their own.
 enum EnumResourceKind { ResourcePicture = 1, ResourcePowerPoint = 3, ResourceOSD = 32 };
@@ -24,6 +23,7 @@ struct STResourceSettingsInfo
     int duration = 5000;                ///< milliseconds
 
     auto fields() const { return std::tie(resourceType, duration); }
+    MIVO_RECORD(STResourceSettingsInfo)
 };
 Q_DECLARE_METATYPE(STResourceSettingsInfo)
 
@@ -35,6 +35,7 @@ struct STMivoAutoStartSettings
     int autoStartDelayTime = 0;         ///< seconds from log-on to start, 0 to 300
 
     auto fields() const { return std::tie(autoStart, closeSoftWareMinimize, autoStartDelayTime); }
+    MIVO_RECORD(STMivoAutoStartSettings)
 };
 Q_DECLARE_METATYPE(STMivoAutoStartSettings)
 
@@ -46,6 +47,7 @@ struct STMivoTimedShutdownSettings
     std::string time = "00:00:00"; ///< of the day, "hh:mm:ss"
 
     auto fields() const { return std::tie(enabled, weekDayIndex, time); }
+    MIVO_RECORD(STMivoTimedShutdownSettings)
 };
 Q_DECLARE_METATYPE(STMivoTimedShutdownSettings)
 
@@ -58,6 +60,7 @@ struct STMivoTimedAutomaticRestartSettings
     std::string time = "00:00:00"; ///< of the day, "hh:mm:ss"
 
     auto fields() const { return std::tie(enabled, monthIndex, dayIndex, time); }
+    MIVO_RECORD(STMivoTimedAutomaticRestartSettings)
 };
 Q_DECLARE_METATYPE(STMivoTimedAutomaticRestartSettings)
 
@@ -79,6 +82,7 @@ struct STProjectFileSettingsInfo
                         autoSaveProjectFilesInterval, autoSaveProjectFilesMaxNum, autoSavePath,
                         notPromptForSave, newProjResetOutput);
     }
+    MIVO_RECORD(STProjectFileSettingsInfo)
 };
 Q_DECLARE_METATYPE(STProjectFileSettingsInfo)
 
@@ -103,6 +107,7 @@ struct STFileInfoSettings
     {
         return std::tie(playLogStorageTimeType, playLogPath, cachePath, sharePath);
     }
+    MIVO_RECORD(STFileInfoSettings)
 };
 Q_DECLARE_METATYPE(STFileInfoSettings)
 
@@ -124,6 +129,7 @@ struct STPPTSysSettingsInfo
         return std::tie(pptAutoplay, pptAutoplayInterval, pptPlayMode, pptPresetsResolutionType,
                         pptResolutionWidth, pptResolutionHeight);
     }
+    MIVO_RECORD(STPPTSysSettingsInfo)
 };
 Q_DECLARE_METATYPE(STPPTSysSettingsInfo)
 
@@ -134,6 +140,7 @@ struct STPortInfo
     std::uint16_t port = 0;
 
     auto fields() const { return std::tie(open, port); }
+    MIVO_RECORD(STPortInfo)
 };
 Q_DECLARE_METATYPE(STPortInfo)
 
@@ -149,6 +156,7 @@ struct DynamicRangeConfig
     std::uint32_t bitDepth = 8;  ///< 8, 10 or 12, as the mode allows
 
     auto fields() const { return std::tie(rangeMode, bitDepth); }
+    MIVO_RECORD(DynamicRangeConfig)
 };
 
 /// The bit depths that a range mode allows, the lowest first; a mode that there is not, none.
@@ -179,40 +187,6 @@ struct STDisplayControlSettings
     mivo::PatchLevelPriority imageHierarchy = mivo::TimelinePriority;
 
     auto fields() const { return std::tie(blackScreenMute, mfps, efps, imageHierarchy); }
+    MIVO_RECORD(STDisplayControlSettings)
 };
 Q_DECLARE_METATYPE(STDisplayControlSettings)
-
-inline std::ostream& operator<<(std::ostream& out, const QString& text)
-{
-    return out << text.toStdString();
-}
-
-template <typename Record>
-auto operator==(const Record& a, const Record& b) -> decltype(a.fields(), bool())
-{
-    return a.fields() == b.fields();
-}
-
-template <typename Record>
-auto operator<<(std::ostream& out, const Record& record) -> decltype(record.fields(), out);
-
-template <typename Value>
-std::ostream& operator<<(std::ostream& out, const std::vector<Value>& list)
-{
-    for (const Value& value : list) {
-        out << "[" << value << "]";
-    }
-    return out;
-}
-
-template <typename Record>
-auto operator<<(std::ostream& out, const Record& record) -> decltype(record.fields(), out)
-{
-    std::apply([&out](const auto&... field) { ((out << field << "; "), ...); }, record.fields());
-    return out;
-}
-
-namespace mivo {
-using ::operator==;
-using ::operator<<;
-} // namespace mivo

@@ -1,18 +1,15 @@
 #pragma once
 
-#include "mivohostapi/settingsrecords.h"
+#include "mivohostapi/records.h"
 
 #include <QtCore/QMetaType>
 
 #include <cstdint>
-#include <ostream>
 #include <string>
 #include <tuple>
 #include <vector>
 
 // Shortcuts: what binds a key or a message of a controller to an action of the application.
-
-Q_DECLARE_METATYPE(std::vector<std::string>)
 
 /// An action. The host has many; these are the ones that mean something to the library itself.
 enum EnumShortCutType : std::int32_t {
@@ -40,15 +37,7 @@ struct STShortCutItem
     std::string shortCutStr; ///< as shown to the user, for example "Ctrl + Shift + K"
 
     auto fields() const { return std::tie(type, path, shortCutStr); }
-
-    friend bool operator==(const STShortCutItem& a, const STShortCutItem& b)
-    {
-        return a.fields() == b.fields();
-    }
-    friend std::ostream& operator<<(std::ostream& out, const STShortCutItem& item)
-    {
-        return out << item.type << " \"" << item.path << "\": " << item.shortCutStr;
-    }
+    MIVO_RECORD(STShortCutItem)
 };
 
 /// All bindings of keys.

@@ -22,9 +22,6 @@ constexpr unsigned mostSoundCardChannels = 64;  ///< of a card; those above are 
 
 namespace velorn::mediadispatch {
 
-using ::operator==;
-using ::operator<<;
-
 /// The card of one device that is chosen for a mapping.
 struct STChosenSoundCard
 {
@@ -35,6 +32,7 @@ struct STChosenSoundCard
     std::uint32_t channelPairs = 1; ///< that are played on: bit 0 for channels 1 and 2, and so on
 
     auto fields() const { return std::tie(device, id, caption, channels, channelPairs); }
+    MIVO_RECORD(STChosenSoundCard)
 };
 
 enum EnumSoundCardMappingState : std::uint32_t {
@@ -50,14 +48,12 @@ struct STSoundCardMappingInfo
     std::vector<STChosenSoundCard> soundCards;  ///< at most one of each device
 
     auto fields() const { return std::tie(id, state, name, soundCards); }
+    MIVO_RECORD(STSoundCardMappingInfo)
 };
 
 } // namespace velorn::mediadispatch
 
 namespace mivo {
-
-using ::operator==;
-using ::operator<<;
 
 enum EnumSoundCardChange : std::uint32_t {
     SoundCardChangeLocalCard = 1,   ///< another card of this machine, or none
@@ -76,14 +72,12 @@ struct STSoundCardChangeInfo
     velorn::mediadispatch::STChosenSoundCard soundCard; ///< the new state, where the rest does
 
     auto fields() const { return std::tie(id, kind, name, soundCard); }
+    MIVO_RECORD(STSoundCardChangeInfo)
 };
 
 } // namespace mivo
 
 namespace mivo::settings {
-
-using ::operator==;
-using ::operator<<;
 
 /// The mappings that there are.
 struct STAllDeviceSoundCardMappings
@@ -92,6 +86,7 @@ struct STAllDeviceSoundCardMappings
     bool refreshOnly = false; ///< they are on screen already, and only their cards are shown anew
 
     auto fields() const { return std::tie(mappings, refreshOnly); }
+    MIVO_RECORD(STAllDeviceSoundCardMappings)
 };
 
 /// Cards of one device.
@@ -101,6 +96,7 @@ struct STLocalSoundCardList
     std::string device;
 
     auto fields() const { return std::tie(soundCards, device); }
+    MIVO_RECORD(STLocalSoundCardList)
 };
 
 /// A device and its partner do not have the same cards.
@@ -111,6 +107,7 @@ struct STSoundCardMismatchInfo
     std::string soundCard; ///< the card, or how many
 
     auto fields() const { return std::tie(local, device, soundCard); }
+    MIVO_RECORD(STSoundCardMismatchInfo)
 };
 
 struct STDeviceSoundCardVisibleInfo
@@ -119,6 +116,7 @@ struct STDeviceSoundCardVisibleInfo
     bool visible = true;
 
     auto fields() const { return std::tie(deviceIp, visible); }
+    MIVO_RECORD(STDeviceSoundCardVisibleInfo)
 };
 
 /// A card that is there and may be chosen.
@@ -131,6 +129,7 @@ struct STSoundCardInfo
 
     /// The card itself: whoever chooses it, it stays the same.
     auto fields() const { return std::tie(id, caption, channels); }
+    MIVO_RECORD(STSoundCardInfo)
 };
 
 /// A device that is known, and the cards that it has now.
@@ -142,6 +141,7 @@ struct STDeviceSoundCards
     bool visible = true; ///< whether its cards are shown
 
     auto fields() const { return std::tie(device, caption, soundCards, visible); }
+    MIVO_RECORD(STDeviceSoundCards)
 };
 
 /// All that an editor of a mapping needs to know. Every editor reads it: a copy shares its lists.

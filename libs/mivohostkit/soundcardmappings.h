@@ -60,6 +60,7 @@ private:
         std::uint64_t nextId = 1;
 
         auto fields() const { return std::tie(mappings, nextId); }
+        MIVO_RECORD(Kept)
     };
 
     static std::optional<Kept> parsed(const QString& text);

@@ -55,7 +55,7 @@ public:
     /// The same, while events are handled, except the user's input, which is held back.
     bool waitInLoop(std::chrono::milliseconds patience);
 
-signals:
+Q_SIGNALS:
     /// The work runs for half a second: time to show that something is going on.
     void slow();
     /// The deadline has passed. The work goes on, and its result is still delivered.

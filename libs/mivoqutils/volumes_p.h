@@ -11,11 +11,11 @@ namespace mivo::qutils {
 #ifndef Q_OS_WIN
 
 /// Whether a file system of this type, or this path in it, is one of a camera or telephone.
-MIVOQUTILS_EXPORT bool isPortableDevice(const QString& fileSystemType, const QString& path);
+MIVOQUTILS_TEST_EXPORT bool isPortableDevice(const QString& fileSystemType, const QString& path);
 
 /// Whether a block device, as "sdb1" or "dm-0", is removable, or the disk that it is on; "sysfs" is
 /// the folder that is /sys on a running system.
-MIVOQUTILS_EXPORT bool isRemovableDisk(const QString& sysfs, const QString& device);
+MIVOQUTILS_TEST_EXPORT bool isRemovableDisk(const QString& sysfs, const QString& device);
 
 #endif
 

@@ -37,7 +37,7 @@ public:
     /// where no screen can be photographed. Nothing while it runs.
     bool start();
 
-signals:
+Q_SIGNALS:
     void hovered(const QColor& color); ///< before picked() or cancelled(), as often as it changes
     void picked(const QColor& color);
     void cancelled();

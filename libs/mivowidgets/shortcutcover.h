@@ -44,7 +44,7 @@ public:
     /// What is bound of that kind, empty when nothing is.
     QString keyText(EnumPeripheralShortCutType kind) const { return m_texts.value(kind); }
 
-public slots:
+public Q_SLOTS:
     void shortCutStrChanged(const QString& text);
     void updateShortCutCoverKey(EnumPeripheralShortCutType kind, const QString& text);
     void setShortCoverVisible(bool visible, EnumPeripheralShortCutType kind);
@@ -52,7 +52,7 @@ public slots:
     void acceptEventState(bool accepts);
     void setShortCoverClearFocus();
 
-signals:
+Q_SIGNALS:
     void signalAddShortCutsItem(EnumShortCutType type, const std::string& path,
                                 const std::string& shortCutStr, ShortCutModuleType moduleType);
     void signalDelShortCutsItem(EnumShortCutType type, const std::string& path,

@@ -44,7 +44,7 @@ public:
     void setMissingTextHandler(MissingTextHandler handler);
 
 private:
-    class Impl;
+    class ZRTRANSLATE_NO_EXPORT Impl;
     std::unique_ptr<Impl> m_impl;
 };
 

@@ -4,7 +4,9 @@
 #include <mivohostapi/izrruntime.h>
 #include <mivosettingswidgets/settingsdialog.h>
 #include <mivosettingswidgets/undosettingbox.h>
+#include <mivostyle/style.h>
 
+#include <QtCore/QFile>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QDoubleSpinBox>
 
@@ -24,14 +26,22 @@ public:
 int main(int argc, char** argv)
 {
     QApplication application(argc, argv);
+    application.setStyleSheet(mivo::style::styleSheet());
     Runtime runtime;
     mivo::settings::SettingsDialog dialog;
+    dialog.loadLanguageFiles(mivo::style::languageFiles());
     auto* page = new mivo::settings::UndoSettingBox;
     page->setZRRuntime(&runtime);
     dialog.insertSettingBox(page);
+    dialog.switchLanguage("en");
+    page->switchLanguage("en");
     dialog.show();
     QApplication::processEvents();
 
+    if (application.styleSheet().isEmpty() || !QFile::exists(":/mivo/style/icons/check.svg")
+        || page->title() != "Undo and redo") {
+        return 3;
+    }
     // Without a store an edit stays where it is and is logged.
     auto* edit = dialog.findChild<QDoubleSpinBox*>();
     if (edit == nullptr || edit->value() != 50) {

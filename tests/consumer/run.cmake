@@ -1,4 +1,5 @@
-# Installs the built tree into an empty prefix, then builds and runs the consumer against it.
+# Installs the built tree into an empty prefix, then builds and runs the consumer against it, by
+# CMake and by pkg-config, and sees a host with other signals fail.
 set(work ${BUILD}/consumer)
 file(REMOVE_RECURSE ${work})
 
@@ -10,8 +11,39 @@ function(run)
     endif()
 endfunction()
 
+# Must fail, and say why.
+function(run_failing expected)
+    execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE output
+                    ERROR_VARIABLE output)
+    if(result EQUAL 0 OR NOT output MATCHES "${expected}")
+        message(FATAL_ERROR "expected to fail with \"${expected}\": ${ARGN}\n${output}")
+    endif()
+endfunction()
+
 run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${work}/prefix)
 run(${CMAKE_COMMAND} -S ${SOURCE} -B ${work}/build -G ${GENERATOR} -DCMAKE_CXX_COMPILER=${CXX}
     -DCMAKE_CXX_FLAGS=${FLAGS} -DCMAKE_PREFIX_PATH=${work}/prefix)
 run(${CMAKE_COMMAND} --build ${work}/build)
 run(${CMAKE_COMMAND} -E env QT_QPA_PLATFORM=offscreen ${work}/build/consumer)
+
+separate_arguments(FLAGS UNIX_COMMAND "${FLAGS}")
+set(ENV{PKG_CONFIG_PATH} ${work}/prefix/${LIBDIR}/pkgconfig)
+execute_process(COMMAND pkg-config --cflags --libs mivosettingswidgets OUTPUT_VARIABLE package
+                OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+separate_arguments(package UNIX_COMMAND "${package}")
+set(compile ${CXX} -std=c++17 -fPIC ${FLAGS} ${SOURCE}/main.cpp -o ${work}/byhand)
+run(${compile} ${package})
+run(${CMAKE_COMMAND} -E env QT_QPA_PLATFORM=offscreen LD_LIBRARY_PATH=${work}/prefix/${LIBDIR}
+    ${work}/byhand)
+
+if(SIGNALS STREQUAL "Boost")
+    set(other ${SOURCE}/othersignals)
+    set(missing libraryWasBuiltWithTheSigslotLibrary)
+else()
+    set(other ${SOURCE}/../../libs/mivohostapi/compat)
+    set(missing libraryWasBuiltWithSignalsOverBoost)
+endif()
+run_failing("error: .*This mivosettingswidgets was built with" ${compile} -I${other} ${package})
+# Headers of one package, libraries of another.
+list(FILTER package EXCLUDE REGEX MIVO_SIGNALS_OVER_BOOST)
+run_failing("undefined reference to .*${missing}" ${compile} -I${other} ${package})

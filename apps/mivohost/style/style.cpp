@@ -16,7 +16,7 @@ std::vector<QString> languageFiles()
 {
     useResources();
     return {QStringLiteral(":/mivo/languages/mivo_en.qm"),
-            QStringLiteral(":/languages/mivo_zh_cn.qm")};
+            QStringLiteral(":/mivo/languages/mivo_zh_cn.qm")};
 }
 
 QString styleSheet()

@@ -11,7 +11,8 @@ bool hidesOnClose(bool minimiseOnClose, bool hasTray, bool sessionEnds)
 
 Tray::Tray()
     : m_show(m_menu.addAction(QString())), m_settings(m_menu.addAction(QString())),
-      m_quit(m_menu.addAction(QString())), m_icon(QIcon(QStringLiteral(":/mivo/style/icons/mivo.svg")))
+      m_quit(m_menu.addAction(QString())),
+      m_icon(QIcon(QStringLiteral(":/mivo/style/icons/mivo.svg")))
 {
     m_menu.insertSeparator(m_quit);
     connect(m_show, &QAction::triggered, this, &Tray::showRequested);

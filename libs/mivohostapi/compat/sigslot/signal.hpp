@@ -10,6 +10,8 @@
 #include <memory>
 #include <utility>
 
+#define MIVO_SIGSLOT_ADAPTOR
+
 namespace sigslot {
 
 /// Handle of one connected slot. It owns nothing: the slot stays connected when the handle goes,

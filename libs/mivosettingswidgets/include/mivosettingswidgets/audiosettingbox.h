@@ -39,7 +39,7 @@ public:
     void translateLanguage() override;
 
 private:
-    class Impl;
+    class MIVOSETTINGSWIDGETS_NO_EXPORT Impl;
 };
 
 } // namespace mivo::settings

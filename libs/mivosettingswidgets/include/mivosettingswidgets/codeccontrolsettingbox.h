@@ -43,7 +43,7 @@ public:
     void updateDynamicRangeConfig(const DynamicRangeConfig& config);
 
 private:
-    class Impl;
+    class MIVOSETTINGSWIDGETS_NO_EXPORT Impl;
 };
 
 } // namespace mivo::settings

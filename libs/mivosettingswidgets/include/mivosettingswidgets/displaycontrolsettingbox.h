@@ -18,7 +18,7 @@ public:
     ~DisplayControlSettingBox() override;
 
 private:
-    class Impl;
+    class MIVOSETTINGSWIDGETS_NO_EXPORT Impl;
 };
 
 } // namespace mivo::settings

@@ -16,13 +16,13 @@ public:
     explicit FileInfoSettingBox(QWidget* parent = nullptr);
     ~FileInfoSettingBox() override;
 
-signals:
+Q_SIGNALS:
     /// The free space of a folder's drive was looked up, after its path changed or it was cleared:
     /// whether it is used up.
     void notifySpaceUseup(bool usedUp);
 
 private:
-    class Impl;
+    class MIVOSETTINGSWIDGETS_NO_EXPORT Impl;
 };
 
 } // namespace mivo::settings

@@ -29,7 +29,7 @@ public:
     void setProjectFileMgr(mivo::projectfilemgr::IProjectFileMgr* manager);
 
 private:
-    class Impl;
+    class MIVOSETTINGSWIDGETS_NO_EXPORT Impl;
 };
 
 } // namespace mivo::settings

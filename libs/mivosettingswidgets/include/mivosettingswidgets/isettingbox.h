@@ -1,5 +1,6 @@
 #pragma once
 
+#include "mivohostapi/signals.h"
 #include "mivosettingswidgets/export.h"
 
 #include <QtWidgets/QGroupBox>
@@ -9,6 +10,16 @@
 class IZRRuntime;
 
 namespace mivo::settings {
+
+#ifdef MIVO_SIGSLOT_ADAPTOR
+#define MIVO_BUILT_WITH_SIGNALS libraryWasBuiltWithSignalsOverBoost
+#else
+#define MIVO_BUILT_WITH_SIGNALS libraryWasBuiltWithTheSigslotLibrary
+#endif
+/// A host whose signals are not the library's lacks the function of this name: it is not linked,
+/// and one that was linked before is not started.
+MIVOSETTINGSWIDGETS_EXPORT bool MIVO_BUILT_WITH_SIGNALS();
+[[maybe_unused]] static const bool signalsAreTheLibrarys = MIVO_BUILT_WITH_SIGNALS();
 
 /// One page of the settings dialog.
 ///
@@ -52,7 +63,7 @@ public:
     /// The runtime of all store calls; must be set before the store, and never null.
     virtual void setZRRuntime(IZRRuntime* runtime) = 0;
 
-signals:
+Q_SIGNALS:
     /// The name of the page's section was translated anew.
     void sigTitleTextChanged(const QString& titleText);
 };

@@ -26,7 +26,7 @@ public:
     void setOscMgr(mivo::peripheralcontrol::OscPeripheral* osc);
 
 private:
-    class Impl;
+    class MIVOSETTINGSWIDGETS_NO_EXPORT Impl;
 };
 
 } // namespace mivo::settings

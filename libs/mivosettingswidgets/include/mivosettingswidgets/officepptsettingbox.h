@@ -24,7 +24,7 @@ public:
     void setResourceMgr(std::weak_ptr<resource::IResourceMgr> resources);
 
 private:
-    class Impl;
+    class MIVOSETTINGSWIDGETS_NO_EXPORT Impl;
 };
 
 } // namespace mivo::settings

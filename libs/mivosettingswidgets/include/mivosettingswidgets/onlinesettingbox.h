@@ -16,7 +16,7 @@ public:
     ~OnlineSettingBox() override;
 
 private:
-    class Impl;
+    class MIVOSETTINGSWIDGETS_NO_EXPORT Impl;
 };
 
 } // namespace mivo::settings

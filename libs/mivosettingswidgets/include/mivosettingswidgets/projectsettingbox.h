@@ -35,7 +35,7 @@ public:
     /// Watches its own window becoming active.
     bool eventFilter(QObject* object, QEvent* event) override;
 
-signals:
+Q_SIGNALS:
     /// The free space of the drive of the automatic saves was looked up: whether it is used up.
     void notifySpaceUseup(bool usedUp);
 
@@ -43,7 +43,7 @@ protected:
     void showEvent(QShowEvent* event) override;
 
 private:
-    class Impl;
+    class MIVOSETTINGSWIDGETS_NO_EXPORT Impl;
 };
 
 } // namespace mivo::settings

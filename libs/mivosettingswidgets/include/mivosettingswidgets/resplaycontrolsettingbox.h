@@ -17,7 +17,7 @@ public:
     ~ResPlayControlSettingBox() override;
 
 private:
-    class Impl;
+    class MIVOSETTINGSWIDGETS_NO_EXPORT Impl;
 };
 
 } // namespace mivo::settings

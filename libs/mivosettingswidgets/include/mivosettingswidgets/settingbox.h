@@ -32,7 +32,7 @@ public:
     void setPriorityIndex(int index);
 
 private:
-    class Impl;
+    class MIVOSETTINGSWIDGETS_NO_EXPORT Impl;
     std::unique_ptr<Impl> m_impl;
 };
 

@@ -46,7 +46,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    class Impl;
+    class MIVOSETTINGSWIDGETS_NO_EXPORT Impl;
     std::unique_ptr<Impl> m_impl;
 };
 

@@ -35,14 +35,14 @@ public:
 protected:
     void showEvent(QShowEvent* event) override;
 
-signals:
+Q_SIGNALS:
     /// A page of the section announced the section's name.
     void sigTitleTextChanged(const QString& titleText);
     void toggled(bool on);
     void valueChanged(int value);
 
 private:
-    class Impl;
+    class MIVOSETTINGSWIDGETS_NO_EXPORT Impl;
     std::unique_ptr<Impl> m_impl;
 };
 

@@ -69,13 +69,13 @@ public:
     bool getProjectFileLoadComplete() const;
     void setProjectFileLoadComplete(bool complete);
 
-public slots:
+public Q_SLOTS:
     /// Clears every binding of the kind; with false nothing.
     void slotClearShortCut(bool clear, EnumPeripheralShortCutType kind);
     void slotShowAllShortCutCover(bool show, EnumPeripheralShortCutType kind) const;
     void slotLockScreenChanged(bool locked);
 
-signals:
+Q_SIGNALS:
     void signalClearShortCutState(bool empty);
     void signalCloseShortByEsc();
     void signalKeyEventCompleted();
@@ -95,7 +95,7 @@ signals:
     void signalUpdateOscUrl(const std::string& url);
 
 private:
-    class Impl;
+    class MIVOSETTINGSWIDGETS_NO_EXPORT Impl;
     std::unique_ptr<Impl> m_impl;
 };
 

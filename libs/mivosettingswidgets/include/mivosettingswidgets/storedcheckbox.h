@@ -21,16 +21,16 @@ public:
         QMetaObject::invokeMethod(this, "setChecked", Qt::QueuedConnection, Q_ARG(bool, on));
     }
 
-public slots:
+public Q_SLOTS:
     /// Shows a value of the store: of the signals only shown() is emitted, so that the value is not
     /// written back.
     void setChecked(bool on)
     {
         showValue(this, on);
-        emit shown(on);
+        Q_EMIT shown(on);
     }
 
-signals:
+Q_SIGNALS:
     void shown(bool on);
 };
 

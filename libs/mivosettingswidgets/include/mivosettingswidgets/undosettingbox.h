@@ -14,7 +14,7 @@ public:
     ~UndoSettingBox() override;
 
 private:
-    class Impl;
+    class MIVOSETTINGSWIDGETS_NO_EXPORT Impl;
 };
 
 } // namespace mivo::settings

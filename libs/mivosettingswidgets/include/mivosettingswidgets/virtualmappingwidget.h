@@ -58,12 +58,12 @@ public:
 
     void translateLangauge();
 
-signals:
+Q_SIGNALS:
     /// The user wants this change, which is not shown as done until refreshMappingInfo().
     void sigMappingInfoChanged(const mivo::STSoundCardChangeInfo& change);
 
 private:
-    class Impl;
+    class MIVOSETTINGSWIDGETS_NO_EXPORT Impl;
     std::unique_ptr<Impl> m_impl;
 };
 

@@ -22,7 +22,7 @@ namespace mivo::settings {
 
 /// The row of a folder on a page: caption, path, buttons, free space of the drive, and the tip that
 /// warns when that runs out. Clears the folder; choosing another one is the page's. GUI thread.
-class MIVOSETTINGSWIDGETS_EXPORT FolderRow : public QObject
+class MIVOSETTINGSWIDGETS_TEST_EXPORT FolderRow : public QObject
 {
     Q_OBJECT
 
@@ -32,7 +32,7 @@ public:
         std::function<void(const char* key, std::function<void(const QString&)> set)>;
 
     /// What the row depends on, for tests to replace. Both are called on threads of their own.
-    struct MIVOSETTINGSWIDGETS_EXPORT Means
+    struct MIVOSETTINGSWIDGETS_TEST_EXPORT Means
     {
         Means();
 

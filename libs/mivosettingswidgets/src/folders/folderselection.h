@@ -25,11 +25,11 @@ struct FolderRules
     bool checksBeforeComparing;   ///< else the selection is compared with what is set first
 };
 
-MIVOSETTINGSWIDGETS_EXPORT extern const FolderRules projectFolderRules;
-MIVOSETTINGSWIDGETS_EXPORT extern const FolderRules fileInfoFolderRules;
+MIVOSETTINGSWIDGETS_TEST_EXPORT extern const FolderRules projectFolderRules;
+MIVOSETTINGSWIDGETS_TEST_EXPORT extern const FolderRules fileInfoFolderRules;
 
 /// What the choice depends on, for tests to replace.
-struct MIVOSETTINGSWIDGETS_EXPORT FolderMeans
+struct MIVOSETTINGSWIDGETS_TEST_EXPORT FolderMeans
 {
     FolderMeans();
 
@@ -44,7 +44,7 @@ struct MIVOSETTINGSWIDGETS_EXPORT FolderMeans
 ///
 /// The page may be destroyed while a dialog is open: the dialog is closed then, the choice ends
 /// with false, and no path that was passed is touched.
-class MIVOSETTINGSWIDGETS_EXPORT FolderSelection
+class MIVOSETTINGSWIDGETS_TEST_EXPORT FolderSelection
 {
 public:
     FolderSelection(const FolderRules& rules, QWidget* page, FolderMeans means = {});
@@ -74,9 +74,9 @@ bool confirmClearing(QWidget* page, const QString& folder);
 void showFolder(QWidget* page, const QString& folder);
 
 /// The drive that a path begins with, as "D:"; empty when it does not.
-MIVOSETTINGSWIDGETS_EXPORT QString driveOf(const QString& path);
+MIVOSETTINGSWIDGETS_TEST_EXPORT QString driveOf(const QString& path);
 
 /// The path without one "/" at its end; the root stays.
-MIVOSETTINGSWIDGETS_EXPORT QString withoutTrailingSlash(const QString& path);
+MIVOSETTINGSWIDGETS_TEST_EXPORT QString withoutTrailingSlash(const QString& path);
 
 } // namespace mivo::settings

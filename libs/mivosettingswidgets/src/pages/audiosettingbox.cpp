@@ -1,5 +1,6 @@
 #include "mivosettingswidgets/audiosettingbox.h"
 
+#include "kit/standardmetatypes.h"
 #include "mivohostapi/imsgcentermgr.h"
 #include "mivohostapi/iprogramdispatch.h"
 #include "mivosettingswidgets/controls.h"

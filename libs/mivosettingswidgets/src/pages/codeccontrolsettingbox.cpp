@@ -1,5 +1,6 @@
 #include "mivosettingswidgets/codeccontrolsettingbox.h"
 
+#include "kit/standardmetatypes.h"
 #include "mivohostapi/imediaoutput.h"
 #include "mivosettingswidgets/controls.h"
 #include "mivosettingswidgets/settingpageimpl.h"

@@ -1,6 +1,7 @@
 #include "mivosettingswidgets/netdevicesettingwidget.h"
 
 #include "kit/borrowed.h"
+#include "kit/standardmetatypes.h"
 #include "mivohostapi/peripherals.h"
 #include "mivosettingswidgets/controls.h"
 #include "mivosettingswidgets/settingpageimpl.h"

@@ -1,5 +1,6 @@
 #include "mivosettingswidgets/stagesettingbox.h"
 
+#include "kit/standardmetatypes.h"
 #include "mivosettingswidgets/controls.h"
 #include "mivosettingswidgets/settingpageimpl.h"
 #include "mivosettingswidgets/texts.h"

@@ -1,5 +1,6 @@
 #include "mivosettingswidgets/shortcutmgr.h"
 
+#include "kit/standardmetatypes.h"
 #include "shortcuts/shortcutmgrimpl.h"
 
 #include <mivowidgets/shortcutcover.h>
