@@ -16,6 +16,7 @@
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QTemporaryDir>
+#include <QtNetwork/QUdpSocket>
 #include <QtTest/QSignalSpy>
 #include <QtWidgets/QAction>
 #include <QtWidgets/QComboBox>
@@ -294,6 +295,11 @@ TEST_F(Panel, BindingsOfDevicesAreShownClearedAndAskedFor)
     press(Qt::Key_Backspace);
     EXPECT_EQ(cover(take)->keyText(PeripheralOsc), "/Peripherals/Stage/Take") << "for good";
 
+    auto* address = control<QComboBox>("listenAddress");
+    EXPECT_TRUE(address->isVisible());
+    chooseItem(address, address->findText("127.0.0.1"));
+    EXPECT_EQ(peripherals->listenAddress(), "127.0.0.1");
+
     const auto* hint = control<QLabel>("shortcutHint");
     chooseKind(PeripheralDmx);
     QString off = hint->text();
@@ -426,6 +432,14 @@ TEST_F(Panel, WhatCannotBeReadOrSavedIsToldAndSavedLater)
     hideKeysFolder(false);
     EXPECT_TRUE(QTest::qWaitFor([&] { return !recovered.isEmpty(); }, 10000));
     EXPECT_EQ(kept().size(), 2u);
+
+    failed.clear();
+    QUdpSocket taken;
+    ASSERT_TRUE(taken.bind(QHostAddress::AnyIPv4, 0, QUdpSocket::DontShareAddress));
+    peripherals->osc().setInfo({true, taken.localPort()});
+    ASSERT_EQ(failed.size(), 1);
+    EXPECT_EQ(failed[0][0], "OscFailed");
+    peripherals->osc().setInfo({});
 
     writeFile(mivo::settings::shortCutFilePath(), "{");
     ActionPanel again(*peripherals);

@@ -5,6 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <QtCore/QProcess>
+#include <QtNetwork/QUdpSocket>
+
 namespace peripheralstest {
 
 using namespace mivo::peripheralcontrol;
@@ -64,6 +67,20 @@ TEST_F(PeripheralsOfHost, WriteWhatChangesAndReadItBackOnTheNextStart)
     EXPECT_EQ(peripherals.midi().bindings(),
               (std::vector<SDeviceBindInfo>{{187, "a", "CC 7 ch 1 (X)"}}));
     EXPECT_EQ(peripherals.dmx().bindings(), (std::vector<SDeviceBindInfo>{{188, "b", "DMX 12"}}));
+}
+
+TEST_F(PeripheralsOfHost, NoOtherProgramInheritsTheirPorts)
+{
+    Peripherals peripherals(runtime, store);
+    peripherals.osc().setInfo({true, 9001});
+    peripherals.dmx().setInfo({true, "mivo", 0, 0, 0});
+    ASSERT_EQ(peripherals.osc().failure() + peripherals.dmx().failure(), "");
+    QProcess child;
+    child.start("sh", {"-c", "readlink /proc/self/fd/*"});
+    ASSERT_TRUE(child.waitForFinished());
+    const QByteArray descriptors = child.readAllStandardOutput();
+    EXPECT_TRUE(descriptors.contains("pipe:")) << descriptors.constData();
+    EXPECT_FALSE(descriptors.contains("socket:")) << descriptors.constData();
 }
 
 TEST_F(PeripheralsOfHost, RowsThatCannotBeAreReset)

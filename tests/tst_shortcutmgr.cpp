@@ -286,6 +286,7 @@ TEST_F(ShortCuts, ControlsOfDevicesAreBoundMovedAndCleared)
 {
     manager.setMidiMgr(&midi);
     manager.setMidiMgr(nullptr);
+    manager.setDmxMgr(&dmx);
     QSignalSpy opened(&manager, &ShortCutMgr::signalOpenShortCover);
     QSignalSpy shown(&manager, &ShortCutMgr::signalShowMonitorWidget);
     open(PeripheralMidi);
@@ -325,10 +326,20 @@ TEST_F(ShortCuts, ControlsOfDevicesAreBoundMovedAndCleared)
     manager.rebindPeripheral(PeripheralMidi, 211, groupPath, knob);
     EXPECT_EQ(midi.bindings(), Infos{first});
     EXPECT_EQ(group->keyText(PeripheralMidi).toStdString(), knob);
-    manager.slotClearShortCut(true, PeripheralMidi);
-    EXPECT_EQ(midi.bindings(), Infos());
+    for (const bool clearsAll : {true, false}) {
+        manager.rebindPeripheral(PeripheralMidi, 211, groupPath, knob);
+        if (clearsAll) {
+            manager.slotClearShortCut(true, PeripheralMidi);
+        } else {
+            press(group, Qt::Key_Backspace);
+        }
+        EXPECT_EQ(midi.bindings(), Infos());
+        manager.updatePeripheralKeyName();
+        EXPECT_EQ(group->keyText(PeripheralMidi), "") << "nothing of it is pending";
+    }
     manager.slotShowAllShortCutCover(false, PeripheralMidi);
     EXPECT_EQ(midi.asked, "stopped");
+    EXPECT_EQ(dmx.asked, "stopped") << "whatever it was opened for";
     ASSERT_EQ(opened.size(), 2);
     EXPECT_FALSE(opened.last()[0].toBool());
     ASSERT_EQ(shown.size(), 1);

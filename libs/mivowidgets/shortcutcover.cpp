@@ -1,11 +1,15 @@
 #include "mivowidgets/shortcutcover.h"
 
+#include <QtCore/QMetaEnum>
 #include <QtCore/QPointer>
 #include <QtCore/QStringList>
+#include <QtGui/QGuiApplication>
 #include <QtGui/QKeyEvent>
 #include <QtGui/QPainter>
 #include <QtWidgets/QStyleOption>
 #include <QtWidgets/QToolButton>
+
+#include <string_view>
 
 namespace mivo::widgets {
 
@@ -24,7 +28,45 @@ constexpr Modifier modifiersInOrder[]{{Qt::ControlModifier, "Ctrl"},
                                       {Qt::AltModifier, "Alt"},
                                       {Qt::MetaModifier, "Win"}};
 
+const QLatin1String deadKey("Dead_"); // the names of keys that only accent the next one
+
+/// The letter that the US layout has at the place of a key, or 0.
+int usLetterAt(quint32 scanCode)
+{
+    const QString platform = QGuiApplication::platformName();
+    const bool isX11 = platform == QLatin1String("xcb") || platform.startsWith("wayland");
+    const quint32 place = scanCode - (isX11 ? 8 : 0); // as Linux and Windows number the keys
+    constexpr struct
+    {
+        quint32 first;
+        std::string_view letters;
+    } rows[]{{16, "QWERTYUIOP"}, {30, "ASDFGHJKL"}, {44, "ZXCVBNM"}};
+    for (const auto& row : rows) {
+        if (place >= row.first && place < row.first + row.letters.size()) {
+            return row.letters[place - row.first];
+        }
+    }
+    return 0;
+}
+
 } // namespace
+
+QString keySequenceText(const QKeyEvent& event)
+{
+    constexpr int lastOfLatin1 = 0xFF;
+    constexpr int lastOfPlane = 0xFFFF;
+    const int key = event.key();
+    const bool isCommand =
+        event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier);
+    if (isCommand && key > lastOfLatin1 && key <= lastOfPlane) {
+        const QChar letter(key);
+        if (letter.isLetter() && letter.script() != QChar::Script_Latin) {
+            const int latin = usLetterAt(event.nativeScanCode());
+            return keySequenceText(latin != 0 ? latin : key, event.modifiers());
+        }
+    }
+    return keySequenceText(key, event.modifiers());
+}
 
 QString keySequenceText(int key, Qt::KeyboardModifiers modifiers)
 {
@@ -43,7 +85,11 @@ QString keySequenceText(int key, Qt::KeyboardModifiers modifiers)
     default:
         break;
     }
-    const QString name = QKeySequence(key).toString(QKeySequence::PortableText);
+    const QString enumName =
+        QString::fromLatin1(QMetaEnum::fromType<Qt::Key>().valueToKey(key)).mid(4); // "Key_"
+    const QString name = enumName.startsWith(deadKey)
+                             ? enumName // Qt has no name for it that it reads back
+                             : QKeySequence(key).toString(QKeySequence::PortableText);
     if (name.isEmpty() || !name.at(0).isPrint()) {
         return {};
     }
@@ -73,6 +119,11 @@ QKeySequence keySequenceOf(const QString& text)
             return {};
         }
         key |= modifier;
+    }
+    if (names.first().startsWith(deadKey)) {
+        const QByteArray name = "Key_" + names.first().toLatin1();
+        const int dead = QMetaEnum::fromType<Qt::Key>().keyToValue(name.constData());
+        return dead > 0 ? QKeySequence(key | dead) : QKeySequence();
     }
     const QKeySequence last(names.first(), QKeySequence::PortableText);
     if (last.count() != 1 || last[0] == Qt::Key_unknown
@@ -214,7 +265,7 @@ void ShortCutCover::keyPressEvent(QKeyEvent* event)
                && event->modifiers() == Qt::NoModifier) {
         clearBinding();
     } else if (m_kind == PeripheralKeyboard && !event->isAutoRepeat()) {
-        const QString text = keySequenceText(event->key(), event->modifiers());
+        const QString text = keySequenceText(*event);
         if (!text.isEmpty()) {
             bindKeys(text);
         }

@@ -96,6 +96,9 @@ private:
 /// A key press as text: key names joined by " + ", modifiers first, Ctrl before Shift before Alt;
 /// empty while only modifiers are held. Any thread.
 MIVOWIDGETS_EXPORT QString keySequenceText(int key, Qt::KeyboardModifiers modifiers);
+/// As the layout names the key. With Ctrl, Alt or Win, a letter that is not Latin has the name that
+/// the US layout has at its place, so that one binding holds in both. GUI thread.
+MIVOWIDGETS_EXPORT QString keySequenceText(const QKeyEvent& event);
 
 /// The shortcut of such a text; empty when it is none.
 MIVOWIDGETS_EXPORT QKeySequence keySequenceOf(const QString& text);

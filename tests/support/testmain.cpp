@@ -17,7 +17,7 @@ std::map<QString, OtherProcess>& otherProcesses()
 int main(int argc, char** argv)
 {
     if (argc > 1 && qstrncmp(argv[1], "--as-", 5) == 0) {
-        const QCoreApplication application(argc, argv);
+        const QApplication application(argc, argv);
         const QStringList arguments = QCoreApplication::arguments().mid(1);
         return otherProcesses().at(arguments.first())(arguments);
     }

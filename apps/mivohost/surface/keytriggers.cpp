@@ -61,8 +61,7 @@ const STShortCutItem* KeyTriggers::bindingOf(const QKeyEvent& event) const
         || (isForText(event) && takesText(QApplication::focusWidget()))) {
         return nullptr;
     }
-    const auto found =
-        m_bindings.constFind(mivo::widgets::keySequenceText(event.key(), event.modifiers()));
+    const auto found = m_bindings.constFind(mivo::widgets::keySequenceText(event));
     return found == m_bindings.constEnd() ? nullptr : &*found;
 }
 
