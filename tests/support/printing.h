@@ -4,8 +4,8 @@
 
 #include <ostream>
 
-/// How GoogleTest prints a text.
-inline void PrintTo(const QString& text, std::ostream* out)
+/// How GoogleTest prints a text, and what stands behind << of an expectation.
+inline std::ostream& operator<<(std::ostream& out, const QString& text)
 {
-    *out << '"' << text.toStdString() << '"';
+    return out << text.toStdString();
 }
