@@ -3,7 +3,7 @@
 #include <QtCore/QSet>
 #include <QtCore/QTranslator>
 
-#include <unordered_map>
+#include <map>
 #include <utility>
 #include <vector>
 
@@ -24,9 +24,30 @@ public:
     // Newest first, so that a later file overrides an earlier one.
     using Files = std::vector<std::unique_ptr<QTranslator>>;
 
+    using Languages = std::map<QString, Files>;
+
+    /// The loaded language that serves for `name`: itself, else the same without its country or
+    /// script, else the first one of another country.
+    Languages::const_iterator nearest(QString name) const
+    {
+        const auto end = languages.end();
+        while (true) {
+            if (const auto same = languages.find(name); same != end) {
+                return same;
+            }
+            const auto cut = name.lastIndexOf('_');
+            if (cut == -1) {
+                const auto next = languages.lower_bound(name + '_');
+                return next != end && next->first.startsWith(name + '_') ? next : end;
+            }
+            name.truncate(cut);
+        }
+    }
+
     QSet<QString> loaded;
-    std::unordered_map<QString, Files> languages;
+    Languages languages;
     const Files* active = nullptr;
+    QString requested;
     QString language;
     MissingTextHandler missing;
 };
@@ -46,15 +67,17 @@ bool Translator::load(const QString& file)
     auto& files = m_impl->languages[normalised(texts->language())];
     files.insert(files.begin(), std::move(texts));
     m_impl->loaded.insert(file);
-    switchLanguage(m_impl->language);
+    switchLanguage(m_impl->requested);
     return true;
 }
 
 void Translator::switchLanguage(const QString& language)
 {
-    m_impl->language = normalised(language);
-    const auto found = m_impl->languages.find(m_impl->language);
-    m_impl->active = found == m_impl->languages.end() ? nullptr : &found->second;
+    m_impl->requested = normalised(language);
+    const auto found = m_impl->nearest(m_impl->requested);
+    const bool isLoaded = found != m_impl->languages.end();
+    m_impl->active = isLoaded ? &found->second : nullptr;
+    m_impl->language = isLoaded ? found->first : m_impl->requested;
 }
 
 QString Translator::language() const

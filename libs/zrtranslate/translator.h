@@ -29,11 +29,13 @@ public:
     bool load(const QString& file);
 
     /// Chooses the language of all look-ups from now on, for example "en" or "zh_cn"; the case of
-    /// letters and the kind of the dash do not matter. Until the first call, and with a language
-    /// that no file was loaded for, every key is its own text.
+    /// letters and the kind of the dash do not matter. Without a file for just that language, the
+    /// nearest one serves: "en" for "en_US", "zh_cn" for "zh_Hans_CN" and for "zh". Until the first
+    /// call, and where there is none, every key is its own text.
     void switchLanguage(const QString& language);
 
-    /// The chosen language, in lower case and with "_": "en", "zh_cn".
+    /// The language of the texts, in lower case and with "_": "en", "zh_cn". The chosen one where
+    /// no loaded language serves for it.
     QString language() const;
 
     /// The text in the chosen language, of the file loaded last where several have it. A key that
