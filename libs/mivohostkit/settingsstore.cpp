@@ -335,6 +335,16 @@ QVariant asRow(const QVariant& value)
     return value.userType() == QMetaType::Bool ? QVariant(value.toInt()) : value;
 }
 
+/// For settings that are kept in memory alone.
+class NoPersistence : public SettingsPersistence
+{
+public:
+    QVariantHash loadAll() override { return {}; }
+    bool write(const QString& /*key*/, const QVariant& /*value*/) override { return true; }
+    QString lastError() const override { return {}; }
+    void watch(ChangeHandler /*handler*/) override {}
+};
+
 /// A line of the log is to stay one that can be read.
 std::string logged(const QVariant& value)
 {
@@ -350,7 +360,7 @@ std::string logged(const QVariant& value)
 
 SettingsStore::SettingsStore(std::unique_ptr<SettingsPersistence> persistence,
                              const QVariantHash& defaults)
-    : m_persistence(std::move(persistence)),
+    : m_persistence(persistence ? std::move(persistence) : std::make_unique<NoPersistence>()),
       m_soundCards(*this, [this](const QString& text) { set("soundCardMappings", text); })
 {
     const QVariantHash kept = m_persistence->loadAll();

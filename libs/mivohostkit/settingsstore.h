@@ -15,15 +15,18 @@
 
 namespace mivohost {
 
-/// The reference store. Lives on the runtime thread from construction to destruction.
+/// A complete store: each setting has a key, a default and a range, and what a setter is given
+/// beyond its range is corrected and logged. Runtime thread; constructed and destroyed there or
+/// while no page is bound.
 class MIVOHOSTKIT_EXPORT SettingsStore : public MivoSettings
 {
 public:
     using FailureHandler = std::function<void(const QString& reason)>;
 
     /// Loads what was kept; a value that is out of range is reset to its default and logged.
-    /// `defaults` holds, by key, what only the host knows.
-    explicit SettingsStore(std::unique_ptr<SettingsPersistence> persistence,
+    /// Without a persistence the settings live in memory, from their defaults on. `defaults` holds,
+    /// by key, what only the host knows.
+    explicit SettingsStore(std::unique_ptr<SettingsPersistence> persistence = nullptr,
                            const QVariantHash& defaults = {});
     ~SettingsStore() override;
 
