@@ -8,21 +8,19 @@ class MivoSettings;
 
 namespace mivo::settings {
 
-class SettingPageImpl;
+class SettingPageImplBase;
 
 /// What all pages have in common: the operations of ISettingBox that never differ.
 ///
-/// A page made of it derives its private `Impl` from SettingPageImpl and hands it to setImpl() in
-/// its constructor. A page that is destroyed while it is bound drops its subscriptions first.
-///
-/// A page says what is particular to it; otherwise setSettings() and unsetSettings() do what is
-/// said here.
-class MIVOSETTINGSWIDGETS_EXPORT SettingPage : public ISettingBox
+/// A page made of it derives its private `Impl` from StorePageImpl and hands it to setImpl() in its
+/// constructor; it adds an operation that gives the Impl its store. A page that is destroyed while
+/// it is bound drops its subscriptions first. GUI thread.
+class MIVOSETTINGSWIDGETS_EXPORT SettingPageBase : public ISettingBox
 {
     Q_OBJECT
 
 public:
-    ~SettingPage() override;
+    ~SettingPageBase() override;
 
     void setTitleText(const QString& text) override;
     QString titleText() override;
@@ -33,18 +31,14 @@ public:
     void loadLanguageFiles(const std::vector<QString>& files) const override;
     void setZRRuntime(IZRRuntime* runtime) override;
 
-    /// Binds the page to the store, follows it and shows what it holds. Neither `settings` nor the
-    /// runtime may be null. A second call without unsetSettings() follows twice.
-    void setSettings(MivoSettings* settings);
-
     /// Stops following the store, which stays known: edits are written still. Without a store,
     /// nothing.
     void unsetSettings() const;
 
 protected:
-    explicit SettingPage(QWidget* parent);
+    explicit SettingPageBase(QWidget* parent);
 
-    void setImpl(std::unique_ptr<SettingPageImpl> impl);
+    void setImpl(std::unique_ptr<SettingPageImplBase> impl);
 
     template <typename Impl>
     Impl& impl() const
@@ -53,7 +47,24 @@ protected:
     }
 
 private:
-    std::unique_ptr<SettingPageImpl> m_impl;
+    std::unique_ptr<SettingPageImplBase> m_impl;
+};
+
+/// A page for the library's own store. Its Impl derives from SettingPageImpl.
+///
+/// A page says what is particular to it; otherwise setSettings() and unsetSettings() do what is
+/// said here.
+class MIVOSETTINGSWIDGETS_EXPORT SettingPage : public SettingPageBase
+{
+    Q_OBJECT
+
+public:
+    /// Binds the page to the store, follows it and shows what it holds. Neither `settings` nor the
+    /// runtime may be null. A second call without unsetSettings() follows twice.
+    void setSettings(MivoSettings* settings);
+
+protected:
+    using SettingPageBase::SettingPageBase;
 };
 
 } // namespace mivo::settings

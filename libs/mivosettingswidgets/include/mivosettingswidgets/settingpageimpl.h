@@ -1,6 +1,7 @@
 #pragma once
 
 #include "mivohostapi/imivosettings.h"
+#include "mivosettingswidgets/export.h"
 #include "mivosettingswidgets/queuedtypes.h"
 #include "mivosettingswidgets/storeaccess.h"
 #include "mivosettingswidgets/storedcheckbox.h"
@@ -21,43 +22,39 @@ namespace mivo::settings {
 
 class ISettingBox;
 
-/// Base of every page's Impl: the common fields, and the verbs in which a page is written.
-///
-/// GUI thread, but for what is said to run on the runtime thread.
-class SettingPageImpl : public QObject
+/// The field that stands before all others in a page's Impl.
+template <typename Store>
+struct StoreField
 {
-    Q_OBJECT
+    Store* sharedSettings = nullptr;
+};
 
+/// The part of a page's Impl that does not depend on the type of its store: the common fields, in
+/// an order that is fixed, and the page's texts. GUI thread, but for what is said to be called on
+/// another one.
+class MIVOSETTINGSWIDGETS_EXPORT SettingPageImplBase
+{
 public:
     /// `navigationKey` is the section's untranslated name; `site` is the page's own file, which the
     /// runtime is told.
-    SettingPageImpl(ISettingBox* page, const char* navigationKey, const CallSite& site = {});
-    ~SettingPageImpl() override;
+    SettingPageImplBase(ISettingBox* page, const char* navigationKey, const CallSite& site);
+    virtual ~SettingPageImplBase();
+    Q_DISABLE_COPY_MOVE(SettingPageImplBase)
 
-    MivoSettings* sharedSettings = nullptr;
     IZRRuntime* zrRuntime = nullptr;
     ISettingBox* owner;
     QString titleText;
     int priorityIndex = -1;
 
-    /// Binds to the store: connects all that is followed, then calls initSettings(). Neither the
-    /// store nor the runtime may be null; a page that checks them overrides this.
-    virtual void setSettings(MivoSettings* settings);
-
     /// Disconnects all that is followed; without a store, nothing. The store stays known.
-    virtual void unsetSettings();
+    virtual void unsetSettings() = 0;
 
-    /// Like unsetSettings(), but leaves no connection behind even where the runtime refuses or has
-    /// stopped, and lets a forwarding method that still runs end: for the end of the page.
+    /// Leaves no connection behind even where the runtime refuses or has stopped, and lets a
+    /// forwarding method that still runs end: for the end of the page.
     void releaseStore();
 
     /// Sets every registered text again, in the order of registration.
     void translateLanguage();
-
-    /// False, and the null-store warning under the function of `site`, without a store. Also for
-    /// the argument of setSettings(), where it may be null.
-    bool hasStore(const CallSite& site = {}) const { return isStore(sharedSettings, site); }
-    static bool isStore(const MivoSettings* settings, const CallSite& site = {});
 
     /// False, and `warning` under the function of `site`, without a runtime: for pages that check.
     bool hasRuntime(const char* warning, const CallSite& site = {}) const;
@@ -75,13 +72,120 @@ public:
     /// The same for the items of a combo box, from the first on; those that are missing are added.
     void addItemTexts(QComboBox* combo, const std::vector<const char*>& keys);
 
+    /// Registers the title of the page's box.
+    void addTitle(const char* key, const char* initial = nullptr);
+
+    /// Registers the place among the texts where the section's name is translated and announced.
+    void addNavigationText(const char* key);
+
+    /// addText(), for a part of a page that has texts of its own.
+    auto textRegistrar()
+    {
+        return [this](const char* key, std::function<void(const QString&)> set) {
+            addText(key, std::move(set));
+        };
+    }
+
+protected:
+    /// Connects all that is followed, and disconnects it; on the runtime thread.
+    void connectFollowed();
+    void disconnectFollowed();
+
+    /// False, and the null-store warning under the function of `site`, for a null pointer.
+    static bool isStore(const void* settings, const CallSite& site = {});
+
+    /// Has `work` done on the runtime thread, for what is more than one call of the store.
+    template <typename Work>
+    auto inRuntime(Work work, const CallSite& site = {})
+    {
+        return callInRuntime(zrRuntime, site.file, site.line, site.function, std::move(work));
+    }
+
+    /// Has `connectTo` called on the runtime thread when the page is bound, and what it connected
+    /// disconnected later: for the signals of a service, which are connected to self().
+    void follow(std::function<sigslot::connection()> connectTo)
+    {
+        m_followed.push_back(std::move(connectTo));
+    }
+
+    /// What a signal is connected to, so that the page does not end while it is called.
+    template <typename Impl>
+    std::weak_ptr<Impl> self() const
+    {
+        return std::static_pointer_cast<Impl>(m_self);
+    }
+
+    /// self() for a widget of the page that the signal calls in place of its Impl.
+    template <typename Widget>
+    std::weak_ptr<Widget> part(Widget* widget) const
+    {
+        return std::shared_ptr<Widget>(m_self, widget);
+    }
+
+private:
+    struct Text
+    {
+        QString key;
+        std::function<void(const QString&)> set; // null: the section's name
+    };
+
+    std::shared_ptr<SettingPageImplBase> m_self{this, [](SettingPageImplBase*) {}}; // owns nothing
+    std::vector<std::function<sigslot::connection()>> m_followed;
+    std::vector<sigslot::scoped_connection>
+        m_connections; // runtime thread, while the GUI thread waits
+    std::vector<Text> m_texts;
+    CallSite m_site;
+    bool m_unset = false; // since it was bound; what a refusing runtime left connected goes later
+};
+
+/// Base of the Impl of a page for a store of any type: the verbs in which a page is written.
+///
+/// What is said of IMivoSettings holds for every store: its operations are called, and its signals
+/// connected and emitted, on the runtime thread, and it outlives the page. GUI thread, but for what
+/// is said to run on the runtime thread.
+template <typename Store>
+class StorePageImpl : public QObject, public StoreField<Store>, public SettingPageImplBase
+{
+public:
+    using StoreField<Store>::sharedSettings;
+
+    StorePageImpl(ISettingBox* page, const char* navigationKey, const CallSite& site = {})
+        : SettingPageImplBase(page, navigationKey, site)
+    {}
+
+    /// Binds to the store: connects all that is followed, then calls initSettings(). Neither the
+    /// store nor the runtime may be null; a page that checks them overrides this.
+    virtual void setSettings(Store* settings)
+    {
+        sharedSettings = settings;
+        connectFollowed();
+        initSettings();
+    }
+
+    void unsetSettings() override
+    {
+        if (sharedSettings != nullptr) {
+            disconnectFollowed();
+        }
+    }
+
+    /// False, and the null-store warning under the function of `site`, without a store.
+    bool hasStore(const CallSite& site = {}) const { return isStore(sharedSettings, site); }
+
 protected:
     /// Reads every value with fetch(); runs at the end of setSettings().
     virtual void initSettings() = 0;
 
     /// To be called first in initSettings(): hasStore(), and asks the runtime whether the values
     /// that are fetched from here on are shown.
-    bool startFetching(const CallSite& site = {});
+    bool startFetching(const CallSite& site = {})
+    {
+        if (!hasStore(site)) {
+            return false;
+        }
+        m_showFetched = zrRuntime->isUiSyncEnabled();
+        return true;
+    }
 
     /// Reads one value from the store, which must be there.
     template <typename Getter>
@@ -116,50 +220,28 @@ protected:
         }
     }
 
-    /// Has `work` done on the runtime thread, for what is more than one call of the store.
-    template <typename Work>
-    auto inRuntime(Work work, const CallSite& site = {})
-    {
-        return callInRuntime(zrRuntime, site.file, site.line, site.function, std::move(work));
-    }
+    using SettingPageImplBase::follow;
 
     /// Has `forward` called on the runtime thread for every change that the store announces while
     /// the page is bound. `forward` may only queue().
-    template <typename Impl, typename Signal, typename... Value>
-    void follow(Signal IMivoSettings::*signal, void (Impl::*forward)(Value...))
+    template <typename Impl, typename Owner, typename Signal, typename... Value>
+    void follow(Signal Owner::*signal, void (Impl::*forward)(Value...))
     {
-        m_followed.push_back([this, signal, forward](MivoSettings& store) {
-            return (store.*signal).connect(forward, self<Impl>());
+        follow([this, signal, forward] {
+            return (sharedSettings->*signal).connect(forward, this->template self<Impl>());
         });
     }
 
     /// Has a check box show what the store announces, and `chosen` called for what a person
     /// chooses.
-    template <typename Impl>
-    void follow(sigslot::signal<const bool> IMivoSettings::*signal, StoredCheckBox* box,
+    template <typename Impl, typename Owner>
+    void follow(sigslot::signal<const bool> Owner::*signal, StoredCheckBox* box,
                 void (Impl::*chosen)(int state))
     {
         connect(box, &QCheckBox::stateChanged, static_cast<Impl*>(this), chosen);
-        m_followed.push_back([this, signal, box](MivoSettings& store) {
-            const std::weak_ptr<StoredCheckBox> called =
-                std::shared_ptr<StoredCheckBox>(m_self, box);
-            return (store.*signal).connect(&StoredCheckBox::queueChecked, called);
+        follow([this, signal, box] {
+            return (sharedSettings->*signal).connect(&StoredCheckBox::queueChecked, part(box));
         });
-    }
-
-    /// The same for the signals of a service, which `connectTo` connects to self() on the runtime
-    /// thread.
-    void follow(std::function<sigslot::connection()> connectTo)
-    {
-        m_followed.push_back(
-            [connectTo = std::move(connectTo)](MivoSettings&) { return connectTo(); });
-    }
-
-    /// What a signal is connected to, so that the page does not end while it is called.
-    template <typename Impl>
-    std::weak_ptr<Impl> self() const
-    {
-        return std::static_pointer_cast<Impl>(m_self);
     }
 
     /// Calls the slot of that name with `values` from the event loop. Any thread.
@@ -171,35 +253,15 @@ protected:
                                   QGenericArgument(queuedTypeText<T>, &values)...);
     }
 
-    /// Registers the title of the page's box.
-    void addTitle(const char* key, const char* initial = nullptr);
-
-    /// Registers the place among the texts where the section's name is translated and announced.
-    void addNavigationText(const char* key);
-
-    /// addText(), for a part of a page that has texts of its own.
-    auto textRegistrar()
-    {
-        return [this](const char* key, std::function<void(const QString&)> set) {
-            addText(key, std::move(set));
-        };
-    }
-
 private:
-    struct Text
-    {
-        QString key;
-        std::function<void(const QString&)> set; // null: the section's name
-    };
-
-    std::shared_ptr<SettingPageImpl> m_self{this, [](SettingPageImpl*) {}}; // owns nothing
-    std::vector<std::function<sigslot::connection(MivoSettings&)>> m_followed;
-    std::vector<sigslot::scoped_connection>
-        m_connections; // runtime thread, while the GUI thread waits
-    std::vector<Text> m_texts;
-    CallSite m_site;
     bool m_showFetched = false;
-    bool m_unset = false; // since it was bound; what a refusing runtime left connected goes later
+};
+
+/// Base of the Impl of a page for the library's own store.
+class SettingPageImpl : public StorePageImpl<MivoSettings>
+{
+public:
+    using StorePageImpl::StorePageImpl;
 };
 
 } // namespace mivo::settings

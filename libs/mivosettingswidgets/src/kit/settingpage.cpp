@@ -5,67 +5,67 @@
 
 namespace mivo::settings {
 
-SettingPage::SettingPage(QWidget* parent) : ISettingBox(parent) {}
+SettingPageBase::SettingPageBase(QWidget* parent) : ISettingBox(parent) {}
 
-SettingPage::~SettingPage()
+SettingPageBase::~SettingPageBase()
 {
     m_impl->releaseStore();
 }
 
-void SettingPage::setImpl(std::unique_ptr<SettingPageImpl> impl)
+void SettingPageBase::setImpl(std::unique_ptr<SettingPageImplBase> impl)
 {
     m_impl = std::move(impl);
 }
 
-void SettingPage::setTitleText(const QString& text)
+void SettingPageBase::setTitleText(const QString& text)
 {
     m_impl->titleText = text;
 }
 
-QString SettingPage::titleText()
+QString SettingPageBase::titleText()
 {
     return m_impl->titleText;
 }
 
-void SettingPage::setPriorityIndex(int index)
+void SettingPageBase::setPriorityIndex(int index)
 {
     m_impl->priorityIndex = index;
 }
 
-int SettingPage::priorityIndex() const
+int SettingPageBase::priorityIndex() const
 {
     return m_impl->priorityIndex;
 }
 
-void SettingPage::translateLanguage()
+void SettingPageBase::translateLanguage()
 {
     m_impl->translateLanguage();
 }
 
-void SettingPage::switchLanguage(const QString& language)
+void SettingPageBase::switchLanguage(const QString& language)
 {
     SettingWdigetTranslateManager::instance().translator().switchLanguage(language);
     translateLanguage();
 }
 
-void SettingPage::loadLanguageFiles(const std::vector<QString>& files) const
+void SettingPageBase::loadLanguageFiles(const std::vector<QString>& files) const
 {
     loadIntoTranslator(files);
 }
 
-void SettingPage::setZRRuntime(IZRRuntime* runtime)
+void SettingPageBase::setZRRuntime(IZRRuntime* runtime)
 {
     m_impl->zrRuntime = runtime;
 }
 
-void SettingPage::setSettings(MivoSettings* settings)
-{
-    m_impl->setSettings(settings);
-}
-
-void SettingPage::unsetSettings() const
+void SettingPageBase::unsetSettings() const
 {
     m_impl->unsetSettings();
+}
+
+void SettingPage::setSettings(MivoSettings* settings)
+{
+    impl<SettingPageImpl>().setSettings(settings);
 }
 
 } // namespace mivo::settings

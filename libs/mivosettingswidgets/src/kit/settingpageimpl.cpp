@@ -12,52 +12,48 @@
 
 namespace mivo::settings {
 
-SettingPageImpl::SettingPageImpl(ISettingBox* page, const char* navigationKey, const CallSite& site)
+SettingPageImplBase::SettingPageImplBase(ISettingBox* page, const char* navigationKey,
+                                         const CallSite& site)
     : owner(page), titleText(QString::fromLatin1(navigationKey)), m_site(site)
 {}
 
-SettingPageImpl::~SettingPageImpl() = default;
+SettingPageImplBase::~SettingPageImplBase() = default;
 
-void SettingPageImpl::setSettings(MivoSettings* settings)
+void SettingPageImplBase::connectFollowed()
 {
-    sharedSettings = settings;
     callInRuntime(zrRuntime, m_site.file, m_site.line, "setSettings", [this] {
         if (std::exchange(m_unset, false)) {
             m_connections.clear();
         }
         for (const auto& connectTo : m_followed) {
-            m_connections.emplace_back(connectTo(*sharedSettings));
+            m_connections.emplace_back(connectTo());
         }
     });
-    initSettings();
 }
 
-void SettingPageImpl::unsetSettings()
+void SettingPageImplBase::disconnectFollowed()
 {
-    if (sharedSettings == nullptr) {
-        return;
-    }
     m_unset = true;
     callInRuntime(zrRuntime, m_site.file, m_site.line, "unsetSettings",
                   [this] { m_connections.clear(); });
 }
 
-void SettingPageImpl::releaseStore()
+void SettingPageImplBase::releaseStore()
 {
     if (!m_connections.empty()) {
         try {
-            SettingPageImpl::unsetSettings();
+            disconnectFollowed();
         } catch (const std::future_error&) { // stopped with the task still queued
         }
         m_connections.clear();
     }
-    const std::weak_ptr<SettingPageImpl> called = std::exchange(m_self, nullptr);
+    const std::weak_ptr<SettingPageImplBase> called = std::exchange(m_self, nullptr);
     while (!called.expired()) {
         std::this_thread::yield();
     }
 }
 
-void SettingPageImpl::translateLanguage()
+void SettingPageImplBase::translateLanguage()
 {
     for (const Text& entry : m_texts) {
         const QString translated = text(entry.key);
@@ -70,7 +66,7 @@ void SettingPageImpl::translateLanguage()
     }
 }
 
-bool SettingPageImpl::isStore(const MivoSettings* settings, const CallSite& site)
+bool SettingPageImplBase::isStore(const void* settings, const CallSite& site)
 {
     if (settings == nullptr) {
         warn(site, "sharedSettings is nullptr!");
@@ -78,7 +74,7 @@ bool SettingPageImpl::isStore(const MivoSettings* settings, const CallSite& site
     return settings != nullptr;
 }
 
-bool SettingPageImpl::hasRuntime(const char* warning, const CallSite& site) const
+bool SettingPageImplBase::hasRuntime(const char* warning, const CallSite& site) const
 {
     if (zrRuntime == nullptr) {
         warn(site, "{}", warning);
@@ -86,24 +82,16 @@ bool SettingPageImpl::hasRuntime(const char* warning, const CallSite& site) cons
     return zrRuntime != nullptr;
 }
 
-bool SettingPageImpl::startFetching(const CallSite& site)
-{
-    if (!hasStore(site)) {
-        return false;
-    }
-    m_showFetched = zrRuntime->isUiSyncEnabled();
-    return true;
-}
-
-void SettingPageImpl::addText(const char* key, std::function<void(const QString&)> set,
-                              const char* initial)
+void SettingPageImplBase::addText(const char* key, std::function<void(const QString&)> set,
+                                  const char* initial)
 {
     const auto name = QString::fromLatin1(key);
     set(initial != nullptr ? QString::fromLatin1(initial) : text(name));
     m_texts.push_back({name, std::move(set)});
 }
 
-void SettingPageImpl::addText(const char* key, QLabel* label, QWidget* buddy, const char* initial)
+void SettingPageImplBase::addText(const char* key, QLabel* label, QWidget* buddy,
+                                  const char* initial)
 {
     label->setBuddy(buddy);
     const auto set = [label, buddy](const QString& translated) {
@@ -115,13 +103,13 @@ void SettingPageImpl::addText(const char* key, QLabel* label, QWidget* buddy, co
     addText(key, set, initial);
 }
 
-void SettingPageImpl::addText(const char* key, QAbstractButton* button, const char* initial)
+void SettingPageImplBase::addText(const char* key, QAbstractButton* button, const char* initial)
 {
     addText(
         key, [button](const QString& translated) { button->setText(translated); }, initial);
 }
 
-void SettingPageImpl::addItemTexts(QComboBox* combo, const std::vector<const char*>& keys)
+void SettingPageImplBase::addItemTexts(QComboBox* combo, const std::vector<const char*>& keys)
 {
     for (int item = 0; item < static_cast<int>(keys.size()); ++item) {
         if (item == combo->count()) {
@@ -132,13 +120,13 @@ void SettingPageImpl::addItemTexts(QComboBox* combo, const std::vector<const cha
     }
 }
 
-void SettingPageImpl::addTitle(const char* key, const char* initial)
+void SettingPageImplBase::addTitle(const char* key, const char* initial)
 {
     addText(
         key, [this](const QString& title) { owner->setTitle(title); }, initial);
 }
 
-void SettingPageImpl::addNavigationText(const char* key)
+void SettingPageImplBase::addNavigationText(const char* key)
 {
     // Not before translateLanguage(): until then the dialog groups the page by the key.
     m_texts.push_back({QString::fromLatin1(key), nullptr});
