@@ -22,9 +22,16 @@ endfunction()
 
 run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${work}/prefix)
 run(${CMAKE_COMMAND} -S ${SOURCE} -B ${work}/build -G ${GENERATOR} -DCMAKE_CXX_COMPILER=${CXX}
-    -DCMAKE_CXX_FLAGS=${FLAGS} -DCMAKE_PREFIX_PATH=${work}/prefix)
+    -DCMAKE_CXX_FLAGS=${FLAGS} -DCMAKE_PREFIX_PATH=${work}/prefix
+    -DEXAMPLES=${SOURCE}/../../examples)
 run(${CMAKE_COMMAND} --build ${work}/build)
 run(${CMAKE_COMMAND} -E env QT_QPA_PLATFORM=offscreen ${work}/build/consumer)
+foreach(language en zh_cn)
+    foreach(example minimal ownpage)
+        run(${CMAKE_COMMAND} -E env QT_QPA_PLATFORM=offscreen ${work}/build/${example}/${example}
+            ${language})
+    endforeach()
+endforeach()
 
 separate_arguments(FLAGS UNIX_COMMAND "${FLAGS}")
 set(ENV{PKG_CONFIG_PATH} ${work}/prefix/${LIBDIR}/pkgconfig)
