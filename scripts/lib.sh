@@ -11,6 +11,7 @@ packages_test="libgtest-dev python3 liblo-tools jackd2 mesa-vulkan-drivers
 packages_bench="libbenchmark-dev python3 util-linux"
 packages_clang="clang llvm libclang-rt-14-dev"
 packages_check="clang clang-format clang-tidy git libbenchmark-dev python3"
+packages_docs="doxygen python3"
 
 fail() {
     echo "$(basename "$0"): $1" >&2

@@ -30,19 +30,19 @@ public:
 /// What the outputs are driven with.
 struct STOutputConfig
 {
-    bool testPicture = false; ///< in place of the program, with the next two in it
-    bool testGrid = false;
-    bool testOutputName = false;
+    bool testPicture = false;              ///< in place of the program, with the next two in it
+    bool testGrid = false;                 ///< a grid
+    bool testOutputName = false;           ///< the name of the output
     std::string testBackground = "000000"; ///< red, green and blue, in hexadecimal digits
-    std::string testForeground = "FFFFFF";
-    float brightness = 0.5F; ///< 0 to 1
-    float contrast = 0.5F;   ///< 0 to 1
-    int rotation = 0;        ///< degrees
-    std::string graphicsCard;
-    std::string displayTechnologyStandard;
-    int rangeMode = 0; ///< as in mivo::DynamicRangeConfig
-    std::uint32_t bitDepth = 8;
-    int scale = 1;
+    std::string testForeground = "FFFFFF"; ///< the same
+    float brightness = 0.5F;               ///< 0 to 1
+    float contrast = 0.5F;                 ///< 0 to 1
+    int rotation = 0;                      ///< degrees
+    std::string graphicsCard;              ///< as IRenderFacade lists it; empty: the host chooses
+    std::string displayTechnologyStandard; ///< one of mivo::displayTechnologyStandards
+    int rangeMode = 0;                     ///< as in mivo::DynamicRangeConfig
+    std::uint32_t bitDepth = 8;            ///< as in mivo::DynamicRangeConfig
+    int scale = 1;                         ///< always 1
 };
 
 /// The physical outputs of the machine.

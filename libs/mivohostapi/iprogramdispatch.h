@@ -18,11 +18,13 @@ struct STDefaultPlayProgramInfo
     qint64 programId = -1; ///< a program of the project
     QString programName;   ///< as it was when it was chosen, for a program that is gone
 
+    /// Equal where both stand for the program that was played last, or for the same program.
     friend bool operator==(const STDefaultPlayProgramInfo& a, const STDefaultPlayProgramInfo& b)
     {
         return a.lastTime == b.lastTime
                && (a.lastTime || (a.programId == b.programId && a.programName == b.programName));
     }
+    /// The opposite.
     friend bool operator!=(const STDefaultPlayProgramInfo& a, const STDefaultPlayProgramInfo& b)
     {
         return !(a == b);
@@ -34,8 +36,8 @@ class IProgram
 {
 public:
     virtual ~IProgram() = default;
-    virtual qint64 id() const = 0;
-    virtual QString name() const = 0;
+    virtual qint64 id() const = 0;    ///< that no other program of the project has
+    virtual QString name() const = 0; ///< as it is shown
 };
 
 /// A group of programs, which stand in the order in which they are to be shown.
@@ -43,7 +45,8 @@ class IProgramGroup
 {
 public:
     virtual ~IProgramGroup() = default;
-    virtual QString name() const = 0;
+    virtual QString name() const = 0; ///< as it is shown
+    /// Its programs; one that ends meanwhile is passed over.
     virtual std::vector<std::weak_ptr<IProgram>> programs() const = 0;
 };
 
@@ -57,15 +60,21 @@ public:
     /// False while no project is open.
     virtual bool isUsable() const = 0;
 
-    /// Saves the open project, or begins to: it must not wait for the file. `flags`: which parts.
+    /// Saves the open project, or begins to: it must not wait for the file. `flags` says which of
+    /// its parts; pages pass 0x1000, which is all.
     virtual void saveProjectFile(int flags) = 0;
 
+    /// The groups of the open project, in the order in which they are shown.
     virtual std::vector<std::weak_ptr<IProgramGroup>> programGroups() const = 0;
+
+    /// @{
+    /// What plays when the project is opened.
     virtual STDefaultPlayProgramInfo getDefaultPlayProgram() const = 0;
     virtual void setDefaultPlayProgram(const STDefaultPlayProgramInfo& info) = 0;
+    /// @}
 
-    sigslot::signal<> programListChanged;
-    sigslot::signal<> defaultPlayProgramChanged;
+    sigslot::signal<> programListChanged;        ///< programGroups(), or a name in them
+    sigslot::signal<> defaultPlayProgramChanged; ///< getDefaultPlayProgram()
 };
 
 } // namespace mivo::mediadispatch

@@ -42,7 +42,7 @@ Q_DECLARE_METATYPE(STMivoAutoStartSettings)
 /// When the machine is shut down.
 struct STMivoTimedShutdownSettings
 {
-    bool enabled = false;
+    bool enabled = false;          ///< whether it is done at all
     int weekDayIndex = 0;          ///< 0 every day, 1 Monday ... 7 Sunday
     std::string time = "00:00:00"; ///< of the day, "hh:mm:ss"
 
@@ -54,7 +54,7 @@ Q_DECLARE_METATYPE(STMivoTimedShutdownSettings)
 /// When the machine is restarted.
 struct STMivoTimedAutomaticRestartSettings
 {
-    bool enabled = false;
+    bool enabled = false;          ///< whether it is done at all
     int monthIndex = 0;            ///< 0 every month, 1 January ... 12 December
     int dayIndex = 0;              ///< 0 every day, else the day of the month
     std::string time = "00:00:00"; ///< of the day, "hh:mm:ss"
@@ -67,14 +67,14 @@ Q_DECLARE_METATYPE(STMivoTimedAutomaticRestartSettings)
 /// How project files are opened, saved and closed.
 struct STProjectFileSettingsInfo
 {
-    bool openRecentFiles = false; ///< open the last project after the start
-    bool openProjectFileDefaultPlay = false;
-    bool autoSaveProjectFiles = false;
-    int autoSaveProjectFilesInterval = 5; ///< minutes, 1 to 30
-    int autoSaveProjectFilesMaxNum = 5;   ///< saves that are kept, 1 to 20
-    QString autoSavePath;                 ///< folder of the saves
-    bool notPromptForSave = false;        ///< close without asking whether to save
-    bool newProjResetOutput = false;      ///< a new project resets the outputs
+    bool openRecentFiles = false;            ///< open the last project after the start
+    bool openProjectFileDefaultPlay = false; ///< play when a project is opened
+    bool autoSaveProjectFiles = false;       ///< save automatically
+    int autoSaveProjectFilesInterval = 5;    ///< minutes, 1 to 30
+    int autoSaveProjectFilesMaxNum = 5;      ///< saves that are kept, 1 to 20
+    QString autoSavePath;                    ///< folder of the saves
+    bool notPromptForSave = false;           ///< close without asking whether to save
+    bool newProjResetOutput = false;         ///< a new project resets the outputs
 
     auto fields() const
     {
@@ -99,9 +99,9 @@ enum EnumPlayLogStorageTime {
 struct STFileInfoSettings
 {
     int playLogStorageTimeType = PlayLogPermanent; ///< an EnumPlayLogStorageTime
-    std::string playLogPath;
-    std::string cachePath;
-    std::string sharePath;
+    std::string playLogPath;                       ///< folder of the logs of what was played
+    std::string cachePath;                         ///< folder of the cache
+    std::string sharePath;                         ///< folder of the shared files
 
     auto fields() const
     {
@@ -122,7 +122,7 @@ struct STPPTSysSettingsInfo
     int pptPlayMode = PPTPlayAnimation; ///< an EnumPPTPlayMode
     int pptPresetsResolutionType = 1;   ///< a key of pptResolutions(): the preset chosen last
     int pptResolutionWidth = 1920;      ///< pixels, 0 to 16384; 0: the presentation's own
-    int pptResolutionHeight = 1080;
+    int pptResolutionHeight = 1080;     ///< the same
 
     auto fields() const
     {
@@ -136,8 +136,8 @@ Q_DECLARE_METATYPE(STPPTSysSettingsInfo)
 /// A port on which the application listens.
 struct STPortInfo
 {
-    bool open = false; ///< wished when it is written, and what came of it when it is announced
-    std::uint16_t port = 0;
+    bool open = false;      ///< wished when it is written, and what came of it when it is announced
+    std::uint16_t port = 0; ///< 0 to 65534
 
     auto fields() const { return std::tie(open, port); }
     MIVO_RECORD(STPortInfo)
@@ -182,8 +182,9 @@ Q_DECLARE_METATYPE(mivo::DynamicRangeConfig)
 struct STDisplayControlSettings
 {
     bool blackScreenMute = false; ///< no sound while the screen is black
-    bool mfps = false;
-    bool efps = false;
+    bool mfps = false;            ///< the frame rate option of that name
+    bool efps = false;            ///< the frame rate option of that name
+    /// What wins where layers overlap.
     mivo::PatchLevelPriority imageHierarchy = mivo::TimelinePriority;
 
     auto fields() const { return std::tie(blackScreenMute, mfps, efps, imageHierarchy); }

@@ -32,7 +32,7 @@ enum ShortCutModuleType { ShortCutModulePath = 0, ShortCutModuleIndex = 1 };
 /// One bound action. Texts in UTF-8.
 struct STShortCutItem
 {
-    EnumShortCutType type{};
+    EnumShortCutType type{}; ///< identifies the action, unless it is ShortCutOfPath
     std::string path;        ///< identifies the action where `type` is ShortCutOfPath
     std::string shortCutStr; ///< as shown to the user, for example "Ctrl + Shift + K"
 

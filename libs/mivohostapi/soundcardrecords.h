@@ -25,7 +25,7 @@ namespace velorn::mediadispatch {
 /// The card of one device that is chosen for a mapping.
 struct STChosenSoundCard
 {
-    std::string device;
+    std::string device;             ///< whose card it is
     std::string id;                 ///< empty in a change: no card any more
     std::string caption;            ///< what it was called last, for a card that is absent
     std::uint32_t channels = 2;     ///< how many it had last
@@ -40,6 +40,7 @@ enum EnumSoundCardMappingState : std::uint32_t {
     SoundCardMappingRefused = 1 ///< the answer to a request to add one that was not granted
 };
 
+/// One mapping.
 struct STSoundCardMappingInfo
 {
     std::uint64_t id = 0;                       ///< never given to another one; 0 in a request
@@ -82,7 +83,7 @@ namespace mivo::settings {
 /// The mappings that there are.
 struct STAllDeviceSoundCardMappings
 {
-    std::vector<velorn::mediadispatch::STSoundCardMappingInfo> mappings;
+    std::vector<velorn::mediadispatch::STSoundCardMappingInfo> mappings; ///< by id
     bool refreshOnly = false; ///< they are on screen already, and only their cards are shown anew
 
     auto fields() const { return std::tie(mappings, refreshOnly); }
@@ -93,7 +94,7 @@ struct STAllDeviceSoundCardMappings
 struct STLocalSoundCardList
 {
     std::vector<std::string> soundCards; ///< their ids
-    std::string device;
+    std::string device;                  ///< whose cards they are
 
     auto fields() const { return std::tie(soundCards, device); }
     MIVO_RECORD(STLocalSoundCardList)
@@ -110,10 +111,11 @@ struct STSoundCardMismatchInfo
     MIVO_RECORD(STSoundCardMismatchInfo)
 };
 
+/// Whether the cards of a device are shown.
 struct STDeviceSoundCardVisibleInfo
 {
-    std::string deviceIp;
-    bool visible = true;
+    std::string deviceIp; ///< the device
+    bool visible = true;  ///< whether its cards are shown
 
     auto fields() const { return std::tie(deviceIp, visible); }
     MIVO_RECORD(STDeviceSoundCardVisibleInfo)
@@ -122,7 +124,7 @@ struct STDeviceSoundCardVisibleInfo
 /// A card that is there and may be chosen.
 struct STSoundCardInfo
 {
-    std::string id;
+    std::string id;             ///< that no other card of the device has
     std::string caption;        ///< that no other card of the device has
     std::uint32_t channels = 2; ///< at least 1
     std::uint64_t chosenIn = 0; ///< the mapping that has chosen it; 0: none
@@ -135,10 +137,10 @@ struct STSoundCardInfo
 /// A device that is known, and the cards that it has now.
 struct STDeviceSoundCards
 {
-    std::string device;
+    std::string device;  ///< its address; empty: this machine
     std::string caption; ///< empty: the pages' own word for this machine, else the address
-    std::vector<STSoundCardInfo> soundCards;
-    bool visible = true; ///< whether its cards are shown
+    std::vector<STSoundCardInfo> soundCards; ///< in the order in which they are offered
+    bool visible = true;                     ///< whether its cards are shown
 
     auto fields() const { return std::tie(device, caption, soundCards, visible); }
     MIVO_RECORD(STDeviceSoundCards)

@@ -13,6 +13,7 @@ namespace mivohost {
 class MIVOHOSTKIT_EXPORT SettingsPersistence
 {
 public:
+    /// Takes one changed setting.
     using ChangeHandler = std::function<void(const QString& key, const QVariant& value)>;
 
     virtual ~SettingsPersistence() = default;
@@ -23,7 +24,7 @@ public:
     /// Writes one setting; when it returns true the value outlives a crash and a power cut.
     /// Otherwise the old value stays, and lastError() says why.
     virtual bool write(const QString& key, const QVariant& value) = 0;
-    virtual QString lastError() const = 0;
+    virtual QString lastError() const = 0; ///< for a person to read
 
     /// From now on reports changes that someone else makes, on the runtime thread.
     virtual void watch(ChangeHandler handler) = 0;

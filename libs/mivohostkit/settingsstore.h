@@ -21,6 +21,7 @@ namespace mivohost {
 class MIVOHOSTKIT_EXPORT SettingsStore : public MivoSettings
 {
 public:
+    /// Takes why a value could not be kept, for a person to read.
     using FailureHandler = std::function<void(const QString& reason)>;
 
     /// Loads what was kept; a value that is out of range is reset to its default and logged.
@@ -32,7 +33,7 @@ public:
 
     /// What the operator decided about a timed action; the host carries it out.
     sigslot::signal<const bool> timedShutdownDecided;
-    sigslot::signal<const bool> timedAutomaticRestartDecided;
+    sigslot::signal<const bool> timedAutomaticRestartDecided; ///< the same
 
     /// Every program is to have these fades, in seconds; the host gives them.
     sigslot::signal<const double, const double> fadeTimesApplied;
@@ -153,17 +154,25 @@ public:
     /// What the host tells of the cards that there are.
     SoundCardMappings& soundCards() { return m_soundCards; }
 
+    /// @{
     /// The host's own: "en", "zh_cn", or empty until the user has chosen.
     void setLanguage(const QString& language) { set("language", language); }
     QString getLanguage() const { return value("language").toString(); }
+    /// @}
 
+    /// @{
     /// The host's own: paths of project files, one a line, the most recent first.
     void setRecentProjectFiles(const QString& files) { set("recentProjectFiles", files); }
     QString getRecentProjectFiles() const { return value("recentProjectFiles").toString(); }
+    /// @}
+
+    /// @{
     /// The automatic save that holds the changes which the last end left unsaved; empty: none.
     void setUnsavedProject(const QString& file) { set("unsavedProject", file); }
     QString getUnsavedProject() const { return value("unsavedProject").toString(); }
+    /// @}
 
+    /// @{
     /// The host's own: its inputs for controllers, and their bindings as the services keep them.
     void setMidiEnabled(bool on) { set("midiEnabled", on); }
     bool getMidiEnabled() const { return value("midiEnabled").toBool(); }
@@ -175,11 +184,17 @@ public:
     std::string getDmxBindings() const { return value("dmxBindings").toString().toStdString(); }
     void setOscInfo(const mivo::peripheralcontrol::SAddOSCInfo& info) { set("osc", stored(info)); }
     mivo::peripheralcontrol::SAddOSCInfo getOscInfo() const;
+    /// @}
+
+    /// @{
     /// Where OSC and DMX listen: an IPv4 address of this machine, or empty for all.
     void setListenAddress(const QString& address) { set("listenAddress", address); }
     QString getListenAddress() const { return value("listenAddress").toString(); }
+    /// @}
 
+    /// The two listening ports.
     enum Port { tcp, udp };
+    /// Opens or closes a port as is requested, and answers by reportPort().
     using PortHandler = std::function<void(Port port, const STPortInfo& wished)>;
 
     /// Called on the runtime thread with each wish about a port, and once for each port that was

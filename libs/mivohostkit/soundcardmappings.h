@@ -18,6 +18,7 @@ namespace mivohost {
 class MIVOHOSTKIT_EXPORT SoundCardMappings
 {
 public:
+    /// Saves a text.
     using Keep = std::function<void(const QString& text)>;
 
     /// Answers the requests of `store`. `keep` is to save a text, and to adopt() it when that has
@@ -42,10 +43,12 @@ public:
     /// Whether pages show the cards of a device that is known.
     void setDeviceVisible(const std::string& device, bool visible);
 
+    /// Has pages tell the operator that two devices do not have the same cards.
     void reportMismatch(const mivo::settings::STSoundCardMismatchInfo& info);
 
+    /// All mappings, and all devices with their cards. Valid until the next call.
     const mivo::settings::STSoundCardMappingsInfo& all();
-    std::size_t count() const { return m_kept.mappings.size(); }
+    std::size_t count() const { return m_kept.mappings.size(); } ///< of mappings
 
     /// Whether a text is one of those that were given to `keep`. The empty one is no mapping.
     static bool isValid(const QString& text);

@@ -13,6 +13,7 @@ class MIVOWIDGETS_EXPORT CheckBox : public QCheckBox
 
 public:
     explicit CheckBox(QWidget* parent = nullptr);
+    /// The same, with a text.
     explicit CheckBox(const QString& text, QWidget* parent = nullptr);
 };
 

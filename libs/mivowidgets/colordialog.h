@@ -18,9 +18,11 @@ class MIVOWIDGETS_EXPORT ColorDialog : public QColorDialog
 public:
     explicit ColorDialog(QWidget* parent = nullptr);
 
+    /// The window's title, and what the buttons say; Qt's own words until then.
     void setTexts(const QString& title, const QString& accept, const QString& cancel,
                   const QString& pickScreen);
 
+    /// The picker behind the button; the dialog's own.
     ScreenPicker& screenPicker() { return *m_picker; }
 
 private:

@@ -17,8 +17,11 @@ public:
     /// Where the content goes; owned by the dialog, without a layout of its own at first.
     QWidget* dialogWidget() const;
 
+    /// @{
+    /// The window's title.
     void setTitle(const QString& title);
     QString title() const;
+    /// @}
 
 private:
     QWidget* m_dialogWidget;

@@ -14,6 +14,7 @@ class MIVOWIDGETS_EXPORT PushButton : public QPushButton
 
 public:
     explicit PushButton(QWidget* parent = nullptr);
+    /// The same, with a text.
     explicit PushButton(const QString& text, QWidget* parent = nullptr);
 
 protected:

@@ -24,6 +24,7 @@ class MIVOWIDGETS_EXPORT ScreenPicker : public QObject
     Q_OBJECT
 
 public:
+    /// Makes a picture of a screen.
     using Grab = std::function<QPixmap(QScreen& screen)>;
 
     /// `window` owns the picker, and may be modal.
@@ -39,8 +40,8 @@ public:
 
 Q_SIGNALS:
     void hovered(const QColor& color); ///< before picked() or cancelled(), as often as it changes
-    void picked(const QColor& color);
-    void cancelled();
+    void picked(const QColor& color);  ///< the picking is over
+    void cancelled();                  ///< the same, without a colour
 
 protected:
     bool eventFilter(QObject* object, QEvent* event) override;

@@ -31,10 +31,13 @@ public:
     ShortCutCover(const std::string& path, QWidget* covered);
     ~ShortCutCover() override;
 
+    /// @{
+    /// The action that the cover stands for.
     ShortCutModuleType getShortCutType() const { return m_module; }
     EnumShortCutType getShortCutIndex() const { return m_index; }
     std::string getShortCutPath() const { return m_path; }
     std::string getPeripheralShortCutPath() const { return m_path; }
+    /// @}
 
     /// What the clear button is called, for its tip and for screen readers.
     void setClearText(const QString& text);
@@ -45,16 +48,22 @@ public:
     QString keyText(EnumPeripheralShortCutType kind) const { return m_texts.value(kind); }
 
 public Q_SLOTS:
+    /// Shows a key sequence as bound; empty, none.
     void shortCutStrChanged(const QString& text);
+    /// Shows what is bound of that kind; empty, nothing.
     void updateShortCutCoverKey(EnumPeripheralShortCutType kind, const QString& text);
+    /// Opens the cover for one kind of control, or closes it.
     void setShortCoverVisible(bool visible, EnumPeripheralShortCutType kind);
     /// Whether the control below acts: not while its shortcuts are edited.
     void acceptEventState(bool accepts);
+    /// Gives the focus up.
     void setShortCoverClearFocus();
 
 Q_SIGNALS:
+    /// The user wants this key sequence for the action.
     void signalAddShortCutsItem(EnumShortCutType type, const std::string& path,
                                 const std::string& shortCutStr, ShortCutModuleType moduleType);
+    /// The user wants no key sequence for the action.
     void signalDelShortCutsItem(EnumShortCutType type, const std::string& path,
                                 ShortCutModuleType moduleType);
     /// True: another action holds the sequence and keeps it.
@@ -62,9 +71,11 @@ Q_SIGNALS:
                                   const std::string& shortCutStr);
     /// True: the sequence belongs to the application.
     bool signalCheckRepeat(const QString& text);
-    void signalCoverEsc();
-    void signalKeyEventComplete();
+    void signalCoverEsc();         ///< Escape: editing is to end
+    void signalKeyEventComplete(); ///< a key sequence was entered
+    /// The user wants the next control of the device for the action.
     void signalSetPeripheralBind(int index, const std::string& strOprkey);
+    /// The user wants no control of the device for the action.
     void signalDelPeripheralBind(int index, const std::string& strOprkey);
 
 protected:

@@ -15,17 +15,28 @@ class MIVOWIDGETS_EXPORT TipDialog : public Dialog
     Q_OBJECT
 
 public:
+    /// What the prompt is about: its icon.
     enum Kind { information = 0, question = 1, warning = 2 };
+    /// How the prompt was closed.
     enum Result { dismissed = 0, accepted = 1, cancelled = 2 };
 
     explicit TipDialog(QWidget* parent = nullptr);
 
     /// The icon; a number that is no Kind shows none.
     void setTipKind(int kind);
+    /// @{
+    /// What the prompt says; plain text.
     void setTipText(const QString& text);
     QString tipText() const;
+    /// @}
+
+    /// A smaller second text below; empty, there is none.
     void setAssistText(const QString& text);
+
+    /// What the buttons say.
     void setButtonTexts(const QString& cancel, const QString& accept);
+
+    /// Whether there is a second button beside the accept button.
     void setCancelButtonVisible(bool visible);
 
     /// Shows the prompt and returns, when it is closed, the pressed button: a Result. Escape, the

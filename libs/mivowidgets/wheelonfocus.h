@@ -10,6 +10,7 @@ template <typename Control>
 class WheelOnFocus : public Control
 {
 public:
+    /// As `Control`, with the focus by mouse and Tab.
     explicit WheelOnFocus(QWidget* parent) : Control(parent)
     {
         this->setFocusPolicy(Qt::StrongFocus);

@@ -17,6 +17,7 @@ namespace velorn::trans {
 class ZRTRANSLATE_EXPORT Translator
 {
 public:
+    /// Takes the look-up that found no text.
     using MissingTextHandler =
         std::function<void(const QString& catalogue, const QString& context, const QString& key)>;
 

@@ -28,12 +28,15 @@ public:
     explicit AudioSettingBox(QWidget* parent = nullptr);
     ~AudioSettingBox() override;
 
+    /// @{
     /// The services are borrowed, and may be null: without a message centre, a mismatch of sound
     /// cards is not told.
     void setMsgCenterMgr(velorn::msgcenter::IMsgCenterMgr* msgCenter);
     void setProgramDispatch(std::shared_ptr<mivo::mediadispatch::IProgramDispatch> dispatch);
     void setProjectFileMgr(mivo::projectfilemgr::IProjectFileMgr* projectFile);
+    /// @}
 
+    /// A style sheet for this page alone.
     void setSettingsStyleSheet(const QString& styleSheet);
 
     void translateLanguage() override;

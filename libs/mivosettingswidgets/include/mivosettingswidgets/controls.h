@@ -79,6 +79,7 @@ inline void showIndex(QComboBox* combo, int index)
 class LayoutPause
 {
 public:
+    /// `layout` is that of a widget, and outlives the pause.
     explicit LayoutPause(QLayout* layout) : m_layout(layout->isEnabled() ? layout : nullptr)
     {
         layout->setEnabled(false);

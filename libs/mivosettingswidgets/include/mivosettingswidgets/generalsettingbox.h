@@ -23,10 +23,12 @@ public:
     explicit GeneralSettingBox(QWidget* parent = nullptr);
     ~GeneralSettingBox() override;
 
+    /// @{
     /// What saves the open project before an action is carried out. Either may be null; the manager
     /// must outlive the page.
     void setProgramDispatch(std::shared_ptr<mivo::mediadispatch::IProgramDispatch> dispatch);
     void setProjectFileMgr(mivo::projectfilemgr::IProjectFileMgr* manager);
+    /// @}
 
 private:
     class MIVOSETTINGSWIDGETS_NO_EXPORT Impl;

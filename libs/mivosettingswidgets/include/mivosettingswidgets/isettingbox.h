@@ -32,23 +32,30 @@ class MIVOSETTINGSWIDGETS_EXPORT ISettingBox : public QGroupBox
     Q_OBJECT
 
 public:
+    /// @{
+    /// As QGroupBox.
     ISettingBox(const QString& title, QWidget* parent);
     explicit ISettingBox(QWidget* parent);
     ISettingBox();
+    /// @}
     ~ISettingBox() override;
 
     /// Does nothing, and no page overrides it.
     virtual void setSettingsFilePath(const QString& path);
 
+    /// @{
     /// The key under which the dialog groups pages: at first the untranslated name of the page's
     /// section, and its translation after translateLanguage.
     virtual void setTitleText(const QString& text) = 0;
     virtual QString titleText() = 0;
+    /// @}
 
+    /// @{
     /// The page's place within its section, in ascending order; -1 (the default) means behind all
     /// that are there when it is inserted.
     virtual void setPriorityIndex(int index) = 0;
     virtual int priorityIndex() const = 0;
+    /// @}
 
     /// Sets every text again in the translator's language and announces the section's name.
     virtual void translateLanguage() = 0;

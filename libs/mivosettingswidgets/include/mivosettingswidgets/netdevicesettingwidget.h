@@ -19,11 +19,13 @@ public:
     explicit DeviceSettingWidget(QWidget* parent = nullptr);
     ~DeviceSettingWidget() override;
 
+    /// @{
     /// The services are borrowed: one that ends is forgotten by itself, another one takes the place
     /// of the one before, and null lets it go. Their section is disabled without one.
     void setMidiMgr(mivo::peripheralcontrol::MidiPeripheral* midi);
     void setDmxMgr(mivo::peripheralcontrol::DmxPeripheral* dmx);
     void setOscMgr(mivo::peripheralcontrol::OscPeripheral* osc);
+    /// @}
 
 private:
     class MIVOSETTINGSWIDGETS_NO_EXPORT Impl;

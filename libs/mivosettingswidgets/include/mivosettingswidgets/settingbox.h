@@ -19,17 +19,19 @@ public:
     explicit SettingBox(QWidget* parent = nullptr);
     ~SettingBox() override;
 
+    /// The text above the rows.
     void setTitle(const QString& title);
 
     /// Appends a row, which the box owns from then on; null is ignored.
     void addItemLayout(QHBoxLayout* row);
 
-    /// A tag for the host's own use.
+    /// @{
+    /// For the host's own use.
     QString className() const;
     void setClassName(const QString& name);
-
     int priorityIndex() const;
     void setPriorityIndex(int index);
+    /// @}
 
 private:
     class MIVOSETTINGSWIDGETS_NO_EXPORT Impl;

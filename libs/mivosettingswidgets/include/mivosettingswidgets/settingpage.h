@@ -38,8 +38,10 @@ public:
 protected:
     explicit SettingPageBase(QWidget* parent);
 
+    /// Once, in the constructor of the page.
     void setImpl(std::unique_ptr<SettingPageImplBase> impl);
 
+    /// What setImpl() was given, by its own type.
     template <typename Impl>
     Impl& impl() const
     {

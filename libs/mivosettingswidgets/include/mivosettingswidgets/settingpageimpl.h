@@ -26,7 +26,7 @@ class ISettingBox;
 template <typename Store>
 struct StoreField
 {
-    Store* sharedSettings = nullptr;
+    Store* sharedSettings = nullptr; ///< the host's; null until the page is bound
 };
 
 /// The part of a page's Impl that does not depend on the type of its store: the common fields, in
@@ -41,10 +41,10 @@ public:
     virtual ~SettingPageImplBase();
     Q_DISABLE_COPY_MOVE(SettingPageImplBase)
 
-    IZRRuntime* zrRuntime = nullptr;
-    ISettingBox* owner;
-    QString titleText;
-    int priorityIndex = -1;
+    IZRRuntime* zrRuntime = nullptr; ///< the host's; null until the page is given it
+    ISettingBox* owner;              ///< the page
+    QString titleText;               ///< as ISettingBox::titleText()
+    int priorityIndex = -1;          ///< as ISettingBox::priorityIndex()
 
     /// Disconnects all that is followed; without a store, nothing. The store stays known.
     virtual void unsetSettings() = 0;
@@ -64,10 +64,12 @@ public:
     void addText(const char* key, std::function<void(const QString&)> set,
                  const char* initial = nullptr);
 
+    /// @{
     /// The same for a label; the control next to it becomes its buddy and is named after it.
     void addText(const char* key, QLabel* label, QWidget* buddy = nullptr,
                  const char* initial = nullptr);
     void addText(const char* key, QAbstractButton* button, const char* initial = nullptr);
+    /// @}
 
     /// The same for the items of a combo box, from the first on; those that are missing are added.
     void addItemTexts(QComboBox* combo, const std::vector<const char*>& keys);
@@ -87,9 +89,11 @@ public:
     }
 
 protected:
+    /// @{
     /// Connects all that is followed, and disconnects it; on the runtime thread.
     void connectFollowed();
     void disconnectFollowed();
+    /// @}
 
     /// False, and the null-store warning under the function of `site`, for a null pointer.
     static bool isStore(const void* settings, const CallSite& site = {});
@@ -149,6 +153,7 @@ class StorePageImpl : public QObject, public StoreField<Store>, public SettingPa
 public:
     using StoreField<Store>::sharedSettings;
 
+    /// As SettingPageImplBase.
     StorePageImpl(ISettingBox* page, const char* navigationKey, const CallSite& site = {})
         : SettingPageImplBase(page, navigationKey, site)
     {}
@@ -162,6 +167,7 @@ public:
         initSettings();
     }
 
+    /// As SettingPageImplBase says; virtual for pages that forget the store.
     void unsetSettings() override
     {
         if (sharedSettings != nullptr) {

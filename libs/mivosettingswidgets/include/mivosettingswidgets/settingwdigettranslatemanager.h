@@ -10,12 +10,14 @@
 class MIVOSETTINGSWIDGETS_EXPORT SettingWdigetTranslateManager
 {
 public:
+    /// The one instance, made at the first call.
     static SettingWdigetTranslateManager& instance();
     ~SettingWdigetTranslateManager();
 
     SettingWdigetTranslateManager(const SettingWdigetTranslateManager&) = delete;
     SettingWdigetTranslateManager& operator=(const SettingWdigetTranslateManager&) = delete;
 
+    /// The translator, which lives as long as the process.
     velorn::trans::Translator& translator();
 
 private:

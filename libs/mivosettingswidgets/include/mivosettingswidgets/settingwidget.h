@@ -24,9 +24,11 @@ public:
     /// right above the page that holds it.
     void insertSettingsBox(ISettingBox* box, int index) const;
 
+    /// @{
     /// A name for the host's own use; nothing shows it.
     void setTitle(const QString& title) const;
     QString title() const;
+    /// @}
 
     /// The size of a section does not follow its pages: they scroll.
     QSize sizeHint() const override;
@@ -38,8 +40,8 @@ protected:
 Q_SIGNALS:
     /// A page of the section announced the section's name.
     void sigTitleTextChanged(const QString& titleText);
-    void toggled(bool on);
-    void valueChanged(int value);
+    void toggled(bool on);        ///< for the host's own use; nothing here emits it
+    void valueChanged(int value); ///< the same
 
 private:
     class MIVOSETTINGSWIDGETS_NO_EXPORT Impl;

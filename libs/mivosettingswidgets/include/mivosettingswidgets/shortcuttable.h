@@ -14,8 +14,8 @@ namespace mivo::settings {
 /// An action that a message of a controller can trigger, and its path.
 struct PeripheralAction
 {
-    int type;
-    std::string_view path;
+    int type;              ///< an EnumShortCutType
+    std::string_view path; ///< without peripheralPrefix
 };
 
 inline constexpr std::string_view peripheralPrefix = "/Peripherals/";

@@ -20,15 +20,16 @@ namespace mivo::settings {
 /// literals.
 struct CallSite
 {
+    /// As said above.
     // NOLINTNEXTLINE(google-explicit-constructor)
     CallSite(const char* functionName = __builtin_FUNCTION(),
              const char* fileName = __builtin_FILE(), int lineNumber = __builtin_LINE())
         : file(fileName), line(lineNumber), function(functionName)
     {}
 
-    const char* file;
-    int line;
-    const char* function;
+    const char* file;     ///< path as compiled
+    int line;             ///< from 1 on
+    const char* function; ///< without arguments
 };
 
 /// What follows the last slash of either kind.

@@ -31,7 +31,7 @@ public Q_SLOTS:
     }
 
 Q_SIGNALS:
-    void shown(bool on);
+    void shown(bool on); ///< a value of the store is shown
 };
 
 } // namespace mivo::settings

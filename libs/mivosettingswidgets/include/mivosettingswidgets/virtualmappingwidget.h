@@ -37,18 +37,22 @@ public:
     /// With what was read before, for several editors at once.
     void resetSoundCardsCombobox(const STSoundCardMappingsInfo& known);
 
+    /// @{
     /// The same, after making the columns anew: this machine, then each device that has cards or
     /// on which one is chosen.
     void resetSoundCardWidget();
     void resetSoundCardWidget(const STSoundCardMappingsInfo& known);
+    /// @}
 
     /// Shows one change of this mapping.
     void refreshMappingInfo(const mivo::STSoundCardChangeInfo& change);
 
+    /// @{
     /// Cards of a device, by their ids, that have come or gone. Those that may be chosen now are
     /// offered from the next reset on.
     void setSoundCardEnable(const std::string& device, const std::vector<std::string>& soundCards);
     void setSoundCardDisable(const std::string& device, const std::vector<std::string>& soundCards);
+    /// @}
 
     /// Takes the columns of devices away, and leaves what is chosen as it is.
     void deleteClusterDeviceSoundCard(const std::vector<std::string>& devices);
@@ -56,6 +60,7 @@ public:
     /// Shows or hides the column of a device.
     void setDeviceSoundCardVisible(const std::string& device, bool visible);
 
+    /// Sets every text again in the translator's language.
     void translateLangauge();
 
 Q_SIGNALS:
