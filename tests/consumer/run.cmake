@@ -22,8 +22,7 @@ endfunction()
 
 run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${work}/prefix)
 run(${CMAKE_COMMAND} -S ${SOURCE} -B ${work}/build -G ${GENERATOR} -DCMAKE_CXX_COMPILER=${CXX}
-    -DCMAKE_CXX_FLAGS=${FLAGS} -DCMAKE_PREFIX_PATH=${work}/prefix
-    -DEXAMPLES=${SOURCE}/../../examples)
+    -DCMAKE_CXX_FLAGS=${FLAGS} -DCMAKE_PREFIX_PATH=${work}/prefix)
 run(${CMAKE_COMMAND} --build ${work}/build)
 run(${CMAKE_COMMAND} -E env QT_QPA_PLATFORM=offscreen ${work}/build/consumer)
 foreach(language en zh_cn)
