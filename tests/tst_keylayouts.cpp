@@ -139,6 +139,36 @@ private:
 
 } // namespace
 
+TEST(KeySequences, AreWrittenWithTheirModifiersInOrderAndReadBack)
+{
+    const struct
+    {
+        int key;
+        Qt::KeyboardModifiers modifiers;
+        const char* text;
+    } cases[]{
+        {Qt::Key_K, Qt::ShiftModifier | Qt::ControlModifier, "Ctrl + Shift + K"},
+        {Qt::Key_Plus, Qt::ControlModifier, "Ctrl + +"},
+        {Qt::Key_F12, Qt::AltModifier | Qt::MetaModifier, "Alt + Win + F12"},
+        {Qt::Key_Space, {}, "Space"},
+        {Qt::Key_Left, Qt::KeypadModifier, "Left"},
+        {Qt::Key_Control, Qt::ControlModifier, ""},
+        {Qt::Key_Meta, Qt::MetaModifier, "Win"},
+    };
+    for (const auto& test : cases) {
+        const QString text = keySequenceText(test.key, test.modifiers);
+        EXPECT_EQ(text, test.text);
+        if (!text.isEmpty() && text != "Win") {
+            const int modifiers = static_cast<int>(test.modifiers & ~Qt::KeypadModifier);
+            EXPECT_EQ(keySequenceOf(text), QKeySequence(modifiers | test.key)) << test.text;
+        }
+    }
+    for (const char* text : {"", "Ctrl", "Ctrl + ", "Ctrl+K", "Shift + Shift + K", "Foo + K",
+                             "Ctrl + Foo", "K + Ctrl", "A, B"}) {
+        EXPECT_TRUE(keySequenceOf(text).isEmpty()) << text;
+    }
+}
+
 TEST_F(Keyboard, KeysAreNamedAsTheirLayoutCallsThem)
 {
     const struct

@@ -260,7 +260,7 @@ TEST_F(Midi, ABackEndThatIsAwayIsSaidOnceAndComesBackByItself)
     qputenv("JACK_DEFAULT_SERVER", before);
 }
 
-TEST_F(Midi, ControlsOfRealDevicesAreLearnedAndTrigger)
+TEST_F(Midi, AControlOfARealDeviceIsLearnedAndTriggers)
 {
     if (!JackServer::isRunning()) {
         GTEST_SKIP() << "no jackd, or none that can be used here";
@@ -268,55 +268,22 @@ TEST_F(Midi, ControlsOfRealDevicesAreLearnedAndTrigger)
     MidiPlayer keys("keys");
     service.setEnabled(true);
     ASSERT_TRUE(waitFor({"keys:out"}));
-    const struct
-    {
-        std::vector<const char*> noise; // is not to be learned
-        const char* taught;
-        std::string control;
-        std::vector<const char*> use; // triggers once
-    } cases[]{
-        {{"f8", "fe", "f0017ff7", "803c40", "903c00", "e00040", "b07b00"},
-         "903c01",
-         "Note C4 ch 1 (keys:out)",
-         {"903c00", "903c7f", "803c40"}},
-        {{"b2074c", "b2074c"},
-         "b2074d",
-         "CC 7 ch 3 (keys:out)",
-         {"b20700", "b2073f", "b20740", "b2077f", "b20740"}},
-        {{"d040"}, "c105", "Program 5 ch 2 (keys:out)", {"c104", "c105"}},
-    };
     take(keys, "keys:out"); // what is played while it is being connected may be lost
-    keys.play("b2074c");    // it was there before
-    for (const auto& test : cases) {
-        results.clear();
-        take(keys, "keys:out");
-        service.learn(187, "a");
-        for (const char* message : test.noise) {
-            keys.play(message);
-        }
-        QTest::qWait(100);
-        EXPECT_EQ(results, Names{}) << test.control;
-        keys.play(test.taught);
-        EXPECT_TRUE(QTest::qWaitFor([&] {
-            const std::lock_guard lock(mutex);
-            return !results.empty();
-        }));
-        EXPECT_EQ(results, Names{"bound a " + test.control});
-        take(keys, "keys:out");
-        for (const char* message : test.use) {
-            keys.play(message);
-        }
-        EXPECT_EQ(take(keys, "keys:out"), Names{"a " + test.control});
+    service.learn(187, "a");
+    for (const char* noise : {"f8", "fe", "803c40"}) {
+        keys.play(noise);
     }
-    service.learn(188, "b");
-    results.clear();
-    keys.play("c104");
-    keys.play("c105");
+    QTest::qWait(100);
+    EXPECT_EQ(results, Names{});
+    keys.play("903c01");
+    EXPECT_TRUE(QTest::qWaitFor([this] {
+        const std::lock_guard lock(mutex);
+        return !results.empty();
+    }));
+    EXPECT_EQ(results, Names{"bound a Note C4 ch 1 (keys:out)"});
     take(keys, "keys:out");
-    EXPECT_EQ(results, Names{"bound b Program 4 ch 2 (keys:out)"});
-    service.learn(188, "b");
-    keys.play("c104");
-    keys.play("c105");
+    keys.play("903c7f");
+    EXPECT_EQ(take(keys, "keys:out"), Names{"a Note C4 ch 1 (keys:out)"});
     service.setEnabled(false);
     EXPECT_EQ(names(), Names{});
 }
