@@ -1,5 +1,6 @@
 #include <mivosettingswidgets/shortcutmgr.h>
 
+#include "kit/standardmetatypes.h"
 #include "peripherals/dmxservice.h"
 #include "peripherals/midiservice.h"
 #include "peripherals/oscservice.h"
