@@ -3,7 +3,7 @@
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
 packages_build="g++ cmake ninja-build ccache qtbase5-dev qttools5-dev qttools5-dev-tools
-    libqt5svg5 libqt5sql5-sqlite libspdlog-dev libfmt-dev libboost-dev rapidjson-dev
+    libqt5svg5 libsqlite3-dev libspdlog-dev libfmt-dev libboost-dev rapidjson-dev
     pkg-config librtmidi-dev libjack-jackd2-dev liblo-dev libvulkan-dev qtmultimedia5-dev libqt5multimedia5-plugins
     fonts-noto-core fonts-noto-cjk"
 packages_test="libgtest-dev python3 liblo-tools jackd2 mesa-vulkan-drivers

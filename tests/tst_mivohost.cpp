@@ -3,7 +3,7 @@
 
 #include "support/files.h"
 #include "support/jackdevices.h"
-#include "support/rfbclient.h"
+#include "support/program.h"
 #include "support/soundserver.h"
 #include "support/testruntime.h"
 #include "support/teststore.h"
@@ -34,73 +34,6 @@
 #include <thread>
 
 namespace {
-
-/// That of a user whose files are in `home`.
-QProcessEnvironment environmentOf(const QString& home, const QString& platform)
-{
-    auto environment = QProcessEnvironment::systemEnvironment();
-    environment.insert("QT_QPA_PLATFORM", platform);
-    environment.insert("LANG", "C.UTF-8");
-    environment.insert("XDG_CONFIG_HOME", home + "/config");
-    environment.insert("XDG_DATA_HOME", home + "/data");
-    return environment;
-}
-
-/// The reference host as its own process, with a person in front of it.
-class Program
-{
-public:
-    explicit Program(const QString& home, const QStringList& arguments = {})
-    {
-        QTcpServer probe; // a port that is free right now
-        probe.listen(QHostAddress::LocalHost);
-        m_port = probe.serverPort();
-        probe.close();
-        m_process.setProcessEnvironment(
-            environmentOf(home, QStringLiteral("vnc:port=%1:size=1280x900").arg(m_port)));
-        m_process.setProcessChannelMode(QProcess::MergedChannels);
-        m_process.start(MIVOHOST_PROGRAM, arguments);
-    }
-
-    ~Program() { kill(); }
-
-    bool hasScreen() { return m_person.connectTo(m_port); }
-    RfbClient& person() { return m_person; }
-
-    /// Waits until the program has said `text`, from where the last call left off; `most` in ms.
-    bool says(const QByteArray& text, int most = 20000)
-    {
-        QElapsedTimer elapsed;
-        elapsed.start();
-        while (!m_said.contains(text) && elapsed.elapsed() < most) {
-            m_process.waitForReadyRead(200);
-            m_said += m_process.readAll();
-        }
-        const auto at = m_said.indexOf(text);
-        if (at >= 0) {
-            m_said.remove(0, at + text.size());
-        }
-        return at >= 0;
-    }
-
-    bool ends() { return m_process.waitForFinished(20000); }
-    int exitCode() const { return m_process.exitCode(); }
-    QByteArray output() { return m_said + m_process.readAll(); }
-
-    void kill()
-    {
-        if (m_process.state() != QProcess::NotRunning) {
-            ::kill(static_cast<pid_t>(m_process.processId()), SIGKILL);
-            m_process.waitForFinished();
-        }
-    }
-
-private:
-    quint16 m_port = 0;
-    QProcess m_process;
-    QByteArray m_said;
-    RfbClient m_person;
-};
 
 /// Sends messages of a bound address as fast as it can, while it lives.
 class Flood
@@ -188,38 +121,6 @@ protected:
     quint16 oscPort = 0;
 };
 
-/// The Tab keys that lead from the dialog's first focus to the undo steps, found in a dialog of
-/// this process.
-int tabsToUndoSteps()
-{
-    TestRuntime runtime;
-    // With folders, as the host has them: some buttons are disabled without.
-    TestStore store(
-        {{"autoSavePath", "/a"}, {"playLogPath", "/b"}, {"cachePath", "/c"}, {"sharePath", "/d"}});
-    mivohost::SettingsView view(runtime, store, nullptr);
-    view.dialog().show();
-    view.dialog().activateWindow();
-    EXPECT_TRUE(QTest::qWaitForWindowActive(&view.dialog()));
-    const auto* page = view.dialog().findChild<mivo::settings::UndoSettingBox*>();
-    const auto* undoSteps = page->findChild<mivo::widgets::SpinEditBox*>();
-    int tabs = 0;
-    do {
-        QWidget* focus = QApplication::focusWidget();
-        QTest::keyClick(focus != nullptr ? focus : &view.dialog(), Qt::Key_Tab);
-        ++tabs;
-    } while (QApplication::focusWidget() != undoSteps && tabs < 200);
-    EXPECT_LT(tabs, 200);
-    return tabs;
-}
-
-void reachUndoSteps(RfbClient& person)
-{
-    static const int tabs = tabsToUndoSteps();
-    for (int i = 0; i < tabs; ++i) {
-        person.key(RfbClient::tab);
-    }
-}
-
 } // namespace
 
 TEST_F(Host, KeepsAnEditThroughAKillAndShowsItAgain)
@@ -228,7 +129,7 @@ TEST_F(Host, KeepsAnEditThroughAKillAndShowsItAgain)
         Program program(folder.path(), {"--settings"});
         ASSERT_TRUE(program.hasScreen());
         ASSERT_TRUE(program.says("settings dialog open"));
-        reachUndoSteps(program.person());
+        program.reachUndoSteps();
         program.person().type("80");
         program.person().key(RfbClient::tab);
         ASSERT_TRUE(program.says("setting undoStep = 80")) << program.output().constData();
@@ -242,7 +143,7 @@ TEST_F(Host, KeepsAnEditThroughAKillAndShowsItAgain)
     Program again(folder.path(), {"--settings"});
     ASSERT_TRUE(again.hasScreen());
     ASSERT_TRUE(again.says("settings dialog open"));
-    reachUndoSteps(again.person());
+    again.reachUndoSteps();
     again.person().key(RfbClient::up);
     again.person().key(RfbClient::enter);
     EXPECT_TRUE(again.says("setting undoStep = 81")) << again.output().constData();

@@ -1,26 +1,11 @@
-#include "store/sqlitepersistence.h"
-
-#include "support/files.h"
 #include "support/logcapture.h"
-#include "support/otherprocess.h"
 #include "support/teststore.h"
 
 #include <gtest/gtest.h>
 
-#include <QtCore/QCoreApplication>
-#include <QtCore/QDir>
-#include <QtCore/QProcess>
-#include <QtCore/QTemporaryDir>
-#include <QtSql/QSqlDatabase>
-#include <QtSql/QSqlQuery>
-
 #include <cmath>
-#include <csignal>
 
 namespace settingsstoretest {
-
-using mivohost::SqlitePersistence;
-using Status = SqlitePersistence::Status;
 
 namespace {
 
@@ -35,30 +20,6 @@ protected:
     }
 
     std::vector<int> announced;
-    LogCapture log;
-};
-
-class StoreFile : public ::testing::Test
-{
-protected:
-    QString path() const { return folder.filePath("settings.sqlite"); }
-
-    /// Runs statements on the file with nothing of the host's between.
-    void execute(const QStringList& statements) const
-    {
-        {
-            auto database = QSqlDatabase::addDatabase("QSQLITE", "raw");
-            database.setDatabaseName(path());
-            ASSERT_TRUE(database.open());
-            QSqlQuery query(database);
-            for (const QString& statement : statements) {
-                ASSERT_TRUE(query.exec(statement)) << statement.toStdString();
-            }
-        }
-        QSqlDatabase::removeDatabase("raw");
-    }
-
-    QTemporaryDir folder;
     LogCapture log;
 };
 
@@ -173,138 +134,5 @@ TEST_F(Store, FollowsChangesFromElsewhere)
     EXPECT_EQ(announced, std::vector{90});
     EXPECT_EQ(store->kept.writes.size(), 0U);
 }
-
-TEST_F(StoreFile, IsMadeWithItsFolderAndReadAgain)
-{
-    const QString deep = folder.filePath(QStringLiteral("a/设置/settings.sqlite"));
-    {
-        auto opened = SqlitePersistence::open(deep);
-        ASSERT_EQ(opened.status, Status::opened) << opened.error.toStdString();
-        EXPECT_TRUE(opened.persistence->loadAll().isEmpty());
-        EXPECT_TRUE(opened.persistence->write("undoStep", 80));
-        EXPECT_TRUE(opened.persistence->write("undoStep", 81));
-        EXPECT_TRUE(opened.persistence->write("language", QStringLiteral("zh_cn")));
-        EXPECT_TRUE(opened.persistence->write("fadeInTime", 0.1 + 0.2));
-    }
-    const QByteArray content = readFile(deep);
-    {
-        auto again = SqlitePersistence::open(deep);
-        ASSERT_EQ(again.status, Status::opened);
-        EXPECT_EQ(
-            again.persistence->loadAll(),
-            (QVariantHash{{"undoStep", 81}, {"language", "zh_cn"}, {"fadeInTime", 0.1 + 0.2}}));
-        EXPECT_EQ(QFileInfo(deep + "-wal").size(), 0) << "reading needs no room on the disk";
-    }
-    EXPECT_EQ(readFile(deep), content);
-}
-
-TEST_F(StoreFile, BelongsToOneAndKeepsNothingInOneThatWasReplaced)
-{
-    auto opened = SqlitePersistence::open(path());
-    const QString moved = path() + ".moved";
-    const std::pair<const char*, std::function<void()>> cases[]{
-        {"removed", [] {}},
-        {"replaced", [&] { QFile::copy(moved, path()); }},
-    };
-    for (const auto& [label, spoil] : cases) {
-        EXPECT_TRUE(opened.persistence->write("undoStep", 80)) << label;
-        QFile::rename(path(), moved);
-        spoil();
-        EXPECT_FALSE(opened.persistence->write("undoStep", 81)) << label;
-        EXPECT_FALSE(opened.persistence->lastError().isEmpty()) << label;
-        EXPECT_EQ(SqlitePersistence::open(path()).status, Status::inUse) << label;
-        QFile::remove(path());
-        QFile::rename(moved, path());
-    }
-}
-
-TEST_F(StoreFile, IsPutAsideWhenItCannotBeRead)
-{
-    const std::vector<std::pair<const char*, std::function<void()>>> cases{
-        {"garbage", [&] { writeFile(path(), QByteArray(5000, 'x')); }},
-        {"cut off",
-         [&] {
-             execute({"CREATE TABLE setting (key TEXT PRIMARY KEY, value) WITHOUT ROWID",
-                      "INSERT INTO setting VALUES ('a', zeroblob(100000))"});
-             QFile::resize(path(), 8192);
-         }},
-        {"another layout", [&] { execute({"CREATE TABLE setting (name TEXT)"}); }},
-        {"a later version", [&] { execute({"PRAGMA user_version=99"}); }},
-        {"a folder", [&] { QDir().mkpath(path()); }},
-    };
-    for (const auto& [label, damage] : cases) {
-        damage();
-        const auto before = QFileInfo(path()).size();
-        EXPECT_EQ(SqlitePersistence::open(path(), SqlitePersistence::Unreadable::refused).status,
-                  Status::failed)
-            << label;
-        EXPECT_EQ(QFileInfo(path()).size(), before) << label;
-        auto opened = SqlitePersistence::open(path());
-        ASSERT_EQ(opened.status, Status::putAside) << label << ' ' << opened.error.toStdString();
-        EXPECT_TRUE(opened.persistence->loadAll().isEmpty()) << label;
-        EXPECT_TRUE(opened.persistence->write("undoStep", 80)) << label;
-        EXPECT_EQ(QFileInfo(opened.asidePath).size(), before) << label;
-        EXPECT_EQ(QFileInfo(opened.asidePath).path(), folder.path());
-        opened.persistence.reset();
-        EXPECT_EQ(SqlitePersistence::open(path()).status, Status::opened) << label;
-        QFile::remove(path());
-    }
-    // An empty file is what a crash at the first start leaves; there is nothing in it to keep.
-    writeFile(path());
-    EXPECT_EQ(SqlitePersistence::open(path()).status, Status::opened);
-}
-
-TEST_F(StoreFile, SaysWhyItCannotBeOpened)
-{
-    auto opened = SqlitePersistence::open("/proc/no/such/settings.sqlite");
-    EXPECT_EQ(opened.status, Status::failed);
-    EXPECT_FALSE(opened.error.isEmpty());
-    EXPECT_EQ(opened.persistence, nullptr);
-}
-
-TEST_F(StoreFile, LosesNothingThatWasWrittenWhenTheProcessIsKilled)
-{
-    int known = 0;
-    for (int round = 0; round < 8; ++round) {
-        QProcess writer;
-        writer.start(QCoreApplication::applicationFilePath(), {"--as-store-writer", path()});
-        QByteArray said;
-        // Another moment each time, also in the middle of opening the file.
-        while (said.count('\n') < round * 7 && writer.waitForReadyRead()) {
-            said += writer.readAll();
-        }
-        ::kill(static_cast<pid_t>(writer.processId()), SIGKILL);
-        writer.waitForFinished();
-        said += writer.readAll();
-        said.truncate(said.lastIndexOf('\n') + 1);
-        if (!said.isEmpty()) {
-            known = said.trimmed().split('\n').last().toInt();
-        }
-        auto opened = SqlitePersistence::open(path());
-        ASSERT_EQ(opened.status, Status::opened) << opened.error.toStdString();
-        EXPECT_GE(opened.persistence->loadAll().value("count").toInt(), known);
-    }
-    EXPECT_GT(known, 0);
-}
-
-namespace {
-
-int runAsWriter(const QStringList& arguments)
-{
-    auto opened = SqlitePersistence::open(arguments.at(1));
-    int count = opened.persistence->loadAll().value("count").toInt();
-    while (opened.persistence->write("count", ++count)) {
-        std::printf("%d\n", count);
-        std::fflush(stdout);
-    }
-    return -1;
-}
-
-const bool registered = [] {
-    otherProcesses()["--as-store-writer"] = runAsWriter;
-    return true;
-}();
-
-} // namespace
 
 } // namespace settingsstoretest

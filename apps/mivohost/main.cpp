@@ -14,6 +14,7 @@
 #include "surface/pictures.h"
 #include "surface/settingsview.h"
 #include "system/autostart.h"
+#include "system/endrequests.h"
 #include "system/listener.h"
 #include "system/power.h"
 #include "system/runninginstance.h"
@@ -27,12 +28,12 @@
 #include <QtCore/QEventLoop>
 #include <QtCore/QFileInfo>
 #include <QtCore/QLocale>
-#include <QtCore/QLockFile>
 #include <QtCore/QStandardPaths>
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QTimer>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QMessageBox>
+#include <QtWidgets/QPushButton>
 
 #include <cstdio>
 #include <memory>
@@ -73,6 +74,29 @@ ExitCode refuse(ExitCode code, const QString& message, bool withWindow)
         QMessageBox::critical(nullptr, QStringLiteral("mivohost"), message);
     }
     return code;
+}
+
+QString timeText(const QDateTime& time)
+{
+    return QLocale::system().toString(time.toLocalTime(), QLocale::ShortFormat);
+}
+
+/// Asks whether to go on with the newest good copy of the settings. A machine that starts with
+/// nobody in front of it goes on by itself.
+bool wantsCopy(const QString& path, const SqlitePersistence::Opened& opened)
+{
+    constexpr int secondsToAnswer = 30;
+    QMessageBox question(QMessageBox::Warning, QStringLiteral("mivohost"),
+                         hostText("StoreDamaged")
+                             .arg(path, reasonText(opened.error), timeText(opened.copyTime))
+                             .arg(secondsToAnswer));
+    question.setTextFormat(Qt::PlainText);
+    auto* use = question.addButton(hostText("UseCopy"), QMessageBox::AcceptRole);
+    question.setEscapeButton(question.addButton(hostText("Quit"), QMessageBox::RejectRole));
+    question.setDefaultButton(use);
+    QTimer::singleShot(secondsToAnswer * 1000, use, &QPushButton::click);
+    question.exec();
+    return question.clickedButton() == use;
 }
 
 /// Folders that the settings start with; each is made when something is to be put there.
@@ -128,6 +152,8 @@ int runWindow(MainWindow& window, ProjectFile& project, RuntimeThread& runtime,
         autostart.emplace(runtime, store, QCoreApplication::applicationFilePath(), allowed,
                           notify("AutostartFailed"));
     }
+    const EndRequests ends;
+    QObject::connect(&ends, &EndRequests::requested, &QApplication::quit);
     const TimedActions timed(
         runtime, store,
         [&window, &project, allowed, tell = notify("PowerActionFailed")](
@@ -221,34 +247,44 @@ int run(const QCommandLineParser& arguments)
         wait(*delay);
     }
 
-    QLockFile alone(data.filePath(QStringLiteral("mivohost.lock")));
+    FileLock alone;
     if (withWindow) {
         // The shortcuts and the log have one owner, also when each has a store of its own.
         data.mkpath(QStringLiteral("."));
-        if (!alone.tryLock(200) && alone.error() == QLockFile::LockFailedError) {
-            if (arguments.isSet(QStringLiteral("start-delay"))) {
-                return finished; // at log-on, but somebody was faster
-            }
-            if (!arguments.isSet(QStringLiteral("store")) && RunningInstance::show(data.path())) {
-                return finished;
-            }
+        const QString lock = data.filePath(QStringLiteral("mivohost.lock"));
+        switch (alone.lock(lock.toStdString(), 200)) {
+        case FileLock::Result::locked:
+            break;
+        case FileLock::Result::inUse:
             return refuse(storeInUse, hostText("DataInUse").arg(data.path()), true);
+        case FileLock::Result::failed:
+            return refuse(storeFailed,
+                          hostText("DataFailed").arg(lock, QString::fromStdString(alone.error())),
+                          true);
         }
     }
     startLog(withWindow ? data.filePath(QStringLiteral("mivohost.log")) : QString());
 
     RuntimeThread runtime;
-    auto opened = runtime.call([&] {
-        using Unreadable = SqlitePersistence::Unreadable;
-        return SqlitePersistence::open(path, printing ? Unreadable::refused : Unreadable::putAside);
-    });
-    if (opened.status == SqlitePersistence::Status::inUse) {
-        return refuse(storeInUse, hostText(QStringLiteral("StoreInUse")).arg(path), withWindow);
+    using Status = SqlitePersistence::Status;
+    auto opened = runtime.call([&] { return SqlitePersistence::open(path); });
+    const bool damaged = opened.status == Status::damaged;
+    if (damaged && !printing) {
+        hostLog()->error("the settings file cannot be used: {}", opened.error.toStdString());
+        if (opened.copyTime.isValid() && !wantsCopy(path, opened)) {
+            return storeFailed;
+        }
+        opened = runtime.call([&] { return SqlitePersistence::recover(path); });
+    }
+    if (opened.status == Status::inUse) {
+        return refuse(storeInUse, hostText("StoreInUse").arg(path), withWindow);
     }
     if (!opened.persistence) {
-        return refuse(storeFailed, hostText(QStringLiteral("StoreFailed")).arg(path, opened.error),
+        return refuse(storeFailed, hostText("StoreFailed").arg(path, reasonText(opened.error)),
                       withWindow);
     }
+    const QString copyError =
+        printing ? QString() : runtime.call([&] { return opened.persistence->keepCopy(); });
     auto store = runtime.call([&] {
         return std::make_unique<SettingsStore>(std::move(opened.persistence), defaultFolders(data));
     });
@@ -268,11 +304,15 @@ int run(const QCommandLineParser& arguments)
         MainWindow window(runtime, *store, project, peripherals, services);
         const QString language = runtime.call([&store] { return store->getLanguage(); });
         window.switchLanguage(language.isEmpty() ? systemLanguage() : language);
-        if (opened.status == SqlitePersistence::Status::putAside) {
-            hostLog()->error("the settings file could not be read; put aside as {}",
-                             opened.asidePath.toStdString());
-            window.showNotice(QStringLiteral("StorePutAside"),
-                              QFileInfo(opened.asidePath).fileName());
+        if (damaged) {
+            const QString aside = opened.aside.join(QStringLiteral(", "));
+            const bool fromCopy = opened.copyTime.isValid();
+            hostLog()->error("the settings file was put aside as {}", aside.toStdString());
+            window.showNotice(QLatin1String(fromCopy ? "StoreFromCopy" : "StorePutAside"),
+                              fromCopy ? timeText(opened.copyTime) : aside);
+        }
+        if (!copyError.isEmpty()) {
+            window.showNotice(QStringLiteral("StoreCopyFailed"), copyError);
         }
         project.start();
         if (drawing) {

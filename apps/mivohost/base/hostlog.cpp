@@ -1,5 +1,6 @@
 #include "base/hostlog.h"
 
+#include <QtCore/QFile>
 #include <QtCore/QMetaObject>
 #include <QtCore/QObject>
 
@@ -8,6 +9,7 @@
 #include <spdlog/sinks/rotating_file_sink.h>
 #include <spdlog/sinks/stdout_sinks.h>
 
+#include <cstdio>
 #include <memory>
 #include <mutex>
 
@@ -61,8 +63,13 @@ void startLog(const QString& file)
     QV::SpdlogApplication::instance().setLogger(logger);
     if (!file.isEmpty()) {
         try {
+            spdlog::file_event_handlers handlers;
+            handlers.after_open = [](const spdlog::filename_t& name, std::FILE* /*stream*/) {
+                QFile::setPermissions(QString::fromStdString(name),
+                                      QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+            };
             sinks().all->add_sink(std::make_shared<spdlog::sinks::rotating_file_sink_mt>(
-                file.toStdString(), 1 << 20, 5));
+                file.toStdString(), 1 << 20, 5, false, handlers));
             logger->set_pattern("%H:%M:%S.%e %l %v");
         } catch (const spdlog::spdlog_ex& error) {
             logger->warn("no log file: {}", error.what());

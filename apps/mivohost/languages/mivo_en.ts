@@ -892,6 +892,35 @@
         <translation>The settings file could not be read and was put aside as “%1”. The settings are back at their defaults.</translation>
     </message>
     <message>
+        <source>StoreFromCopy</source>
+        <comment>MainWindow</comment>
+        <translation>The settings file could not be used. The settings are those of %1; what was changed after that is missing. The unusable file was kept under another name.</translation>
+    </message>
+    <message>
+        <source>StoreDamaged</source>
+        <comment>MainWindow</comment>
+        <translation>The settings file “%1” cannot be used: %2.
+
+There is a good copy from %3. Changes made after that time are missing in it.
+
+Without an answer the copy is used in %4 seconds.</translation>
+    </message>
+    <message>
+        <source>UseCopy</source>
+        <comment>MainWindow</comment>
+        <translation>Use the copy</translation>
+    </message>
+    <message>
+        <source>StoreCopyFailed</source>
+        <comment>MainWindow</comment>
+        <translation>No safety copy of the settings could be made: %1</translation>
+    </message>
+    <message>
+        <source>DataFailed</source>
+        <comment>MainWindow</comment>
+        <translation>The file “%1” cannot be used: %2</translation>
+    </message>
+    <message>
         <source>StoreInUse</source>
         <comment>MainWindow</comment>
         <translation>The settings file “%1” is in use by another mivohost. Close that one first.</translation>
@@ -1659,6 +1688,26 @@ Open them now?</translation>
         <source>not a project file</source>
         <comment>Reason</comment>
         <translation>not a project file</translation>
+    </message>
+    <message>
+        <source>no right to write to it</source>
+        <comment>Reason</comment>
+        <translation>no right to write to it</translation>
+    </message>
+    <message>
+        <source>the file is cut off</source>
+        <comment>Reason</comment>
+        <translation>the file is cut off</translation>
+    </message>
+    <message>
+        <source>the file is empty</source>
+        <comment>Reason</comment>
+        <translation>the file is empty</translation>
+    </message>
+    <message>
+        <source>the file is missing</source>
+        <comment>Reason</comment>
+        <translation>the file is missing</translation>
     </message>
     <message>
         <source>the file was replaced or removed</source>

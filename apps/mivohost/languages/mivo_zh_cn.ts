@@ -892,6 +892,35 @@
         <translation>设置文件无法读取，已另存为“%1”。所有设置已恢复为默认值。</translation>
     </message>
     <message>
+        <source>StoreFromCopy</source>
+        <comment>MainWindow</comment>
+        <translation>设置文件无法使用。当前为 %1 的设置，此后的更改已丢失。无法使用的文件已另存。</translation>
+    </message>
+    <message>
+        <source>StoreDamaged</source>
+        <comment>MainWindow</comment>
+        <translation>设置文件“%1”无法使用：%2。
+
+有一份 %3 的完好副本，其中不含此后的更改。
+
+如不回答，将在 %4 秒后使用该副本。</translation>
+    </message>
+    <message>
+        <source>UseCopy</source>
+        <comment>MainWindow</comment>
+        <translation>使用副本</translation>
+    </message>
+    <message>
+        <source>StoreCopyFailed</source>
+        <comment>MainWindow</comment>
+        <translation>无法保存设置的备份副本：%1</translation>
+    </message>
+    <message>
+        <source>DataFailed</source>
+        <comment>MainWindow</comment>
+        <translation>无法使用文件“%1”：%2</translation>
+    </message>
+    <message>
         <source>StoreInUse</source>
         <comment>MainWindow</comment>
         <translation>设置文件“%1”正被另一个 mivohost 使用。请先将其关闭。</translation>
@@ -1659,6 +1688,26 @@
         <source>not a project file</source>
         <comment>Reason</comment>
         <translation>不是项目文件</translation>
+    </message>
+    <message>
+        <source>no right to write to it</source>
+        <comment>Reason</comment>
+        <translation>没有写入权限</translation>
+    </message>
+    <message>
+        <source>the file is cut off</source>
+        <comment>Reason</comment>
+        <translation>文件不完整</translation>
+    </message>
+    <message>
+        <source>the file is empty</source>
+        <comment>Reason</comment>
+        <translation>文件为空</translation>
+    </message>
+    <message>
+        <source>the file is missing</source>
+        <comment>Reason</comment>
+        <translation>文件缺失</translation>
     </message>
     <message>
         <source>the file was replaced or removed</source>

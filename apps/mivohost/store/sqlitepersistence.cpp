@@ -1,16 +1,15 @@
 #include "store/sqlitepersistence.h"
 
-#include <QtCore/QDateTime>
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
-#include <QtCore/QLockFile>
-#include <QtSql/QSqlDatabase>
-#include <QtSql/QSqlError>
-#include <QtSql/QSqlQuery>
+#include <QtCore/QLocale>
 
-#include <atomic>
+#include <sqlite3.h>
+
+#include <algorithm>
 #include <utility>
+#include <vector>
 
 #ifdef Q_OS_UNIX
 #include <sys/stat.h>
@@ -20,160 +19,415 @@ namespace mivohost {
 
 namespace {
 
-// SQLite's primary result codes.
-enum Code {
-    notFromSqlite = -1,
-    ok = 0,
-    error = 1,
-    busy = 5,
-    corrupt = 11,
-    cannotOpen = 14,
-    notADatabase = 26
-};
+using Status = SqlitePersistence::Status;
 
 constexpr int layoutVersion = 1;
-constexpr int patience = 200; // ms, with one that is just ending
+constexpr int busyTimeout = 200; // ms, for another process that is just ending
+constexpr qint64 databaseHeader = 100;
+constexpr qint64 walHeader = 32;
+constexpr auto ownerOnly = QFileDevice::ReadOwner | QFileDevice::WriteOwner;
 
-int codeOf(const QSqlError& sqlError)
+QString text(const char* utf8)
 {
-    bool isNumber = false;
-    const int code = sqlError.nativeErrorCode().toInt(&isNumber);
-    // The low byte is the primary code. An error without one is not the file's fault.
-    return isNumber && code > 0 ? code & 0xff : Code::notFromSqlite;
+    return QString::fromUtf8(utf8);
 }
 
-bool meansUnreadable(int code)
+/// An SQLite file. Once something has failed, status() and error() say what.
+class Database
 {
-    return code == Code::error || code == Code::corrupt || code == Code::cannotOpen
-           || code == Code::notADatabase;
+public:
+    Database(const QString& path, int flags)
+    {
+        const int code = sqlite3_open_v2(path.toUtf8().constData(), &m_handle, flags, nullptr);
+        sqlite3_busy_timeout(m_handle, busyTimeout);
+        if (accept(code) && (flags & SQLITE_OPEN_READWRITE) != 0
+            && sqlite3_db_readonly(m_handle, "main") == 1) {
+            fail(Status::failed, QStringLiteral("no right to write to it"));
+        }
+    }
+    ~Database() { sqlite3_close(m_handle); }
+
+    Database(const Database&) = delete;
+    Database& operator=(const Database&) = delete;
+
+    Status status() const { return m_status; }
+    const QString& error() const { return m_error; }
+    sqlite3* handle() const { return m_handle; }
+
+    /// Whether closing the file moves the log into it.
+    void moveLogOnClose(bool moves)
+    {
+        sqlite3_db_config(m_handle, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, moves ? 0 : 1, nullptr);
+    }
+    sqlite3* release() { return std::exchange(m_handle, nullptr); }
+
+    bool run(const char* statements)
+    {
+        return accept(sqlite3_exec(m_handle, statements, nullptr, nullptr, nullptr));
+    }
+
+    /// Runs a query and hands each row to `take`.
+    template <typename Take>
+    bool query(const char* statement, Take take)
+    {
+        sqlite3_stmt* rows = nullptr;
+        int code = sqlite3_prepare_v2(m_handle, statement, -1, &rows, nullptr);
+        while (code == SQLITE_OK && sqlite3_step(rows) == SQLITE_ROW) {
+            take(rows);
+        }
+        // Also says what sqlite3_step() met with.
+        return accept(code == SQLITE_OK ? sqlite3_finalize(rows) : code);
+    }
+
+    /// Whether the file is whole and this version knows its layout.
+    bool check()
+    {
+        QString result;
+        int version = 0;
+        if (!query("PRAGMA quick_check(1)", [&](auto* row) { result = column(row, 0).toString(); })
+            || !query("PRAGMA user_version",
+                      [&](auto* row) { version = column(row, 0).toInt(); })) {
+            return false;
+        }
+        if (result != QLatin1String("ok")) {
+            fail(Status::damaged, result);
+            return false;
+        }
+        moveLogOnClose(true);
+        if (version > layoutVersion) {
+            fail(Status::failed, QStringLiteral("written by a later version"));
+        }
+        return m_status == Status::opened;
+    }
+
+    bool makeTable()
+    {
+        static_assert(layoutVersion == 1);
+        return run("CREATE TABLE IF NOT EXISTS setting (key TEXT PRIMARY KEY, value) WITHOUT ROWID;"
+                   "PRAGMA user_version=1");
+    }
+
+    bool read(QVariantHash& rows)
+    {
+        return query("SELECT key, value FROM setting",
+                     [&](auto* row) { rows.insert(column(row, 0).toString(), column(row, 1)); });
+    }
+
+    /// Replaces the content by that of `source`.
+    bool copyFrom(sqlite3* source)
+    {
+        sqlite3_backup* backup = sqlite3_backup_init(m_handle, "main", source, "main");
+        if (backup != nullptr) {
+            sqlite3_backup_step(backup, -1);
+            sqlite3_backup_finish(backup);
+        }
+        return accept(sqlite3_errcode(m_handle));
+    }
+
+private:
+    static QVariant column(sqlite3_stmt* row, int index)
+    {
+        switch (sqlite3_column_type(row, index)) {
+        case SQLITE_INTEGER:
+            return static_cast<qlonglong>(sqlite3_column_int64(row, index));
+        case SQLITE_FLOAT:
+            return sqlite3_column_double(row, index);
+        case SQLITE_NULL:
+            return {};
+        default:
+            return text(reinterpret_cast<const char*>(sqlite3_column_text(row, index)));
+        }
+    }
+
+    bool accept(int code)
+    {
+        if (code == SQLITE_OK) {
+            return true;
+        }
+        QString reason = text(sqlite3_errmsg(m_handle));
+        const int system = sqlite3_system_errno(m_handle);
+        code &= 0xff; // without what SQLite adds to its codes
+        if ((code == SQLITE_CANTOPEN || code == SQLITE_IOERR) && system != 0) {
+            reason += QStringLiteral(" (%1)").arg(qt_error_string(system));
+        }
+        const bool inUse = code == SQLITE_BUSY || code == SQLITE_LOCKED;
+        // SQLITE_ERROR: the table is not as it should be.
+        const bool damaged =
+            code == SQLITE_CORRUPT || code == SQLITE_NOTADB || code == SQLITE_ERROR;
+        fail(inUse ? Status::inUse : damaged ? Status::damaged : Status::failed, reason);
+        return false;
+    }
+
+    void fail(Status status, const QString& reason)
+    {
+        m_status = status;
+        m_error = reason;
+    }
+
+    sqlite3* m_handle = nullptr;
+    Status m_status = Status::opened;
+    QString m_error;
+};
+
+/// A copy that was made once, by its number: the clock of a machine may go back.
+QString copyPath(const QString& path, int number)
+{
+    return QStringLiteral("%1.copy-%2").arg(path).arg(number);
 }
 
-QString freeAsidePath(const QString& path)
+/// The numbers of the copies that there are, the newest first.
+std::vector<int> copiesOf(const QString& path)
+{
+    const QFileInfo file(path);
+    const QString prefix = file.fileName() + QStringLiteral(".copy-");
+    std::vector<int> numbers;
+    for (const QString& name : file.dir().entryList(QDir::Files | QDir::Hidden)) {
+        bool isNumber = false;
+        const int number = name.mid(prefix.size()).toInt(&isNumber);
+        if (name.startsWith(prefix) && isNumber) {
+            numbers.push_back(number);
+        }
+    }
+    std::sort(numbers.rbegin(), numbers.rend());
+    return numbers;
+}
+
+/// Whether this version can read the copy.
+bool readCopy(const QString& path, QVariantHash& rows)
+{
+    Database database(path, SQLITE_OPEN_READONLY);
+    rows.clear();
+    return database.status() == Status::opened && database.check() && database.read(rows);
+}
+
+/// The newest copy that can be read, or nothing.
+QString goodCopyOf(const QString& path, QVariantHash& rows)
+{
+    for (const int number : copiesOf(path)) {
+        const QString copy = copyPath(path, number);
+        if (readCopy(copy, rows)) {
+            return copy;
+        }
+    }
+    return {};
+}
+
+/// Makes a file of its own, with what `source` holds or with no setting. Empty, or why it did not
+/// work.
+QString makeFile(const QString& path, sqlite3* source)
+{
+    QFile::remove(path); // of a process that was killed while making it, as the journal
+    QFile::remove(path + QStringLiteral("-journal"));
+    Database fresh(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+    if (fresh.status() != Status::opened) {
+        return fresh.error();
+    }
+    QFile::setPermissions(path, ownerOnly);
+    if (source == nullptr ? fresh.makeTable()
+                          : fresh.copyFrom(source) && fresh.run("PRAGMA journal_mode=DELETE")) {
+        return {};
+    }
+    return fresh.error();
+}
+
+/// Renames a file that is made, to a name that is free. Empty, or why it did not work.
+QString rename(const QString& from, const QString& to)
+{
+    QFile file(from);
+    return file.rename(to) ? QString() : file.errorString();
+}
+
+/// What is to be put aside when the file at `path` is damaged.
+QStringList partsOf(const QString& path)
+{
+    QStringList parts;
+    for (const char* suffix : {"-wal", "-shm", "-journal", ""}) {
+        if (QFileInfo::exists(path + QLatin1String(suffix))) {
+            parts.append(QLatin1String(suffix));
+        }
+    }
+    return parts;
+}
+
+/// Renames the file and what SQLite keeps beside it, all of it or nothing. Empty, or why it did not
+/// work; `names` has the new names.
+QString putAside(const QString& path, QStringList& names)
 {
     const QString stem =
         path + QStringLiteral(".unreadable-")
-        + QDateTime::currentDateTimeUtc().toString(QStringLiteral("yyyyMMdd-hhmmss"));
-    QString candidate = stem;
-    for (int n = 2; QFileInfo::exists(candidate); ++n) {
-        candidate = stem + QLatin1Char('-') + QString::number(n);
+        + QLocale::c().toString(QDateTime::currentDateTimeUtc(), QStringLiteral("yyyyMMdd-hhmmss"));
+    QString aside = stem;
+    for (int n = 2; !partsOf(aside).isEmpty(); ++n) {
+        aside = stem + QLatin1Char('-') + QString::number(n);
     }
-    return candidate;
+    QStringList moved;
+    for (const QString& part : partsOf(path)) {
+        const QString error = rename(path + part, aside + part);
+        if (!error.isEmpty()) {
+            for (const QString& back : qAsConst(moved)) {
+                rename(aside + back, path + back);
+            }
+            return error;
+        }
+        moved.append(part);
+        names.prepend(QFileInfo(aside + part).fileName());
+    }
+    return {};
 }
 
-/// Renames the file and what SQLite keeps beside it, or nothing.
-bool putAside(const QString& path, const QString& asidePath)
+/// SQLite would make an empty database of such a file, and throw away the writes beside it.
+QString missingPart(const QString& path, bool hasCopies)
 {
-    const auto renameBeside = [](const QString& from, const QString& to) {
-        for (const char* suffix : {"-wal", "-shm"}) {
-            QFile::rename(from + QLatin1String(suffix), to + QLatin1String(suffix));
-        }
-    };
-    renameBeside(path, asidePath);
-    if (QFile::rename(path, asidePath)) {
-        return true;
+    const QFileInfo file(path);
+    if (file.exists() && (file.size() >= databaseHeader || !file.isFile())) {
+        return {};
     }
-    renameBeside(asidePath, path); // they hold its last settings
-    return false;
+    if (file.exists()) {
+        return file.size() == 0 ? QStringLiteral("the file is empty")
+                                : QStringLiteral("the file is cut off");
+    }
+    const bool hasWrites = QFileInfo(path + QStringLiteral("-wal")).size() > walHeader;
+    return hasWrites || hasCopies ? QStringLiteral("the file is missing") : QString();
 }
 
 } // namespace
 
-SqlitePersistence::Opened SqlitePersistence::open(const QString& path, Unreadable unreadable)
+/// One try with the lock held; says in `result` what came of it.
+std::unique_ptr<SqlitePersistence> SqlitePersistence::openLocked(const QString& path,
+                                                                 Opened& result)
 {
-    Opened result;
-    QDir().mkpath(QFileInfo(path).absolutePath());
-    // SQLite locks the file, which another one may replace; this locks the place. On a full disk it
-    // cannot be written, which keeps nobody from reading.
-    auto lock = std::make_unique<QLockFile>(path + QStringLiteral(".lock"));
-    if (!lock->tryLock(patience) && lock->error() == QLockFile::LockFailedError) {
-        result.status = Status::inUse;
-        return result;
+    std::unique_ptr<SqlitePersistence> persistence(new SqlitePersistence(path));
+    // SQLite locks the file, which somebody may replace; this locks the place.
+    const std::string lockPath = (path + QStringLiteral(".lock")).toStdString();
+    const auto locked = persistence->m_lock.lock(lockPath, busyTimeout);
+    if (locked != FileLock::Result::locked) {
+        const bool inUse = locked == FileLock::Result::inUse;
+        result.status = inUse ? Status::inUse : Status::failed;
+        result.error = QString::fromStdString(lockPath + ": " + persistence->m_lock.error());
+        return persistence;
     }
-    int code = Code::ok;
-    result.persistence = tryOpen(path, code, result.error);
-    if (unreadable == Unreadable::putAside && meansUnreadable(code) && QFileInfo::exists(path)) {
-        result.asidePath = freeAsidePath(path);
-        if (putAside(path, result.asidePath)) {
-            result.persistence = tryOpen(path, code, result.error);
+    result.error = missingPart(path, !copiesOf(path).empty());
+    if (!result.error.isEmpty()) {
+        result.status = Status::damaged;
+        return persistence;
+    }
+    if (!QFileInfo::exists(path)) { // made aside, so that no crash leaves an empty file
+        const QString fresh = path + QStringLiteral(".new");
+        result.error = makeFile(fresh, nullptr);
+        if (result.error.isEmpty()) {
+            result.error = rename(fresh, path);
+        }
+        if (!result.error.isEmpty()) {
+            result.status = Status::failed;
+            return persistence;
         }
     }
-    if (result.persistence) {
-        result.persistence->m_lock = std::move(lock);
-        result.status = result.asidePath.isEmpty() ? Status::opened : Status::putAside;
-    } else {
-        result.status = code == Code::busy ? Status::inUse : Status::failed;
+    QFile::setPermissions(path, ownerOnly);
+    Database database(path, SQLITE_OPEN_READWRITE);
+    database.moveLogOnClose(false); // until the file is known to be whole
+    // The exclusive mode comes first: without it SQLite needs a file of shared memory. Each commit
+    // is one flushed write to the log; the checkpoint after it keeps the file complete by itself.
+    if (database.status() == Status::opened && database.run("PRAGMA locking_mode=EXCLUSIVE")
+        && database.check() && database.read(persistence->m_rows)
+        && database.run("PRAGMA journal_mode=WAL") && database.run("PRAGMA synchronous=FULL")
+        && database.run("PRAGMA wal_autocheckpoint=1") && database.run("BEGIN IMMEDIATE; COMMIT")) {
+        persistence->m_file = idOf(path);
+        persistence->m_database = database.release();
+    }
+    result.status = database.status();
+    result.error = database.error();
+    return persistence;
+}
+
+SqlitePersistence::Opened SqlitePersistence::open(const QString& path)
+{
+    const QFileInfo folder(QFileInfo(path).absolutePath());
+    if (!folder.exists() && QDir().mkpath(folder.filePath())) {
+        QFile::setPermissions(folder.filePath(), ownerOnly | QFileDevice::ExeOwner);
+    }
+    Opened result;
+    auto persistence = openLocked(path, result);
+    if (result.status == Status::opened) {
+        result.persistence = std::move(persistence);
+    } else if (result.status == Status::damaged) {
+        QVariantHash rows;
+        result.copyTime = QFileInfo(goodCopyOf(path, rows)).lastModified();
     }
     return result;
 }
 
-std::unique_ptr<SqlitePersistence> SqlitePersistence::tryOpen(const QString& path, int& code,
-                                                              QString& error)
+SqlitePersistence::Opened SqlitePersistence::recover(const QString& path)
 {
-    static std::atomic<int> opened{0};
-    std::unique_ptr<SqlitePersistence> persistence(
-        new SqlitePersistence(QStringLiteral("settings-%1").arg(++opened)));
-    QSqlDatabase database =
-        QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), persistence->m_connection);
-    database.setDatabaseName(path);
-    database.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=%1").arg(patience));
-
-    const auto fail = [&](const QSqlError& sqlError) {
-        code = codeOf(sqlError);
-        error = sqlError.text();
-        return nullptr;
-    };
-    if (!database.open()) {
-        return fail(database.lastError());
-    }
-    QSqlQuery query(database);
-    // The exclusive mode comes first: the system releases the lock even when the process is killed.
-    for (const char* statement : {"PRAGMA locking_mode=EXCLUSIVE", "PRAGMA journal_mode=WAL",
-                                  "PRAGMA synchronous=FULL", "BEGIN IMMEDIATE", "COMMIT"}) {
-        if (!query.exec(QLatin1String(statement))) {
-            return fail(query.lastError());
+    Opened result;
+    auto persistence = openLocked(path, result);
+    if (result.status != Status::damaged) {
+        if (result.status == Status::opened) {
+            result.persistence = std::move(persistence);
         }
+        return result;
     }
-    if (!query.exec(QStringLiteral("PRAGMA quick_check")) || !query.next()) {
-        return fail(query.lastError());
+    QVariantHash rows;
+    const QString copy = goodCopyOf(path, rows);
+    const QString fresh = path + QStringLiteral(".new");
+    {
+        const Database source(copy, SQLITE_OPEN_READONLY); // with no path, an empty one
+        // Before anything is moved: the disk may be full.
+        result.error = makeFile(fresh, copy.isEmpty() ? nullptr : source.handle());
     }
-    if (query.value(0).toString() != QLatin1String("ok")) {
-        return fail(QSqlError(QString(), query.value(0).toString(), QSqlError::StatementError,
-                              QString::number(Code::corrupt)));
+    QStringList aside;
+    if (result.error.isEmpty()) {
+        result.error = putAside(path, aside);
     }
-    if (!query.exec(QStringLiteral("PRAGMA user_version")) || !query.next()) {
-        return fail(query.lastError());
+    if (result.error.isEmpty()) {
+        result.error = rename(fresh, path);
     }
-    const int version = query.value(0).toInt();
-    if (version > layoutVersion) {
-        return fail(QSqlError(QString(), QStringLiteral("written by a later version"),
-                              QSqlError::StatementError, QString::number(Code::corrupt)));
+    if (!result.error.isEmpty()) {
+        result.status = Status::failed;
+        return result;
     }
-    query.finish();
-    QStringList statements{QStringLiteral("CREATE TABLE IF NOT EXISTS setting "
-                                          "(key TEXT PRIMARY KEY, value) WITHOUT ROWID"),
-                           QStringLiteral("SELECT key, value FROM setting")};
-    if (version != layoutVersion) { // a full disk keeps nobody from reading
-        statements.append(QStringLiteral("PRAGMA user_version=%1").arg(layoutVersion));
-    }
-    for (const QString& statement : qAsConst(statements)) {
-        if (!query.exec(statement)) {
-            return fail(query.lastError());
-        }
-    }
-    persistence->m_file = idOf(path);
-    code = Code::ok;
-    error.clear();
-    return persistence;
+    persistence.reset(); // gives up the lock, to be taken again
+    result = open(path);
+    result.aside = aside;
+    result.copyTime = QFileInfo(copy).lastModified();
+    return result;
 }
-
-SqlitePersistence::SqlitePersistence(QString connectionName)
-    : m_connection(std::move(connectionName))
-{}
 
 SqlitePersistence::~SqlitePersistence()
 {
-    QSqlDatabase::database(m_connection, false).close();
-    QSqlDatabase::removeDatabase(m_connection);
+    sqlite3_close(m_database); // the last act on the log is to remove it
+}
+
+QString SqlitePersistence::keepCopy()
+{
+    QVariantHash rows;
+    const QString newest = goodCopyOf(m_path, rows);
+    if (!newest.isEmpty() && rows == m_rows) { // as good as one of now
+        QFile file(newest);
+        return file.open(QIODevice::ReadWrite)
+                       && file.setFileTime(QDateTime::currentDateTime(),
+                                           QFileDevice::FileModificationTime)
+                   ? QString()
+                   : file.errorString();
+    }
+    const std::vector<int> older = copiesOf(m_path);
+    const QString fresh = m_path + QStringLiteral(".new");
+    QString error = makeFile(fresh, m_database);
+    if (error.isEmpty()) {
+        error = rename(fresh, copyPath(m_path, older.empty() ? 1 : older.front() + 1));
+    }
+    if (!error.isEmpty()) {
+        QFile::remove(fresh);
+        return error;
+    }
+    int good = 1;
+    for (const int number : older) {
+        if (good == copiesKept) {
+            QFile::remove(copyPath(m_path, number));
+        } else if (readCopy(copyPath(m_path, number), rows)) {
+            ++good;
+        }
+    }
+    return {};
 }
 
 /// On Windows all are the same: there nobody can replace a file that is open.
@@ -192,32 +446,38 @@ SqlitePersistence::FileId SqlitePersistence::idOf(const QString& path)
     return {};
 }
 
-QVariantHash SqlitePersistence::loadAll()
-{
-    QVariantHash rows;
-    QSqlQuery query(QSqlDatabase::database(m_connection, false));
-    query.exec(QStringLiteral("SELECT key, value FROM setting"));
-    while (query.next()) {
-        rows.insert(query.value(0).toString(), query.value(1));
-    }
-    return rows;
-}
-
 bool SqlitePersistence::write(const QString& key, const QVariant& value)
 {
-    const QSqlDatabase database = QSqlDatabase::database(m_connection, false);
-    if (idOf(database.databaseName()) != m_file) {
+    if (idOf(m_path) != m_file) {
         m_error = QStringLiteral("the file was replaced or removed");
         return false;
     }
-    QSqlQuery query(database);
-    query.prepare(QStringLiteral("INSERT INTO setting (key, value) VALUES (?, ?) "
-                                 "ON CONFLICT (key) DO UPDATE SET value = excluded.value"));
-    query.addBindValue(key);
-    query.addBindValue(value);
-    const bool written = query.exec();
-    m_error = written ? QString() : query.lastError().text();
-    return written;
+    sqlite3_stmt* statement = nullptr;
+    int code = sqlite3_prepare_v2(m_database,
+                                  "INSERT INTO setting (key, value) VALUES (?, ?) "
+                                  "ON CONFLICT (key) DO UPDATE SET value = excluded.value",
+                                  -1, &statement, nullptr);
+    if (code == SQLITE_OK) {
+        const auto bind = [statement](int index, const QString& utf16) {
+            const QByteArray utf8 = utf16.toUtf8();
+            sqlite3_bind_text(statement, index, utf8.constData(), utf8.size(), SQLITE_TRANSIENT);
+        };
+        bind(1, key);
+        if (value.userType() == QMetaType::Double) {
+            sqlite3_bind_double(statement, 2, value.toDouble());
+        } else if (value.userType() == QMetaType::QString) {
+            bind(2, value.toString());
+        } else {
+            sqlite3_bind_int64(statement, 2, value.toLongLong());
+        }
+        sqlite3_step(statement);
+        code = sqlite3_finalize(statement);
+    }
+    m_error = code == SQLITE_OK ? QString() : text(sqlite3_errmsg(m_database));
+    if (code == SQLITE_OK) {
+        m_rows.insert(key, value);
+    }
+    return code == SQLITE_OK;
 }
 
 } // namespace mivohost

@@ -2,40 +2,55 @@
 
 #include "mivohostkit/settingspersistence.h"
 
+#include <zrcutils/filelock.h>
+
+#include <QtCore/QDateTime>
+#include <QtCore/QStringList>
+
 #include <memory>
 #include <utility>
 
-class QLockFile;
+struct sqlite3;
 
 namespace mivohost {
 
-/// Settings in one SQLite file that this process alone has open, one row per setting.
+/// Settings in one SQLite file that this process alone has open, one row per setting, and the last
+/// good copies of it beside it. Everything on the runtime thread.
 class SqlitePersistence : public SettingsPersistence
 {
 public:
+    static constexpr int copiesKept = 3;
+
     enum class Status {
         opened,
-        putAside, ///< opened anew; the unreadable file was renamed to `asidePath`
-        inUse,    ///< another process has the file open
-        failed    ///< `error` says why
+        damaged, ///< unreadable, emptied or missing; recover() goes on from there
+        inUse,   ///< another process has the file open
+        failed   ///< not damaged, but it cannot be used, for example for lack of rights
     };
     struct Opened
     {
         Status status = Status::failed;
-        std::unique_ptr<SqlitePersistence> persistence; ///< null when in use or failed
-        QString asidePath;
-        QString error;
+        std::unique_ptr<SqlitePersistence> persistence; ///< null unless opened
+        QString error;                                  ///< why it is not opened
+        QDateTime copyTime; ///< of the newest good copy, when damaged or recovered; invalid: none
+        QStringList aside;  ///< names under which recover() has kept what it found
     };
-    enum class Unreadable { putAside, refused };
 
-    /// Opens or makes the file and its folder, and a lock file beside it. A file that cannot be
-    /// read is put aside, or makes it fail. To be called, and the result used and destroyed, on the
-    /// runtime thread.
-    static Opened open(const QString& path, Unreadable unreadable = Unreadable::putAside);
+    /// Opens the file, or makes it and its folder where neither it nor a copy of it has ever been.
+    /// Leaves everything as it is unless it is opened.
+    static Opened open(const QString& path);
+
+    /// Keeps the damaged file and what belongs to it under other names, and opens the newest good
+    /// copy in its place, or an empty file where there is none.
+    static Opened recover(const QString& path);
 
     ~SqlitePersistence() override;
 
-    QVariantHash loadAll() override;
+    /// Copies the file as the newest good one, unless that one holds the same, and drops all copies
+    /// but the newest. Empty, or why it did not work.
+    QString keepCopy();
+
+    QVariantHash loadAll() override { return m_rows; }
     bool write(const QString& key, const QVariant& value) override;
     QString lastError() const override { return m_error; }
 
@@ -45,18 +60,18 @@ public:
 private:
     using FileId = std::pair<quint64, quint64>; ///< device and number
 
-    explicit SqlitePersistence(QString connectionName);
+    explicit SqlitePersistence(QString path) : m_path(std::move(path)) {}
 
-    /// One try; on an error the SQLite result code is in `code`.
-    static std::unique_ptr<SqlitePersistence> tryOpen(const QString& path, int& code,
-                                                      QString& error);
+    static std::unique_ptr<SqlitePersistence> openLocked(const QString& path, Opened& result);
 
     static FileId idOf(const QString& path);
 
-    QString m_connection;
+    QString m_path;
     QString m_error;
+    QVariantHash m_rows; // as they were when it was opened, and as they were written since
     FileId m_file;
-    std::unique_ptr<QLockFile> m_lock;
+    FileLock m_lock;
+    sqlite3* m_database = nullptr;
 };
 
 } // namespace mivohost

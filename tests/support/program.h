@@ -1,0 +1,42 @@
+#pragma once
+
+#include "support/rfbclient.h"
+
+#include <QtCore/QProcess>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+
+/// That of a user whose files are in `home`.
+QProcessEnvironment environmentOf(const QString& home, const QString& platform);
+
+/// The reference host as its own process, with a person in front of it.
+class Program
+{
+public:
+    explicit Program(const QString& home, const QStringList& arguments = {});
+    ~Program() { signal(9); }
+
+    bool hasScreen() { return m_person.connectTo(m_port); }
+    RfbClient& person() { return m_person; }
+
+    /// From the settings dialog's first focus to the undo steps.
+    void reachUndoSteps();
+
+    /// Waits until the program has said `text`, from where the last call left off; `most` in ms.
+    bool says(const QByteArray& text, int most = 20000);
+
+    bool ends() { return m_process.waitForFinished(20000); }
+    int exitCode() const { return m_process.exitCode(); }
+    QByteArray output() { return m_said + m_process.readAll(); }
+    qint64 id() const { return m_process.processId(); }
+
+    /// Sends a signal, by default one that ends it at once, and waits for the end.
+    void signal(int number);
+    void kill() { signal(9); }
+
+private:
+    quint16 m_port = 0;
+    QProcess m_process;
+    QByteArray m_said;
+    RfbClient m_person;
+};

@@ -1,0 +1,294 @@
+#include "store/sqlitepersistence.h"
+
+#include "support/files.h"
+#include "support/otherprocess.h"
+
+#include <gtest/gtest.h>
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QDir>
+#include <QtCore/QProcess>
+#include <QtCore/QTemporaryDir>
+
+#include <sqlite3.h>
+#include <unistd.h>
+
+#include <csignal>
+
+namespace sqlitepersistencetest {
+
+using mivohost::SqlitePersistence;
+using Status = SqlitePersistence::Status;
+
+namespace {
+
+class StoreFile : public ::testing::Test
+{
+protected:
+    QString path() const { return folder.filePath("settings.sqlite"); }
+
+    /// Runs statements on the file with nothing of the host's between.
+    void execute(const char* statements) const
+    {
+        sqlite3* database = nullptr;
+        ASSERT_EQ(sqlite3_open(path().toUtf8().constData(), &database), SQLITE_OK);
+        EXPECT_EQ(sqlite3_exec(database, statements, nullptr, nullptr, nullptr), SQLITE_OK);
+        sqlite3_close(database);
+    }
+
+    /// What belongs to the store, with its content.
+    QMap<QString, QByteArray> files() const
+    {
+        QMap<QString, QByteArray> found;
+        for (const QString& name : QDir(folder.path()).entryList({"settings*"})) {
+            const QString path = folder.filePath(name);
+            // SQLite leaves an empty log.
+            if (!name.endsWith(".lock") && (!name.endsWith("-wal") || QFileInfo(path).size() > 0)) {
+                found[path] = readFile(path);
+            }
+        }
+        return found;
+    }
+
+    QTemporaryDir folder;
+};
+
+} // namespace
+
+TEST_F(StoreFile, IsMadeWithItsFolderAndReadAgain)
+{
+    const QString deep = folder.filePath(QStringLiteral("a/设置/settings.sqlite"));
+    {
+        auto opened = SqlitePersistence::open(deep);
+        ASSERT_EQ(opened.status, Status::opened) << opened.error.toStdString();
+        EXPECT_TRUE(opened.persistence->loadAll().isEmpty());
+        EXPECT_TRUE(opened.persistence->write("undoStep", 80));
+        EXPECT_TRUE(opened.persistence->write("undoStep", 81));
+        EXPECT_TRUE(opened.persistence->write("language", QStringLiteral("zh_cn")));
+        EXPECT_TRUE(opened.persistence->write("fadeInTime", 0.1 + 0.2));
+    }
+    const QByteArray content = readFile(deep);
+    {
+        auto again = SqlitePersistence::open(deep);
+        ASSERT_EQ(again.status, Status::opened);
+        EXPECT_EQ(
+            again.persistence->loadAll(),
+            (QVariantHash{{"undoStep", 81}, {"language", "zh_cn"}, {"fadeInTime", 0.1 + 0.2}}));
+        EXPECT_EQ(QFileInfo(deep + "-wal").size(), 0) << "reading needs no room on the disk";
+    }
+    EXPECT_EQ(readFile(deep), content);
+}
+
+TEST_F(StoreFile, BelongsToOneAndKeepsNothingInOneThatWasReplaced)
+{
+    auto opened = SqlitePersistence::open(path());
+    const QString moved = path() + ".moved";
+    const std::pair<const char*, std::function<void()>> cases[]{
+        {"removed", [] {}},
+        {"replaced", [&] { QFile::copy(moved, path()); }},
+    };
+    for (const auto& [label, spoil] : cases) {
+        EXPECT_TRUE(opened.persistence->write("undoStep", 80)) << label;
+        QFile::rename(path(), moved);
+        spoil();
+        EXPECT_FALSE(opened.persistence->write("undoStep", 81)) << label;
+        EXPECT_FALSE(opened.persistence->lastError().isEmpty()) << label;
+        EXPECT_EQ(SqlitePersistence::open(path()).status, Status::inUse) << label;
+        QFile::remove(path());
+        QFile::rename(moved, path());
+    }
+}
+
+TEST_F(StoreFile, ThatIsDamagedIsRecoveredFromItsNewestGoodCopyAndKept)
+{
+    // As after a kill: 80 is in the copy, 81 in the log alone.
+    {
+        auto opened = SqlitePersistence::open(path());
+        ASSERT_TRUE(opened.persistence->write("undoStep", 80));
+        EXPECT_EQ(opened.persistence->keepCopy(), "");
+        ASSERT_TRUE(opened.persistence->write("undoStep", 81));
+        for (const char* part : {"", "-wal", ".copy-1"}) {
+            writeFile(folder.filePath("killed") + part, readFile(path() + part));
+        }
+    }
+    const auto bring = [this](const char* part) {
+        writeFile(path() + part, readFile(folder.filePath("killed") + part));
+    };
+    const auto remove = [this] { QFile::remove(path()); };
+    const std::vector<std::tuple<const char*, Status, std::function<void()>>> cases{
+        {"killed", Status::opened, [] {}},
+        {"garbage", Status::damaged, [&] { writeFile(path(), QByteArray(5000, 'x')); }},
+        {"cut off", Status::damaged,
+         [&] {
+             QFile::resize(path(), 4096);
+             QFile::remove(path() + "-wal");
+         }},
+        {"cut off in its header", Status::damaged, [&] { QFile::resize(path(), 99); }},
+        {"emptied", Status::damaged, [&] { writeFile(path()); }},
+        {"missing", Status::damaged, remove},
+        {"another layout", Status::damaged,
+         [&] {
+             remove();
+             QFile::remove(path() + "-wal");
+             execute("CREATE TABLE setting (name TEXT)");
+         }},
+        {"a later version", Status::failed, [&] { execute("PRAGMA user_version=99"); }},
+        {"a folder", Status::failed,
+         [&] {
+             remove();
+             QDir().mkpath(path());
+         }},
+    };
+    for (const bool hasCopy : {true, false}) {
+        for (const auto& [label, status, damage] : cases) {
+            SCOPED_TRACE(std::string(label) + (hasCopy ? "" : ", without a copy"));
+            bring("");
+            bring("-wal");
+            if (hasCopy) {
+                bring(".copy-1");
+            }
+            damage();
+            const auto before = files();
+            auto opened = SqlitePersistence::open(path());
+            EXPECT_EQ(opened.status, status) << opened.error.toStdString();
+            EXPECT_EQ(opened.error.isEmpty(), status == Status::opened);
+            EXPECT_EQ(opened.copyTime.isValid(), hasCopy && status == Status::damaged);
+            if (status != Status::opened) {
+                EXPECT_EQ(files(), before) << "nothing was moved";
+                opened = SqlitePersistence::recover(path());
+            }
+            if (status == Status::failed) {
+                EXPECT_EQ(opened.status, status);
+                EXPECT_EQ(files(), before);
+            } else {
+                ASSERT_TRUE(opened.persistence) << opened.error.toStdString();
+                const QVariant held = opened.persistence->loadAll().value("undoStep");
+                EXPECT_EQ(held, status == Status::opened ? 81
+                                : hasCopy                ? QVariant(80)
+                                                         : QVariant());
+                EXPECT_TRUE(opened.persistence->write("undoStep", 82));
+                for (auto file = before.begin(); file != before.end(); ++file) {
+                    EXPECT_TRUE(status == Status::opened || files().values().contains(file.value()))
+                        << file.key().toStdString();
+                }
+                EXPECT_EQ(opened.aside.isEmpty(), status == Status::opened || before.isEmpty());
+            }
+            opened.persistence.reset();
+            for (const QString& name : QDir(folder.path()).entryList({"settings*"})) {
+                QFile::remove(folder.filePath(name)) || QDir().rmdir(folder.filePath(name));
+            }
+        }
+    }
+}
+
+TEST_F(StoreFile, KeepsItsLastThreeGoodCopiesWhateverTheClockSays)
+{
+    auto opened = SqlitePersistence::open(path());
+    const auto copies = [this] {
+        return QDir(folder.path()).entryList({"settings.sqlite.copy-*"}, QDir::Files, QDir::Name);
+    };
+    for (int step = 1; step <= 4; ++step) {
+        for (int start = 0; start < 2; ++start) { // nothing new at the second one
+            ASSERT_TRUE(opened.persistence->write("undoStep", step));
+            EXPECT_EQ(opened.persistence->keepCopy(), "");
+        }
+    }
+    EXPECT_EQ(copies(), (QStringList{"settings.sqlite.copy-2", "settings.sqlite.copy-3",
+                                     "settings.sqlite.copy-4"}));
+    // A bad one takes no good one's place.
+    writeFile(path() + ".copy-4", "garbage");
+    ASSERT_TRUE(opened.persistence->write("undoStep", 5));
+    EXPECT_EQ(opened.persistence->keepCopy(), "");
+    EXPECT_EQ(copies().size(), 4);
+    writeFile(path() + ".copy-5", "garbage");
+    opened.persistence.reset();
+    writeFile(path());
+    EXPECT_EQ(SqlitePersistence::recover(path()).persistence->loadAll().value("undoStep"), 3);
+}
+
+TEST_F(StoreFile, ThatLacksRightsIsRefusedWithTheReasonAndLeftAlone)
+{
+    SqlitePersistence::open(path()).persistence->write("undoStep", 80);
+    const auto permissions = [](int rights) { return QFileDevice::Permissions(rights); };
+    const std::tuple<const char*, int, int, const char*> cases[]{
+        {"no right to the file", 0x0000, 0x7777, "Permission denied"},
+        {"no right to write it", 0x4444, 0x7777, "no right to write"},
+        {"no right to the folder", 0x6666, 0x5555, "Permission denied"},
+    };
+    for (const auto& [label, file, parent, reason] : cases) {
+        QFile::setPermissions(path(), permissions(file));
+        QFile::setPermissions(folder.path(), permissions(parent));
+        QFile::remove(path() + ".lock");
+        const auto before = files();
+        QProcess other; // root may do everything
+        other.start(QCoreApplication::applicationFilePath(), {"--as-nobody", path()});
+        other.waitForFinished();
+        EXPECT_EQ(other.exitCode(), static_cast<int>(Status::failed)) << label;
+        const QByteArray said = other.readAllStandardOutput();
+        EXPECT_TRUE(said.contains(reason)) << label << ": " << said.constData();
+        EXPECT_EQ(files().keys(), before.keys()) << label;
+        QFile::setPermissions(folder.path(), permissions(0x7777));
+    }
+    const auto opened = SqlitePersistence::open("/proc/no/such/settings.sqlite");
+    EXPECT_EQ(opened.status, Status::failed);
+    EXPECT_FALSE(opened.error.isEmpty());
+}
+
+TEST_F(StoreFile, LosesNothingThatWasWrittenWhenTheProcessIsKilled)
+{
+    int known = 0;
+    for (int round = 0; round < 8; ++round) {
+        QProcess writer;
+        writer.start(QCoreApplication::applicationFilePath(), {"--as-store-writer", path()});
+        QByteArray said;
+        // Another moment each time, also in the middle of opening the file.
+        while (said.count('\n') < round * 7 && writer.waitForReadyRead()) {
+            said += writer.readAll();
+        }
+        ::kill(static_cast<pid_t>(writer.processId()), SIGKILL);
+        writer.waitForFinished();
+        said += writer.readAll();
+        said.truncate(said.lastIndexOf('\n') + 1);
+        if (!said.isEmpty()) {
+            known = said.trimmed().split('\n').last().toInt();
+        }
+        auto opened = SqlitePersistence::open(path());
+        ASSERT_EQ(opened.status, Status::opened) << opened.error.toStdString();
+        EXPECT_GE(opened.persistence->loadAll().value("count").toInt(), known);
+    }
+    EXPECT_GT(known, 0);
+}
+
+namespace {
+
+int runAsWriter(const QStringList& arguments)
+{
+    auto opened = SqlitePersistence::open(arguments.at(1));
+    opened.persistence->keepCopy();
+    int count = opened.persistence->loadAll().value("count").toInt();
+    while (opened.persistence->write("count", ++count)) {
+        std::printf("%d\n", count);
+        std::fflush(stdout);
+    }
+    return -1;
+}
+
+int openAsNobody(const QStringList& arguments)
+{
+    if (::geteuid() == 0 && ::setuid(65534) != 0) {
+        return -1;
+    }
+    const auto opened = SqlitePersistence::open(arguments.at(1));
+    std::printf("%s\n", qPrintable(opened.error));
+    return static_cast<int>(opened.status);
+}
+
+const bool registered = [] {
+    otherProcesses()["--as-store-writer"] = runAsWriter;
+    otherProcesses()["--as-nobody"] = openAsNobody;
+    return true;
+}();
+
+} // namespace
+
+} // namespace sqlitepersistencetest
