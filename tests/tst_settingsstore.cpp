@@ -92,7 +92,7 @@ TEST_F(Store, CorrectsFadeTimesAndRefusesRangesThatThereAreNot)
     }
 }
 
-TEST_F(Store, ResetsUnusableRowsToTheirDefaults)
+TEST_F(Store, LeavesUnusableRowsUntilTheyAreSet)
 {
     const std::vector<std::pair<QVariant, bool>> cases{
         {1, true},    {500, true},           {"80", true},    {0, false},
@@ -102,8 +102,11 @@ TEST_F(Store, ResetsUnusableRowsToTheirDefaults)
         log.clear();
         auto store = make({{"undoStep", row}, {"fromALaterVersion", "kept"}});
         EXPECT_EQ(store->getUndoStep() == 50, !usable) << row.toString().toStdString();
-        EXPECT_EQ(store->kept.rows["undoStep"] == 50, !usable);
+        EXPECT_EQ(store->kept.rows["undoStep"], row);
+        EXPECT_EQ(store->isKept("undoStep"), usable);
         EXPECT_EQ(log.lines().size(), usable ? 0U : 1U);
+        store->setUndoStep(50);
+        EXPECT_EQ(store->kept.rows["undoStep"], 50) << "also when it is the default";
         EXPECT_EQ(store->kept.rows["fromALaterVersion"], "kept");
     }
     EXPECT_FALSE(make({{"autoSyncResources", 2}})->getAutoSyncResources());

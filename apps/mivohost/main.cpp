@@ -153,7 +153,10 @@ int runWindow(MainWindow& window, ProjectFile& project, RuntimeThread& runtime,
                           notify("AutostartFailed"));
     }
     const EndRequests ends;
-    QObject::connect(&ends, &EndRequests::requested, &QApplication::quit);
+    QObject::connect(&ends, &EndRequests::requested, [&project] {
+        project.rescue(); // now, for where the display has gone no event is handled any more
+        QApplication::quit();
+    });
     const TimedActions timed(
         runtime, store,
         [&window, &project, allowed, tell = notify("PowerActionFailed")](
@@ -251,11 +254,19 @@ int run(const QCommandLineParser& arguments)
     if (withWindow) {
         // The shortcuts and the log have one owner, also when each has a store of its own.
         data.mkpath(QStringLiteral("."));
+        QFile::setPermissions(data.path(), QFileDevice::ReadOwner | QFileDevice::WriteOwner
+                                               | QFileDevice::ExeOwner); // for this user alone
         const QString lock = data.filePath(QStringLiteral("mivohost.lock"));
         switch (alone.lock(lock.toStdString(), 200)) {
         case FileLock::Result::locked:
             break;
         case FileLock::Result::inUse:
+            if (arguments.isSet(QStringLiteral("start-delay"))) {
+                return finished; // at log-on, but somebody was faster
+            }
+            if (!arguments.isSet(QStringLiteral("store")) && RunningInstance::show(data.path())) {
+                return finished;
+            }
             return refuse(storeInUse, hostText("DataInUse").arg(data.path()), true);
         case FileLock::Result::failed:
             return refuse(storeFailed,
@@ -285,6 +296,7 @@ int run(const QCommandLineParser& arguments)
     }
     const QString copyError =
         printing ? QString() : runtime.call([&] { return opened.persistence->keepCopy(); });
+    const QVariantHash kept = runtime.call([&] { return opened.persistence->loadAll(); });
     auto store = runtime.call([&] {
         return std::make_unique<SettingsStore>(std::move(opened.persistence), defaultFolders(data));
     });
@@ -310,6 +322,16 @@ int run(const QCommandLineParser& arguments)
             hostLog()->error("the settings file was put aside as {}", aside.toStdString());
             window.showNotice(QLatin1String(fromCopy ? "StoreFromCopy" : "StorePutAside"),
                               fromCopy ? timeText(opened.copyTime) : aside);
+        }
+        QStringList unusable;
+        for (const auto& [key, value] : runtime.call([&store] { return store->all(); })) {
+            if (kept.contains(key) && !store->isKept(key)) {
+                unusable.append(key);
+            }
+        }
+        if (!unusable.isEmpty()) {
+            window.showNotice(QStringLiteral("SettingsNotUsed"),
+                              unusable.join(QStringLiteral(", ")));
         }
         if (!copyError.isEmpty()) {
             window.showNotice(QStringLiteral("StoreCopyFailed"), copyError);

@@ -3,6 +3,7 @@
 #include "mivohostapi/pptresolutions.h"
 #include "mivohostkit/hostlog.h"
 
+#include <QtCore/QLocale>
 #include <QtCore/QRegularExpression>
 #include <QtCore/QTime>
 #include <QtNetwork/QHostAddress>
@@ -100,7 +101,7 @@ bool isIndex(const QString& text, int highest)
 
 bool isTimeOfDay(const QString& text)
 {
-    return QTime::fromString(text, QStringLiteral("hh:mm:ss")).isValid();
+    return QLocale::c().toTime(text, QStringLiteral("hh:mm:ss")).isValid();
 }
 
 bool isShutdown(const QString& record)
@@ -376,12 +377,9 @@ SettingsStore::SettingsStore(std::unique_ptr<SettingsPersistence> persistence,
             m_keptKeys.insert(setting.key);
             continue;
         }
-        hostLog()->warn("setting {} was {}, which it cannot be; reset to {}", setting.key,
-                        logged(*row), logged(fallback));
-        if (!m_persistence->write(setting.key, asRow(fallback))) {
-            hostLog()->error("setting {} could not be reset: {}", setting.key,
-                             m_persistence->lastError().toStdString());
-        }
+        // Perhaps a later version's: it stays there.
+        hostLog()->warn("setting {} cannot be {}, as it was kept; {} holds until it is set",
+                        setting.key, logged(*row), logged(fallback));
     }
     for (const Port port : {tcp, udp}) {
         m_ports[port] = as<STPortInfo>(value(portKeys[port]));
@@ -615,7 +613,9 @@ void SettingsStore::set(const char* key, const QVariant& wanted)
         hostLog()->warn("setting {} cannot be {}; taken as {}", key, logged(wanted),
                         logged(corrected));
     }
-    if (corrected != value(key)) {
+    const bool replacesUnusable =
+        corrected == wanted && !isKept(key) && m_persistence->loadAll().contains(key);
+    if (corrected != value(key) || replacesUnusable) {
         if (m_persistence->write(key, asRow(corrected))) {
             m_values[key] = corrected;
             m_keptKeys.insert(key);

@@ -921,6 +921,11 @@
         <translation>无法使用文件“%1”：%2</translation>
     </message>
     <message>
+        <source>SettingsNotUsed</source>
+        <comment>MainWindow</comment>
+        <translation>以下设置的保存值无法使用，在重新设置之前采用默认值：%1</translation>
+    </message>
+    <message>
         <source>StoreInUse</source>
         <comment>MainWindow</comment>
         <translation>设置文件“%1”正被另一个 mivohost 使用。请先将其关闭。</translation>

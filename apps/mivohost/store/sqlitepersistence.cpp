@@ -8,6 +8,7 @@
 #include <sqlite3.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <utility>
 #include <vector>
 
@@ -304,6 +305,10 @@ std::unique_ptr<SqlitePersistence> SqlitePersistence::openLocked(const QString& 
         const bool inUse = locked == FileLock::Result::inUse;
         result.status = inUse ? Status::inUse : Status::failed;
         result.error = QString::fromStdString(lockPath + ": " + persistence->m_lock.error());
+        return persistence;
+    }
+    if (QFileInfo(path).isDir()) { // SQLite would say that it cannot be written
+        result.error = qt_error_string(EISDIR);
         return persistence;
     }
     result.error = missingPart(path, !copiesOf(path).empty());

@@ -4,6 +4,7 @@
 #include "mivohostkit/runtimethread.h"
 #include "mivohostkit/settingsstore.h"
 
+#include <QtCore/QLocale>
 #include <QtCore/QPointer>
 
 #include <algorithm>
@@ -19,7 +20,7 @@ constexpr int daysLookedBack = 31; // for a deadline that was missed
 
 QTime timeOfDay(const std::string& text)
 {
-    return QTime::fromString(QString::fromStdString(text), QStringLiteral("hh:mm:ss"));
+    return QLocale::c().toTime(QString::fromStdString(text), QStringLiteral("hh:mm:ss"));
 }
 
 QDateTime wallOf(const QDateTime& now)
@@ -154,7 +155,7 @@ bool TimedActions::isDue(Kind& kind, const QDateTime& now, const Schedule& sched
         return false;
     }
     const std::string wall =
-        deadline->wall.toString(QStringLiteral("yyyy-MM-dd hh:mm:ss")).toStdString();
+        QLocale::c().toString(deadline->wall, QStringLiteral("yyyy-MM-dd hh:mm:ss")).toStdString();
     const auto logger = hostLog();
     if (deadline->due) {
         m_isCarriedOut = false;
