@@ -156,7 +156,7 @@
     <message>
         <source>Second</source>
         <comment>Widget</comment>
-        <translation>s</translation>
+        <translation> second</translation>
     </message>
     <message>
         <source>SlowLoadingSoundCardPrompt</source>
@@ -192,6 +192,11 @@
         <source>Day</source>
         <comment>Widget</comment>
         <translation>Day</translation>
+    </message>
+    <message>
+        <source>NoSuchDay</source>
+        <comment>Widget</comment>
+        <translation>This month has no such day: never restarts</translation>
     </message>
     <message>
         <source>AutomaticRestartCountdownTextPrefix</source>

@@ -194,6 +194,11 @@
         <translation>日</translation>
     </message>
     <message>
+        <source>NoSuchDay</source>
+        <comment>Widget</comment>
+        <translation>该月没有这一天：不会重启</translation>
+    </message>
+    <message>
         <source>AutomaticRestartCountdownTextPrefix</source>
         <comment>Widget</comment>
         <translation>电脑将在</translation>

@@ -73,6 +73,24 @@ inline void showIndex(QComboBox* combo, int index)
     combo->setCurrentIndex(index);
 }
 
+constexpr const char* usualWidth = "usualWidth";
+constexpr const char* usualHeight = "usualHeight";
+
+/// Gives a widget of a page that width. Where its texts need more, by a larger font or another
+/// style, it has that as long as it is shown: SettingPage sees to it.
+inline void setUsualWidth(QWidget* widget, int width)
+{
+    widget->setFixedWidth(width);
+    widget->setProperty(usualWidth, width);
+}
+
+/// The same for a height; of the page itself as well.
+inline void setUsualHeight(QWidget* widget, int height)
+{
+    widget->setFixedHeight(height);
+    widget->setProperty(usualHeight, height);
+}
+
 /// Lays nothing out while it lives, for the time in which many widgets are made or shown: each that
 /// is shown would have all layouts above it done anew. Of several for one layout the outermost
 /// counts.
@@ -100,7 +118,7 @@ private:
 /// A field for how long something plays: three seconds to one second before a day.
 inline void setUpDuration(QTimeEdit* edit, const QTime& initial)
 {
-    edit->setFixedWidth(100);
+    setUsualWidth(edit, 100);
     edit->setDisplayFormat(QStringLiteral("hh:mm:ss"));
     edit->setButtonSymbols(QAbstractSpinBox::UpDownArrows);
     edit->setTime(initial);
@@ -154,7 +172,7 @@ inline void addTip(QHBoxLayout* row, QLabel* icon, QLabel* text, int gap = 0)
     icon->setObjectName(QStringLiteral("shareSpaceTips"));
     icon->setFixedSize(13, 13);
     text->setObjectName(QStringLiteral("shareSpaceTipsText"));
-    text->setFixedHeight(18);
+    setUsualHeight(text, 18);
     auto* column = new QVBoxLayout;
     column->addStretch();
     column->addWidget(icon);

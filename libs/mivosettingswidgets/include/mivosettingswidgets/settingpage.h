@@ -38,6 +38,8 @@ public:
 protected:
     explicit SettingPageBase(QWidget* parent);
 
+    bool event(QEvent* event) override;
+
     /// Once, in the constructor of the page.
     void setImpl(std::unique_ptr<SettingPageImplBase> impl);
 

@@ -216,14 +216,16 @@ protected:
     /// Whether initSettings() is to show what it read by read(); as startFetching() found it.
     bool showsFetched() const { return m_showFetched; }
 
-    /// Writes a value to the store; without one, the null-store warning.
+    /// Writes a value to the store; without one, the null-store warning. False where the runtime
+    /// refused it.
     template <typename Setter, typename Value>
-    void submit(Setter setter, const Value& value, const CallSite& site = {})
+    bool submit(Setter setter, const Value& value, const CallSite& site = {})
     {
-        if (hasStore(site)) {
-            callInRuntime(zrRuntime, site.file, site.line, site.function, setter, sharedSettings,
-                          value);
-        }
+        const auto write = [this, setter, &value] {
+            std::invoke(setter, sharedSettings, value);
+            return true;
+        };
+        return !hasStore(site) || inRuntime(write, site);
     }
 
     using SettingPageImplBase::follow;

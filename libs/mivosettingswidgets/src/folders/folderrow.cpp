@@ -10,8 +10,10 @@
 #include <mivowidgets/tipdialog.h>
 
 #include <QtCore/QDir>
+#include <QtGui/QPainter>
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QLabel>
+#include <QtWidgets/QStyleOption>
 
 namespace mivo::settings {
 
@@ -19,17 +21,49 @@ using mivo::widgets::EditBox;
 using mivo::widgets::PushButton;
 using mivo::widgets::TipDialog;
 
+namespace {
+
+/// Shows the end of a path that is longer than the box, which is where paths differ. With the focus
+/// it is an edit like any other, in which the whole can be gone through.
+class PathEdit : public EditBox
+{
+public:
+    using EditBox::EditBox;
+
+protected:
+    void paintEvent(QPaintEvent* event) override
+    {
+        QStyleOptionFrame option;
+        initStyleOption(&option);
+        const int margin = 2; // as in every line edit
+        const QRect area =
+            style()->subElementRect(QStyle::SE_LineEditContents, &option, this) - textMargins();
+        const QRect line = area.adjusted(margin, 0, -margin, 0);
+        const QString elided = fontMetrics().elidedText(text(), Qt::ElideLeft, line.width());
+        if (hasFocus() || elided == text()) {
+            EditBox::paintEvent(event);
+            return;
+        }
+        QPainter painter(this);
+        style()->drawPrimitive(QStyle::PE_PanelLineEdit, &option, &painter, this);
+        painter.setPen(palette().color(QPalette::Text));
+        painter.drawText(line, static_cast<int>(alignment() | Qt::AlignVCenter), elided);
+    }
+};
+
+} // namespace
+
 FolderRow::Means::Means() : bytesAvailable(&qutils::bytesAvailable), clear(&qutils::clearFolder) {}
 
 FolderRow::FolderRow(QWidget* page, QWidget* tip, Means means)
-    : caption(new QLabel), edit(new EditBox), browse(new PushButton), clear(new PushButton),
+    : caption(new QLabel), edit(new PathEdit), browse(new PushButton), clear(new PushButton),
       space(new QLabel), layout(rowOf({caption, edit, browse, clear, space, tip})), m_page(page),
       m_tip(tip), m_means(std::move(means))
 {
     edit->setReadOnly(true);
     edit->setFixedWidth(180);
-    browse->setFixedHeight(24);
-    clear->setFixedHeight(24);
+    setUsualHeight(browse, 24);
+    setUsualHeight(clear, 24);
     clear->setEnabled(false); // like everything that needs a folder
     m_tip->hide();
     connect(clear, &PushButton::clicked, this, &FolderRow::startClearing);
@@ -70,6 +104,19 @@ void FolderRow::setPath(const QString& path)
     clear->setEnabled(!path.isEmpty());
     emit pathChanged(path);
     checkSpace();
+}
+
+void FolderRow::choose(const FolderRules& rules, const char* subFolder,
+                       const std::function<bool(const QString& path)>& write)
+{
+    const QString before = path();
+    QString chosen = before;
+    if (FolderSelection(rules, m_page).createSecLevelDir(chosen, subFolder)) {
+        setPath(chosen);
+        if (!write(chosen)) {
+            setPath(before);
+        }
+    }
 }
 
 void FolderRow::checkSpace()

@@ -20,6 +20,8 @@ class PushButton;
 
 namespace mivo::settings {
 
+struct FolderRules;
+
 /// The row of a folder on a page: caption, path, buttons, free space of the drive, and the tip that
 /// warns when that runs out. Clears the folder; choosing another one is the page's. GUI thread.
 class MIVOSETTINGSWIDGETS_TEST_EXPORT FolderRow : public QObject
@@ -59,6 +61,11 @@ public:
 
     /// Shows the path and the free space of its drive; nothing when the path is shown already.
     void setPath(const QString& path);
+
+    /// Has the person choose another folder by those rules, shows it and hands it to `write`; where
+    /// that returns false, the row shows the folder before.
+    void choose(const FolderRules& rules, const char* subFolder,
+                const std::function<bool(const QString& path)>& write);
 
     /// Asks for the free space again, and shows it: at once, or when the drive answers. Nothing is
     /// shown for a path without a drive.

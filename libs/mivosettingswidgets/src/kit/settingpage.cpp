@@ -1,7 +1,10 @@
 #include "mivosettingswidgets/settingpage.h"
 
+#include "kit/usualsize.h"
 #include "mivosettingswidgets/settingpageimpl.h"
 #include "mivosettingswidgets/texts.h"
+
+#include <QtCore/QEvent>
 
 namespace mivo::settings {
 
@@ -61,6 +64,16 @@ void SettingPageBase::setZRRuntime(IZRRuntime* runtime)
 void SettingPageBase::unsetSettings() const
 {
     m_impl->unsetSettings();
+}
+
+bool SettingPageBase::event(QEvent* event)
+{
+    const bool isTaken = ISettingBox::event(event);
+    // Not while it is hidden, which would style every control of a section that is never looked at.
+    if (event->type() == QEvent::Show || (event->type() == QEvent::LayoutRequest && isVisible())) {
+        fitUsualSizes(this);
+    }
+    return isTaken;
 }
 
 void SettingPage::setSettings(MivoSettings* settings)

@@ -186,7 +186,7 @@ void AudioSettingBox::Impl::layOut()
     owner->setObjectName(QStringLiteral("generalSettingGroupBox"));
     m_add->setObjectName(QStringLiteral("addMapping"));
     m_add->setProperty("style", QStringLiteral("general"));
-    m_add->setFixedHeight(24);
+    setUsualHeight(m_add, 24);
     auto* icon = new QLabel;
     icon->setObjectName(QStringLiteral("infoIcon"));
     icon->setFixedSize(12, 12);

@@ -161,8 +161,8 @@ void CodecControlSettingBox::Impl::layOut()
     owner->setObjectName(QStringLiteral("CodecControlSettingGroupBox"));
     m_label->setObjectName(QStringLiteral("MainProgramWindow"));
     m_card->setFixedWidth(240);
-    m_range->setFixedWidth(100);
-    m_standard->setFixedWidth(100);
+    setUsualWidth(m_range, 100);
+    setUsualWidth(m_standard, 100);
 
     auto* row = new QHBoxLayout;
     row->setSpacing(0);

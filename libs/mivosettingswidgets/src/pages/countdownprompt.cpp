@@ -74,8 +74,10 @@ QString CountdownPrompt::text() const
     QStringList words{settings::text(key + QStringLiteral("Prefix")),
                       QString::number(m_secondsLeft)};
     if (isEnglish()) {
-        words.append(settings::text(m_secondsLeft < 2 ? QStringLiteral("Second")
-                                                      : QStringLiteral("Seconds")));
+        // The one is also what follows a number directly elsewhere, with its blank.
+        words.append(
+            settings::text(m_secondsLeft < 2 ? QStringLiteral("Second") : QStringLiteral("Seconds"))
+                .trimmed());
     }
     words.append(settings::text(key + QStringLiteral("Suffix")));
     return joined(words);

@@ -2,7 +2,6 @@
 
 #include "mivosettingswidgets/controls.h"
 #include "mivosettingswidgets/settingpageimpl.h"
-#include "mivosettingswidgets/texts.h"
 
 #include <mivowidgets/pushbutton.h>
 #include <mivowidgets/spineditbox.h>
@@ -118,17 +117,17 @@ void DisplayControlSettingBox::Impl::layOut()
     m_fadeInLabel->setObjectName(QStringLiteral("FadeInTime"));
     m_fadeOutLabel->setObjectName(QStringLiteral("FadeOutTime"));
     for (SpinEditBox* fade : {m_fadeIn, m_fadeOut}) {
-        fade->setFixedWidth(72);
+        setUsualWidth(fade, 72);
         fade->setContextMenuPolicy(Qt::NoContextMenu);
     }
     m_apply->setObjectName(QStringLiteral("ApplyAllSettings"));
     m_apply->setProperty("style", QStringLiteral("general"));
-    m_apply->setFixedHeight(24);
+    setUsualHeight(m_apply, 24);
     m_hierarchyLabel->setObjectName(QStringLiteral("ImageHierarchy"));
     m_programMgr->setObjectName(QStringLiteral("ProgramMgrPriority"));
-    m_programMgr->setFixedHeight(24);
+    setUsualHeight(m_programMgr, 24);
     m_timeline->setObjectName(QStringLiteral("TimelinePriority"));
-    m_timeline->setFixedHeight(24);
+    setUsualHeight(m_timeline, 24);
 
     auto* rateRow = rowOf({m_mfps, m_efps});
     rateRow->setSpacing(16);
@@ -175,8 +174,8 @@ void DisplayControlSettingBox::Impl::addTexts()
     addText(
         "Second",
         [this](const QString& unit) {
-            m_fadeIn->setSuffix(joined({QString(), unit}));
-            m_fadeOut->setSuffix(joined({QString(), unit}));
+            m_fadeIn->setSuffix(unit);
+            m_fadeOut->setSuffix(unit);
         },
         "seconds");
     addText("ApplyAllSettings", m_apply);

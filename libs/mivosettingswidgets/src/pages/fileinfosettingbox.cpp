@@ -59,16 +59,25 @@ public slots:
     void setSharePathStr(const QString& path) { m_share->setPath(path); }
     void setFileInfoSettings(const STFileInfoSettings& info);
     void onPlayLogStorageTimeComboBoxIndexChanged(int index);
-    void onPlayLogPathChanged(const QString& path);
-    void onCacheChanged(const QString& path);
-    void onShareChanged(const QString& path);
+    bool onPlayLogPathChanged(const QString& path)
+    {
+        return submit(&IMivoSettings::setPlayLogPath, path.toStdString());
+    }
+    bool onCacheChanged(const QString& path)
+    {
+        return submit(&IMivoSettings::setCachePath, path.toStdString());
+    }
+    bool onShareChanged(const QString& path)
+    {
+        return submit(&IMivoSettings::setSharePath, path.toStdString());
+    }
 
 protected:
     void initSettings() override;
 
 private:
     FolderRow* addFolder(const char* captionKey, const char* tipName, const char* subFolder,
-                         void (Impl::*changed)(const QString& path));
+                         bool (Impl::*changed)(const QString& path));
 
     QLabel* m_timeTypeLabel = new QLabel;
     ComboBox* m_timeType = new ComboBox;
@@ -87,9 +96,9 @@ constexpr int captionWidth = 120;
 FileInfoSettingBox::Impl::Impl(FileInfoSettingBox* page) : SettingPageImpl(page, "GeneralSettings")
 {
     page->setObjectName(QStringLiteral("FileInfoSettingGroupBox"));
-    m_timeTypeLabel->setFixedWidth(captionWidth);
+    setUsualWidth(m_timeTypeLabel, captionWidth);
     m_timeType->setObjectName(QStringLiteral("playLogStorageTime"));
-    m_timeType->setFixedWidth(100);
+    setUsualWidth(m_timeType, 100);
     for (int type = PlayLogPermanent; type <= PlayLogTwelveMonths; ++type) {
         m_timeType->addItem(QString(), type);
     }
@@ -117,13 +126,13 @@ FileInfoSettingBox::Impl::Impl(FileInfoSettingBox* page) : SettingPageImpl(page,
 
 FolderRow* FileInfoSettingBox::Impl::addFolder(const char* captionKey, const char* tipName,
                                                const char* subFolder,
-                                               void (Impl::*changed)(const QString& path))
+                                               bool (Impl::*changed)(const QString& path))
 {
     auto* tip = new QLabel;
     tip->setObjectName(QString::fromLatin1(tipName));
     auto* row = new FolderRow(owner, tip);
     row->setParent(this);
-    row->caption->setFixedWidth(captionWidth);
+    setUsualWidth(row->caption, captionWidth);
     m_column->addLayout(row->layout);
     row->addTexts(captionKey, textRegistrar());
     addText("NoSpace", tip);
@@ -131,11 +140,8 @@ FolderRow* FileInfoSettingBox::Impl::addFolder(const char* captionKey, const cha
     auto* page = static_cast<FileInfoSettingBox*>(owner);
     connect(row, &FolderRow::spaceChecked, page, &FileInfoSettingBox::notifySpaceUseup);
     connect(row->browse, &PushButton::clicked, this, [this, row, subFolder, changed] {
-        QString path = row->path();
-        if (FolderSelection(fileInfoFolderRules, owner).createSecLevelDir(path, subFolder)) {
-            row->setPath(path);
-            (this->*changed)(path);
-        }
+        row->choose(fileInfoFolderRules, subFolder,
+                    [this, changed](const QString& path) { return (this->*changed)(path); });
     });
     return row;
 }
@@ -158,21 +164,6 @@ void FileInfoSettingBox::Impl::setFileInfoSettings(const STFileInfoSettings& inf
 void FileInfoSettingBox::Impl::onPlayLogStorageTimeComboBoxIndexChanged(int index)
 {
     submit(&IMivoSettings::setPlayLogStorageTimeType, m_timeType->itemData(index).toInt());
-}
-
-void FileInfoSettingBox::Impl::onPlayLogPathChanged(const QString& path)
-{
-    submit(&IMivoSettings::setPlayLogPath, path.toStdString());
-}
-
-void FileInfoSettingBox::Impl::onCacheChanged(const QString& path)
-{
-    submit(&IMivoSettings::setCachePath, path.toStdString());
-}
-
-void FileInfoSettingBox::Impl::onShareChanged(const QString& path)
-{
-    submit(&IMivoSettings::setSharePath, path.toStdString());
 }
 
 FileInfoSettingBox::FileInfoSettingBox(QWidget* parent) : SettingPage(parent)

@@ -183,9 +183,9 @@ GeneralSettingBox::Impl::Impl(GeneralSettingBox* page)
 void GeneralSettingBox::Impl::layOut()
 {
     owner->setObjectName(QStringLiteral("generalSettingGroupBox"));
-    owner->setFixedHeight(160);
+    setUsualHeight(owner, 160);
     m_delayLabel->setObjectName(QStringLiteral("delayLabel"));
-    m_delay->setFixedWidth(72);
+    setUsualWidth(m_delay, 72);
     m_delay->setAlignment(Qt::AlignLeft);
     m_delay->setContextMenuPolicy(Qt::NoContextMenu);
     m_delayUnit->setObjectName(QStringLiteral("suffixDiscriable"));

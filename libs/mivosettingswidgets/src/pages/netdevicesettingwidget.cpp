@@ -188,7 +188,7 @@ DeviceSettingWidget::Impl::Impl(DeviceSettingWidget* page)
     m_subnet->setRange(0, 15);
     m_domain->setRange(0, 15);
     for (SpinEditBox* box : {m_channel, m_subnet, m_domain}) {
-        box->setFixedWidth(150);
+        setUsualWidth(box, 150);
     }
     layOut();
     addTexts();
@@ -230,7 +230,7 @@ namespace {
 
 QBoxLayout* fieldRow(QLabel* label, int labelWidth, QWidget* field)
 {
-    label->setFixedWidth(labelWidth);
+    setUsualWidth(label, labelWidth);
     auto* row = new QHBoxLayout;
     row->setSpacing(8);
     row->setContentsMargins(22, 0, 0, 0);
@@ -247,7 +247,7 @@ QWidget* section(const char* heading, CheckBox* use, int spacing,
     auto* widget = new QWidget;
     auto* title = new QLabel(QString::fromLatin1(heading));
     title->setObjectName(QStringLiteral("sectionHeading"));
-    use->setFixedWidth(150);
+    setUsualWidth(use, 150);
     auto* column = new QVBoxLayout(widget);
     column->setSpacing(spacing);
     column->setContentsMargins(10, 15, 0, 15);
@@ -277,9 +277,11 @@ QWidget* DeviceSettingWidget::Impl::layOutMidi()
 
 QWidget* DeviceSettingWidget::Impl::layOutDmx()
 {
-    m_nodeName->setFixedSize(150, 20);
+    m_nodeName->setFixedWidth(150);
+    setUsualHeight(m_nodeName, 20);
     m_nodeName->setMaxLength(17); // what an answer to a poll has room for
-    m_applyDmx->setFixedSize(60, 20);
+    setUsualWidth(m_applyDmx, 60);
+    setUsualHeight(m_applyDmx, 20);
     auto* apply = new QHBoxLayout;
     apply->setContentsMargins(110, 0, 0, 0);
     apply->addWidget(m_applyDmx);
@@ -292,7 +294,8 @@ QWidget* DeviceSettingWidget::Impl::layOutDmx()
 
 QWidget* DeviceSettingWidget::Impl::layOutOsc()
 {
-    m_oscPort->setFixedSize(150, 20);
+    setUsualWidth(m_oscPort, 150);
+    setUsualHeight(m_oscPort, 20);
     auto* port = fieldRow(m_oscPortLabel, 80, m_oscPort);
     port->insertWidget(2, failureLabel(m_oscFailure), 1);
     return section("OSC", m_useOsc, 12, {port});
@@ -306,12 +309,12 @@ void DeviceSettingWidget::Impl::layOut()
     column->setSpacing(16);
     column->setContentsMargins(5, 8, 25, 16);
     for (PortRow* port : {&m_tcp, &m_udp}) {
-        port->label->setFixedWidth(64);
-        port->port->setFixedWidth(80);
+        setUsualWidth(port->label, 64);
+        setUsualWidth(port->port, 80);
         for (PushButton* button : {port->open, port->close}) {
             button->setProperty("assist", true);
         }
-        port->status->setFixedHeight(20);
+        setUsualHeight(port->status, 20);
         auto* row = new QHBoxLayout;
         row->setSpacing(12);
         row->addWidget(port->label);

@@ -132,15 +132,15 @@ void OfficePPTSettingBox::Impl::layOut()
     owner->setObjectName(QStringLiteral("OfficePPTSettingGroupBox"));
     m_tip->setObjectName(QStringLiteral("pptSettingTipBtn"));
     m_presetsTip->setObjectName(QStringLiteral("pptResolutionSettingTipBtn"));
-    m_animationMode->setFixedHeight(24);
-    m_imageMode->setFixedHeight(24);
+    setUsualHeight(m_animationMode, 24);
+    setUsualHeight(m_imageMode, 24);
     for (QLabel* label : {m_widthLabel, m_heightLabel}) {
-        label->setFixedWidth(14);
+        setUsualWidth(label, 14);
     }
     for (SpinEditBox* box : {m_width, m_height}) {
-        box->setFixedWidth(72);
+        setUsualWidth(box, 72);
     }
-    m_presets->setFixedWidth(170);
+    setUsualWidth(m_presets, 170);
     m_presets->setMaximumHeight(150);
     auto* ownSizeTip = new QHBoxLayout(m_ownSizeTip);
     ownSizeTip->setContentsMargins(0, 0, 0, 0);

@@ -68,7 +68,10 @@ public slots:
     }
     void onIntervalSpinBoxValueChanged(double minutes);
     void onAutoSaveMaxNumSpinBoxValueChanged(double saves);
-    void onAutoSavePathChanged(const QString& path);
+    bool onAutoSavePathChanged(const QString& path)
+    {
+        return submit(&IMivoSettings::setAutoSavePath, path);
+    }
     void onNotPromptForSaveCheckBoxStateChanged(int state)
     {
         submit(&IMivoSettings::setNotPromptForSave, state == Qt::Checked);
@@ -172,16 +175,16 @@ void ProjectSettingBox::Impl::layOut()
     owner->setObjectName(QStringLiteral("ProjectGroupBox"));
     m_openRecent->setObjectName(QStringLiteral("checkBox"));
     m_intervalPrefix->setObjectName(QStringLiteral("intervalPrefix"));
-    m_interval->setFixedWidth(72);
+    setUsualWidth(m_interval, 72);
     m_intervalSuffix->setObjectName(QStringLiteral("intervalSuffix"));
     m_maxNumLabel->setObjectName(QStringLiteral("saveMaximumQuantity"));
-    m_maxNum->setFixedWidth(72);
+    setUsualWidth(m_maxNum, 72);
     m_folder->caption->setObjectName(QStringLiteral("autoSavePath"));
     m_folder->edit->setObjectName(QStringLiteral("autoSavePathEdit"));
     m_folder->space->setObjectName(QStringLiteral("remainSpace"));
     m_spaceTip->setObjectName(QStringLiteral("shareSpaceTips"));
-    m_spaceTip->setFixedHeight(18);
-    m_open->setFixedHeight(24);
+    setUsualHeight(m_spaceTip, 18);
+    setUsualHeight(m_open, 24);
     m_open->setEnabled(false);
     m_folder->layout->insertWidget(m_folder->layout->indexOf(m_folder->clear), m_open);
     auto* resetOutput = new QHBoxLayout;
@@ -269,18 +272,10 @@ void ProjectSettingBox::Impl::onAutoSaveMaxNumSpinBoxValueChanged(double saves)
     submit(&IMivoSettings::setAutoSaveProjectFilesMaxNum, static_cast<int>(saves));
 }
 
-void ProjectSettingBox::Impl::onAutoSavePathChanged(const QString& path)
-{
-    submit(&IMivoSettings::setAutoSavePath, path);
-}
-
 void ProjectSettingBox::Impl::onBrowseBtnClicked()
 {
-    QString path = m_folder->path();
-    if (FolderSelection(projectFolderRules, owner).createSecLevelDir(path, "/projectbackups")) {
-        m_folder->setPath(path);
-        onAutoSavePathChanged(path);
-    }
+    m_folder->choose(projectFolderRules, "/projectbackups",
+                     [this](const QString& path) { return onAutoSavePathChanged(path); });
 }
 
 void ProjectSettingBox::Impl::setProjectFileWidget(QWidget* widget)

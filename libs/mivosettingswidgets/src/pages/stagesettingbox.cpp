@@ -223,7 +223,7 @@ StageSettingBox::Impl::Impl(StageSettingBox* page) : SettingPageImpl(page, "Gene
                       + row->channels[red]->sizeHint().height();
     }
     // And the margins, the spacings between six rows, and the title.
-    owner->setFixedHeight(rowHeights + 122);
+    setUsualHeight(owner, rowHeights + 122);
     addTexts();
 
     follow(&IMivoSettings::canvasColorChanged, &Impl::onCanvasColorChanged);
@@ -233,10 +233,10 @@ StageSettingBox::Impl::Impl(StageSettingBox* page) : SettingPageImpl(page, "Gene
 QHBoxLayout* StageSettingBox::Impl::presetsRow(ColorRow& row)
 {
     if (row.differs.headingWidth != 0) {
-        row.heading->setFixedWidth(row.differs.headingWidth);
+        setUsualWidth(row.heading, row.differs.headingWidth);
     }
     row.heading->setObjectName(QStringLiteral("sectionHeading"));
-    row.presetsLabel->setFixedWidth(45);
+    setUsualWidth(row.presetsLabel, 45);
     row.swatches = new QButtonGroup(owner);
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(0);
@@ -264,11 +264,11 @@ QHBoxLayout* StageSettingBox::Impl::presetsRow(ColorRow& row)
 
 QHBoxLayout* StageSettingBox::Impl::customRow(ColorRow& row)
 {
-    row.customLabel->setFixedWidth(88);
+    setUsualWidth(row.customLabel, 88);
     row.customLabel->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     row.hexEdit->setObjectName(QStringLiteral("lineEdit"));
     row.hexEdit->setProperty("style", QStringLiteral("color"));
-    row.hexEdit->setFixedWidth(72);
+    setUsualWidth(row.hexEdit, 72);
     row.hexEdit->setValidator(new ColorValidator([&row] { return row.color(); }, row.hexEdit));
     auto* layout = new QHBoxLayout;
     layout->setSpacing(0);
@@ -281,7 +281,7 @@ QHBoxLayout* StageSettingBox::Impl::customRow(ColorRow& row)
     for (const Channel channel : {red, green, blue}) {
         auto* label = new QLabel(QString::fromLatin1(channelNames[channel]));
         auto* box = new SpinEditBox;
-        box->setFixedWidth(58);
+        setUsualWidth(box, 58);
         box->setAlignment(Qt::AlignLeft);
         box->setRange(0, 255);
         box->setAccessibleName(label->text());

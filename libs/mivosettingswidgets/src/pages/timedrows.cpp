@@ -10,6 +10,7 @@
 
 #include <QtCore/QDate>
 #include <QtCore/QTimer>
+#include <QtWidgets/QLabel>
 
 #include <algorithm>
 #include <chrono>
@@ -43,14 +44,14 @@ TimedRow::TimedRow(QWidget* page, const std::vector<int>& widths)
     layout->addWidget(m_enabled);
     for (const int width : widths) {
         m_days.push_back(new ComboBox(page));
-        m_days.back()->setFixedWidth(width);
+        setUsualWidth(m_days.back(), width);
         connect(m_days.back(), qOverload<int>(&ComboBox::currentIndexChanged), this,
                 &TimedRow::edited);
         layout->addWidget(m_days.back());
     }
     m_time = new TimeEditBox(page);
     m_time->setDisplayFormat(QStringLiteral("hh:mm:ss"));
-    m_time->setFixedWidth(100);
+    setUsualWidth(m_time, 100);
     m_time->setContextMenuPolicy(Qt::NoContextMenu);
     m_time->setFocusPolicy(Qt::WheelFocus); // kept on purpose, though other boxes wait for a click
     m_time->setTime(QTime(0, 0));
@@ -95,8 +96,12 @@ void ShutdownRow::show(const STMivoTimedShutdownSettings& info)
 }
 
 RestartRow::RestartRow(QWidget* page)
-    : TimedRow(page, {90, 80}), m_month(m_days[0]), m_day(m_days[1])
+    : TimedRow(page, {90, 80}), m_month(m_days[0]), m_day(m_days[1]), m_neverComes(new QLabel(page))
 {
+    m_neverComes->setObjectName(QStringLiteral("scheduleTip"));
+    m_neverComes->hide();
+    layout->insertWidget(layout->count() - 1, m_neverComes);
+    connect(this, &TimedRow::edited, this, &RestartRow::showWhetherItComes);
     connect(m_month, qOverload<int>(&ComboBox::currentIndexChanged), this,
             &RestartRow::monthChosen);
 }
@@ -108,6 +113,7 @@ void RestartRow::addTexts(SettingPageImpl& page)
                       {"EveryMonth", "January", "February", "March", "April", "May", "June", "July",
                        "August", "September", "October", "November", "December"});
     page.addText("EveryDay", [this](const QString& every) { m_day->setItemText(0, every); });
+    page.addText("NoSuchDay", m_neverComes);
     // Set by the first translation in any case: where its place is depends on the language.
     page.addText(
         "Day",
@@ -139,6 +145,15 @@ void RestartRow::show(const STMivoTimedAutomaticRestartSettings& info)
     }
     showIndex(m_day, info.dayIndex);
     showTime(m_time, info.time);
+    showWhetherItComes();
+}
+
+void RestartRow::showWhetherItComes()
+{
+    constexpr int leapYear = 2000;
+    const int month = m_month->currentIndex();
+    m_neverComes->setVisible(month > 0
+                             && m_day->currentIndex() > QDate(leapYear, month, 1).daysInMonth());
 }
 
 void RestartRow::fillDays(int month)
@@ -153,6 +168,7 @@ void RestartRow::fillDays(int month)
         m_day->addItem(dayText(day));
     }
     m_day->setCurrentIndex(qBound(0, chosen, days));
+    showWhetherItComes();
 }
 
 void DelayedWrite::start()

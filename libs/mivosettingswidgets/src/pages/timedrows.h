@@ -8,6 +8,7 @@
 #include <vector>
 
 class QHBoxLayout;
+class QLabel;
 class QString;
 class QWidget;
 
@@ -75,8 +76,12 @@ signals:
     void monthChosen(int month);
 
 private:
+    /// Says so where the chosen month has no such day in any year.
+    void showWhetherItComes();
+
     mivo::widgets::ComboBox* m_month;
     mivo::widgets::ComboBox* m_day;
+    QLabel* m_neverComes;
 };
 
 /// Writes a tenth of a second after each edit, as often as there were edits. GUI thread.

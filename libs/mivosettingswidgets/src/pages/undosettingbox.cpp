@@ -55,7 +55,7 @@ UndoSettingBox::Impl::Impl(UndoSettingBox* page) : SettingPageImpl(page, "Genera
 void UndoSettingBox::Impl::layOut()
 {
     owner->setObjectName(QStringLiteral("generalSettingGroupBox"));
-    m_stepEdit->setFixedWidth(72);
+    setUsualWidth(m_stepEdit, 72);
 
     auto* row = new QHBoxLayout;
     row->setContentsMargins(0, 0, 0, 0);

@@ -1,0 +1,121 @@
+#include "kit/usualsize.h"
+
+#include "mivosettingswidgets/controls.h"
+
+#include <QtWidgets/QLayout>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QStyleOption>
+
+#include <algorithm>
+
+namespace mivo::settings {
+
+namespace {
+
+constexpr int textMargins = 5; // what an edit keeps free beside its text, and the cursor
+
+/// Where the style draws the text of a control of the size `within`; it may leave more than that.
+QRect textArea(const QWidget* control, const QRect& within)
+{
+    const auto part = [&](QStyleOptionComplex& option, QStyle::ComplexControl kind,
+                          QStyle::SubControl field) {
+        option.initFrom(control);
+        option.rect = within;
+        option.subControls = QStyle::SC_All;
+        return control->style()->subControlRect(kind, &option, field, control);
+    };
+    if (const auto* spin = qobject_cast<const QAbstractSpinBox*>(control)) {
+        QStyleOptionSpinBox option;
+        option.frame = spin->hasFrame();
+        option.buttonSymbols = spin->buttonSymbols();
+        return part(option, QStyle::CC_SpinBox, QStyle::SC_SpinBoxEditField);
+    }
+    if (qobject_cast<const QComboBox*>(control) != nullptr) {
+        QStyleOptionComboBox option;
+        return part(option, QStyle::CC_ComboBox, QStyle::SC_ComboBoxEditField);
+    }
+    if (qobject_cast<const QPushButton*>(control) != nullptr) {
+        QStyleOptionButton option;
+        option.initFrom(control);
+        option.rect = within;
+        return control->style()->subElementRect(QStyle::SE_PushButtonContents, &option, control);
+    }
+    QStyleOptionFrame option;
+    option.initFrom(control);
+    option.rect = within;
+    option.lineWidth =
+        control->style()->pixelMetric(QStyle::PM_DefaultFrameWidth, &option, control);
+    return control->style()->subElementRect(QStyle::SE_LineEditContents, &option, control);
+}
+
+QStringList textsOf(const QWidget* control)
+{
+    if (const auto* box = qobject_cast<const QDoubleSpinBox*>(control)) {
+        return {box->prefix() + box->textFromValue(box->maximum()) + box->suffix(),
+                box->prefix() + box->textFromValue(box->minimum()) + box->suffix()};
+    }
+    if (const auto* combo = qobject_cast<const QComboBox*>(control)) {
+        QStringList texts;
+        for (int item = 0; item < combo->count(); ++item) {
+            texts.append(combo->itemText(item));
+        }
+        return texts;
+    }
+    return {control->property("text").toString()}; // as edits and buttons have
+}
+
+/// What a widget needs so that its text is not cut; at most its size hint.
+QSize neededBy(const QWidget* widget)
+{
+    const QSize hint = widget->sizeHint();
+    const QFontMetrics metrics = widget->fontMetrics();
+    const bool isEdit = qobject_cast<const QAbstractSpinBox*>(widget) != nullptr
+                        || qobject_cast<const QComboBox*>(widget) != nullptr
+                        || qobject_cast<const QLineEdit*>(widget) != nullptr;
+    if (!isEdit && qobject_cast<const QPushButton*>(widget) == nullptr) {
+        const QString text = widget->property("text").toString();
+        return text.isEmpty() ? hint : QSize(hint.width(), metrics.size(0, text).height());
+    }
+    const QRect roomy(0, 0, 1000, 100);
+    const QSize around = roomy.size() - textArea(widget, roomy).size();
+    QSize text(0, metrics.height());
+    const auto texts = textsOf(widget);
+    for (const QString& line : texts) {
+        text = text.expandedTo(metrics.size(Qt::TextSingleLine, line));
+    }
+    // A button draws over its padding.
+    const QSize needed =
+        text + (isEdit ? around + QSize(textMargins, 0) : QSize(around.width(), 0));
+    return needed.boundedTo(hint);
+}
+
+} // namespace
+
+void fitUsualSizes(QWidget* page)
+{
+    auto widgets = page->findChildren<QWidget*>();
+    widgets.append(page); // last, since it follows them
+    for (QWidget* widget : qAsConst(widgets)) {
+        if (widget->dynamicPropertyNames().isEmpty()) {
+            continue; // nearly all of them, and property() is slow
+        }
+        const QVariant width = widget->property(usualWidth);
+        const QVariant height = widget->property(usualHeight);
+        if (!width.isValid() && !height.isValid()) {
+            continue;
+        }
+        const QSize needed = neededBy(widget);
+        if (width.isValid()) {
+            widget->setFixedWidth(std::max(width.toInt(), needed.width()));
+        }
+        if (height.isValid()) {
+            widget->setFixedHeight(std::max(height.toInt(), needed.height()));
+        }
+    }
+    if (page->layout() != nullptr) {
+        page->layout()->activate(); // before it is painted, or walked through
+    }
+}
+
+} // namespace mivo::settings
