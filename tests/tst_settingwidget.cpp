@@ -54,6 +54,18 @@ TEST(SettingWidget, PlacesPagesByTheRankOfTheirKeys)
     }
 }
 
+TEST(SettingWidget, APageThatIsDeletedLeavesItsKey)
+{
+    SettingWidget section;
+    auto* first = new PlainPage("a");
+    section.insertSettingsBox(first, 1);
+    section.insertSettingsBox(new PlainPage("b"), 2);
+    delete first;
+    section.insertSettingsBox(new PlainPage("c"), 3);
+    section.insertSettingsBox(new PlainPage("d"), 1);
+    EXPECT_EQ(shownOrder(section), "d b c");
+}
+
 TEST(SettingWidget, PassesOnTheTitleOfEveryPage)
 {
     SettingWidget section;
@@ -82,6 +94,7 @@ TEST(SettingWidget, OwnsItsPagesAndKeepsATitleToItself)
     EXPECT_TRUE(section.isAncestorOf(page));
     auto* layout = section.widget()->layout();
     EXPECT_NE(layout->itemAt(layout->count() - 1)->spacerItem(), nullptr);
+    EXPECT_GE(section.sizeHint().width(), page->sizeHint().width()) << "by itself";
 }
 
 } // namespace settingwidgettest

@@ -51,8 +51,10 @@ public:
     /// @}
 
     /// @{
-    /// The page's place within its section, in ascending order; -1 (the default) means behind all
-    /// that are there when it is inserted.
+    /// The page's place within its section, in ascending order. -1 (the default) stands for the
+    /// number of pages that are there when it is inserted, which is compared with the others'
+    /// places: of pages that all have -1 each goes below those before it, but it goes above a page
+    /// with a greater place.
     virtual void setPriorityIndex(int index) = 0;
     virtual int priorityIndex() const = 0;
     /// @}

@@ -21,7 +21,7 @@ public:
 
     /// Takes ownership of `box` and places it by the rank of `index` among the keys of the section;
     /// -1 stands for the number of pages that are there. A page whose key is taken already goes
-    /// right above the page that holds it.
+    /// right above the page that holds it. A page that is deleted leaves its key free.
     void insertSettingsBox(ISettingBox* box, int index) const;
 
     /// @{
@@ -29,13 +29,6 @@ public:
     void setTitle(const QString& title) const;
     QString title() const;
     /// @}
-
-    /// The size of a section does not follow its pages: they scroll.
-    QSize sizeHint() const override;
-    bool eventFilter(QObject* object, QEvent* event) override;
-
-protected:
-    void showEvent(QShowEvent* event) override;
 
 Q_SIGNALS:
     /// A page of the section announced the section's name.

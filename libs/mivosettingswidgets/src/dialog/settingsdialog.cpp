@@ -7,6 +7,8 @@
 
 #include <mivowidgets/pushbutton.h>
 
+#include <QtCore/QCoreApplication>
+#include <QtCore/QEvent>
 #include <QtCore/QRegularExpression>
 #include <QtGui/QPainter>
 #include <QtWidgets/QButtonGroup>
@@ -22,9 +24,35 @@ namespace {
 
 QString withoutWhitespace(QString text)
 {
-    static const QRegularExpression whitespace(QStringLiteral("\\s"));
+    static const QRegularExpression whitespace(QStringLiteral("\\s"),
+                                               QRegularExpression::UseUnicodePropertiesOption);
     return text.remove(whitespace);
 }
+
+/// A section of the dialog: as long as it is not shown, its pages are not measured, since that
+/// styles every control. The dialog has a size of its own, whatever its sections need.
+class Section : public SettingWidget
+{
+public:
+    using SettingWidget::SettingWidget;
+
+    QSize sizeHint() const override { return minimumSizeHint(); }
+
+    bool eventFilter(QObject* object, QEvent* event) override
+    {
+        return event->type() == QEvent::LayoutRequest && !isVisible()
+                   ? false
+                   : SettingWidget::eventFilter(object, event);
+    }
+
+protected:
+    void showEvent(QShowEvent* event) override
+    {
+        SettingWidget::showEvent(event);
+        QEvent measure(QEvent::LayoutRequest);
+        QCoreApplication::sendEvent(this, &measure);
+    }
+};
 
 } // namespace
 
@@ -68,7 +96,7 @@ SettingsDialog::Impl::Impl(SettingsDialog* dialog) : owner(dialog)
     navigation->setSpacing(4);
 
     sections = new QStackedWidget(area);
-    sections->insertWidget(0, new SettingWidget);
+    sections->insertWidget(0, new Section);
 
     auto* separator = new QWidget(area);
     separator->setProperty("style", QStringLiteral("BG1"));
@@ -164,7 +192,7 @@ void SettingsDialog::insertSettingBox(ISettingBox* box)
     m_impl->navigation->insertWidget(last, button);
     setTabOrder(m_impl->buttons->button(last - 1), button);
 
-    auto* section = new SettingWidget(dialogWidget());
+    auto* section = new Section(dialogWidget());
     m_impl->sections->insertWidget(last, section);
     section->insertSettingsBox(box, box->priorityIndex());
     // Only added sections name their button; the first one is named by translateLanguage().

@@ -89,6 +89,12 @@ void SettingWidget::insertSettingsBox(ISettingBox* box, int index) const
     m_impl->column->insertWidget(position, box);
     m_impl->orderTabStops(position);
     connect(box, &ISettingBox::sigTitleTextChanged, this, &SettingWidget::sigTitleTextChanged);
+    connect(box, &QObject::destroyed, m_impl.get(), [this, index, box] {
+        const auto held = m_impl->order.find(index);
+        if (held != m_impl->order.end() && held->second == box) {
+            m_impl->order.erase(held);
+        }
+    });
 }
 
 void SettingWidget::setTitle(const QString& title) const
@@ -99,27 +105,6 @@ void SettingWidget::setTitle(const QString& title) const
 QString SettingWidget::title() const
 {
     return m_impl->title;
-}
-
-QSize SettingWidget::sizeHint() const
-{
-    // The base class would measure, and so polish, every control of a section that is not shown.
-    return minimumSizeHint();
-}
-
-bool SettingWidget::eventFilter(QObject* object, QEvent* event)
-{
-    // For the same reason: the base class measures the pages at once. showEvent() makes up for it.
-    return event->type() == QEvent::LayoutRequest && !isVisible()
-               ? false
-               : QScrollArea::eventFilter(object, event);
-}
-
-void SettingWidget::showEvent(QShowEvent* event)
-{
-    QScrollArea::showEvent(event);
-    QEvent measure(QEvent::LayoutRequest);
-    QCoreApplication::sendEvent(this, &measure);
 }
 
 } // namespace mivo::settings

@@ -116,7 +116,7 @@ ResPlayControlSettingBox::Impl::Impl(ResPlayControlSettingBox* page)
 void ResPlayControlSettingBox::Impl::layOut()
 {
     owner->setObjectName(QStringLiteral("ResPlayControlSettingGroupBox"));
-    m_kind->setFixedWidth(140);
+    setUsualWidth(m_kind, 140);
 
     auto* column = new QVBoxLayout(owner);
     column->addLayout(rowOf({m_label, m_kind, m_duration}, 2));
@@ -165,11 +165,12 @@ void ResPlayControlSettingBox::Impl::queueDuration(int kind, int milliseconds)
 
 void ResPlayControlSettingBox::Impl::setDurationTime(int milliseconds)
 {
+    int kind = m_kind->currentData().toInt();
     if (!m_queuedKinds.empty()) {
-        const int kind = m_queuedKinds.front();
+        kind = m_queuedKinds.front();
         m_queuedKinds.pop_front();
-        setResourceSettings({kind, milliseconds});
     }
+    setResourceSettings({kind, milliseconds});
 }
 
 void ResPlayControlSettingBox::Impl::setResourceSettings(const STResourceSettingsInfo& info)
