@@ -5,7 +5,8 @@
 namespace mivo::widgets {
 
 /// A control whose value the wheel changes only while it has the focus; else the wheel scrolls the
-/// page. `Control` would let the wheel take the focus first and change the value then.
+/// page. `Control` would let the wheel take the focus first and change the value then. Where a
+/// focus policy lets the wheel give the focus, that focus does not count until a key is pressed.
 template <typename Control>
 class WheelOnFocus : public Control
 {
@@ -19,12 +20,33 @@ public:
 protected:
     void wheelEvent(QWheelEvent* event) override
     {
-        if (this->hasFocus()) {
+        // The event that gives the focus follows it at once.
+        m_byWheel = m_byWheel || m_justFocused;
+        if (this->hasFocus() && !m_byWheel) {
             Control::wheelEvent(event);
         } else {
             event->ignore();
         }
     }
+
+    void focusInEvent(QFocusEvent* event) override
+    {
+        m_byWheel = false;
+        m_justFocused = event->reason() == Qt::MouseFocusReason;
+        QMetaObject::invokeMethod(
+            this, [this] { m_justFocused = false; }, Qt::QueuedConnection);
+        Control::focusInEvent(event);
+    }
+
+    void keyPressEvent(QKeyEvent* event) override
+    {
+        m_byWheel = false;
+        Control::keyPressEvent(event);
+    }
+
+private:
+    bool m_justFocused = false;
+    bool m_byWheel = false; // that is how the focus came
 };
 
 } // namespace mivo::widgets
