@@ -1,15 +1,9 @@
 #include <mivosettingswidgets/fileinfosettingbox.h>
 
-#include "support/dialogs.h"
-#include "support/testruntime.h"
-#include "support/teststore.h"
-
-#include <mivowidgets/combobox.h>
-#include <mivowidgets/editbox.h>
+#include "support/test.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QTemporaryDir>
-#include <QtTest/QSignalSpy>
 
 namespace fileinfosettingboxtest {
 

@@ -1,14 +1,10 @@
 #include "folders/folderrow.h"
 
-#include "support/dialogs.h"
 #include "support/files.h"
-
-#include <mivowidgets/editbox.h>
-#include <mivowidgets/pushbutton.h>
+#include "support/test.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QTemporaryDir>
-#include <QtTest/QSignalSpy>
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QProgressDialog>
 
@@ -275,6 +271,19 @@ TEST_F(Row, ItsPageMayGoWhileItAsksOrTells)
     watch.onTip = [this] { delete page; };
     EXPECT_TRUE(QTest::qWaitFor([this] { return page.isNull(); }));
     EXPECT_TRUE(QTest::qWaitFor([] { return QApplication::activeModalWidget() == nullptr; }));
+}
+
+TEST_F(Row, ShowsTheEndOfAPathThatIsTooLong)
+{
+    const QString folder = "D:/" + QString(60, 'm');
+    const auto shownOf = [this](const QString& path) {
+        make(path);
+        row->edit->clearFocus();
+        EXPECT_EQ(row->edit->cursorPosition(), 0);
+        EXPECT_TRUE(row->edit->toolTip().endsWith(path.right(8)));
+        return row->edit->grab().toImage();
+    };
+    EXPECT_NE(shownOf(folder + "/playlog"), shownOf(folder + "/storage"));
 }
 
 } // namespace folderrowtest

@@ -3,18 +3,9 @@
 #include "peripherals/dmxservice.h"
 #include "peripherals/midiservice.h"
 #include "peripherals/oscservice.h"
-#include "support/dialogs.h"
-#include "support/logcapture.h"
-#include "support/testruntime.h"
-#include "support/teststore.h"
-#include "system/listener.h"
+#include "support/pagecases.h"
+#include "support/test.h"
 
-#include <mivowidgets/checkbox.h>
-#include <mivowidgets/editbox.h>
-#include <mivowidgets/pushbutton.h>
-#include <mivowidgets/spineditbox.h>
-
-#include <QtNetwork/QTcpServer>
 #include <QtNetwork/QUdpSocket>
 #include <QtWidgets/QListWidget>
 
@@ -54,10 +45,8 @@ protected:
         return {isControl, {}, [](const std::string&) {}};
     }
 
-    LogCapture log;
     TestStore store;
     TestRuntime runtime;
-    Listener listener{runtime, store};
     mivo::settings::DeviceSettingWidget page;
 };
 
@@ -65,10 +54,6 @@ protected:
 
 TEST_F(Network, APortIsOpenedAndClosedByItsButtonsAndSaysWhyItIsNot)
 {
-    QTcpServer tcpServer;
-    QUdpSocket udpSocket;
-    ASSERT_TRUE(tcpServer.listen(QHostAddress::Any));
-    ASSERT_TRUE(udpSocket.bind(QHostAddress::Any, 0, QUdpSocket::DontShareAddress));
     QList<QLabel*> states;
     for (QLabel* label : page.findChildren<QLabel*>()) {
         if (label->text() == "openSuccess") {
@@ -76,53 +61,28 @@ TEST_F(Network, APortIsOpenedAndClosedByItsButtonsAndSaysWhyItIsNot)
         }
     }
     for (const int row : {tcp, udp}) {
+        const QString key = row == tcp ? "tcpPort" : "udpPort";
         auto* port = control<SpinEditBox>(row);
         auto* open = control<PushButton>(2 * row);
-        auto* close = control<PushButton>(2 * row + 1);
-        typeInto(port,
-                 QString::number(row == tcp ? tcpServer.serverPort() : udpSocket.localPort()));
         const auto isOpen = [&](bool expected) {
+            QApplication::processEvents();
             return states.at(row)->isVisible() == expected && open->isEnabled() != expected
                    && port->isEnabled() != expected;
         };
+        typeInto(port, "7000");
         open->click();
-        EXPECT_TRUE(QTest::qWaitFor([&] { return failure(row)->isVisible(); })) << row;
+        EXPECT_EQ(store.held(key), "1|7000");
+        EXPECT_TRUE(isOpen(true)) << row;
+        runtime.call([&] {
+            (row == tcp ? store.tcpPortChanged : store.udpPortChanged)(STPortInfo{false, 7000});
+            (row == tcp ? store.tcpPortFailed : store.udpPortFailed)(std::string("taken"));
+        });
         EXPECT_TRUE(isOpen(false)) << row;
-        tcpServer.close();
-        udpSocket.close();
-        open->click();
-        EXPECT_TRUE(QTest::qWaitFor([&] { return isOpen(true); })) << row;
-        EXPECT_FALSE(failure(row)->isVisible()) << row;
-        close->click();
-        EXPECT_TRUE(QTest::qWaitFor([&] { return isOpen(false); })) << row;
-        ASSERT_TRUE(udpSocket.bind(QHostAddress::Any, 0, QUdpSocket::DontShareAddress));
-    }
-}
-
-TEST_F(Network, NumbersEndWhereTheirRangesDo)
-{
-    const struct
-    {
-        Spin box;
-        int last;
-        int beyond;
-    } cases[]{{tcp, 65534, 65535}, {udp, 65534, 65535}, {channel, 512, 513}, {subnet, 15, 16},
-              {domain, 15, 16},    {oscPort, 65535, 0}, {oscPort, 1, 65536}};
-    runtime.refuses = true; // neither the store nor a service corrects what is typed
-    struct : OscService
-    {
-        void setInfo(const SAddOSCInfo& /*info*/) override {}
-    } osc;
-    DmxService dmx(setupFor(DmxService::isControl));
-    page.setOscMgr(&osc);
-    page.setDmxMgr(&dmx);
-    QApplication::processEvents();
-    for (const auto& test : cases) {
-        auto* box = control<SpinEditBox>(test.box);
-        typeInto(box, QString::number(test.last));
-        EXPECT_EQ(box->value(), test.last);
-        typeInto(box, QString::number(test.beyond));
-        EXPECT_NE(box->value(), test.beyond);
+        EXPECT_EQ(failure(row)->text(), "taken");
+        EXPECT_TRUE(failure(row)->isVisible()) << row;
+        control<PushButton>(2 * row + 1)->click();
+        EXPECT_EQ(store.held(key), "0|7000");
+        EXPECT_FALSE(failure(row)->isVisible()) << "an earlier attempt's";
     }
 }
 
@@ -133,6 +93,11 @@ TEST_F(Network, InputsShowWhatTheyAreAndWhyTheyDoNotReceive)
     for (QUdpSocket* socket : {&taken, &alsoTaken}) {
         ASSERT_TRUE(socket->bind(QHostAddress::AnyIPv4, 0, QUdpSocket::DontShareAddress));
     }
+    const std::vector<std::pair<Spin, std::pair<int, int>>> limits{
+        {channel, {0, 512}}, {subnet, {0, 15}}, {domain, {0, 15}}, {oscPort, {1, 65535}}};
+    for (const auto& [box, expected] : limits) {
+        EXPECT_EQ(limitsOf(control<SpinEditBox>(box)), expected) << box;
+    }
     for (const int section : {useMidi, useDmx, useOsc}) {
         EXPECT_FALSE(control<CheckBox>(section)->isEnabled()) << "no service yet";
     }
@@ -140,7 +105,6 @@ TEST_F(Network, InputsShowWhatTheyAreAndWhyTheyDoNotReceive)
         DmxService dmx(setupFor(DmxService::isControl), taken.localPort());
         OscService osc;
         MidiService midi(setupFor(MidiService::isControl));
-        log.clear();
         dmx.setInfo({true, "stage", 1, 2, 3}); // as at the start of the program
         osc.setInfo({true, alsoTaken.localPort()});
         page.setDmxMgr(&dmx);

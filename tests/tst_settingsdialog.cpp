@@ -1,26 +1,16 @@
 #include <mivosettingswidgets/settingsdialog.h>
 
-#include "support/logcapture.h"
 #include "support/pagecases.h"
 #include "support/plainpage.h"
-#include "support/testruntime.h"
-#include "support/teststore.h"
+#include "support/test.h"
 
-#include <mivosettingswidgets/settingwdigettranslatemanager.h>
 #include <mivosettingswidgets/settingwidget.h>
 #include <mivosettingswidgets/undosettingbox.h>
 #include <mivostyle/style.h>
-#include <mivowidgets/spineditbox.h>
 
-#include <gtest/gtest.h>
-
-#include <QtTest/QTest>
-#include <QtWidgets/QApplication>
 #include <QtWidgets/QButtonGroup>
-#include <QtWidgets/QPushButton>
 #include <QtWidgets/QStackedWidget>
 
-#include <functional>
 #include <set>
 
 namespace settingsdialogtest {
@@ -61,7 +51,7 @@ TEST_F(Dialog, GroupsPagesByTheirTitleWithoutWhitespace)
     ASSERT_EQ(stack()->count(), 1);
     EXPECT_TRUE(button(0)->isChecked());
     QWidget* general = insert("GeneralSettings", 30);
-    QWidget* spaced = insert(" General\tSettings ", 10);
+    QWidget* spaced = insert(QString::fromUtf8(" General\t\u00a0Settings\u3000"), 10);
     QWidget* display = insert("Display Settings");
     QWidget* sameDisplay = insert("DisplaySettings");
     QWidget* audio = insert("AudioSettings");

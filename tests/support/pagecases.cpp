@@ -32,22 +32,22 @@ using namespace mivo::settings;
 namespace {
 
 template <typename Page>
-PageCase pageCase(std::string sourceFile, bool keepsStoreWhenUnset, bool checksStore,
+PageCase pageCase(std::string sourceFile, bool keepsStoreWhenUnset, MissingLines missing,
                   std::size_t getters, std::size_t followed, std::vector<ControlCase> controls)
 {
     return {Page::staticMetaObject.className(),
             std::move(sourceFile),
             keepsStoreWhenUnset,
-            checksStore,
+            missing,
             getters,
             followed,
             [] { return new Page; },
-            [](ISettingBox* page, MivoSettings* store) {
-                static_cast<Page*>(page)->setSettings(store);
-            },
-            [](ISettingBox* page) { static_cast<Page*>(page)->unsetSettings(); },
             std::move(controls)};
 }
+
+constexpr MissingLines neverNull{};
+constexpr MissingLines logsNoStore{"sharedSettings is nullptr!|setSettings",
+                                   "sharedSettings is nullptr!|unsetSettings"};
 
 /// Types `text` over the old value, and leaves the field.
 std::function<void(QWidget*)> typing(const char* text)
@@ -100,46 +100,66 @@ void browsing(QWidget* control)
 
 ControlCase checkBox(const char* setting, int index, const char* writeSlot)
 {
-    return {setting,  "mivo::widgets::CheckBox", index, false, false, false, false, true, clicking,
+    return {setting,  "mivo::widgets::CheckBox", index, false, false, false, true, clicking,
             writeSlot};
+}
+
+ControlCase number(const char* setting, int index, QVariantList values, const char* typed,
+                   const char* writeSlot, std::pair<int, int> limits)
+{
+    return {setting,   "mivo::widgets::SpinEditBox",
+            index,     values[0],
+            values[1], values[2],
+            values[3], typing(typed),
+            writeSlot, nullptr,
+            1,         limits};
+}
+
+ControlCase duration(const char* setting, int initial, const char* writeSlot)
+{
+    return {setting, "mivo::widgets::TimeEditBox", 0,         initial, 9000, initial,
+            83000,   typingTime("000123"),         writeSlot, nullptr, 1,    {3000, 86399000}};
+}
+
+/// The button of two that is not chosen at first; the setting is the number of the chosen one.
+ControlCase oneOfTwo(const char* setting, int index, const char* writeSlot)
+{
+    const auto number = [index](const QVariant& chosen) {
+        return chosen.toBool() == (index == 0) ? 0 : 1;
+    };
+    return {setting, "QRadioButton", index, false, false, false, true, clicking, writeSlot, number};
 }
 
 ControlCase folder(const char* setting, int index, const char* subFolder, const char* writeSlot)
 {
-    return {setting,   "mivo::widgets::EditBox", index,
-            QString(), "/stored/folder",         "/folder/from elsewhere/目录",
-            QString(), someFolder() + subFolder, browsing,
-            writeSlot};
+    return {setting,   "mivo::widgets::EditBox", index,    QString(), "/folder/from elsewhere/目录",
+            QString(), someFolder() + subFolder, browsing, writeSlot};
 }
 
 /// Width and height are written together.
 ControlCase resolution(const char* setting, int index, double initial)
 {
     return {
-        setting,       "mivo::widgets::SpinEditBox",  index,   initial, 700., 16384., initial, 500.,
-        typing("500"), "onResolutionEditingFinished", nullptr, 2};
+        setting,       "mivo::widgets::SpinEditBox",  index,   initial, 16384.,    initial, 500.,
+        typing("500"), "onResolutionEditingFinished", nullptr, 2,       {0, 16384}};
 }
 
 ControlCase color(const char* setting, int index, const char* initial, const char* writeSlot)
 {
-    return {setting,   "mivo::widgets::EditBox", index,    initial, "#1e2c36", "#ff0010", initial,
+    return {setting,   "mivo::widgets::EditBox", index,    initial, "#ff0010", initial,
             "#123abc", typing("#123ABC"),        writeSlot};
 }
 
 PageCase networkCase()
 {
-    const auto closedPort = [](const QVariant& port) { return "0|" + port.toString(); };
-    const auto port = [&](const char* setting, int index, double number, const char* writeSlot) {
-        return ControlCase{setting,      "mivo::widgets::SpinEditBox",
-                           index,        0.,
-                           number,       65534.,
-                           0.,           80.,
-                           typing("80"), writeSlot,
-                           closedPort};
+    const auto port = [&](const char* setting, int index, const char* writeSlot) {
+        auto row = number(setting, index, {0., 65534., 0., 80.}, "80", writeSlot, {0, 65534});
+        row.record = [](const QVariant& port) { return "0|" + port.toString(); };
+        return row;
     };
-    auto network = pageCase<DeviceSettingWidget>("netdevicesettingwidget.cpp", true, false, 2, 4,
-                                                 {port("tcpPort", 0, 7000., "onTcpPortChanged"),
-                                                  port("udpPort", 1, 7001., "onUdpPortChanged")});
+    auto network = pageCase<DeviceSettingWidget>(
+        "netdevicesettingwidget.cpp", true, neverNull, 2, 4,
+        {port("tcpPort", 0, "onTcpPortChanged"), port("udpPort", 1, "onUdpPortChanged")});
     network.qtWarning = "_settings is null";
     return network;
 }
@@ -147,20 +167,20 @@ PageCase networkCase()
 PageCase displayControlCase()
 {
     const auto fade = [](const char* setting, int index, const char* writeSlot) {
-        return ControlCase{
-            setting,  "mivo::widgets::SpinEditBox", index, 0.5, 1.5, 10., 0., 2.5, typing("2.5"),
-            writeSlot};
+        return number(setting, index, {0.5, 10., 0., 2.5}, "2.5", writeSlot, {0, 10});
     };
     return pageCase<DisplayControlSettingBox>(
-        "displaycontrolsettingbox.cpp", false, true, 3, 6,
+        "displaycontrolsettingbox.cpp", false,
+        {"sharedSettings is nullptr!|setSettings", "shareSettings is nullptr!|unsetSettings",
+         "DisplayControlSettingBox::setSettings zrRuntime is nullptr!|setSettings",
+         "DisplayControlSettingBox::setSettings zrRuntime is nullptr!|unsetSettings"},
+        3, 6,
         {checkBox("blackScreenMute", 0, "onBlackScreenMuteCheckBoxStateChanged"),
          checkBox("mfps", 1, "onMFPSCheckBoxStateChanged"),
          checkBox("efps", 2, "onEFPSCheckBoxStateChanged"),
          fade("fadeInTime", 0, "onFadeInTimeSpinBoxValueChanged"),
          fade("fadeOutTime", 1, "onFadeOutTimeSpinBoxValueChanged"),
-         {"imageHierarchy", "QRadioButton", 0, false, false, false, false, true, clicking,
-          "onImageHierarchyBtnGroupChanged",
-          [](const QVariant& chosen) { return chosen.toBool() ? 0 : 1; }}});
+         oneOfTwo("imageHierarchy", 0, "onImageHierarchyBtnGroupChanged")});
 }
 
 PageCase codecControlCase()
@@ -169,11 +189,15 @@ PageCase codecControlCase()
         return "0|" + depth.toString().remove("bit");
     };
     return pageCase<CodecControlSettingBox>(
-        "codeccontrolsettingbox.cpp", true, true, 3, 3,
+        "codeccontrolsettingbox.cpp", true,
+        {"sharedSettings is nullptr!|setSettings", "sharedSettings is nullptr!|unsetSettings",
+         "CodecControlSettingBox::setSettings zrRuntime is nullptr!|setSettings",
+         "CodecControlSettingBox::unsetSettings zrRuntime is nullptr!|unsetSettings"},
+        3, 3,
         {{"displayTechnologyStandard", "mivo::widgets::ComboBox", 3, "BT.709", "DCI-P3", "BT.709",
-          "BT.709", "BT.2020", choosingLast, "onDisplayTechnologyStandardsComBoxChanged"},
-         {"dynamicRangeConfig", "mivo::widgets::ComboBox", 2, "8bit", "8bit", "8bit", "8bit",
-          "10bit", choosingLast, "processDisplayConfigChange", standardRange}});
+          "BT.2020", choosingLast, "onDisplayTechnologyStandardsComBoxChanged"},
+         {"dynamicRangeConfig", "mivo::widgets::ComboBox", 2, "8bit", "8bit", "8bit", "10bit",
+          choosingLast, "processDisplayConfigChange", standardRange}});
 }
 
 } // namespace
@@ -182,61 +206,60 @@ const std::vector<PageCase>& pageCases()
 {
     static const std::vector<PageCase> cases{
         pageCase<GeneralSettingBox>(
-            "generalsettingbox.cpp", true, false, 3, 13,
-            {{"autoStart", "mivo::widgets::CheckBox", 0, false, false, false, false, true, clicking,
-              "onStartUpCheckBoxStateChanged"},
-             {"autoStartDelayTime", "mivo::widgets::SpinEditBox", 0, 0., 20, 300, 0., 80.,
-              typing("80"), "onDelayTimeChanged"},
-             {"closeSoftWareMinimize", "mivo::widgets::CheckBox", 1, false, false, false, false,
-              true, clicking, "onCloseSoftwareMinimizeCheckBoxStateChanged"}}),
-        pageCase<UndoSettingBox>("undosettingbox.cpp", true, false, 1, 1,
-                                 {{"undoStep", "mivo::widgets::SpinEditBox", 0, 50., 120, 500, 1.,
-                                   80., typing("80"), "slotUndoStepChanged"}}),
+            "generalsettingbox.cpp", true, {"sharedSettings is nullptr|setSettings"}, 3, 13,
+            {checkBox("autoStart", 0, "onStartUpCheckBoxStateChanged"),
+             number("autoStartDelayTime", 0, {0., 300, 0., 80.}, "80", "onDelayTimeChanged",
+                    {0, 300}),
+             checkBox("closeSoftWareMinimize", 1, "onCloseSoftwareMinimizeCheckBoxStateChanged")}),
+        pageCase<UndoSettingBox>(
+            "undosettingbox.cpp", true, neverNull, 1, 1,
+            {number("undoStep", 0, {50., 500, 1., 80.}, "80", "slotUndoStepChanged", {1, 500})}),
         pageCase<OnlineSettingBox>(
-            "onlinesettingbox.cpp", false, false, 1, 1,
-            {{"autoSyncResources", "mivo::widgets::CheckBox", 0, false, false, false, false, true,
-              clicking, "onAutoSyncResourcesStateChanged"}}),
-        pageCase<AudioSettingBox>("audiosettingbox.cpp", false, false, 0, 10, {}),
+            "onlinesettingbox.cpp", false, neverNull, 1, 1,
+            {checkBox("autoSyncResources", 0, "onAutoSyncResourcesStateChanged")}),
+        pageCase<AudioSettingBox>("audiosettingbox.cpp", false,
+                                  {"sharedSettings is nullptr!|initSettings"}, 0, 10, {}),
         networkCase(),
         displayControlCase(),
         codecControlCase(),
         pageCase<ResPlayControlSettingBox>(
-            "resplaycontrolsettingbox.cpp", true, true, 1, 1,
-            {{"pictureDuration", "mivo::widgets::TimeEditBox", 0, 5000, 8000, 9000, 5000, 83000,
-              typingTime("000123"), "onDurationTimeChanged"}}),
+            "resplaycontrolsettingbox.cpp", true, logsNoStore, 1, 1,
+            {duration("pictureDuration", 5000, "onDurationTimeChanged")}),
         pageCase<ProjectSettingBox>(
-            "projectsettingbox.cpp", true, false, 1, 8,
+            "projectsettingbox.cpp", true, neverNull, 1, 8,
             {checkBox("openRecentFiles", 0, "onOpenRecentFilesCheckBoxStateChanged"),
              checkBox("openProjectFileDefaultPlay", 1,
                       "onOpenProjectFileDefaultPlayCheckBoxStateChanged"),
              // Before the boxes that it makes editable.
              checkBox("autoSaveProjectFiles", 2, "onAutoSaveProjectFilesCheckBoxStateChanged"),
-             {"autoSaveProjectFilesInterval", "mivo::widgets::SpinEditBox", 0, 1., 12, 30, 5., 7.,
-              typing("7"), "onIntervalSpinBoxValueChanged"},
-             {"autoSaveProjectFilesMaxNum", "mivo::widgets::SpinEditBox", 1, 5., 8, 20, 5., 1.,
-              typing("1"), "onAutoSaveMaxNumSpinBoxValueChanged"},
+             number("autoSaveProjectFilesInterval", 0, {1., 30, 5., 7.}, "7",
+                    "onIntervalSpinBoxValueChanged", {1, 30}),
+             number("autoSaveProjectFilesMaxNum", 1, {5., 20, 5., 1.}, "1",
+                    "onAutoSaveMaxNumSpinBoxValueChanged", {1, 20}),
              folder("autoSavePath", 0, "/projectbackups", "onAutoSavePathChanged"),
              checkBox("notPromptForSave", 3, "onNotPromptForSaveCheckBoxStateChanged"),
              checkBox("newProjResetOutput", 4, "onNewProjResetOutputCheckBoxStateChanged")}),
         pageCase<FileInfoSettingBox>(
-            "fileinfosettingbox.cpp", true, true, 1, 4,
-            {{"playLogStorageTimeType", "mivo::widgets::ComboBox", 0, 0, 1, 3, 0, 4, choosingLast,
+            "fileinfosettingbox.cpp", true, logsNoStore, 1, 4,
+            {{"playLogStorageTimeType", "mivo::widgets::ComboBox", 0, 0, 3, 0, 4, choosingLast,
               "onPlayLogStorageTimeComboBoxIndexChanged"},
              folder("playLogPath", 0, "/playlog", "onPlayLogPathChanged"),
              folder("cachePath", 1, "/cache", "onCacheChanged"),
              folder("sharePath", 2, "/sharedfolder", "onShareChanged")}),
         pageCase<OfficePPTSettingBox>(
-            "officepptsettingbox.cpp", true, false, 1, 6,
+            "officepptsettingbox.cpp", true, neverNull, 1, 6,
             {checkBox("pptAutoplay", 0, "onPPTAutoplayStateChanged"),
-             {"pptAutoplayInterval", "mivo::widgets::TimeEditBox", 0, 3000, 8000, 9000, 3000, 83000,
-              typingTime("000123"), "onPPTAutoplayIntervalTimeChanged"},
-             {"pptPlayMode", "QRadioButton", 1, false, false, false, false, true, clicking,
-              "onPPTPlayModeBtnGroupChanged", [](const QVariant& on) { return on.toInt(); }},
+             duration("pptAutoplayInterval", 3000, "onPPTAutoplayIntervalTimeChanged"),
+             oneOfTwo("pptPlayMode", 1, "onPPTPlayModeBtnGroupChanged"),
              resolution("pptResolutionWidth", 0, 1920.),
              resolution("pptResolutionHeight", 1, 1080.)}),
-        pageCase<StageSettingBox>("stagesettingbox.cpp", true, true, 2, 2,
-                                  {color("canvasColor", 0, "#000000", "notifyChangeColor"),
-                                   color("outputColor", 1, "#ffffff", "notifyChangeTextColor")}),
+        pageCase<StageSettingBox>(
+            "stagesettingbox.cpp", true,
+            {"sharedSettings is nullptr!|setSettings", "sharedSettings is nullptr!|unsetSettings",
+             "StageSettingBox::setSettings zrRuntime is nullptr!|setSettings"},
+            2, 2,
+            {color("canvasColor", 0, "#000000", "notifyChangeColor"),
+             color("outputColor", 1, "#ffffff", "notifyChangeTextColor")}),
     };
     return cases;
 }
@@ -271,6 +294,15 @@ QVariant shownBy(QWidget* control)
         return edit->text();
     }
     return {};
+}
+
+std::pair<int, int> limitsOf(QWidget* control)
+{
+    if (auto* edit = qobject_cast<QTimeEdit*>(control)) {
+        return {edit->minimumTime().msecsSinceStartOfDay(),
+                edit->maximumTime().msecsSinceStartOfDay()};
+    }
+    return {control->property("minimum").toInt(), control->property("maximum").toInt()};
 }
 
 std::vector<QWidget*> controlsIn(QWidget* parent)
