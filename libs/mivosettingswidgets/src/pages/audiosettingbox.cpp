@@ -7,6 +7,7 @@
 #include "mivosettingswidgets/settingpageimpl.h"
 #include "mivosettingswidgets/texts.h"
 #include "mivosettingswidgets/virtualmappingwidget.h"
+#include "soundcards/mappingeditors.h"
 
 #include <mivowidgets/pushbutton.h>
 
@@ -15,9 +16,6 @@
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QScrollArea>
 
-#include <algorithm>
-#include <deque>
-#include <map>
 #include <optional>
 #include <utility>
 
@@ -29,15 +27,6 @@ using mivo::projectfilemgr::IProjectFileMgr;
 using mivo::widgets::PushButton;
 using velorn::mediadispatch::STSoundCardMappingInfo;
 using velorn::msgcenter::IMsgCenterMgr;
-
-namespace {
-
-/// How much is made in one turn of the event loop, counted in columns: some hundred of them would
-/// hold up the frames that come meanwhile. An editor without any takes as long as two columns.
-constexpr int columnsInTurn = 32;
-constexpr int columnsForEditor = 2;
-
-} // namespace
 
 class AudioSettingBox::Impl : public SettingPageImpl
 {
@@ -54,16 +43,6 @@ public:
     QList<VirtualMappingWidget*> shownEditors() const
     {
         return owner->findChildren<VirtualMappingWidget*>(QString(), Qt::FindDirectChildrenOnly);
-    }
-
-    /// Applies to every editor that is filed, in the order of their ids.
-    template <typename Change>
-    void forEachEditor(Change change)
-    {
-        const LayoutPause pause(m_column);
-        for (const auto& [id, editor] : m_editors) {
-            change(*editor);
-        }
     }
 
     void setSettings(MivoSettings* settings) override
@@ -116,21 +95,6 @@ private:
     void resetEditors(Reset reset, const CallSite& site,
                       const VirtualMappingWidget* except = nullptr);
 
-    /// Makes the editors of mappings that wait for theirs, as many as one turn of the event loop
-    /// has room for, and the others in later turns, or when there is a store again. Each shows what
-    /// there is then, so that no change needs to reach it before.
-    void makeEditors(const CallSite& site);
-    VirtualMappingWidget* makeEditor(const STSoundCardMappingInfo& info);
-    void deleteEditor(VirtualMappingWidget* editor);
-    auto findWaiting(std::uint64_t id)
-    {
-        return std::find_if(m_waiting.begin(), m_waiting.end(),
-                            [id](const STSoundCardMappingInfo& info) { return info.id == id; });
-    }
-    /// Keeps room for the editors that wait, so that the page does not grow, and is not painted
-    /// again, with each of them.
-    void reserve();
-
     void setAddedMappingBtnState();
     void setAddTip();
     /// Has the user who added a mapping see it and name it.
@@ -157,12 +121,23 @@ private:
     PushButton* m_add = new PushButton(owner);
     QLabel* m_info = new QLabel(owner);
     QVBoxLayout* m_column = new QVBoxLayout(owner);
-    std::map<std::uint64_t, VirtualMappingWidget*> m_editors;
-    std::deque<STSoundCardMappingInfo> m_waiting; // for their editors
+    MappingEditors m_editors{
+        m_column, m_add,
+        [this](const CallSite& site) {
+            auto known = readMappings(site);
+            if (!known && sharedSettings != nullptr) {
+                m_editors.makeWaitingLater(100); // the runtime refuses, but not for ever
+            }
+            return known;
+        },
+        [this](const STSoundCardMappingInfo& info) {
+            auto* editor = new VirtualMappingWidget(info, zrRuntime, sharedSettings, owner);
+            connect(editor, &VirtualMappingWidget::sigMappingInfoChanged, this,
+                    &Impl::slotMappingInfoChanged);
+            return editor;
+        }};
     bool m_isAdding = false;         // the user has asked here, and there is no answer yet
     std::uint64_t m_toBeFocused = 0; // the mapping that was the answer; 0: none
-    QTimer m_makeEditors;
-    int m_room = 0; // that one of them takes
 };
 
 AudioSettingBox::Impl::Impl(AudioSettingBox* page) : SettingPageImpl(page, "AudioSettings")
@@ -175,8 +150,13 @@ AudioSettingBox::Impl::Impl(AudioSettingBox* page) : SettingPageImpl(page, "Audi
     addText("addMapping", m_add);
     addText("SoundCardMappingsFull", [this](const QString& /*tip*/) { setAddTip(); });
 
-    m_makeEditors.setSingleShot(true);
-    connect(&m_makeEditors, &QTimer::timeout, this, [this] { makeEditors("makeEditors"); });
+    connect(&m_editors, &MappingEditors::made, this,
+            [this](std::uint64_t id, VirtualMappingWidget* editor) {
+                if (id == m_toBeFocused) {
+                    m_toBeFocused = 0;
+                    focusNew(editor);
+                }
+            });
     connect(m_add, &PushButton::clicked, this, &Impl::slotAddMapping);
     followStore();
 }
@@ -203,7 +183,6 @@ void AudioSettingBox::Impl::layOut()
     row->addWidget(m_info);
     row->addStretch();
     m_column->setSpacing(12);
-    reserve();
     m_column->addLayout(row);
 }
 
@@ -227,81 +206,14 @@ void AudioSettingBox::Impl::initSettings()
     for (VirtualMappingWidget* editor : shownEditors()) {
         editor->setSettings(sharedSettings);
     }
-    if (!m_waiting.empty()) {
-        m_makeEditors.start(1);
-    }
-}
-
-VirtualMappingWidget* AudioSettingBox::Impl::makeEditor(const STSoundCardMappingInfo& info)
-{
-    QWidget* lastStop = m_add;
-    for (int item = m_column->count() - 1; item >= 0 && lastStop == m_add; --item) {
-        if (QWidget* editor = m_column->itemAt(item)->widget()) {
-            lastStop = tabStops(editor, editor).back();
-        }
-    }
-    auto* editor = new VirtualMappingWidget(info, zrRuntime, sharedSettings, owner);
-    editor->setProperty("style", QStringLiteral("BG4"));
-    editor->resize(0, 0); // nothing of it is painted before it has its place
-    m_column->addWidget(editor);
-    editor->show();
-    m_column->addStretch();
-    for (QWidget* stop : tabStops(editor, editor)) {
-        QWidget::setTabOrder(lastStop, stop);
-        lastStop = stop;
-    }
-    // A second one for an id is shown but not filed; kept on purpose.
-    m_editors.emplace(info.id, editor);
-    connect(editor, &VirtualMappingWidget::sigMappingInfoChanged, this,
-            &Impl::slotMappingInfoChanged);
-    return editor;
-}
-
-void AudioSettingBox::Impl::makeEditors(const CallSite& site)
-{
-    if (m_waiting.empty()) {
-        return;
-    }
-    const auto known = readMappings(site);
-    if (!known) {
-        if (sharedSettings != nullptr) { // the runtime refuses, but not for ever
-            m_makeEditors.start(100);
-        }
-        return;
-    }
-    const LayoutPause pause(m_column);
-    const int cost = columnsForEditor + std::max(1, known->devices.size());
-    int made = 0;
-    while (!m_waiting.empty() && (made == 0 || made + cost <= columnsInTurn)) {
-        const auto now = std::find_if(
-            known->mappings.begin(), known->mappings.end(),
-            [this](const auto& mapping) { return mapping.id == m_waiting.front().id; });
-        auto* editor = makeEditor(now == known->mappings.end() ? m_waiting.front() : *now);
-        editor->resetSoundCardsCombobox(*known);
-        m_room = editor->sizeHint().height() + m_column->spacing();
-        if (m_toBeFocused == m_waiting.front().id) {
-            m_toBeFocused = 0;
-            focusNew(editor);
-        }
-        m_waiting.pop_front();
-        made += cost;
-    }
-    reserve();
-    if (!m_waiting.empty()) {
-        m_makeEditors.start(1); // what is to be painted comes first
-    }
-}
-
-void AudioSettingBox::Impl::reserve()
-{
-    m_column->setContentsMargins(20, 24, 20, 24 + m_room * static_cast<int>(m_waiting.size()));
+    m_editors.makeWaitingLater();
 }
 
 void AudioSettingBox::Impl::resetEditors(Reset reset, const CallSite& site,
                                          const VirtualMappingWidget* except)
 {
     if (const auto known = readMappings(site)) {
-        forEachEditor([&](VirtualMappingWidget& editor) {
+        m_editors.forEach([&](VirtualMappingWidget& editor) {
             if (&editor != except) {
                 (editor.*reset)(*known);
             }
@@ -315,8 +227,7 @@ void AudioSettingBox::Impl::onMappingsInit(const STAllDeviceSoundCardMappings& a
         resetEditors(resetColumns, "onMappingsInit");
         return;
     }
-    m_waiting.insert(m_waiting.end(), all.mappings.begin(), all.mappings.end());
-    makeEditors("onMappingsInit");
+    m_editors.add(all.mappings, "onMappingsInit");
     setAddedMappingBtnState();
 }
 
@@ -325,17 +236,15 @@ void AudioSettingBox::Impl::onMappingAdded(const STSoundCardMappingInfo& info)
     const bool isAnswer = std::exchange(m_isAdding, false);
     if (info.state != velorn::mediadispatch::SoundCardMappingRefused) {
         m_toBeFocused = isAnswer ? info.id : m_toBeFocused;
-        m_waiting.push_back(info);
-        makeEditors("onMappingAdded");
+        m_editors.add({info}, "onMappingAdded");
         setAddedMappingBtnState();
     }
 }
 
 void AudioSettingBox::Impl::onMappingChanged(const STSoundCardChangeInfo& change)
 {
-    const auto changed = m_editors.find(change.id);
-    VirtualMappingWidget* editor = changed == m_editors.end() ? nullptr : changed->second;
-    if (editor == nullptr && findWaiting(change.id) == m_waiting.end()) {
+    VirtualMappingWidget* editor = m_editors.find(change.id);
+    if (editor == nullptr && !m_editors.isWaiting(change.id)) {
         return;
     }
     if (editor != nullptr) {
@@ -348,19 +257,12 @@ void AudioSettingBox::Impl::onMappingChanged(const STSoundCardChangeInfo& change
 
 void AudioSettingBox::Impl::onMappingDeleted(const STSoundCardMappingInfo& info)
 {
-    const auto deleted = m_editors.find(info.id);
-    const auto waiting = findWaiting(info.id);
-    bool hadFocus = false;
-    if (deleted != m_editors.end()) {
-        hadFocus = deleted->second->isAncestorOf(owner->window()->focusWidget());
-        deleteEditor(deleted->second);
-        m_editors.erase(deleted);
-    } else if (waiting != m_waiting.end()) {
-        m_waiting.erase(waiting);
-        reserve();
-    } else {
+    const VirtualMappingWidget* editor = m_editors.find(info.id);
+    if (editor == nullptr && !m_editors.isWaiting(info.id)) {
         return;
     }
+    const bool hadFocus = editor != nullptr && editor->isAncestorOf(owner->window()->focusWidget());
+    m_editors.remove(info.id);
     resetEditors(resetOffers, "onMappingDeleted");
     setAddedMappingBtnState();
     if (hadFocus) { // else the next key would change the next mapping
@@ -368,22 +270,9 @@ void AudioSettingBox::Impl::onMappingDeleted(const STSoundCardMappingInfo& info)
     }
 }
 
-void AudioSettingBox::Impl::deleteEditor(VirtualMappingWidget* editor)
-{
-    for (int item = 0; item < m_column->count(); ++item) {
-        if (m_column->itemAt(item)->widget() != editor) {
-            continue;
-        }
-        delete m_column->takeAt(item); // the stretch behind it stays; kept on purpose
-        editor->hide();
-        editor->deleteLater(); // it may be what is being used
-        return;
-    }
-}
-
 void AudioSettingBox::Impl::onSoundCardEnableSet(const STLocalSoundCardList& list)
 {
-    forEachEditor([&](VirtualMappingWidget& editor) {
+    m_editors.forEach([&](VirtualMappingWidget& editor) {
         editor.setSoundCardEnable(list.device, list.soundCards);
     });
     resetEditors(resetOffers, "onSoundCardEnableSet");
@@ -391,7 +280,7 @@ void AudioSettingBox::Impl::onSoundCardEnableSet(const STLocalSoundCardList& lis
 
 void AudioSettingBox::Impl::onSoundCardDisableSet(const STLocalSoundCardList& list)
 {
-    forEachEditor([&](VirtualMappingWidget& editor) {
+    m_editors.forEach([&](VirtualMappingWidget& editor) {
         editor.setSoundCardDisable(list.device, list.soundCards);
     });
     resetEditors(resetOffers, "onSoundCardDisableSet");
@@ -404,7 +293,7 @@ void AudioSettingBox::Impl::onClusterNodeSoundCardChanged()
 
 void AudioSettingBox::Impl::deleteClusterDeviceSoundCard(const std::vector<std::string>& devices)
 {
-    forEachEditor(
+    m_editors.forEach(
         [&](VirtualMappingWidget& editor) { editor.deleteClusterDeviceSoundCard(devices); });
 }
 
@@ -417,7 +306,7 @@ void AudioSettingBox::Impl::setDeviceSoundCardVisible(const STDeviceSoundCardVis
 
 void AudioSettingBox::Impl::showDeviceSoundCards(const STDeviceSoundCardVisibleInfo& info)
 {
-    forEachEditor([&](VirtualMappingWidget& editor) {
+    m_editors.forEach([&](VirtualMappingWidget& editor) {
         editor.setDeviceSoundCardVisible(info.deviceIp, info.visible);
     });
 }
