@@ -12,7 +12,6 @@
 #include <QtCore/QSettings>
 #include <QtCore/QStandardPaths>
 
-#include <cerrno>
 #include <system_error>
 #include <utility>
 
@@ -91,12 +90,12 @@ QString setEntry(const QString& program, const QStringList& arguments)
 {
     const QString path = Autostart::entryPath();
     QDir().mkpath(QFileInfo(path).absolutePath());
-    const bool isSaved = NoCacheFile::saveToFile(
+    std::error_code error;
+    NoCacheFile::saveToFile(
         path.toStdString(),
-        autostartEntry(QCoreApplication::applicationName(), program, arguments).toStdString());
-    const int error = errno;
-    return isSaved ? QString()
-                   : path + ": " + QString::fromStdString(std::generic_category().message(error));
+        autostartEntry(QCoreApplication::applicationName(), program, arguments).toStdString(),
+        error, NoCacheFile::Access::umask);
+    return error ? path + ": " + QString::fromStdString(error.message()) : QString();
 }
 
 /// Empty, or why it did not work.
