@@ -3,6 +3,7 @@
 #include "support/pagecases.h"
 #include "support/plainpage.h"
 #include "support/test.h"
+#include "surface/settingsview.h"
 
 #include <mivosettingswidgets/settingwidget.h>
 #include <mivosettingswidgets/undosettingbox.h>

@@ -24,7 +24,8 @@ public:
     /// Takes why a value could not be kept, for a person to read.
     using FailureHandler = std::function<void(const QString& reason)>;
 
-    /// Loads what was kept; a value that is out of range is reset to its default and logged.
+    /// Loads what was kept. Where that is no value of its setting, perhaps a later version's, the
+    /// default holds, and what was kept stays there until the setting is set.
     /// Without a persistence the settings live in memory, from their defaults on. `defaults` holds,
     /// by key, what only the host knows.
     explicit SettingsStore(std::unique_ptr<SettingsPersistence> persistence = nullptr,

@@ -18,7 +18,6 @@ constexpr std::uint8_t upperHalf = 128;
 constexpr std::size_t mostSenders = 4;
 constexpr qint64 senderGoneAfter = 10000; // milliseconds; a sender repeats its levels every four s
 constexpr int mostAnswers = 10;           // a second; consoles ask every three seconds
-constexpr int readAtOnce = 64;            // then other events have their turn
 
 const std::string prefix = "DMX ";
 
@@ -74,7 +73,7 @@ void DmxService::setInfo(const SAddDMXInfo& info)
 void DmxService::read()
 {
     std::vector<int> rising;
-    for (int i = 0; i < readAtOnce && m_input.socket().hasPendingDatagrams(); ++i) {
+    for (int i = 0; i < UdpInput::readAtOnce && m_input.socket().hasPendingDatagrams(); ++i) {
         const QNetworkDatagram received = m_input.receive();
         const QByteArray bytes = received.data();
         const auto datagram = parseArtNet(reinterpret_cast<const std::uint8_t*>(bytes.constData()),

@@ -26,7 +26,7 @@ namespace {
 
 // Milliseconds. A device that is away for less goes unnoticed, and is then not opened again.
 constexpr int lookEvery = 200;
-constexpr int retryAfter = 2000; // of a back end that is not there
+constexpr int backEndRetry = 2000; // of a back end that is not there
 
 std::atomic<int> jackErrors{0};
 
@@ -295,7 +295,7 @@ void MidiService::look()
 
 std::vector<ListedDevice> MidiService::portsOf(BackEnd& backEnd)
 {
-    if (backEnd.failed.isValid() && !backEnd.failed.hasExpired(retryAfter)) {
+    if (backEnd.failed.isValid() && !backEnd.failed.hasExpired(backEndRetry)) {
         return {};
     }
     const std::string name = RtMidi::getApiDisplayName(backEnd.api);

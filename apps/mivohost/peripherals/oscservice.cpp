@@ -18,7 +18,6 @@ using mivo::settings::peripheralPrefix;
 namespace {
 
 constexpr std::size_t longest = 1024; // bytes of an address and of a text
-constexpr int readAtOnce = 64;        // datagrams; then other events have their turn
 
 bool isText(const std::string& text)
 {
@@ -80,7 +79,7 @@ void OscService::setInfo(const SAddOSCInfo& info)
 
 void OscService::read()
 {
-    for (int i = 0; i < readAtOnce && m_input.socket().hasPendingDatagrams(); ++i) {
+    for (int i = 0; i < UdpInput::readAtOnce && m_input.socket().hasPendingDatagrams(); ++i) {
         const QByteArray bytes = m_input.receive().data();
         m_ignored += parseOsc(bytes.constData(), static_cast<std::size_t>(bytes.size()),
                               [this](const OscMessage& message) { take(message); });

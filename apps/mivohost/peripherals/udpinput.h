@@ -17,12 +17,15 @@ namespace mivohost {
 class UdpInput
 {
 public:
+    /// Datagrams; then other events have their turn.
+    static constexpr int readAtOnce = 64;
+
     struct Setup
     {
         const char* name; ///< of the input, in the log
         /// With other programs, and for what is sent to a whole network as well.
         bool isShared = false;
-        /// Datagrams wait: it receives some of them, so that other events have their turn.
+        /// Datagrams wait: it receives up to readAtOnce of them.
         std::function<void()> read;
         /// failure() has changed.
         std::function<void()> failureChanged;
