@@ -55,13 +55,13 @@ protected:
     /// Makes a row that clears, on a thread of its own, until it is told to end.
     void startClearingForever()
     {
-        means.clear = [this](const QString&, const std::function<bool(int)>& goOn) {
+        means.clear = [clearing = clearing](const QString&, const std::function<bool(int)>& goOn) {
             ClearResult result;
-            for (clearing = true; goOn(result.removed); ++result.removed) {
+            for (*clearing = true; goOn(result.removed); ++result.removed) {
                 QThread::msleep(2);
             }
             result.cancelled = true;
-            clearing = false;
+            *clearing = false;
             return result;
         };
         make();
@@ -90,7 +90,8 @@ protected:
     FolderRow::Means means;
     QStringList asked;
     qint64 available = static_cast<qint64>(99 * gibibyte);
-    std::atomic<bool> clearing{false};
+    // Of the thread too, which may outlive the test.
+    std::shared_ptr<std::atomic<bool>> clearing = std::make_shared<std::atomic<bool>>(false);
     std::atomic<int> hanging{0};
     QPointer<QWidget> page;
     QPointer<FolderRow> row;
@@ -233,7 +234,7 @@ TEST_F(Row, ALongClearingShowsItsProgressAndCanBeCancelled)
         closed = true;
     });
     EXPECT_TRUE(QTest::qWaitFor([&] { return closed && asked.size() == 1; }));
-    EXPECT_FALSE(clearing);
+    EXPECT_FALSE(*clearing);
     EXPECT_EQ(page->findChild<QProgressDialog*>(), nullptr);
     EXPECT_TRUE(watch.tips.empty());
 }
@@ -246,16 +247,16 @@ TEST_F(Row, ItsPageMayGoOrCloseWhileItClears)
             EXPECT_TRUE(
                 QTest::qWaitFor([] { return QApplication::activeModalWidget() != nullptr; }));
         }
-        EXPECT_TRUE(QTest::qWaitFor([this] { return clearing.load(); }));
+        EXPECT_TRUE(QTest::qWaitFor([this] { return clearing->load(); }));
         delete page;
-        EXPECT_TRUE(QTest::qWaitFor([this] { return !clearing; })) << "the thread ends";
+        EXPECT_TRUE(QTest::qWaitFor([this] { return !*clearing; })) << "the thread ends";
         EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
     }
     startClearingForever();
     page->close();
     QTest::qWait(700);
     EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
-    EXPECT_TRUE(clearing) << "it goes on: it was asked for";
+    EXPECT_TRUE(*clearing) << "it goes on: it was asked for";
 }
 
 TEST_F(Row, ItsPageMayGoWhileItAsksOrTells)

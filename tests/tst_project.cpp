@@ -51,7 +51,7 @@ TEST_F(ProjectTest, FadeTimesAreGivenToAllProgramsAndSurviveTheFile)
         {"id": 1}, {"id": 2, "fadeInTime": 3, "fadeOutTime": 10},
         {"id": 3, "fadeInTime": -1, "fadeOutTime": "x"}, {"id": 4, "fadeOutTime": 10.5}]}]})");
     ASSERT_TRUE(open(path("old.mivo")));
-    for (const std::size_t odd : {0, 2, 3}) {
+    for (const std::size_t odd : {std::size_t(0), std::size_t(2), std::size_t(3)}) {
         EXPECT_EQ(fades(0, odd), std::pair(0.5, 0.5));
     }
     EXPECT_EQ(fades(0, 1), std::pair(3., 10.));

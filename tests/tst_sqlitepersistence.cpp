@@ -221,7 +221,7 @@ TEST_F(StoreFile, ThatLacksRightsIsRefusedWithTheReasonAndLeftAlone)
         QFile::remove(path() + ".lock");
         const auto before = files();
         QProcess other; // root may do everything
-        other.start(QCoreApplication::applicationFilePath(), {"--as-nobody", path()});
+        other.start(QCoreApplication::applicationFilePath(), {"--as-nobody-opening", path()});
         other.waitForFinished();
         EXPECT_EQ(other.exitCode(), static_cast<int>(Status::failed)) << label;
         const QByteArray said = other.readAllStandardOutput();
@@ -285,7 +285,7 @@ int openAsNobody(const QStringList& arguments)
 
 const bool registered = [] {
     otherProcesses()["--as-store-writer"] = runAsWriter;
-    otherProcesses()["--as-nobody"] = openAsNobody;
+    otherProcesses()["--as-nobody-opening"] = openAsNobody;
     return true;
 }();
 

@@ -22,7 +22,7 @@ void replaceByFolder(const QString& path)
     QDir().mkpath(path);
 }
 
-enum Ends { starts, startsWhenAnswered, refuses };
+enum Ends { starts, startsBeforeItSays, startsWhenAnswered, refuses };
 
 struct Fault
 {
@@ -59,7 +59,7 @@ const Fault faults[]{
     {"a folder in place of the lock",
      [](const Home& home) { replaceByFolder(home.data("mivohost.lock")); }, starts, "", 81},
     {"the shortcuts are garbage", [](const Home& home) { writeFile(home.shortcuts(), "x"); },
-     starts, "message: ", 81},
+     startsBeforeItSays, "message: The file of the keys could not be read", 81},
     {"a folder in place of the log",
      [](const Home& home) { replaceByFolder(home.data("mivohost.log")); }, starts, "no log file",
      81},
@@ -85,13 +85,15 @@ TEST(Faults, OfAFileAreToldAndHarmNoOther)
                 QTest::qWait(1000); // the question opens
                 program.person().key(RfbClient::enter);
             }
+            const bool opens = fault.ends == startsBeforeItSays && program.says("main window open");
             EXPECT_TRUE(program.says(fault.says)) << program.output().constData();
             if (fault.ends == refuses) {
                 program.person().key(RfbClient::enter);
                 EXPECT_TRUE(program.ends());
                 EXPECT_EQ(program.exitCode(), 3);
             } else {
-                EXPECT_TRUE(program.says("main window open")) << program.output().constData();
+                EXPECT_TRUE(opens || program.says("main window open"))
+                    << program.output().constData();
                 program.signal(SIGTERM);
                 EXPECT_EQ(program.exitCode(), 0) << program.output().constData();
             }
