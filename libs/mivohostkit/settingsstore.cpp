@@ -6,7 +6,6 @@
 #include <QtCore/QLocale>
 #include <QtCore/QRegularExpression>
 #include <QtCore/QTime>
-#include <QtNetwork/QHostAddress>
 
 #include <algorithm>
 #include <array>
@@ -141,7 +140,9 @@ bool isOsc(const QString& record)
 /// Of this machine, or empty for all.
 bool isListenAddress(const QString& text)
 {
-    return text.isEmpty() || QHostAddress(text).protocol() == QAbstractSocket::IPv4Protocol;
+    static const QRegularExpression ipv4(QRegularExpression::anchoredPattern(QStringLiteral(
+        R"((\d{1,2}|1\d\d|2[0-4]\d|25[0-5])(\.(\d{1,2}|1\d\d|2[0-4]\d|25[0-5])){3})")));
+    return text.isEmpty() || ipv4.match(text).hasMatch();
 }
 
 /// "enabled|channel offset|subnet|domain|node name"; the name may have any character.

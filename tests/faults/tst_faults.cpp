@@ -128,7 +128,13 @@ TEST(Faults, AFullDiskIsToldAndLosesNothing)
     disk.makeRoom();
     program.person().key(RfbClient::up);
     program.person().key(RfbClient::enter);
-    EXPECT_TRUE(program.says("setting undoStep = 82")) << program.output().constData();
+    // On a slow machine the held key counts more than once: what was said last is what holds.
+    EXPECT_TRUE(program.says("setting undoStep = ")) << program.output().constData();
+    QTest::qWait(500);
+    const QByteArray said = "setting undoStep = " + program.output();
+    const int acknowledged =
+        said.mid(said.lastIndexOf("setting undoStep = ") + 19).split('\n').first().toInt();
+    EXPECT_GE(acknowledged, 82);
     program.kill();
     disk.fill();
     Program again(home.path());
@@ -136,7 +142,7 @@ TEST(Faults, AFullDiskIsToldAndLosesNothing)
     EXPECT_TRUE(again.says("main window open")) << again.output().constData();
     again.kill();
     disk.makeRoom();
-    EXPECT_EQ(home.undoStep(), 82);
+    EXPECT_EQ(home.undoStep(), acknowledged);
 }
 
 TEST(Faults, AReadOnlyDiskIsTheReasonThatIsTold)
