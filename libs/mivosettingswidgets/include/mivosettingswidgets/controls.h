@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QtCore/QLocale>
 #include <QtCore/QSignalBlocker>
 #include <QtGui/QTextDocument>
 #include <QtWidgets/QAbstractButton>
@@ -55,16 +56,16 @@ inline void showValue(QDoubleSpinBox* edit, double value)
     edit->setValue(value);
 }
 
-/// A time of the day as "hh:mm:ss".
+/// A time of the day as "hh:mm:ss", whatever the digits of the system's locale.
 inline void showTime(QTimeEdit* edit, const std::string& time)
 {
     const QSignalBlocker blocker(edit);
-    edit->setTime(QTime::fromString(QString::fromStdString(time), QStringLiteral("hh:mm:ss")));
+    edit->setTime(QLocale::c().toTime(QString::fromStdString(time), QStringLiteral("hh:mm:ss")));
 }
 
 inline std::string shownTime(const QTimeEdit* edit)
 {
-    return edit->time().toString(QStringLiteral("hh:mm:ss")).toStdString();
+    return QLocale::c().toString(edit->time(), QStringLiteral("hh:mm:ss")).toStdString();
 }
 
 inline void showIndex(QComboBox* combo, int index)
