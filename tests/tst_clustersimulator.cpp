@@ -1,52 +1,31 @@
 #include "devices/clustersimulator.h"
 
-#include "support/logcapture.h"
-#include "support/teststore.h"
-
-#include <gtest/gtest.h>
+#include "support/test.h"
 
 #include <algorithm>
-#include <map>
-
-namespace clustersimulatortest {
-
-using mivohost::ClusterSimulator;
-using Devices = std::vector<mivo::settings::STDeviceSoundCards>;
-
-namespace {
-
-Devices sorted(Devices devices)
-{
-    std::sort(devices.begin(), devices.end(),
-              [](const auto& a, const auto& b) { return a.device < b.device; });
-    return devices;
-}
-
-} // namespace
+#include <set>
 
 TEST(ClusterSimulator, TellsTheStoreWhatHappens)
 {
     const LogCapture log;
     TestStore store;
-    std::map<std::string, int> seen;
-    const auto count = [&seen](auto& signal, const char* what) {
-        signal.connect([&seen, what](const auto&... /*value*/) { ++seen[what]; });
-    };
-    count(store.clusterNodeSoundCardsChanged, "devices");
-    count(store.clusterDeviceSoundCardsDeleted, "gone");
-    count(store.deviceSoundCardVisibleChanged, "visible");
-    count(store.soundCardMismatch, "mismatch");
-    count(store.soundCardEnabled, "card there");
-    count(store.soundCardDisabled, "card away");
-    ClusterSimulator cluster(store.soundCards(), 5, 7);
-    constexpr std::size_t steps = 200;
-    for (std::size_t step = 0; step < steps; ++step) {
+    int mismatches = 0;
+    store.soundCardMismatch.connect([&mismatches](const auto& /*info*/) { ++mismatches; });
+    mivohost::ClusterSimulator cluster(store.soundCards(), 5, 7);
+    std::set<std::size_t> counts;
+    bool wasHidden = false;
+    for (int step = 0; step < 200; ++step) {
         cluster.step();
-        const auto held = store.getSoundCardMappings().devices;
-        ASSERT_TRUE(Devices(held.begin(), held.end()) == sorted(cluster.present())) << step;
+        auto present = cluster.present();
+        const auto known = store.getSoundCardMappings().devices;
+        ASSERT_EQ(static_cast<std::size_t>(known.size()), present.size()) << step;
+        for (const auto& device : known) {
+            ASSERT_EQ(std::count(present.begin(), present.end(), device), 1) << step;
+            wasHidden |= !device.visible;
+        }
+        counts.insert(present.size());
     }
-    EXPECT_EQ(seen.size(), 6U) << "of each something has happened";
-    EXPECT_EQ(log.lines().size(), steps) << "nothing is refused";
+    EXPECT_GT(counts.size(), 3U);
+    EXPECT_TRUE(wasHidden);
+    EXPECT_GT(mismatches, 0);
 }
-
-} // namespace clustersimulatortest

@@ -1,8 +1,8 @@
 #include "folders/folderselection.h"
 
-#include "support/dialogs.h"
 #include "support/files.h"
 #include "support/qtlog.h"
+#include "support/test.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QTemporaryDir>
@@ -26,33 +26,34 @@ protected:
         }
         writeFile(path("taken/sub"));
         writeFile(path("file"));
-        means.isMobile = [this](const QString& folder) {
-            checked.append(folder);
-            return folder.contains("mobile");
+        dependencies.isMobile = [this](const QString& selected) {
+            checked.append(selected);
+            return selected.contains("mobile");
         };
     }
 
     QString path(const QString& name) const { return root.filePath(name); }
-
     bool isProject() const { return GetParam() == &projectFolderRules; }
 
     /// As if the dialog had given `selected`.
     bool select(const std::optional<QStringList>& selected)
     {
-        means.select = [&selected](QFileDialog&) { return selected; };
-        return FolderSelection(*GetParam(), page.get(), means).createSecLevelDir(folder, "/sub");
+        dependencies.select = [&selected](QFileDialog&) { return selected; };
+        return choose(dependencies);
     }
-
-    /// Through the real dialog.
-    bool choose(const QString& name)
+    bool choose(const FolderDependencies& with = {})
     {
-        whenModal<QFileDialog>([name](QFileDialog& dialog) { chooseFolder(dialog, name); });
-        return FolderSelection(*GetParam(), page.get()).createSecLevelDir(folder, "/sub");
+        log.lines().clear();
+        watch.tips.clear();
+        const bool isChosen =
+            FolderSelection(*GetParam(), page.get(), with).createSecLevelDir(folder, "/sub");
+        EXPECT_EQ(folder.endsWith("/sub"), isChosen);
+        return isChosen;
     }
 
     const QTemporaryDir root;
     std::unique_ptr<QWidget> page = std::make_unique<QWidget>();
-    FolderMeans means;
+    FolderDependencies dependencies;
     QStringList checked;
     QString folder = path("current");
     QtLog log;
@@ -63,71 +64,76 @@ protected:
 
 TEST_P(FolderChoice, EndsAtTheFirstCheckThatFailsWithItsLineAndItsTip)
 {
-    struct Case
+    const std::string compared = "--ProjectSetting-- compare last time path is true!";
+    const std::string same = "--FileInfoSetting-- compare last time path is true!";
+    const std::string empty = "--ProjectSetting--browse folder is empty!";
+    const std::string mobile = "--ProjectSetting--The current folder belongs to a mobile device!";
+    const std::string refused = "--ProjectSetting--have no permission to write file!";
+    const std::string notMade = "--ProjectSetting--make next level dir failure!";
+    const std::string noFolder = "--ProjectSetting--The selected folder is not a folder!";
+    const struct
     {
-        const char* name;
         std::optional<QStringList> selected;
-        const char* projectLine;
-        const char* fileInfoLine;
-        const char* projectTip;
-        const char* fileInfoTip;
+        std::string projectLine;
+        std::string fileInfoLine;
+        QString projectTip;
+        QString fileInfoTip;
         int kind;
+    } cases[]{
+        {std::nullopt, "", "", "", "", 0},
+        {QStringList(), empty, empty, "", "", 0},
+        {QStringList(QString()), empty, empty, "", "", 0},
+        {QStringList(path("file")), compared, noFolder, "", "", 0},
+        {QStringList(path("gone")), compared, noFolder, "", "", 0},
+        {QStringList(path("current")), "", same, "", "", 0},
+        {QStringList(path("mobile")), mobile, mobile, "MoblieTip", "MoblieTips", 2},
+        {QStringList("/proc"), refused, refused, "NoAuthorized", "NoPermission", 2},
+        {QStringList(path("taken")), notMade, notMade, "MakeDirTips", "MakeDirTips", 0},
     };
-    const char* compared = "--ProjectSetting-- compare last time path is true!";
-    const char* empty = "--ProjectSetting--browse folder is empty!";
-    const char* mobile = "--ProjectSetting--The current folder belongs to a mobile device!";
-    const char* refused = "--ProjectSetting--have no permission to write file!";
-    const char* notMade = "--ProjectSetting--make next level dir failure!";
-    const char* noFolder = "--ProjectSetting--The selected folder is not a folder!";
-    const std::vector<Case> cases{
-        {"cancelled", std::nullopt, "", "", "", "", 0},
-        {"nothing", QStringList(), empty, empty, "", "", 0},
-        {"no name", QStringList(QString()), empty, empty, "", "", 0},
-        {"a file", QStringList(path("file")), compared, noFolder, "", "", 0},
-        {"gone", QStringList(path("gone")), compared, noFolder, "", "", 0},
-        {"the same", QStringList(path("current")), "",
-         "--FileInfoSetting-- compare last time path is true!", "", "", 0},
-        {"mobile", QStringList(path("mobile")), mobile, mobile, "MoblieTip", "MoblieTips", 2},
-        {"no permission", QStringList("/proc"), refused, refused, "NoAuthorized", "NoPermission",
-         2},
-        {"a file in the way", QStringList(path("taken")), notMade, notMade, "MakeDirTips",
-         "MakeDirTips", 0},
-    };
-    for (const Case& test : cases) {
-        log.lines().clear();
-        watch.tips.clear();
-        EXPECT_FALSE(select(test.selected)) << test.name;
-        EXPECT_EQ(folder, path("current")) << test.name;
+    for (const auto& test : cases) {
+        SCOPED_TRACE(test.selected.value_or(QStringList()).join(' ').toStdString());
+        EXPECT_FALSE(select(test.selected));
         const std::string line = isProject() ? test.projectLine : test.fileInfoLine;
-        EXPECT_EQ(log.lines(), line.empty() ? std::vector<std::string>() : std::vector{line})
-            << test.name;
+        EXPECT_EQ(log.lines(), line.empty() ? std::vector<std::string>() : std::vector{line});
         const QString tip = isProject() ? test.projectTip : test.fileInfoTip;
-        ASSERT_EQ(watch.tips.size(), tip.isEmpty() ? 0U : 1U) << test.name;
+        ASSERT_EQ(watch.tips.size(), tip.isEmpty() ? 0U : 1U);
         if (!tip.isEmpty()) {
-            EXPECT_EQ(watch.tips[0].text, tip) << test.name;
-            EXPECT_EQ(watch.tips[0].kind, test.kind) << test.name;
+            EXPECT_EQ(watch.tips[0].text, tip);
+            EXPECT_EQ(watch.tips[0].kind, test.kind);
         }
     }
-}
-
-TEST_P(FolderChoice, TheFolderThatIsSetIsCheckedOnOnePageOnly)
-{
     folder = path("mobile");
     EXPECT_FALSE(select(QStringList(folder)));
-    EXPECT_EQ(watch.tips.size(), isProject() ? 0U : 1U);
-    EXPECT_EQ(log.lines().size(), isProject() ? 0U : 1U);
+    EXPECT_EQ(watch.tips.size(), isProject() ? 0U : 1U) << "set already, but checked before";
+    dependencies.isMobile = [](const QString& chosen) { return !QDir(chosen).removeRecursively(); };
+    EXPECT_FALSE(select(QStringList(path("chosen"))));
+    EXPECT_EQ(log.lines().size(), 1U);
+    EXPECT_FALSE(QFileInfo::exists(path("chosen"))) << "what has vanished is not made again";
 }
 
 TEST_P(FolderChoice, MakesTheSubFolderAndLeavesItsPath)
 {
-    const QString other = path("目录 с пробелом");
     const QString deep = path("chosen/" + QString(200, 'x') + '/' + QString(200, 'y'));
     ASSERT_TRUE(QDir().mkpath(deep));
     ASSERT_TRUE(QFile::link(path("chosen"), path("link")));
     // The last one once more: the sub-folder is there already.
-    for (const QString& chosen : {path("chosen"), other, deep, path("link"), path("chosen")}) {
+    for (const QString& chosen :
+         {path("chosen"), path("目录 с пробелом"), deep, path("link"), path("chosen")}) {
         folder = path("current");
-        EXPECT_TRUE(choose(chosen)) << chosen.toStdString();
+        whenModal<QFileDialog>([&](QFileDialog& dialog) {
+            EXPECT_EQ(dialog.parent(), nullptr);
+            EXPECT_EQ(dialog.windowTitle(), "SelectFolder");
+            EXPECT_EQ(dialog.directory().absolutePath(), path("current"));
+            EXPECT_EQ(dialog.viewMode(), QFileDialog::Detail);
+            EXPECT_EQ(dialog.fileMode(), QFileDialog::Directory);
+            EXPECT_TRUE(dialog.testOption(QFileDialog::ShowDirsOnly));
+            EXPECT_FALSE(dialog.acceptDrops());
+            EXPECT_EQ(dialog.labelText(QFileDialog::FileName), "NameInput");
+            EXPECT_EQ(dialog.labelText(QFileDialog::Reject), "Cancel");
+            EXPECT_EQ(dialog.labelText(QFileDialog::Accept), isProject() ? "OpenProject" : "Open");
+            chooseFolder(dialog, chosen);
+        });
+        EXPECT_TRUE(choose()) << chosen;
         EXPECT_EQ(folder, chosen + "/sub");
         EXPECT_TRUE(QFileInfo(folder).isDir());
     }
@@ -139,54 +145,10 @@ TEST_P(FolderChoice, MakesTheSubFolderAndLeavesItsPath)
     EXPECT_TRUE(watch.tips.empty());
 }
 
-TEST_P(FolderChoice, AsksInAFolderDialogThatStartsAtTheFolderThatIsSet)
-{
-    whenModal<QFileDialog>([this](QFileDialog& dialog) {
-        EXPECT_EQ(dialog.parent(), nullptr);
-        EXPECT_EQ(dialog.windowTitle(), "SelectFolder");
-        EXPECT_EQ(dialog.directory().absolutePath(), path("current"));
-        EXPECT_EQ(dialog.viewMode(), QFileDialog::Detail);
-        EXPECT_EQ(dialog.fileMode(), QFileDialog::Directory);
-        EXPECT_TRUE(dialog.testOption(QFileDialog::ShowDirsOnly));
-        EXPECT_FALSE(dialog.acceptDrops());
-        EXPECT_EQ(dialog.labelText(QFileDialog::FileName), "NameInput");
-        EXPECT_EQ(dialog.labelText(QFileDialog::Reject), "Cancel");
-        EXPECT_EQ(dialog.labelText(QFileDialog::Accept), isProject() ? "OpenProject" : "Open");
-        dialog.reject();
-    });
-    EXPECT_FALSE(FolderSelection(*GetParam(), page.get()).createSecLevelDir(folder, "/sub"));
-    EXPECT_EQ(folder, path("current"));
-    EXPECT_TRUE(log.lines().empty());
-}
-
-TEST_P(FolderChoice, AFolderThatVanishesMeanwhileIsNotMadeAgain)
-{
-    means.isMobile = [](const QString& chosen) { return !QDir(chosen).removeRecursively(); };
-    EXPECT_FALSE(select(QStringList(path("chosen"))));
-    EXPECT_EQ(log.lines().size(), 1U);
-    EXPECT_EQ(watch.tips.size(), 1U);
-    EXPECT_FALSE(QFileInfo::exists(path("chosen")));
-    EXPECT_EQ(folder, path("current"));
-}
-
-TEST_P(FolderChoice, MayLoseItsPageWhileADialogIsOpen)
-{
-    whenModal<QFileDialog>([this](QFileDialog& /*dialog*/) { page.reset(); });
-    EXPECT_FALSE(FolderSelection(*GetParam(), page.get()).createSecLevelDir(folder, "/sub"));
-
-    page = std::make_unique<QWidget>();
-    means.isMobile = [](const QString&) { return true; };
-    watch.onTip = [this] { page.reset(); };
-    EXPECT_FALSE(select(QStringList(path("chosen"))));
-    EXPECT_EQ(watch.tips.size(), 1U);
-    EXPECT_EQ(folder, path("current"));
-    EXPECT_FALSE(QFileInfo::exists(path("chosen/sub")));
-}
-
 TEST_P(FolderChoice, AFolderThatHangsIsWaitedForWhileTheUserWantsTo)
 {
     std::promise<void> answer;
-    means.isMobile = [answered = answer.get_future().share()](const QString&) {
+    dependencies.isMobile = [answered = answer.get_future().share()](const QString&) {
         answered.wait();
         return false;
     };
@@ -198,14 +160,31 @@ TEST_P(FolderChoice, AFolderThatHangsIsWaitedForWhileTheUserWantsTo)
         QTest::mouseClick(dialog.findChild<QPushButton*>(), Qt::LeftButton);
     });
     EXPECT_FALSE(select(QStringList(path("chosen"))));
-    EXPECT_EQ(folder, path("current"));
-    whenModal<QProgressDialog>([this](QProgressDialog& /*dialog*/) { page.reset(); });
-    EXPECT_FALSE(select(QStringList(path("chosen"))));
-    page = std::make_unique<QWidget>();
     whenModal<QProgressDialog>([&answer](QProgressDialog& /*dialog*/) { answer.set_value(); });
     EXPECT_TRUE(select(QStringList(path("chosen"))));
     EXPECT_TRUE(log.lines().empty());
     EXPECT_TRUE(watch.tips.empty());
+}
+
+TEST_P(FolderChoice, MayLoseItsPageWhileADialogIsOpen)
+{
+    whenModal<QFileDialog>([this](QFileDialog& /*dialog*/) { page.reset(); });
+    EXPECT_FALSE(choose());
+
+    page = std::make_unique<QWidget>();
+    watch.onTip = [this] { page.reset(); };
+    EXPECT_FALSE(select(QStringList(path("mobile"))));
+    EXPECT_EQ(watch.tips.size(), 1U);
+
+    page = std::make_unique<QWidget>();
+    std::promise<void> answer;
+    dependencies.isMobile = [answered = answer.get_future().share()](const QString&) {
+        answered.wait();
+        return false;
+    };
+    whenModal<QProgressDialog>([this](QProgressDialog& /*dialog*/) { page.reset(); });
+    EXPECT_FALSE(select(QStringList(path("chosen"))));
+    answer.set_value();
 }
 
 INSTANTIATE_TEST_SUITE_P(Pages, FolderChoice,
@@ -214,28 +193,14 @@ INSTANTIATE_TEST_SUITE_P(Pages, FolderChoice,
 
 TEST(FolderPaths, ADriveIsTwoCharactersAtTheStart)
 {
-    const struct
-    {
-        const char* path;
-        const char* drive;
-        const char* trimmed;
-    } cases[]{
-        {"", "", ""},
-        {"/", "", "/"},
-        {"D:/", "D:", "D:"},
-        {"D:", "D:", "D:"},
-        {"D:/cache", "D:", "D:/cache"},
-        {"D:/cache//", "D:", "D:/cache/"},
-        {"D:\\cache", "", "D:\\cache"},
-        {"//server/share/cache", "", "//server/share/cache"},
-        {"//nt/share", "", "//nt/share"},
-        {"/mx/cache", "", "/mx/cache"},
-        {"//", "", "/"},
-        {"DD:/cache", "", "DD:/cache"},
-    };
-    for (const auto& test : cases) {
-        EXPECT_EQ(driveOf(test.path), test.drive) << test.path;
-        EXPECT_EQ(withoutTrailingSlash(test.path), test.trimmed) << test.path;
+    using Case = std::tuple<QString, QString, QString>;
+    for (const auto& [path, drive, trimmed] :
+         {Case("", "", ""), Case("/", "", "/"), Case("D:/", "D:", "D:"),
+          Case("D:/cache//", "D:", "D:/cache/"), Case("D:\\cache", "", "D:\\cache"),
+          Case("//server/share", "", "//server/share"), Case("//nt/share", "", "//nt/share"),
+          Case("DD:/cache", "", "DD:/cache")}) {
+        EXPECT_EQ(driveOf(path), drive) << path;
+        EXPECT_EQ(withoutTrailingSlash(path), trimmed) << path;
     }
 }
 

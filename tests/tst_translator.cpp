@@ -1,97 +1,70 @@
 #include "zrtranslate/translator.h"
 
+#include "support/files.h"
+#include "support/test.h"
+
 #include <mivostyle/style.h>
 
-#include <gtest/gtest.h>
-
-#include <QtCore/QFile>
 #include <QtCore/QTemporaryDir>
-#include <QtCore/QTranslator>
-
-namespace translatortest {
-
-using velorn::trans::Translator;
 
 namespace {
 
-const QString catalogue = QStringLiteral("SystemSettingsDialog");
-const QString context = QStringLiteral("Widget");
-const QString key = QStringLiteral("UndoSteps");
+using velorn::trans::Translator;
 
-QString look(const Translator& translator, const QString& forKey = key)
+QString look(const Translator& translator, const char* key = "UndoSteps")
 {
-    return velorn::trans::translate(translator, catalogue, context, forKey);
+    return velorn::trans::translate(translator, "SystemSettingsDialog", "Widget", key);
 }
 
 } // namespace
 
-TEST(Translator, KeysStandForThemselvesUntilALanguageIsLoadedAndChosen)
-{
-    Translator translator;
-    EXPECT_EQ(look(translator), key);
-    translator.switchLanguage(QStringLiteral("en_US"));
-    EXPECT_EQ(look(translator), key);
-    for (const QString& file : mivo::style::languageFiles()) {
-        EXPECT_TRUE(translator.load(file));
-    }
-    EXPECT_EQ(look(translator), QStringLiteral("Undo steps")) << "chosen before it was loaded";
-}
-
 TEST(Translator, TheNearestLoadedLanguageServes)
 {
     Translator translator;
-    for (const QString& file : mivo::style::languageFiles()) {
-        translator.load(file);
-        translator.load(file);
+    translator.switchLanguage("en_US");
+    EXPECT_EQ(look(translator), "UndoSteps");
+    const QTemporaryDir folder;
+    writeFile(folder.filePath("garbage.qm"), "not a language file");
+    for (const QString& wrong : {folder.filePath("garbage.qm"), folder.filePath("none.qm")}) {
+        EXPECT_FALSE(translator.load(wrong));
     }
-    EXPECT_EQ(look(translator), key);
+    for (const QString& file : mivo::style::languageFiles()) {
+        EXPECT_TRUE(translator.load(file));
+        EXPECT_TRUE(translator.load(file));
+    }
+    EXPECT_EQ(look(translator), "Undo steps") << "chosen before it was loaded";
     const struct
     {
         const char* chosen;
         const char* language;
         const char* text;
     } cases[] = {
-        {"zh_cn", "zh_cn", "撤销步数"},      {"en", "en", "Undo steps"},
-        {"zh-CN", "zh_cn", "撤销步数"},      {"en_US", "en", "Undo steps"},
-        {"zh_Hans_CN", "zh_cn", "撤销步数"}, {"e", "e", "UndoSteps"},
-        {"zh", "zh_cn", "撤销步数"},         {"fr_FR", "fr_fr", "UndoSteps"},
+        {"zh_cn", "zh_cn", "撤销步数"},  {"en", "en", "Undo steps"},
+        {"zh-CN", "zh_cn", "撤销步数"},  {"zh_Hans_CN", "zh_cn", "撤销步数"},
+        {"e", "e", "UndoSteps"},         {"zh", "zh_cn", "撤销步数"},
+        {"fr_FR", "fr_fr", "UndoSteps"},
     };
     for (const auto& row : cases) {
-        translator.switchLanguage(QString::fromLatin1(row.chosen));
-        EXPECT_EQ(look(translator), QString::fromUtf8(row.text)) << row.chosen;
+        translator.switchLanguage(row.chosen);
+        EXPECT_EQ(look(translator), row.text) << row.chosen;
         EXPECT_EQ(translator.language(), row.language) << row.chosen;
     }
 }
 
-TEST(Translator, AMissingTextIsTheKeyAndIsReported)
+TEST(Translator, AMissingTextIsTheKeyAndIsReportedOnceALanguageIsChosen)
 {
     Translator translator;
     QStringList missing;
     translator.setMissingTextHandler(
-        [&missing](const QString&, const QString&, const QString& name) { missing.append(name); });
+        [&missing](const QString&, const QString&, const QString& key) { missing.append(key); });
+    EXPECT_EQ(look(translator, "NoSuchKey"), "NoSuchKey");
+    EXPECT_TRUE(missing.isEmpty());
     for (const QString& file : mivo::style::languageFiles()) {
         translator.load(file);
     }
-    EXPECT_EQ(look(translator, QStringLiteral("NoSuchKey")), QStringLiteral("NoSuchKey"));
-    EXPECT_TRUE(missing.isEmpty()) << "no language is chosen yet";
-    translator.switchLanguage(QStringLiteral("en"));
-    look(translator, QStringLiteral("NoSuchKey"));
-    look(translator);
-    EXPECT_EQ(missing, QStringList{QStringLiteral("NoSuchKey")});
-    EXPECT_EQ(velorn::trans::translate(translator, QStringLiteral("Other"), context, key), key);
+    translator.switchLanguage("en");
+    EXPECT_EQ(look(translator, "NoSuchKey"), "NoSuchKey");
+    EXPECT_EQ(look(translator), "Undo steps");
+    EXPECT_EQ(missing, QStringList("NoSuchKey"));
+    EXPECT_EQ(velorn::trans::translate(translator, "Other", "Widget", "UndoSteps"), "UndoSteps");
 }
-
-TEST(Translator, RefusesWhatIsNoLanguageFile)
-{
-    const QTemporaryDir folder;
-    QFile garbage(folder.filePath(QStringLiteral("garbage.qm")));
-    ASSERT_TRUE(garbage.open(QIODevice::WriteOnly));
-    garbage.write("not a language file");
-    garbage.close();
-    Translator translator;
-    EXPECT_FALSE(translator.load(garbage.fileName()));
-    EXPECT_FALSE(translator.load(folder.filePath(QStringLiteral("missing.qm"))));
-    EXPECT_FALSE(translator.load(QString()));
-}
-
-} // namespace translatortest

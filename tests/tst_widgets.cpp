@@ -1,23 +1,14 @@
 #include <mivowidgets/colordialog.h>
 #include <mivowidgets/screenpicker.h>
-#include <mivowidgets/spineditbox.h>
-#include <mivowidgets/tipdialog.h>
 
-#include <gtest/gtest.h>
+#include "support/test.h"
 
-#include <QtCore/QTimer>
 #include <QtGui/QCursor>
 #include <QtGui/QScreen>
 #include <QtGui/QWheelEvent>
-#include <QtTest/QTest>
 #include <QtTest/qtestspontaneevent.h>
-#include <QtWidgets/QApplication>
-#include <QtWidgets/QDialogButtonBox>
 #include <QtWidgets/QScrollArea>
 #include <QtWidgets/QScrollBar>
-
-#include <functional>
-#include <memory>
 
 namespace widgetstest {
 
@@ -29,7 +20,6 @@ TEST(SpinEditBox, TheWheelScrollsThePageUntilTheBoxHasTheFocus)
     auto* content = new QWidget;
     content->resize(100, 2000);
     auto* edit = new SpinEditBox(content);
-    edit->setRange(0, 100);
     edit->setValue(50);
     area.setWidget(content);
     area.resize(200, 200);
@@ -37,199 +27,123 @@ TEST(SpinEditBox, TheWheelScrollsThePageUntilTheBoxHasTheFocus)
     area.activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&area));
     area.setFocus();
-
-    const auto wheel = [edit] {
+    int scrolled = 0;
+    for (const auto& [value, isScrolled] : {std::pair(50, true), {49, false}}) {
         const QPoint middle = edit->rect().center();
         QWheelEvent event(middle, edit->mapToGlobal(middle), {}, {0, -120}, Qt::NoButton,
                           Qt::NoModifier, Qt::NoScrollPhase, false);
         QSpontaneKeyEvent::setSpontaneous(&event); // else it would not be passed on to parents
         qApp->notify(edit, &event);
-    };
-    wheel();
-    EXPECT_EQ(edit->value(), 50);
-    EXPECT_GT(area.verticalScrollBar()->value(), 0);
-
-    const int scrolled = area.verticalScrollBar()->value();
-    edit->setFocus();
-    wheel();
-    EXPECT_EQ(edit->value(), 49);
-    EXPECT_EQ(area.verticalScrollBar()->value(), scrolled);
+        EXPECT_EQ(edit->value(), value);
+        EXPECT_EQ(area.verticalScrollBar()->value() > scrolled, isScrolled);
+        scrolled = area.verticalScrollBar()->value();
+        edit->setFocus();
+    }
 }
 
 TEST(TipDialog, ReturnsThePressedButtonAndReturnAloneDoesNoHarm)
 {
-    const struct
-    {
-        bool withCancel;
-        Qt::Key key;
-        int result;
-    } cases[]{
-        {true, Qt::Key_Return, TipDialog::cancelled},
-        {false, Qt::Key_Return, TipDialog::accepted},
-        {true, Qt::Key_Escape, TipDialog::dismissed},
-        {false, Qt::Key_Escape, TipDialog::dismissed},
-        {true, Qt::Key_Backtab, TipDialog::dismissed},
-    };
-    for (const auto& test : cases) {
+    for (const auto& [withCancel, key, result] :
+         {std::tuple(true, Qt::Key_Return, TipDialog::cancelled),
+          std::tuple(false, Qt::Key_Return, TipDialog::accepted),
+          std::tuple(true, Qt::Key_Escape, TipDialog::dismissed),
+          std::tuple(true, Qt::Key_Backtab, TipDialog::dismissed)}) {
         TipDialog dialog;
-        dialog.setTipText("Really?");
-        dialog.setButtonTexts("No", "Yes");
-        dialog.setCancelButtonVisible(test.withCancel);
-        QTimer::singleShot(0, &dialog, [&] {
-            QTest::keyClick(dialog.focusWidget(), test.key);
+        dialog.setCancelButtonVisible(withCancel);
+        QTimer::singleShot(0, &dialog, [&dialog, key = key] {
+            QTest::keyClick(dialog.focusWidget(), key);
             dialog.close(); // for a key that pressed no button
         });
-        EXPECT_EQ(dialog.run(), test.result) << test.key;
+        EXPECT_EQ(dialog.run(), result) << key;
     }
-}
-
-TEST(TipDialog, EndsWithItsParent)
-{
     auto parent = std::make_unique<QWidget>();
     auto* dialog = new TipDialog(parent.get());
     QTimer::singleShot(0, [&] { parent.reset(); });
-    EXPECT_EQ(dialog->run(), TipDialog::dismissed);
+    EXPECT_EQ(dialog->run(), TipDialog::dismissed) << "it ends with its parent";
 }
 
 namespace {
 
-/// A colour dialog that has been asked to pick from a screen whose colour tells the position.
-class ScreenPicking : public ::testing::Test
+QColor colorAt(QPoint position)
 {
-protected:
-    ScreenPicking()
-    {
-        dialog.setTexts("Title", "Yes", "No", "Pick");
-        dialog.setCurrentColor("#123456");
-        dialog.screenPicker().setGrab([this](QScreen& screen) {
-            QImage picture(screen.size() * scale, QImage::Format_RGB32);
-            for (int y = 0; y < picture.height(); ++y) {
-                for (int x = 0; x < picture.width(); ++x) {
-                    picture.setPixelColor(x, y, colorAt(QPoint(x, y) / scale));
-                }
-            }
-            auto pixmap = QPixmap::fromImage(picture);
-            pixmap.setDevicePixelRatio(scale);
-            return pixmap;
-        });
-        dialog.open();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(&dialog));
-    }
+    return {position.x() % 256, position.y() % 256, 7};
+}
 
-    static QColor colorAt(QPoint position) { return {position.x() % 256, position.y() % 256, 7}; }
-
-    /// Presses the dialog's button, and gives the window that covers the screen.
-    QWidget* startAt(QPoint position)
-    {
-        QCursor::setPos(position);
-        const auto buttons = dialog.findChild<QDialogButtonBox*>()->buttons();
-        for (QAbstractButton* button : buttons) {
-            if (button->text() == "Pick") {
-                QTest::keyClick(button, Qt::Key_Space);
-            }
+/// A screen of two pixels a point, whose colours tell their positions.
+QPixmap grab(const QScreen& screen)
+{
+    QImage picture(screen.size() * 2, QImage::Format_RGB32);
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            picture.setPixelColor(x, y, colorAt(QPoint(x, y) / 2));
         }
-        QWidget* cover = nullptr;
-        const auto isCovered = [&] {
-            cover = QApplication::activeWindow();
-            return cover != nullptr && cover != &dialog;
-        };
-        EXPECT_TRUE(QTest::qWaitFor(isCovered) && QTest::qWaitForWindowExposed(cover));
-        EXPECT_EQ(cover->size(), QGuiApplication::primaryScreen()->size());
-        return cover;
     }
-
-    void expectEnded()
-    {
-        QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        EXPECT_TRUE(QTest::qWaitForWindowActive(&dialog));
-    }
-
-    int scale = 1;
-    ColorDialog dialog;
-};
+    picture.setDevicePixelRatio(2);
+    return QPixmap::fromImage(picture);
+}
 
 } // namespace
 
-TEST_F(ScreenPicking, ByKeyboard)
+TEST(ColorDialog, PicksFromTheScreenByKeyboardOrMouseAndStaysOpen)
 {
-    QWidget* cover = startAt({100, 100});
-    EXPECT_EQ(dialog.currentColor(), colorAt({100, 100})) << "a preview";
-    QTest::keyClick(cover, Qt::Key_Right);
-    QTest::keyClick(cover, Qt::Key_Down, Qt::ShiftModifier);
-    QTest::keyClick(cover, Qt::Key_Left, Qt::ShiftModifier);
-    QTest::keyClick(cover, Qt::Key_Up);
-    QTest::keyClick(cover, Qt::Key_A);
-    EXPECT_EQ(QCursor::pos(), QPoint(91, 109));
-    EXPECT_EQ(dialog.currentColor(), colorAt({91, 109}));
-    QTest::keyClick(cover, Qt::Key_Return);
-    expectEnded();
-    EXPECT_EQ(dialog.currentColor(), colorAt({91, 109}));
-
-    // To the edge, and no further.
-    cover = startAt({3, 0});
-    for (int i = 0; i < 9; ++i) {
-        QTest::keyClick(cover, Qt::Key_Left);
-        QTest::keyClick(cover, Qt::Key_Up);
+    const QColor before = "#123456";
+    ColorDialog dialog;
+    dialog.setTexts("Title", "Yes", "No", "Pick");
+    dialog.screenPicker().setGrab(grab);
+    dialog.open();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+    QPushButton* pick = nullptr;
+    for (auto* button : dialog.findChildren<QPushButton*>()) {
+        EXPECT_NE(button->text(), button->isVisible() ? "&Pick Screen Color" : "");
+        pick = button->text() == "Pick" ? button : pick;
     }
-    QTest::keyClick(cover, Qt::Key_Space);
-    expectEnded();
-    EXPECT_EQ(dialog.currentColor(), colorAt({0, 0}));
-}
-
-TEST_F(ScreenPicking, ByMouseAlsoOnAScreenOfTwoPixelsAPoint)
-{
-    for (const int pixels : {1, 2}) {
-        scale = pixels;
-        QWidget* cover = startAt({5, 5});
-        QTest::mouseMove(cover, {40, 60});
-        EXPECT_TRUE(QTest::qWaitFor([this] { return dialog.currentColor() == colorAt({40, 60}); }));
-        const QPoint corner(cover->width() - 1, cover->height() - 1);
-        QTest::mouseClick(cover, Qt::LeftButton, {}, corner);
-        expectEnded();
-        EXPECT_EQ(dialog.currentColor(), colorAt(corner));
-    }
-}
-
-TEST_F(ScreenPicking, EscapeAndTheRightButtonRestoreTheColorAndLeaveTheDialogOpen)
-{
-    const std::function<void(QWidget*)> ways[]{
-        [](QWidget* cover) { QTest::keyClick(cover, Qt::Key_Escape); },
-        [](QWidget* cover) {
-            QTest::mouseClick(cover, Qt::RightButton, {}, {70, 70});
-        },
-        [](QWidget* cover) { cover->close(); }};
-    for (const auto& leave : ways) {
-        leave(startAt({50, 50}));
-        expectEnded();
-        EXPECT_EQ(dialog.currentColor(), QColor("#123456"));
-    }
-}
-
-TEST_F(ScreenPicking, DoesNothingWhereNoScreenCanBePhotographed)
-{
-    dialog.screenPicker().setGrab([](QScreen&) { return QPixmap(); });
-    EXPECT_FALSE(dialog.screenPicker().start());
-    EXPECT_EQ(dialog.currentColor(), QColor("#123456"));
-    expectEnded();
-}
-
-TEST_F(ScreenPicking, TheDialogIsWholeByKeyboardWithItsTexts)
-{
-    EXPECT_EQ(dialog.windowTitle(), "Title");
-    QStringList reached;
-    for (int i = 0; i < 40; ++i) {
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
-        if (auto* button = qobject_cast<QAbstractButton*>(QApplication::focusWidget())) {
-            reached.append(button->text());
+    const QPoint corner = QGuiApplication::primaryScreen()->geometry().bottomRight();
+    const auto press = [](QWidget* cover, const std::vector<int>& keys) {
+        for (const int key : keys) { // with its modifiers
+            QTest::keySequence(cover, QKeySequence(key));
         }
+    };
+    const std::pair<QColor, std::function<void(QWidget*)>> cases[]{
+        {colorAt({91, 109}),
+         [&](QWidget* cover) {
+             press(cover, {Qt::Key_Right, Qt::SHIFT + Qt::Key_Down, Qt::SHIFT + Qt::Key_Left,
+                           Qt::Key_Up, Qt::Key_A});
+             EXPECT_EQ(QCursor::pos(), QPoint(91, 109));
+             QTest::keyClick(cover, Qt::Key_Return);
+         }},
+        {colorAt({0, 100}), // the edge, and no further
+         [&](QWidget* cover) {
+             press(cover, std::vector<int>(11, Qt::SHIFT + Qt::Key_Left));
+             QTest::keyClick(cover, Qt::Key_Space);
+         }},
+        {colorAt(corner),
+         [&](QWidget* cover) {
+             QTest::mouseMove(cover, {40, 60});
+             const auto isPreview = [&] { return dialog.currentColor() == colorAt({40, 60}); };
+             EXPECT_TRUE(QTest::qWaitFor(isPreview));
+             QTest::mouseClick(cover, Qt::LeftButton, {}, corner);
+         }},
+        {before, [](QWidget* cover) { QTest::keyClick(cover, Qt::Key_Escape); }},
+        {before, [](QWidget* cover) { QTest::mouseClick(cover, Qt::RightButton); }},
+        {before, [](QWidget* cover) { cover->close(); }},
+    };
+    for (const auto& [color, act] : cases) {
+        dialog.setCurrentColor(before);
+        QCursor::setPos({100, 100});
+        QTest::keyClick(pick, Qt::Key_Space);
+        QWidget* cover = nullptr;
+        ASSERT_TRUE(QTest::qWaitFor([&] {
+            cover = QApplication::activeWindow();
+            return cover != nullptr && cover != &dialog;
+        }));
+        EXPECT_EQ(dialog.currentColor(), colorAt({100, 100})) << "a preview";
+        act(cover);
+        QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&dialog));
+        EXPECT_EQ(dialog.currentColor(), color);
     }
-    for (const char* text : {"Yes", "No", "Pick"}) {
-        EXPECT_TRUE(reached.contains(text)) << text;
-    }
-    EXPECT_FALSE(reached.contains(QColorDialog::tr("&Pick Screen Color")));
-    dialog.setCurrentColor("#010203");
-    QTest::keyClick(&dialog, Qt::Key_Return);
-    EXPECT_EQ(dialog.result(), QDialog::Accepted);
+    dialog.screenPicker().setGrab([](QScreen&) { return QPixmap(); });
+    EXPECT_FALSE(dialog.screenPicker().start()) << "no screen can be photographed";
 }
 
 } // namespace widgetstest

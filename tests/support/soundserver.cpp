@@ -13,7 +13,11 @@ SoundServer::SoundServer()
 
 SoundServer::~SoundServer()
 {
-    stop();
+    m_process.terminate();
+    if (!m_process.waitForFinished(10000)) {
+        m_process.kill();
+        m_process.waitForFinished();
+    }
     qunsetenv("PULSE_SERVER");
 }
 
@@ -30,15 +34,6 @@ bool SoundServer::start()
                },
                20000)
            && answers;
-}
-
-void SoundServer::stop()
-{
-    m_process.terminate();
-    if (!m_process.waitForFinished(10000)) {
-        m_process.kill();
-        m_process.waitForFinished();
-    }
 }
 
 void SoundServer::load(const QString& name, int channels)

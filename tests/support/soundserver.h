@@ -14,7 +14,6 @@ public:
 
     /// False where there is no such server to be had.
     bool start();
-    void stop();
 
     /// A card comes, and goes. Failures are failures of the test.
     void load(const QString& name, int channels = 2);

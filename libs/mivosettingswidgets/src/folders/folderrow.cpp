@@ -53,12 +53,14 @@ protected:
 
 } // namespace
 
-FolderRow::Means::Means() : bytesAvailable(&qutils::bytesAvailable), clear(&qutils::clearFolder) {}
+FolderRow::Dependencies::Dependencies()
+    : bytesAvailable(&qutils::bytesAvailable), clear(&qutils::clearFolder)
+{}
 
-FolderRow::FolderRow(QWidget* page, QWidget* tip, Means means)
+FolderRow::FolderRow(QWidget* page, QWidget* tip, Dependencies dependencies)
     : caption(new QLabel), edit(new PathEdit), browse(new PushButton), clear(new PushButton),
       space(new QLabel), layout(rowOf({caption, edit, browse, clear, space, tip})), m_page(page),
-      m_tip(tip), m_means(std::move(means))
+      m_tip(tip), m_dependencies(std::move(dependencies))
 {
     edit->setReadOnly(true);
     edit->setFixedWidth(180);
@@ -133,7 +135,7 @@ void FolderRow::checkSpace()
     }
     m_spaceTask = std::make_unique<qutils::FileTask>();
     m_spaceTask->start(
-        [bytesAvailable = m_means.bytesAvailable, drive] { return bytesAvailable(drive); },
+        [bytesAvailable = m_dependencies.bytesAvailable, drive] { return bytesAvailable(drive); },
         // One that does not know, with -1, counts as full.
         [this](qint64 bytes) { applySpace(bytes / (qint64(1) << 30)); });
     // Most drives answer at once; then nothing flickers.
@@ -169,7 +171,7 @@ void FolderRow::startClearing()
     if ((m_clearing && m_clearing->isRunning()) || !confirmClearing(m_page, folder)) {
         return;
     }
-    m_clearing = std::make_unique<FolderClearing>(folder, m_page, m_means.clear);
+    m_clearing = std::make_unique<FolderClearing>(folder, m_page, m_dependencies.clear);
     connect(m_clearing.get(), &FolderClearing::finished, this,
             [this, folder](const qutils::ClearResult& result) { endClearing(folder, result); });
 }

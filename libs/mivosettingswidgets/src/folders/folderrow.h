@@ -34,9 +34,9 @@ public:
         std::function<void(const char* key, std::function<void(const QString&)> set)>;
 
     /// What the row depends on, for tests to replace. Both are called on threads of their own.
-    struct MIVOSETTINGSWIDGETS_TEST_EXPORT Means
+    struct MIVOSETTINGSWIDGETS_TEST_EXPORT Dependencies
     {
-        Means();
+        Dependencies();
 
         std::function<qint64(const QString& drive)> bytesAvailable; ///< -1 when unknown
         FolderClearing::Clear clear;
@@ -44,7 +44,7 @@ public:
 
     /// `tip` comes hidden into the row, as its last; the page sets its text. The widgets get a
     /// parent with the row's layout.
-    FolderRow(QWidget* page, QWidget* tip, Means means = {});
+    FolderRow(QWidget* page, QWidget* tip, Dependencies dependencies = {});
     ~FolderRow() override;
 
     QLabel* const caption;
@@ -85,7 +85,7 @@ private:
 
     QWidget* m_page;
     QWidget* m_tip;
-    Means m_means;
+    Dependencies m_dependencies;
     QString m_spacePrefix;
     std::optional<qint64> m_freeGibibytes;
     std::unique_ptr<qutils::FileTask> m_spaceTask;

@@ -55,7 +55,7 @@ void closeWith(const QPointer<QWidget>& page, QDialog& dialog)
 
 } // namespace
 
-FolderMeans::FolderMeans()
+FolderDependencies::FolderDependencies()
     : select([](QFileDialog& dialog) {
           return dialog.exec() == QDialog::Accepted ? std::optional(dialog.selectedFiles())
                                                     : std::nullopt;
@@ -63,8 +63,9 @@ FolderMeans::FolderMeans()
       isMobile(&qutils::isBelongToMobile)
 {}
 
-FolderSelection::FolderSelection(const FolderRules& rules, QWidget* page, FolderMeans means)
-    : m_rules(rules), m_page(page), m_means(std::move(means))
+FolderSelection::FolderSelection(const FolderRules& rules, QWidget* page,
+                                 FolderDependencies dependencies)
+    : m_rules(rules), m_page(page), m_dependencies(std::move(dependencies))
 {}
 
 bool FolderSelection::openBrowseFileDialog(QString& path) const
@@ -82,7 +83,7 @@ bool FolderSelection::openBrowseFileDialog(QString& path) const
     dialog.setLabelText(QFileDialog::Reject, textOf("Cancel"));
     dialog.setLabelText(QFileDialog::Accept, textOf(m_rules.acceptKey));
     closeWith(m_page, dialog);
-    const auto selected = m_means.select(dialog);
+    const auto selected = m_dependencies.select(dialog);
     if (!m_page || !selected) {
         return false;
     }
@@ -143,7 +144,7 @@ bool FolderSelection::createSecLevelDir(QString& path, const std::string& suffix
 bool FolderSelection::mayBeUsed(const QString& folder) const
 {
     const auto isMobile = askFolder(
-        m_page, folder, [isMobile = m_means.isMobile, folder] { return isMobile(folder); });
+        m_page, folder, [isMobile = m_dependencies.isMobile, folder] { return isMobile(folder); });
     if (!isMobile) {
         return false;
     }

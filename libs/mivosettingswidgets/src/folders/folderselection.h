@@ -29,9 +29,9 @@ MIVOSETTINGSWIDGETS_TEST_EXPORT extern const FolderRules projectFolderRules;
 MIVOSETTINGSWIDGETS_TEST_EXPORT extern const FolderRules fileInfoFolderRules;
 
 /// What the choice depends on, for tests to replace.
-struct MIVOSETTINGSWIDGETS_TEST_EXPORT FolderMeans
+struct MIVOSETTINGSWIDGETS_TEST_EXPORT FolderDependencies
 {
-    FolderMeans();
+    FolderDependencies();
 
     std::function<std::optional<QStringList>(QFileDialog&)> select; ///< nothing when cancelled
     std::function<bool(const QString&)> isMobile;                   ///< on a thread of its own
@@ -47,7 +47,7 @@ struct MIVOSETTINGSWIDGETS_TEST_EXPORT FolderMeans
 class MIVOSETTINGSWIDGETS_TEST_EXPORT FolderSelection
 {
 public:
-    FolderSelection(const FolderRules& rules, QWidget* page, FolderMeans means = {});
+    FolderSelection(const FolderRules& rules, QWidget* page, FolderDependencies dependencies = {});
 
     /// Both start at the folder "path" and, on success, leave the result there: the chosen folder,
     /// and the sub-folder `suffix` in it.
@@ -59,7 +59,7 @@ private:
 
     const FolderRules& m_rules;
     QPointer<QWidget> m_page;
-    FolderMeans m_means;
+    FolderDependencies m_dependencies;
 };
 
 /// Shows a modal tip: an information (0) or a warning (2), with a smaller text below. It is closed
