@@ -1280,6 +1280,11 @@ Open them now?</translation>
         <translation>The shortcuts could not be written to “%1”.</translation>
     </message>
     <message>
+        <source>ShortcutsExportedLate</source>
+        <comment>MainWindow</comment>
+        <translation>The shortcuts that were not waited for have been exported after all.</translation>
+    </message>
+    <message>
         <source>ShortcutsNotImported</source>
         <comment>MainWindow</comment>
         <translation>The shortcuts were not imported: %1</translation>

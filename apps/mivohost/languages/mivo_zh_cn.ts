@@ -1280,6 +1280,11 @@
         <translation>快捷键无法写入“%1”。</translation>
     </message>
     <message>
+        <source>ShortcutsExportedLate</source>
+        <comment>MainWindow</comment>
+        <translation>先前未等待完成的快捷键导出现已写入文件。</translation>
+    </message>
+    <message>
         <source>ShortcutsNotImported</source>
         <comment>MainWindow</comment>
         <translation>快捷键未导入：%1</translation>

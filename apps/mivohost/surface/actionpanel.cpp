@@ -2,7 +2,6 @@
 
 #include "base/hostlog.h"
 #include "base/hosttext.h"
-#include "peripherals/bindingsfile.h"
 #include "peripherals/peripherals.h"
 #include "surface/actionbutton.h"
 #include "surface/askforfile.h"
@@ -12,12 +11,10 @@
 #include <mivosettingswidgets/shortcuttable.h>
 #include <mivowidgets/shortcutcover.h>
 #include <mivowidgets/tipdialog.h>
-#include <zrcutils/nocachefile.h>
 
 #include <fmt/format.h>
 
 #include <QtCore/QDir>
-#include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QGridLayout>
@@ -37,8 +34,7 @@ using mivo::widgets::TipDialog;
 namespace {
 
 constexpr int columns = 8;
-constexpr int lockScreen = 208;                // its type
-constexpr qint64 mostBytes = 64 * 1024 * 1024; // of a file to be imported
+constexpr int lockScreen = 208; // its type
 
 QString textOf(const std::string& key)
 {
@@ -52,7 +48,7 @@ ActionPanel::ActionPanel(Peripherals& peripherals)
       m_kind(new QComboBox), m_clear(new QPushButton), m_export(new QPushButton),
       m_import(new QPushButton), m_lock(new QPushButton), m_hint(new QLabel),
       m_addressLabel(new QLabel), m_address(new ListenAddressBox(peripherals)),
-      m_fileRetry(m_manager)
+      m_fileRetry(m_manager), m_transfer(m_manager, peripherals, this)
 {
     m_heading->setObjectName(QStringLiteral("sectionHeading"));
     m_edit->setObjectName(QStringLiteral("editShortcuts"));
@@ -74,9 +70,6 @@ ActionPanel::ActionPanel(Peripherals& peripherals)
     hintRow->addWidget(m_hint, 1);
     hintRow->addWidget(m_addressLabel);
     hintRow->addWidget(m_address);
-    for (QWidget* widget : std::initializer_list<QWidget*>{m_hint, m_addressLabel, m_address}) {
-        widget->hide();
-    }
 
     auto* row = new QHBoxLayout;
     row->setSpacing(8);
@@ -189,6 +182,9 @@ void ActionPanel::addConnections()
     connect(
         &m_fileRetry, &ShortcutFileRetry::succeeded, this,
         [this] { emit told(QStringLiteral("KeysWritten")); }, Qt::QueuedConnection);
+    connect(&m_transfer, &BindingsTransfer::failed, this, &ActionPanel::failed);
+    connect(&m_transfer, &BindingsTransfer::told, this, &ActionPanel::told);
+    connect(&m_transfer, &BindingsTransfer::waitingChanged, this, &ActionPanel::showState);
     connect(&m_manager, &ShortCutMgr::signalClearShortCutState, this, &ActionPanel::showState);
     connect(&m_manager, &ShortCutMgr::signalUpdateClearPeripheralsState, this,
             &ActionPanel::showState);
@@ -314,8 +310,9 @@ void ActionPanel::showState()
     m_edit->setEnabled(!m_locked);
     m_kind->setEnabled(!m_locked);
     m_clear->setEnabled(!m_locked && hasBindings());
-    m_export->setEnabled(!m_locked && !m_editing);
-    m_import->setEnabled(!m_locked && !m_editing);
+    for (QPushButton* transfer : {m_export, m_import}) {
+        transfer->setEnabled(!m_locked && !m_editing && !m_transfer.isWaiting());
+    }
     for (ActionButton* action : m_actions) {
         action->setEnabled(!m_locked);
     }
@@ -326,6 +323,7 @@ void ActionPanel::setEditing(bool on)
     if (m_editing == on || (on && m_locked)) {
         return;
     }
+    m_transfer.cancel();
     m_editing = on;
     m_keys.setEnabled(!on && !m_locked);
     m_edit->setChecked(on);
@@ -338,8 +336,6 @@ void ActionPanel::setEditing(bool on)
     showState();
     if (on) {
         m_actions.front()->cover()->setFocus();
-    }
-    if (on) {
         hostLog()->info("editing shortcuts: {}", m_kind->currentText().toStdString());
     } else {
         hostLog()->info("end of editing shortcuts");
@@ -361,6 +357,7 @@ void ActionPanel::setLocked(bool locked)
         return;
     }
     setEditing(false);
+    m_transfer.cancel();
     m_locked = locked;
     m_lock->setChecked(locked);
     m_keys.setEnabled(!locked);
@@ -434,40 +431,17 @@ QString ActionPanel::askForBindings(bool saving)
 void ActionPanel::exportAll()
 {
     const QString path = askForBindings(true);
-    if (!path.isEmpty() && !exportTo(path)) {
-        emit failed(QStringLiteral("ShortcutsNotExported"), QDir::toNativeSeparators(path));
+    if (!path.isEmpty()) {
+        m_transfer.exportTo(path);
     }
 }
 
 void ActionPanel::importAll()
 {
     const QString path = askForBindings(false);
-    if (path.isEmpty() || !confirm("ImportShortcutsQuestion", "ImportShortcuts")) {
-        return;
+    if (!path.isEmpty() && confirm("ImportShortcutsQuestion", "ImportShortcuts")) {
+        m_transfer.importFrom(path);
     }
-    const QString problem = importFrom(path);
-    if (!problem.isEmpty()) {
-        emit failed(QStringLiteral("ShortcutsNotImported"), problem);
-    }
-}
-
-bool ActionPanel::exportTo(const QString& path) const
-{
-    return NoCacheFile::saveToFile(path.toStdString(), exportedBindings(m_manager, m_peripherals));
-}
-
-QString ActionPanel::importFrom(const QString& path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        return file.errorString();
-    }
-    if (file.size() > mostBytes) {
-        return hostText("FileTooLarge");
-    }
-    const QString problem = importBindings(file.readAll().toStdString(), m_manager, m_peripherals);
-    showState();
-    return problem;
 }
 
 } // namespace mivohost

@@ -3,6 +3,7 @@
 #include "mivohostapi/shortcuttypes.h"
 #include "peripherals/shortcutfileretry.h"
 #include "surface/actionlog.h"
+#include "surface/bindingstransfer.h"
 #include "surface/keytriggers.h"
 
 #include <mivosettingswidgets/shortcutmgr.h>
@@ -46,14 +47,10 @@ public:
     void setEditing(bool on);
 
     /// While it is locked, nothing triggers anything and nothing is edited. While it is edited,
-    /// nothing triggers anything either.
+    /// nothing triggers anything either. Both cancel an export or import that is waited for.
     void setLocked(bool locked);
 
-    /// Writes all bindings, of keys and of devices, to a file. False when it cannot be written.
-    bool exportTo(const QString& path) const;
-
-    /// Replaces all bindings by those of a file, as importBindings(). Returns why it did not.
-    QString importFrom(const QString& path);
+    BindingsTransfer& transfer() { return m_transfer; }
 
 signals:
     /// A text's key and what is put into it, as MainWindow::showNotice().
@@ -102,6 +99,7 @@ private:
     KeyTriggers m_keys;
     mivo::settings::ShortCutMgr m_manager; // knows covers and services, and goes before them
     ShortcutFileRetry m_fileRetry;
+    BindingsTransfer m_transfer;
 };
 
 } // namespace mivohost
