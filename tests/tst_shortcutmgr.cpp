@@ -4,22 +4,18 @@
 #include "peripherals/dmxservice.h"
 #include "peripherals/midiservice.h"
 #include "peripherals/oscservice.h"
-#include "support/dialogs.h"
 #include "support/files.h"
-#include "support/logcapture.h"
+#include "support/servicetest.h"
 
 #include <mivosettingswidgets/shortcutfile.h>
 #include <mivowidgets/shortcutcover.h>
 
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
-#include <QtTest/QSignalSpy>
 #include <QtWidgets/QVBoxLayout>
 
-#include <algorithm>
 #include <atomic>
 #include <sys/stat.h>
-#include <thread>
 
 namespace shortcutmgrtest {
 
@@ -48,20 +44,18 @@ public:
     bool locked = false;
 };
 
-BindingTable::Setup setupFor(bool (*isControl)(const std::string&))
-{
-    return {isControl, {}, [](const std::string&) {}};
-}
-
 const std::string outputPath = "/Peripherals/Global/OutputSwitch";
 const std::string mutePath = "/Peripherals/Global/MuteSwitch";
 const std::string groupPath = "/Peripherals/group/one";
 const std::string knob = "CC 7 ch 1 (X)";
 
-EnumShortCutType type(int value)
+STShortCutItem item(int type, const std::string& path, const std::string& keys)
 {
-    return static_cast<EnumShortCutType>(value);
+    return {static_cast<EnumShortCutType>(type), path, keys};
 }
+
+using Row = std::vector<STShortCutItem>;
+using Infos = std::vector<SDeviceBindInfo>;
 
 class ShortCuts : public ::testing::Test
 {
@@ -72,18 +66,40 @@ protected:
         folder.removeRecursively();
         folder.mkpath(".");
         auto* column = new QVBoxLayout(&window);
-        for (const char* name : {"output", "mute", "group"}) {
-            column->addWidget(new QPushButton(name));
+        for (QPushButton* button : {buttons[0], buttons[1], buttons[2]}) {
+            column->addWidget(button);
         }
-        const auto buttons = window.findChildren<QPushButton*>();
-        output = new ShortCutCover(type(187), outputPath, buttons[0]);
-        mute = new ShortCutCover(type(189), mutePath, buttons[1]);
-        group = new ShortCutCover(groupPath, buttons[2]);
         manager.setBindShortCutAndCover({output, mute, group});
     }
 
-    void write(const std::string& content) const { writeFile(path, content.c_str()); }
-    std::string content() const { return readFile(path).toStdString(); }
+    void load(const Row& items)
+    {
+        writeFile(path, formatShortCuts(items).c_str());
+        manager.loadShortCutInfoList();
+    }
+
+    Row kept() const { return parseShortCuts(readFile(path).toStdString()); }
+
+    /// What the covers show; the file holds the same.
+    std::string keys() const
+    {
+        std::string shown;
+        for (const ShortCutCover* cover : {output, mute, group}) {
+            const std::string text = cover->getShortCutStr().toStdString();
+            shown += '|' + text;
+            const auto items = kept();
+            const auto count =
+                std::count(items.begin(), items.end(),
+                           item(cover->getShortCutIndex(), cover->getShortCutPath(), text));
+            shown += count == (text.empty() ? 0 : 1) ? "" : " (not in the file)";
+        }
+        return shown.substr(1);
+    }
+
+    std::string midiText(const ShortCutCover* cover) const
+    {
+        return cover->keyText(PeripheralMidi).toStdString();
+    }
 
     void open(EnumPeripheralShortCutType kind)
     {
@@ -99,31 +115,32 @@ protected:
         QTest::keyClick(cover, static_cast<Qt::Key>(key), modifiers);
     }
 
-    /// Answers the next prompt.
-    void answer(TipDialog::Result result)
+    /// Answers the question to which `act` leads.
+    static void answering(TipDialog::Result result, const std::function<void()>& act)
     {
-        prompts = 0;
-        whenModal<TipDialog>([this, result](TipDialog& prompt) {
+        int prompts = 0;
+        whenModal<TipDialog>([&](TipDialog& prompt) {
             ++prompts;
             prompt.done(result);
         });
+        act();
+        EXPECT_EQ(prompts, 1);
     }
 
     const QString path = shortCutFilePath();
     QWidget window;
-    ShortCutCover* output;
-    ShortCutCover* mute;
-    ShortCutCover* group;
+    QPushButton* buttons[3]{new QPushButton, new QPushButton, new QPushButton};
+    ShortCutCover* output =
+        new ShortCutCover(static_cast<EnumShortCutType>(187), outputPath, buttons[0]);
+    ShortCutCover* mute =
+        new ShortCutCover(static_cast<EnumShortCutType>(189), mutePath, buttons[1]);
+    ShortCutCover* group = new ShortCutCover(groupPath, buttons[2]);
     LogCapture log;
     Watched<MidiService> midi{setupFor(MidiService::isControl)};
     Watched<DmxService> dmx{setupFor(DmxService::isControl)};
     Watched<OscService> osc;
     ShortCutMgr manager;
-    int prompts = 0;
 };
-
-using Row = std::vector<STShortCutItem>;
-using Infos = std::vector<SDeviceBindInfo>;
 
 } // namespace
 
@@ -131,62 +148,54 @@ TEST_F(ShortCuts, AreReadSplitAndWrittenInOrder)
 {
     manager.loadShortCutInfoList();
     EXPECT_TRUE(log.lines().empty()) << "no file is no error";
-    const STShortCutItem hidden{type(187), "", "F9"}; // what this type's cover cannot show
-    const STShortCutItem first{type(187), "a", "F1"};
-    const STShortCutItem ofPath{type(211), groupPath, "F2"};
-    const STShortCutItem unknown{type(9999), "", "F3"};
-    const STShortCutItem hiddenPath{type(211), groupPath, "F8"};
-    write(formatShortCuts({hidden, hiddenPath, first, ofPath, unknown}));
+    const auto hidden = item(187, "", "F9"); // what this type's cover cannot show
+    const auto first = item(187, "a", "F1");
+    const auto unknown = item(9999, "", "F3");
+    const auto hiddenPath = item(211, groupPath, "F8");
+    const auto ofPath = item(211, groupPath, "F2");
     QSignalSpy state(&manager, &ShortCutMgr::signalClearShortCutState);
-    manager.loadShortCutInfoList();
+    load({hidden, hiddenPath, first, ofPath, unknown});
     EXPECT_EQ(manager.linkShortCutInfo().indexShortCutList, (Row{hidden, first, unknown}));
     EXPECT_EQ(manager.linkShortCutInfo().pathShortCutList, (Row{hiddenPath, ofPath}));
     manager.setAllShortCutStr();
-    EXPECT_EQ(output->getShortCutStr(), "F1");
-    EXPECT_EQ(mute->getShortCutStr(), "");
-    EXPECT_EQ(group->getShortCutStr(), "F2");
-    EXPECT_EQ(content(), formatShortCuts({{type(187), outputPath, "F1"}, unknown, ofPath}));
+    EXPECT_EQ(keys(), "F1||F2");
+    EXPECT_EQ(kept(), (Row{item(187, outputPath, "F1"), unknown, ofPath}));
     ASSERT_EQ(state.size(), 1);
     EXPECT_FALSE(state[0][0].toBool());
     open(PeripheralKeyboard);
     press(output, Qt::Key_Backspace);
-    EXPECT_EQ(content(), formatShortCuts({unknown, ofPath})) << "whatever its path was";
-
+    EXPECT_EQ(kept(), (Row{unknown, ofPath})) << "whatever its path was";
     mute->shortCutStrChanged("F4");
     group->shortCutStrChanged("F6");
     manager.setProgramShortCutInfo();
-    EXPECT_EQ(manager.linkShortCutInfo().indexShortCutList,
-              (Row{unknown, {type(189), mutePath, "F4"}}));
-    EXPECT_EQ(manager.linkShortCutInfo().pathShortCutList, (Row{{type(211), groupPath, "F6"}}));
+    manager.saveShortCutInfoList();
+    EXPECT_EQ(kept(), (Row{unknown, item(189, mutePath, "F4"), item(211, groupPath, "F6")}));
 }
 
 TEST_F(ShortCuts, AFileThatCannotBeReadIsLoggedAndPutAsideUnderAFreeName)
 {
     QSignalSpy told(&manager, &ShortCutMgr::signalShortCutFilePutAside);
-    const std::string broken = "{\"shortCutInfoList\":[x";
+    const QByteArray broken = "{\"shortCutInfoList\":[x";
     for (const char* name : {".bad", ".bad-2"}) {
-        const QString aside = path + name;
         log.clear();
-        write(broken + name);
+        writeFile(path, broken + name);
         manager.loadShortCutInfoList();
         EXPECT_TRUE(log.hasOnly("error|std::exception error msg: error at line :1 col :21 msg:no "
                                 "valid array! \n //keytable.cpp:loadShortCutInfoList()#"));
-        EXPECT_FALSE(QFile::exists(aside));
+        EXPECT_FALSE(QFile::exists(path + name));
         manager.saveShortCutInfoList();
         manager.saveShortCutInfoList();
-        EXPECT_EQ(readFile(aside).toStdString(), broken + name);
-        EXPECT_EQ(content(), formatShortCuts({}));
+        EXPECT_EQ(kept(), Row());
         ASSERT_EQ(told.size(), 1) << "a good file stays";
-        EXPECT_EQ(told.takeFirst()[0].value<std::string>(), aside.toStdString());
+        EXPECT_EQ(told.takeFirst()[0].value<std::string>(), (path + name).toStdString());
+        EXPECT_EQ(readFile(path + name), broken + name);
     }
-    EXPECT_EQ(readFile(path + ".bad").toStdString(), broken + ".bad");
-
+    EXPECT_EQ(readFile(path + ".bad"), broken + ".bad");
     QFile::remove(path);
     QDir().mkpath(path);
     log.clear();
     manager.loadShortCutInfoList();
     EXPECT_TRUE(log.hasOnly("error|filesystem_error error msg: "));
-
     QDir().rmdir(path);
     ASSERT_EQ(::mkfifo(QFile::encodeName(path).constData(), 0600), 0);
     manager.loadShortCutInfoList(); // does not wait for what somebody writes into the pipe
@@ -197,38 +206,38 @@ TEST_F(ShortCuts, AKeyIsBoundKeptAndCleared)
     open(PeripheralKeyboard);
     QSignalSpy changed(&manager, &ShortCutMgr::signalShortCutStrChanged);
     QSignalSpy completed(&manager, &ShortCutMgr::signalKeyEventCompleted);
+    QSignalSpy saved(&manager, &ShortCutMgr::signalShortCutSave);
     QSignalSpy state(&manager, &ShortCutMgr::signalClearShortCutState);
     press(output, Qt::Key_K, Qt::ControlModifier | Qt::AltModifier);
     press(group, Qt::Key_F5);
     manager.slotClearShortCut(false, PeripheralKeyboard);
-    EXPECT_EQ(output->getShortCutStr(), "Ctrl + Alt + K");
+    EXPECT_EQ(keys(), "Ctrl + Alt + K||F5");
     EXPECT_EQ(completed.size(), 2);
     press(output, Qt::Key_K, Qt::ControlModifier | Qt::AltModifier);
     EXPECT_EQ(changed.size(), 2) << "it had the key already";
-    EXPECT_EQ(content(), formatShortCuts({{type(187), outputPath, "Ctrl + Alt + K"},
-                                          {type(211), groupPath, "F5"}}));
     press(output, Qt::Key_F6);
-    EXPECT_EQ(manager.linkShortCutInfo().indexShortCutList.size(), 1U);
-    press(output, Qt::Key_Backspace);
     press(group, Qt::Key_Delete);
-    EXPECT_EQ(content(), formatShortCuts({}));
+    EXPECT_EQ(keys(), "F6||");
+    EXPECT_EQ(kept().size(), 1U);
+    press(output, Qt::Key_Backspace);
     EXPECT_EQ(changed.size(), 5);
-    state.clear();
-    emit output->signalDelShortCutsItem(type(187), "", ShortCutModuleIndex);
-    ASSERT_EQ(state.size(), 1) << "nothing is left to be removed";
-    EXPECT_TRUE(state[0][0].toBool());
+    EXPECT_FALSE(state.last()[0].toBool());
+    emit output->signalDelShortCutsItem(ShortCutOfPath, "", ShortCutModuleIndex);
+    EXPECT_TRUE(state.last()[0].toBool()) << "nothing is left to be removed";
 
-    QSignalSpy saved(&manager, &ShortCutMgr::signalShortCutSave);
+    saved.clear();
     changed.clear();
-    manager.shortCutInfoSave({{{type(189), "", "F7"}}, {}, {}});
+    manager.shortCutInfoSave({{item(189, "", "F7")}, {}, {}});
     ASSERT_EQ(changed.size(), 1);
     EXPECT_EQ(changed[0][2].value<std::string>(), "F7");
-    EXPECT_EQ(mute->getShortCutStr(), "F7");
-    EXPECT_EQ(content(), formatShortCuts({{type(189), mutePath, "F7"}}));
+    EXPECT_EQ(keys(), "|F7|");
     for (const auto& save : saved) {
         EXPECT_FALSE(save[0].value<STLinkShortCutInfo>().shortCutInfoList.empty());
     }
-
+    press(output, Qt::Key_F6);
+    manager.slotClearShortCut(true, PeripheralKeyboard);
+    EXPECT_EQ(keys(), "||");
+    EXPECT_EQ(kept(), Row());
     QSignalSpy escaped(&manager, &ShortCutMgr::signalCloseShortByEsc);
     press(output, Qt::Key_Escape);
     EXPECT_EQ(escaped.size(), 1);
@@ -238,39 +247,24 @@ TEST_F(ShortCuts, AKeyIsBoundKeptAndCleared)
 TEST_F(ShortCuts, AKeyThatAnotherActionHoldsMovesOnlyWhenThatIsConfirmed)
 {
     open(PeripheralKeyboard);
+    const auto pressOnGroup = [this] { press(group, Qt::Key_F5); };
     press(output, Qt::Key_F5);
-    answer(TipDialog::cancelled);
-    press(group, Qt::Key_F5);
-    EXPECT_EQ(prompts, 1);
-    EXPECT_EQ(output->getShortCutStr(), "F5");
-    EXPECT_EQ(group->getShortCutStr(), "");
-    answer(TipDialog::accepted);
-    press(group, Qt::Key_F5);
-    EXPECT_EQ(prompts, 1);
-    EXPECT_EQ(output->getShortCutStr(), "");
-    EXPECT_EQ(group->getShortCutStr(), "F5");
-    EXPECT_EQ(content(), formatShortCuts({{type(211), groupPath, "F5"}}));
-    // It moves from all that hold it in a file.
-    write(formatShortCuts({{type(187), outputPath, "F5"}, {type(189), mutePath, "F5"}}));
-    manager.loadShortCutInfoList();
+    answering(TipDialog::cancelled, pressOnGroup);
+    EXPECT_EQ(keys(), "F5||");
+    answering(TipDialog::accepted, pressOnGroup);
+    EXPECT_EQ(keys(), "||F5");
+    load({item(187, outputPath, "F5"), item(189, mutePath, "F5")});
     manager.setAllShortCutStr();
-    answer(TipDialog::accepted);
-    press(group, Qt::Key_F5);
-    EXPECT_EQ(mute->getShortCutStr(), "");
-    EXPECT_EQ(content(), formatShortCuts({{type(211), groupPath, "F5"}}));
-    // Reserved keys belong to nobody.
-    answer(TipDialog::accepted);
-    press(mute, Qt::Key_Space);
-    EXPECT_EQ(prompts, 1);
-    EXPECT_EQ(mute->getShortCutStr(), "");
+    answering(TipDialog::accepted, pressOnGroup);
+    EXPECT_EQ(keys(), "||F5") << "from all that held it";
+    answering(TipDialog::accepted, [this] { press(mute, Qt::Key_Space); });
+    EXPECT_EQ(keys(), "||F5") << "a reserved key";
     // The cover may go away in the question.
-    answer(TipDialog::accepted);
-    const QWidget* covered = mute->parentWidget();
-    QTimer::singleShot(0, [this] { delete std::exchange(mute, nullptr); });
-    press(mute, Qt::Key_F5);
+    const QWidget* covered = buttons[1];
+    QTimer::singleShot(0, [this] { delete std::exchange(mute, output); });
+    answering(TipDialog::accepted, [this] { press(mute, Qt::Key_F5); });
     EXPECT_NE(covered->focusPolicy(), Qt::NoFocus) << "it can be reached again";
-    EXPECT_EQ(group->getShortCutStr(), "F5");
-    EXPECT_EQ(content(), formatShortCuts({{type(211), groupPath, "F5"}}));
+    EXPECT_EQ(keys(), "||F5");
 }
 
 TEST_F(ShortCuts, ControlsOfDevicesAreBoundMovedAndCleared)
@@ -280,57 +274,54 @@ TEST_F(ShortCuts, ControlsOfDevicesAreBoundMovedAndCleared)
     manager.setDmxMgr(&dmx);
     QSignalSpy opened(&manager, &ShortCutMgr::signalOpenShortCover);
     QSignalSpy shown(&manager, &ShortCutMgr::signalShowMonitorWidget);
+    QSignalSpy any(&manager, &ShortCutMgr::signalUpdateClearPeripheralsState);
+    const auto pendingText = [this] {
+        manager.updatePeripheralKeyName();
+        return midiText(group);
+    };
     open(PeripheralMidi);
     group->setFocus();
     EXPECT_EQ(std::exchange(midi.asked, {}), "211 group:one") << "as OSC names it";
     const SDeviceBindInfo first{211, "group:one", knob};
     midi.bind(first);
     std::thread([&] { midi.bindResult(first, true); }).join();
-    EXPECT_EQ(group->keyText(PeripheralMidi), "") << "not on the device's thread";
-    QSignalSpy any(&manager, &ShortCutMgr::signalUpdateClearPeripheralsState);
+    EXPECT_EQ(midiText(group), "") << "not on the device's thread";
     QApplication::processEvents();
-    EXPECT_EQ(group->keyText(PeripheralMidi).toStdString(), knob);
+    EXPECT_EQ(midiText(group), knob);
     EXPECT_EQ(group->getShortCutStr(), "");
     EXPECT_EQ(midi.asked, "211 group:one") << "it still has the focus";
     ASSERT_EQ(any.size(), 1);
+    EXPECT_EQ(any[0][0].value<EnumPeripheralShortCutType>(), PeripheralMidi);
     EXPECT_TRUE(any[0][1].toBool());
     group->updateShortCutCoverKey(PeripheralMidi, {});
-    manager.updatePeripheralKeyName();
-    EXPECT_EQ(group->keyText(PeripheralMidi).toStdString(), knob);
+    EXPECT_EQ(pendingText(), knob);
 
     const SDeviceBindInfo second{187, outputPath, knob};
     for (const auto result : {TipDialog::cancelled, TipDialog::accepted}) {
-        answer(result);
-        midi.bindResult(second, false);
-        QApplication::processEvents();
-        EXPECT_EQ(prompts, 1);
+        answering(result, [&] {
+            midi.bindResult(second, false);
+            QApplication::processEvents();
+        });
         EXPECT_EQ(midi.bindings(), Infos{result == TipDialog::accepted ? second : first});
     }
-    EXPECT_EQ(output->keyText(PeripheralMidi).toStdString(), knob);
-    EXPECT_EQ(group->keyText(PeripheralMidi), "");
-    manager.updatePeripheralKeyName();
-    EXPECT_EQ(group->keyText(PeripheralMidi), "") << "also in what is pending";
-
+    EXPECT_EQ(midiText(output), knob);
+    EXPECT_EQ(pendingText(), "") << "another action has its control";
     press(output, Qt::Key_Backspace);
-    EXPECT_EQ(midi.bindings(), Infos());
     EXPECT_FALSE(any.last()[1].toBool());
-    manager.rebindPeripheral(PeripheralMidi, 211, groupPath, knob);
-    EXPECT_EQ(midi.bindings(), Infos{first});
-    EXPECT_EQ(group->keyText(PeripheralMidi).toStdString(), knob);
     for (const bool clearsAll : {true, false}) {
         manager.rebindPeripheral(PeripheralMidi, 211, groupPath, knob);
+        EXPECT_EQ(midi.bindings(), Infos{first});
+        EXPECT_EQ(midiText(group), knob);
         if (clearsAll) {
             manager.slotClearShortCut(true, PeripheralMidi);
         } else {
             press(group, Qt::Key_Backspace);
         }
         EXPECT_EQ(midi.bindings(), Infos());
-        manager.updatePeripheralKeyName();
-        EXPECT_EQ(group->keyText(PeripheralMidi), "") << "nothing of it is pending";
+        EXPECT_EQ(pendingText(), "");
     }
     manager.slotShowAllShortCutCover(false, PeripheralMidi);
-    EXPECT_EQ(midi.asked, "stopped");
-    EXPECT_EQ(dmx.asked, "stopped") << "whatever it was opened for";
+    EXPECT_EQ(midi.asked + ' ' + dmx.asked, "stopped stopped") << "whatever it was opened for";
     ASSERT_EQ(opened.size(), 2);
     EXPECT_FALSE(opened.last()[0].toBool());
     ASSERT_EQ(shown.size(), 1);
@@ -342,73 +333,58 @@ TEST_F(ShortCuts, MessagesOfDevicesReachTheHost)
     manager.setMidiMgr(&midi);
     manager.setDmxMgr(&dmx);
     manager.setOscMgr(&osc);
-    QSignalSpy control(&manager, &ShortCutMgr::signalPeripheralsControl);
-    QSignalSpy status(&manager, &ShortCutMgr::signalUpdateDeviceStatus);
+    Names told;
+    QObject::connect(&manager, &ShortCutMgr::signalPeripheralsControl,
+                     [&](int type, const std::string& action, const std::string& value) {
+                         told.push_back(std::to_string(type) + ' ' + action + ' ' + value);
+                     });
+    QObject::connect(&manager, &ShortCutMgr::signalUpdateDeviceStatus, [&](int kind, bool online) {
+        told.push_back(std::to_string(kind) + (online ? " online" : " offline"));
+    });
+    QObject::connect(&manager, &ShortCutMgr::signalUpdateOscUrl,
+                     [&](const std::string& url) { told.push_back(url.substr(url.rfind(':'))); });
     midi.controlMessage(187, outputPath, knob);
-    EXPECT_EQ(status.size(), 0);
     dmx.controlMessage(211, "/Peripherals/a/b", "");
     osc.controlMessage(211, "/Peripherals/a/b", "1");
     osc.controlMessage(187, "/Peripherals/a/b", "");
-    const char* const paths[]{outputPath.c_str(), "/Peripherals/a/b", "a:b", "/Peripherals/a/b"};
-    ASSERT_EQ(control.size(), 4);
-    for (int i = 0; i < 4; ++i) {
-        EXPECT_EQ(control[i][1].value<std::string>(), paths[i]);
-    }
-    EXPECT_EQ(status.size(), 3);
     midi.devicesChanged(std::vector<SMIDIDevInfo>());
     midi.devicesChanged(std::vector<SMIDIDevInfo>{{"keys"}});
-    EXPECT_FALSE(status[3][1].toBool());
-    EXPECT_TRUE(status[4][1].toBool());
-
-    QSignalSpy url(&manager, &ShortCutMgr::signalUpdateOscUrl);
     osc.infoChanged(SAddOSCInfo{true, 9001});
-    ASSERT_EQ(url.size(), 1);
-    EXPECT_NE(url[0][0].value<std::string>().find(":9001/"), std::string::npos);
+    EXPECT_EQ(told, (Names{"187 " + outputPath + ' ' + knob, "211 /Peripherals/a/b ", "2 online",
+                           "211 a:b 1", "3 online", "187 /Peripherals/a/b ", "3 online",
+                           "1 offline", "1 online", ":9001/"}));
     manager.slotLockScreenChanged(true);
     EXPECT_TRUE(midi.locked && dmx.locked && osc.locked);
 }
 
-TEST_F(ShortCuts, AFloodOfMessagesIsBoundedAndCounted)
+TEST_F(ShortCuts, MessagesKeepTheirOrderWhileAnActionWaitsAndAFloodIsBounded)
 {
     manager.setOscMgr(&osc);
-    QSignalSpy control(&manager, &ShortCutMgr::signalPeripheralsControl);
-    std::thread([&] {
-        for (int i = 0; i < 10000; ++i) {
-            osc.controlMessage(187, "", "");
-        }
-    }).join();
-    QApplication::processEvents();
-    EXPECT_EQ(control.size(), 4096);
-    EXPECT_TRUE(log.hasOnly("warning|5904 messages of devices were dropped!"));
-}
-
-TEST_F(ShortCuts, MessagesKeepTheirOrderWhileAnActionWaits)
-{
-    manager.setOscMgr(&osc);
-    const auto send = [this](const std::vector<int>& actions) {
+    const auto send = [this](int from, int to) {
         std::thread([&] {
-            for (const int action : actions) {
+            for (int action = from; action < to; ++action) {
                 osc.controlMessage(action, "", "");
             }
         }).join();
     };
     std::vector<int> order;
-    std::vector<int> later;
     QObject::connect(&manager, &ShortCutMgr::signalPeripheralsControl, [&](int action) {
         order.push_back(action);
         if (action == 1) {
-            send(later);
+            send(3, 4);
             QApplication::processEvents(); // as a dialog does
-            EXPECT_EQ(order.size(), 2 + later.size()) << "nothing waits for its end";
+            EXPECT_EQ(order, (std::vector{1, 2, 3})) << "nothing waits for its end";
         }
     });
-    for (const auto& each : {std::vector<int>{}, std::vector<int>{3}}) {
-        order.clear();
-        later = each;
-        send({1, 2});
-        QApplication::processEvents();
-        EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
-    }
+    send(1, 3);
+    QApplication::processEvents();
+    EXPECT_EQ(order.size(), 3U);
+    order.clear();
+    send(10, 10010);
+    QApplication::processEvents();
+    EXPECT_EQ(order.size(), 4096U);
+    EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
+    EXPECT_TRUE(log.hasOnly("warning|5904 messages of devices were dropped!"));
 }
 
 TEST_F(ShortCuts, TheManagerMayEndAtAnyTime)
@@ -437,7 +413,7 @@ TEST_F(ShortCuts, TheManagerMayEndAtAnyTime)
 
     // In each of its questions.
     manager.delShortCutCoverList({output, group});
-    const auto ask = [&](EnumPeripheralShortCutType kind, const std::function<void()>& act) {
+    for (const auto kind : {PeripheralKeyboard, PeripheralDmx}) {
         brief = std::make_unique<ShortCutMgr>();
         brief->setBindShortCutAndCover({output, group});
         brief->setDmxMgr(&dmx);
@@ -447,18 +423,16 @@ TEST_F(ShortCuts, TheManagerMayEndAtAnyTime)
             brief.reset();
             prompt.done(TipDialog::accepted);
         });
-        act();
+        if (kind == PeripheralKeyboard) {
+            press(output, Qt::Key_F5);
+            press(group, Qt::Key_F5);
+        } else {
+            dmx.bindResult(info, false);
+            QApplication::processEvents();
+        }
         EXPECT_EQ(brief, nullptr);
-    };
-    ask(PeripheralKeyboard, [&] {
-        press(output, Qt::Key_F5);
-        press(group, Qt::Key_F5);
-    });
+    }
     EXPECT_EQ(group->getShortCutStr(), "");
-    ask(PeripheralDmx, [&] {
-        dmx.bindResult(info, false);
-        QApplication::processEvents();
-    });
     EXPECT_EQ(dmx.bindings(), Infos());
 }
 

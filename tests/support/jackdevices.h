@@ -3,22 +3,22 @@
 #include <QtCore/QProcess>
 #include <QtCore/QString>
 
-/// The sound server, without hardware, that the tests of real MIDI ports share; ends with the
-/// program, even if that crashes: it is one that ends with its last client.
+/// A sound server without hardware, for the tests of real MIDI ports. JACK's library knows one
+/// server in the life of a program, so all that a program starts have one name.
 class JackServer
 {
 public:
-    /// Started by the first call. False where there is none.
+    ~JackServer() { kill(); }
+
+    /// False where there is none that can be used.
+    bool start();
+    void kill();
+
+    /// One that is started by the first call and ends with the program.
     static bool isRunning();
-    /// Whether there is a server that could be started.
-    static bool canRun();
 
 private:
-    JackServer();
-    ~JackServer();
-
     QProcess m_process;
-    bool m_isRunning = false;
 };
 
 /// A MIDI device in a program of its own, which is unplugged by killing it.

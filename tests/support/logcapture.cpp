@@ -2,41 +2,13 @@
 
 #include "qvspdlog/spdlogapplication.h"
 
-#include <spdlog/sinks/base_sink.h>
+#include <spdlog/pattern_formatter.h>
 
 #include <regex>
 
-class LogCapture::Sink : public spdlog::sinks::base_sink<std::mutex>
+LogCapture::LogCapture()
 {
-public:
-    std::vector<std::string> lines()
-    {
-        const std::lock_guard lock(mutex_);
-        return m_lines;
-    }
-
-    void clear()
-    {
-        const std::lock_guard lock(mutex_);
-        m_lines.clear();
-    }
-
-protected:
-    void sink_it_(const spdlog::details::log_msg& message) override
-    {
-        const auto level = spdlog::level::to_string_view(message.level);
-        m_lines.push_back(std::string(level.data(), level.size()) + '|'
-                          + std::string(message.payload.data(), message.payload.size()));
-    }
-    void flush_() override {}
-
-private:
-    std::vector<std::string> m_lines;
-};
-
-LogCapture::LogCapture() : m_sink(std::make_shared<Sink>())
-{
-    QV::SpdlogApplication::instance().setLogger(std::make_shared<spdlog::logger>("test", m_sink));
+    clear();
 }
 
 LogCapture::~LogCapture()
@@ -46,7 +18,7 @@ LogCapture::~LogCapture()
 
 std::vector<std::string> LogCapture::lines() const
 {
-    return m_sink->lines();
+    return m_sink->last_formatted();
 }
 
 testing::AssertionResult LogCapture::hasOnly(const std::string& start) const
@@ -59,15 +31,21 @@ testing::AssertionResult LogCapture::hasOnly(const std::string& start) const
 std::vector<std::string> LogCapture::take()
 {
     static const std::regex sourceLine("#[1-9][0-9]*\\.$");
-    auto lines = m_sink->lines();
-    for (std::string& line : lines) {
+    auto all = lines();
+    for (std::string& line : all) {
         line = std::regex_replace(line, sourceLine, "");
     }
     clear();
-    return lines;
+    return all;
 }
 
 void LogCapture::clear()
 {
-    m_sink->clear();
+    m_sink = std::make_shared<spdlog::sinks::ringbuffer_sink_mt>(1000);
+    m_sink->set_formatter(
+        std::make_unique<spdlog::pattern_formatter>("%l|%v", spdlog::pattern_time_type::local, ""));
+    auto& application = QV::SpdlogApplication::instance();
+    const auto level = application.logger()->level(); // as a test has set it
+    application.setLogger(std::make_shared<spdlog::logger>("test", m_sink));
+    application.logger()->set_level(level);
 }

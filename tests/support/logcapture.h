@@ -2,12 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <spdlog/sinks/ringbuffer_sink.h>
+
 #include <memory>
-#include <mutex>
 #include <string>
 #include <vector>
 
-/// Takes over the process's log while it lives. Each entry is "level|message".
+/// Takes over the process's log while it lives, its last 1000 entries: each is "level|message".
 class LogCapture
 {
 public:
@@ -22,6 +23,5 @@ public:
     void clear();
 
 private:
-    class Sink;
-    std::shared_ptr<Sink> m_sink;
+    std::shared_ptr<spdlog::sinks::ringbuffer_sink_mt> m_sink;
 };
