@@ -10,7 +10,9 @@
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QLabel>
 
+#include <initializer_list>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace mivo::settings {
@@ -132,7 +134,7 @@ inline QString tipOf(const QString& text)
     return Qt::mightBeRichText(text) ? QStringLiteral("<p>%1</p>").arg(text.toHtmlEscaped()) : text;
 }
 
-/// Controls that share a label which is not theirs alone.
+/// Names controls after a label that they share.
 inline void nameAll(const QList<QWidget*>& controls, const QString& name)
 {
     for (QWidget* control : controls) {
@@ -167,6 +169,20 @@ inline QHBoxLayout* rowOf(const QList<QWidget*>& controls, int leftMargin = 0)
     return row;
 }
 
+/// The controls side by side from the left, each with a gap of that many pixels behind it.
+inline QHBoxLayout* spacedRow(std::initializer_list<std::pair<QWidget*, int>> controls,
+                              int leftMargin = 0)
+{
+    auto* row = new QHBoxLayout;
+    row->setSpacing(0);
+    row->setContentsMargins(leftMargin, 0, 0, 0);
+    for (const auto& [control, gap] : controls) {
+        row->addWidget(control);
+        row->addSpacing(gap);
+    }
+    return row;
+}
+
 /// The icon and the text of a tip at the end of a row, `gap` pixels apart.
 inline void addTip(QHBoxLayout* row, QLabel* icon, QLabel* text, int gap = 0)
 {
@@ -191,6 +207,7 @@ inline void addRestartTip(QHBoxLayout* row, QLabel* icon, QLabel* text)
     icon->setFixedSize(14, 14);
     icon->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     text->setObjectName(QStringLiteral("RestartTakeEffectLable"));
+    text->setWordWrap(true); // a large font leaves no room for it in one line
     auto* tip = new QHBoxLayout; // whatever the row's own spacing
     tip->setSpacing(4);
     tip->addWidget(icon);

@@ -24,7 +24,7 @@ namespace {
 
 constexpr const char* standardRange = "SDR";
 
-// By the text on the screen; what is not here counts as the first.
+// Bit depths by their text in the combo box. Any other one counts as the first.
 constexpr std::array<std::pair<const char*, std::uint32_t>, 3> bitDepthTexts{
     {{"8bit", 8}, {"10bit", 10}, {"12bit", 12}}};
 
@@ -133,8 +133,8 @@ CodecControlSettingBox::Impl::Impl(CodecControlSettingBox* page)
     layOut();
     addTexts();
 
-    // By the user alone, and also where he chooses what is shown already: that a card is shown does
-    // not mean that it is stored.
+    // activated(): only what the user chooses, also where that is shown already, since a card that
+    // is shown need not be the stored one.
     connect(m_card, qOverload<int>(&ComboBox::activated), this, &Impl::onGraphicsCardComBoxChanged);
     connect(m_standard, qOverload<int>(&ComboBox::activated), this,
             &Impl::onDisplayTechnologyStandardsComBoxChanged);
@@ -164,13 +164,8 @@ void CodecControlSettingBox::Impl::layOut()
     setUsualWidth(m_range, 100);
     setUsualWidth(m_standard, 100);
 
-    auto* row = new QHBoxLayout;
-    row->setSpacing(0);
-    row->setContentsMargins(2, 0, 0, 0);
-    for (QWidget* widget : QList<QWidget*>{m_label, m_card, m_range, m_bitDepth, m_standard}) {
-        row->addWidget(widget);
-        row->addSpacing(8);
-    }
+    auto* row =
+        spacedRow({{m_label, 8}, {m_card, 8}, {m_range, 8}, {m_bitDepth, 8}, {m_standard, 8}}, 2);
     addRestartTip(row, m_restartIcon, m_restartText);
 
     auto* column = new QVBoxLayout(owner);
@@ -183,7 +178,7 @@ void CodecControlSettingBox::Impl::addTexts()
 {
     addTitle("CodecControl");
     addText("MainProgramWindow", m_label, m_card);
-    // Without a label of their own.
+    // These have no label: their name is a tool tip.
     for (const auto& [key, combo] :
          {std::pair("DynamicRange", m_range), std::pair("BitDepth", m_bitDepth),
           std::pair("DisplayTechnologyStandard", m_standard)}) {
@@ -231,8 +226,7 @@ void CodecControlSettingBox::Impl::updateDisplayCardInfo()
     }
 }
 
-/// Nothing, and a line in the log, where there is no facade to ask; nothing where the runtime
-/// refuses.
+/// Empty without a facade, which is logged, and where the runtime refuses.
 std::optional<CodecControlSettingBox::Impl::Cards>
 CodecControlSettingBox::Impl::fetchCards(const CallSite& site)
 {

@@ -36,7 +36,7 @@ std::optional<int> CountdownPrompt::count(QWidget* parent, int seconds)
     if (wasOpen) {
         return std::nullopt;
     }
-    // A count-down from zero has run out already.
+    // A count-down from zero ran out in m_onTick(): no prompt is shown.
     const int result = m_timer.isActive() ? dialog->run() : TipDialog::dismissed;
     if (!dialog) {
         return std::nullopt;
@@ -74,7 +74,7 @@ QString CountdownPrompt::text() const
     QStringList words{settings::text(key + QStringLiteral("Prefix")),
                       QString::number(m_secondsLeft)};
     if (isEnglish()) {
-        // The one is also what follows a number directly elsewhere, with its blank.
+        // "Second" begins with a blank in English: it is also the suffix of number fields.
         words.append(
             settings::text(m_secondsLeft < 2 ? QStringLiteral("Second") : QStringLiteral("Seconds"))
                 .trimmed());

@@ -18,7 +18,7 @@ namespace mivo::settings {
 /// The translation keys of a count-down prompt.
 struct CountdownKeys
 {
-    const char* text; // of what stands around the number: this, and "Prefix" or "Suffix"
+    const char* text; // with "Prefix" and "Suffix" appended: what stands around the number
     const char* cancel;
     const char* accept;
     const char* assist;

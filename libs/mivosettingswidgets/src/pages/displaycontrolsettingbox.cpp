@@ -132,25 +132,12 @@ void DisplayControlSettingBox::Impl::layOut()
     auto* rateRow = rowOf({m_mfps, m_efps});
     rateRow->setSpacing(16);
 
-    auto* fadeRow = new QHBoxLayout;
-    fadeRow->setSpacing(8);
-    fadeRow->setContentsMargins(2, 0, 0, 0);
-    fadeRow->addWidget(m_fadeInLabel);
-    fadeRow->addWidget(m_fadeIn);
-    fadeRow->addSpacing(8);
-    fadeRow->addWidget(m_fadeOutLabel);
-    fadeRow->addWidget(m_fadeOut);
-    fadeRow->addSpacing(8);
-    fadeRow->addWidget(m_apply);
+    auto* fadeRow = spacedRow(
+        {{m_fadeInLabel, 8}, {m_fadeIn, 16}, {m_fadeOutLabel, 8}, {m_fadeOut, 16}, {m_apply, 0}},
+        2);
     fadeRow->addStretch();
 
-    auto* hierarchyRow = new QHBoxLayout;
-    hierarchyRow->setSpacing(0);
-    hierarchyRow->setContentsMargins(2, 0, 0, 0);
-    hierarchyRow->addWidget(m_hierarchyLabel);
-    hierarchyRow->addWidget(m_programMgr);
-    hierarchyRow->addWidget(m_timeline);
-    hierarchyRow->addSpacing(8);
+    auto* hierarchyRow = spacedRow({{m_hierarchyLabel, 0}, {m_programMgr, 0}, {m_timeline, 8}}, 2);
     addRestartTip(hierarchyRow, m_restartIcon, m_restartText);
 
     auto* column = new QVBoxLayout(owner);

@@ -94,7 +94,7 @@ private:
     {
         submit(&IMivoSettings::setCloseSoftWareMinimize, state == Qt::Checked);
     }
-    void onDelayTimeChanged(int seconds);
+    void onDelayTimeChanged(int seconds) { submit(&IMivoSettings::setAutoStartDelayTime, seconds); }
     void onTimedShutdownSettingsUIChanged();
     void onTimedAutomaticRestartSettingsUIChanged();
     void writeRestartLater(const CallSite& site = {});
@@ -190,23 +190,11 @@ void GeneralSettingBox::Impl::layOut()
     m_delay->setContextMenuPolicy(Qt::NoContextMenu);
     m_delayUnit->setObjectName(QStringLiteral("suffixDiscriable"));
 
-    auto* start = new QHBoxLayout;
-    start->setSpacing(0);
-    start->addWidget(m_autoStart);
-    start->addSpacing(14);
-    start->addWidget(m_delayLabel);
-    start->addSpacing(6);
-    start->addWidget(m_delay);
-    start->addSpacing(6);
-    start->addWidget(m_delayUnit);
-    start->addSpacing(2);
+    auto* start = spacedRow({{m_autoStart, 14}, {m_delayLabel, 6}, {m_delay, 6}, {m_delayUnit, 2}});
     addTip(start, m_tipIcon, m_tipText, 2);
     start->addStretch();
-    auto* minimize = new QHBoxLayout;
-    minimize->addWidget(m_minimize);
-    minimize->addSpacing(8);
-    minimize->addWidget(new QLabel(owner));
-    minimize->addStretch();
+    auto* minimize = rowOf({m_minimize, new QLabel(owner)});
+    minimize->setSpacing(8);
 
     auto* column = new QVBoxLayout(owner);
     column->setSpacing(12);
@@ -261,11 +249,6 @@ void GeneralSettingBox::Impl::setSettingsInfo(const STMivoAutoStartSettings& inf
     setAutoStart(info.autoStart);
     setAutoStartDelayTime(info.autoStartDelayTime);
     setCloseSoftWareMinimize(info.closeSoftWareMinimize);
-}
-
-void GeneralSettingBox::Impl::onDelayTimeChanged(int seconds)
-{
-    submit(&IMivoSettings::setAutoStartDelayTime, seconds);
 }
 
 // --- The schedules ---

@@ -5,6 +5,7 @@
 #include "mivohostapi/peripherals.h"
 #include "mivosettingswidgets/controls.h"
 #include "mivosettingswidgets/settingpageimpl.h"
+#include "pages/portrow.h"
 
 #include <mivowidgets/checkbox.h>
 #include <mivowidgets/editbox.h>
@@ -34,36 +35,13 @@ using mivo::widgets::SpinEditBox;
 
 namespace {
 
-/// One listening port.
-struct PortRow
+SpinEditBox* numberBox(int lowest, int highest)
 {
-    QLabel* label = new QLabel;
-    SpinEditBox* port = new SpinEditBox;
-    PushButton* open = new PushButton;
-    PushButton* close = new PushButton;
-    QLabel* status = new QLabel;
-    QLabel* failure = new QLabel;
-    bool wish = false; // whether it is to be open
-
-    void show(bool isOpen, int number)
-    {
-        showValue(port, number);
-        wish = isOpen;
-        open->setEnabled(!isOpen);
-        port->setEnabled(!isOpen);
-        status->setVisible(isOpen);
-        if (isOpen) {
-            failure->hide();
-        }
-    }
-
-    void showFailure(const QString& reason)
-    {
-        failure->setText(reason);
-        failure->setToolTip(reason);
-        failure->setVisible(!reason.isEmpty());
-    }
-};
+    auto* box = new SpinEditBox;
+    box->setRange(lowest, highest);
+    setUsualWidth(box, 150);
+    return box;
+}
 
 } // namespace
 
@@ -83,16 +61,16 @@ public slots:
     void getUDPPortInfo(const bool open, const uint16_t port) { m_udp.show(open, port); }
     void setTCPPortInfo(const bool open, const uint16_t port) { m_tcp.show(open, port); }
     void setUDPPortInfo(const bool open, const uint16_t port) { m_udp.show(open, port); }
-    void setTCPFailure(const QString& reason) { m_tcp.showFailure(reason); }
-    void setUDPFailure(const QString& reason) { m_udp.showFailure(reason); }
+    void setTCPFailure(const std::string& reason) { m_tcp.failure->setReason(reason); }
+    void setUDPFailure(const std::string& reason) { m_udp.failure->setReason(reason); }
     void setDmxData(const SAddDMXInfo& info);
     void setDmxEnable(bool on) { showValue(m_useDmx, on); }
-    void setDmxFailure(const QString& reason) { m_dmxFailure->setText(reason); }
+    void setDmxFailure(const std::string& reason) { m_dmxFailure->setReason(reason); }
     void addMIDIDevices(const std::vector<std::string>& names);
     void setMidiEnable(bool on) { showValue(m_useMidi, on); }
     void setOscData(SAddOSCInfo info) { showValue(m_oscPort, info.port); }
     void setOscEnable(bool on) { showValue(m_useOsc, on); }
-    void setOscFailure(const QString& reason) { m_oscFailure->setText(reason); }
+    void setOscFailure(const std::string& reason) { m_oscFailure->setReason(reason); }
     void onTcpPortChanged() { submitPort(m_tcp, &IMivoSettings::setTcpPort); }
     void onUdpPortChanged() { submitPort(m_udp, &IMivoSettings::setUdpPort); }
     void onAddDmx();
@@ -114,33 +92,21 @@ private:
     // Store to slot, on the runtime thread.
     void onTcpChanged(const STPortInfo& info) { queue("getTCPPortInfo", info.open, info.port); }
     void onUdpChanged(const STPortInfo& info) { queue("getUDPPortInfo", info.open, info.port); }
-    void onTcpFailed(const std::string& reason)
-    {
-        queue("setTCPFailure", QString::fromStdString(reason));
-    }
-    void onUdpFailed(const std::string& reason)
-    {
-        queue("setUDPFailure", QString::fromStdString(reason));
-    }
+    void onTcpFailed(const std::string& reason) { queue("setTCPFailure", reason); }
+    void onUdpFailed(const std::string& reason) { queue("setUDPFailure", reason); }
 
     void queueDmx(const SAddDMXInfo& info)
     {
         queue("setDmxData", info);
         queue("setDmxEnable", info.enabled);
     }
-    void queueDmxFailure(const std::string& reason)
-    {
-        queue("setDmxFailure", QString::fromStdString(reason));
-    }
+    void queueDmxFailure(const std::string& reason) { queue("setDmxFailure", reason); }
     void queueOsc(const SAddOSCInfo& info)
     {
         queue("setOscData", info);
         queue("setOscEnable", info.enabled);
     }
-    void queueOscFailure(const std::string& reason)
-    {
-        queue("setOscFailure", QString::fromStdString(reason));
-    }
+    void queueOscFailure(const std::string& reason) { queue("setOscFailure", reason); }
     void queueDevices(const std::vector<SMIDIDevInfo>& devices);
 
     template <typename Service>
@@ -156,17 +122,17 @@ private:
     QLabel* m_nodeNameLabel = new QLabel;
     EditBox* m_nodeName = new EditBox;
     QLabel* m_channelLabel = new QLabel;
-    SpinEditBox* m_channel = new SpinEditBox;
+    SpinEditBox* m_channel = numberBox(0, 512);
     QLabel* m_subnetLabel = new QLabel;
-    SpinEditBox* m_subnet = new SpinEditBox;
+    SpinEditBox* m_subnet = numberBox(0, 15);
     QLabel* m_domainLabel = new QLabel;
-    SpinEditBox* m_domain = new SpinEditBox;
+    SpinEditBox* m_domain = numberBox(0, 15);
     PushButton* m_applyDmx = new PushButton;
-    QLabel* m_dmxFailure = new QLabel;
+    FailureLabel* m_dmxFailure = new FailureLabel;
     CheckBox* m_useOsc = new CheckBox;
     QLabel* m_oscPortLabel = new QLabel;
-    SpinEditBox* m_oscPort = new SpinEditBox;
-    QLabel* m_oscFailure = new QLabel;
+    SpinEditBox* m_oscPort = numberBox(1, 65535);
+    FailureLabel* m_oscFailure = new FailureLabel;
     QWidget* m_midiSection;
     QWidget* m_dmxSection;
     QWidget* m_oscSection;
@@ -180,16 +146,6 @@ DeviceSettingWidget::Impl::Impl(DeviceSettingWidget* page)
     : SettingPageImpl(page, "netSetting"), m_midiSection(layOutMidi()), m_dmxSection(layOutDmx()),
       m_oscSection(layOutOsc())
 {
-    // The network's ports end one before the OSC port does; kept on purpose.
-    m_tcp.port->setRange(0, 65534);
-    m_udp.port->setRange(0, 65534);
-    m_oscPort->setRange(1, 65535);
-    m_channel->setRange(0, 512);
-    m_subnet->setRange(0, 15);
-    m_domain->setRange(0, 15);
-    for (SpinEditBox* box : {m_channel, m_subnet, m_domain}) {
-        setUsualWidth(box, 150);
-    }
     layOut();
     addTexts();
     for (QWidget* section : {m_midiSection, m_dmxSection, m_oscSection}) {
@@ -215,15 +171,15 @@ DeviceSettingWidget::Impl::Impl(DeviceSettingWidget* page)
 
 void DeviceSettingWidget::Impl::connectRow(PortRow& row, void (Impl::*changed)())
 {
-    const auto wish = [this, &row, changed](bool open) {
-        row.wish = open;
-        row.showFailure(QString());
+    const auto request = [this, &row, changed](bool open) {
+        row.isRequested = open;
+        row.failure->setReason({});
         (this->*changed)();
     };
-    connect(row.open, &PushButton::clicked, this, [wish] { wish(true); });
-    connect(row.close, &PushButton::clicked, this, [wish] { wish(false); });
+    connect(row.open, &PushButton::clicked, this, [request] { request(true); });
+    connect(row.close, &PushButton::clicked, this, [request] { request(false); });
     connect(row.port, qOverload<double>(&SpinEditBox::valueChanged), this,
-            [wish, &row] { wish(row.wish); });
+            [request, &row] { request(row.isRequested); });
 }
 
 namespace {
@@ -231,12 +187,8 @@ namespace {
 QBoxLayout* fieldRow(QLabel* label, int labelWidth, QWidget* field)
 {
     setUsualWidth(label, labelWidth);
-    auto* row = new QHBoxLayout;
+    auto* row = rowOf({label, field}, 22);
     row->setSpacing(8);
-    row->setContentsMargins(22, 0, 0, 0);
-    row->addWidget(label);
-    row->addWidget(field);
-    row->addStretch();
     return row;
 }
 
@@ -259,13 +211,6 @@ QWidget* section(const char* heading, CheckBox* use, int spacing,
     return widget;
 }
 
-QLabel* failureLabel(QLabel* label)
-{
-    label->setObjectName(QStringLiteral("portFailure"));
-    label->setWordWrap(true);
-    return label;
-}
-
 } // namespace
 
 QWidget* DeviceSettingWidget::Impl::layOutMidi()
@@ -279,13 +224,12 @@ QWidget* DeviceSettingWidget::Impl::layOutDmx()
 {
     m_nodeName->setFixedWidth(150);
     setUsualHeight(m_nodeName, 20);
-    m_nodeName->setMaxLength(17); // what an answer to a poll has room for
+    m_nodeName->setMaxLength(
+        17); // the room that an Art-Net node has for its name in its answer to a poll
     setUsualWidth(m_applyDmx, 60);
     setUsualHeight(m_applyDmx, 20);
-    auto* apply = new QHBoxLayout;
-    apply->setContentsMargins(110, 0, 0, 0);
-    apply->addWidget(m_applyDmx);
-    apply->addWidget(failureLabel(m_dmxFailure), 1);
+    auto* apply = rowOf({m_applyDmx}, 110);
+    apply->insertWidget(1, m_dmxFailure, 1);
     return section(
         "DMX", m_useDmx, 10,
         {fieldRow(m_nodeNameLabel, 100, m_nodeName), fieldRow(m_channelLabel, 100, m_channel),
@@ -294,10 +238,9 @@ QWidget* DeviceSettingWidget::Impl::layOutDmx()
 
 QWidget* DeviceSettingWidget::Impl::layOutOsc()
 {
-    setUsualWidth(m_oscPort, 150);
     setUsualHeight(m_oscPort, 20);
     auto* port = fieldRow(m_oscPortLabel, 80, m_oscPort);
-    port->insertWidget(2, failureLabel(m_oscFailure), 1);
+    port->insertWidget(2, m_oscFailure, 1);
     return section("OSC", m_useOsc, 12, {port});
 }
 
@@ -308,26 +251,8 @@ void DeviceSettingWidget::Impl::layOut()
     auto* column = new QVBoxLayout(owner);
     column->setSpacing(16);
     column->setContentsMargins(5, 8, 25, 16);
-    for (PortRow* port : {&m_tcp, &m_udp}) {
-        setUsualWidth(port->label, 64);
-        setUsualWidth(port->port, 80);
-        for (PushButton* button : {port->open, port->close}) {
-            button->setProperty("assist", true);
-        }
-        setUsualHeight(port->status, 20);
-        auto* row = new QHBoxLayout;
-        row->setSpacing(12);
-        row->addWidget(port->label);
-        row->addWidget(port->port);
-        row->addWidget(port->open);
-        row->addWidget(port->close);
-        row->addWidget(port->status);
-        row->addWidget(failureLabel(port->failure), 1);
-        row->addStretch();
-        column->addLayout(row);
-        port->status->hide();
-        port->failure->hide();
-    }
+    column->addLayout(m_tcp.layout);
+    column->addLayout(m_udp.layout);
     auto* external = new QVBoxLayout(m_external);
     external->setSpacing(12);
     external->addWidget(m_midiSection);
@@ -342,19 +267,16 @@ void DeviceSettingWidget::Impl::addTexts()
     addNavigationText("netSetting");
     addText("udpPort", m_udp.label, m_udp.port);
     addText("tcpPort", m_tcp.label, m_tcp.port);
-    for (PortRow* row : {&m_udp, &m_tcp}) {
-        addText("open", row->open);
-    }
-    for (PortRow* row : {&m_udp, &m_tcp}) {
-        addText("close", row->close);
-    }
+    addText("open", m_udp.open);
+    addText("open", m_tcp.open);
+    addText("close", m_udp.close);
+    addText("close", m_tcp.close);
     addText("exteranlContralSetting",
             [this](const QString& title) { m_external->setTitle(title); });
     addText("exteranlContralSetting",
             [this](const QString& title) { m_external->setAccessibleName(title); });
-    for (PortRow* row : {&m_udp, &m_tcp}) {
-        addText("openSuccess", row->status);
-    }
+    addText("openSuccess", m_udp.status);
+    addText("openSuccess", m_tcp.status);
     addText("UseMIDI", m_useMidi);
     addText("MIDIDevice", m_devicesLabel, m_devices);
     addText("useDMX", m_useDmx);
@@ -388,7 +310,7 @@ void DeviceSettingWidget::Impl::submitPort(const PortRow& row,
         QMessageLogger(site.file, site.line, site.function).warning("_settings is null");
         return;
     }
-    submit(set, STPortInfo{row.wish, static_cast<std::uint16_t>(row.port->value())}, site);
+    submit(set, STPortInfo{row.isRequested, static_cast<std::uint16_t>(row.port->value())}, site);
 }
 
 // --- Controllers ---

@@ -86,7 +86,7 @@ private:
     ComboBox* m_presets = new ComboBox(owner);
     PushButton* m_presetsTip = new PushButton(owner);
 
-    // As the store is known to hold them.
+    // What the store held last, as far as the page knows.
     int m_preset = pptResolutions().begin()->first;
     QSize m_size = pptResolution(m_preset);
 };
@@ -257,7 +257,7 @@ void OfficePPTSettingBox::Impl::onResolutionEditingFinished()
     submit(&IMivoSettings::setPPTResolutionWidth, size.width());
     submit(&IMivoSettings::setPPTResolutionHeight, size.height());
     if (std::exchange(m_size, size) == size) {
-        return; // only passed through
+        return; // the focus passed through without a change
     }
     for (const auto& [key, resolution] : pptResolutions()) {
         if (pptResolution(key) == size) {

@@ -15,7 +15,7 @@ using mivo::mediadispatch::IProgramDispatch;
 
 namespace {
 
-/// A name as the text of an action or a button: a "&" in it is one, and no mnemonic.
+/// A name as the text of an action or button, where a single "&" would mark a mnemonic.
 QString controlText(QString name)
 {
     return name.replace(QLatin1Char('&'), QLatin1String("&&"));

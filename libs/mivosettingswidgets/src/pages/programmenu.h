@@ -71,7 +71,7 @@ public:
     void setProgram(const QString& name);
 
 protected:
-    // Not as the button opens a menu, which waits for it: the page may go meanwhile.
+    // Instead of QPushButton's own menu, which runs an event loop: the page may be deleted in it.
     void mousePressEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 

@@ -33,10 +33,10 @@ using Presets = std::array<const char*, 10>;
 
 constexpr Presets canvasPresets{"#000000", "#1E2C36", "#05121B", "#003248", "#004F23",
                                 "#320048", "#5C5821", "#D1C0A5", "#959595", "#FFFFFF"};
-/// The page's palette, too.
+/// Also the palette that the border of a checked swatch is taken from.
 constexpr Presets outputPresets{"#FFFFFF", "#049BA1", "#C91617", "#C67326", "#BCB62B",
                                 "#1FB449", "#7F33DF", "#458CEE", "#FF6523", "#0030FF"};
-constexpr int checkedBorder = 7; // of the palette
+constexpr int checkedBorder = 7; // index into outputPresets
 
 enum Channel { red, green, blue };
 constexpr std::array channelNames{"R", "G", "B"};
@@ -107,17 +107,17 @@ public:
     }
 
 public slots:
-    void updateColor(int index) { choosePreset(m_canvas, index); }
+    void updateColor(int index) { choose(m_canvas, m_canvas.preset(index)); }
     void openColorDialog() { openDialog(m_canvas); }
-    void onRedChanged() { m_canvas.takeChannel(red); }
-    void onGreenChanged() { m_canvas.takeChannel(green); }
-    void onBlueChanged() { m_canvas.takeChannel(blue); }
+    void onRedChanged() { m_canvas.refresh(); }
+    void onGreenChanged() { m_canvas.refresh(); }
+    void onBlueChanged() { m_canvas.refresh(); }
     void pickColor(const QColor& color) { m_canvas.pick(color); }
-    void updateTextColor(int index) { choosePreset(m_output, index); }
+    void updateTextColor(int index) { choose(m_output, m_output.preset(index)); }
     void openTextColorDialog() { openDialog(m_output); }
-    void onTextRedChanged() { m_output.takeChannel(red); }
-    void onTextGreenChanged() { m_output.takeChannel(green); }
-    void onTextBlueChanged() { m_output.takeChannel(blue); }
+    void onTextRedChanged() { m_output.refresh(); }
+    void onTextGreenChanged() { m_output.refresh(); }
+    void onTextBlueChanged() { m_output.refresh(); }
     void pickTextColor(const QColor& color) { m_output.pick(color); }
     void setColor(const QColor& color) { m_canvas.show(color); }
     void setOutputColor(const QColor& color) { m_output.show(color); }
@@ -126,35 +126,28 @@ protected:
     void initSettings() override;
 
 private:
-    /// What differs between the two colours.
-    struct Differences
+    /// One of the two colours and its controls; what differs between them stands first.
+    struct ColorRow
     {
         const Presets& presets;
         int headingWidth; // 0: as wide as its text
         const char* headingKey;
         const char* initialHeading;
-        const char* initial;
-        void (Impl::*report)(const QString& color);
+        const char* initialColor;
+        void (Impl::*notify)(const QString& color);
         void (Impl::*choosePreset)(int id);
         void (Impl::*openDialog)();
-        std::array<void (Impl::*)(), 3> takeChannel;
-    };
-
-    /// One of the two colours and its controls.
-    struct ColorRow
-    {
-        explicit ColorRow(const Differences& differences) : differs(differences) {}
+        std::array<void (Impl::*)(), 3> onChannelChanged;
 
         /// An invalid colour changes nothing.
         void pick(const QColor& color);
         /// The same for the store's colour.
         void show(const QColor& color);
-        /// Takes over what the box of a channel shows.
-        void takeChannel(Channel channel);
+        /// Shows the colour of the channel boxes in the other controls.
         void refresh();
         QString color() const;
+        QColor preset(int id) const { return {presets.at(static_cast<std::size_t>(id))}; }
 
-        Differences differs;
         QLabel* heading = new QLabel;
         QLabel* presetsLabel = new QLabel;
         QButtonGroup* swatches = nullptr;
@@ -163,46 +156,42 @@ private:
         PushButton* dialogButton = swatch(QStringLiteral("imageBtn"));
         EditBox* hexEdit = new EditBox;
         std::array<SpinEditBox*, 3> channels{};
-        std::array<QString, 3> channelTexts;
-        QString reported; // what the store is known to hold
+        QList<QWidget*> controls{}; // described by the heading
+        QString reported{};         // what the store is known to hold
     };
-
-    static QString channelText(int value)
-    {
-        return QStringLiteral("%1").arg(value & 255, 2, 16, QLatin1Char('0'));
-    }
 
     QHBoxLayout* presetsRow(ColorRow& row);
     QHBoxLayout* customRow(ColorRow& row);
     void addTexts();
     void connectRow(ColorRow& row);
 
-    void choosePreset(ColorRow& row, int id);
+    void choose(ColorRow& row, const QColor& color);
     void openDialog(ColorRow& row);
     void finishHexEdit(ColorRow& row);
     void report(ColorRow& row);
+    void reportIfChanged(ColorRow& row);
     void notifyChangeColor(const QString& color);
     void notifyChangeTextColor(const QString& color);
 
-    ColorRow m_canvas{{canvasPresets,
-                       0,
-                       "CanvesSetting",
-                       "Canvas Color",
-                       "#000000",
-                       &Impl::notifyChangeColor,
-                       &Impl::updateColor,
-                       &Impl::openColorDialog,
-                       {&Impl::onRedChanged, &Impl::onGreenChanged, &Impl::onBlueChanged}}};
+    ColorRow m_canvas{canvasPresets,
+                      0,
+                      "CanvesSetting",
+                      "Canvas Color",
+                      "#000000",
+                      &Impl::notifyChangeColor,
+                      &Impl::updateColor,
+                      &Impl::openColorDialog,
+                      {&Impl::onRedChanged, &Impl::onGreenChanged, &Impl::onBlueChanged}};
     ColorRow m_output{
-        {outputPresets,
-         45,
-         "TextColor",
-         "Output:",
-         "#FFFFFF",
-         &Impl::notifyChangeTextColor,
-         &Impl::updateTextColor,
-         &Impl::openTextColorDialog,
-         {&Impl::onTextRedChanged, &Impl::onTextGreenChanged, &Impl::onTextBlueChanged}}};
+        outputPresets,
+        45,
+        "TextColor",
+        "Output:",
+        "#FFFFFF",
+        &Impl::notifyChangeTextColor,
+        &Impl::updateTextColor,
+        &Impl::openTextColorDialog,
+        {&Impl::onTextRedChanged, &Impl::onTextGreenChanged, &Impl::onTextBlueChanged}};
 };
 
 StageSettingBox::Impl::Impl(StageSettingBox* page) : SettingPageImpl(page, "GeneralSettings")
@@ -216,13 +205,13 @@ StageSettingBox::Impl::Impl(StageSettingBox* page) : SettingPageImpl(page, "Gene
         column->addWidget(row->heading);
         column->addLayout(presetsRow(*row));
         column->addLayout(customRow(*row));
-        row->pick(QColor(row->differs.initial));
+        row->pick(QColor(row->initialColor));
         row->reported = row->color();
         connectRow(*row);
         rowHeights += row->heading->sizeHint().height() + swatchSize
                       + row->channels[red]->sizeHint().height();
     }
-    // And the margins, the spacings between six rows, and the title.
+    // Plus the margins, the spacings between the six rows, and the title.
     setUsualHeight(owner, rowHeights + 122);
     addTexts();
 
@@ -232,17 +221,16 @@ StageSettingBox::Impl::Impl(StageSettingBox* page) : SettingPageImpl(page, "Gene
 
 QHBoxLayout* StageSettingBox::Impl::presetsRow(ColorRow& row)
 {
-    if (row.differs.headingWidth != 0) {
-        setUsualWidth(row.heading, row.differs.headingWidth);
+    if (row.headingWidth != 0) {
+        setUsualWidth(row.heading, row.headingWidth);
     }
     row.heading->setObjectName(QStringLiteral("sectionHeading"));
     setUsualWidth(row.presetsLabel, 45);
     row.swatches = new QButtonGroup(owner);
-    auto* buttons = new QHBoxLayout;
-    buttons->setSpacing(0);
-    for (std::size_t id = 0; id < row.differs.presets.size(); ++id) {
-        const auto preset = QString::fromLatin1(row.differs.presets[id]);
-        // With its parent, since a change of that is dear with a style sheet.
+    QList<QWidget*> buttons;
+    for (std::size_t id = 0; id < row.presets.size(); ++id) {
+        const auto preset = QString::fromLatin1(row.presets[id]);
+        // With its parent from the start: with a style sheet, reparenting is slow.
         PushButton* button = swatch({}, owner);
         button->setCheckable(true);
         // No blank before the border's colour; kept on purpose.
@@ -252,13 +240,13 @@ QHBoxLayout* StageSettingBox::Impl::presetsRow(ColorRow& row)
         button->setAccessibleName(preset);
         button->setToolTip(preset);
         row.swatches->addButton(button, static_cast<int>(id));
-        buttons->addWidget(button);
+        buttons.append(button);
     }
-    auto* layout = new QHBoxLayout;
-    layout->setSpacing(10);
-    layout->addWidget(row.presetsLabel);
-    layout->addLayout(buttons);
-    layout->addStretch();
+    row.controls = buttons + QList<QWidget*>{row.picker, row.dialogButton, row.hexEdit};
+    auto* swatches = rowOf(buttons);
+    swatches->setSpacing(0);
+    auto* layout = spacedRow({{row.presetsLabel, 10}});
+    layout->addLayout(swatches);
     return layout;
 }
 
@@ -270,14 +258,8 @@ QHBoxLayout* StageSettingBox::Impl::customRow(ColorRow& row)
     row.hexEdit->setProperty("style", QStringLiteral("color"));
     setUsualWidth(row.hexEdit, 72);
     row.hexEdit->setValidator(new ColorValidator([&row] { return row.color(); }, row.hexEdit));
-    auto* layout = new QHBoxLayout;
-    layout->setSpacing(0);
-    layout->addWidget(row.customLabel);
-    layout->addWidget(row.picker);
-    layout->addSpacing(4);
-    layout->addWidget(row.dialogButton);
-    layout->addSpacing(16);
-    layout->addWidget(row.hexEdit);
+    auto* layout = spacedRow(
+        {{row.customLabel, 0}, {row.picker, 4}, {row.dialogButton, 16}, {row.hexEdit, 0}});
     for (const Channel channel : {red, green, blue}) {
         auto* label = new QLabel(QString::fromLatin1(channelNames[channel]));
         auto* box = new SpinEditBox;
@@ -287,6 +269,7 @@ QHBoxLayout* StageSettingBox::Impl::customRow(ColorRow& row)
         box->setAccessibleName(label->text());
         label->setBuddy(box);
         row.channels[channel] = box;
+        row.controls.append(box);
         layout->addSpacing(16);
         layout->addWidget(label);
         layout->addSpacing(4);
@@ -298,32 +281,17 @@ QHBoxLayout* StageSettingBox::Impl::customRow(ColorRow& row)
 
 void StageSettingBox::Impl::addTexts()
 {
-    const auto presets = [this](ColorRow& row) {
-        addText("PresetsColor", row.presetsLabel, nullptr, "Presets:");
-    };
-    const auto heading = [this](ColorRow& row) {
-        addText(
-            row.differs.headingKey,
-            [&row](const QString& name) {
-                row.heading->setText(name);
-                row.hexEdit->setAccessibleDescription(name);
-                row.picker->setAccessibleDescription(name);
-                row.dialogButton->setAccessibleDescription(name);
-                for (SpinEditBox* box : row.channels) {
-                    box->setAccessibleDescription(name);
-                }
-                const auto buttons = row.swatches->buttons();
-                for (QAbstractButton* button : buttons) {
-                    button->setAccessibleDescription(name);
-                }
-            },
-            row.differs.initialHeading);
-    };
     addTitle("General");
-    presets(m_canvas);
-    heading(m_canvas);
-    presets(m_output);
-    heading(m_output);
+    for (ColorRow* row : {&m_canvas, &m_output}) {
+        addText("PresetsColor", row->presetsLabel, nullptr, "Presets:");
+        const auto describe = [row](const QString& name) {
+            row->heading->setText(name);
+            for (QWidget* control : qAsConst(row->controls)) {
+                control->setAccessibleDescription(name);
+            }
+        };
+        addText(row->headingKey, describe, row->initialHeading);
+    }
     addNavigationText("GeneralSettings");
     for (ColorRow* row : {&m_canvas, &m_output}) {
         addText("CustomColor", row->customLabel, row->hexEdit, "custom:");
@@ -338,20 +306,16 @@ void StageSettingBox::Impl::addTexts()
 
 void StageSettingBox::Impl::connectRow(ColorRow& row)
 {
-    connect(row.swatches, &QButtonGroup::idClicked, this, row.differs.choosePreset);
-    connect(row.picker, &PushButton::clicked, this, row.differs.openDialog);
-    connect(row.dialogButton, &PushButton::clicked, this, row.differs.openDialog);
+    connect(row.swatches, &QButtonGroup::idClicked, this, row.choosePreset);
+    connect(row.picker, &PushButton::clicked, this, row.openDialog);
+    connect(row.dialogButton, &PushButton::clicked, this, row.openDialog);
     connect(row.hexEdit, &EditBox::editingFinished, this, [this, &row] { finishHexEdit(row); });
     for (const Channel channel : {red, green, blue}) {
         // Shown at each step, but reported when the edit is finished.
         SpinEditBox* box = row.channels[channel];
         connect(box, qOverload<double>(&SpinEditBox::valueChanged), this,
-                row.differs.takeChannel[channel]);
-        connect(box, &SpinEditBox::editingFinished, this, [this, &row] {
-            if (row.color() != row.reported) {
-                report(row);
-            }
-        });
+                row.onChannelChanged[channel]);
+        connect(box, &SpinEditBox::editingFinished, this, [this, &row] { reportIfChanged(row); });
     }
 }
 
@@ -363,7 +327,6 @@ void StageSettingBox::Impl::ColorRow::pick(const QColor& color)
     const std::array values{color.red(), color.green(), color.blue()};
     for (const Channel channel : {red, green, blue}) {
         showValue(channels[channel], values[channel]);
-        channelTexts[channel] = channelText(values[channel]);
     }
     refresh();
 }
@@ -376,16 +339,13 @@ void StageSettingBox::Impl::ColorRow::show(const QColor& color)
     }
 }
 
-void StageSettingBox::Impl::ColorRow::takeChannel(Channel channel)
-{
-    channelTexts[channel] = channelText(static_cast<int>(channels[channel]->value()));
-    refresh();
-}
-
 QString StageSettingBox::Impl::ColorRow::color() const
 {
-    return QStringLiteral("%1%2%3%4")
-        .arg(QStringLiteral("#"), channelTexts[red], channelTexts[green], channelTexts[blue]);
+    QString text = QStringLiteral("#");
+    for (const SpinEditBox* box : channels) {
+        text += QStringLiteral("%1").arg(static_cast<int>(box->value()), 2, 16, QLatin1Char('0'));
+    }
+    return text;
 }
 
 void StageSettingBox::Impl::ColorRow::refresh()
@@ -393,17 +353,17 @@ void StageSettingBox::Impl::ColorRow::refresh()
     const QString shown = color();
     hexEdit->setText(shown);
     const QString style = "QPushButton{background-color:" + shown + ";}";
-    if (picker->styleSheet() != style) { // a style sheet is dear, also one that changes nothing
+    if (picker->styleSheet() != style) { // setting one is slow, even the same one
         picker->setStyleSheet(style);
     }
-    for (std::size_t id = 0; id < differs.presets.size(); ++id) {
-        if (shown.compare(QLatin1String(differs.presets[id]), Qt::CaseInsensitive) == 0) {
+    for (std::size_t id = 0; id < presets.size(); ++id) {
+        if (shown.compare(QLatin1String(presets[id]), Qt::CaseInsensitive) == 0) {
             swatches->button(static_cast<int>(id))->setChecked(true);
             return;
         }
     }
     if (QAbstractButton* checked = swatches->checkedButton()) {
-        swatches->setExclusive(false); // else one stays checked
+        swatches->setExclusive(false); // an exclusive group keeps one button checked
         checked->setChecked(false);
         swatches->setExclusive(true);
     }
@@ -422,9 +382,9 @@ void StageSettingBox::Impl::initSettings()
     }
 }
 
-void StageSettingBox::Impl::choosePreset(ColorRow& row, int id)
+void StageSettingBox::Impl::choose(ColorRow& row, const QColor& color)
 {
-    row.pick(QColor(row.differs.presets.at(static_cast<std::size_t>(id))));
+    row.pick(color);
     report(row);
 }
 
@@ -439,10 +399,8 @@ void StageSettingBox::Impl::openDialog(ColorRow& row)
     dialog->setCurrentColor(QColor(row.color()));
     connect(dialog, &ColorDialog::currentColorChanged, this,
             [&row](const QColor& color) { row.pick(color); });
-    connect(dialog, &ColorDialog::accepted, this, [this, &row, dialog] {
-        row.pick(dialog->currentColor());
-        report(row);
-    });
+    connect(dialog, &ColorDialog::accepted, this,
+            [this, &row, dialog] { choose(row, dialog->currentColor()); });
     connect(dialog, &ColorDialog::rejected, this, [&row] { row.pick(QColor(row.reported)); });
     dialog->open();
 }
@@ -450,7 +408,12 @@ void StageSettingBox::Impl::openDialog(ColorRow& row)
 void StageSettingBox::Impl::finishHexEdit(ColorRow& row)
 {
     row.pick(typedColor(row.hexEdit->text()));
-    row.refresh(); // what is no colour gives way to the one before
+    row.refresh(); // replaces a text that is no colour
+    reportIfChanged(row);
+}
+
+void StageSettingBox::Impl::reportIfChanged(ColorRow& row)
+{
     if (row.color() != row.reported) {
         report(row);
     }
@@ -459,7 +422,7 @@ void StageSettingBox::Impl::finishHexEdit(ColorRow& row)
 void StageSettingBox::Impl::report(ColorRow& row)
 {
     row.reported = row.color();
-    (this->*row.differs.report)(row.reported);
+    (this->*row.notify)(row.reported);
 }
 
 void StageSettingBox::Impl::notifyChangeColor(const QString& color)

@@ -114,7 +114,7 @@ void RestartRow::addTexts(SettingPageImpl& page)
                        "August", "September", "October", "November", "December"});
     page.addText("EveryDay", [this](const QString& every) { m_day->setItemText(0, every); });
     page.addText("NoSuchDay", m_neverComes);
-    // Set by the first translation in any case: where its place is depends on the language.
+    // fillDays() makes the items; here they are set anew, as number and word may change places.
     page.addText(
         "Day",
         [this](const QString& /*word*/) {
@@ -185,7 +185,8 @@ void DelayedWrite::flush()
     if (std::exchange(m_waiting, 0) > 0) {
         try {
             m_write();
-        } catch (const std::future_error&) { // nobody to tell
+        } catch (const std::future_error&) { // the runtime has stopped; the edit is lost, as the
+                                             // header says
         }
     }
 }

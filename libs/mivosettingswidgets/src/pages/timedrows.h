@@ -76,7 +76,7 @@ signals:
     void monthChosen(int month);
 
 private:
-    /// Says so where the chosen month has no such day in any year.
+    /// Shows a hint where the chosen month never has the chosen day.
     void showWhetherItComes();
 
     mivo::widgets::ComboBox* m_month;
@@ -92,8 +92,8 @@ public:
 
     void start();
 
-    /// Writes at once what is waiting, for the end of the page. A runtime that has stopped
-    /// meanwhile takes it no more.
+    /// Writes at once what is waiting, for the end of the page. It is lost if the runtime has
+    /// stopped.
     void flush();
 
 private:

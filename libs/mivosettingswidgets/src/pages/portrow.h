@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QtWidgets/QLabel>
+
+#include <string>
+
+class QHBoxLayout;
+
+namespace mivo::widgets {
+class PushButton;
+class SpinEditBox;
+} // namespace mivo::widgets
+
+namespace mivo::settings {
+
+/// Says why an input does not receive; hidden where there is no reason. GUI thread.
+class FailureLabel : public QLabel
+{
+public:
+    FailureLabel();
+    void setReason(const std::string& reason);
+};
+
+/// The controls of one listening port of the network page. GUI thread.
+struct PortRow
+{
+    PortRow();
+
+    void show(bool isOpen, int number);
+
+    QLabel* label = new QLabel;
+    mivo::widgets::SpinEditBox* port;
+    mivo::widgets::PushButton* open;
+    mivo::widgets::PushButton* close;
+    QLabel* status = new QLabel; ///< shown while it is open
+    FailureLabel* failure = new FailureLabel;
+    QHBoxLayout* layout;      ///< the page's column takes it, and with it the controls
+    bool isRequested = false; ///< to be open
+};
+
+} // namespace mivo::settings
