@@ -352,7 +352,7 @@ ClearResult clearFolder(const QString& path, const std::function<bool(int remove
     while (true) {
         Name name;
         Outcome outcome;
-        bool explained = false; // by what is named already
+        bool explained = false; // something in the folder is in notRemoved already
         if (!levels.back().left.empty()) {
             name = std::move(levels.back().left.back());
             levels.back().left.pop_back();
@@ -390,7 +390,7 @@ ClearResult clearFolder(const QString& path, const std::function<bool(int remove
             break;
         }
     }
-    // A folder that was moved is gone through again.
+    // After a folder was moved, the others are tried again.
     result.notRemoved.removeDuplicates();
     return result;
 }

@@ -56,14 +56,14 @@ bool FileTask::run(std::function<Completion()> work)
     return true;
 }
 
-bool FileTask::waitFor(std::chrono::milliseconds patience)
+bool FileTask::waitFor(std::chrono::milliseconds timeout)
 {
     if (!isRunning()) {
         return true;
     }
     std::unique_lock lock(m_shared->mutex);
-    const bool ended = m_shared->ended.wait_for(lock, patience,
-                                                [this] { return m_shared->completion != nullptr; });
+    const bool ended =
+        m_shared->ended.wait_for(lock, timeout, [this] { return m_shared->completion != nullptr; });
     lock.unlock();
     if (ended) {
         complete();
@@ -71,14 +71,15 @@ bool FileTask::waitFor(std::chrono::milliseconds patience)
     return ended;
 }
 
-bool FileTask::waitInLoop(std::chrono::milliseconds patience)
+bool FileTask::waitInLoop(std::chrono::milliseconds timeout)
 {
-    if (waitFor(std::chrono::milliseconds(20))) { // as most files: then nothing flickers
+    if (waitFor(std::chrono::milliseconds(
+            20))) { // most files answer at once, and no cursor or window flickers
         return true;
     }
     const QPointer<FileTask> self(this);
     QEventLoop loop;
-    QTimer::singleShot(patience, &loop, &QEventLoop::quit);
+    QTimer::singleShot(timeout, &loop, &QEventLoop::quit);
     connect(this, &FileTask::ended, &loop, &QEventLoop::quit);
     connect(this, &QObject::destroyed, &loop, &QEventLoop::quit);
     loop.exec(QEventLoop::ExcludeUserInputEvents);
@@ -96,7 +97,7 @@ void FileTask::complete()
         completion = std::move(m_shared->completion);
     }
     if (!completion) {
-        return; // so it was, and other work runs now
+        return; // waitFor() was first, and other work has been started since
     }
     m_shared.reset();
     m_slow.stop();

@@ -50,10 +50,10 @@ public:
     /// Until `done` is called.
     bool isRunning() const { return m_shared != nullptr; }
 
-    /// Blocks until the work has ended, and calls `done`; false after `patience`.
-    bool waitFor(std::chrono::milliseconds patience);
+    /// Blocks until the work has ended, and calls `done`; false after `timeout`.
+    bool waitFor(std::chrono::milliseconds timeout);
     /// The same, while events are handled, except the user's input, which is held back.
-    bool waitInLoop(std::chrono::milliseconds patience);
+    bool waitInLoop(std::chrono::milliseconds timeout);
 
 Q_SIGNALS:
     /// The work runs for half a second: time to show that something is going on.

@@ -27,7 +27,7 @@ bool isBelongToMobile(const QString& path)
     std::wstring root(static_cast<std::size_t>(absolute.size()) + 2, L'\0');
     if (!GetVolumePathNameW(reinterpret_cast<const wchar_t*>(absolute.utf16()), root.data(),
                             static_cast<DWORD>(root.size()))) {
-        // As for a card reader without a card.
+        // Such as a card reader without a card.
         root = absolute.left(3).toStdWString();
     }
     return GetDriveTypeW(root.c_str()) == DRIVE_REMOVABLE;

@@ -59,7 +59,7 @@ FileLock::Result FileLock::tryLock(const std::string& path)
 {
     unlock();
     m_file = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-    if (m_file < 0) { // one that is there can be locked without a right to write
+    if (m_file < 0) { // a file that exists can be locked without the right to write
         const int code = errno;
         m_file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
         errno = code;

@@ -29,7 +29,7 @@ fs::path folderOf(const fs::path& target)
     return target.has_parent_path() ? target.parent_path() : fs::path(".");
 }
 
-/// A new name beside the target, hidden where a dot hides.
+/// A new name beside the target. On Unix the leading dot hides it.
 fs::path temporaryFor(const fs::path& target)
 {
     static const char characters[] = "abcdefghijklmnopqrstuvwxyz0123456789";
@@ -212,7 +212,7 @@ std::error_code replace(const fs::path& target, const std::string& content,
     }
     if (exists) {
         const bool inGroup = ::fchown(file, static_cast<uid_t>(-1), old.st_gid) == 0;
-        // Where a file system refuses, the content is kept all the same, for its owner.
+        // Some file systems refuse; the file is then readable for its owner only.
         static_cast<void>(::fchmod(file, old.st_mode & (inGroup ? 0777 : 0707)));
     }
     if (!writeAll(file, content) || ::fsync(file) != 0

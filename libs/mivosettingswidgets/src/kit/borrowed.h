@@ -30,7 +30,7 @@ public:
         m_service = service;
         if (service != nullptr) {
             follow(service->gone, [this, ended = std::move(ended)] {
-                const auto kept = ended; // the connection has it
+                const auto kept = ended; // reset() destroys the connection, and this lambda with it
                 this->reset(nullptr);
                 kept();
             });

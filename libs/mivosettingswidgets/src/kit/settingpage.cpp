@@ -69,7 +69,7 @@ void SettingPageBase::unsetSettings() const
 bool SettingPageBase::event(QEvent* event)
 {
     const bool isTaken = ISettingBox::event(event);
-    // Not while it is hidden, which would style every control of a section that is never looked at.
+    // Not while it is hidden: that would apply the style sheet to controls nobody may ever see.
     if (event->type() == QEvent::Show || (event->type() == QEvent::LayoutRequest && isVisible())) {
         fitUsualSizes(this);
     }

@@ -84,7 +84,7 @@ QSize neededBy(const QWidget* widget)
     for (const QString& line : texts) {
         text = text.expandedTo(metrics.size(Qt::TextSingleLine, line));
     }
-    // A button draws over its padding.
+    // A button's text may reach into the padding above and below it.
     const QSize needed =
         text + (isEdit ? around + QSize(textMargins, 0) : QSize(around.width(), 0));
     return needed.boundedTo(hint);
@@ -95,10 +95,10 @@ QSize neededBy(const QWidget* widget)
 void fitUsualSizes(QWidget* page)
 {
     auto widgets = page->findChildren<QWidget*>();
-    widgets.append(page); // last, since it follows them
+    widgets.append(page); // last: its size depends on theirs
     for (QWidget* widget : qAsConst(widgets)) {
         if (widget->dynamicPropertyNames().isEmpty()) {
-            continue; // nearly all of them, and property() is slow
+            continue; // as most of them; property() is slow
         }
         const QVariant width = widget->property(usualWidth);
         const QVariant height = widget->property(usualHeight);
