@@ -4,7 +4,7 @@
 #include "peripherals/midiservice.h"
 #include "peripherals/oscservice.h"
 #include "support/pagecases.h"
-#include "support/test.h"
+#include "support/pagetest.h"
 
 #include <QtNetwork/QUdpSocket>
 #include <QtWidgets/QListWidget>
@@ -21,51 +21,42 @@ enum Spin { tcp, udp, channel, subnet, domain, oscPort };
 enum Check { useMidi, useDmx, useOsc };
 enum Failure { tcpFailure, udpFailure, dmxFailure, oscFailure };
 
-class Network : public ::testing::Test
+class Network : public PageTest<mivo::settings::DeviceSettingWidget>
 {
 protected:
     Network()
     {
-        page.setZRRuntime(&runtime);
-        page.setSettings(&store);
-        page.show();
-        QApplication::processEvents();
+        bind();
+        page->show();
     }
 
-    /// The controls of a type are known by their order on the page.
-    template <typename Control>
-    Control* control(int index)
+    QLabel* failure(int index) { return page->findChildren<QLabel*>("portFailure").at(index); }
+    std::vector<bool> enabledSections()
     {
-        return page.findChildren<Control*>().at(index);
+        return {control<CheckBox>(useMidi)->isEnabled(), control<CheckBox>(useDmx)->isEnabled(),
+                control<CheckBox>(useOsc)->isEnabled()};
     }
-    QLabel* failure(int index) { return page.findChildren<QLabel*>("portFailure").at(index); }
 
     static BindingTable::Setup setupFor(bool (*isControl)(const std::string&))
     {
         return {isControl, {}, [](const std::string&) {}};
     }
-
-    TestStore store;
-    TestRuntime runtime;
-    mivo::settings::DeviceSettingWidget page;
 };
 
 } // namespace
 
 TEST_F(Network, APortIsOpenedAndClosedByItsButtonsAndSaysWhyItIsNot)
 {
-    QList<QLabel*> states;
-    for (QLabel* label : page.findChildren<QLabel*>()) {
-        if (label->text() == "openSuccess") {
-            states.append(label);
-        }
-    }
+    QList<QLabel*> states = page->findChildren<QLabel*>();
+    states.erase(std::remove_if(states.begin(), states.end(),
+                                [](QLabel* label) { return label->text() != "openSuccess"; }),
+                 states.end());
     for (const int row : {tcp, udp}) {
         const QString key = row == tcp ? "tcpPort" : "udpPort";
         auto* port = control<SpinEditBox>(row);
         auto* open = control<PushButton>(2 * row);
         const auto isOpen = [&](bool expected) {
-            QApplication::processEvents();
+            settleEvents();
             return states.at(row)->isVisible() == expected && open->isEnabled() != expected
                    && port->isEnabled() != expected;
         };
@@ -73,7 +64,7 @@ TEST_F(Network, APortIsOpenedAndClosedByItsButtonsAndSaysWhyItIsNot)
         open->click();
         EXPECT_EQ(store.held(key), "1|7000");
         EXPECT_TRUE(isOpen(true)) << row;
-        runtime.call([&] {
+        announce([&] {
             (row == tcp ? store.tcpPortChanged : store.udpPortChanged)(STPortInfo{false, 7000});
             (row == tcp ? store.tcpPortFailed : store.udpPortFailed)(std::string("taken"));
         });
@@ -89,45 +80,33 @@ TEST_F(Network, APortIsOpenedAndClosedByItsButtonsAndSaysWhyItIsNot)
 TEST_F(Network, InputsShowWhatTheyAreAndWhyTheyDoNotReceive)
 {
     QUdpSocket taken;
-    QUdpSocket alsoTaken;
-    for (QUdpSocket* socket : {&taken, &alsoTaken}) {
-        ASSERT_TRUE(socket->bind(QHostAddress::AnyIPv4, 0, QUdpSocket::DontShareAddress));
-    }
-    const std::vector<std::pair<Spin, std::pair<int, int>>> limits{
-        {channel, {0, 512}}, {subnet, {0, 15}}, {domain, {0, 15}}, {oscPort, {1, 65535}}};
-    for (const auto& [box, expected] : limits) {
-        EXPECT_EQ(limitsOf(control<SpinEditBox>(box)), expected) << box;
-    }
-    for (const int section : {useMidi, useDmx, useOsc}) {
-        EXPECT_FALSE(control<CheckBox>(section)->isEnabled()) << "no service yet";
-    }
+    ASSERT_TRUE(taken.bind(QHostAddress::AnyIPv4, 0, QUdpSocket::DontShareAddress));
+    EXPECT_EQ(enabledSections(), std::vector<bool>(3, false)) << "no service yet";
     {
         DmxService dmx(setupFor(DmxService::isControl), taken.localPort());
         OscService osc;
         MidiService midi(setupFor(MidiService::isControl));
         dmx.setInfo({true, "stage", 1, 2, 3}); // as at the start of the program
-        osc.setInfo({true, alsoTaken.localPort()});
-        page.setDmxMgr(&dmx);
-        page.setOscMgr(&osc);
-        page.setMidiMgr(&midi);
-        QApplication::processEvents();
-        for (const auto& [label, socket] :
-             {std::pair(dmxFailure, &taken), std::pair(oscFailure, &alsoTaken)}) {
-            EXPECT_TRUE(failure(label)->text().contains(QString::number(socket->localPort())))
-                << label;
-        }
-        EXPECT_TRUE(control<CheckBox>(useDmx)->isChecked()
-                    && control<CheckBox>(useOsc)->isChecked());
-        EXPECT_EQ(control<SpinEditBox>(oscPort)->value(), alsoTaken.localPort());
-
-        taken.close();
-        alsoTaken.close();
+        osc.setInfo({true, taken.localPort()});
+        page->setDmxMgr(&dmx);
+        page->setOscMgr(&osc);
+        page->setMidiMgr(&midi);
+        settleEvents();
+        EXPECT_EQ(enabledSections(), std::vector<bool>(3, true));
         for (const int label : {dmxFailure, oscFailure}) {
-            EXPECT_TRUE(QTest::qWaitFor([&] { return failure(label)->text().isEmpty(); }, 10000))
-                << "tried again until it is free";
+            EXPECT_TRUE(failure(label)->text().contains(QString::number(taken.localPort())));
         }
-        EXPECT_FALSE(taken.bind(QHostAddress::AnyIPv4, static_cast<quint16>(osc.info().port),
-                                QUdpSocket::DontShareAddress));
+        std::vector<double> shown;
+        for (const int box : {channel, subnet, domain, oscPort}) {
+            shown.push_back(control<SpinEditBox>(box)->value());
+        }
+        EXPECT_EQ(shown, (std::vector<double>{1, 2, 3, double(taken.localPort())}));
+        EXPECT_TRUE(control<CheckBox>(useDmx)->isChecked());
+        EXPECT_TRUE(control<CheckBox>(useOsc)->isChecked());
+        taken.close();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return failure(dmxFailure)->text().isEmpty(); }, 10000))
+            << "tried again until it is free";
+
         typeInto(control<SpinEditBox>(subnet), "15");
         control<EditBox>(0)->setText("hall");
         EXPECT_EQ(dmx.info(), (SAddDMXInfo{true, "stage", 1, 2, 3})) << "not applied";
@@ -143,14 +122,18 @@ TEST_F(Network, InputsShowWhatTheyAreAndWhyTheyDoNotReceive)
         midi.devicesChanged(std::vector<SMIDIDevInfo>{{"keys"}, {"pads"}});
         midi.setEnabled(false); // by somebody else
         midi.devicesChanged(std::vector<SMIDIDevInfo>{{"keys"}});
-        QApplication::processEvents();
+        settleEvents();
         EXPECT_FALSE(control<CheckBox>(useMidi)->isChecked());
-        const auto* devices = page.findChild<QListWidget*>();
+        const auto* devices = page->findChild<QListWidget*>();
         ASSERT_EQ(devices->count(), 1);
         EXPECT_EQ(devices->item(0)->text(), "keys");
     }
-    for (const int section : {useMidi, useDmx, useOsc}) {
-        EXPECT_FALSE(control<CheckBox>(section)->isEnabled()) << "its service has ended";
+    EXPECT_EQ(enabledSections(), std::vector<bool>(3, false)) << "their services have ended";
+    for (const auto& [box, limits] : {std::pair(channel, std::pair(0, 512)),
+                                      {subnet, {0, 15}},
+                                      {domain, {0, 15}},
+                                      {oscPort, {1, 65535}}}) {
+        EXPECT_EQ(limitsOf(control<SpinEditBox>(box)), limits) << box;
     }
 }
 

@@ -1,72 +1,42 @@
 #include <mivosettingswidgets/resplaycontrolsettingbox.h>
 
-#include "support/test.h"
+#include "support/pagetest.h"
 
 namespace resplaycontroltest {
 
-namespace {
+using PlayControl = PageTest<mivo::settings::ResPlayControlSettingBox>;
 
-class PlayControl : public ::testing::Test
+TEST_F(PlayControl, ShowsAndWritesTheDurationOfTheChosenKind)
 {
-protected:
-    PlayControl()
-    {
-        page.setZRRuntime(&runtime);
-        page.setSettings(&store);
-        QApplication::processEvents();
-        kind = page.findChild<mivo::widgets::ComboBox*>();
-        duration = page.findChild<mivo::widgets::TimeEditBox*>();
-    }
-
-    int shown() const { return duration->time().msecsSinceStartOfDay(); }
-
-    TestRuntime runtime;
-    TestStore store{
-        {{"pictureDuration", 4000}, {"powerPointDuration", 7000}, {"osdDuration", 60000}}};
-    mivo::settings::ResPlayControlSettingBox page;
-    mivo::widgets::ComboBox* kind = nullptr;
-    mivo::widgets::TimeEditBox* duration = nullptr;
-};
-
-} // namespace
-
-TEST_F(PlayControl, ChoosingAKindShowsItsDurationAndWritesNothing)
-{
+    store.change("pictureDuration", 4000);
+    store.change("powerPointDuration", 7000);
+    store.change("osdDuration", 60000);
+    bind();
+    auto* kind = control<mivo::widgets::ComboBox>();
+    auto* duration = control<mivo::widgets::TimeEditBox>();
+    const auto shown = [duration] {
+        settleEvents();
+        return duration->time().msecsSinceStartOfDay();
+    };
     EXPECT_EQ(shown(), 4000);
     for (const auto& [index, milliseconds] : {std::pair(1, 7000), {2, 60000}, {0, 4000}}) {
         kind->setCurrentIndex(index);
-        QApplication::processEvents();
         EXPECT_EQ(shown(), milliseconds);
     }
-    EXPECT_TRUE(store.kept.writes.empty());
-
+    page->setSettings(&store); // the store's kind is on its way, with its duration ...
+    kind->setCurrentIndex(2);  // ... and behind them the duration of this one
+    EXPECT_EQ(shown(), 4000);
+    EXPECT_EQ(kind->currentIndex(), 0);
+    announce([this] { store.change("powerPointDuration", 9000); });
+    EXPECT_EQ(shown(), 4000) << "a change of another kind";
+    EXPECT_EQ(written(), "");
     kind->setCurrentIndex(2);
-    QApplication::processEvents();
+    EXPECT_EQ(shown(), 60000);
     duration->setTime(QTime(1, 2, 3));
-    ASSERT_EQ(store.kept.writes.size(), 1U);
-    EXPECT_EQ(store.kept.writes[0].key, "osdDuration");
-    EXPECT_EQ(store.kept.writes[0].value, 3723000);
-
-    kind->addItem("Other", 99);
+    kind->addItem("Other", 99); // which the store does not know
     kind->setCurrentIndex(3);
     duration->setTime(QTime(0, 1, 0));
-    EXPECT_EQ(store.kept.writes.size(), 1U) << "no kind that the store knows";
-}
-
-TEST_F(PlayControl, AnAnswerForAKindThatIsNoLongerChosenIsNotShown)
-{
-    QObject::connect(duration, &QTimeEdit::timeChanged, [] { FAIL() << "written back"; });
-    page.setSettings(&store); // the store's kind is on its way, with its duration ...
-    kind->setCurrentIndex(2); // ... and behind them the duration of this one
-    QApplication::processEvents();
-    EXPECT_EQ(kind->currentIndex(), 0);
-    EXPECT_EQ(shown(), 4000);
-    runtime.call([this] { store.change("powerPointDuration", 9000); });
-    QApplication::processEvents();
-    EXPECT_EQ(shown(), 4000) << "a change of another kind";
-    kind->setCurrentIndex(1);
-    QApplication::processEvents();
-    EXPECT_EQ(shown(), 9000);
+    EXPECT_EQ(written(), "osdDuration=3723000");
 }
 
 } // namespace resplaycontroltest

@@ -1,6 +1,6 @@
 #include "support/pagecases.h"
 
-#include "support/dialogs.h"
+#include "support/test.h"
 
 #include <mivosettingswidgets/audiosettingbox.h>
 #include <mivosettingswidgets/codeccontrolsettingbox.h>
@@ -15,28 +15,21 @@
 #include <mivosettingswidgets/stagesettingbox.h>
 #include <mivosettingswidgets/undosettingbox.h>
 
+#include <QtCore/QMetaProperty>
 #include <QtCore/QTemporaryDir>
-#include <QtTest/QTest>
 #include <QtWidgets/QAbstractItemView>
 #include <QtWidgets/QButtonGroup>
-#include <QtWidgets/QComboBox>
-#include <QtWidgets/QDateTimeEdit>
-#include <QtWidgets/QDoubleSpinBox>
-#include <QtWidgets/QLineEdit>
 #include <QtWidgets/QRadioButton>
-
-#include <algorithm>
 
 using namespace mivo::settings;
 
 namespace {
 
 template <typename Page>
-PageCase pageCase(std::string sourceFile, bool keepsStoreWhenUnset, MissingLines missing,
-                  std::size_t getters, std::size_t followed, std::vector<ControlCase> controls)
+PageCase pageCase(bool keepsStoreWhenUnset, const MissingLines& missing, std::size_t getters,
+                  std::size_t followed, std::vector<ControlCase> controls)
 {
     return {Page::staticMetaObject.className(),
-            std::move(sourceFile),
             keepsStoreWhenUnset,
             missing,
             getters,
@@ -45,18 +38,17 @@ PageCase pageCase(std::string sourceFile, bool keepsStoreWhenUnset, MissingLines
             std::move(controls)};
 }
 
-constexpr MissingLines neverNull{};
-constexpr MissingLines logsNoStore{"sharedSettings is nullptr!|setSettings",
-                                   "sharedSettings is nullptr!|unsetSettings"};
+const MissingLines neverNull;
+const MissingLines logsNoStore{"sharedSettings is nullptr!|setSettings",
+                               "sharedSettings is nullptr!|unsetSettings"};
 
-/// Types `text` over the old value, and leaves the field.
+/// Types over the old value, and leaves the field.
 std::function<void(QWidget*)> typing(const char* text)
 {
     return [text](QWidget* control) {
         control->setFocus();
         QTest::keySequence(control, QKeySequence::SelectAll);
         QTest::keyClicks(control, QString::fromLatin1(text));
-        QTest::keyClick(control, Qt::Key_Tab);
         control->clearFocus();
     };
 }
@@ -158,7 +150,7 @@ PageCase networkCase()
         return row;
     };
     auto network = pageCase<DeviceSettingWidget>(
-        "netdevicesettingwidget.cpp", true, neverNull, 2, 4,
+        true, neverNull, 2, 4,
         {port("tcpPort", 0, "onTcpPortChanged"), port("udpPort", 1, "onUdpPortChanged")});
     network.qtWarning = "_settings is null";
     return network;
@@ -170,7 +162,7 @@ PageCase displayControlCase()
         return number(setting, index, {0.5, 10., 0., 2.5}, "2.5", writeSlot, {0, 10});
     };
     return pageCase<DisplayControlSettingBox>(
-        "displaycontrolsettingbox.cpp", false,
+        false,
         {"sharedSettings is nullptr!|setSettings", "shareSettings is nullptr!|unsetSettings",
          "DisplayControlSettingBox::setSettings zrRuntime is nullptr!|setSettings",
          "DisplayControlSettingBox::setSettings zrRuntime is nullptr!|unsetSettings"},
@@ -189,7 +181,7 @@ PageCase codecControlCase()
         return "0|" + depth.toString().remove("bit");
     };
     return pageCase<CodecControlSettingBox>(
-        "codeccontrolsettingbox.cpp", true,
+        true,
         {"sharedSettings is nullptr!|setSettings", "sharedSettings is nullptr!|unsetSettings",
          "CodecControlSettingBox::setSettings zrRuntime is nullptr!|setSettings",
          "CodecControlSettingBox::unsetSettings zrRuntime is nullptr!|unsetSettings"},
@@ -206,27 +198,25 @@ const std::vector<PageCase>& pageCases()
 {
     static const std::vector<PageCase> cases{
         pageCase<GeneralSettingBox>(
-            "generalsettingbox.cpp", true, {"sharedSettings is nullptr|setSettings"}, 3, 13,
+            true, {"sharedSettings is nullptr|setSettings"}, 3, 13,
             {checkBox("autoStart", 0, "onStartUpCheckBoxStateChanged"),
              number("autoStartDelayTime", 0, {0., 300, 0., 80.}, "80", "onDelayTimeChanged",
                     {0, 300}),
              checkBox("closeSoftWareMinimize", 1, "onCloseSoftwareMinimizeCheckBoxStateChanged")}),
         pageCase<UndoSettingBox>(
-            "undosettingbox.cpp", true, neverNull, 1, 1,
+            true, neverNull, 1, 1,
             {number("undoStep", 0, {50., 500, 1., 80.}, "80", "slotUndoStepChanged", {1, 500})}),
         pageCase<OnlineSettingBox>(
-            "onlinesettingbox.cpp", false, neverNull, 1, 1,
+            false, neverNull, 1, 1,
             {checkBox("autoSyncResources", 0, "onAutoSyncResourcesStateChanged")}),
-        pageCase<AudioSettingBox>("audiosettingbox.cpp", false,
-                                  {"sharedSettings is nullptr!|initSettings"}, 0, 10, {}),
+        pageCase<AudioSettingBox>(false, {"sharedSettings is nullptr!|initSettings"}, 0, 10, {}),
         networkCase(),
         displayControlCase(),
         codecControlCase(),
         pageCase<ResPlayControlSettingBox>(
-            "resplaycontrolsettingbox.cpp", true, logsNoStore, 1, 1,
-            {duration("pictureDuration", 5000, "onDurationTimeChanged")}),
+            true, logsNoStore, 1, 1, {duration("pictureDuration", 5000, "onDurationTimeChanged")}),
         pageCase<ProjectSettingBox>(
-            "projectsettingbox.cpp", true, neverNull, 1, 8,
+            true, neverNull, 1, 8,
             {checkBox("openRecentFiles", 0, "onOpenRecentFilesCheckBoxStateChanged"),
              checkBox("openProjectFileDefaultPlay", 1,
                       "onOpenProjectFileDefaultPlayCheckBoxStateChanged"),
@@ -240,21 +230,21 @@ const std::vector<PageCase>& pageCases()
              checkBox("notPromptForSave", 3, "onNotPromptForSaveCheckBoxStateChanged"),
              checkBox("newProjResetOutput", 4, "onNewProjResetOutputCheckBoxStateChanged")}),
         pageCase<FileInfoSettingBox>(
-            "fileinfosettingbox.cpp", true, logsNoStore, 1, 4,
+            true, logsNoStore, 1, 4,
             {{"playLogStorageTimeType", "mivo::widgets::ComboBox", 0, 0, 3, 0, 4, choosingLast,
               "onPlayLogStorageTimeComboBoxIndexChanged"},
              folder("playLogPath", 0, "/playlog", "onPlayLogPathChanged"),
              folder("cachePath", 1, "/cache", "onCacheChanged"),
              folder("sharePath", 2, "/sharedfolder", "onShareChanged")}),
         pageCase<OfficePPTSettingBox>(
-            "officepptsettingbox.cpp", true, neverNull, 1, 6,
+            true, neverNull, 1, 6,
             {checkBox("pptAutoplay", 0, "onPPTAutoplayStateChanged"),
              duration("pptAutoplayInterval", 3000, "onPPTAutoplayIntervalTimeChanged"),
              oneOfTwo("pptPlayMode", 1, "onPPTPlayModeBtnGroupChanged"),
              resolution("pptResolutionWidth", 0, 1920.),
              resolution("pptResolutionHeight", 1, 1080.)}),
         pageCase<StageSettingBox>(
-            "stagesettingbox.cpp", true,
+            true,
             {"sharedSettings is nullptr!|setSettings", "sharedSettings is nullptr!|unsetSettings",
              "StageSettingBox::setSettings zrRuntime is nullptr!|setSettings"},
             2, 2,
@@ -278,22 +268,12 @@ QWidget* findControl(QWidget* page, const ControlCase& control)
 
 QVariant shownBy(QWidget* control)
 {
-    if (auto* button = qobject_cast<QAbstractButton*>(control)) {
-        return button->isChecked();
+    const auto* combo = qobject_cast<QComboBox*>(control);
+    if (combo != nullptr && combo->currentData().isValid()) {
+        return combo->currentData();
     }
-    if (auto* edit = qobject_cast<QTimeEdit*>(control)) {
-        return edit->time().msecsSinceStartOfDay();
-    }
-    if (auto* edit = qobject_cast<QDoubleSpinBox*>(control)) {
-        return edit->value();
-    }
-    if (auto* combo = qobject_cast<QComboBox*>(control)) {
-        return combo->currentData().isValid() ? combo->currentData() : combo->currentText();
-    }
-    if (auto* edit = qobject_cast<QLineEdit*>(control)) {
-        return edit->text();
-    }
-    return {};
+    const QVariant value = control->metaObject()->userProperty().read(control);
+    return value.type() == QVariant::Time ? value.toTime().msecsSinceStartOfDay() : value;
 }
 
 std::pair<int, int> limitsOf(QWidget* control)

@@ -32,28 +32,27 @@ struct ControlCase
     QVariant kept(const QVariant& shown) const { return record ? record(shown) : shown; }
 };
 
-/// What a page logs of an argument that is missing; null where that may not be.
+/// What a page logs of an argument that is missing; empty where it says nothing, or that may not
+/// be.
 struct MissingLines
 {
-    const char* setWithoutStore = nullptr;
-    const char* unsetWithoutStore = nullptr;
-    const char* setWithoutRuntime = nullptr;
-    const char* unsetWithoutRuntime = nullptr;
+    const char* setWithoutStore = "";
+    const char* unsetWithoutStore = "";
+    const char* setWithoutRuntime = "";
+    const char* unsetWithoutRuntime = "";
 };
 
 /// One page: how it is made, and its controls. A new page joins all tests of pages by a case here.
 struct PageCase
 {
     std::string name;
-    std::string sourceFile;
     bool keepsStoreWhenUnset;
     MissingLines missing; ///< the text, "|", and the function it is logged under
     std::size_t getters;  ///< store reads of one binding
     std::size_t signals_; ///< store signals that are followed
     std::function<mivo::settings::SettingPage*()> make;
     std::vector<ControlCase> controls; ///< none where the store has to announce them first
-    const char* qtWarning =
-        nullptr; ///< said by Qt's log, and not by ours, where a store is missing
+    const char* qtWarning = nullptr;   ///< in place of our log's, where a store is missing
 };
 
 const std::vector<PageCase>& pageCases();
