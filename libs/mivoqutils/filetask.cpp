@@ -73,8 +73,7 @@ bool FileTask::waitFor(std::chrono::milliseconds timeout)
 
 bool FileTask::waitInLoop(std::chrono::milliseconds timeout)
 {
-    if (waitFor(std::chrono::milliseconds(
-            20))) { // most files answer at once, and no cursor or window flickers
+    if (waitFor(std::chrono::milliseconds(20))) { // most files answer at once, without a flicker
         return true;
     }
     const QPointer<FileTask> self(this);
