@@ -207,7 +207,7 @@ inline void addRestartTip(QHBoxLayout* row, QLabel* icon, QLabel* text)
     icon->setFixedSize(14, 14);
     icon->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     text->setObjectName(QStringLiteral("RestartTakeEffectLable"));
-    text->setWordWrap(true); // a large font leaves no room for it in one line
+    text->setWordWrap(true);     // a large font leaves no room for it in one line
     auto* tip = new QHBoxLayout; // whatever the row's own spacing
     tip->setSpacing(4);
     tip->addWidget(icon);
