@@ -129,9 +129,9 @@ TEST_F(Utils, WhatKilledWritersLeftIsRemovedButNotTheFileOfOneThatLives)
     }
     std::atomic<bool> goesOn{true};
     std::thread writer([&] {
-        while (goesOn) {
+        do {
             EXPECT_TRUE(NoCacheFile::saveToFile(root / "file", std::string(300000, 'x')));
-        }
+        } while (goesOn);
     });
     for (int round = 0; round < 500; ++round) {
         NoCacheFile::removeLeftovers(root);
