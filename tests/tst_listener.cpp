@@ -15,7 +15,7 @@
 namespace listenertest {
 
 using mivohost::Listener;
-using Store = mivohost::SettingsStore;
+using mivohost::ListeningPorts;
 
 namespace {
 
@@ -31,12 +31,12 @@ protected:
     }
 
     /// Wishes, and returns what came of it.
-    STPortInfo wish(Store::Port port, const STPortInfo& info)
+    STPortInfo wish(ListeningPorts::Port port, const STPortInfo& info)
     {
         reason.clear();
         runtime.call([&] {
             came.clear();
-            port == Store::tcp ? store.setTcpPort(info) : store.setUdpPort(info);
+            port == ListeningPorts::tcp ? store.setTcpPort(info) : store.setUdpPort(info);
         });
         EXPECT_TRUE(
             QTest::qWaitFor([this] { return runtime.call([this] { return !came.empty(); }); }));
@@ -63,17 +63,17 @@ TEST_F(Ports, AreReallyOpenedAndClosed)
 {
     const Listener listener(runtime, store);
     const quint16 port = freePort();
-    EXPECT_EQ(wish(Store::tcp, {true, port}), (STPortInfo{true, port}));
+    EXPECT_EQ(wish(ListeningPorts::tcp, {true, port}), (STPortInfo{true, port}));
     QTcpSocket client;
     client.connectToHost(QHostAddress::LocalHost, port);
     EXPECT_TRUE(client.waitForConnected());
     EXPECT_EQ(store.kept.rows["tcpPort"], QString("1|%1").arg(port));
-    EXPECT_EQ(wish(Store::tcp, {false, port}), (STPortInfo{false, port}));
+    EXPECT_EQ(wish(ListeningPorts::tcp, {false, port}), (STPortInfo{false, port}));
     QTcpSocket late;
     late.connectToHost(QHostAddress::LocalHost, port);
     EXPECT_FALSE(late.waitForConnected());
 
-    EXPECT_EQ(wish(Store::udp, {true, port}), (STPortInfo{true, port}));
+    EXPECT_EQ(wish(ListeningPorts::udp, {true, port}), (STPortInfo{true, port}));
     QUdpSocket other;
     EXPECT_FALSE(other.bind(QHostAddress::Any, port));
 }
@@ -83,17 +83,18 @@ TEST_F(Ports, ThatCannotBeOpenedStayClosedAndSayWhy)
     const Listener listener(runtime, store);
     QTcpServer tcp;
     ASSERT_TRUE(tcp.listen(QHostAddress::Any));
-    EXPECT_EQ(wish(Store::tcp, {true, tcp.serverPort()}), (STPortInfo{false, tcp.serverPort()}));
+    EXPECT_EQ(wish(ListeningPorts::tcp, {true, tcp.serverPort()}),
+              (STPortInfo{false, tcp.serverPort()}));
     EXPECT_FALSE(reason.empty());
     EXPECT_EQ(store.kept.rows["tcpPort"], QString("0|%1").arg(tcp.serverPort()));
     QUdpSocket udp;
     ASSERT_TRUE(udp.bind(QHostAddress(QHostAddress::Any)));
-    EXPECT_FALSE(wish(Store::udp, {true, udp.localPort()}).open);
+    EXPECT_FALSE(wish(ListeningPorts::udp, {true, udp.localPort()}).open);
     EXPECT_FALSE(reason.empty());
-    EXPECT_FALSE(wish(Store::udp, {true, 0}).open);
+    EXPECT_FALSE(wish(ListeningPorts::udp, {true, 0}).open);
     // The same wish is tried again.
     tcp.close();
-    EXPECT_TRUE(wish(Store::tcp, {true, freePort()}).open);
+    EXPECT_TRUE(wish(ListeningPorts::tcp, {true, freePort()}).open);
 }
 
 TEST_F(Ports, ThatWereOpenAreOpenedAgainAtTheNextStart)
@@ -112,7 +113,7 @@ TEST_F(Ports, ThatAreBusyAtOneStartAreTriedAgain)
     QTcpServer busy;
     ASSERT_TRUE(busy.listen(QHostAddress::Any));
     const STPortInfo wished{true, busy.serverPort()};
-    wish(Store::tcp, wished); // without a host, wishes come true
+    wish(ListeningPorts::tcp, wished); // without a host, wishes come true
     const auto kept = store.kept.rows;
     came.clear();
     const Listener listener(runtime, store);
@@ -121,7 +122,7 @@ TEST_F(Ports, ThatAreBusyAtOneStartAreTriedAgain)
     EXPECT_FALSE(reason.empty());
     EXPECT_EQ(store.kept.rows, kept);
     busy.close();
-    EXPECT_EQ(wish(Store::tcp, wished), wished) << "by the user, without another start";
+    EXPECT_EQ(wish(ListeningPorts::tcp, wished), wished) << "by the user, without another start";
 }
 
 } // namespace listenertest

@@ -1,11 +1,10 @@
-#include "support/logcapture.h"
-#include "support/teststore.h"
-
-#include <gtest/gtest.h>
+#include "support/test.h"
 
 #include <cmath>
 
 namespace settingsstoretest {
+
+using mivohost::SettingsStore;
 
 namespace {
 
@@ -25,116 +24,178 @@ protected:
 
 } // namespace
 
-TEST_F(Store, StartsWithItsDefaultsTakesValuesOverOnceCorrectedAndKeepsThem)
+TEST_F(Store, EveryRecordStartsWithItsDefaultsAndOutlivesARestart)
 {
     auto store = make();
-    EXPECT_EQ(store->getUndoStep(), 50);
-    EXPECT_FALSE(store->getAutoSyncResources());
-    EXPECT_EQ(store->getLanguage(), "");
+    EXPECT_EQ(store->getAutoStartSettings(), STMivoAutoStartSettings());
+    EXPECT_EQ(store->getTimedShutdownSettings(), STMivoTimedShutdownSettings());
+    EXPECT_EQ(store->getTimedAutomaticRestartSettings(), STMivoTimedAutomaticRestartSettings());
+    EXPECT_EQ(store->getProjectFileSettings(), STProjectFileSettingsInfo());
+    EXPECT_EQ(store->getFileInfoSettings(), STFileInfoSettings());
+    EXPECT_EQ(store->getPPTSysSettings(), STPPTSysSettingsInfo());
+    EXPECT_EQ(store->getDisplayControlSettings(), STDisplayControlSettings());
+    EXPECT_EQ(store->getDynamicRangeConfig(), mivo::DynamicRangeConfig());
+    EXPECT_EQ(store->getResourceSettings(), STResourceSettingsInfo());
+    EXPECT_EQ(store->getDmxInfo(), mivo::peripheralcontrol::SAddDMXInfo());
+    EXPECT_EQ(store->getOscInfo(), mivo::peripheralcontrol::SAddOSCInfo());
+
+    QVariantHash rows;
+    for (const QString& row :
+         QString("autoStart=1 autoStartDelayTime=7 timedShutdown=1|3|01:02:03 "
+                 "timedAutomaticRestart=1|4|5|06:07:08 openRecentFiles=1 autoSavePath=/saves "
+                 "autoSaveProjectFilesInterval=11 autoSaveProjectFilesMaxNum=12 "
+                 "newProjResetOutput=1 playLogStorageTimeType=2 playLogPath=/log cachePath=/cache "
+                 "sharePath=/share pptAutoplay=1 pptAutoplayInterval=4000 pptPlayMode=1 "
+                 "pptPresetsResolutionType=2 pptResolutionWidth=800 pptResolutionHeight=601 "
+                 "mfps=1 imageHierarchy=0 resourceType=32 osdDuration=3003 dynamicRangeConfig=1|12 "
+                 "tcpPort=1|13 udpPort=0|14 dmx=1|15|6|7|a|b osc=1|16")
+             .split(' ')) {
+        rows[row.section('=', 0, 0)] = row.section('=', 1);
+    }
+    store = make(rows);
+    EXPECT_EQ(store->getAutoStartSettings(), (STMivoAutoStartSettings{true, false, 7}));
+    EXPECT_EQ(store->getTimedShutdownSettings(),
+              (STMivoTimedShutdownSettings{true, 3, "01:02:03"}));
+    EXPECT_EQ(store->getTimedAutomaticRestartSettings(),
+              (STMivoTimedAutomaticRestartSettings{true, 4, 5, "06:07:08"}));
+    EXPECT_EQ(store->getProjectFileSettings(),
+              (STProjectFileSettingsInfo{true, false, false, 11, 12, "/saves", false, true}));
+    EXPECT_EQ(store->getFileInfoSettings(), (STFileInfoSettings{2, "/log", "/cache", "/share"}));
+    EXPECT_EQ(store->getPPTSysSettings(), (STPPTSysSettingsInfo{true, 4000, 1, 2, 800, 601}));
+    EXPECT_EQ(store->getDisplayControlSettings(),
+              (STDisplayControlSettings{false, true, false, mivo::ProgramMgrPriority}));
+    EXPECT_EQ(store->getResourceSettings(), (STResourceSettingsInfo{ResourceOSD, 3003}));
+    EXPECT_EQ(store->getDynamicRangeConfig(), (mivo::DynamicRangeConfig{1, 12}));
+    EXPECT_EQ(store->getTcpPort(), (STPortInfo{true, 13}));
+    EXPECT_EQ(store->getUdpPort(), (STPortInfo{false, 14}));
+    EXPECT_EQ(store->getDmxInfo(), (mivo::peripheralcontrol::SAddDMXInfo{true, "a|b", 15, 6, 7}));
+    EXPECT_EQ(store->getOscInfo(), (mivo::peripheralcontrol::SAddOSCInfo{true, 16}));
+
+    auto copy = make();
+    copy->setTimedShutdownSettings(store->getTimedShutdownSettings());
+    copy->setTimedAutomaticRestartSettings(store->getTimedAutomaticRestartSettings());
+    copy->setDynamicRangeConfig(store->getDynamicRangeConfig());
+    copy->setTcpPort(store->getTcpPort());
+    copy->setUdpPort(store->getUdpPort());
+    copy->setDmxInfo(store->getDmxInfo());
+    copy->setOscInfo(store->getOscInfo());
+    EXPECT_EQ(copy->kept.rows.size(), 7);
+    for (auto row = copy->kept.rows.begin(); row != copy->kept.rows.end(); ++row) {
+        EXPECT_EQ(*row, rows[row.key()]);
+    }
+}
+
+TEST_F(Store, CorrectsWhatIsBeyondItsRangeAndAnnouncesWhatItHolds)
+{
+    auto store = make({{"canvasColor", "#12AbcD"}});
     for (const int step : {80, 80, 0, 100000, 501}) {
         store->setUndoStep(step);
     }
-    EXPECT_EQ(announced, (std::vector{80, 1, 500, 500})) << "a control shows what is held";
+    EXPECT_EQ(announced, (std::vector{80, 1, 500, 500}));
     EXPECT_EQ(store->kept.writes.size(), 3U) << "nothing that is there already";
-    store->setAutoSyncResources(true);
-    store->setLanguage("zh_cn");
-    store = make(QVariantHash(store->kept.rows));
-    EXPECT_EQ(store->getUndoStep(), 500);
-    EXPECT_TRUE(store->getAutoSyncResources());
-    EXPECT_EQ(store->getLanguage(), "zh_cn");
-}
-
-TEST_F(Store, KeepsTheColorBeforeOneThatIsNone)
-{
-    auto store = make({{"canvasColor", "#12AbcD"}, {"outputColor", "#12345"}});
-    EXPECT_EQ(store->getCanvasColor(), "#12AbcD");
-    EXPECT_EQ(store->getOutputColor(), "#ffffff");
-    std::vector<std::string> colors;
-    store->canvasColorChanged.connect([&](const std::string& color) { colors.push_back(color); });
-    for (const char* none : {"", "red", "#fff", "#1234567", "123456", "#12345g", "#123456\n"}) {
-        store->setCanvasColor(none);
-        EXPECT_EQ(store->getCanvasColor(), "#12AbcD") << none;
-    }
-    EXPECT_EQ(colors, std::vector<std::string>(7, "#12AbcD")) << "so that a page shows it again";
-}
-
-TEST_F(Store, CorrectsFadeTimesAndRefusesRangesThatThereAreNot)
-{
-    auto store = make();
     std::vector<double> fades;
     store->fadeInTimeChanged.connect([&fades](double seconds) { fades.push_back(seconds); });
     for (const double seconds : {2.3, -1., 10.1, std::nan(""), 1e300}) {
         store->setFadeInTime(seconds);
     }
     EXPECT_EQ(fades, (std::vector{2.3, 0., 10., 10., 10.}));
-
-    const std::vector<std::pair<mivo::DynamicRangeConfig, mivo::DynamicRangeConfig>> ranges{
-        {{0, 10}, {0, 10}}, {{1, 12}, {1, 12}}, {{0, 12}, {1, 12}},
-        {{1, 8}, {1, 12}},  {{2, 8}, {1, 12}},  {{0, 8}, {0, 8}}};
+    std::vector<std::string> colors;
+    store->canvasColorChanged.connect([&](const std::string& color) { colors.push_back(color); });
+    for (const char* none : {"", "red", "#fff", "#1234567", "123456", "#12345g", "#123456\n"}) {
+        store->setCanvasColor(none);
+    }
+    EXPECT_EQ(colors, std::vector<std::string>(7, "#12AbcD")) << "so that a page shows it again";
+    const std::pair<mivo::DynamicRangeConfig, mivo::DynamicRangeConfig> ranges[]{
+        {{1, 12}, {1, 12}}, {{0, 12}, {1, 12}}, {{2, 8}, {1, 12}}, {{0, 8}, {0, 8}}};
     for (const auto& [wanted, held] : ranges) {
         store->setDynamicRangeConfig(wanted);
         EXPECT_EQ(store->getDynamicRangeConfig(), held) << wanted;
-    }
-    store->setDisplayTechnologyStandard("DCI-P3");
-    store->setDisplayTechnologyStandard("unknown");
-    EXPECT_EQ(store->getDisplayTechnologyStandard(), "DCI-P3");
-    store->setImageHierarchy(static_cast<mivo::PatchLevelPriority>(7));
-    EXPECT_EQ(store->getDisplayControlSettings(), STDisplayControlSettings());
-
-    for (const QVariant& unusable : {QVariant(10.5), QVariant("long"), QVariant(std::nan(""))}) {
-        EXPECT_EQ(make({{"fadeInTime", unusable}})->getFadeInTime(), 0.5);
-    }
-    EXPECT_EQ(make({{"fadeInTime", "0.3"}})->getFadeInTime(), 0.3);
-    for (const char* unusable : {"", "1", "0|12", "1|8", "2|8", "0|8|0", "x|y"}) {
-        EXPECT_EQ(make({{"dynamicRangeConfig", unusable}})->getDynamicRangeConfig(),
-                  mivo::DynamicRangeConfig())
-            << unusable;
     }
 }
 
 TEST_F(Store, LeavesUnusableRowsUntilTheyAreSet)
 {
-    const std::vector<std::pair<QVariant, bool>> cases{
-        {1, true},    {500, true},           {"80", true},    {0, false},
-        {501, false}, {-7, false},           {"many", false}, {"", false},
-        {2.5, false}, {9999999999LL, false}, {{}, false}};
-    for (const auto& [row, usable] : cases) {
-        log.clear();
-        auto store = make({{"undoStep", row}, {"fromALaterVersion", "kept"}});
-        EXPECT_EQ(store->getUndoStep() == 50, !usable) << row.toString().toStdString();
-        EXPECT_EQ(store->kept.rows["undoStep"], row);
-        EXPECT_EQ(store->isKept("undoStep"), usable);
-        EXPECT_EQ(log.lines().size(), usable ? 0U : 1U);
-        store->setUndoStep(50);
-        EXPECT_EQ(store->kept.rows["undoStep"], 50) << "also when it is the default";
-        EXPECT_EQ(store->kept.rows["fromALaterVersion"], "kept");
+    const struct
+    {
+        const char* key;
+        QVariantList usable;
+        QVariantList unusable;
+    } cases[]{
+        {"undoStep", {1, 500, "80"}, {0, 501, "many", "", 2.5, 9999999999LL, QVariant()}},
+        {"midiEnabled", {1}, {2}},
+        {"fadeInTime", {"0.3"}, {10.5, "long", std::nan("")}},
+        {"outputColor", {"#12AbcD"}, {"#12345"}},
+        {"displayTechnologyStandard", {"DCI-P3"}, {"unknown"}},
+        {"timedShutdown",
+         {"1|7|23:59:59"},
+         {"1|8|23:59:59", "2|0|00:00:00", "1|0|24:00:00", "1|0|00:00:00|1", "1|0"}},
+        {"timedAutomaticRestart", {"1|12|31|00:00:00"}, {"1|13|1|00:00:00", "1|1|32|00:00:00"}},
+        {"dynamicRangeConfig", {"1|12"}, {"0|12", "1|8", "2|8", "0|8|0", "x|y"}},
+        {"tcpPort", {"1|65534"}, {"1|65535"}},
+        {"osc", {"1|65535"}, {"0|0", "1|65536", "1|9000|"}},
+        {"dmx", {"1|512|15|15|"}, {"1|513|0|0|a", "1|0|16|0|a", "1|0|0|16|a", "1|0|0|0"}},
+        {"listenAddress", {"127.0.0.1"}, {"1.2.3.256"}},
+        {"soundCardMappings", {}, {"["}},
+    };
+    for (const auto& [key, usable, unusable] : cases) {
+        for (const QVariant& row : usable + unusable) {
+            SCOPED_TRACE(std::string(key) + ' ' + row.toString().toStdString());
+            const bool isUsable = usable.contains(row);
+            log.clear();
+            auto store = make({{key, row}, {"fromALaterVersion", "kept"}});
+            EXPECT_EQ(store->unusable(), isUsable ? QStringList() : QStringList(key));
+            EXPECT_EQ(log.lines().size(), isUsable ? 0U : 1U);
+            EXPECT_EQ(store->kept.writes.size(), 0U);
+            EXPECT_EQ(store->held(key) == make()->held(key), !isUsable);
+        }
     }
-    EXPECT_FALSE(make({{"autoSyncResources", 2}})->getAutoSyncResources());
+    auto store = make({{"undoStep", 0}, {"autoStart", 2}});
+    store->setUndoStep(50);
+    EXPECT_EQ(store->kept.rows["undoStep"], 50) << "also when it is the default";
+    EXPECT_EQ(store->unusable(), QStringList("autoStart"));
+    EXPECT_TRUE(store->isKept(SettingsStore::Key::undoStep));
+    EXPECT_FALSE(store->isKept(SettingsStore::Key::autoStart));
+}
+
+TEST_F(Store, SaysWhichSettingsAreThisMachinesOwn)
+{
+    QStringList own;
+    for (const auto& setting : make()->all()) {
+        if (setting.scope == SettingsStore::Scope::machine) {
+            own.append(setting.name);
+        }
+    }
+    own.sort();
+    EXPECT_EQ(own.join(' '),
+              "autoSavePath autoStart autoStartDelayTime cachePath closeSoftWareMinimize dmx "
+              "dmxBindings graphicsCard language listenAddress midiBindings midiEnabled osc "
+              "playLogPath recentProjectFiles sharePath soundCardMappings tcpPort "
+              "timedAutomaticRestart timedShutdown udpPort unsavedProject");
 }
 
 TEST_F(Store, AWriteThatFailsChangesNothingAndTellsEverybody)
 {
     auto store = make({{"undoStep", 70}});
-    QString told;
-    store->setFailureHandler([&told](const QString& reason) { told = reason; });
+    QStringList told;
+    store->setFailureHandler([&told](const QString& reason) { told.append(reason); });
     store->kept.fails = true;
     store->setUndoStep(80);
     EXPECT_EQ(store->getUndoStep(), 70);
     EXPECT_EQ(announced, std::vector{70}) << "the control must go back to what is kept";
-    EXPECT_EQ(told, "disk full");
-    ASSERT_EQ(log.lines().size(), 1U);
-    EXPECT_EQ(log.lines()[0], "error|setting undoStep could not be saved: disk full");
+    store->ports().report(mivohost::ListeningPorts::tcp, {true, 13});
+    EXPECT_EQ(told, (QStringList{"disk full", "disk full"}));
+    EXPECT_EQ(log.lines().at(0), "error|setting undoStep could not be saved: disk full");
 }
 
 TEST_F(Store, FollowsChangesFromElsewhere)
 {
-    auto store = make();
-    store->change("undoStep", 90);
-    store->change("undoStep", 90);
-    store->change("undoStep", 9000);
+    auto store = make({{"undoStep", 0}});
+    for (const int step : {90, 90, 9000}) {
+        store->change("undoStep", step);
+    }
     store->change("unknown", 1);
-    EXPECT_EQ(store->getUndoStep(), 90);
     EXPECT_EQ(announced, std::vector{90});
+    EXPECT_TRUE(store->unusable().isEmpty());
     EXPECT_EQ(store->kept.writes.size(), 0U);
 }
 

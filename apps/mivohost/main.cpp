@@ -36,6 +36,7 @@
 #include <QtWidgets/QPushButton>
 
 #include <cstdio>
+#include <map>
 #include <memory>
 #include <optional>
 
@@ -100,15 +101,13 @@ bool wantsCopy(const QString& path, const SqlitePersistence::Opened& opened)
 }
 
 /// Folders that the settings start with; each is made when something is to be put there.
-QVariantHash defaultFolders(const QDir& data)
+std::map<SettingsStore::Key, QVariant> defaultFolders(const QDir& data)
 {
-    QVariantHash folders;
-    for (const auto& [key, name] :
-         {std::pair("autoSavePath", "projectbackups"), std::pair("playLogPath", "playlog"),
-          std::pair("cachePath", "cache"), std::pair("sharePath", "sharedfolder")}) {
-        folders[key] = data.filePath(name);
-    }
-    return folders;
+    using Key = SettingsStore::Key;
+    return {{Key::autoSavePath, data.filePath(QStringLiteral("projectbackups"))},
+            {Key::playLogPath, data.filePath(QStringLiteral("playlog"))},
+            {Key::cachePath, data.filePath(QStringLiteral("cache"))},
+            {Key::sharePath, data.filePath(QStringLiteral("sharedfolder"))}};
 }
 
 /// The number that an option has, or 0 without the option. Nothing if it is another than `low` to
@@ -296,15 +295,14 @@ int run(const QCommandLineParser& arguments)
     }
     const QString copyError =
         printing ? QString() : runtime.call([&] { return opened.persistence->keepCopy(); });
-    const QVariantHash kept = runtime.call([&] { return opened.persistence->loadAll(); });
     auto store = runtime.call([&] {
         return std::make_unique<SettingsStore>(std::move(opened.persistence), defaultFolders(data));
     });
 
     int code = finished;
     if (printing) {
-        for (const auto& [key, value] : runtime.call([&store] { return store->all(); })) {
-            std::printf("%s=%s\n", qPrintable(key), qPrintable(value.toString()));
+        for (const auto& setting : runtime.call([&store] { return store->all(); })) {
+            std::printf("%s=%s\n", qPrintable(setting.name), qPrintable(setting.value.toString()));
         }
     } else {
         ProjectFile project(runtime, *store);
@@ -323,12 +321,7 @@ int run(const QCommandLineParser& arguments)
             window.showNotice(QLatin1String(fromCopy ? "StoreFromCopy" : "StorePutAside"),
                               fromCopy ? timeText(opened.copyTime) : aside);
         }
-        QStringList unusable;
-        for (const auto& [key, value] : runtime.call([&store] { return store->all(); })) {
-            if (kept.contains(key) && !store->isKept(key)) {
-                unusable.append(key);
-            }
-        }
+        const QStringList unusable = runtime.call([&store] { return store->unusable(); });
         if (!unusable.isEmpty()) {
             window.showNotice(QStringLiteral("SettingsNotUsed"),
                               unusable.join(QStringLiteral(", ")));

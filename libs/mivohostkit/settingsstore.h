@@ -3,14 +3,16 @@
 #include "mivohostapi/imivosettings.h"
 #include "mivohostapi/peripherals.h"
 #include "mivohostkit/export.h"
+#include "mivohostkit/listeningports.h"
 #include "mivohostkit/settingspersistence.h"
 #include "mivohostkit/soundcardmappings.h"
 
-#include <QtCore/QSet>
+#include <QtCore/QStringList>
 
-#include <array>
 #include <functional>
+#include <map>
 #include <memory>
+#include <set>
 #include <vector>
 
 namespace mivohost {
@@ -21,15 +23,102 @@ namespace mivohost {
 class MIVOHOSTKIT_EXPORT SettingsStore : public MivoSettings
 {
 public:
+    /// Every setting, under the name by which it is kept.
+    enum class Key {
+        undoStep,
+        autoSyncResources,
+        resourceType,
+        pictureDuration,
+        powerPointDuration,
+        osdDuration,
+        autoStart,
+        closeSoftWareMinimize,
+        autoStartDelayTime,
+        timedShutdown,
+        timedAutomaticRestart,
+        openRecentFiles,
+        openProjectFileDefaultPlay,
+        autoSaveProjectFiles,
+        autoSaveProjectFilesInterval,
+        autoSaveProjectFilesMaxNum,
+        autoSavePath,
+        notPromptForSave,
+        newProjResetOutput,
+        playLogStorageTimeType,
+        playLogPath,
+        cachePath,
+        sharePath,
+        blackScreenMute,
+        mfps,
+        efps,
+        fadeInTime,
+        fadeOutTime,
+        imageHierarchy,
+        graphicsCard,
+        displayTechnologyStandard,
+        dynamicRangeConfig,
+        tcpPort,
+        udpPort,
+        soundCardMappings,
+        language,
+        pptAutoplay,
+        pptAutoplayInterval,
+        pptPlayMode,
+        pptPresetsResolutionType,
+        pptResolutionWidth,
+        pptResolutionHeight,
+        canvasColor,
+        outputColor,
+        recentProjectFiles,
+        unsavedProject,
+        midiEnabled,
+        midiBindings,
+        dmx,
+        dmxBindings,
+        osc,
+        listenAddress,
+    };
+
+    /// Where a person finds a setting: a page of the dialog, or the host's own windows.
+    enum class Section {
+        general,
+        project,
+        fileInfo,
+        network,
+        audio,
+        display,
+        codec,
+        undo,
+        playControl,
+        presentation,
+        stage,
+        online,
+        host,
+    };
+
+    /// Whose a setting is where several machines play one show.
+    enum class Scope {
+        machine, ///< its start-up, timed actions, folders, ports, devices and language
+        show,    ///< the same on all of them
+    };
+
+    struct Entry
+    {
+        QString name; ///< under which it is kept
+        QVariant value;
+        Section section;
+        Scope scope;
+    };
+
     /// Takes why a value could not be kept, for a person to read.
     using FailureHandler = std::function<void(const QString& reason)>;
 
     /// Loads what was kept. Where that is no value of its setting, perhaps a later version's, the
     /// default holds, and what was kept stays there until the setting is set.
-    /// Without a persistence the settings live in memory, from their defaults on. `defaults` holds,
-    /// by key, what only the host knows.
+    /// Without a persistence the settings live in memory, from their defaults on. `defaults` holds
+    /// what only the host knows, such as its folders.
     explicit SettingsStore(std::unique_ptr<SettingsPersistence> persistence = nullptr,
-                           const QVariantHash& defaults = {});
+                           const std::map<Key, QVariant>& defaults = {});
     ~SettingsStore() override;
 
     /// What the operator decided about a timed action; the host carries it out.
@@ -39,83 +128,80 @@ public:
     /// Every program is to have these fades, in seconds; the host gives them.
     sigslot::signal<const double, const double> fadeTimesApplied;
 
-    void setUndoStep(int step) override { set("undoStep", step); }
-    void setAutoSyncResources(bool on) override { set("autoSyncResources", on); }
-    void setPictureDuration(int milliseconds) override { set("pictureDuration", milliseconds); }
+    void setUndoStep(int step) override { set(Key::undoStep, step); }
+    void setAutoSyncResources(bool on) override { set(Key::autoSyncResources, on); }
+    void setPictureDuration(int milliseconds) override { set(Key::pictureDuration, milliseconds); }
     void setPowerPointDuration(int milliseconds) override
     {
-        set("powerPointDuration", milliseconds);
+        set(Key::powerPointDuration, milliseconds);
     }
-    void setOSDDuration(int milliseconds) override { set("osdDuration", milliseconds); }
-    void setAutoStart(bool on) override { set("autoStart", on); }
-    void setCloseSoftWareMinimize(bool on) override { set("closeSoftWareMinimize", on); }
-    void setAutoStartDelayTime(int seconds) override { set("autoStartDelayTime", seconds); }
-    void setOpenRecentFiles(bool on) override { set("openRecentFiles", on); }
-    void setOpenProjectFileDefaultPlay(bool on) override { set("openProjectFileDefaultPlay", on); }
-    void setAutoSaveProjectFiles(bool on) override { set("autoSaveProjectFiles", on); }
+    void setOSDDuration(int milliseconds) override { set(Key::osdDuration, milliseconds); }
+    void setAutoStart(bool on) override { set(Key::autoStart, on); }
+    void setCloseSoftWareMinimize(bool on) override { set(Key::closeSoftWareMinimize, on); }
+    void setAutoStartDelayTime(int seconds) override { set(Key::autoStartDelayTime, seconds); }
+    void setOpenRecentFiles(bool on) override { set(Key::openRecentFiles, on); }
+    void setOpenProjectFileDefaultPlay(bool on) override
+    {
+        set(Key::openProjectFileDefaultPlay, on);
+    }
+    void setAutoSaveProjectFiles(bool on) override { set(Key::autoSaveProjectFiles, on); }
     void setAutoSaveProjectFilesInterval(int minutes) override
     {
-        set("autoSaveProjectFilesInterval", minutes);
+        set(Key::autoSaveProjectFilesInterval, minutes);
     }
     void setAutoSaveProjectFilesMaxNum(int saves) override
     {
-        set("autoSaveProjectFilesMaxNum", saves);
+        set(Key::autoSaveProjectFilesMaxNum, saves);
     }
-    void setAutoSavePath(const QString& folder) override { set("autoSavePath", folder); }
-    void setNotPromptForSave(bool on) override { set("notPromptForSave", on); }
-    void setNewProjResetOutput(bool on) override { set("newProjResetOutput", on); }
-    void setPlayLogStorageTimeType(int type) override { set("playLogStorageTimeType", type); }
-    void setPlayLogPath(const std::string& folder) override { set("playLogPath", stored(folder)); }
-    void setCachePath(const std::string& folder) override { set("cachePath", stored(folder)); }
-    void setSharePath(const std::string& folder) override { set("sharePath", stored(folder)); }
-    void setPPTAutoplay(bool on) override { set("pptAutoplay", on); }
+    void setAutoSavePath(const QString& folder) override { set(Key::autoSavePath, folder); }
+    void setNotPromptForSave(bool on) override { set(Key::notPromptForSave, on); }
+    void setNewProjResetOutput(bool on) override { set(Key::newProjResetOutput, on); }
+    void setPlayLogStorageTimeType(int type) override { set(Key::playLogStorageTimeType, type); }
+    void setPlayLogPath(const std::string& folder) override
+    {
+        set(Key::playLogPath, stored(folder));
+    }
+    void setCachePath(const std::string& folder) override { set(Key::cachePath, stored(folder)); }
+    void setSharePath(const std::string& folder) override { set(Key::sharePath, stored(folder)); }
+    void setPPTAutoplay(bool on) override { set(Key::pptAutoplay, on); }
     void setPPTAutoplayInterval(int milliseconds) override
     {
-        set("pptAutoplayInterval", milliseconds);
+        set(Key::pptAutoplayInterval, milliseconds);
     }
-    void setPPTPlayMode(int mode) override { set("pptPlayMode", mode); }
+    void setPPTPlayMode(int mode) override { set(Key::pptPlayMode, mode); }
     void setPPTPresetsResolutionType(int key) override;
-    void setPPTResolutionWidth(int pixels) override { set("pptResolutionWidth", pixels); }
-    void setPPTResolutionHeight(int pixels) override { set("pptResolutionHeight", pixels); }
-    void setCanvasColor(const std::string& color) override { set("canvasColor", stored(color)); }
-    void setOutputColor(const std::string& color) override { set("outputColor", stored(color)); }
-    void setTimedShutdownSettings(const STMivoTimedShutdownSettings& info) override
-    {
-        set("timedShutdown", stored(info));
-    }
-    void setTimedAutomaticRestartSettings(const STMivoTimedAutomaticRestartSettings& info) override
-    {
-        set("timedAutomaticRestart", stored(info));
-    }
+    void setPPTResolutionWidth(int pixels) override { set(Key::pptResolutionWidth, pixels); }
+    void setPPTResolutionHeight(int pixels) override { set(Key::pptResolutionHeight, pixels); }
+    void setCanvasColor(const std::string& color) override { set(Key::canvasColor, stored(color)); }
+    void setOutputColor(const std::string& color) override { set(Key::outputColor, stored(color)); }
+    void setTimedShutdownSettings(const STMivoTimedShutdownSettings& info) override;
+    void setTimedAutomaticRestartSettings(const STMivoTimedAutomaticRestartSettings& info) override;
 
-    void setBlackScreenMute(bool on) override { set("blackScreenMute", on); }
-    void setMFPS(bool on) override { set("mfps", on); }
-    void setEFPS(bool on) override { set("efps", on); }
-    void setFadeInTime(double seconds) override { set("fadeInTime", seconds); }
-    void setFadeOutTime(double seconds) override { set("fadeOutTime", seconds); }
+    void setBlackScreenMute(bool on) override { set(Key::blackScreenMute, on); }
+    void setMFPS(bool on) override { set(Key::mfps, on); }
+    void setEFPS(bool on) override { set(Key::efps, on); }
+    void setFadeInTime(double seconds) override { set(Key::fadeInTime, seconds); }
+    void setFadeOutTime(double seconds) override { set(Key::fadeOutTime, seconds); }
     void setImageHierarchy(mivo::PatchLevelPriority priority) override
     {
-        set("imageHierarchy", static_cast<int>(priority));
+        set(Key::imageHierarchy, static_cast<int>(priority));
     }
     void applyFadeTimes(double fadeIn, double fadeOut) override;
-    void setGraphicsCard(const std::string& name) override { set("graphicsCard", stored(name)); }
+    void setGraphicsCard(const std::string& name) override { set(Key::graphicsCard, stored(name)); }
     void setDisplayTechnologyStandard(const std::string& standard) override
     {
-        set("displayTechnologyStandard", stored(standard));
+        set(Key::displayTechnologyStandard, stored(standard));
     }
-    void setDynamicRangeConfig(const mivo::DynamicRangeConfig& config) override
-    {
-        set("dynamicRangeConfig", stored(config));
-    }
+    void setDynamicRangeConfig(const mivo::DynamicRangeConfig& config) override;
 
-    void setTcpPort(const STPortInfo& info) override { setPort(tcp, info); }
-    void setUdpPort(const STPortInfo& info) override { setPort(udp, info); }
+    void setTcpPort(const STPortInfo& info) override { setPort(ListeningPorts::tcp, info); }
+    void setUdpPort(const STPortInfo& info) override { setPort(ListeningPorts::udp, info); }
 
-    int getUndoStep() override { return value("undoStep").toInt(); }
-    bool getAutoSyncResources() override { return value("autoSyncResources").toBool(); }
-    int getPictureDuration() override { return value("pictureDuration").toInt(); }
-    int getPowerPointDuration() override { return value("powerPointDuration").toInt(); }
-    int getOSDDuration() override { return value("osdDuration").toInt(); }
+    int getUndoStep() override { return value(Key::undoStep).toInt(); }
+    bool getAutoSyncResources() override { return value(Key::autoSyncResources).toBool(); }
+    int getPictureDuration() override { return value(Key::pictureDuration).toInt(); }
+    int getPowerPointDuration() override { return value(Key::powerPointDuration).toInt(); }
+    int getOSDDuration() override { return value(Key::osdDuration).toInt(); }
     STResourceSettingsInfo getResourceSettings() override;
     STMivoAutoStartSettings getAutoStartSettings() override;
     STMivoTimedShutdownSettings getTimedShutdownSettings() override;
@@ -123,22 +209,28 @@ public:
     STProjectFileSettingsInfo getProjectFileSettings() override;
     STFileInfoSettings getFileInfoSettings() override;
     STPPTSysSettingsInfo getPPTSysSettings() override;
-    std::string getCanvasColor() override { return value("canvasColor").toString().toStdString(); }
-    std::string getOutputColor() override { return value("outputColor").toString().toStdString(); }
+    std::string getCanvasColor() override
+    {
+        return value(Key::canvasColor).toString().toStdString();
+    }
+    std::string getOutputColor() override
+    {
+        return value(Key::outputColor).toString().toStdString();
+    }
     STDisplayControlSettings getDisplayControlSettings() override;
-    double getFadeInTime() override { return value("fadeInTime").toDouble(); }
-    double getFadeOutTime() override { return value("fadeOutTime").toDouble(); }
+    double getFadeInTime() override { return value(Key::fadeInTime).toDouble(); }
+    double getFadeOutTime() override { return value(Key::fadeOutTime).toDouble(); }
     std::string getGraphicsCard() override
     {
-        return value("graphicsCard").toString().toStdString();
+        return value(Key::graphicsCard).toString().toStdString();
     }
     std::string getDisplayTechnologyStandard() override
     {
-        return value("displayTechnologyStandard").toString().toStdString();
+        return value(Key::displayTechnologyStandard).toString().toStdString();
     }
     mivo::DynamicRangeConfig getDynamicRangeConfig() override;
-    STPortInfo getTcpPort() override { return m_ports[tcp]; }
-    STPortInfo getUdpPort() override { return m_ports[udp]; }
+    STPortInfo getTcpPort() override { return m_ports.current(ListeningPorts::tcp); }
+    STPortInfo getUdpPort() override { return m_ports.current(ListeningPorts::udp); }
 
     void executeTimedShutdown(bool now) override { timedShutdownDecided(now); }
     void executeTimedAutomaticRestart(bool now) override { timedAutomaticRestartDecided(now); }
@@ -157,88 +249,76 @@ public:
 
     /// @{
     /// The host's own: "en", "zh_cn", or empty until the user has chosen.
-    void setLanguage(const QString& language) { set("language", language); }
-    QString getLanguage() const { return value("language").toString(); }
+    void setLanguage(const QString& language) { set(Key::language, language); }
+    QString getLanguage() const { return value(Key::language).toString(); }
     /// @}
 
     /// @{
     /// The host's own: paths of project files, one a line, the most recent first.
-    void setRecentProjectFiles(const QString& files) { set("recentProjectFiles", files); }
-    QString getRecentProjectFiles() const { return value("recentProjectFiles").toString(); }
+    void setRecentProjectFiles(const QString& files) { set(Key::recentProjectFiles, files); }
+    QString getRecentProjectFiles() const { return value(Key::recentProjectFiles).toString(); }
     /// @}
 
     /// @{
     /// The automatic save that holds the changes which the last end left unsaved; empty: none.
-    void setUnsavedProject(const QString& file) { set("unsavedProject", file); }
-    QString getUnsavedProject() const { return value("unsavedProject").toString(); }
+    void setUnsavedProject(const QString& file) { set(Key::unsavedProject, file); }
+    QString getUnsavedProject() const { return value(Key::unsavedProject).toString(); }
     /// @}
 
     /// @{
     /// The host's own: its inputs for controllers, and their bindings as the services keep them.
-    void setMidiEnabled(bool on) { set("midiEnabled", on); }
-    bool getMidiEnabled() const { return value("midiEnabled").toBool(); }
-    void setMidiBindings(const std::string& text) { set("midiBindings", stored(text)); }
-    std::string getMidiBindings() const { return value("midiBindings").toString().toStdString(); }
-    void setDmxInfo(const mivo::peripheralcontrol::SAddDMXInfo& info) { set("dmx", stored(info)); }
+    void setMidiEnabled(bool on) { set(Key::midiEnabled, on); }
+    bool getMidiEnabled() const { return value(Key::midiEnabled).toBool(); }
+    void setMidiBindings(const std::string& text) { set(Key::midiBindings, stored(text)); }
+    std::string getMidiBindings() const
+    {
+        return value(Key::midiBindings).toString().toStdString();
+    }
+    void setDmxInfo(const mivo::peripheralcontrol::SAddDMXInfo& info);
     mivo::peripheralcontrol::SAddDMXInfo getDmxInfo() const;
-    void setDmxBindings(const std::string& text) { set("dmxBindings", stored(text)); }
-    std::string getDmxBindings() const { return value("dmxBindings").toString().toStdString(); }
-    void setOscInfo(const mivo::peripheralcontrol::SAddOSCInfo& info) { set("osc", stored(info)); }
+    void setDmxBindings(const std::string& text) { set(Key::dmxBindings, stored(text)); }
+    std::string getDmxBindings() const { return value(Key::dmxBindings).toString().toStdString(); }
+    void setOscInfo(const mivo::peripheralcontrol::SAddOSCInfo& info);
     mivo::peripheralcontrol::SAddOSCInfo getOscInfo() const;
     /// @}
 
     /// @{
     /// Where OSC and DMX listen: an IPv4 address of this machine, or empty for all.
-    void setListenAddress(const QString& address) { set("listenAddress", address); }
-    QString getListenAddress() const { return value("listenAddress").toString(); }
+    void setListenAddress(const QString& address) { set(Key::listenAddress, address); }
+    QString getListenAddress() const { return value(Key::listenAddress).toString(); }
     /// @}
 
-    /// The two listening ports.
-    enum Port { tcp, udp };
-    /// Opens or closes a port as is requested, and answers by reportPort().
-    using PortHandler = std::function<void(Port port, const STPortInfo& wished)>;
-
-    /// Called on the runtime thread with each wish about a port, and once for each port that was
-    /// open when the program ended; is to answer by reportPort(). Without one, wishes come true.
-    void setPortHandler(PortHandler handler);
-
-    /// Has a wish about a port carried out.
-    void wishPort(Port port, const STPortInfo& wished);
-
-    /// What came of a wish: announced, and kept, but for a port that was open when the program
-    /// ended and could not be opened again. `reason` says why the port is not open.
-    void reportPort(Port port, const STPortInfo& info, const std::string& reason = {});
+    /// What the host opens and closes for setTcpPort() and setUdpPort().
+    ListeningPorts& ports() { return m_ports; }
 
     /// Called on the runtime thread when a value could not be kept. The store then goes on with the
     /// old value and announces it, so that no control shows what is not saved.
     void setFailureHandler(FailureHandler handler);
 
-    /// Whether a setting was read from what was kept, or has been set since; else it is a default.
-    bool isKept(const QString& key) const { return m_keptKeys.contains(key); }
+    /// Whether a setting was loaded, or has been set since; else its default holds.
+    bool isKept(Key key) const { return m_kept.count(key) != 0; }
 
-    /// Key and value of every setting, in the table's order.
-    std::vector<std::pair<QString, QVariant>> all() const;
+    /// Names of the settings whose kept value could not be used and has not been replaced since.
+    QStringList unusable() const;
+
+    std::vector<Entry> all() const;
 
 private:
     static QVariant stored(const std::string& text) { return QString::fromStdString(text); }
-    static QVariant stored(const STPortInfo& info);
-    static QVariant stored(const mivo::DynamicRangeConfig& config);
-    static QVariant stored(const STMivoTimedShutdownSettings& info);
-    static QVariant stored(const STMivoTimedAutomaticRestartSettings& info);
-    static QVariant stored(const mivo::peripheralcontrol::SAddDMXInfo& info);
-    static QVariant stored(const mivo::peripheralcontrol::SAddOSCInfo& info);
-    QVariant value(const char* key) const { return m_values.value(QLatin1String(key)); }
-    void set(const char* key, const QVariant& wanted);
-    void setPort(Port port, const STPortInfo& wished);
+    QVariant value(Key key) const { return m_values.at(key); }
+    void set(Key key, const QVariant& wanted);
+    void setPort(ListeningPorts::Port port, const STPortInfo& requested);
+
+    /// Writes a value and takes it over, or tells that it could not be written.
+    void keep(Key key, const QVariant& value);
 
     std::unique_ptr<SettingsPersistence> m_persistence;
     SoundCardMappings m_soundCards;
-    QVariantHash m_values;
-    QSet<QString> m_keptKeys;
+    ListeningPorts m_ports;
+    std::map<Key, QVariant> m_values;
+    std::set<Key> m_kept;
+    std::set<Key> m_unusable;
     FailureHandler m_failure;
-    PortHandler m_portHandler;
-    std::array<STPortInfo, 2> m_ports; // as they are, not as they are wished
-    std::array<bool, 2> m_reopening{}; // as they were when the program ended
 };
 
 } // namespace mivohost

@@ -55,9 +55,9 @@ public:
 
     QVariant held(const QString& key) const
     {
-        for (const auto& [name, value] : all()) {
-            if (name == key) {
-                return value;
+        for (const Entry& entry : all()) {
+            if (entry.name == key) {
+                return entry.value;
             }
         }
         return {};

@@ -152,7 +152,7 @@ QString Autostart::entryPath()
 
 void Autostart::apply()
 {
-    if (!m_store.isKept("autoStart")) {
+    if (!m_store.isKept(SettingsStore::Key::autoStart)) {
         return; // nobody has set it, or the store was lost: what is there may be wanted
     }
     const STMivoAutoStartSettings settings = m_store.getAutoStartSettings();

@@ -28,33 +28,33 @@ Listener::Listener(RuntimeThread& runtime, SettingsStore& store)
         }
     });
     m_runtime.call([this] {
-        m_store.setPortHandler([this](SettingsStore::Port port, const STPortInfo& wished) {
+        m_store.ports().setHandler([this](ListeningPorts::Port port, const STPortInfo& requested) {
             QMetaObject::invokeMethod(
-                this, [this, port, wished] { carryOut(port, wished); }, Qt::QueuedConnection);
+                this, [this, port, requested] { carryOut(port, requested); }, Qt::QueuedConnection);
         });
     });
 }
 
 Listener::~Listener()
 {
-    m_runtime.call([this] { m_store.setPortHandler(nullptr); });
+    m_runtime.call([this] { m_store.ports().setHandler(nullptr); });
 }
 
-void Listener::carryOut(SettingsStore::Port port, const STPortInfo& wished)
+void Listener::carryOut(ListeningPorts::Port port, const STPortInfo& requested)
 {
-    const bool isTcp = port == SettingsStore::tcp;
+    const bool isTcp = port == ListeningPorts::tcp;
     m_tcp->setProxy(QNetworkProxy::NoProxy);
     isTcp ? m_tcp->close() : m_udp->close();
-    STPortInfo result = wished;
+    STPortInfo result = requested;
     QString reason;
-    if (wished.open && wished.port == 0) {
+    if (requested.open && requested.port == 0) {
         // The system would choose one that nobody knows.
         reason = reasonText(QStringLiteral("0 is no port"));
         result.open = false;
-    } else if (wished.open) {
-        result.open =
-            isTcp ? m_tcp->listen(QHostAddress::Any, wished.port)
-                  : m_udp->bind(QHostAddress::Any, wished.port, QAbstractSocket::DontShareAddress);
+    } else if (requested.open) {
+        result.open = isTcp ? m_tcp->listen(QHostAddress::Any, requested.port)
+                            : m_udp->bind(QHostAddress::Any, requested.port,
+                                          QAbstractSocket::DontShareAddress);
         if (!result.open) {
             reason = isTcp ? m_tcp->errorString() : m_udp->errorString();
         }
@@ -63,7 +63,7 @@ void Listener::carryOut(SettingsStore::Port port, const STPortInfo& wished)
         hostLog()->info("{} port {} is open", isTcp ? "TCP" : "UDP", result.port);
     }
     m_runtime.post([this, port, result,
-                    text = reason.toStdString()] { m_store.reportPort(port, result, text); },
+                    text = reason.toStdString()] { m_store.ports().report(port, result, text); },
                    __FILE__, __LINE__, "carryOut");
 }
 

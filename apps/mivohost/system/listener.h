@@ -13,7 +13,7 @@ namespace mivohost {
 
 class RuntimeThread;
 
-/// Opens and closes the listening ports as the store wishes, and tells it what came of it. What
+/// Opens and closes the listening ports as the store requests, and reports the results. What
 /// arrives is read and dropped: the ports belong to the host's remote control, which is not here.
 ///
 /// GUI thread; `runtime` and `store` must outlive it.
@@ -26,7 +26,7 @@ public:
     ~Listener() override;
 
 private:
-    void carryOut(SettingsStore::Port port, const STPortInfo& wished);
+    void carryOut(ListeningPorts::Port port, const STPortInfo& requested);
 
     RuntimeThread& m_runtime;
     SettingsStore& m_store;
