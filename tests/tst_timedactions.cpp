@@ -3,16 +3,11 @@
 #include "mivohostkit/runtimethread.h"
 #include "system/power.h"
 
-#include "support/logcapture.h"
-#include "support/teststore.h"
+#include "support/files.h"
+#include "support/test.h"
 
-#include <gtest/gtest.h>
-
-#include <QtCore/QDir>
-#include <QtCore/QFile>
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QTimeZone>
-#include <QtTest/QTest>
 
 namespace timedactionstest {
 
@@ -48,109 +43,85 @@ Schedule yearly(int month, int day, const char* time)
 
 TEST(DeadlineWatch, FindsADeadlineOnceWhateverTheClockDoes)
 {
-    struct Case
-    {
-        const char* label;
-        std::vector<QString> looks; // each with what is found then
-        Schedule schedule = daily("12:00:00");
+    const Schedule noon = daily("12:00:00");
+    // A label, and each look with what is found then; without a day, on the day of the one before.
+    const std::pair<Schedule, QString> cases[]{
+        {noon, "ticking: 2026-05-04 11:59:59; 12:00:00 -> due; 12:00:01; 2026-05-05 11:59:59; "
+               "12:00:00 -> due"},
+        {noon, "started a moment after it: 2026-05-04 12:00:00; 12:00:01"},
+        {noon, "asleep to the edge of the grace: 2026-05-04 10:00:00; 12:01:00 -> due"},
+        {noon, "asleep a second longer: 2026-05-04 10:00:00; 12:01:01 -> missed; 2026-05-05 "
+               "12:00:00 -> due"},
+        {daily("23:59:59"),
+         "asleep over midnight: 2026-05-04 23:59:50; 2026-05-05 00:00:30 -> due"},
+        {noon, "asleep for days, only the last one counts: 2026-05-01 11:00:00; 2026-05-04 "
+               "12:00:20 -> due"},
+        {noon, "a clock that starts in 1970: 1970-01-01 00:00:00; 2026-05-04 11:00:00 -> missed; "
+               "12:00:00 -> due"},
+        {noon, "set back by two days, the days between have their own: 2026-05-04 11:59:59; "
+               "12:00:00 -> due; 2026-05-02 11:59:59; 12:00:00 -> due; 2026-05-03 12:00:00 -> due; "
+               "2026-05-04 12:00:00"},
+        {daily("02:30:00"), "the hour that is left out: 2026-03-29 00:59:59Z; 01:00:00Z -> due; "
+                            "01:30:00Z; 2026-03-30 00:29:59Z; 00:30:00Z -> due"},
+        {daily("03:30:00"),
+         "after the hour that is left out: 2026-03-29 00:59:59Z; 01:29:59Z; 01:30:00Z -> due"},
+        {daily("02:30:00"),
+         "the hour that comes twice: 2026-10-25 00:29:59Z; 00:30:00Z -> due; 01:30:00Z"},
+        {noon, "a zone further east, over it: 2026-05-04 15:00:00Z America/New_York; 15:00:01Z -> "
+               "missed; 2026-05-05 10:00:00Z -> due"},
+        {noon, "a zone further west, before it again: 2026-05-04 09:59:59Z; 10:00:00Z -> due; "
+               "10:00:01Z America/New_York; 16:00:00Z America/New_York"},
+        {noon, "woken in a zone further west, just after it: 2026-05-04 15:59:50Z; 16:00:10Z "
+               "America/New_York -> due"},
+        {daily("12:00:00", 2), "of a Tuesday, from the Monday on: 2026-05-04 11:59:59; 12:00:00; "
+                               "2026-05-05 12:00:00 -> due"},
+        {daily("00:00:00", 7), "Sunday is 7: 2026-05-09 23:59:59; 2026-05-10 00:00:00 -> due"},
+        {yearly(0, 31, "12:00:00"), "day 31 of every month: 2026-04-30 11:59:59; 2026-05-01 "
+                                    "12:00:00; 2026-05-31 12:00:00 -> due"},
+        {yearly(2, 0, "12:00:00"),
+         "every day of February: 2026-02-28 11:59:59; 12:00:00 -> due; 2026-03-01 12:00:00"},
+        {yearly(2, 29, "12:00:00"),
+         "29 February: 2027-02-28 11:59:59; 2027-03-01 12:00:00; 2028-02-29 12:00:00 -> due"},
+        {Schedule(STMivoTimedShutdownSettings{false, 0, "12:00:00"}),
+         "switched off: 2026-05-04 11:59:59; 12:00:00"},
     };
-    const std::vector<Case> cases{
-        {"ticking",
-         {"2026-05-04 11:59:59", "2026-05-04 12:00:00 -> due", "2026-05-04 12:00:01",
-          "2026-05-05 11:59:59", "2026-05-05 12:00:00 -> due"}},
-        {"started a moment after it", {"2026-05-04 12:00:00", "2026-05-04 12:00:01"}},
-        {"asleep to the edge of the grace", {"2026-05-04 10:00:00", "2026-05-04 12:01:00 -> due"}},
-        {"asleep a second longer", {"2026-05-04 10:00:00", "2026-05-04 12:01:01 -> missed"}},
-        {"asleep for 2 h",
-         {"2026-05-04 11:00:00", "2026-05-04 13:00:00 -> missed", "2026-05-04 13:00:01",
-          "2026-05-05 12:00:00 -> due"}},
-        {"asleep over midnight",
-         {"2026-05-04 23:59:50", "2026-05-05 00:00:30 -> due"},
-         daily("23:59:59")},
-        {"asleep for days: only the last one counts",
-         {"2026-05-01 11:00:00", "2026-05-04 12:00:20 -> due"}},
-        {"a clock that starts in 1970",
-         {"1970-01-01 00:00:00", "2026-05-04 11:00:00 -> missed", "2026-05-04 12:00:00 -> due"}},
-        {"set back over it",
-         {"2026-05-04 11:59:59", "2026-05-04 12:00:00 -> due", "2026-05-04 11:30:00",
-          "2026-05-04 12:00:00", "2026-05-05 12:00:00 -> due"}},
-        {"set back by two days: the days between have their own",
-         {"2026-05-04 11:59:59", "2026-05-04 12:00:00 -> due", "2026-05-02 11:59:59",
-          "2026-05-02 12:00:00 -> due", "2026-05-03 12:00:00 -> due", "2026-05-04 12:00:00"}},
-        {"the hour that is left out",
-         {"2026-03-29 00:59:59Z", "2026-03-29 01:00:00Z -> due", "2026-03-29 01:30:00Z",
-          "2026-03-30 00:29:59Z", "2026-03-30 00:30:00Z -> due"},
-         daily("02:30:00")},
-        {"after the hour that is left out",
-         {"2026-03-29 00:59:59Z", "2026-03-29 01:00:00Z", "2026-03-29 01:29:59Z",
-          "2026-03-29 01:30:00Z -> due"},
-         daily("03:30:00")},
-        {"asleep through the hour that is left out",
-         {"2026-03-29 00:00:00Z", "2026-03-29 02:00:00Z -> missed"},
-         daily("02:30:00")},
-        {"the hour that comes twice",
-         {"2026-10-25 00:29:59Z", "2026-10-25 00:30:00Z -> due", "2026-10-25 00:59:59Z",
-          "2026-10-25 01:00:00Z", "2026-10-25 01:30:00Z"},
-         daily("02:30:00")},
-        {"a zone further east, over it",
-         {"2026-05-04 15:00:00Z America/New_York", "2026-05-04 15:00:01Z -> missed",
-          "2026-05-05 10:00:00Z -> due"}},
-        {"a zone further west, before it again",
-         {"2026-05-04 09:59:59Z", "2026-05-04 10:00:00Z -> due",
-          "2026-05-04 10:00:01Z America/New_York", "2026-05-04 16:00:00Z America/New_York"}},
-        {"woken in a zone further west, just after it",
-         {"2026-05-04 15:59:50Z", "2026-05-04 16:00:10Z America/New_York -> due"}},
-        {"of a Tuesday, from the Monday on",
-         {"2026-05-04 11:59:59", "2026-05-04 12:00:00", "2026-05-05 12:00:00 -> due"},
-         daily("12:00:00", 2)},
-        {"Sunday is 7",
-         {"2026-05-09 23:59:59", "2026-05-10 00:00:00 -> due"},
-         daily("00:00:00", 7)},
-        {"day 31 of every month",
-         {"2026-04-30 11:59:59", "2026-04-30 12:00:00", "2026-05-01 12:00:00",
-          "2026-05-31 12:00:00 -> due"},
-         yearly(0, 31, "12:00:00")},
-        {"every day of February",
-         {"2026-02-28 11:59:59", "2026-02-28 12:00:00 -> due", "2026-03-01 12:00:00"},
-         yearly(2, 0, "12:00:00")},
-        {"29 February",
-         {"2027-02-28 11:59:59", "2027-03-01 12:00:00", "2028-02-29 11:59:59",
-          "2028-02-29 12:00:00 -> due"},
-         yearly(2, 29, "12:00:00")},
-        {"switched off",
-         {"2026-05-04 11:59:59", "2026-05-04 12:00:00"},
-         Schedule(STMivoTimedShutdownSettings{false, 0, "12:00:00"})},
-    };
-    for (const Case& test : cases) {
+    for (const auto& [schedule, text] : cases) {
         DeadlineWatch watch;
-        for (const QString& look : test.looks) {
-            const auto found = watch.look(at(look.section(" -> ", 0, 0)), test.schedule);
+        QString day;
+        for (QString look : text.section(": ", 1).split("; ")) {
+            day = look[4] == '-' ? look.left(11) : day;
+            look = look[4] == '-' ? look : day + look;
+            const auto found = watch.look(at(look.section(" -> ", 0, 0)), schedule);
             const QString told = found ? (found->due ? "due" : "missed") : "";
-            EXPECT_EQ(told, look.section(" -> ", 1)) << test.label << ", " << look.toStdString();
+            EXPECT_EQ(told, look.section(" -> ", 1))
+                << text.toStdString() << " at " << look.toStdString();
         }
     }
 }
 
 TEST(DeadlineWatch, AnEditedScheduleCountsFromTheEditOn)
 {
-    DeadlineWatch watch;
     const Schedule off(STMivoTimedShutdownSettings{false, 0, "12:00:05"});
-    watch.look(at("2026-05-04 12:00:00"), daily("18:00:00"));
-    EXPECT_FALSE(watch.look(at("2026-05-04 12:00:02"), daily("12:00:01"))) << "has just passed";
-    EXPECT_FALSE(watch.look(at("2026-05-04 12:00:03"), daily("12:00:01")));
-    EXPECT_FALSE(watch.look(at("2026-05-04 12:00:04"), daily("12:00:05")));
-    EXPECT_TRUE(watch.look(at("2026-05-04 12:00:05"), daily("12:00:05")));
-    EXPECT_FALSE(watch.look(at("2026-05-04 12:00:06"), off));
-    EXPECT_FALSE(watch.look(at("2026-05-04 12:00:03"), daily("12:00:05")));
-    EXPECT_FALSE(watch.look(at("2026-05-04 12:00:05"), daily("12:00:05"))) << "was due before";
-    EXPECT_TRUE(watch.look(at("2026-05-05 12:00:05"), daily("12:00:05")));
-    // Another field, in the second of the deadline: 12 May is a Tuesday.
-    watch.look(at("2026-05-12 12:00:04"), daily("12:00:05"));
-    EXPECT_TRUE(watch.look(at("2026-05-12 12:00:05"), daily("12:00:05", 2)));
-    watch.look(at("2026-05-19 12:00:04"), daily("12:00:05", 2));
-    EXPECT_FALSE(watch.look(at("2026-05-19 12:00:05"), daily("12:00:05", 3)));
-    watch.look(at("2026-05-20 12:00:04"), off);
-    EXPECT_FALSE(watch.look(at("2026-05-20 12:00:05"), daily("12:00:05")));
+    DeadlineWatch watch;
+    for (const auto& [now, schedule, found] :
+         {std::tuple("2026-05-04 12:00:00", daily("18:00:00"), false),
+          {"2026-05-04 12:00:02", daily("12:00:01"), false}, // has just passed
+          {"2026-05-04 12:00:03", daily("12:00:01"), false},
+          {"2026-05-04 12:00:04", daily("12:00:05"), false},
+          {"2026-05-04 12:00:05", daily("12:00:05"), true},
+          {"2026-05-04 12:00:06", off, false},
+          {"2026-05-04 12:00:03", daily("12:00:05"), false},
+          {"2026-05-04 12:00:05", daily("12:00:05"), false}, // was due before
+          {"2026-05-05 12:00:05", daily("12:00:05"), true},
+          // Another field, in the second of the deadline: 12 May is a Tuesday.
+          {"2026-05-12 12:00:04", daily("12:00:05"), true}, // of the 11th, missed
+          {"2026-05-12 12:00:05", daily("12:00:05", 2), true},
+          {"2026-05-19 12:00:04", daily("12:00:05", 2), false},
+          {"2026-05-19 12:00:05", daily("12:00:05", 3), false},
+          {"2026-05-20 12:00:04", off, false},
+          {"2026-05-20 12:00:05", daily("12:00:05"), false}}) {
+        EXPECT_EQ(watch.look(at(now), schedule).has_value(), found) << now;
+    }
 }
 
 namespace {
@@ -291,21 +262,17 @@ TEST(Power, GoesToTheSystemOnlyWhenAllowed)
     EXPECT_TRUE(QTest::qWaitFor([&] { return failures.size() == 1; })) << "no such program";
 
     const QString said = folder.filePath("said");
-    QFile program(folder.filePath("systemctl"));
-    ASSERT_TRUE(program.open(QIODevice::WriteOnly));
-    program.write("#!/bin/sh\necho $1 >> '" + said.toUtf8()
-                  + "'\n[ $1 = reboot ] || { echo denied >&2; exit 1; }\n");
-    program.close();
-    program.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    const QString program = folder.filePath("systemctl");
+    writeFile(program, "#!/bin/sh\necho $1 >> '" + said.toUtf8()
+                           + "'\n[ $1 = reboot ] || { echo denied >&2; exit 1; }\n");
+    QFile::setPermissions(program, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     carry(PowerAction::shutdown, true);
     EXPECT_TRUE(QTest::qWaitFor([&] { return failures.size() == 2; }));
     EXPECT_EQ(failures.last(), "denied");
     carry(PowerAction::restart, true);
     EXPECT_TRUE(QTest::qWaitFor([&] { return context.children().isEmpty(); }));
     EXPECT_EQ(failures.size(), 2);
-    QFile lines(said);
-    ASSERT_TRUE(lines.open(QIODevice::ReadOnly));
-    EXPECT_EQ(lines.readAll(), "poweroff\nreboot\n");
+    EXPECT_EQ(readFile(said), "poweroff\nreboot\n");
     qputenv("PATH", path);
 }
 
