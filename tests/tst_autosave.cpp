@@ -2,11 +2,6 @@
 
 #include "support/projecttest.h"
 
-#include <gtest/gtest.h>
-
-#include <QtCore/QDateTime>
-#include <QtTest/QTest>
-
 namespace projecttest {
 
 namespace {
@@ -151,21 +146,15 @@ TEST_F(AutoSaveTest, AFolderThatFailsIsToldEachTimeAndLosesNothing)
 TEST_F(AutoSaveTest, TicksAsTheSettingsSay)
 {
     const auto* tick = autoSave->findChild<QTimer*>();
-    const auto set = [&](bool on, int minutes) {
-        runtime.call([&] {
+    for (const auto& [on, minutes] : {std::pair(false, 7), {true, 30}, {true, 1}, {false, 1}}) {
+        runtime.call([&, on = on, minutes = minutes] {
             store->setAutoSaveProjectFilesInterval(minutes);
             store->setAutoSaveProjectFiles(on);
         });
         QCoreApplication::processEvents();
-    };
-    EXPECT_FALSE(tick->isActive());
-    set(true, 30);
-    EXPECT_TRUE(tick->isActive());
-    EXPECT_EQ(tick->interval(), 30 * 60 * 1000);
-    set(true, 1);
-    EXPECT_EQ(tick->interval(), 60 * 1000);
-    set(false, 1);
-    EXPECT_FALSE(tick->isActive());
+        EXPECT_EQ(tick->isActive(), on);
+        EXPECT_TRUE(!on || tick->interval() == minutes * 60 * 1000);
+    }
 }
 
 } // namespace projecttest

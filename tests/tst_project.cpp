@@ -1,10 +1,5 @@
 #include "support/projecttest.h"
 
-#include <gtest/gtest.h>
-
-#include <QtCore/QFileInfo>
-#include <QtTest/QTest>
-
 #include <sys/stat.h>
 
 namespace projecttest {

@@ -4,74 +4,55 @@
 #include <mivosettingswidgets/isettingbox.h>
 
 #include <QtCore/QDeadlineTimer>
+#include <QtCore/QFile>
 #include <QtCore/QTimer>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QComboBox>
-#include <QtWidgets/QDialog>
 #include <QtWidgets/QDoubleSpinBox>
 
 namespace {
 
-template <typename Condition>
-bool comesTrue(Condition condition)
+/// Whether the first number of the page becomes `value`.
+bool becomes(const mivo::settings::ISettingBox* page, double value)
 {
     const QDeadlineTimer deadline(10000);
-    while (!condition() && !deadline.hasExpired()) {
+    const auto* number = page->findChild<QDoubleSpinBox*>();
+    while (number->value() != value && !deadline.hasExpired()) {
         QApplication::processEvents(QEventLoop::AllEvents, 10);
     }
-    return condition();
-}
-
-mivo::settings::ISettingBox* findPage(const QString& title)
-{
-    for (QWidget* window : QApplication::topLevelWidgets()) {
-        for (auto* page : window->findChildren<mivo::settings::ISettingBox*>()) {
-            if (page->title() == title) {
-                return page;
-            }
-        }
-    }
-    return nullptr;
-}
-
-/// The store corrects what is beyond its range, and the page shows what it holds then.
-bool showsCorrected(QWidget* page)
-{
-    auto* rate = page->findChild<QDoubleSpinBox*>();
-    const bool loaded = comesTrue([rate] { return rate->value() == 25; });
-    rate->setValue(500);
-    Q_EMIT rate->editingFinished();
-    return loaded && comesTrue([rate] { return rate->value() == 60; });
-}
-
-/// The store has the size follow the preset that is chosen.
-bool showsFollowing(QWidget* page)
-{
-    auto* presets = page->findChild<QComboBox*>();
-    auto* width = page->findChild<QDoubleSpinBox*>();
-    const bool loaded = comesTrue([width] { return width->value() == 1920; });
-    presets->setCurrentIndex(presets->currentIndex() + 1);
-    return loaded && comesTrue([width] { return width->value() != 1920; });
+    return number->value() == value;
 }
 
 bool isAsExpected()
 {
     const bool chinese = QCoreApplication::arguments().value(1) == "zh_cn";
-    if (auto* own = findPage(chinese ? "预览" : "Preview")) {
-        return showsCorrected(own);
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        for (auto* page : window->findChildren<mivo::settings::ISettingBox*>()) {
+            const QString title = page->title();
+            if (title == (chinese ? "预览" : "Preview")) {
+                // The store corrects what is beyond its range, and the page shows what it holds.
+                auto* rate = page->findChild<QDoubleSpinBox*>();
+                const bool loaded = becomes(page, 25);
+                rate->setValue(500);
+                Q_EMIT rate->editingFinished();
+                return loaded && becomes(page, 60);
+            }
+            if (title == (chinese ? "幻灯片放映" : "Slide shows")) {
+                // The store has the size follow the preset that is chosen.
+                auto* presets = page->findChild<QComboBox*>();
+                const bool loaded = becomes(page, 1920);
+                presets->setCurrentIndex(presets->currentIndex() + 1);
+                return loaded && becomes(page, 800) && !qApp->styleSheet().isEmpty()
+                       && QFile::exists(":/mivo/style/icons/check.svg");
+            }
+        }
     }
-    auto* slideShows = findPage(chinese ? "幻灯片放映" : "Slide shows");
-    return slideShows != nullptr && showsFollowing(slideShows);
-}
-
-void operate()
-{
-    QCoreApplication::exit(isAsExpected() ? 0 : 1);
+    return false;
 }
 
 void startOperating()
 {
-    QTimer::singleShot(0, qApp, operate);
+    QTimer::singleShot(0, qApp, [] { QCoreApplication::exit(isAsExpected() ? 0 : 1); });
 }
 
 } // namespace

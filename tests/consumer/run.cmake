@@ -24,11 +24,10 @@ run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${work}/prefix)
 run(${CMAKE_COMMAND} -S ${SOURCE} -B ${work}/build -G ${GENERATOR} -DCMAKE_CXX_COMPILER=${CXX}
     -DCMAKE_CXX_FLAGS=${FLAGS} -DCMAKE_PREFIX_PATH=${work}/prefix)
 run(${CMAKE_COMMAND} --build ${work}/build)
-run(${CMAKE_COMMAND} -E env QT_QPA_PLATFORM=offscreen ${work}/build/consumer)
+set(ENV{QT_QPA_PLATFORM} offscreen)
 foreach(language en zh_cn)
     foreach(example minimal ownpage)
-        run(${CMAKE_COMMAND} -E env QT_QPA_PLATFORM=offscreen ${work}/build/${example}/${example}
-            ${language})
+        run(${work}/build/${example}/${example} ${language})
     endforeach()
 endforeach()
 
@@ -37,10 +36,11 @@ set(ENV{PKG_CONFIG_PATH} ${work}/prefix/${LIBDIR}/pkgconfig)
 execute_process(COMMAND pkg-config --cflags --libs mivosettingswidgets OUTPUT_VARIABLE package
                 OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
 separate_arguments(package UNIX_COMMAND "${package}")
-set(compile ${CXX} -std=c++17 -fPIC ${FLAGS} ${SOURCE}/main.cpp -o ${work}/byhand)
+set(compile ${CXX} -std=c++17 -fPIC ${FLAGS} ${SOURCE}/../../examples/minimal/main.cpp
+            ${SOURCE}/operate.cpp -o ${work}/byhand)
 run(${compile} ${package})
-run(${CMAKE_COMMAND} -E env QT_QPA_PLATFORM=offscreen LD_LIBRARY_PATH=${work}/prefix/${LIBDIR}
-    ${work}/byhand)
+set(ENV{LD_LIBRARY_PATH} ${work}/prefix/${LIBDIR})
+run(${work}/byhand en)
 
 if(SIGNALS STREQUAL "Boost")
     set(other ${SOURCE}/othersignals)

@@ -1,14 +1,11 @@
 #pragma once
 
+#include "project/project.h"
 #include "store/sqlitepersistence.h"
 
 #include "support/files.h"
 
-#include <gtest/gtest.h>
-
-#include <QtCore/QDir>
 #include <QtCore/QDirIterator>
-#include <QtCore/QFileInfo>
 #include <QtCore/QTemporaryDir>
 
 #include <sched.h>
@@ -17,18 +14,26 @@
 using mivohost::SqlitePersistence;
 
 /// The files of a user who has worked with the program: 80 undo steps in the last good copy of the
-/// settings, 81 in the settings.
+/// settings, 81 in the settings, and a project, which the program opens.
 class Home
 {
 public:
-    explicit Home(const QString& path) : m_path(path)
+    explicit Home(const QString& path) : Home(path, path + "/works") {}
+
+    /// With the project and the shortcuts in a folder `works`.
+    Home(const QString& path, const QString& works) : m_path(path), m_works(works)
     {
-        QDir().mkpath(QFileInfo(shortcuts()).path());
+        QDir().mkpath(m_path + "/data/mivo");
+        QDir().mkpath(m_works);
+        EXPECT_TRUE(QFile::link(m_works, m_path + "/data/mivo/mivohost_Display"));
         auto opened = SqlitePersistence::open(store());
         EXPECT_TRUE(opened.persistence) << opened.error.toStdString();
         EXPECT_TRUE(opened.persistence->write("undoStep", 80));
+        EXPECT_TRUE(opened.persistence->write("openRecentFiles", 1));
+        EXPECT_TRUE(opened.persistence->write("recentProjectFiles", project()));
         EXPECT_EQ(opened.persistence->keepCopy(), "");
         EXPECT_TRUE(opened.persistence->write("undoStep", 81));
+        writeFile(project(), mivohost::projectToJson({{{"Group", {{1, "One"}}}}, {}, -1}));
         writeFile(shortcuts(), R"({"shortcut_info_list": []})");
         writeFile(data("mivohost.log"), "yesterday\n");
     }
@@ -37,7 +42,8 @@ public:
     QString data(const QString& name) const { return m_path + "/data/mivo/mivohost/" + name; }
     QString store() const { return data("settings.sqlite"); }
     QString copy() const { return store() + ".copy-1"; }
-    QString shortcuts() const { return m_path + "/data/mivo/mivohost_Display/shortcut.json"; }
+    QString shortcuts() const { return m_works + "/shortcut.json"; }
+    QString project() const { return m_works + "/show.mivo"; }
 
     /// Content of every file but the log and the locks.
     QMap<QString, QByteArray> files() const
@@ -60,8 +66,17 @@ public:
         return opened.persistence ? opened.persistence->loadAll().value("undoStep") : QVariant();
     }
 
+    /// The program that the project on the disk was last played with.
+    qint64 lastPlayed() const
+    {
+        QString error;
+        const auto project = mivohost::projectFromJson(readFile(this->project()), error);
+        return project ? project->lastPlayed : -2;
+    }
+
 private:
     QString m_path;
+    QString m_works;
 };
 
 /// A disk of its own for each test, where the system permits it.
@@ -83,10 +98,10 @@ public:
 
     bool isMounted() const { return m_mounted; }
     QByteArray path() const { return m_folder.path().toUtf8(); }
-    void makeReadOnly() const
+    void setReadOnly(bool on) const
     {
-        ASSERT_EQ(::mount("tmpfs", path().constData(), "tmpfs", MS_REMOUNT | MS_RDONLY, nullptr),
-                  0);
+        const unsigned long flags = MS_REMOUNT | (on ? MS_RDONLY : 0);
+        ASSERT_EQ(::mount("tmpfs", path().constData(), "tmpfs", flags, nullptr), 0);
     }
     void fill() const
     {

@@ -1,20 +1,14 @@
 #include "support/program.h"
 
-#include "support/testruntime.h"
-#include "support/teststore.h"
+#include "support/test.h"
 
 #include "surface/settingsview.h"
 
 #include <mivosettingswidgets/settingsdialog.h>
 #include <mivosettingswidgets/undosettingbox.h>
-#include <mivowidgets/spineditbox.h>
-
-#include <gtest/gtest.h>
 
 #include <QtCore/QElapsedTimer>
 #include <QtNetwork/QTcpServer>
-#include <QtTest/QTest>
-#include <QtWidgets/QApplication>
 
 #include <csignal>
 
@@ -76,20 +70,24 @@ void Program::reachUndoSteps()
     }
 }
 
-bool Program::says(const QByteArray& text, int most)
+bool Program::hasSaid(const QByteArray& text, int most)
 {
     QElapsedTimer elapsed;
     elapsed.start();
-    while (!m_said.contains(text) && elapsed.elapsed() < most
+    while (!output().contains(text) && elapsed.elapsed() < most
            && (m_process.state() != QProcess::NotRunning || m_process.bytesAvailable() > 0)) {
         m_process.waitForReadyRead(200);
-        m_said += m_process.readAll();
     }
-    const auto at = m_said.indexOf(text);
-    if (at >= 0) {
-        m_said.remove(0, at + text.size());
+    return m_said.contains(text);
+}
+
+bool Program::says(const QByteArray& text, int most)
+{
+    const bool said = hasSaid(text, most);
+    if (said) {
+        m_said.remove(0, m_said.indexOf(text) + text.size());
     }
-    return at >= 0;
+    return said;
 }
 
 void Program::signal(int number)

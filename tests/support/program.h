@@ -25,9 +25,12 @@ public:
     /// Waits until the program has said `text`, from where the last call left off; `most` in ms.
     bool says(const QByteArray& text, int most = 20000);
 
+    /// Whether it says or has said `text`, in the part that no call of says() has passed.
+    bool hasSaid(const QByteArray& text, int most = 20000);
+
     bool ends() { return m_process.waitForFinished(20000); }
     int exitCode() const { return m_process.exitCode(); }
-    QByteArray output() { return m_said + m_process.readAll(); }
+    QByteArray output() { return m_said += m_process.readAll(); }
     qint64 id() const { return m_process.processId(); }
 
     /// Sends a signal, by default one that ends it at once, and waits for the end.

@@ -6,18 +6,12 @@
 
 #include "support/ended.h"
 #include "support/files.h"
-#include "support/logcapture.h"
-#include "support/teststore.h"
+#include "support/fulldisk.h"
+#include "support/test.h"
 
-#include <QtCore/QDir>
 #include <QtCore/QTemporaryDir>
-#include <QtTest/QSignalSpy>
 
-#include <algorithm>
-#include <csignal>
 #include <future>
-#include <sys/resource.h>
-#include <utility>
 
 namespace projecttest {
 
@@ -29,23 +23,6 @@ inline Project smallShow()
             {},
             -1};
 }
-
-/// While it lives, no file of this process takes a byte.
-class FullDisk
-{
-public:
-    FullDisk()
-    {
-        std::signal(SIGXFSZ, SIG_IGN);
-        ::getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit none{0, m_before.rlim_max};
-        ::setrlimit(RLIMIT_FSIZE, &none);
-    }
-    ~FullDisk() { ::setrlimit(RLIMIT_FSIZE, &m_before); }
-
-private:
-    rlimit m_before{};
-};
 
 /// Paths with "hangs" in them hang until they are to answer.
 class Hanging

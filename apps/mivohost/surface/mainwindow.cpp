@@ -69,6 +69,7 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
     m_settingsButton->setShortcut(QStringLiteral("Ctrl+,"));
     m_language->addItem(QStringLiteral("English"), QStringLiteral("en"));
     m_language->addItem(QStringLiteral("简体中文"), QStringLiteral("zh_cn"));
+    m_language->setObjectName(QStringLiteral("languages"));
     m_languageLabel->setBuddy(m_language);
     m_programs->setObjectName(QStringLiteral("programs"));
     m_programs->setHeaderHidden(true);

@@ -1,12 +1,15 @@
 #pragma once
 
 // Stands for a signal library that is not the one which the package was built with: as much of it
-// as the headers need that the consumer includes.
+// as the headers need that examples/minimal includes.
 namespace sigslot {
 
 template <typename... Args>
-class signal
+struct signal
 {
+    template <typename... Values>
+    void operator()(const Values&... /*values*/) const
+    {}
 };
 
 } // namespace sigslot
