@@ -49,10 +49,7 @@ public:
     bool isRecord() const { return m_isRecord && m_fields.isEmpty(); }
 
 private:
-    QString next()
-    {
-        return m_fields.isEmpty() ? QString() : m_fields.takeFirst();
-    }
+    QString next() { return m_fields.isEmpty() ? QString() : m_fields.takeFirst(); }
 
     QStringList m_fields; // those that were not read yet
     bool m_isRecord = true;
