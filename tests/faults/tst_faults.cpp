@@ -29,8 +29,6 @@ struct Fault
 const Fault faults[]{
     {"the settings are emptied", [](const Home& home) { writeFile(home.store()); },
      startsWhenAnswered, "message: The settings file could not be used", 80},
-    {"the settings are missing", [](const Home& home) { QFile::remove(home.store()); },
-     startsWhenAnswered, "message: The settings file could not be used", 80},
     {"the settings are garbage",
      [](const Home& home) { writeFile(home.store(), QByteArray(9000, 'x')); }, startsWhenAnswered,
      "message: The settings file could not be used", 80},
@@ -46,8 +44,6 @@ const Fault faults[]{
     {"a lock of a process that is gone",
      [](const Home& home) { writeFile(home.data("mivohost.lock"), "1\nmivohost\nhere\n"); }, starts,
      "", 81},
-    {"a folder in place of the lock",
-     [](const Home& home) { replaceByFolder(home.data("mivohost.lock")); }, starts, "", 81},
     {"the shortcuts are garbage", [](const Home& home) { writeFile(home.shortcuts(), "x"); },
      starts, "message: The file of the keys could not be read", 81},
     {"a folder in place of the log",
@@ -130,24 +126,6 @@ TEST(Faults, AFullDiskIsToldAndLosesNothing)
     again.kill();
     disk.makeRoom();
     EXPECT_EQ(home.undoStep(), acknowledged);
-}
-
-TEST(Faults, AReadOnlyDiskIsTheReasonThatIsTold)
-{
-    const Disk disk;
-    if (!disk.isMounted()) {
-        GTEST_SKIP() << noDisk;
-    }
-    const Home home(disk.path());
-    const auto before = home.files();
-    disk.setReadOnly(true);
-    Program program(home.path());
-    ASSERT_TRUE(program.hasScreen());
-    EXPECT_TRUE(program.says("cannot be")) << program.output().constData();
-    program.person().key(RfbClient::enter);
-    EXPECT_TRUE(program.ends());
-    EXPECT_EQ(program.exitCode(), 3);
-    EXPECT_EQ(home.files(), before);
 }
 
 TEST(Faults, AProjectAndKeysThatCannotBeSavedAreToldAndSavedLater)
