@@ -45,10 +45,10 @@ TEST(Autostart, FollowsWhatTheStoreKeeps)
     QStringList failures;
     std::optional<TestStore> store;
     std::optional<Autostart> autostart;
-    const auto start = [&](QVariantHash rows, bool allowed = false) { // of the store before, too
+    const auto start = [&](QVariantHash rows, bool allowed = false, bool fromCopy = false) {
         autostart.reset();
-        store.emplace(rows);
-        autostart.emplace(runtime, *store, "/opt/mivohost", allowed,
+        store.emplace(rows); // these may be the rows of the store before
+        autostart.emplace(runtime, *store, "/opt/mivohost", allowed, fromCopy,
                           [&](const QString& why) { failures.append(why); });
     };
     const auto command = [&path] {
@@ -72,6 +72,8 @@ TEST(Autostart, FollowsWhatTheStoreKeeps)
     start({}); // a store that was lost
     runtime.call([&] { store->setAutoStartDelayTime(10); });
     EXPECT_EQ(command(), withRight + R"("300")");
+    start({{"autoStart", 0}}, false, true);
+    EXPECT_EQ(command(), withRight + R"("300")") << "an older copy of the settings";
     start({{"autoStart", 7}});
     EXPECT_EQ(command(), withRight + R"("300")") << "a value that it cannot be";
 

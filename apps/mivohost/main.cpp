@@ -19,8 +19,10 @@
 #include "system/power.h"
 #include "system/runninginstance.h"
 #include "system/timedactions.h"
+#include "zrcutils/nocachefile.h"
 
 #include <mivosettingswidgets/settingwdigettranslatemanager.h>
+#include <mivosettingswidgets/shortcutfile.h>
 #include <mivostyle/style.h>
 
 #include <QtCore/QCommandLineParser>
@@ -46,6 +48,8 @@ namespace {
 
 constexpr const char* listSoundCardsOption = "--list-sound-cards"; // the first one, or not at all
 
+QtMessageHandler defaultHandler = nullptr;
+
 enum ExitCode { finished = 0, badArgument = 1, storeInUse = 2, storeFailed = 3, notWritten = 4 };
 
 QString systemLanguage()
@@ -65,6 +69,15 @@ void loadLanguages()
         [](const QString& /*catalogue*/, const QString& /*context*/, const QString& key) {
             hostLog()->warn("no text for {}", key.toStdString());
         });
+}
+
+/// Prints Qt's messages but those on what a screen without a window manager cannot do: they come
+/// for each window, and nobody can do anything about it.
+void printQtMessage(QtMsgType type, const QMessageLogContext& context, const QString& text)
+{
+    if (!text.startsWith(QLatin1String("This plugin does not support "))) {
+        defaultHandler(type, context, text);
+    }
 }
 
 /// Says on the standard error, and to a person at a screen, why the program does not start.
@@ -134,7 +147,8 @@ void wait(int seconds)
 
 /// The program with its window, from here to its end.
 int runWindow(MainWindow& window, ProjectFile& project, RuntimeThread& runtime,
-              SettingsStore& store, const QCommandLineParser& arguments, int simulatedDevices)
+              SettingsStore& store, bool storeIsCopy, const QCommandLineParser& arguments,
+              int simulatedDevices)
 {
     const auto notify = [&window](const char* key) {
         return [&window, key = QString::fromLatin1(key)](const QString& reason) {
@@ -149,7 +163,7 @@ int runWindow(MainWindow& window, ProjectFile& project, RuntimeThread& runtime,
         hostLog()->info("the start at log-on stays as it is: these are other settings");
     } else {
         autostart.emplace(runtime, store, QCoreApplication::applicationFilePath(), allowed,
-                          notify("AutostartFailed"));
+                          storeIsCopy, notify("AutostartFailed"));
     }
     const EndRequests ends;
     QObject::connect(&ends, &EndRequests::requested, [&project] {
@@ -273,6 +287,12 @@ int run(const QCommandLineParser& arguments)
                           true);
         }
     }
+    if (withWindow) {
+        for (const QString& folder :
+             {data.path(), QFileInfo(mivo::settings::shortCutFilePath()).path()}) {
+            NoCacheFile::removeLeftovers(folder.toStdString());
+        }
+    }
     startLog(withWindow ? data.filePath(QStringLiteral("mivohost.log")) : QString());
 
     RuntimeThread runtime;
@@ -338,7 +358,8 @@ int run(const QCommandLineParser& arguments)
                     refuse(notWritten, QStringLiteral("cannot write pictures to ") + folder, false);
             }
         } else {
-            code = runWindow(window, project, runtime, *store, arguments, *simulatedDevices);
+            code =
+                runWindow(window, project, runtime, *store, damaged, arguments, *simulatedDevices);
         }
     }
     runtime.call([&store] { store.reset(); });
@@ -353,6 +374,7 @@ int main(int argc, char** argv)
         const QCoreApplication application(argc, argv);
         return listSoundCards();
     }
+    defaultHandler = qInstallMessageHandler(printQtMessage);
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QApplication application(argc, argv);

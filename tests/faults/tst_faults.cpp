@@ -5,6 +5,8 @@
 
 #include <csignal>
 
+#include <fcntl.h>
+
 // Faults of the disk and of the program's own files, driven against the real program.
 
 namespace {
@@ -196,4 +198,33 @@ TEST(Faults, AProjectThatASignalEndedIsOfferedAtTheNextStart)
         EXPECT_TRUE(again.says("show.mivo saved")) << again.output().constData();
         EXPECT_EQ(home.lastPlayed(), 1);
     }
+}
+
+TEST(Faults, WhatTheProgramHasOpenIsNotHandedToThoseThatItStarts)
+{
+    const QTemporaryDir folder;
+    const Home home(folder.path());
+    Program program(home.path());
+    ASSERT_TRUE(program.hasScreen());
+    ASSERT_TRUE(program.says("main window open")) << program.output().constData();
+    const auto targets = [](const QDir& open) {
+        QMap<QString, QString> found; // by the file that says how it was opened
+        for (const QString& number : open.entryList(QDir::Files | QDir::System)) {
+            found[open.filePath("../fdinfo/" + number)] =
+                QFile::symLinkTarget(open.filePath(number)).section('/', -1);
+        }
+        return found;
+    };
+    const auto ours = targets(QDir("/proc/self/fd")).values(); // handed to the program, too
+    const auto open = targets(QDir(QStringLiteral("/proc/%1/fd").arg(program.id())));
+    int seen = 0;
+    for (auto file = open.begin(); file != open.end(); ++file) {
+        const QByteArray info = readFile(file.key());
+        const auto flags = info.mid(info.indexOf("flags:") + 6, 20).simplified().split(' ')[0];
+        if (!file.key().contains(QRegularExpression("/[012]$")) && !ours.contains(*file)) {
+            EXPECT_TRUE((flags.toInt(nullptr, 8) & O_CLOEXEC) != 0) << file->toStdString();
+            ++seen;
+        }
+    }
+    EXPECT_GT(seen, 5);
 }

@@ -13,6 +13,10 @@
 #include <memory>
 #include <mutex>
 
+#ifdef Q_OS_UNIX
+#include <fcntl.h>
+#endif
+
 namespace mivohost {
 
 namespace {
@@ -52,11 +56,23 @@ Sinks& sinks()
     return instance;
 }
 
+/// A program that is started does not get this file.
+void keepFromChildren(std::FILE* stream)
+{
+#ifdef Q_OS_UNIX
+    ::fcntl(::fileno(stream), F_SETFD, FD_CLOEXEC);
+#else
+    Q_UNUSED(stream)
+#endif
+}
+
 } // namespace
 
 void startLog(const QString& file)
 {
-    sinks().all->add_sink(std::make_shared<spdlog::sinks::stderr_sink_mt>());
+    const auto console = std::make_shared<spdlog::sinks::stderr_sink_mt>();
+    console->set_level(file.isEmpty() ? spdlog::level::warn : spdlog::level::info);
+    sinks().all->add_sink(console);
     auto logger = std::make_shared<spdlog::logger>("mivohost", sinks().all);
     logger->set_pattern("%H:%M:%S.%e %l %v");
     logger->flush_on(spdlog::level::info);
@@ -64,9 +80,10 @@ void startLog(const QString& file)
     if (!file.isEmpty()) {
         try {
             spdlog::file_event_handlers handlers;
-            handlers.after_open = [](const spdlog::filename_t& name, std::FILE* /*stream*/) {
+            handlers.after_open = [](const spdlog::filename_t& name, std::FILE* stream) {
                 QFile::setPermissions(QString::fromStdString(name),
                                       QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+                keepFromChildren(stream);
             };
             sinks().all->add_sink(std::make_shared<spdlog::sinks::rotating_file_sink_mt>(
                 file.toStdString(), 1 << 20, 5, false, handlers));

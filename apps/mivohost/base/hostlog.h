@@ -9,7 +9,8 @@ class QObject;
 namespace mivohost {
 
 /// Sends the process's log to the standard error, and to `file` (up to 1 MiB, and five older ones)
-/// unless it is empty or cannot be written.
+/// unless it cannot be written. With an empty `file` there are only warnings and errors, on the
+/// standard error.
 void startLog(const QString& file);
 
 /// Shows every further log line in `view` as well, through its slot `appendPlainText(QString)`.

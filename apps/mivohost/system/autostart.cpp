@@ -89,7 +89,9 @@ QString currentEntry()
 QString setEntry(const QString& program, const QStringList& arguments)
 {
     const QString path = Autostart::entryPath();
-    QDir().mkpath(QFileInfo(path).absolutePath());
+    const QString folder = QFileInfo(path).absolutePath();
+    QDir().mkpath(folder);
+    NoCacheFile::removeLeftovers(folder.toStdString());
     std::error_code error;
     NoCacheFile::saveToFile(
         path.toStdString(),
@@ -122,16 +124,18 @@ QByteArray autostartEntry(const QString& name, const QString& program, const QSt
 }
 
 Autostart::Autostart(RuntimeThread& runtime, SettingsStore& store, const QString& program,
-                     bool powerActionsAllowed, FailureHandler failed)
+                     bool powerActionsAllowed, bool storeIsCopy, FailureHandler failed)
     : m_runtime(runtime), m_store(store), m_program(program),
       m_powerActionsAllowed(powerActionsAllowed), m_failed(std::move(failed))
 {
-    m_runtime.call([this] {
+    m_runtime.call([this, storeIsCopy] {
         m_connections = {
             m_store.autoStartChanged.connect([this](bool) { apply(); }),
             m_store.autoStartDelayTimeChanged.connect([this](int) { apply(); }),
         };
-        apply();
+        if (!storeIsCopy) {
+            apply();
+        }
     });
 }
 

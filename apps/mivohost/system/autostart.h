@@ -31,12 +31,13 @@ class Autostart
 public:
     using FailureHandler = std::function<void(const QString& reason)>;
 
-    /// Brings the entry in line with the store at once, and at each change. The option
+    /// Brings the entry in line with the store at each change, and at once unless the store is an
+    /// older copy of the settings (`storeIsCopy`), whose word may be out of date. The option
     /// "--allow-power-actions" is in it when it was given to this start, or stands there already:
     /// switching the start at log-on off and on again takes it away. `failed` is called on the
     /// runtime thread, also from here.
     Autostart(RuntimeThread& runtime, SettingsStore& store, const QString& program,
-              bool powerActionsAllowed, FailureHandler failed);
+              bool powerActionsAllowed, bool storeIsCopy, FailureHandler failed);
     ~Autostart();
 
     Autostart(const Autostart&) = delete;
