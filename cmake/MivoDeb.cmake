@@ -2,6 +2,7 @@
 # scripts/package makes them.
 
 find_program(GZIP gzip REQUIRED)
+find_program(CHRPATH chrpath REQUIRED)
 string(TIMESTAMP now "%a, %d %b %Y %H:%M:%S +0000" UTC) # SOURCE_DATE_EPOCH holds here, if it is set
 set(maintainer "mivosettingswidgets maintainers <maintainers@mivosettingswidgets.invalid>")
 file(CONFIGURE OUTPUT deb/changelog @ONLY CONTENT
@@ -15,6 +16,17 @@ add_custom_command(OUTPUT deb/changelog.Debian.gz
                    COMMAND ${GZIP} -9nkc deb/changelog > deb/changelog.Debian.gz
                    DEPENDS ${PROJECT_BINARY_DIR}/deb/changelog)
 add_custom_target(mivo_deb ALL DEPENDS deb/changelog.Debian.gz)
+
+# Libraries of the system are found without a path of the programs' own.
+file(CONFIGURE OUTPUT deb/prepare.cmake @ONLY CONTENT [[
+file(GLOB_RECURSE files ${CPACK_TEMPORARY_DIRECTORY}/*.so.* ${CPACK_TEMPORARY_DIRECTORY}/*/bin/*)
+foreach(file ${files})
+    if(NOT IS_SYMLINK ${file})
+        execute_process(COMMAND @CHRPATH@ -d ${file} OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
+    endif()
+endforeach()
+]])
+set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_BINARY_DIR}/deb/prepare.cmake)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_CONTACT "${maintainer}")
@@ -46,12 +58,12 @@ endmacro()
 
 set(what " These are the system settings of a media-playback and show-control application:
  a dialog with pages that read, write and follow a settings store.")
-mivo_deb_package(runtime libmivosettingswidgets${MIVO_SOVERSION} libs ""
+mivo_deb_package(runtime libmivosettingswidgets${MIVO_SOVERSION} libs "libqt5svg5"
                  "settings dialog of a show-control application\n${what}")
 mivo_deb_package(dev libmivosettingswidgets-dev libdevel
                  "qtbase5-dev, libspdlog-dev, libfmt-dev, libboost-dev"
                  "settings dialog of a show-control application, development files\n${what}")
 mivo_deb_package(host mivohost sound
-                 "libqt5sql5-sqlite, libqt5svg5, libqt5multimedia5-plugins"
+                 "libqt5multimedia5-plugins"
                  "small show-control application around its settings dialog\n${what}")
 include(CPack)

@@ -10,7 +10,7 @@ packages_test="libgtest-dev python3 liblo-tools jackd2 mesa-vulkan-drivers
     pulseaudio pulseaudio-utils xvfb xdotool x11-xkb-utils"
 packages_bench="libbenchmark-dev python3 util-linux"
 packages_clang="clang llvm libclang-rt-14-dev"
-packages_package="file gzip lintian python3"
+packages_package="chrpath file gzip lintian python3"
 packages_abi="abigail-tools"
 packages_check="clang clang-format clang-tidy git libbenchmark-dev python3"
 packages_docs="doxygen python3"
