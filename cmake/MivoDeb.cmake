@@ -38,6 +38,8 @@ set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+file(CONFIGURE OUTPUT deb/triggers CONTENT "activate-noawait ldconfig\n")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${PROJECT_BINARY_DIR}/deb/triggers)
 set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
 set(CPACK_COMPONENT_DEV_DEPENDS runtime)
 set(CPACK_COMPONENT_HOST_DEPENDS runtime)
@@ -56,8 +58,9 @@ macro(mivo_deb_package component package section depends description)
             DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${package} COMPONENT ${component})
 endmacro()
 
-set(what " These are the system settings of a media-playback and show-control application:
- a dialog with pages that read, write and follow a settings store.")
+set(what " System settings of a media-playback and show-control
+ application: a dialog with pages that read, write and
+ follow a settings store.")
 mivo_deb_package(runtime libmivosettingswidgets${MIVO_SOVERSION} libs "libqt5svg5"
                  "settings dialog of a show-control application\n${what}")
 mivo_deb_package(dev libmivosettingswidgets-dev libdevel
