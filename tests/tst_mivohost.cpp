@@ -58,7 +58,7 @@ TEST_F(Host, TheSecondOfAUserSaysSoAndStops)
     Program second(folder.path(), {"--store", otherStore()});
     ASSERT_TRUE(second.hasScreen());
     EXPECT_TRUE(second.says("are in use by another mivohost")) << second.output().constData();
-    second.person().key(RfbClient::enter);
+    second.press("Return");
     ASSERT_TRUE(second.ends()) << "the message is closed by Return, and the program with it";
     EXPECT_EQ(second.exitCode(), 2);
     EXPECT_EQ(run({"--print-settings"}), 2);
@@ -132,13 +132,12 @@ TEST_F(Host, StartsAsItsSettingsSayAndSavesBeforeAScheduledRestart)
     ASSERT_TRUE(program.hasScreen());
     EXPECT_TRUE(program.says("playing program Six")) << program.output().constData();
     // The window is there when it takes keys: the programs have the focus from the start.
-    program.person().key(RfbClient::down);
-    program.person().key(RfbClient::enter);
+    program.press("Down Return");
     EXPECT_TRUE(program.says("playing program Five")) << program.output().constData();
     ASSERT_TRUE(program.says("is due")) << program.output().constData();
-    QTest::qWait(1500);                   // the prompt opens
-    program.person().key(RfbClient::tab); // from the button that cancels to the other one
-    program.person().key(RfbClient::enter);
+    QTest::qWait(1500);   // the prompt opens
+    program.press("Tab"); // from the button that cancels to the other one
+    program.press("Return");
     EXPECT_TRUE(program.says("would restart the machine now")) << program.output().constData();
     QString error;
     EXPECT_EQ(mivohost::projectFromJson(readFile(show), error)->lastPlayed, 5);
@@ -162,19 +161,19 @@ TEST_F(Host, AKeyAndOscTriggerAlsoAfterARestartAndInAFlood)
         Program program(folder.path());
         ASSERT_TRUE(program.hasScreen());
         ASSERT_TRUE(program.says("window open"));
-        program.person().chord({RfbClient::control, 'e'});
+        program.press("ctrl+e");
         ASSERT_TRUE(program.says("editing shortcuts: Keys")) << program.output().constData();
-        program.person().key(RfbClient::f5); // of the first action
+        program.press("F5"); // of the first action
         EXPECT_TRUE(program.says("keys of /Peripherals/Global/OutputSwitch: F5"));
-        program.person().key(RfbClient::escape);
+        program.press("Escape");
         ASSERT_TRUE(program.says("end of editing"));
-        program.person().chord({RfbClient::control, 'q'});
+        program.press("ctrl+q");
         ASSERT_TRUE(program.ends());
     }
     Program again(folder.path());
     ASSERT_TRUE(again.hasScreen());
     ASSERT_TRUE(again.says("window open"));
-    again.person().key(RfbClient::f5);
+    again.press("F5");
     EXPECT_TRUE(again.says("action Global/OutputSwitch by F5"));
     EXPECT_EQ(QUdpSocket().writeDatagram(take, QHostAddress::LocalHost, port), take.size());
     EXPECT_TRUE(again.says("action Stage/Take by 1"));
@@ -185,7 +184,7 @@ TEST_F(Host, AKeyAndOscTriggerAlsoAfterARestartAndInAFlood)
             socket.writeDatagram(take, QHostAddress::LocalHost, port);
         }
     });
-    again.person().key(RfbClient::f5);
+    again.press("F5");
     EXPECT_TRUE(again.says("action Global/OutputSwitch by F5", 5000));
     ends = true;
     flood.join();

@@ -76,11 +76,11 @@ TEST(Faults, OfAFileAreToldAndHarmNoOther)
             if (fault.ends == startsWhenAnswered) {
                 ASSERT_TRUE(program.says("the settings file cannot be used"));
                 QTest::qWait(1000); // the question opens
-                program.person().key(RfbClient::enter);
+                program.press("Return");
             }
             EXPECT_TRUE(program.hasSaid(fault.says)) << program.output().constData();
             if (fault.ends == refuses) {
-                program.person().key(RfbClient::enter);
+                program.press("Return");
                 EXPECT_TRUE(program.ends());
             } else {
                 EXPECT_TRUE(program.hasSaid("main window open")) << program.output().constData();
@@ -111,12 +111,10 @@ TEST(Faults, AFullDiskIsToldAndLosesNothing)
     ASSERT_TRUE(program.says("settings dialog open"));
     disk.fill();
     program.reachUndoSteps();
-    program.person().key(RfbClient::up);
-    program.person().key(RfbClient::enter);
+    program.press("Up Return");
     EXPECT_TRUE(program.says("message: ")) << program.output().constData();
     disk.makeRoom();
-    program.person().key(RfbClient::up);
-    program.person().key(RfbClient::enter);
+    program.press("Up Return");
     EXPECT_TRUE(program.says("setting undoStep = ")) << program.output().constData();
     QTest::qWait(500); // a slow machine may count the held key more than once
     program.kill();
@@ -146,16 +144,13 @@ TEST(Faults, AProjectAndKeysThatCannotBeSavedAreToldAndSavedLater)
         const QByteArray project = readFile(home.project());
         const QByteArray shortcuts = readFile(home.shortcuts());
         readOnly ? disk.setReadOnly(true) : disk.fill();
-        auto& person = program.person();
-        person.key(RfbClient::down);
-        person.key(RfbClient::enter);
+        program.press("Down Return");
         ASSERT_TRUE(program.says("playing program One")) << program.output().constData();
-        person.chord({RfbClient::control, 's'});
+        program.press("ctrl+s");
         EXPECT_TRUE(program.says("message: The project could not be saved"));
-        person.chord({RfbClient::control, 'e'});
+        program.press("ctrl+e");
         EXPECT_TRUE(program.says("editing shortcuts: Keys"));
-        person.key(RfbClient::f5);
-        person.key(RfbClient::escape);
+        program.press("F5 Escape");
         EXPECT_TRUE(program.says("message: The keys could not be saved"))
             << program.output().constData();
         EXPECT_EQ(readFile(home.project()), project);
@@ -163,7 +158,7 @@ TEST(Faults, AProjectAndKeysThatCannotBeSavedAreToldAndSavedLater)
         readOnly ? disk.setReadOnly(false) : disk.makeRoom();
         EXPECT_TRUE(program.says("message: The keys are saved again"))
             << program.output().constData();
-        person.chord({RfbClient::control, 's'});
+        program.press("ctrl+s");
         EXPECT_TRUE(program.says("show.mivo saved")) << program.output().constData();
         program.kill();
         EXPECT_EQ(home.lastPlayed(), 1);
@@ -181,8 +176,7 @@ TEST(Faults, AProjectThatASignalEndedIsOfferedAtTheNextStart)
             Program program(home.path());
             ASSERT_TRUE(program.hasScreen());
             ASSERT_TRUE(program.says("main window open"));
-            program.person().key(RfbClient::down);
-            program.person().key(RfbClient::enter);
+            program.press("Down Return");
             ASSERT_TRUE(program.says("playing program One")) << program.output().constData();
             program.signal(signal);
             EXPECT_EQ(program.exitCode(), 0) << program.output().constData();
@@ -192,9 +186,9 @@ TEST(Faults, AProjectThatASignalEndedIsOfferedAtTheNextStart)
         ASSERT_TRUE(again.hasScreen());
         ASSERT_TRUE(again.says("main window open"));
         QTest::qWait(1000); // the question opens
-        again.person().key(RfbClient::enter);
+        again.press("Return");
         EXPECT_TRUE(again.says("projectbackups/show-")) << again.output().constData();
-        again.person().chord({RfbClient::control, 's'});
+        again.press("ctrl+s");
         EXPECT_TRUE(again.says("show.mivo saved")) << again.output().constData();
         EXPECT_EQ(home.lastPlayed(), 1);
     }

@@ -8,7 +8,6 @@
 #include <mivosettingswidgets/undosettingbox.h>
 
 #include <QtCore/QElapsedTimer>
-#include <QtNetwork/QTcpServer>
 
 #include <csignal>
 
@@ -52,22 +51,50 @@ QProcessEnvironment environmentOf(const QString& home, const QString& platform)
 
 Program::Program(const QString& home, const QStringList& arguments)
 {
-    QTcpServer probe; // a port that is free right now
-    probe.listen(QHostAddress::LocalHost);
-    m_port = probe.serverPort();
-    probe.close();
-    m_process.setProcessEnvironment(
-        environmentOf(home, QStringLiteral("vnc:port=%1:size=1280x900").arg(m_port)));
+    m_screen.setStandardErrorFile(QProcess::nullDevice());
+    m_screen.start("Xvfb", {"-displayfd", "1", "-screen", "0", "1280x900x24", "-nolisten", "tcp"});
+    while (!m_screen.canReadLine() && m_screen.waitForReadyRead(20000)) {
+    }
+    m_display = ':' + QString::fromLatin1(m_screen.readLine().trimmed());
+    auto environment = environmentOf(home, "xcb");
+    environment.insert("DISPLAY", m_display);
+    environment.insert("QT_XCB_GL_INTEGRATION", "none");
+    m_process.setProcessEnvironment(environment);
     m_process.setProcessChannelMode(QProcess::MergedChannels);
     m_process.start(MIVOHOST_PROGRAM, arguments);
+}
+
+Program::~Program()
+{
+    signal(SIGKILL);
+    m_screen.terminate();
+    m_screen.waitForFinished(20000);
+}
+
+int Program::xdotool(const QStringList& arguments) const
+{
+    QProcess tool;
+    auto environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("DISPLAY", m_display);
+    tool.setProcessEnvironment(environment);
+    tool.start("xdotool", arguments);
+    return tool.waitForFinished(30000) ? tool.exitCode() : -1;
+}
+
+bool Program::hasScreen() const
+{
+    return xdotool({"search", "--sync", "--onlyvisible", "--class", "mivohost"}) == 0;
+}
+
+void Program::press(const QString& keys) const
+{
+    EXPECT_EQ(xdotool(QStringList{"key", "--delay", "20"} + keys.split(' ')), 0);
 }
 
 void Program::reachUndoSteps()
 {
     static const int tabs = tabsToUndoSteps();
-    for (int i = 0; i < tabs; ++i) {
-        m_person.key(RfbClient::tab);
-    }
+    press(QStringList(QVector<QString>(tabs, "Tab").toList()).join(' '));
 }
 
 bool Program::hasSaid(const QByteArray& text, int most)

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "support/rfbclient.h"
-
 #include <QtCore/QProcess>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
@@ -9,15 +7,18 @@
 /// That of a user whose files are in `home`.
 QProcessEnvironment environmentOf(const QString& home, const QString& platform);
 
-/// The reference host as its own process, with a person in front of it.
+/// The reference host as its own process, on a screen of its own with a person in front of it.
 class Program
 {
 public:
     explicit Program(const QString& home, const QStringList& arguments = {});
-    ~Program() { signal(9); }
+    ~Program();
 
-    bool hasScreen() { return m_person.connectTo(m_port); }
-    RfbClient& person() { return m_person; }
+    /// Whether it shows a window; false after half a minute.
+    bool hasScreen() const;
+
+    /// Presses keys one after the other, named as X11 does: "Down Return", "ctrl+s".
+    void press(const QString& keys) const;
 
     /// From the settings dialog's first focus to the undo steps.
     void reachUndoSteps();
@@ -38,8 +39,10 @@ public:
     void kill() { signal(9); }
 
 private:
-    quint16 m_port = 0;
+    int xdotool(const QStringList& arguments) const;
+
+    QString m_display;
+    QProcess m_screen; // goes after the program
     QProcess m_process;
     QByteArray m_said;
-    RfbClient m_person;
 };

@@ -13,11 +13,7 @@ SoundServer::SoundServer()
 
 SoundServer::~SoundServer()
 {
-    m_process.terminate();
-    if (!m_process.waitForFinished(10000)) {
-        m_process.kill();
-        m_process.waitForFinished();
-    }
+    stop();
     qunsetenv("PULSE_SERVER");
 }
 
@@ -34,6 +30,15 @@ bool SoundServer::start()
                },
                20000)
            && answers;
+}
+
+void SoundServer::stop()
+{
+    m_process.terminate();
+    if (!m_process.waitForFinished(10000)) {
+        m_process.kill();
+        m_process.waitForFinished();
+    }
 }
 
 void SoundServer::load(const QString& name, int channels)

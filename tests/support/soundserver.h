@@ -14,6 +14,7 @@ public:
 
     /// False where there is no such server to be had.
     bool start();
+    void stop();
 
     /// A card comes, and goes. Failures are failures of the test.
     void load(const QString& name, int channels = 2);
