@@ -71,24 +71,29 @@ Program::~Program()
     m_screen.waitForFinished(20000);
 }
 
-int Program::xdotool(const QStringList& arguments) const
+QByteArray Program::xdotool(const QStringList& arguments) const
 {
     QProcess tool;
     auto environment = QProcessEnvironment::systemEnvironment();
     environment.insert("DISPLAY", m_display);
     tool.setProcessEnvironment(environment);
     tool.start("xdotool", arguments);
-    return tool.waitForFinished(30000) ? tool.exitCode() : -1;
+    tool.waitForFinished(30000);
+    return tool.readAllStandardOutput();
 }
 
 bool Program::hasScreen() const
 {
-    return xdotool({"search", "--sync", "--onlyvisible", "--class", "mivohost"}) == 0;
+    return !xdotool({"search", "--sync", "--onlyvisible", "--class", "mivohost"}).isEmpty();
 }
 
 void Program::press(const QString& keys) const
 {
-    EXPECT_EQ(xdotool(QStringList{"key", "--delay", "20"} + keys.split(' ')), 0);
+    // No window manager gives the uppermost window the focus.
+    const auto windows = xdotool({"search", "--onlyvisible", "--class", "mivohost"}).trimmed();
+    xdotool(QStringList{"windowfocus", windows.mid(windows.lastIndexOf('\n') + 1), "key", "--delay",
+                        "20"}
+            + keys.split(' '));
 }
 
 void Program::reachUndoSteps()

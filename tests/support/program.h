@@ -39,7 +39,7 @@ public:
     void kill() { signal(9); }
 
 private:
-    int xdotool(const QStringList& arguments) const;
+    QByteArray xdotool(const QStringList& arguments) const;
 
     QString m_display;
     QProcess m_screen; // goes after the program
