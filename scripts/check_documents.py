@@ -1,4 +1,5 @@
-"""Fails where code in a document is no part of a source that is built, or a link leads nowhere.
+"""Fails where code in a document is no part of a source that is built, a link leads nowhere, or a test
+that docs/reliability.md names does not exist.
 
 A block of C++ or CMake has to stand in one file, line by line but for its indentation; a line
 "// ..." or "# ..." stands for any number of lines.
@@ -56,6 +57,15 @@ for document in [*pathlib.Path().glob("*.md"), *pathlib.Path("docs").glob("*.md"
     for link in LINK.findall(FENCED.sub("", text)):
         if not (document.parent / link).exists():
             errors.append(f"{document}: {link} is not there")
+
+tests = {
+    ".".join(name)
+    for file in pathlib.Path("tests").rglob("*.cpp")
+    for name in re.findall(r"^TEST(?:_F|_P)?\((\w+),\s*(\w+)\)", file.read_text("utf-8"), re.M)
+}
+promises = pathlib.Path("docs/reliability.md").read_text(encoding="utf-8")
+named = set(re.findall(r"`([A-Z]\w+\.[A-Z]\w+)`", promises))
+errors += [f"docs/reliability.md: {name} is no test" for name in sorted(named - tests)]
 
 print("\n".join(errors), end="\n" if errors else "")
 sys.exit(1 if errors else 0)

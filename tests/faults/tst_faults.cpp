@@ -3,7 +3,12 @@
 #include "support/program.h"
 #include "support/test.h"
 
+#include <mivosettingswidgets/shortcutfile.h>
+
+#include <QtCore/QRegularExpression>
+
 #include <csignal>
+#include <thread>
 
 #include <fcntl.h>
 
@@ -191,6 +196,38 @@ TEST(Faults, AProjectThatASignalEndedIsOfferedAtTheNextStart)
         again.press("ctrl+s");
         EXPECT_TRUE(again.says("show.mivo saved")) << again.output().constData();
         EXPECT_EQ(home.lastPlayed(), 1);
+    }
+}
+
+TEST(Faults, AKillInTheMiddleOfAWriteLeavesWhatWasOrWhatIsNew)
+{
+    const std::pair<const char*, const char*> writes[]{
+        {"Down Return", "ctrl+s"}, {"ctrl+e F5", "Escape"}, {"Up", "Return"}};
+    for (const auto& [before, last] : writes) {
+        SCOPED_TRACE(last);
+        const bool isSetting = last == QLatin1String("Return");
+        const QTemporaryDir folder;
+        const Home home(folder.path());
+        for (const int delay : {5, 25, 45}) {
+            const int step = home.undoStep().toInt();
+            const auto keys = mivo::settings::parseShortCuts(readFile(home.shortcuts()).data());
+            Program program(home.path(), isSetting ? QStringList("--settings") : QStringList());
+            ASSERT_TRUE(program.hasScreen());
+            ASSERT_TRUE(program.says("window open"));
+            if (isSetting) {
+                ASSERT_TRUE(program.says("dialog open"));
+                program.reachUndoSteps();
+            }
+            program.press(before);
+            std::thread person([&program, last = last] { program.press(last); });
+            QTest::qWait(delay);
+            program.kill();
+            person.join();
+            EXPECT_GE(home.undoStep().toInt(), step);
+            EXPECT_GE(home.lastPlayed(), -1) << "unreadable";
+            EXPECT_GE(mivo::settings::parseShortCuts(readFile(home.shortcuts()).data()).size(),
+                      keys.size());
+        }
     }
 }
 
