@@ -185,6 +185,11 @@ int runWindow(MainWindow& window, ProjectFile& project, RuntimeThread& runtime,
         });
 
     const Listener listener(runtime, store);
+    QObject::connect(&listener, &Listener::failed, &window, &MainWindow::showNotice);
+    QObject::connect(&listener, &Listener::recovered, &window, [&window](const QString& port) {
+        window.messages().postMessage(
+            {velorn::msgcenter::MsgInformation, hostText("PortOpen").arg(port).toStdString(), -1});
+    });
     const SoundCards soundCards(
         {QCoreApplication::applicationFilePath(), {QString::fromLatin1(listSoundCardsOption)}});
     QObject::connect(&soundCards, &SoundCards::changed, [&] {

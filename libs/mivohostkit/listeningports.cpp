@@ -7,10 +7,6 @@
 
 namespace mivohost {
 
-ListeningPorts::ListeningPorts(MivoSettings& store, Keep keep)
-    : m_store(store), m_keep(std::move(keep))
-{}
-
 void ListeningPorts::setHandler(Handler handler)
 {
     m_handler = std::move(handler);
@@ -18,7 +14,6 @@ void ListeningPorts::setHandler(Handler handler)
         const STPortInfo kept = m_current[port];
         if (m_handler && kept.open) {
             m_current[port].open = false;
-            m_reopening[port] = true;
             m_handler(port, kept);
         }
     }
@@ -35,15 +30,17 @@ void ListeningPorts::request(Port port, const STPortInfo& requested)
 
 void ListeningPorts::report(Port port, const STPortInfo& info, const std::string& reason)
 {
+    const bool isKnown = !reason.empty() && reason == m_reasons[port] && info == m_current[port];
     m_current[port] = info;
-    const bool failedToReopen = std::exchange(m_reopening[port], false) && !info.open;
-    if (!failedToReopen) {
-        m_keep(port, info);
+    m_reasons[port] = reason;
+    if (!isKnown) {
+        (port == tcp ? m_store.tcpPortChanged : m_store.udpPortChanged)(info);
     }
-    (port == tcp ? m_store.tcpPortChanged : m_store.udpPortChanged)(info);
-    if (!reason.empty()) {
+    if (!isKnown && !reason.empty()) {
         hostLog()->warn("{} {} is not open: {}", port == tcp ? "TCP port" : "UDP port", info.port,
                         reason);
+    }
+    if (!reason.empty()) { // also a known one: a page may have come meanwhile
         (port == tcp ? m_store.tcpPortFailed : m_store.udpPortFailed)(reason);
     }
 }

@@ -21,11 +21,8 @@ public:
     /// Opens or closes a port as requested, and answers by report(), at once or later.
     using Handler = std::function<void(Port port, const STPortInfo& requested)>;
 
-    /// Saves a port for the next start.
-    using Keep = std::function<void(Port port, const STPortInfo& info)>;
-
     /// `store` announces the results; it outlives this.
-    ListeningPorts(MivoSettings& store, Keep keep);
+    explicit ListeningPorts(MivoSettings& store) : m_store(store) {}
 
     /// Takes over what the store loaded.
     void load(Port port, const STPortInfo& kept) { m_current[port] = kept; }
@@ -38,17 +35,16 @@ public:
 
     void request(Port port, const STPortInfo& requested);
 
-    /// The result of a request: announced, and saved. But a port that was open when the program
-    /// ended stays saved as open where it cannot be opened again, so that the next start tries
-    /// again. `reason`, in the user's language, says why a port is not open.
+    /// How a port is now: announced, unless nothing has changed. What was requested stays saved, so
+    /// a handler may report again and again until a port is open. `reason`, in the user's language,
+    /// says why it is not.
     void report(Port port, const STPortInfo& info, const std::string& reason = {});
 
 private:
     MivoSettings& m_store;
-    Keep m_keep;
     Handler m_handler;
     std::array<STPortInfo, 2> m_current;
-    std::array<bool, 2> m_reopening{}; // requested by setHandler() and not yet answered
+    std::array<std::string, 2> m_reasons; // of the last reports
 };
 
 } // namespace mivohost

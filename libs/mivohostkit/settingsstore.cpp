@@ -53,12 +53,7 @@ SettingsStore::SettingsStore(std::unique_ptr<SettingsPersistence> persistence,
                              const std::map<Key, QVariant>& defaults)
     : m_persistence(persistence ? std::move(persistence) : std::make_unique<NoPersistence>()),
       m_soundCards(*this, [this](const QString& text) { set(Key::soundCardMappings, text); }),
-      m_ports(*this, [this](ListeningPorts::Port port, const STPortInfo& info) {
-          // Not through set(), which would request it.
-          if (writeRecord(info) != value(keyOf(port))) {
-              keep(keyOf(port), writeRecord(info));
-          }
-      })
+      m_ports(*this)
 {
     const QVariantHash rows = m_persistence->loadAll();
     for (const Setting& setting : settingsTable()) {
@@ -228,7 +223,7 @@ void SettingsStore::setPort(ListeningPorts::Port port, const STPortInfo& request
 {
     const QString record = writeRecord(requested);
     if (record == value(keyOf(port)) && requested != m_ports.current(port)) {
-        m_ports.request(port, requested); // again, after it failed at the start
+        m_ports.request(port, requested); // again, after it failed
     } else {
         set(keyOf(port), record);
     }

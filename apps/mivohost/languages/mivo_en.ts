@@ -1315,6 +1315,16 @@ Open them now?</translation>
         <translation>The keys are saved again.</translation>
     </message>
     <message>
+        <source>PortFailed</source>
+        <comment>MainWindow</comment>
+        <translation>The port is not open: %1. It is tried again.</translation>
+    </message>
+    <message>
+        <source>PortOpen</source>
+        <comment>MainWindow</comment>
+        <translation>%1 is open now.</translation>
+    </message>
+    <message>
         <source>OscFailed</source>
         <comment>MainWindow</comment>
         <translation>OSC does not receive: %1. It is tried again.</translation>

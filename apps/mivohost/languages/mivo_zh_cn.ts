@@ -1315,6 +1315,16 @@
         <translation>按键已重新保存。</translation>
     </message>
     <message>
+        <source>PortFailed</source>
+        <comment>MainWindow</comment>
+        <translation>端口未打开：%1。程序会重试。</translation>
+    </message>
+    <message>
+        <source>PortOpen</source>
+        <comment>MainWindow</comment>
+        <translation>%1 现已打开。</translation>
+    </message>
+    <message>
         <source>OscFailed</source>
         <comment>MainWindow</comment>
         <translation>OSC 无法接收：%1。程序会重试。</translation>

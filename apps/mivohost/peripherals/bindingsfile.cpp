@@ -103,7 +103,7 @@ void bindDevices(const Infos& midi, const Infos& dmx, ShortCutMgr& manager,
 
 std::string exportedBindings(const ShortCutMgr& manager, Peripherals& peripherals)
 {
-    // The texts of keys, MIDI controls and DMX channels are of different forms.
+    // All in one list: texts of keys, MIDI controls and DMX channels have different forms.
     auto items = manager.linkShortCutInfo().shortCutInfoList;
     for (const auto& bindings : {peripherals.midi().bindings(), peripherals.dmx().bindings()}) {
         for (const SDeviceBindInfo& info : bindings) {
@@ -124,8 +124,8 @@ QString importBindings(const std::string& json, ShortCutMgr& manager, Peripheral
     auto keys = wanted.keys.indexShortCutList;
     keys.insert(keys.end(), wanted.keys.pathShortCutList.begin(),
                 wanted.keys.pathShortCutList.end());
-    // The new keys are on the disk, beside the old ones, before anything changes: what can still
-    // fail is the store, and then the old bindings of devices are what it holds.
+    // First the new keys are written beside the old file. Then only the store can fail, and in that
+    // case the old bindings of devices are restored.
     const auto file = std::filesystem::u8path(mivo::settings::shortCutFilePath().toStdString());
     auto imported = file;
     imported += ".import";

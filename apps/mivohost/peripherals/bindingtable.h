@@ -84,11 +84,11 @@ private:
     std::unordered_map<std::string, Action> m_actions; // by control
     std::map<Action, std::string> m_controls;          // by action
     std::optional<Action> m_learning;
-    int m_deferredSaves = 0; // how many of those live
+    int m_deferredSaves = 0; // objects of DeferredSave
     bool m_isUnsaved = false;
 };
 
-/// The part of a service that its table of bindings answers. `Base` is the kind's interface.
+/// Implements the operations of a service that concern its bindings. `Base` is the interface.
 template <typename Base>
 class BoundPeripheral : public Base
 {
@@ -105,7 +105,7 @@ public:
 protected:
     explicit BoundPeripheral(BindingTable::Setup setup) : m_table(std::move(setup)) {}
 
-    /// As BindingTable::use, and emits what came of it on the caller's thread.
+    /// As BindingTable::use(), and emits the result on the caller's thread.
     void use(const std::string& control, bool triggers, bool teaches)
     {
         const auto [outcome, info] = m_table.use(control, triggers, teaches);

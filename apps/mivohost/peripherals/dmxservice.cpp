@@ -16,12 +16,12 @@ namespace {
 constexpr int channels = 512;
 constexpr std::uint8_t upperHalf = 128;
 constexpr std::size_t mostSenders = 4;
-constexpr qint64 senderGoneAfter = 10000; // milliseconds; a sender repeats its levels every four s
+constexpr qint64 senderGoneAfter = 10000; // ms; a sender repeats its levels every four seconds
 constexpr int mostAnswers = 10;           // a second; consoles ask every three seconds
 
 const std::string prefix = "DMX ";
 
-/// Where the node is for those who are in the sender's network.
+/// Fills in the address of this machine in the sender's network.
 void putPlace(ArtNetNode& node, const QHostAddress& sender)
 {
     for (const QNetworkInterface& card : QNetworkInterface::allInterfaces()) {
@@ -85,7 +85,7 @@ void DmxService::read()
         m_ignored += isTaken ? 0 : 1;
     }
     if (!rising.empty()) {
-        // From the event loop: an action may open a dialog, and nothing is read in this slot then.
+        // Queued: an action may open a dialog, and this slot would read nothing until it is closed.
         QMetaObject::invokeMethod(
             &m_input.socket(),
             [this, rising] {

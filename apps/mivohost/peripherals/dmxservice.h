@@ -18,14 +18,14 @@ namespace mivohost {
 ///
 /// "DMX 1" is the first channel behind the channel offset. A channel triggers when its level goes
 /// up through the middle, from at most 127 to at least 128; an action that waits for a control
-/// takes the first channel that does. Where several senders give levels, the highest one holds;
-/// what a sender begins with triggers nothing.
+/// takes the first channel that does. Of several senders (at most four) the highest level holds;
+/// the first levels of a sender trigger nothing.
 ///
 /// Polls are answered, so that consoles see the node. All other datagrams are ignored and counted.
 class DmxService : public BoundPeripheral<mivo::peripheralcontrol::DmxPeripheral>
 {
 public:
-    /// Starts disabled. `port` is where Art-Net is spoken, here and at the others.
+    /// Starts disabled. `port` is the port of Art-Net, also of the other nodes.
     explicit DmxService(BindingTable::Setup setup, std::uint16_t port = artNetPort);
 
     static bool isControl(const std::string& text);

@@ -42,7 +42,7 @@ bool take(std::string_view& text, int& number)
 
 bool takeNote(std::string_view& text, int& note)
 {
-    for (std::size_t i = noteNames.size(); i-- > 0;) { // the sharps before what they begin with
+    for (std::size_t i = noteNames.size(); i-- > 0;) { // "C#" before "C"
         int octave = 0;
         std::string_view rest = text;
         if (take(rest, noteNames[i]) && take(rest, octave)) {
@@ -143,7 +143,7 @@ MidiControls::Use MidiControls::take(const MidiMessage& message)
     if (message.kind == MidiMessage::note) {
         return {message.value > 0, message.value > 0};
     }
-    // Some send where they stand again and again.
+    // Some controllers repeat their position all the time.
     const int before =
         std::exchange(m_values[channel][number], static_cast<std::int8_t>(message.value));
     return {before < middle && message.value >= middle, before != message.value};

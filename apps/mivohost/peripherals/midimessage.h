@@ -9,7 +9,7 @@
 
 namespace mivohost {
 
-/// A MIDI message that an action can hang on.
+/// A MIDI message that can trigger an action.
 struct MidiMessage
 {
     enum Kind { note, controller, program };
@@ -42,7 +42,7 @@ struct MidiControl
 };
 std::optional<MidiControl> midiControlOf(const std::string& text);
 
-/// Tells moves of the controls of one device from repeats.
+/// Distinguishes moves of the controls of one device from repeated messages.
 class MidiControls
 {
 public:
@@ -54,11 +54,11 @@ public:
 
     MidiControls();
 
-    /// A controller that was not heard of before counts as being at its lowest.
+    /// A controller counts as being at 0 before its first message.
     Use take(const MidiMessage& message);
 
 private:
-    /// What was last heard of controllers, by channel and number; -1 for nothing yet.
+    /// The last values of controllers, by channel and number; -1 before the first.
     std::array<std::array<std::int8_t, 128>, 16> m_values;
 };
 

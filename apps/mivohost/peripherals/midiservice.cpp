@@ -14,7 +14,7 @@
 #include <stdexcept>
 
 #ifdef __GNUC__
-// Of a library that is there when RtMidi uses it.
+// Weak: JACK's library is loaded only where RtMidi uses it.
 extern "C" __attribute__((weak)) void jack_set_error_function(void (*function)(const char*));
 #endif
 
@@ -30,7 +30,7 @@ constexpr int backEndRetry = 2000; // of a back end that is not there
 
 std::atomic<int> jackErrors{0};
 
-/// JACK's library says on the standard error, and nowhere else, that its server is away.
+/// JACK's library reports the loss of its server through this function only.
 void countJackErrors()
 {
 #ifdef __GNUC__
@@ -94,7 +94,7 @@ public:
     void connect()
     {
         m_watcher.reset();
-        // What is wrong is asked for below; RtMidi also writes it to the standard error.
+        // RtMidi also writes errors to the standard error; they are logged from the callback.
         struct Silence
         {
             Silence() { std::cerr.setstate(std::ios_base::failbit); }
@@ -260,7 +260,7 @@ void MidiService::look()
         }
     }
 
-    // Of twins nothing tells which one came or went: all of them are opened again.
+    // Of devices with the same name nobody knows which one came or went: all are opened again.
     std::map<std::string, std::size_t> count;
     for (const ListedDevice& port : ports) {
         ++count[port.id];
@@ -313,7 +313,7 @@ std::vector<ListedDevice> MidiService::portsOf(BackEnd& backEnd)
         backEnd.failed.start();
         if (!std::exchange(backEnd.isReported, true)) {
             hostLog()->warn("no MIDI over {}: {}", name, error.what());
-            // They hear nothing from now on, also when the server comes back at once.
+            // Inputs of a lost server receive nothing more, even if it comes back at once.
             m_inputs.erase(
                 std::remove_if(m_inputs.begin(), m_inputs.end(),
                                [&backEnd](const auto& input) { return input->api == backEnd.api; }),

@@ -102,7 +102,7 @@ void OscService::take(const OscMessage& message)
     if (m_locked || (!isPath && message.isRelease)) {
         return;
     }
-    // From the event loop: an action may open a dialog, and nothing is read in this slot then.
+    // Queued: an action may open a dialog, and this slot would read nothing until it is closed.
     const int type = isPath ? static_cast<int>(ShortCutOfPath) : action->second;
     QMetaObject::invokeMethod(
         &m_input.socket(),

@@ -12,8 +12,6 @@ namespace mivohost {
 
 namespace {
 
-constexpr int retryAfter = 2000; // milliseconds
-
 int cardOf(const QHostAddress& address)
 {
     for (const QNetworkInterface& card : QNetworkInterface::allInterfaces()) {
@@ -28,19 +26,16 @@ int cardOf(const QHostAddress& address)
 
 } // namespace
 
-UdpInput::UdpInput(Setup setup) : m_setup(std::move(setup))
+UdpInput::UdpInput(Setup setup) : m_setup(std::move(setup)), m_retry([this] { return tryToOpen(); })
 {
-    m_retry.setInterval(retryAfter);
-    QObject::connect(&m_retry, &QTimer::timeout, &m_socket, [this] { tryToOpen(); });
     QObject::connect(&m_socket, &QUdpSocket::readyRead, &m_socket, [this] { m_setup.read(); });
 }
 
 void UdpInput::open(std::uint16_t port)
 {
     m_socket.close();
-    m_retry.stop();
     m_port = port;
-    tryToOpen();
+    m_retry.start();
 }
 
 void UdpInput::close()
@@ -59,7 +54,7 @@ void UdpInput::setAddress(const QHostAddress& address)
     }
 }
 
-void UdpInput::tryToOpen()
+bool UdpInput::tryToOpen()
 {
     // A socket that is bound to the address of a card hears nothing that is sent to all of its
     // network: such an input is bound to all addresses, and drops what came by another card.
@@ -76,13 +71,8 @@ void UdpInput::tryToOpen()
         problem = m_socket.errorString().toStdString();
         m_socket.close();
     }
-    if (problem.empty()) {
-        m_retry.stop();
-        setFailure({});
-    } else {
-        m_retry.start();
-        setFailure(fmt::format("UDP {}: {}", m_port, problem));
-    }
+    setFailure(problem.empty() ? problem : fmt::format("UDP {}: {}", m_port, problem));
+    return problem.empty();
 }
 
 void UdpInput::setFailure(const std::string& failure)

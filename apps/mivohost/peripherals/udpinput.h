@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QtCore/QTimer>
+#include "base/portretry.h"
+
 #include <QtNetwork/QHostAddress>
 #include <QtNetwork/QNetworkDatagram>
 #include <QtNetwork/QUdpSocket>
@@ -12,8 +13,8 @@
 
 namespace mivohost {
 
-/// The UDP port of an input. A port that cannot be opened is tried again every two seconds until it
-/// is open or nobody wants it. GUI thread; the functions are called from the event loop.
+/// The UDP port of an input, which is tried again where it is taken. GUI thread; the functions are
+/// called from the event loop.
 class UdpInput
 {
 public:
@@ -49,16 +50,16 @@ public:
     QUdpSocket& socket() { return m_socket; }
 
 private:
-    void tryToOpen();
+    bool tryToOpen();
     void setFailure(const std::string& failure);
 
     const Setup m_setup;
-    std::uint16_t m_port = 0; // 0: it is not to be open
+    std::uint16_t m_port = 0; // 0 while it is closed
     QHostAddress m_address;
     int m_card = 0; // the network card that has the address; 0 for all
     std::string m_failure;
-    QTimer m_retry;
     QUdpSocket m_socket;
+    PortRetry m_retry;
 };
 
 } // namespace mivohost

@@ -5,26 +5,26 @@
 #include "mivohostkit/runtimethread.h"
 
 #include <QtNetwork/QNetworkProxy>
-#include <QtNetwork/QTcpServer>
 #include <QtNetwork/QTcpSocket>
-#include <QtNetwork/QUdpSocket>
 
 namespace mivohost {
 
 Listener::Listener(RuntimeThread& runtime, SettingsStore& store)
-    : m_runtime(runtime), m_store(store), m_tcp(std::make_unique<QTcpServer>()),
-      m_udp(std::make_unique<QUdpSocket>())
+    : m_runtime(runtime),
+      m_store(store), m_retries{PortRetry([this] { return apply(ListeningPorts::tcp); }),
+                                PortRetry([this] { return apply(ListeningPorts::udp); })}
 {
-    connect(m_tcp.get(), &QTcpServer::newConnection, this, [this] {
-        while (QTcpSocket* socket = m_tcp->nextPendingConnection()) {
+    m_tcp.setProxy(QNetworkProxy::NoProxy);
+    connect(&m_tcp, &QTcpServer::newConnection, this, [this] {
+        while (QTcpSocket* socket = m_tcp.nextPendingConnection()) {
             connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
             socket->disconnectFromHost();
         }
     });
-    connect(m_udp.get(), &QUdpSocket::readyRead, this, [this] {
+    connect(&m_udp, &QUdpSocket::readyRead, this, [this] {
         char byte = 0;
-        while (m_udp->hasPendingDatagrams()) {
-            m_udp->readDatagram(&byte, 1); // drops the rest
+        while (m_udp.hasPendingDatagrams()) {
+            m_udp.readDatagram(&byte, 1); // drops the rest
         }
     });
     m_runtime.call([this] {
@@ -42,29 +42,46 @@ Listener::~Listener()
 
 void Listener::carryOut(ListeningPorts::Port port, const STPortInfo& requested)
 {
+    port == ListeningPorts::tcp ? m_tcp.close() : m_udp.close();
+    m_requested[port] = requested;
+    m_failures[port].clear();
+    m_retries[port].stop();
+    m_retries[port].start();
+}
+
+bool Listener::apply(ListeningPorts::Port port)
+{
     const bool isTcp = port == ListeningPorts::tcp;
-    m_tcp->setProxy(QNetworkProxy::NoProxy);
-    isTcp ? m_tcp->close() : m_udp->close();
-    STPortInfo result = requested;
-    QString reason;
+    const STPortInfo& requested = m_requested[port];
+    const QString name = QStringLiteral("%1 %2")
+                             .arg(isTcp ? QLatin1String("TCP") : QLatin1String("UDP"))
+                             .arg(requested.port);
+    QString failure;
     if (requested.open && requested.port == 0) {
         // The system would choose one that nobody knows.
-        reason = reasonText(QStringLiteral("0 is no port"));
-        result.open = false;
-    } else if (requested.open) {
-        result.open = isTcp ? m_tcp->listen(QHostAddress::Any, requested.port)
-                            : m_udp->bind(QHostAddress::Any, requested.port,
-                                          QAbstractSocket::DontShareAddress);
-        if (!result.open) {
-            reason = isTcp ? m_tcp->errorString() : m_udp->errorString();
-        }
+        failure = reasonText(QStringLiteral("0 is no port"));
+    } else if (requested.open && isTcp) {
+        failure = m_tcp.listen(QHostAddress::Any, requested.port) ? QString() : m_tcp.errorString();
+    } else if (requested.open
+               && !m_udp.bind(QHostAddress::Any, requested.port,
+                              QAbstractSocket::DontShareAddress)) {
+        failure = m_udp.errorString();
+        m_udp.close();
     }
-    if (result.open) {
-        hostLog()->info("{} port {} is open", isTcp ? "TCP" : "UDP", result.port);
+    const bool isOpen = requested.open && failure.isEmpty();
+    const QString before = std::exchange(m_failures[port], failure);
+    if (!failure.isEmpty() && failure != before) {
+        emit failed(QStringLiteral("PortFailed"), QStringLiteral("%1: %2").arg(name, failure));
+    } else if (isOpen && !before.isEmpty()) {
+        emit recovered(name);
     }
-    m_runtime.post([this, port, result,
-                    text = reason.toStdString()] { m_store.ports().report(port, result, text); },
-                   __FILE__, __LINE__, "carryOut");
+    if (isOpen) {
+        hostLog()->info("{} port {} is open", isTcp ? "TCP" : "UDP", requested.port);
+    }
+    m_runtime.post([this, port, result = STPortInfo{isOpen, requested.port},
+                    text = failure.toStdString()] { m_store.ports().report(port, result, text); },
+                   __FILE__, __LINE__, "apply");
+    return failure.isEmpty() || requested.port == 0;
 }
 
 } // namespace mivohost
