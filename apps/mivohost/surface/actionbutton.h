@@ -19,12 +19,12 @@ public:
 
     int type() const { return m_type; }
     const std::string& path() const { return m_path; }
-    /// Of the action's text: the words of its path without their prefix.
+    /// The key of the action's text: its path without the prefix.
     const std::string& textKey() const { return m_textKey; }
     mivo::widgets::ShortCutCover* cover() const { return m_cover; }
 
     void setTexts();
-    /// With room below its text for what is bound.
+    /// Leaves room below its text for the text of the binding.
     void setEditing(bool on);
     /// Is highlighted for a moment: the action was triggered.
     void flash();

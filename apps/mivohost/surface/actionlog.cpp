@@ -15,8 +15,8 @@ namespace mivohost {
 namespace {
 
 constexpr int pause = 100;             // ms
-constexpr double mostLines = 50;       // at once
-constexpr double linesPerMs = 1 / 3e3; // for long
+constexpr double mostLines = 50;       // without a pause
+constexpr double linesPerMs = 1 / 3e3; // regained with time
 constexpr std::size_t mostNames = 4;   // in a line of several actions
 constexpr int longest = 60;            // characters of a control
 
@@ -62,7 +62,7 @@ void ActionLog::write()
         return;
     }
     const auto waiting = std::exchange(m_waiting, {});
-    std::vector<std::pair<int, std::string>> texts; // those that came seldom first
+    std::vector<std::pair<int, std::string>> texts; // the rarest first
     for (const auto& [name, entry] : waiting) {
         texts.emplace_back(entry.count,
                            name + (entry.control.empty() ? "" : " by " + shortened(entry.control))

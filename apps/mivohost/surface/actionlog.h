@@ -30,7 +30,7 @@ private:
     void write();
 
     std::map<std::string, Entry> m_waiting; // by name
-    double m_lines;                         // that may be written now
+    double m_lines;                         // how many may be written now
     QElapsedTimer m_written;
     QTimer m_pause;
 };

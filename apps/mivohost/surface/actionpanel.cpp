@@ -164,7 +164,7 @@ void ActionPanel::addConnections()
         m_edit->setFocus();
     });
     connect(&m_manager, &ShortCutMgr::signalShortCutSave, this, &ActionPanel::setBindings);
-    // Queued: at the start nobody listens yet.
+    // Queued: in the constructor nobody is connected yet.
     connect(
         &m_manager, &ShortCutMgr::signalShortCutFilePutAside, this,
         [this](const std::string& aside) {
@@ -199,7 +199,7 @@ void ActionPanel::addConnections()
             showHint();
         }
     });
-    // Also those of the start; nobody listens yet.
+    // Queued, so that failures at the start are told as well: nobody is connected yet.
     QMetaObject::invokeMethod(
         this,
         [this] {

@@ -27,7 +27,7 @@ void ListenAddressBox::refill()
         }
     }
     if (findData(current) < 0) {
-        addItem(current, current); // of a network card that is away
+        addItem(current, current); // its network card is not there now
     }
     setCurrentIndex(findData(current));
 }

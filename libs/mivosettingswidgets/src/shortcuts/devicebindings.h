@@ -24,7 +24,7 @@ struct PendingBinding
     std::string keyValue;
 };
 
-/// The services of devices, which the host lends, and what is bound by them. Knows no covers. GUI
+/// The MIDI, OSC and DMX services, which the host owns, and their bindings. Knows no covers. GUI
 /// thread. Every operation on a kind without a service does nothing.
 class DeviceBindings
 {
@@ -43,7 +43,7 @@ public:
     Borrowed<mivo::peripheralcontrol::OscPeripheral> osc;
     Borrowed<mivo::peripheralcontrol::DmxPeripheral> dmx;
 
-    /// Lends one of the three; a null one changes nothing, and then this returns false.
+    /// Sets one of the three services. A null one changes nothing, and then this returns false.
     template <typename Service>
     bool use(Borrowed<Service>& borrowed, Service* service, EnumPeripheralShortCutType kind)
     {
@@ -51,7 +51,7 @@ public:
             return false;
         }
         borrowed.reset(service);
-        // On any thread, also while this ends.
+        // Called on any thread, also during the destructor of this.
         borrowed.follow(service->controlMessage,
                         [mailbox = m_mailbox, kind](int action, const std::string& path,
                                                     const std::string& value) {
@@ -71,17 +71,17 @@ public:
         return true;
     }
 
-    /// Null where the host has not lent one.
+    /// Null where the host has not set one.
     mivo::peripheralcontrol::Peripheral* service(EnumPeripheralShortCutType kind) const;
 
     std::vector<Info> bindings(EnumPeripheralShortCutType kind) const;
     const std::vector<PendingBinding>& pending() const { return m_pending; }
 
     void learn(EnumPeripheralShortCutType kind, int type, const std::string& path);
-    /// Of all kinds.
+    /// For all kinds of devices.
     void stopLearning();
-    /// Keeps what was learned as pending, in the place of what was pending for its action or
-    /// control.
+    /// Adds a binding to the pending ones, and removes those of the same action or control. Only
+    /// bindings of type ShortCutOfPath are pending, and none of OSC.
     void remember(EnumPeripheralShortCutType kind, const Info& info);
     /// Hands a binding to the service and remembers it. False where MIDI or DMX has no service.
     bool bind(EnumPeripheralShortCutType kind, const Info& info);
@@ -89,7 +89,7 @@ public:
     void clear(EnumPeripheralShortCutType kind);
     void setLocked(bool locked);
 
-    /// May lead to the end of this and of its owner.
+    /// What a message leads to may destroy this and its owner.
     void deliverWaiting();
 
 private:

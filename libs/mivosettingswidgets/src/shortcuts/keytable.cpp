@@ -14,7 +14,7 @@ namespace mivo::settings {
 
 namespace {
 
-/// Takes out all entries for which it holds.
+/// Removes the entries for which the predicate holds, and returns them.
 template <typename Predicate>
 std::vector<STShortCutItem> takeOut(std::vector<STShortCutItem>& items, Predicate isTaken)
 {
@@ -30,7 +30,7 @@ std::optional<std::string> contentOf(const std::filesystem::path& path)
 {
     std::error_code error;
     std::ifstream file;
-    if (!std::filesystem::is_other(path, error)) { // a pipe would be waited for
+    if (!std::filesystem::is_other(path, error)) { // opening a pipe waits for its writer
         file.open(path, std::ios::binary);
     }
     if (!file.is_open()) {

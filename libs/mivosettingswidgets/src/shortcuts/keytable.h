@@ -22,11 +22,11 @@ public:
     /// is logged, and the next save puts the file aside.
     void load();
 
-    /// Writes the file. What goes wrong is logged, if it is known at all. Returns the path to which
-    /// a file that could not be read was renamed, or nothing.
+    /// Writes the file. Errors of the file system are logged; the result of the write is not looked
+    /// at. Returns the path to which a file that could not be read was renamed, or nothing.
     std::string save();
 
-    /// In the place of all entries of that type and path.
+    /// Adds an entry, and removes all others of that type and path.
     void put(EnumShortCutType type, const std::string& path, const std::string& keys,
              ShortCutModuleType module);
     /// Removes the first entry of that type and path; false where there is none.
@@ -34,7 +34,7 @@ public:
 
     /// The first entry that holds the keys, or null.
     const STShortCutItem* holderOf(const std::string& keys) const;
-    /// Takes out all entries that hold the keys.
+    /// Removes all entries that hold the keys, and returns them.
     std::vector<STShortCutItem> takeHoldersOf(const std::string& keys);
 
     static bool matches(const STShortCutItem& item, EnumShortCutType type, const std::string& path)

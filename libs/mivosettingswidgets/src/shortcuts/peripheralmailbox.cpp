@@ -12,7 +12,8 @@ namespace mivo::settings {
 namespace {
 
 constexpr std::size_t mostWaiting = 4096;
-constexpr int warnEvery = 3000; // milliseconds; a flood is not to push all else out of the log
+constexpr int warnEvery =
+    3000; // milliseconds; a flood must not push everything else out of the log
 
 } // namespace
 
@@ -65,7 +66,7 @@ std::optional<ControlMessage> PeripheralMailbox::takeNext()
 
 void PeripheralMailbox::deliverWaiting()
 {
-    std::size_t most = 0; // a flood is to leave other events their turn
+    std::size_t most = 0; // no more than wait now, so that a flood leaves other events their turn
     {
         const std::lock_guard lock(m_mutex);
         m_isWoken = false;
@@ -73,7 +74,7 @@ void PeripheralMailbox::deliverWaiting()
     }
     warnOfDropped();
     for (; most > 0; --most) {
-        const auto next = takeNext(); // none when the one before has ended the owner
+        const auto next = takeNext(); // none where the one before destroyed the owner
         if (!next) {
             return;
         }

@@ -23,12 +23,13 @@ struct ControlMessage
     std::string value;
 };
 
-/// Brings what services say on their threads to the thread of its owner, in order. It outlives the
-/// owner in the connections of the services, whose calls may still be going on.
+/// A queue that carries the messages of services from their threads to the thread of its owner, in
+/// order. The connections to the services share it, as their calls may still run when the owner is
+/// destroyed.
 ///
-/// At most 4096 messages wait; those that come on top are dropped, counted and logged, at most
-/// every three seconds. What is said on the owner's own thread arrives at once. All functions from
-/// any thread, but for close().
+/// At most 4096 messages wait; further ones are dropped, counted and logged, at most every three
+/// seconds. A message from the owner's own thread is delivered at once. All functions on any
+/// thread, except where another one is named.
 class PeripheralMailbox : public std::enable_shared_from_this<PeripheralMailbox>
 {
 public:
@@ -38,11 +39,11 @@ public:
     /// The owner has a slot `deliverWaiting` that calls the function of that name.
     PeripheralMailbox(QObject* owner, Deliver deliver);
 
-    /// To be called before the owner ends, on its thread. Nothing arrives from then on.
+    /// Called on the owner's thread before it is destroyed. Nothing is delivered from then on.
     void close();
 
     void receive(ControlMessage message);
-    /// Calls it at once, on this thread, with the owner kept from ending meanwhile.
+    /// Calls the function at once, on this thread; the owner is not destroyed meanwhile.
     void withOwner(const std::function<void(QObject&)>& function);
 
     /// On the owner's thread.
@@ -55,12 +56,12 @@ private:
     void warnOfDropped();
 
     std::mutex m_mutex;
-    QObject* m_owner; // null once it ends
+    QObject* m_owner; // null after close()
     const Deliver m_deliver;
     std::deque<ControlMessage> m_waiting;
-    bool m_isWoken = false;    // and has not begun to deliver
-    std::size_t m_dropped = 0; // and not logged yet
-    QElapsedTimer m_warned;    // of the last line about them; the owner's thread, as the next
+    bool m_isWoken = false;    // deliverWaiting() is queued and has not begun
+    std::size_t m_dropped = 0; // messages that are not logged yet
+    QElapsedTimer m_warned;    // when they were logged last; owner's thread, as the next one
     bool m_isWarningDue = false;
 };
 

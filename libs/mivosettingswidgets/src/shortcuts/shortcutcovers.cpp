@@ -20,7 +20,7 @@ QString textOf(const Texts& texts, const Key& key)
     return found == texts.end() ? QString() : QString::fromStdString(*found->second);
 }
 
-/// What the covers show that are found by their types, and by their paths.
+/// The texts for covers that are found by their types, and for those found by their paths.
 struct Texts
 {
     std::unordered_map<int, const std::string*> byType;
@@ -94,7 +94,7 @@ void ShortCutCovers::takeTexts(const QSet<Cover*>& covers, std::vector<STShortCu
     using Key = decltype(keyOf(items.front()));
     struct Place
     {
-        std::size_t last = 0; // of the entries with that key
+        std::size_t last = 0; // the index of the last entry with that key
         bool hasCover = false;
     };
     std::unordered_map<Key, Place> places;
@@ -118,7 +118,8 @@ void ShortCutCovers::takeTexts(const QSet<Cover*>& covers, std::vector<STShortCu
             items[place->second.last] = std::move(shown);
         }
     }
-    // Of several entries with one key the cover shows the last; nothing could clear the others.
+    // Of several entries with one key the cover shows the last one. The others are removed, as no
+    // cover could clear them.
     std::size_t at = 0;
     items.erase(std::remove_if(items.begin(), items.end(),
                                [&](const STShortCutItem& item) {

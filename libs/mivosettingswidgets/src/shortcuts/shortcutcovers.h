@@ -24,7 +24,7 @@ public:
     using Cover = mivo::widgets::ShortCutCover;
 
     void insert(Cover* cover);
-    /// Also of one that is just ending.
+    /// Also called for a cover that is being destroyed.
     void remove(Cover* cover);
     bool contains(Cover* cover) const
     {
@@ -43,16 +43,16 @@ public:
 
     /// Null where there is none.
     Cover* of(int type, const std::string& path) const;
-    /// Those that are found by their paths, by them as they are reported.
+    /// The covers that are found by their paths; the key is reportedPath().
     std::unordered_map<std::string, Cover*> byReportedPath() const;
 
-    /// Has every cover show the keys of its entry, or none.
+    /// Shows on every cover the keys of its entry; none where it has no entry.
     void pushTexts(const STLinkShortCutInfo& table) const;
-    /// Has the table hold the keys that covers show under the covers' paths, as new entries where
+    /// Writes the keys that covers show into the table, with the covers' paths; adds entries where
     /// there are none.
     void takeTexts(STLinkShortCutInfo& table) const;
 
-    /// Has the covers show which controls of that kind of device are bound to them, or none.
+    /// Shows on the covers which controls of that kind of device are bound to them.
     static void showBindings(EnumPeripheralShortCutType kind,
                              const std::vector<peripheralcontrol::SDeviceBindInfo>& bindings,
                              const QList<Cover*>& covers);

@@ -27,7 +27,8 @@ constexpr const char* invalidArray = "no valid array!";
 
 constexpr int maxDepth = 64; // of values that are skipped; the parser recurses
 
-/// What the next value is. The first error that it sees stays in `error`.
+/// Receives the parser's events, and knows which value must come next. `error` keeps the first
+/// error.
 class Handler
 {
 public:
@@ -135,7 +136,7 @@ public:
         return true;
     }
 
-    /// What is wrong with a value that the parser could not take.
+    /// The message for a value that is not what must come next.
     const char* expected() const
     {
         switch (m_skipped > 0 ? Next::topSkipped : m_next) {
@@ -183,7 +184,7 @@ private:
 
     bool number() { return m_next == Next::type ? fail(notIntegral) : other(); }
 
-    /// A value that is not what is expected here, unless it is skipped.
+    /// A value that is part of a skipped member, or else an error.
     bool other()
     {
         if (m_skipped > 0) {

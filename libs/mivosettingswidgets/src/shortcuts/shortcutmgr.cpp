@@ -43,8 +43,8 @@ STLinkShortCutInfo ShortCutMgr::linkShortCutInfo() const
 
 void ShortCutMgr::shortCutInfoSave(const STLinkShortCutInfo& info)
 {
-    STLinkShortCutInfo wanted = info; // it may be what linkShortCutInfo() is made of
-    // As slotClearShortCut() does, but the file has no moment without keys.
+    STLinkShortCutInfo wanted = info; // a copy: it may refer to the lists that are cleared now
+    // As slotClearShortCut(), but without writing a file without keys meanwhile.
     m_impl->clearKeys(Impl::Write::no);
     m_impl->keys.lists = std::move(wanted);
     m_impl->save();

@@ -74,8 +74,8 @@ bool ShortCutMgr::Impl::existShortCutsItem(EnumShortCutType type, const std::str
     if (KeyTable::matches(*holder, type, path)) {
         return true;
     }
-    // While the question is open the table may change, this may go, and so may the cover that asks,
-    // with its path.
+    // While the question is open the table may change, and this or the cover that asks (with its
+    // path) may be destroyed.
     const STShortCutItem asking{type, path, shortCutStr};
     const QPointer<Impl> self(this);
     const bool isConfirmed = confirmMove();

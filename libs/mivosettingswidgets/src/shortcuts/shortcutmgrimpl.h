@@ -10,7 +10,7 @@
 
 namespace mivo::settings {
 
-/// What the manager does between keys, devices and covers: its slots are connected to the covers.
+/// Connects covers, keys and devices. Its slots are connected to the covers.
 class ShortCutMgr::Impl : public QObject
 {
     Q_OBJECT
@@ -75,7 +75,7 @@ private:
 
     ShortCutMgr* m_manager;
     std::optional<EnumPeripheralShortCutType> m_opened; // for which kind the covers are open
-    const ShortCutCover* m_learner = nullptr; // the cover whose control is learned, if it is there
+    const ShortCutCover* m_learner = nullptr; // the cover for which a control is being learned
 };
 
 template <typename Service>
