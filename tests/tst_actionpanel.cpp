@@ -9,14 +9,12 @@
 #include <mivowidgets/shortcutcover.h>
 
 #include <QtCore/QDir>
-#include <QtCore/QElapsedTimer>
 #include <QtCore/QFileInfo>
 #include <QtCore/QTemporaryDir>
 #include <QtWidgets/QAction>
 #include <QtWidgets/QProgressDialog>
 #include <QtWidgets/QVBoxLayout>
 
-#include <regex>
 #include <sys/stat.h>
 
 namespace actionpaneltest {
@@ -110,12 +108,11 @@ protected:
         chooseItem(control<QComboBox>("shortcutKind"), kind);
     }
 
-    void clearAll(bool agrees)
+    void clearAll(TipDialog::Result answer)
     {
-        whenModal<TipDialog>([agrees](TipDialog& question) {
-            question.done(agrees ? TipDialog::accepted : TipDialog::cancelled);
-        });
+        whenModal<TipDialog>([answer](TipDialog& question) { question.done(answer); });
         control("clearShortcuts")->click();
+        goToWindow();
     }
 
     /// What was carried out since the last call, by what the log says of it.
@@ -171,45 +168,33 @@ protected:
 
 } // namespace
 
-TEST_F(Panel, AKeyIsBoundByKeyboardAloneAndTriggersAlsoAfterARestart)
-{
-    press(Qt::Key_E, Qt::ControlModifier);
-    ASSERT_TRUE(QTest::qWaitFor([this] { return panel->isEditing(); }));
-    press(Qt::Key_Tab);
-    press(Qt::Key_Tab);
-    ASSERT_EQ(QApplication::focusWidget(), cover(mute));
-    press(Qt::Key_E, Qt::ControlModifier); // a key like any other here
-    EXPECT_EQ(cover(mute)->getShortCutStr(), "Ctrl + E");
-    press(Qt::Key_F7, Qt::ControlModifier);
-    press(Qt::Key_Escape);
-    EXPECT_FALSE(panel->isEditing());
-    EXPECT_EQ(QApplication::focusWidget(), control("editShortcuts"));
-    EXPECT_EQ(triggered(), "");
-    for (int run = 0; run < 2; ++run) {
-        press(Qt::Key_F7, Qt::ControlModifier);
-        EXPECT_TRUE(button(mute)->property("flash").toBool());
-        EXPECT_EQ(triggered(), "Global/MuteSwitch by Ctrl + F7") << run;
-        EXPECT_TRUE(QTest::qWaitFor([&] { return !button(mute)->property("flash").toBool(); }));
-        start();
-    }
-}
-
 TEST_F(Panel, ABoundKeyGoesBeforeMenusButNotBeforeTyping)
 {
     writeFile(shortCutFilePath(),
               R"({"shortCutInfoList":[{"type":9999,"path":"","shortCutStr":"Ctrl + M"},)"
               R"({"type":210,"path":"","shortCutStr":"Ctrl + Z"}]})");
     start();
-    bindKey(mute, Qt::Key_N, Qt::ControlModifier);
+    press(Qt::Key_E, Qt::ControlModifier);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return panel->isEditing(); }));
+    press(Qt::Key_Tab);
+    press(Qt::Key_Tab);
+    press(Qt::Key_E, Qt::ControlModifier); // a key like any other here
+    EXPECT_EQ(cover(mute)->getShortCutStr(), "Ctrl + E");
+    press(Qt::Key_N, Qt::ControlModifier);
+    press(Qt::Key_Escape);
+    EXPECT_EQ(QApplication::focusWidget(), control("editShortcuts"));
     const std::string used = "Global/MuteSwitch by Ctrl + N";
-    for (const char* keys : {"Ctrl+N", "Ctrl+M", "Ctrl+Z"}) { // unknown, and reserved
+    for (const char* keys : {"Ctrl+N", "Ctrl+M", "Ctrl+Z"}) { // bound, unknown, and reserved
         QAction menu(window.get());
         menu.setShortcut(QKeySequence(keys));
         window->addAction(&menu);
         QSignalSpy chosen(&menu, &QAction::triggered);
         QTest::keySequence(window.get(), QKeySequence(keys));
-        EXPECT_EQ(triggered(), chosen.isEmpty() ? used : "") << keys;
-        EXPECT_EQ(chosen.isEmpty(), keys == std::string("Ctrl+N"));
+        const bool isBound = keys == std::string("Ctrl+N");
+        EXPECT_EQ(button(mute)->property("flash").toBool(), isBound);
+        EXPECT_EQ(triggered(), isBound ? used : "") << keys;
+        EXPECT_EQ(chosen.isEmpty(), isBound);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !button(mute)->property("flash").toBool(); }));
     }
     EXPECT_EQ(kept().size(), 3U) << "another version may know them";
 
@@ -217,18 +202,16 @@ TEST_F(Panel, ABoundKeyGoesBeforeMenusButNotBeforeTyping)
     field->setFocus();
     press(Qt::Key_N, Qt::ControlModifier);
     EXPECT_EQ(triggered(), used) << "a command, not a text";
-    QTest::keyClicks(field, "a");
-    EXPECT_EQ(field->text(), "a");
-    QDialog modal(window.get());
+    press(Qt::Key_A);
     whenModal<QDialog>([](QDialog& dialog) {
         press(Qt::Key_N, Qt::ControlModifier);
         dialog.reject();
     });
-    modal.exec();
+    QDialog(window.get()).exec();
     goToWindow();
     QKeyEvent held(QEvent::KeyPress, Qt::Key_A, Qt::NoModifier, "a", true);
     QApplication::sendEvent(window.get(), &held);
-    EXPECT_EQ(triggered(), "") << "neither of these";
+    EXPECT_EQ(triggered(), "") << "a text, a key while a dialog waits, and one that is held";
     press(Qt::Key_A);
     EXPECT_EQ(triggered(), "Stage/Take by A");
 }
@@ -268,31 +251,23 @@ TEST_F(Panel, BindingsOfDevicesAreShownClearedAndAskedFor)
     EXPECT_FALSE(clear->isEnabled()) << "no keys";
     panel->setEditing(true);
     chooseKind(PeripheralMidi);
-    ASSERT_TRUE(clear->isEnabled());
-    for (const bool agrees : {false, true}) {
-        clearAll(agrees);
-        EXPECT_EQ(peripherals->midi().bindings().empty(), agrees);
-        EXPECT_EQ(clear->isEnabled(), !agrees);
-    }
-    goToWindow();
-    chooseKind(PeripheralOsc);
-    cover(take)->setFocus();
-    press(Qt::Key_Backspace);
-    EXPECT_EQ(cover(take)->keyText(PeripheralOsc).toStdString(), takePath) << "for good";
+    clearAll(TipDialog::cancelled);
+    EXPECT_EQ(peripherals->midi().bindings().size(), 1U);
+    clearAll(TipDialog::accepted);
+    EXPECT_TRUE(peripherals->midi().bindings().empty());
+    EXPECT_FALSE(clear->isEnabled());
+    chooseKind(PeripheralDmx);
     auto* address = control<QComboBox>("listenAddress");
     chooseItem(address, address->findText("127.0.0.1"));
     EXPECT_EQ(peripherals->listenAddress(), "127.0.0.1");
     const auto* hint = control<QLabel>("shortcutHint");
-    EXPECT_TRUE(hint->text().startsWith("OSC is off")) << hint->text().toStdString();
-    chooseKind(PeripheralDmx);
     const QString off = hint->text();
     peripherals->dmx().setInfo({true, "mivo", 0, 0, 0});
     EXPECT_NE(hint->text(), off);
-    const QString before = cover(take)->accessibleName();
     useHostLanguage(QStringLiteral("zh_cn"));
     panel->setTexts();
-    EXPECT_NE(cover(take)->accessibleName(), before);
     EXPECT_EQ(cover(take)->accessibleName(), button(take)->text());
+    EXPECT_NE(button(take)->text(), "Take");
 }
 
 TEST_F(Panel, AllBindingsGoOutIntoAFileAndComeBack)
@@ -307,25 +282,21 @@ TEST_F(Panel, AllBindingsGoOutIntoAFileAndComeBack)
               "ShortcutsNotExported " + folder.path());
     for (const auto kind : {PeripheralKeyboard, PeripheralMidi, PeripheralDmx}) {
         chooseKind(kind);
-        clearAll(true);
+        clearAll(TipDialog::accepted);
     }
     EXPECT_TRUE(kept().empty());
-    goToWindow();
     bindKey(take, Qt::Key_F6);
     const auto all = [this] {
         std::string texts;
-        for (const auto& [type, kind] :
-             {std::pair(mute, PeripheralKeyboard), std::pair(take, PeripheralKeyboard),
-              std::pair(take, PeripheralMidi), std::pair(mute, PeripheralDmx)}) {
-            const ShortCutCover* of = cover(type);
-            texts += (kind == PeripheralKeyboard ? of->getShortCutStr() : of->keyText(kind))
-                         .toStdString()
-                     + '|';
+        for (const int type : {mute, take}) {
+            texts += cover(type)->getShortCutStr().toStdString() + '|'
+                     + cover(type)->keyText(PeripheralMidi).toStdString() + '|'
+                     + cover(type)->keyText(PeripheralDmx).toStdString() + '|';
         }
         return texts + std::to_string(kept().size());
     };
     EXPECT_EQ(toldOf(&BindingsTransfer::importFrom, file), "");
-    const std::string imported = "Ctrl + F5||CC 7 ch 1 (X \"1\")|DMX 12|1";
+    const std::string imported = "Ctrl + F5||DMX 12||CC 7 ch 1 (X \"1\")||1";
     EXPECT_EQ(all(), imported) << "in the place of what was there";
     start();
     EXPECT_EQ(all(), imported);
@@ -356,7 +327,7 @@ TEST_F(Panel, AllBindingsGoOutIntoAFileAndComeBack)
                      R"({"type":187,"path":"","shortCutStr":"F9"},)"
                      R"({"type":211,"path":"/Peripherals/group/one","shortCutStr":"F8"}]})"),
         "");
-    EXPECT_EQ(all(), "|Ctrl + Shift + F7||DMX 9|3") << "no reserved keys, and none twice";
+    EXPECT_EQ(all(), "||DMX 9|Ctrl + Shift + F7|||3") << "no reserved keys, and none twice";
     EXPECT_EQ(kept().front().path, takePath);
     EXPECT_EQ(kept()[1].type, 9999) << "an action that another version has";
     goToWindow();
@@ -418,24 +389,6 @@ TEST_F(Panel, WhatCannotBeReadSavedOrOpenedIsToldAndTriedAgain)
     EXPECT_EQ(told, QStringList{"KeysPutAside " + aside});
     EXPECT_EQ(readFile(aside), "{");
     QFile::remove(aside);
-}
-
-TEST(ActionLogs, HaveABudgetOfLinesWhateverGoesOn)
-{
-    const LogCapture log;
-    ActionLog actions;
-    QElapsedTimer time;
-    time.start();
-    for (int round = 0; round < 25; ++round) {
-        for (int i = 0; i < 40; ++i) {
-            actions.add("action " + std::to_string(i), std::string(1000, 'x'));
-        }
-        QTest::qWait(110);
-    }
-    const auto lines = log.lines();
-    EXPECT_LE(lines.size(), 51 + static_cast<std::size_t>(time.elapsed() / 3000));
-    EXPECT_TRUE(std::all_of(lines.begin(), lines.end(),
-                            [](const std::string& line) { return line.size() < 400; }));
 }
 
 } // namespace actionpaneltest

@@ -35,6 +35,8 @@ std::string fileOf(const std::string& entries)
 
 TEST(ShortCutFile, ReadsBackWhatItWrites)
 {
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
+    EXPECT_EQ(shortCutFilePath(), folder + "_Display/shortcut.json");
     EXPECT_EQ(formatShortCuts({}), fileOf(""));
     EXPECT_EQ(formatShortCuts({item(187, "", "A")}), fileOf(entry));
     const std::vector<STShortCutItem> items{
@@ -73,30 +75,20 @@ TEST(ShortCutFile, SaysWhereAndWhyItCannotBeRead)
         {" \r\n \n", "line :3 col :0", document},
         {"{\n \"shortCutInfoList\":\n  [x", "line :3 col :3", "no valid array!"},
         {"{\r\n \"shortCutInfoList\":\r\n  [x", "line :3 col :3", "no valid array!"},
-        {"[]", "", document},
         {R"({"a":1})", "line :1 col :7", document},
-        {R"({"shortCutInfoList":[])", "", document},
         {fileOf("") + " {}", "", document},
         {fileOf(R"({"type":1,"path":""})"), "", document},
         {R"({"x":)" + repeated("[", 100000), "", document},
-        {R"({"x":)" + repeated(R"({"a":)", 100000), "", document},
         {R"({"shortCutInfoList":{}})", "", "array must start with [."},
-        {R"({"shortCutInfoList":1})", "", "array must start with [."},
         {fileOf("1"), "", "no valid array!"},
-        {fileOf(entry + ","), "", "no valid array!"},
         {fileOf(entry + entry), "", "no valid array!"},
         {fileOf(R"({"type":"187","path":""})"), "line :1 col :34", "not a valid number!"},
-        {fileOf(R"({"type":true})"), "", "not a valid number!"},
-        {fileOf(R"({"type":1.})"), "", "not a valid number!"},
         {fileOf(R"({"type":1e999})"), "", "not a valid number!"},
         {fileOf(R"({"type":1.5})"), "", notIntegral},
         {fileOf(R"({"type":2147483648})"), "", notIntegral},
-        {fileOf(R"({"type":-9223372036854775808})"), "", notIntegral},
-        {fileOf(R"({"type":1,"path":2})"), "", "not a valid string!"},
         {fileOf(R"({"type":1,"shortCutStr":null})"), "", "not a valid string!"},
         {fileOf(R"({"type":1,"path":"abc)"), "", "not a valid quote string!"},
         {fileOf(R"({"type":1,"path":"\x"})"), "", "not a valid quote string!"},
-        {"/ {}", "", "not a comment!"},
         {"/* {}", "", "not a comment!"},
     };
     for (const auto& test : cases) {
@@ -112,12 +104,6 @@ TEST(ShortCutFile, SaysWhereAndWhyItCannotBeRead)
     }
 }
 
-TEST(ShortCutFile, StandsBesideTheDataFolder)
-{
-    const QString folder = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
-    EXPECT_EQ(shortCutFilePath(), folder + "_Display/shortcut.json");
-}
-
 TEST(ShortCutTable, ReportsPathsByTheirWordsAndReservesKeys)
 {
     EXPECT_EQ(reportedPath("/Peripherals/Group/Name"), "Group:Name");
@@ -129,33 +115,14 @@ TEST(ShortCutTable, ReportsPathsByTheirWordsAndReservesKeys)
         types.insert(action.type);
     }
     EXPECT_EQ(types.size(), 47U);
-    const auto isReserved = [](const char* keys) { return isReservedKeySequence(keys); };
-    const auto reserved = {"Ctrl + C",
-                           "Ctrl + V",
-                           "Ctrl + X",
-                           "Ctrl + S",
-                           "Ctrl + Left",
-                           "Ctrl + Right",
-                           "Shift + Left",
-                           "Shift + Right",
-                           "Shift + Down",
-                           "Shift + Up",
-                           "Ctrl + A",
-                           "Ctrl + Shift + K",
-                           "Ctrl + Shift + M",
-                           "Ctrl + H",
-                           "Ctrl + Z",
-                           "Ctrl + Y",
-                           "Space",
-                           "Win",
-                           "Left",
-                           "Up",
-                           "Right",
-                           "Down",
-                           "Shift + H"};
-    EXPECT_TRUE(std::all_of(reserved.begin(), reserved.end(), isReserved));
-    const auto free = {"ctrl + c", "Ctrl+C", "", "Ctrl + K", "win", "Shift + Ctrl + K"};
-    EXPECT_TRUE(std::none_of(free.begin(), free.end(), isReserved));
+    const QString reserved = "Ctrl + C|Ctrl + V|Ctrl + X|Ctrl + S|Ctrl + Left|Ctrl + Right|"
+                             "Shift + Left|Shift + Right|Shift + Down|Shift + Up|Ctrl + A|"
+                             "Ctrl + Shift + K|Ctrl + Shift + M|Ctrl + H|Ctrl + Z|Ctrl + Y|Space|"
+                             "Win|Left|Up|Right|Down|Shift + H";
+    const QString free = "ctrl + c|Ctrl+C||Ctrl + K|win|Shift + Ctrl + K";
+    for (const QString& keys : (reserved + '|' + free).split('|')) {
+        EXPECT_EQ(isReservedKeySequence(keys), reserved.split('|').contains(keys)) << keys;
+    }
 }
 
 } // namespace shortcutfiletest

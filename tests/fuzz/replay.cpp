@@ -11,12 +11,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
 
 int main(int argc, char** argv)
 {
-    if (argc != 2) {
-        std::fprintf(stderr, "one folder is needed\n");
-        return 2;
-    }
     int files = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(argv[1])) {
+    for (const auto& entry : std::filesystem::directory_iterator(argv[argc - 1])) {
         std::ifstream file(entry.path(), std::ios::binary);
         const std::vector<char> content((std::istreambuf_iterator<char>(file)), {});
         const std::vector<std::uint8_t> bytes(content.begin(), content.end());

@@ -9,7 +9,7 @@
 class QtLog
 {
 public:
-    QtLog() : m_previous(qInstallMessageHandler(take)) { lines().clear(); }
+    QtLog() { lines().clear(); }
     ~QtLog() { qInstallMessageHandler(m_previous); }
     Q_DISABLE_COPY(QtLog)
 
@@ -20,13 +20,11 @@ public:
     }
 
 private:
-    static void take(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message)
-    {
-        const bool isOurs = message.startsWith("--") || message.startsWith("_settings");
-        if (type == QtWarningMsg && isOurs) {
-            lines().push_back(message.toStdString());
-        }
-    }
-
-    QtMessageHandler m_previous;
+    QtMessageHandler m_previous = qInstallMessageHandler(
+        [](QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
+            if (type == QtWarningMsg
+                && (message.startsWith("--") || message.startsWith("_settings"))) {
+                lines().push_back(message.toStdString());
+            }
+        });
 };

@@ -35,13 +35,10 @@ public:
     {
         service.controlMessage.connect(
             [this](int type, const std::string& path, const std::string& control) {
-                add(std::to_string(type) + ' ' + path + ' ' + control);
+                add({type, path, control}, "");
             });
         service.bindResult.connect(
-            [this](const mivo::peripheralcontrol::SDeviceBindInfo& info, bool isBound) {
-                add(std::to_string(info.type) + ' ' + info.oprKey + ' ' + info.keyValue
-                    + (isBound ? " bound" : " refused"));
-            });
+            [this](const Info& info, bool isBound) { add(info, isBound ? " bound" : " refused"); });
     }
 
     /// Since the last call.
@@ -58,10 +55,13 @@ public:
     }
 
 private:
-    void add(std::string line)
+    using Info = mivo::peripheralcontrol::SDeviceBindInfo;
+
+    void add(const Info& info, const char* result)
     {
         const std::lock_guard lock(m_mutex);
-        m_lines.push_back(std::move(line));
+        m_lines.push_back(std::to_string(info.type) + ' ' + info.oprKey + ' ' + info.keyValue
+                          + result);
     }
 
     std::mutex m_mutex;
