@@ -132,32 +132,28 @@ using Osc = Input<OscService>;
 
 } // namespace
 
-TEST_F(Bindings, AControlIsLearnedOnceMovesOnlyWhenItIsBoundAndIsSavedWhenItChanges)
+TEST_F(Bindings, AreChangedAndSavedOnlyWhenAControlIsFreeOrMoved)
 {
     auto table = make();
     const SDeviceBindInfo first{187, "a", "knob 1"};
+    const SDeviceBindInfo second{188, "b", "knob 2"};
+    table.bind(first);
+    table.bind(second);
+    table.learn(188, "b");
+    EXPECT_EQ(table.use("knob 1", true, false).first, Outcome::triggered) << "a repeat";
+    EXPECT_EQ(table.use("knob 1", false, true).first, Outcome::refused);
+    EXPECT_EQ(table.use("knob 3", false, true).first, Outcome::nothing) << "learning has ended";
     table.learn(187, "a");
-    EXPECT_EQ(table.use("knob 1", true, false).first, Outcome::nothing) << "a repeat";
-    EXPECT_EQ(table.use("knob 1", false, true), std::pair(Outcome::learned, first));
-    EXPECT_EQ(table.use("knob 1", true, true), std::pair(Outcome::triggered, first));
-    EXPECT_EQ(table.use("knob 1", false, true).first, Outcome::nothing);
-    table.bind({188, "b", "knob 2"});
+    EXPECT_EQ(table.use("knob 1", false, true).first, Outcome::learned) << "its own control";
     table.learn(187, "a");
     table.stopLearning();
-    EXPECT_EQ(table.use("knob 2", true, true).first, Outcome::triggered);
-    const SDeviceBindInfo wanted{188, "b", "knob 1"};
-    table.learn(188, "b");
-    EXPECT_EQ(table.use("knob 1", true, true), std::pair(Outcome::refused, wanted));
-    EXPECT_EQ(table.use("knob 1", true, true).first, Outcome::triggered) << "learning has ended";
-    table.learn(187, "a");
-    EXPECT_EQ(table.use("knob 1", true, true).first, Outcome::learned) << "its own control";
-    EXPECT_EQ(table.bindings(), (Infos{first, {188, "b", "knob 2"}}));
-    EXPECT_EQ(saves, 2) << "nothing has changed since they were bound";
-    table.bind(wanted);
-    EXPECT_EQ(table.use("knob 2", true, true).first, Outcome::nothing) << "it is free";
+    EXPECT_EQ(table.use("knob 2", true, true), std::pair(Outcome::triggered, second));
     table.bind({188, "b", "no control"});
     table.unbind(188, "other");
-    EXPECT_EQ(table.bindings(), Infos{wanted});
+    EXPECT_EQ(table.bindings(), (Infos{first, second}));
+    EXPECT_EQ(saves, 2);
+    table.bind({188, "b", "knob 1"});
+    EXPECT_EQ(table.use("knob 2", true, true).first, Outcome::nothing) << "it is free";
     table.unbind(188, "b");
     EXPECT_EQ(saved, "[]");
 }

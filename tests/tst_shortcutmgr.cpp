@@ -349,16 +349,20 @@ TEST_F(ShortCuts, MessagesKeepTheirOrderWhileAnActionWaitsAndAFloodIsBounded)
         }).join();
     };
     std::vector<int> order;
+    int last = 2;
     QObject::connect(&manager, &ShortCutMgr::signalPeripheralsControl, [&](int action) {
         order.push_back(action);
         if (action == 1) {
-            send(3, 4);
+            send(3, last + 1);
             QApplication::processEvents(); // as a dialog does
-            EXPECT_EQ(order, (std::vector{1, 2, 3})) << "nothing waits for its end";
+            EXPECT_EQ(order.back(), last) << "nothing waits for its end";
         }
     });
-    send(1, 3);
-    QApplication::processEvents();
+    for (; last < 4; ++last) {
+        order.clear();
+        send(1, 3);
+        QApplication::processEvents();
+    }
     send(10, 10010);
     QApplication::processEvents();
     EXPECT_EQ(order.size(), 3 + 4096U);
@@ -443,6 +447,8 @@ TEST_F(ShortCuts, CoversAndServicesMayGoAtAnyTime)
     manager.slotShowAllShortCutCover(false, PeripheralDmx);
     manager.setDisbindShortCutAndCover({group, group, nullptr});
     manager.delShortCutCover(group);
+    emit group->signalAddShortCutsItem(ShortCutOfPath, groupPath, "F5", ShortCutModulePath);
+    EXPECT_TRUE(manager.linkShortCutInfo().pathShortCutList.empty());
     open(PeripheralKeyboard);
     EXPECT_FALSE(group->isVisible());
     manager.setAllShortCutStr();
