@@ -64,13 +64,6 @@ protected:
 
 TEST_P(FolderChoice, EndsAtTheFirstCheckThatFailsWithItsLineAndItsTip)
 {
-    const std::string compared = "--ProjectSetting-- compare last time path is true!";
-    const std::string same = "--FileInfoSetting-- compare last time path is true!";
-    const std::string empty = "--ProjectSetting--browse folder is empty!";
-    const std::string mobile = "--ProjectSetting--The current folder belongs to a mobile device!";
-    const std::string refused = "--ProjectSetting--have no permission to write file!";
-    const std::string notMade = "--ProjectSetting--make next level dir failure!";
-    const std::string noFolder = "--ProjectSetting--The selected folder is not a folder!";
     const struct
     {
         std::optional<QStringList> selected;
@@ -81,19 +74,25 @@ TEST_P(FolderChoice, EndsAtTheFirstCheckThatFailsWithItsLineAndItsTip)
         int kind;
     } cases[]{
         {std::nullopt, "", "", "", "", 0},
-        {QStringList(), empty, empty, "", "", 0},
-        {QStringList(QString()), empty, empty, "", "", 0},
-        {QStringList(path("file")), compared, noFolder, "", "", 0},
-        {QStringList(path("gone")), compared, noFolder, "", "", 0},
-        {QStringList(path("current")), "", same, "", "", 0},
-        {QStringList(path("mobile")), mobile, mobile, "MoblieTip", "MoblieTips", 2},
-        {QStringList("/proc"), refused, refused, "NoAuthorized", "NoPermission", 2},
-        {QStringList(path("taken")), notMade, notMade, "MakeDirTips", "MakeDirTips", 0},
+        {QStringList(), "--ProjectSetting--browse folder is empty!", "same", "", "", 0},
+        {QStringList(QString()), "--ProjectSetting--browse folder is empty!", "same", "", "", 0},
+        {QStringList(path("file")), "--ProjectSetting-- compare last time path is true!",
+         "--ProjectSetting--The selected folder is not a folder!", "", "", 0},
+        {QStringList(path("current")), "", "--FileInfoSetting-- compare last time path is true!",
+         "", "", 0},
+        {QStringList(path("mobile")),
+         "--ProjectSetting--The current folder belongs to a mobile device!", "same", "MoblieTip",
+         "MoblieTips", 2},
+        {QStringList("/proc"), "--ProjectSetting--have no permission to write file!", "same",
+         "NoAuthorized", "NoPermission", 2},
+        {QStringList(path("taken")), "--ProjectSetting--make next level dir failure!", "same",
+         "MakeDirTips", "MakeDirTips", 0},
     };
     for (const auto& test : cases) {
         SCOPED_TRACE(test.selected.value_or(QStringList()).join(' ').toStdString());
         EXPECT_FALSE(select(test.selected));
-        const std::string line = isProject() ? test.projectLine : test.fileInfoLine;
+        const bool isSame = isProject() || test.fileInfoLine == "same";
+        const std::string line = isSame ? test.projectLine : test.fileInfoLine;
         EXPECT_EQ(log.lines(), line.empty() ? std::vector<std::string>() : std::vector{line});
         const QString tip = isProject() ? test.projectTip : test.fileInfoTip;
         ASSERT_EQ(watch.tips.size(), tip.isEmpty() ? 0U : 1U);
@@ -113,12 +112,8 @@ TEST_P(FolderChoice, EndsAtTheFirstCheckThatFailsWithItsLineAndItsTip)
 
 TEST_P(FolderChoice, MakesTheSubFolderAndLeavesItsPath)
 {
-    const QString deep = path("chosen/" + QString(200, 'x') + '/' + QString(200, 'y'));
-    ASSERT_TRUE(QDir().mkpath(deep));
-    ASSERT_TRUE(QFile::link(path("chosen"), path("link")));
     // The last one once more: the sub-folder is there already.
-    for (const QString& chosen :
-         {path("chosen"), path("目录 с пробелом"), deep, path("link"), path("chosen")}) {
+    for (const QString& chosen : {path("chosen"), path("目录 с пробелом"), path("chosen")}) {
         folder = path("current");
         whenModal<QFileDialog>([&](QFileDialog& dialog) {
             EXPECT_EQ(dialog.parent(), nullptr);
@@ -160,7 +155,10 @@ TEST_P(FolderChoice, AFolderThatHangsIsWaitedForWhileTheUserWantsTo)
         QTest::mouseClick(dialog.findChild<QPushButton*>(), Qt::LeftButton);
     });
     EXPECT_FALSE(select(QStringList(path("chosen"))));
-    whenModal<QProgressDialog>([&answer](QProgressDialog& /*dialog*/) { answer.set_value(); });
+    whenModal<QProgressDialog>([this](auto&) { page.reset(); });
+    EXPECT_FALSE(select(QStringList(path("chosen"))));
+    page = std::make_unique<QWidget>();
+    whenModal<QProgressDialog>([&answer](auto&) { answer.set_value(); });
     EXPECT_TRUE(select(QStringList(path("chosen"))));
     EXPECT_TRUE(log.lines().empty());
     EXPECT_TRUE(watch.tips.empty());
@@ -175,16 +173,6 @@ TEST_P(FolderChoice, MayLoseItsPageWhileADialogIsOpen)
     watch.onTip = [this] { page.reset(); };
     EXPECT_FALSE(select(QStringList(path("mobile"))));
     EXPECT_EQ(watch.tips.size(), 1U);
-
-    page = std::make_unique<QWidget>();
-    std::promise<void> answer;
-    dependencies.isMobile = [answered = answer.get_future().share()](const QString&) {
-        answered.wait();
-        return false;
-    };
-    whenModal<QProgressDialog>([this](QProgressDialog& /*dialog*/) { page.reset(); });
-    EXPECT_FALSE(select(QStringList(path("chosen"))));
-    answer.set_value();
 }
 
 INSTANTIATE_TEST_SUITE_P(Pages, FolderChoice,

@@ -8,7 +8,6 @@ TEST(SettingBox, StacksRowsUnderItsTitleAndKeepsTheHostsTags)
 {
     mivo::settings::SettingBox box;
     EXPECT_EQ(box.objectName(), "settingBox");
-    EXPECT_EQ(box.priorityIndex(), 0);
     box.setTitle("Group");
     box.setClassName("audio");
     box.setPriorityIndex(-4);

@@ -2,18 +2,9 @@
 #include "devices/soundcards.h"
 
 #include "support/files.h"
-#include "support/logcapture.h"
-#include "support/otherprocess.h"
+#include "support/test.h"
 
-#include <gtest/gtest.h>
-
-#include <QtCore/QCoreApplication>
 #include <QtCore/QTemporaryDir>
-#include <QtTest/QTest>
-
-#include <algorithm>
-#include <iostream>
-#include <thread>
 
 using namespace mivohost;
 
@@ -33,32 +24,15 @@ std::vector<std::string> shown(const SoundCards& sound)
 
 using Shown = std::vector<std::string>;
 
-/// A lister that tells what stands in a file, which is its argument: each start takes the first
-/// line. "hang" says nothing, "fail" ends at once, "noise" and what follows is said as it stands.
-int play(const QStringList& arguments)
-{
-    QFile file(arguments.at(1));
-    if (!file.open(QIODevice::ReadWrite)) {
-        return 1;
-    }
-    QList<QByteArray> lines = file.readAll().split('\n');
-    const QByteArray line = lines.takeFirst();
-    if (!lines.isEmpty() && !lines.first().isEmpty()) { // the last one is told for ever
-        file.resize(0);
-        file.write(lines.join('\n'));
-        file.close();
-    }
-    if (line == "fail") {
-        return 3;
-    }
-    if (line != "hang") {
-        std::cout << line.constData() << std::endl;
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(line == "hang" ? 60000 : 50));
-    return 0;
-}
-
-const bool isRegistered = otherProcesses().emplace("--as-told", play).second;
+/// A lister that tells what stands in a file: each start takes the first line, and the last one is
+/// told for ever. "hang" says nothing, "fail" ends at once, "noise" is said as it stands.
+const QString lister = R"(line=$(head -n 1 "$0")
+[ $(wc -l < "$0") -lt 2 ] || sed -i 1d "$0"
+case $line in
+    hang) exec sleep 60 ;;
+    fail) exit 3 ;;
+    *) printf '%s\n' "$line"; sleep 0.05 ;;
+esac)";
 
 } // namespace
 
@@ -124,7 +98,7 @@ TEST(SoundCards, AreWhatTheListerSaysAndStayWhileItFails)
     } cases[]{
         {"only changes are announced",
          "[]\n" + toLine({a, b}) + toLine({b, a}) + "noise\n" + toLine({a, b}) + "fail\n"
-             + toLine({a, wide}) + "[]",
+             + toLine({a, wide}) + "[]\n",
          {{}, {"a/2 a", "b/2 b"}, {"a/2 a", "b/8 b"}, {}},
          2},
         {"one warning for several failures, and the cards stay",
@@ -146,9 +120,7 @@ TEST(SoundCards, AreWhatTheListerSaysAndStayWhileItFails)
     for (const auto& test : cases) {
         const LogCapture log;
         writeFile(folder.filePath("lines"), test.lines);
-        SoundCards sound({QCoreApplication::applicationFilePath(),
-                          {"--as-told", folder.filePath("lines")},
-                          1000});
+        SoundCards sound({"sh", {"-c", lister, folder.filePath("lines")}, 1000});
         std::vector<Shown> announced;
         QObject::connect(&sound, &SoundCards::changed, [&] { announced.push_back(shown(sound)); });
         const auto isAnnounced = [&] { return announced.size() == test.announced.size(); };

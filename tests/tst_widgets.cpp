@@ -98,23 +98,15 @@ TEST(ColorDialog, PicksFromTheScreenByKeyboardOrMouseAndStaysOpen)
         pick = button->text() == "Pick" ? button : pick;
     }
     const QPoint corner = QGuiApplication::primaryScreen()->geometry().bottomRight();
-    const auto press = [](QWidget* cover, const std::vector<int>& keys) {
-        for (const int key : keys) { // with its modifiers
-            QTest::keySequence(cover, QKeySequence(key));
-        }
-    };
     const std::pair<QColor, std::function<void(QWidget*)>> cases[]{
         {colorAt({91, 109}),
          [&](QWidget* cover) {
-             press(cover, {Qt::Key_Right, Qt::SHIFT + Qt::Key_Down, Qt::SHIFT + Qt::Key_Left,
-                           Qt::Key_Up, Qt::Key_A});
+             for (const int key : std::vector<int>{Qt::Key_Right, Qt::SHIFT + Qt::Key_Down,
+                                                   Qt::SHIFT + Qt::Key_Left, Qt::Key_Up}) {
+                 QTest::keySequence(cover, QKeySequence(key));
+             }
              EXPECT_EQ(QCursor::pos(), QPoint(91, 109));
              QTest::keyClick(cover, Qt::Key_Return);
-         }},
-        {colorAt({0, 100}), // the edge, and no further
-         [&](QWidget* cover) {
-             press(cover, std::vector<int>(11, Qt::SHIFT + Qt::Key_Left));
-             QTest::keyClick(cover, Qt::Key_Space);
          }},
         {colorAt(corner),
          [&](QWidget* cover) {
@@ -125,7 +117,6 @@ TEST(ColorDialog, PicksFromTheScreenByKeyboardOrMouseAndStaysOpen)
          }},
         {before, [](QWidget* cover) { QTest::keyClick(cover, Qt::Key_Escape); }},
         {before, [](QWidget* cover) { QTest::mouseClick(cover, Qt::RightButton); }},
-        {before, [](QWidget* cover) { cover->close(); }},
     };
     for (const auto& [color, act] : cases) {
         dialog.setCurrentColor(before);

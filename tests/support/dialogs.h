@@ -117,9 +117,7 @@ private:
     static bool isQuestion(const QWidget& tip)
     {
         const auto buttons = tip.findChildren<QPushButton*>();
-        return buttons.size() > 1
-               && std::all_of(buttons.begin(), buttons.end(),
-                              [](const QPushButton* button) { return button->isVisible(); });
+        return std::all_of(buttons.begin(), buttons.end(), std::mem_fn(&QWidget::isVisible));
     }
 
     QPointer<QWidget> m_noted;
