@@ -33,7 +33,8 @@ std::uint32_t pairsOf(std::uint32_t channels)
     return pairs >= 32 ? ~std::uint32_t(0) : (std::uint32_t(1) << pairs) - 1;
 }
 
-/// As it is announced: what is chosen stays, also while its card has fewer channels.
+/// A mapping as it is announced: without the channel pairs that the card does not have at present,
+/// which stay stored in case it has them again.
 STSoundCardMappingInfo shown(STSoundCardMappingInfo mapping)
 {
     for (auto& card : mapping.soundCards) {
@@ -74,7 +75,7 @@ STSoundCardChangeInfo cardChange(const STSoundCardMappingInfo& mapping, const st
     return change;
 }
 
-/// What makes `next` of `before`.
+/// The changes that lead from `before` to `next`.
 std::vector<STSoundCardChangeInfo> changesBetween(const STSoundCardMappingInfo& before,
                                                   const STSoundCardMappingInfo& next)
 {
@@ -148,7 +149,7 @@ void SoundCardMappings::setDeviceSoundCards(const std::string& device, const std
     m_all.reset();
     renewChosen(held);
     if (rowsChange) {
-        m_store.clusterNodeSoundCardsChanged(); // says all
+        m_store.clusterNodeSoundCardsChanged(); // makes pages read everything again
         return;
     }
     if (!gone.soundCards.empty()) {
@@ -169,7 +170,7 @@ void SoundCardMappings::removeDevice(const std::string& device)
     if (const auto found = m_devices.find(device); found != m_devices.end()) {
         setDeviceVisible(device, true);
         setDeviceSoundCards(device, std::string(found->second.caption), {});
-        m_away.insert(device); // it has not come
+        m_away.insert(device); // setDeviceSoundCards() took it for present
     }
 }
 
@@ -249,7 +250,7 @@ void SoundCardMappings::adopt(const QString& text)
     const auto before = shown(std::exchange(m_kept, *next).mappings);
     m_all.reset();
     if (m_devices.empty()) {
-        // At the start no device has been told of yet: those with a chosen card have no cards.
+        // At the start the host has not set any device yet: those with a chosen card have no cards.
         for (const auto& mapping : m_kept.mappings) {
             for (const auto& card : mapping.soundCards) {
                 m_devices.try_emplace(card.device, STDeviceSoundCards{card.device, {}, {}});
@@ -355,7 +356,7 @@ void SoundCardMappings::answerWithHeld(const STSoundCardChangeInfo& request)
     const auto mappings = shown(m_kept.mappings);
     const auto* held = findBy(mappings, &STSoundCardMappingInfo::id, request.id);
     if (held == nullptr || request.kind == mivo::SoundCardChangeDeletion) {
-        return; // no control shows anything else
+        return; // nothing on a page has to be reset
     }
     m_store.soundCardMappingChanged(
         request.kind == mivo::SoundCardChangeName

@@ -86,7 +86,7 @@ private:
     Keep m_keep;
     Kept m_kept;
     std::map<std::string, mivo::settings::STDeviceSoundCards> m_devices;
-    std::set<std::string> m_away; // those in m_devices that have left, or never came
+    std::set<std::string> m_away; // devices in m_devices that are not in the cluster now
     std::optional<mivo::settings::STSoundCardMappingsInfo> m_all; // until something changes
 };
 

@@ -16,7 +16,7 @@ TipDialog::TipDialog(QWidget* parent)
     m_icon->setObjectName(QStringLiteral("tipIcon"));
     m_icon->setFixedSize(24, 24);
     m_tip->setObjectName(QStringLiteral("tipText"));
-    m_tip->setTextFormat(Qt::PlainText); // it may name what somebody has named
+    m_tip->setTextFormat(Qt::PlainText); // it may contain a name given by a user
     m_tip->setWordWrap(true);
     m_assist->setObjectName(QStringLiteral("tipAssistText"));
     m_assist->setTextFormat(Qt::PlainText);
@@ -86,7 +86,7 @@ void TipDialog::setCancelButtonVisible(bool visible)
 
 int TipDialog::run()
 {
-    // What does no harm is what Return chooses.
+    // Return must choose the harmless answer.
     (m_cancel->isHidden() ? m_accept : m_cancel)->setFocus();
     return exec();
 }
@@ -94,7 +94,8 @@ int TipDialog::run()
 int TipDialog::ask(QWidget* parent, Kind kind, const QString& text, const QString& cancel,
                    const QString& accept, const QString& assist)
 {
-    const QPointer<TipDialog> dialog = new TipDialog(parent); // goes with its parent
+    const QPointer<TipDialog> dialog =
+        new TipDialog(parent); // null if its parent is destroyed meanwhile
     dialog->setTipKind(kind);
     dialog->setTipText(text);
     dialog->setAssistText(assist);

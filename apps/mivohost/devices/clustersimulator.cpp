@@ -7,8 +7,8 @@
 
 namespace mivohost {
 
-ClusterSimulator::ClusterSimulator(SoundCardMappings& told, int devices, std::uint32_t seed)
-    : m_told(told), m_random(seed)
+ClusterSimulator::ClusterSimulator(SoundCardMappings& mappings, int devices, std::uint32_t seed)
+    : m_mappings(mappings), m_random(seed)
 {
     for (int number = 1; number <= devices; ++number) {
         Device device;
@@ -38,17 +38,17 @@ void ClusterSimulator::step()
     } else if (what == 0) {
         device.isPresent = false;
         logger->info("{} goes", info.caption);
-        m_told.removeDevice(info.device);
+        m_mappings.removeDevice(info.device);
         return;
     } else if (what == 1) {
         logger->info("{} has other cards than its partner", info.caption);
-        m_told.reportMismatch(
+        m_mappings.reportMismatch(
             {any(2) == 0, info.device, std::to_string(device.now().soundCards.size())});
         return;
     } else if (what == 2) {
         info.visible = !info.visible;
         logger->info("{} {} its cards", info.caption, info.visible ? "shows" : "hides");
-        m_told.setDeviceVisible(info.device, info.visible);
+        m_mappings.setDeviceVisible(info.device, info.visible);
         return;
     } else if (what < 6) {
         card.isPlugged = !card.isPlugged;
@@ -59,7 +59,7 @@ void ClusterSimulator::step()
         card.info.caption = "Renamed " + std::to_string(++m_renamed);
         logger->info("{} renames {} to {}", info.caption, before, card.info.caption);
     }
-    m_told.setDeviceSoundCards(info.device, info.caption, device.now().soundCards);
+    m_mappings.setDeviceSoundCards(info.device, info.caption, device.now().soundCards);
 }
 
 std::vector<mivo::settings::STDeviceSoundCards> ClusterSimulator::present() const

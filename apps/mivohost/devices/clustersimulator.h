@@ -10,22 +10,22 @@ namespace mivohost {
 
 class SoundCardMappings;
 
-/// Devices of a cluster that are not there: they come and go, plug, unplug and rename their cards,
-/// hide them, and have others than their partners. The same seed plays the same on every machine.
+/// Simulated devices of a cluster: they join and leave, plug, unplug and rename their cards, hide
+/// them, and have other cards than their partners. A seed gives the same sequence on every machine.
 ///
-/// Runtime thread; what it is to tell must outlive it.
+/// Runtime thread; the mappings must outlive it.
 class ClusterSimulator
 {
 public:
     static constexpr int mostDevices = 250;
 
     /// No device is there yet. `devices` is 1 to mostDevices.
-    ClusterSimulator(SoundCardMappings& told, int devices, std::uint32_t seed);
+    ClusterSimulator(SoundCardMappings& mappings, int devices, std::uint32_t seed);
 
-    /// Lets the next thing happen to one of the devices.
+    /// Changes one of the devices at random and tells the mappings.
     void step();
 
-    /// The devices that are there, with the cards that they have, in the order of their numbers.
+    /// The devices that have joined, with their present cards, in the order of their numbers.
     std::vector<mivo::settings::STDeviceSoundCards> present() const;
 
 private:
@@ -44,10 +44,10 @@ private:
         mivo::settings::STDeviceSoundCards now() const;
     };
 
-    /// 0 to count - 1, each as likely as the others but for next to nothing.
+    /// A random number from 0 to count - 1.
     std::size_t any(std::size_t count) { return m_random() % count; }
 
-    SoundCardMappings& m_told;
+    SoundCardMappings& m_mappings;
     std::mt19937 m_random;
     std::vector<Device> m_devices;
     int m_renamed = 0;

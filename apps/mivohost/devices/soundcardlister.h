@@ -25,17 +25,17 @@ struct ListedCard
 /// machine's own. What stands for no card of its own is left out.
 std::vector<ListedCard> cardsAmong(const std::vector<ListedCard>& listed);
 
-/// A line that tells of cards, with its end; and what such a line tells, if it is one.
+/// The cards as one line of JSON with its line feed, and back; nothing for any other line.
 QByteArray toLine(const std::vector<ListedCard>& cards);
 std::optional<std::vector<ListedCard>> fromLine(const QByteArray& line);
 
-/// The work of a process of its own, under a QCoreApplication: looks so often at the machine's
-/// sound cards, so many milliseconds apart, and writes a line to the standard output each time.
+/// Runs in a process of its own, under a QCoreApplication: lists the machine's sound cards `looks`
+/// times, `interval` milliseconds apart, and writes toLine() to the standard output each time.
 /// Returns the exit code.
 ///
-/// It is a process because the back ends of Qt Multimedia cannot be had otherwise: they may block
-/// for as long as they like, and a connection to the sound server that was refused once is never
-/// tried again. So nobody waits for this process, and it is to be renewed.
+/// In a process of its own, because the back ends of Qt Multimedia may block for any time, and
+/// because they never try a sound server again that has refused a connection once: only a new
+/// process does.
 int listSoundCards(int looks = 10, int interval = 2000);
 
 } // namespace mivohost

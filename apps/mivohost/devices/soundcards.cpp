@@ -62,7 +62,7 @@ SoundCards::SoundCards(Lister lister) : m_lister(std::move(lister))
     connect(&m_process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this,
             [this](int code, QProcess::ExitStatus status) {
                 read();
-                restart(code != 0 || status != QProcess::NormalExit || !m_hasSpoken,
+                restart(code != 0 || status != QProcess::NormalExit || !m_hasReported,
                         QStringLiteral("exit code %1").arg(code));
             });
     connect(&m_process, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
@@ -84,7 +84,7 @@ SoundCards::~SoundCards()
 
 void SoundCards::start()
 {
-    m_hasSpoken = false;
+    m_hasReported = false;
     m_timer.start(m_lister.longestSilence);
     m_process.start(m_lister.program, m_lister.arguments, QIODevice::ReadOnly);
 }
@@ -93,7 +93,7 @@ void SoundCards::read()
 {
     while (m_process.canReadLine()) {
         if (auto listed = fromLine(m_process.readLine())) {
-            m_hasSpoken = true;
+            m_hasReported = true;
             m_isWarned = false;
             m_timer.start(m_lister.longestSilence);
             take(*std::move(listed));

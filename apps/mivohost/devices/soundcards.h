@@ -18,14 +18,14 @@ struct ListedCard;
 /// What a person calls the card of that name.
 std::string soundCardCaption(const std::string& name);
 
-/// The sound cards of this machine, as a process tells that lists them again and again: see
-/// listSoundCards(). It is renewed when it ends, and also when it fails or says nothing for too
-/// long; until it tells otherwise, the cards stay as they were. GUI thread; never blocks it but for
-/// the end of that process, which is killed.
+/// The sound cards of this machine, as a separate process lists them at intervals: see
+/// listSoundCards(). The process is started again when it ends, fails or is silent for too long;
+/// until it reports something else, the cards stay as they were. GUI thread; only the destructor
+/// blocks, until the process, which it kills, has ended.
 ///
-/// A card that comes or goes is noticed within some three seconds. When the sound server is
-/// restarted, its cards stay if it is back within that time; else they go within the life of one
-/// lister, and come back likewise.
+/// A card that is plugged in or out is noticed within some three seconds. When the sound server is
+/// restarted, its cards stay if it is back within that time; else they disappear, and come back,
+/// within the life of one such process.
 class SoundCards : public QObject
 {
     Q_OBJECT
@@ -45,8 +45,7 @@ public:
     const std::vector<mivo::settings::STSoundCardInfo>& cards() const { return m_cards; }
 
 signals:
-    /// It is known for the first time which cards there are; cards appeared, vanished, or have
-    /// another number of channels.
+    /// The first list has arrived, or it differs from the one before: in cards or their channels.
     void changed();
 
 private:
@@ -57,8 +56,8 @@ private:
 
     const Lister m_lister;
     QProcess m_process;
-    QTimer m_timer; // runs out when the process is silent too long, or is to be started again
-    bool m_hasSpoken = false;
+    QTimer m_timer; // ends a process that is silent too long, and the pause before the next start
+    bool m_hasReported = false;
     bool m_isWarned = false;
     bool m_hasServer = false;
     DeviceNames m_ids;

@@ -15,9 +15,9 @@ namespace mivo::settings {
 /// The editor of one sound-card mapping: its name, and for each device a column in which one of the
 /// device's cards is chosen, and the channels of that card.
 ///
-/// GUI thread. It asks for changes by sigMappingInfoChanged() and shows what it is told; nothing
-/// that it is told is asked for again. What is chosen stays, and is shown as not connected, while
-/// its card is away. Runtime and store are the host's. There are no columns before the first reset.
+/// GUI thread. What the user changes is requested by sigMappingInfoChanged(); calls of the
+/// functions below never emit it. A chosen card that is not there is shown as not connected and
+/// stays chosen. Runtime and store are the host's. There are no columns before the first reset.
 class MIVOSETTINGSWIDGETS_EXPORT VirtualMappingWidget : public QWidget
 {
     Q_OBJECT
@@ -28,7 +28,7 @@ public:
                          IZRRuntime* runtime, MivoSettings* settings, QWidget* parent = nullptr);
     ~VirtualMappingWidget() override;
 
-    /// Changes the store; without one, the editor goes on showing what it shows.
+    /// Sets the store to read from; with null, the editor keeps showing what it shows.
     void setSettings(MivoSettings* settings);
 
     /// Reads what cards there are, and which are taken, and offers those that are free in the
@@ -54,7 +54,7 @@ public:
     void setSoundCardDisable(const std::string& device, const std::vector<std::string>& soundCards);
     /// @}
 
-    /// Takes the columns of devices away, and leaves what is chosen as it is.
+    /// Removes the columns of these devices; the cards that are chosen on them stay chosen.
     void deleteClusterDeviceSoundCard(const std::vector<std::string>& devices);
 
     /// Shows or hides the column of a device.

@@ -29,8 +29,8 @@ QString withoutWhitespace(QString text)
     return text.remove(whitespace);
 }
 
-/// A section of the dialog: as long as it is not shown, its pages are not measured, since that
-/// styles every control. The dialog has a size of its own, whatever its sections need.
+/// A section of the dialog. While it is hidden, its size hint is not computed from its pages, since
+/// that would polish every control; the dialog has a fixed size anyway.
 class Section : public SettingWidget
 {
 public:

@@ -17,8 +17,8 @@ namespace mivo::settings {
 
 namespace {
 
-/// Every new widget has itself polished from the event loop, shown or not. Without that it is
-/// polished when it is first shown.
+/// Qt posts each new widget an event that polishes it, even when it is hidden. Without that event
+/// it is polished when it is first shown, which makes the start of the program faster.
 void polishWhenShown(QWidget* widget)
 {
     QCoreApplication::removePostedEvents(widget, QEvent::PolishRequest);
@@ -44,7 +44,7 @@ public:
         column->addStretch(1);
     }
 
-    /// Tab goes through the pages from top to bottom; those from `position` on are new there.
+    /// Sets the tab order of the pages from top to bottom, after a page was inserted at `position`.
     void orderTabStops(int position) const
     {
         QWidget* previous = nullptr;

@@ -20,13 +20,14 @@ class FolderClearing : public QObject
     Q_OBJECT
 
 public:
-    /// Called on that thread, maybe beyond the life of this object: it owns all that it uses.
+    /// Called on that thread; must own all that it uses, since it may outlive this object. It ends
+    /// when `goOn` returns false.
     using Clear = std::function<qutils::ClearResult(const QString& folder,
                                                     const std::function<bool(int removed)>& goOn)>;
 
     FolderClearing(const QString& folder, QWidget* page, const Clear& clear);
 
-    /// Cancels: the thread ends after the entry at hand, which nobody waits for.
+    /// Cancels without waiting: the thread ends after the entry that it is removing.
     ~FolderClearing() override;
 
     bool isRunning() const { return m_task.isRunning(); }

@@ -23,8 +23,8 @@ using mivo::widgets::TipDialog;
 
 namespace {
 
-/// Shows the end of a path that is longer than the box, which is where paths differ. With the focus
-/// it is an edit like any other, in which the whole can be gone through.
+/// Shows the end of a path that is longer than the box, since paths differ at their ends. With the
+/// focus it is a normal edit, in which the cursor reaches the whole path.
 class PathEdit : public EditBox
 {
 public:
@@ -125,7 +125,7 @@ void FolderRow::checkSpace()
 {
     const QString drive = driveOf(path());
     if (m_spaceTask && m_spaceTask->isRunning() && drive == m_askedDrive) {
-        return; // it hangs, and more threads would hang with it
+        return; // the drive hangs; another thread would only hang as well
     }
     m_spaceTask.reset();
     m_askedDrive = drive;
@@ -136,9 +136,9 @@ void FolderRow::checkSpace()
     m_spaceTask = std::make_unique<qutils::FileTask>();
     m_spaceTask->start(
         [bytesAvailable = m_dependencies.bytesAvailable, drive] { return bytesAvailable(drive); },
-        // One that does not know, with -1, counts as full.
+        // -1 (not known) counts as full.
         [this](qint64 bytes) { applySpace(bytes / (qint64(1) << 30)); });
-    // Most drives answer at once; then nothing flickers.
+    // Waits briefly: most drives answer at once, and then the label does not flicker.
     if (!m_spaceTask->waitFor(std::chrono::milliseconds(10))) {
         m_freeGibibytes = std::nullopt;
         showSpace();

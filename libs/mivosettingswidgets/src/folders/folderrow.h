@@ -42,8 +42,8 @@ public:
         FolderClearing::Clear clear;
     };
 
-    /// `tip` comes hidden into the row, as its last; the page sets its text. The widgets get a
-    /// parent with the row's layout.
+    /// Puts `tip`, hidden, at the end of the row; the page sets its text. The widgets have no
+    /// parent until the layout is set on one.
     FolderRow(QWidget* page, QWidget* tip, Dependencies dependencies = {});
     ~FolderRow() override;
 
@@ -52,7 +52,7 @@ public:
     mivo::widgets::PushButton* const browse;
     mivo::widgets::PushButton* const clear;
     QLabel* const space;
-    QHBoxLayout* const layout; ///< made in the order of the fields; a page may insert more
+    QHBoxLayout* const layout; ///< the widgets above from left to right; a page may insert more
 
     /// Registers all texts but the tip's.
     void addTexts(const char* captionKey, const RegisterText& text);

@@ -45,7 +45,7 @@ QString textOf(const char* key)
     return text(QString::fromLatin1(key));
 }
 
-/// Has the dialog closed when the page goes.
+/// Closes the dialog when the page is destroyed.
 void closeWith(const QPointer<QWidget>& page, QDialog& dialog)
 {
     if (page) {
@@ -120,7 +120,7 @@ bool FolderSelection::createSecLevelDir(QString& path, const std::string& suffix
         }
         return false;
     }
-    // With its "/", without which a drive would be the current folder on it.
+    // Checked before "/" is removed: "D:" alone means the current folder on that drive.
     if (!m_rules.checksBeforeComparing && !mayBeUsed(chosen)) {
         return false;
     }

@@ -14,7 +14,7 @@ class QFileDialog;
 
 namespace mivo::settings {
 
-/// What a page has of its own in the choice of a folder: keys of texts, and lines of the log.
+/// Where the choice of a folder differs between pages: keys of texts, lines of the log, order.
 struct FolderRules
 {
     const char* acceptKey;        ///< the dialog's accept button
@@ -63,11 +63,12 @@ private:
 };
 
 /// Shows a modal tip: an information (0) or a warning (2), with a smaller text below. It is closed
-/// when the page goes, which may be null already.
+/// when the page is destroyed; a null page counts as destroyed.
 void showTip(const QPointer<QWidget>& page, const QString& text, int kind,
              const QString& assistText = {});
 
-/// Asks, over the page, whether the folder is to be cleared; no when the page goes meanwhile.
+/// Asks, over the page, whether the folder is to be cleared; no when the page is destroyed
+/// meanwhile.
 bool confirmClearing(QWidget* page, const QString& folder);
 
 /// Shows the folder in the system's file manager; a tip tells when that fails.

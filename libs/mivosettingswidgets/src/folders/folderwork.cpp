@@ -14,7 +14,7 @@ QProgressDialog* showFolderProgress(QWidget* page, const char* key, const QStrin
     auto* progress = new QProgressDialog(page);
     progress->setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     progress->setWindowModality(Qt::WindowModal);
-    progress->setRange(0, 0); // nobody has counted
+    progress->setRange(0, 0); // busy, since the number of entries is not known
     progress->setLabelText(text(QString::fromLatin1(key)) + QStringLiteral("\n\n")
                            + QDir::toNativeSeparators(folder));
     progress->setCancelButtonText(text(QStringLiteral("Cancel")));

@@ -13,15 +13,16 @@
 
 namespace mivo::settings {
 
-/// Opens a dialog with a cancel button over the window of `page`. `key` is the text's.
+/// Opens a progress dialog with a cancel button over the window of `page`. `key` names its text.
 QProgressDialog* showFolderProgress(QWidget* page, const char* key, const QString& folder);
 
-/// Tells that the folder has not answered; it is closed when the page goes.
+/// Shows a tip that the folder has not answered; it is closed when the page is destroyed.
 void tellNoAnswer(const QPointer<QWidget>& page, const QString& folder);
 
-/// Runs `work`, which gives a value and owns all that it uses, on a thread of its own, and waits
-/// for it in an event loop: after half a second with a progress dialog. Nothing when the user
-/// cancels, when the page goes, and when there is no answer for 30 s, which is told. GUI thread.
+/// Runs `work` on a thread of its own and waits for its result in an event loop, after half a
+/// second with a progress dialog. `work` must own all that it uses: it may outlive this call.
+/// Nothing when the user cancels, when the page is destroyed, and when there is no answer for 30 s;
+/// a tip then says so. GUI thread.
 template <typename Work>
 auto askFolder(const QPointer<QWidget>& page, const QString& folder, Work work)
 {
@@ -33,7 +34,7 @@ auto askFolder(const QPointer<QWidget>& page, const QString& folder, Work work)
         if (!task.waitInLoop(std::chrono::milliseconds(500)) && page) {
             QEventLoop loop;
             const QPointer<QProgressDialog> progress =
-                showFolderProgress(page, "CheckingFolder", folder); // goes with the page
+                showFolderProgress(page, "CheckingFolder", folder); // a child of the page
             QObject::connect(&task, &qutils::FileTask::ended, &loop, &QEventLoop::quit);
             QObject::connect(progress, &QProgressDialog::canceled, &loop, &QEventLoop::quit);
             QObject::connect(progress, &QObject::destroyed, &loop, &QEventLoop::quit);

@@ -39,7 +39,7 @@ public:
     std::shared_ptr<IProgramDispatch> programDispatch;
     IProjectFileMgr* projectFileMgr = nullptr;
 
-    /// Those as well that are not filed under the id of their mapping.
+    /// All editors on the page, also a second one for a mapping, which m_editors does not find.
     QList<VirtualMappingWidget*> shownEditors() const
     {
         return owner->findChildren<VirtualMappingWidget*>(QString(), Qt::FindDirectChildrenOnly);
@@ -91,16 +91,16 @@ private:
         return readIfThere(zrRuntime, site, &IMivoSettings::getSoundCardMappings, sharedSettings);
     }
 
-    /// Has every editor but one show what there is now, if that can be read.
+    /// Reads the store and resets every editor except `except`; nothing when the runtime refuses.
     void resetEditors(Reset reset, const CallSite& site,
                       const VirtualMappingWidget* except = nullptr);
 
     void setAddedMappingBtnState();
     void setAddTip();
-    /// Has the user who added a mapping see it and name it.
+    /// Scrolls to the editor of a mapping that was added here, with its name selected for typing.
     void focusNew(VirtualMappingWidget* editor);
 
-    // Store to slot, on the thread on which the store announces it.
+    // Called by the store's signals, on the emitting thread.
     void mappingsInit(const STAllDeviceSoundCardMappings& all) { queue("onMappingsInit", all); }
     void mappingAdded(const STSoundCardMappingInfo& info) { queue("onMappingAdded", info); }
     void mappingChanged(const STSoundCardChangeInfo& info) { queue("onMappingChanged", info); }
@@ -126,7 +126,7 @@ private:
         [this](const CallSite& site) {
             auto known = readMappings(site);
             if (!known && sharedSettings != nullptr) {
-                m_editors.makeWaitingLater(100); // the runtime refuses, but not for ever
+                m_editors.makeWaitingLater(100); // the runtime refuses for a while only
             }
             return known;
         },
@@ -136,8 +136,9 @@ private:
                     &Impl::slotMappingInfoChanged);
             return editor;
         }};
-    bool m_isAdding = false;         // the user has asked here, and there is no answer yet
-    std::uint64_t m_toBeFocused = 0; // the mapping that was the answer; 0: none
+    bool m_isAdding = false; // this page's add request has no answer yet
+    std::uint64_t m_toBeFocused =
+        0; // id of the mapping that was added here, until it has an editor
 };
 
 AudioSettingBox::Impl::Impl(AudioSettingBox* page) : SettingPageImpl(page, "AudioSettings")
@@ -265,7 +266,7 @@ void AudioSettingBox::Impl::onMappingDeleted(const STSoundCardMappingInfo& info)
     m_editors.remove(info.id);
     resetEditors(resetOffers, "onMappingDeleted");
     setAddedMappingBtnState();
-    if (hadFocus) { // else the next key would change the next mapping
+    if (hadFocus) { // Qt would pass it to the next editor, where a key press would change something
         m_add->setFocus();
     }
 }
@@ -363,8 +364,8 @@ void AudioSettingBox::Impl::slotMappingInfoChanged(const STSoundCardChangeInfo& 
         return;
     }
     submit(
-        [](MivoSettings* store, const STSoundCardChangeInfo& wanted) {
-            store->changeSoundCardMappingRequested(wanted);
+        [](MivoSettings* store, const STSoundCardChangeInfo& request) {
+            store->changeSoundCardMappingRequested(request);
         },
         change);
 }

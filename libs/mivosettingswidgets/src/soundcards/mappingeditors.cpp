@@ -10,8 +10,8 @@ namespace mivo::settings {
 
 namespace {
 
-/// How much is made in one turn of the event loop, counted in columns: some hundred of them would
-/// hold up the frames that come meanwhile. An editor without any takes as long as two columns.
+/// The work of one turn of the event loop, counted in columns: some hundred columns at once would
+/// delay painting. An editor by itself takes as long as two columns.
 constexpr int columnsInTurn = 32;
 constexpr int columnsForEditor = 2;
 
@@ -46,7 +46,7 @@ void MappingEditors::makeWaiting(const CallSite& site)
         spent += cost;
     }
     reserve();
-    makeWaitingLater(); // what is to be painted comes first
+    makeWaitingLater(); // after painting
 }
 
 void MappingEditors::makeWaitingLater(int milliseconds)
@@ -68,7 +68,7 @@ void MappingEditors::append(const Mapping& mapping, const STSoundCardMappingsInf
                                   [&](const auto& other) { return other.id == mapping.id; });
     VirtualMappingWidget* editor = m_make(now == known.mappings.end() ? mapping : *now);
     editor->setProperty("style", QStringLiteral("BG4"));
-    editor->resize(0, 0); // nothing of it is painted before it has its place
+    editor->resize(0, 0); // out of sight until the layout has placed it
     m_column->addWidget(editor);
     editor->show();
     m_column->addStretch();
@@ -113,7 +113,7 @@ void MappingEditors::remove(std::uint64_t id)
         if (m_column->itemAt(item)->widget() == editor) {
             delete m_column->takeAt(item); // the stretch behind it stays; kept on purpose
             editor->hide();
-            editor->deleteLater(); // it may be what is being used
+            editor->deleteLater(); // never at once: one of its own signals may have led here
             return;
         }
     }

@@ -19,35 +19,38 @@ namespace mivo::settings {
 
 class VirtualMappingWidget;
 
-/// The editors of the audio page, one below the other. Those that have been added wait until they
-/// are made, in several turns of the event loop. Each shows what there is then, so that no change
-/// needs to reach it before. GUI thread.
+/// The editors of the audio page, one below the other. Added mappings are queued, and their editors
+/// are made in several turns of the event loop, so that the page stays responsive. An editor reads
+/// the store when it is made, so changes that arrive before that need not be kept. GUI thread.
 class MappingEditors : public QObject
 {
     Q_OBJECT
 
 public:
     using Mapping = velorn::mediadispatch::STSoundCardMappingInfo;
-    /// What there is, if it can be read. If not, somebody has to call makeWaiting() again.
+    /// Reads all mappings and devices. Nothing when the runtime refuses; the queue then stays as it
+    /// is until makeWaiting() or makeWaitingLater() is called again.
     using Read = std::function<std::optional<STSoundCardMappingsInfo>(const CallSite& site)>;
     using Make = std::function<VirtualMappingWidget*(const Mapping& mapping)>;
 
-    /// Appends to `column`, which must outlive it, behind `before` in the order of Tab.
+    /// Appends the editors to `column`, which must outlive this object; in the tab order they
+    /// follow `before`.
     MappingEditors(QVBoxLayout* column, QWidget* before, Read read, Make make);
 
     void add(const std::vector<Mapping>& mappings, const CallSite& site);
 
-    /// Makes those that wait, as many as one turn has room for, and the others in later turns.
+    /// Makes editors for queued mappings, as many as one turn of the event loop allows, and leaves
+    /// the others to later turns.
     void makeWaiting(const CallSite& site);
-    /// The same, in a turn of its own.
+    /// The same, in a later turn.
     void makeWaitingLater(int milliseconds = 1);
 
-    /// Null while it waits, or when there is none.
+    /// Null when the mapping is still queued, or not known.
     VirtualMappingWidget* find(std::uint64_t id) const;
     bool isWaiting(std::uint64_t id) const;
     void remove(std::uint64_t id);
 
-    /// Applies to every editor that is filed, in the order of their ids.
+    /// Calls `change` for each editor of find(), in the order of their ids.
     template <typename Change>
     void forEach(Change change)
     {
@@ -62,8 +65,8 @@ signals:
 
 private:
     void append(const Mapping& mapping, const STSoundCardMappingsInfo& known);
-    /// Keeps room for the editors that wait, so that the page does not grow, and is not painted
-    /// again, with each of them.
+    /// Sets the bottom margin to the height that the queued editors will need, so that the page
+    /// does not grow and repaint with each of them.
     void reserve();
 
     QVBoxLayout* m_column;
@@ -73,7 +76,7 @@ private:
     std::map<std::uint64_t, VirtualMappingWidget*> m_editors;
     std::deque<Mapping> m_waiting;
     QTimer m_later;
-    int m_room = 0; // that one of them takes
+    int m_room = 0; // height of one editor with its spacing, in pixels
 };
 
 } // namespace mivo::settings

@@ -25,12 +25,13 @@ namespace {
 
 constexpr int gap = 4;
 constexpr int columnWidth = 240;
-constexpr int labelHeight = 20; // whatever its script, so that columns stand in line
+constexpr int labelHeight = 20; // for every script, so that the boxes of a row are level
 constexpr int comboHeight = 26;
 constexpr int marksInRow = 3;
 
-/// One of some hundred boxes: without the list that opens until it does. `listShown` is called when
-/// the list has opened, and after it has closed and what was clicked in it has been taken.
+/// A combo box that creates its list when it is first opened: there may be hundreds of these boxes.
+/// `listShown` is called when the list has opened, and after it was closed and a click in it has
+/// been handled.
 class CardBox : public ComboBox
 {
 public:
@@ -60,7 +61,7 @@ public:
 protected:
     void changeEvent(QEvent* event) override
     {
-        // The base class makes the list, only to hand the font on to it.
+        // The base class would create the list, only to pass the font on to it.
         if (m_hasList || event->type() != QEvent::FontChange) {
             ComboBox::changeEvent(event);
         } else {
@@ -73,18 +74,18 @@ private:
     bool m_hasList = false;
 };
 
-/// Whether `value` was another one.
+/// Assigns `next` to `value`; returns whether that changed it.
 template <typename Value>
-bool replace(Value& value, const Value& wanted)
+bool replace(Value& value, const Value& next)
 {
-    const bool isOther = !(value == wanted);
+    const bool isOther = !(value == next);
     if (isOther) {
-        value = wanted;
+        value = next;
     }
     return isOther;
 }
 
-/// Whether `offered` had to become those of `cards` that are free for the mapping.
+/// Sets `offered` to those of `cards` that the mapping may choose; returns whether that changed it.
 bool replaceOffers(std::vector<STSoundCardInfo>& offered, const std::vector<STSoundCardInfo>& cards,
                    std::uint64_t mapping)
 {
@@ -99,7 +100,7 @@ bool replaceOffers(std::vector<STSoundCardInfo>& offered, const std::vector<STSo
         free.begin(), free.end(), offered.begin(), offered.end(),
         [](const STSoundCardInfo* one, const STSoundCardInfo& other) { return *one == other; });
     if (!isSame) {
-        offered.resize(free.size()); // most stay, and so do their texts' buffers
+        offered.resize(free.size()); // keeps the elements, whose strings need no new memory
         std::transform(free.begin(), free.end(), offered.begin(),
                        [](const STSoundCardInfo* card) { return *card; });
     }
@@ -152,7 +153,7 @@ void SoundCardColumn::setChosen(const STChosenSoundCard* chosen)
 {
     if (!defersChange()) {
         m_chosen = optionalOf(chosen);
-        showAll(); // even the same: the box shows what was wanted
+        showAll(); // even if nothing changed: the box may show a request that was refused
     }
 }
 
@@ -273,7 +274,7 @@ void SoundCardColumn::showMarks(std::uint32_t channels)
     const std::size_t before = m_marks.size();
     while (m_marks.size() > pairs) {
         if (m_marks.back()->hasFocus()) {
-            emit focusedMarkGoes();
+            emit focusedMarkRemoved();
         }
         m_marks.back()->hide();
         m_marks.back()->deleteLater();
@@ -338,7 +339,7 @@ void SoundCardColumn::choose(int item)
 {
     const std::size_t offer = static_cast<std::size_t>(item) - 1; // behind "None"
     if (item > 0 && offer == m_offered.size()) {
-        return; // the chosen one, which is not offered
+        return; // the item of the chosen card that is not connected
     }
     STChosenSoundCard soundCard;
     soundCard.device = device;
@@ -351,9 +352,10 @@ void SoundCardColumn::choose(int item)
     if (m_isShown && soundCard.id == (m_chosen ? m_chosen->id : std::string())) {
         return;
     }
-    m_isShown = false; // the box shows what the user wants, not what is chosen
-    emit wanted(device.empty() ? mivo::SoundCardChangeLocalCard : mivo::SoundCardChangeClusterCard,
-                soundCard);
+    m_isShown = false; // until the answer, the box shows the request
+    emit changeRequested(device.empty() ? mivo::SoundCardChangeLocalCard
+                                        : mivo::SoundCardChangeClusterCard,
+                         soundCard);
 }
 
 void SoundCardColumn::markPairs()
@@ -368,7 +370,7 @@ void SoundCardColumn::markPairs()
                                                             : soundCard.channelPairs & ~bit;
     }
     m_isShown = false;
-    emit wanted(mivo::SoundCardChangeChannels, soundCard);
+    emit changeRequested(mivo::SoundCardChangeChannels, soundCard);
 }
 
 } // namespace mivo::settings

@@ -19,9 +19,10 @@ namespace mivo::settings {
 /// One device in the editor of a sound-card mapping: its name, a box in which one of its cards is
 /// chosen, and a mark for each channel pair of a card that has more than one.
 ///
-/// GUI thread. It shows what it is told, and asks for changes by wanted(). While its list is open
-/// it ignores what it is told, so that no item changes under the pointer, and says outdated() after
-/// that. Its parts have fixed places: layouts for some hundred columns take too long.
+/// GUI thread. It shows the cards and the choice that its owner sets, and emits changeRequested()
+/// for what the user does. While its list is open it ignores its owner's calls, so that no item
+/// changes under the pointer; if it has ignored one, it emits outdated() when the list is closed.
+/// Its widgets have fixed positions: layouts for some hundred columns take too long.
 class SoundCardColumn : public QWidget
 {
     Q_OBJECT
@@ -42,24 +43,26 @@ public:
     /// Offers none of these any more.
     void disable(const std::vector<std::string>& soundCards);
 
-    /// The name of the mapping, for those who do not see where the column stands.
+    /// The name of the mapping, for screen readers.
     void setMappingName(const QString& name);
     void translate();
 
     /// Whether the device has no card, and none of it is chosen.
     bool isEmpty() const { return !m_hasCards && !m_chosen; }
 
-    /// In their order.
+    /// The combo box, then the marks in their order.
     std::vector<QWidget*> tabStops() const;
 
 signals:
-    /// Another card, or none, if its id is empty; or other channels of the chosen one.
-    void wanted(mivo::EnumSoundCardChange kind,
-                const velorn::mediadispatch::STChosenSoundCard& soundCard);
+    /// The user has chosen another card (none if its id is empty), or other channels of the chosen
+    /// card.
+    void changeRequested(mivo::EnumSoundCardChange kind,
+                         const velorn::mediadispatch::STChosenSoundCard& soundCard);
     void tabStopsChanged();
-    /// The mark with the focus is about to be removed.
-    void focusedMarkGoes();
-    /// Something was ignored while the list was open, which is closed now.
+    /// Emitted before a mark that has the focus is removed.
+    void focusedMarkRemoved();
+    /// The list was closed, and a call was ignored while it was open: the owner has to set cards
+    /// and choice again.
     void outdated();
 
 protected:
@@ -67,7 +70,7 @@ protected:
 
 private:
     bool isOffered(const std::string& id) const;
-    /// Whether a change has to wait until the list is closed.
+    /// Whether the list is open, so that the caller must not change anything now.
     bool defersChange();
     void setListOpen(bool isOpen);
     void showAll();
@@ -79,7 +82,7 @@ private:
     std::string m_caption;
     std::vector<STSoundCardInfo> m_offered;
     std::optional<velorn::mediadispatch::STChosenSoundCard> m_chosen;
-    bool m_hasCards = false; // free or not
+    bool m_hasCards = false; // whether the device has any card, free or taken
     bool m_isShown = false;  // whether the controls show exactly the caption, offers and choice
     bool m_isListOpen = false;
     bool m_isOutdated = false;
@@ -89,7 +92,7 @@ private:
     /// Of the items of the combo box: none, what is offered, and the chosen one if it is not.
     QStringListModel* m_texts;
     std::vector<mivo::widgets::CheckBox*> m_marks; // of the channel pairs
-    QLabel* m_hint = nullptr; // there while no channel pair of the chosen card is played on
+    QLabel* m_hint = nullptr; // exists only while no channel pair of the chosen card is marked
 };
 
 } // namespace mivo::settings

@@ -76,12 +76,12 @@ public slots:
     void slotDelete();
 
 private:
-    void setTexts();
     SoundCardColumn* makeColumn(const std::string& device);
     void retire(SoundCardColumn* column);
-    /// Else the focus would go to the next device's box, and the next key would change it.
+    /// For a widget that is about to disappear: Qt would pass its focus on to the next device's
+    /// box, where the next key press would change the chosen card.
     void moveFocusToNameFrom(const QWidget* leaving);
-    /// Puts those of the column behind those of the one before it.
+    /// Puts the column's tab stops after those of the column before it.
     void orderTabStops(const SoundCardColumn* column);
     void showName();
     const STChosenSoundCard* chosenOn(const std::string& device) const;
@@ -95,7 +95,7 @@ private:
     PushButton* m_delete;
     QGridLayout* m_grid;
     std::vector<SoundCardColumn*> m_columns; // this machine first
-    std::vector<SoundCardColumn*> m_placed;  // those that are visible
+    std::vector<SoundCardColumn*> m_placed;  // the visible ones, as they stand in the grid
 };
 
 VirtualMappingWidget::Impl::Impl(VirtualMappingWidget* editor,
@@ -130,7 +130,7 @@ VirtualMappingWidget::Impl::Impl(VirtualMappingWidget* editor,
     column->addLayout(row);
     column->addLayout(m_grid);
     editor->setFocusProxy(m_name);
-    setTexts();
+    translate();
     showName();
 
     connect(m_name, &EditBox::editingFinished, this, &Impl::slotNameEdited);
@@ -150,16 +150,16 @@ SoundCardColumn* VirtualMappingWidget::Impl::makeColumn(const std::string& devic
 {
     auto* column = new SoundCardColumn(device, m_owner);
     column->setMappingName(QString::fromStdString(m_info.name));
-    connect(column, &SoundCardColumn::wanted, this,
+    connect(column, &SoundCardColumn::changeRequested, this,
             [this](mivo::EnumSoundCardChange kind, const STChosenSoundCard& soundCard) {
                 emit m_owner->sigMappingInfoChanged({m_info.id, kind, {}, soundCard});
             });
     connect(column, &SoundCardColumn::tabStopsChanged, this,
             [this, column] { orderTabStops(column); });
-    connect(column, &SoundCardColumn::focusedMarkGoes, this, [this] { m_name->setFocus(); });
+    connect(column, &SoundCardColumn::focusedMarkRemoved, this, [this] { m_name->setFocus(); });
     connect(column, &SoundCardColumn::outdated, m_owner,
             [this] { m_owner->resetSoundCardWidget(); });
-    column->move(0, m_owner->height()); // not painted before it has its place
+    column->move(0, m_owner->height()); // out of sight until the layout has placed it
     column->show();
     return column;
 }
@@ -235,7 +235,7 @@ void VirtualMappingWidget::Impl::resetOffers(const STSoundCardMappingsInfo& know
         if (mapping.id == m_info.id) {
             m_info.soundCards = mapping.soundCards;
             if (std::exchange(m_info.name, mapping.name) != mapping.name) {
-                showName(); // it changed while nothing was bound
+                showName(); // renamed while the page had no store
             }
         }
     }
@@ -284,17 +284,12 @@ void VirtualMappingWidget::Impl::orderTabStops(const SoundCardColumn* column)
     }
 }
 
-void VirtualMappingWidget::Impl::setTexts()
+void VirtualMappingWidget::Impl::translate()
 {
     m_nameLabel->setText(text(QStringLiteral("MappingName")));
     m_name->setAccessibleName(m_nameLabel->text());
     m_nameTip->setText(text(QStringLiteral("MappingNameInUse")));
     m_delete->setText(text(QStringLiteral("DeleteMapping")));
-}
-
-void VirtualMappingWidget::Impl::translate()
-{
-    setTexts();
     for (SoundCardColumn* column : m_columns) {
         column->translate();
     }
@@ -313,30 +308,20 @@ void VirtualMappingWidget::Impl::showName()
 
 void VirtualMappingWidget::Impl::refresh(const STSoundCardChangeInfo& change)
 {
-    switch (change.kind) {
-    case SoundCardChangeName:
+    if (change.kind == SoundCardChangeName) {
         m_info.name = change.name;
         showName();
-        return;
-    case SoundCardChangeLocalCard:
-    case SoundCardChangeClusterCard:
-    case SoundCardChangeChannels:
+    } else if (change.kind == SoundCardChangeLocalCard || change.kind == SoundCardChangeClusterCard
+               || change.kind == SoundCardChangeChannels) {
         setChosen(change.soundCard);
-        return;
-    default: // a deletion is the page's
-        return;
-    }
+    } // the page itself carries out a deletion
 }
 
 void VirtualMappingWidget::Impl::setChosen(const STChosenSoundCard& soundCard)
 {
     auto& all = m_info.soundCards;
-    const auto place = std::find_if(all.begin(), all.end(), [&](const STChosenSoundCard& card) {
-        return card.device == soundCard.device;
-    });
-    if (place != all.end()) {
-        all.erase(place);
-    }
+    const auto isSameDevice = [&](const auto& card) { return card.device == soundCard.device; };
+    all.erase(std::remove_if(all.begin(), all.end(), isSameDevice), all.end());
     if (!soundCard.id.empty()) {
         all.push_back(soundCard);
     }
@@ -351,19 +336,20 @@ void VirtualMappingWidget::Impl::setChosen(const STChosenSoundCard& soundCard)
 void VirtualMappingWidget::Impl::slotNameEdited()
 {
     const std::string name = m_name->text().trimmed().toStdString();
-    bool isFree = true;
-    if (!name.empty() && name != m_info.name) {
-        const auto known = read("slotNameEdited").value_or(STSoundCardMappingsInfo());
-        isFree = std::none_of(known.mappings.begin(), known.mappings.end(), [&](const auto& other) {
-            return other.id != m_info.id && other.name == name;
-        });
-        m_nameTip->setVisible(!isFree);
-    }
-    if (name.empty() || name == m_info.name || !isFree) {
+    if (name.empty() || name == m_info.name) {
         showName();
         return;
     }
-    emit m_owner->sigMappingInfoChanged({m_info.id, SoundCardChangeName, name, {}});
+    const auto known = read("slotNameEdited").value_or(STSoundCardMappingsInfo());
+    const bool isInUse =
+        std::any_of(known.mappings.begin(), known.mappings.end(),
+                    [&](const auto& other) { return other.id != m_info.id && other.name == name; });
+    m_nameTip->setVisible(isInUse);
+    if (isInUse) {
+        showName();
+    } else {
+        emit m_owner->sigMappingInfoChanged({m_info.id, SoundCardChangeName, name, {}});
+    }
 }
 
 void VirtualMappingWidget::Impl::slotDelete()
