@@ -12,7 +12,6 @@ namespace projectsettingboxtest {
 
 using namespace mivo::mediadispatch;
 using mivo::settings::ProjectSettingBox;
-using mivo::widgets::CheckBox;
 using mivo::widgets::SpinEditBox;
 
 namespace {
@@ -208,16 +207,12 @@ TEST_F(Project, SaysWhatPlaysInTheNewLanguage)
 
 TEST_F(Project, IntervalAndNumberCanBeEditedWhileSavingIsAutomatic)
 {
-    const auto areEnabled = [this] {
-        EXPECT_EQ(control<SpinEditBox>(0)->isEnabled(), control<SpinEditBox>(1)->isEnabled());
-        return control<SpinEditBox>(0)->isEnabled();
-    };
     bindAndShow(dispatch);
-    EXPECT_FALSE(areEnabled());
-    control<CheckBox>(2)->click();
-    EXPECT_TRUE(areEnabled());
-    announce([this] { store.change("autoSaveProjectFiles", false); });
-    EXPECT_FALSE(areEnabled());
+    for (const bool on : {true, false}) {
+        announce([&] { store.change("autoSaveProjectFiles", on); });
+        EXPECT_EQ(control<SpinEditBox>(0)->isEnabled(), on);
+        EXPECT_EQ(control<SpinEditBox>(1)->isEnabled(), on);
+    }
 }
 
 TEST_F(Project, LooksUpTheFreeSpaceWhenItIsActivatedOrTheHostsWidgetAsks)

@@ -196,7 +196,7 @@
     <message>
         <source>NoSuchDay</source>
         <comment>Widget</comment>
-        <translation>This month has no such day: never restarts</translation>
+        <translation>No such day: never restarts</translation>
     </message>
     <message>
         <source>AutomaticRestartCountdownTextPrefix</source>

@@ -211,9 +211,8 @@ inline void addRestartTip(QHBoxLayout* row, QLabel* icon, QLabel* text)
     auto* tip = new QHBoxLayout; // whatever the row's own spacing
     tip->setSpacing(4);
     tip->addWidget(icon);
-    tip->addWidget(text);
-    row->addLayout(tip);
-    row->addStretch();
+    tip->addWidget(text, 1);
+    row->addLayout(tip, 1);
 }
 
 } // namespace mivo::settings
