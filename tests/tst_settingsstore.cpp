@@ -182,7 +182,7 @@ TEST_F(Store, AWriteThatFailsChangesNothingAndTellsEverybody)
     store->setUndoStep(80);
     EXPECT_EQ(store->getUndoStep(), 70);
     EXPECT_EQ(announced, std::vector{70}) << "the control must go back to what is kept";
-    store->ports().report(mivohost::ListeningPorts::tcp, {true, 13});
+    store->setTcpPort({true, 13});
     EXPECT_EQ(told, (QStringList{"disk full", "disk full"}));
     EXPECT_EQ(log.lines().at(0), "error|setting undoStep could not be saved: disk full");
 }
