@@ -34,7 +34,7 @@ public:
         EXPECT_EQ(opened.persistence->keepCopy(), "");
         EXPECT_TRUE(opened.persistence->write("undoStep", 81));
         writeFile(project(), mivohost::projectToJson({{{"Group", {{1, "One"}}}}, {}, -1}));
-        writeFile(shortcuts(), R"({"shortcut_info_list": []})");
+        writeFile(shortcuts(), R"({"shortCutInfoList":[]})");
         writeFile(data("mivohost.log"), "yesterday\n");
     }
 

@@ -3,8 +3,6 @@
 #include "support/program.h"
 #include "support/test.h"
 
-#include <mivosettingswidgets/shortcutfile.h>
-
 #include <QtCore/QRegularExpression>
 
 #include <csignal>
@@ -210,7 +208,7 @@ TEST(Faults, AKillInTheMiddleOfAWriteLeavesWhatWasOrWhatIsNew)
         const Home home(folder.path());
         for (const int delay : {5, 25, 45}) {
             const int step = home.undoStep().toInt();
-            const auto keys = mivo::settings::parseShortCuts(readFile(home.shortcuts()).data());
+            const QByteArray keys = readFile(home.shortcuts());
             Program program(home.path(), isSetting ? QStringList("--settings") : QStringList());
             ASSERT_TRUE(program.hasScreen());
             ASSERT_TRUE(program.says("window open"));
@@ -225,8 +223,8 @@ TEST(Faults, AKillInTheMiddleOfAWriteLeavesWhatWasOrWhatIsNew)
             person.join();
             EXPECT_GE(home.undoStep().toInt(), step);
             EXPECT_GE(home.lastPlayed(), -1) << "unreadable";
-            EXPECT_GE(mivo::settings::parseShortCuts(readFile(home.shortcuts()).data()).size(),
-                      keys.size());
+            const QByteArray keysNow = readFile(home.shortcuts());
+            EXPECT_TRUE(keysNow == keys || keysNow.contains("F5\"}]}")) << keysNow.data();
         }
     }
 }
