@@ -74,7 +74,7 @@ void RuntimeThread::runTasks()
                 hostLog()->error("a task of {} ({}:{}) threw: {}", task.function, task.file,
                                  task.line, error.what());
             }
-        } // the task goes before the lock is taken: what it owned may post
+        } // the task is destroyed before the lock is taken: its destructor may post
         lock.lock();
     }
 }

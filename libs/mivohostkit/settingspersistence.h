@@ -18,7 +18,7 @@ public:
 
     virtual ~SettingsPersistence() = default;
 
-    /// Every setting that was ever written: texts and whole numbers by key.
+    /// Every setting that was ever written, texts and numbers, by key.
     virtual QVariantHash loadAll() = 0;
 
     /// Writes one setting; when it returns true the value outlives a crash and a power cut.

@@ -8,8 +8,8 @@
 
 namespace mivohost {
 
-/// The open project: its programs, its playing, and the path of its file, which somebody else reads
-/// and writes. Playing is what a reference host can do of it: it says so.
+/// The open project: its programs, which of them plays, and the path of its file. ProjectFile reads
+/// and writes the file. This host has nothing to play media with: playing is only logged.
 ///
 /// Made on any thread; from then on called on the runtime thread, where the signals are emitted.
 class ProgramDispatch : public mivo::mediadispatch::IProgramDispatch
@@ -42,7 +42,7 @@ public:
     /// Replaces the open project. `modified`: the file does not hold it.
     void replace(Project project, const QString& file, bool modified = false);
 
-    /// The project as it was at that revision is in this file, which is the project's from now on.
+    /// Tells that the file, the project's own from now on, holds the project of that revision.
     void setSaved(const QString& file, int revision);
 
     /// Plays a program of the project; without one of that id it does nothing.

@@ -19,7 +19,7 @@ constexpr double highestId = 9007199254740992.0; // 2^53: JSON numbers are exact
 const QString formatKey = QStringLiteral("mivoProject");
 const QString markKey = QStringLiteral("automaticSaveOf");
 
-/// Seconds; what a new program has for what is no fade time.
+/// A fade time in seconds; the default of a new program for what is no fade time.
 double fadeOf(const QJsonValue& value)
 {
     const double standard = Project::Program().fadeInTime;

@@ -284,7 +284,7 @@ void ProjectFile::saveAs(const QString& file, const Done& done)
             }
             hostLog()->info("project {} saved", path.toStdString());
             m_runtime.call([&] {
-                // Where nobody waited, another file may be the project's now.
+                // After stopWaiting() the project may have another file by now.
                 if (waited || m_dispatch->state().file == path) {
                     m_dispatch->setSaved(path, revision);
                 }
@@ -345,7 +345,7 @@ void ProjectFile::saveCompleted()
     if (m_state.file.isEmpty()) {
         saveAutomatically(false);
     } else if (m_state.modified) {
-        save(saveAutomatically); // the file may be away
+        save(saveAutomatically); // the file's drive may be disconnected
     }
 }
 

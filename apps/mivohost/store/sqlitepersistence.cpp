@@ -1,5 +1,7 @@
 #include "store/sqlitepersistence.h"
 
+#include "store/database.h"
+
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
@@ -22,153 +24,9 @@ namespace {
 
 using Status = SqlitePersistence::Status;
 
-constexpr int layoutVersion = 1;
-constexpr int busyTimeout = 200; // ms, for another process that is just ending
 constexpr qint64 databaseHeader = 100;
 constexpr qint64 walHeader = 32;
 constexpr auto ownerOnly = QFileDevice::ReadOwner | QFileDevice::WriteOwner;
-
-QString text(const char* utf8)
-{
-    return QString::fromUtf8(utf8);
-}
-
-/// An SQLite file. Once something has failed, status() and error() say what.
-class Database
-{
-public:
-    Database(const QString& path, int flags)
-    {
-        const int code = sqlite3_open_v2(path.toUtf8().constData(), &m_handle, flags, nullptr);
-        sqlite3_busy_timeout(m_handle, busyTimeout);
-        if (accept(code) && (flags & SQLITE_OPEN_READWRITE) != 0
-            && sqlite3_db_readonly(m_handle, "main") == 1) {
-            fail(Status::failed, QStringLiteral("no right to write to it"));
-        }
-    }
-    ~Database() { sqlite3_close(m_handle); }
-
-    Database(const Database&) = delete;
-    Database& operator=(const Database&) = delete;
-
-    Status status() const { return m_status; }
-    const QString& error() const { return m_error; }
-    sqlite3* handle() const { return m_handle; }
-
-    /// Whether closing the file moves the log into it.
-    void moveLogOnClose(bool moves)
-    {
-        sqlite3_db_config(m_handle, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, moves ? 0 : 1, nullptr);
-    }
-    sqlite3* release() { return std::exchange(m_handle, nullptr); }
-
-    bool run(const char* statements)
-    {
-        return accept(sqlite3_exec(m_handle, statements, nullptr, nullptr, nullptr));
-    }
-
-    /// Runs a query and hands each row to `take`.
-    template <typename Take>
-    bool query(const char* statement, Take take)
-    {
-        sqlite3_stmt* rows = nullptr;
-        int code = sqlite3_prepare_v2(m_handle, statement, -1, &rows, nullptr);
-        while (code == SQLITE_OK && sqlite3_step(rows) == SQLITE_ROW) {
-            take(rows);
-        }
-        // Also says what sqlite3_step() met with.
-        return accept(code == SQLITE_OK ? sqlite3_finalize(rows) : code);
-    }
-
-    /// Whether the file is whole and this version knows its layout.
-    bool check()
-    {
-        QString result;
-        int version = 0;
-        if (!query("PRAGMA quick_check(1)", [&](auto* row) { result = column(row, 0).toString(); })
-            || !query("PRAGMA user_version",
-                      [&](auto* row) { version = column(row, 0).toInt(); })) {
-            return false;
-        }
-        if (result != QLatin1String("ok")) {
-            fail(Status::damaged, result);
-            return false;
-        }
-        moveLogOnClose(true);
-        if (version > layoutVersion) {
-            fail(Status::failed, QStringLiteral("written by a later version"));
-        }
-        return m_status == Status::opened;
-    }
-
-    bool makeTable()
-    {
-        static_assert(layoutVersion == 1);
-        return run("CREATE TABLE IF NOT EXISTS setting (key TEXT PRIMARY KEY, value) WITHOUT ROWID;"
-                   "PRAGMA user_version=1");
-    }
-
-    bool read(QVariantHash& rows)
-    {
-        return query("SELECT key, value FROM setting",
-                     [&](auto* row) { rows.insert(column(row, 0).toString(), column(row, 1)); });
-    }
-
-    /// Replaces the content by that of `source`.
-    bool copyFrom(sqlite3* source)
-    {
-        sqlite3_backup* backup = sqlite3_backup_init(m_handle, "main", source, "main");
-        if (backup != nullptr) {
-            sqlite3_backup_step(backup, -1);
-            sqlite3_backup_finish(backup);
-        }
-        return accept(sqlite3_errcode(m_handle));
-    }
-
-private:
-    static QVariant column(sqlite3_stmt* row, int index)
-    {
-        switch (sqlite3_column_type(row, index)) {
-        case SQLITE_INTEGER:
-            return static_cast<qlonglong>(sqlite3_column_int64(row, index));
-        case SQLITE_FLOAT:
-            return sqlite3_column_double(row, index);
-        case SQLITE_NULL:
-            return {};
-        default:
-            return text(reinterpret_cast<const char*>(sqlite3_column_text(row, index)));
-        }
-    }
-
-    bool accept(int code)
-    {
-        if (code == SQLITE_OK) {
-            return true;
-        }
-        QString reason = text(sqlite3_errmsg(m_handle));
-        const int system = sqlite3_system_errno(m_handle);
-        code &= 0xff; // without what SQLite adds to its codes
-        if ((code == SQLITE_CANTOPEN || code == SQLITE_IOERR) && system != 0) {
-            reason += QStringLiteral(" (%1)").arg(qt_error_string(system));
-        }
-        const bool inUse = code == SQLITE_BUSY || code == SQLITE_LOCKED;
-        // SQLITE_ERROR: the table is not as it should be.
-        const bool damaged =
-            code == SQLITE_CORRUPT || code == SQLITE_NOTADB || code == SQLITE_ERROR;
-        fail(inUse ? Status::inUse : damaged ? Status::damaged : Status::failed, reason);
-        return false;
-    }
-
-    void fail(Status status, const QString& reason)
-    {
-        m_status = status;
-        m_error = reason;
-    }
-
-    sqlite3* m_handle = nullptr;
-    Status m_status = Status::opened;
-    QString m_error;
-};
 
 /// A copy that was made once, by its number: the clock of a machine may go back.
 QString copyPath(const QString& path, int number)
@@ -213,11 +71,11 @@ QString goodCopyOf(const QString& path, QVariantHash& rows)
     return {};
 }
 
-/// Makes a file of its own, with what `source` holds or with no setting. Empty, or why it did not
-/// work.
+/// Creates the file with the settings of `source`; null: without any. Returns why it failed, or an
+/// empty text.
 QString makeFile(const QString& path, sqlite3* source)
 {
-    QFile::remove(path); // of a process that was killed while making it, as the journal
+    QFile::remove(path); // a process that was killed here left it, as the journal
     QFile::remove(path + QStringLiteral("-journal"));
     Database fresh(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
     if (fresh.status() != Status::opened) {
@@ -231,7 +89,7 @@ QString makeFile(const QString& path, sqlite3* source)
     return fresh.error();
 }
 
-/// Renames a file that is made, to a name that is free. Empty, or why it did not work.
+/// Renames a file to a free name. Returns why it failed, or an empty text.
 QString rename(const QString& from, const QString& to)
 {
     QFile file(from);
@@ -250,8 +108,8 @@ QStringList partsOf(const QString& path)
     return parts;
 }
 
-/// Renames the file and what SQLite keeps beside it, all of it or nothing. Empty, or why it did not
-/// work; `names` has the new names.
+/// Renames the file and what SQLite keeps beside it, all of it or nothing. Returns why it failed,
+/// or an empty text; `names` gets the new names.
 QString putAside(const QString& path, QStringList& names)
 {
     const QString stem =
@@ -293,14 +151,14 @@ QString missingPart(const QString& path, bool hasCopies)
 
 } // namespace
 
-/// One try with the lock held; says in `result` what came of it.
+/// Takes the lock and tries once to open the file; `result` says how that ended.
 std::unique_ptr<SqlitePersistence> SqlitePersistence::openLocked(const QString& path,
                                                                  Opened& result)
 {
     std::unique_ptr<SqlitePersistence> persistence(new SqlitePersistence(path));
-    // SQLite locks the file, which somebody may replace; this locks the place.
+    // SQLite locks the file itself, which somebody may replace; this locks its path.
     const std::string lockPath = (path + QStringLiteral(".lock")).toStdString();
-    const auto locked = persistence->m_lock.lock(lockPath, busyTimeout);
+    const auto locked = persistence->m_lock.lock(lockPath, Database::busyTimeout);
     if (locked != FileLock::Result::locked) {
         const bool inUse = locked == FileLock::Result::inUse;
         result.status = inUse ? Status::inUse : Status::failed;
@@ -375,7 +233,7 @@ SqlitePersistence::Opened SqlitePersistence::recover(const QString& path)
     const QString copy = goodCopyOf(path, rows);
     const QString fresh = path + QStringLiteral(".new");
     {
-        const Database source(copy, SQLITE_OPEN_READONLY); // with no path, an empty one
+        const Database source(copy, SQLITE_OPEN_READONLY); // without a path, an empty database
         // Before anything is moved: the disk may be full.
         result.error = makeFile(fresh, copy.isEmpty() ? nullptr : source.handle());
     }
@@ -399,14 +257,14 @@ SqlitePersistence::Opened SqlitePersistence::recover(const QString& path)
 
 SqlitePersistence::~SqlitePersistence()
 {
-    sqlite3_close(m_database); // the last act on the log is to remove it
+    sqlite3_close(m_database); // which moves the log into the file and removes it
 }
 
 QString SqlitePersistence::keepCopy()
 {
     QVariantHash rows;
     const QString newest = goodCopyOf(m_path, rows);
-    if (!newest.isEmpty() && rows == m_rows) { // as good as one of now
+    if (!newest.isEmpty() && rows == m_rows) { // a new copy would hold the same
         QFile file(newest);
         return file.open(QIODevice::ReadWrite)
                        && file.setFileTime(QDateTime::currentDateTime(),
@@ -478,7 +336,7 @@ bool SqlitePersistence::write(const QString& key, const QVariant& value)
         sqlite3_step(statement);
         code = sqlite3_finalize(statement);
     }
-    m_error = code == SQLITE_OK ? QString() : text(sqlite3_errmsg(m_database));
+    m_error = code == SQLITE_OK ? QString() : QString::fromUtf8(sqlite3_errmsg(m_database));
     if (code == SQLITE_OK) {
         m_rows.insert(key, value);
     }

@@ -9,6 +9,7 @@
 #include "surface/actionpanel.h"
 #include "surface/askforfile.h"
 #include "surface/messagepanel.h"
+#include "surface/programlist.h"
 #include "system/tray.h"
 
 #include <mivosettingswidgets/settingsdialog.h>
@@ -24,18 +25,11 @@
 #include <QtWidgets/QMenuBar>
 #include <QtWidgets/QMessageBox>
 #include <QtWidgets/QPlainTextEdit>
-#include <QtWidgets/QTreeWidget>
 #include <QtWidgets/QVBoxLayout>
 
 #include <utility>
 
 namespace mivohost {
-
-namespace {
-
-constexpr int idRole = Qt::UserRole;
-
-} // namespace
 
 MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile& project,
                        Peripherals& peripherals, const SettingsServices& services)
@@ -44,7 +38,7 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
       m_stopWaiting(new QPushButton), m_settingsButton(new mivo::widgets::PushButton),
       m_languageLabel(new QLabel), m_language(new QComboBox),
       m_actionPanel(new ActionPanel(peripherals)), m_programsLabel(new QLabel),
-      m_programs(new QTreeWidget), m_playing(new QLabel), m_logLabel(new QLabel),
+      m_programs(new ProgramList), m_playing(new QLabel), m_logLabel(new QLabel),
       m_log(new QPlainTextEdit), m_messagePanel(new MessagePanel(m_messages))
 {
     m_services.programs = m_project.dispatch();
@@ -71,8 +65,6 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
     m_language->addItem(QStringLiteral("简体中文"), QStringLiteral("zh_cn"));
     m_language->setObjectName(QStringLiteral("languages"));
     m_languageLabel->setBuddy(m_language);
-    m_programs->setObjectName(QStringLiteral("programs"));
-    m_programs->setHeaderHidden(true);
     m_programsLabel->setBuddy(m_programs);
     m_playing->setObjectName(QStringLiteral("playing"));
     m_playing->setTextFormat(Qt::PlainText);
@@ -128,7 +120,7 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
     connect(m_actionPanel, &ActionPanel::failed, this, &MainWindow::showNotice);
     connect(m_actionPanel, &ActionPanel::told, this,
             [this](const QString& key) { post(velorn::msgcenter::MsgInformation, hostText(key)); });
-    connect(m_programs, &QTreeWidget::itemActivated, this, &MainWindow::play);
+    connect(m_programs, &ProgramList::chosen, &m_project, &ProjectFile::play);
     connect(&m_project, &ProjectFile::changed, this, &MainWindow::showProject);
     connect(&m_project, &ProjectFile::recentFilesChecked, this, &MainWindow::fillRecentMenu);
     connect(&m_project, &ProjectFile::failed, this, &MainWindow::showNotice);
@@ -198,7 +190,7 @@ SettingsView& MainWindow::settings()
 {
     if (!m_settings) {
         m_settings = std::make_unique<SettingsView>(m_runtime, m_store, this, m_services);
-        // Known long since, and the page starts empty.
+        // The store knows the cards already, and the new page does not show them yet.
         m_runtime.call([this] { m_store.soundCards().announceMappings(); });
     }
     return *m_settings;
@@ -333,50 +325,10 @@ void MainWindow::showProject()
     setWindowTitle(projectName().replace(QLatin1String("[*]"), QLatin1String("[*][*]"))
                    + QStringLiteral("[*] – mivohost"));
     setWindowModified(state.modified);
-    if (m_shownGroups != state.project.groups) {
-        m_shownGroups = state.project.groups;
-        const QTreeWidgetItem* current = m_programs->currentItem();
-        const QVariant currentId = current ? current->data(0, idRole) : QVariant();
-        m_programs->clear();
-        m_programs->setCurrentItem(nullptr);
-        for (const Project::Group& group : m_shownGroups) {
-            auto* item = new QTreeWidgetItem(m_programs, {group.name});
-            for (const Project::Program& program : group.programs) {
-                auto* leaf = new QTreeWidgetItem(item, {program.name});
-                leaf->setData(0, idRole, program.id);
-                if (currentId == program.id) {
-                    m_programs->setCurrentItem(leaf);
-                }
-            }
-        }
-        m_programs->expandAll();
-        if (m_programs->currentItem() == nullptr) {
-            m_programs->setCurrentItem(m_programs->topLevelItem(0));
-        }
-    }
-    for (QTreeWidgetItemIterator item(m_programs); *item != nullptr; ++item) {
-        const QVariant id = (*item)->data(0, idRole);
-        QFont font = m_programs->font();
-        font.setBold(id.isValid() && id.toLongLong() == state.playing);
-        (*item)->setFont(0, font);
-        if (const Project::Program* program =
-                state.project.find(id.isValid() ? id.toLongLong() : -1)) {
-            (*item)->setToolTip(0, hostText("ProgramFades")
-                                       .arg(program->fadeInTime, 0, 'f', 1)
-                                       .arg(program->fadeOutTime, 0, 'f', 1));
-        }
-    }
+    m_programs->showPrograms(state);
     const Project::Program* playing = state.project.find(state.playing);
     m_playing->setText(playing == nullptr ? hostText("NothingPlaying")
                                           : hostText("Playing").arg(playing->name));
-}
-
-void MainWindow::play(const QTreeWidgetItem* item)
-{
-    const QVariant id = item->data(0, idRole);
-    if (id.isValid()) {
-        m_project.play(id.toLongLong());
-    }
 }
 
 void MainWindow::openProject()
@@ -468,7 +420,7 @@ void MainWindow::offerUnsaved(const QString& file)
     question->setDefaultButton(open);
     connect(open, &QPushButton::clicked, &m_project, &ProjectFile::openUnsaved);
     connect(leave, &QPushButton::clicked, &m_project, &ProjectFile::forgetUnsaved);
-    question->open(); // the window waits for the answer; what else goes on does not
+    question->open(); // modal for this window, without blocking the event loop here
 }
 
 QString MainWindow::projectName() const

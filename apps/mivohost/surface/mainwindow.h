@@ -17,14 +17,13 @@ class QLabel;
 class QMenu;
 class QPlainTextEdit;
 class QPushButton;
-class QTreeWidget;
-class QTreeWidgetItem;
 
 namespace mivohost {
 
 class ActionPanel;
 class MessagePanel;
 class Peripherals;
+class ProgramList;
 class ProjectFile;
 class RuntimeThread;
 class SettingsStore;
@@ -81,7 +80,6 @@ private:
     void chooseLanguage(int index);
     void setTexts();
     void showProject();
-    void play(const QTreeWidgetItem* item);
 
     void openProject();
     /// Saves, asking for a file where the project has none; `done` is told how it ended.
@@ -113,7 +111,7 @@ private:
     QComboBox* m_language;
     ActionPanel* m_actionPanel;
     QLabel* m_programsLabel;
-    QTreeWidget* m_programs;
+    ProgramList* m_programs;
     QLabel* m_playing;
     QLabel* m_logLabel;
     QPlainTextEdit* m_log;
@@ -123,7 +121,6 @@ private:
     QString m_noticeArgument;
     QString m_waitingKey;
     QString m_waitingFile;
-    std::vector<Project::Group> m_shownGroups;
     QTranslator m_qtTexts; // of Qt's own dialogs
     bool m_quitting = false;
     bool m_projectLeft = false; // the user has been asked

@@ -28,14 +28,14 @@ public:
     const std::deque<STMsgInfo>& messages() const { return m_messages; }
 
 signals:
-    /// So many messages, the last ones, are new.
+    /// The last `count` messages are new.
     void posted(int count);
 
 private:
     void take();
 
     std::mutex m_mutex;
-    std::deque<STMsgInfo> m_posted; // not taken yet
+    std::deque<STMsgInfo> m_posted; // not yet moved to the list by the GUI thread
     std::deque<STMsgInfo> m_messages;
 };
 

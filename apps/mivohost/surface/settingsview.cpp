@@ -67,7 +67,7 @@ SettingsView::SettingsView(RuntimeThread& runtime, QWidget* parent,
     audio->setProjectFileMgr(services.projectFile);
     add(audio, 10);
     m_bindings.push_back([&runtime, codec, cards = services.cards](MivoSettings& /*settings*/) {
-        // A list that is not known yet comes by itself; without any card there is nothing to show.
+        // While the list is empty there is nothing to show; the page is told when it is read.
         if (cards != nullptr && !runtime.call([cards] { return cards->graphicsCards(); }).empty()) {
             codec->updateDisplayCardInfo();
         }

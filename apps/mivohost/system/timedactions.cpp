@@ -109,7 +109,7 @@ TimedActions::TimedActions(RuntimeThread& runtime, SettingsStore& store, CarryOu
     : m_runtime(runtime), m_store(store), m_carryOut(std::move(carryOut)), m_clock(std::move(clock))
 {
     m_runtime.call([this] {
-        // A look at every edit: what is set to a time that has just passed must not be due.
+        // Looked at with every edit, so that a time which has just passed is not due.
         m_connections = {
             m_store.timedShutdownSettingsChanged.connect(
                 [this](const STMivoTimedShutdownSettings&) { look(); }),
@@ -129,7 +129,7 @@ TimedActions::TimedActions(RuntimeThread& runtime, SettingsStore& store, CarryOu
 TimedActions::~TimedActions()
 {
     m_tick.stop();
-    // Queued behind the last look.
+    // Runs behind the look that the last tick has posted.
     m_runtime.call([this] {
         for (auto& connection : m_connections) {
             connection.disconnect();
