@@ -1320,6 +1320,11 @@ Open them now?</translation>
         <translation>The port is not open: %1. It is tried again.</translation>
     </message>
     <message>
+        <source>PortInvalid</source>
+        <comment>MainWindow</comment>
+        <translation>The port is not open: %1. Choose a number from 1 on.</translation>
+    </message>
+    <message>
         <source>PortOpen</source>
         <comment>MainWindow</comment>
         <translation>%1 is open now.</translation>

@@ -1320,6 +1320,11 @@
         <translation>端口未打开：%1。程序会重试。</translation>
     </message>
     <message>
+        <source>PortInvalid</source>
+        <comment>MainWindow</comment>
+        <translation>端口未打开：%1。请选择从 1 起的端口号。</translation>
+    </message>
+    <message>
         <source>PortOpen</source>
         <comment>MainWindow</comment>
         <translation>%1 现已打开。</translation>

@@ -71,7 +71,9 @@ bool Listener::apply(ListeningPorts::Port port)
     const bool isOpen = requested.open && failure.isEmpty();
     const QString before = std::exchange(m_failures[port], failure);
     if (!failure.isEmpty() && failure != before) {
-        emit failed(QStringLiteral("PortFailed"), QStringLiteral("%1: %2").arg(name, failure));
+        emit failed(requested.port == 0 ? QStringLiteral("PortInvalid")
+                                        : QStringLiteral("PortFailed"),
+                    QStringLiteral("%1: %2").arg(name, failure));
     } else if (isOpen && !before.isEmpty()) {
         emit recovered(name);
     }
