@@ -1690,6 +1690,21 @@ Open them now?</translation>
         <translation>0 is no port</translation>
     </message>
     <message>
+        <source>The bound address is already in use</source>
+        <comment>Reason</comment>
+        <translation>another program uses it</translation>
+    </message>
+    <message>
+        <source>The address is protected</source>
+        <comment>Reason</comment>
+        <translation>this user may not open it</translation>
+    </message>
+    <message>
+        <source>The address is not available</source>
+        <comment>Reason</comment>
+        <translation>this machine does not have that address</translation>
+    </message>
+    <message>
         <source>a program has no id of its own</source>
         <comment>Reason</comment>
         <translation>a program has no id of its own</translation>

@@ -1690,6 +1690,21 @@
         <translation>0 不是有效端口</translation>
     </message>
     <message>
+        <source>The bound address is already in use</source>
+        <comment>Reason</comment>
+        <translation>已被其他程序占用</translation>
+    </message>
+    <message>
+        <source>The address is protected</source>
+        <comment>Reason</comment>
+        <translation>当前用户无权打开</translation>
+    </message>
+    <message>
+        <source>The address is not available</source>
+        <comment>Reason</comment>
+        <translation>本机没有该地址</translation>
+    </message>
+    <message>
         <source>a program has no id of its own</source>
         <comment>Reason</comment>
         <translation>有节目没有自己的标识</translation>

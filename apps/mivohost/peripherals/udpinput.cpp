@@ -1,6 +1,7 @@
 #include "peripherals/udpinput.h"
 
 #include "base/hostlog.h"
+#include "base/hosttext.h"
 
 #include <QtNetwork/QNetworkInterface>
 
@@ -68,7 +69,7 @@ bool UdpInput::tryToOpen()
     } else if (!m_socket.bind(m_address.isNull() || isFiltered ? QHostAddress(QHostAddress::AnyIPv4)
                                                                : m_address,
                               m_port, mode)) {
-        problem = m_socket.errorString().toStdString();
+        problem = reasonText(m_socket.errorString()).toStdString();
         m_socket.close();
     }
     setFailure(problem.empty() ? problem : fmt::format("UDP {}: {}", m_port, problem));

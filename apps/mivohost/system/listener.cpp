@@ -61,11 +61,12 @@ bool Listener::apply(ListeningPorts::Port port)
         // The system would choose one that nobody knows.
         failure = reasonText(QStringLiteral("0 is no port"));
     } else if (requested.open && isTcp) {
-        failure = m_tcp.listen(QHostAddress::Any, requested.port) ? QString() : m_tcp.errorString();
+        failure = m_tcp.listen(QHostAddress::Any, requested.port) ? QString()
+                                                                  : reasonText(m_tcp.errorString());
     } else if (requested.open
                && !m_udp.bind(QHostAddress::Any, requested.port,
                               QAbstractSocket::DontShareAddress)) {
-        failure = m_udp.errorString();
+        failure = reasonText(m_udp.errorString());
         m_udp.close();
     }
     const bool isOpen = requested.open && failure.isEmpty();
