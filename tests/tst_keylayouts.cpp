@@ -74,7 +74,7 @@ TEST(KeySequences, AreWrittenWithTheirModifiersInOrderAndReadBack)
 {
     const std::pair<const char*, QKeySequence> cases[]{
         {"Ctrl + Shift + K", Qt::SHIFT | Qt::CTRL | Qt::Key_K},
-        {"Ctrl + +", Qt::CTRL | Qt::Key_Plus},
+        {"Ctrl + +", static_cast<int>(Qt::CTRL) | Qt::Key_Plus},
         {"Left", Qt::Key_Left},
         {"Alt + Win + F12", Qt::ALT | Qt::META | Qt::Key_F12},
     };

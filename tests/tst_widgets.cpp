@@ -101,8 +101,9 @@ TEST(ColorDialog, PicksFromTheScreenByKeyboardOrMouseAndStaysOpen)
     const std::pair<QColor, std::function<void(QWidget*)>> cases[]{
         {colorAt({91, 109}),
          [&](QWidget* cover) {
-             for (const int key : std::vector<int>{Qt::Key_Right, Qt::SHIFT + Qt::Key_Down,
-                                                   Qt::SHIFT + Qt::Key_Left, Qt::Key_Up}) {
+             for (const int key :
+                  std::vector<int>{Qt::Key_Right, static_cast<int>(Qt::SHIFT) + Qt::Key_Down,
+                                   static_cast<int>(Qt::SHIFT) + Qt::Key_Left, Qt::Key_Up}) {
                  QTest::keySequence(cover, QKeySequence(key));
              }
              EXPECT_EQ(QCursor::pos(), QPoint(91, 109));

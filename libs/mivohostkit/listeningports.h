@@ -16,6 +16,7 @@ namespace mivohost {
 class MIVOHOSTKIT_EXPORT ListeningPorts
 {
 public:
+    /// The listening ports that a store has.
     enum Port { tcp, udp };
 
     /// Opens or closes a port as requested, and answers by report(), at once or later.
@@ -27,12 +28,12 @@ public:
     /// Takes over what the store loaded.
     void load(Port port, const STPortInfo& kept) { m_current[port] = kept; }
 
-    STPortInfo current(Port port) const { return m_current[port]; }
+    STPortInfo current(Port port) const { return m_current[port]; } ///< as it was reported last
 
     /// The handler is called with each request, and at once for each port that was open when the
     /// program ended. Without a handler every request succeeds.
     void setHandler(Handler handler);
-
+    /// Keeps what is requested and has the handler carry it out; the result is announced.
     void request(Port port, const STPortInfo& requested);
 
     /// How a port is now: announced, unless nothing has changed. What was requested stays saved, so

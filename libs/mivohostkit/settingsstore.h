@@ -101,13 +101,13 @@ public:
         machine, ///< its start-up, timed actions, folders, ports, devices and language
         show,    ///< the same on all of them
     };
-
+    /// A setting as it is now.
     struct Entry
     {
-        QString name; ///< under which it is kept
-        QVariant value;
-        Section section;
-        Scope scope;
+        QString name;    ///< under which it is kept
+        QVariant value;  ///< as it is kept
+        Section section; ///< whose page shows it
+        Scope scope;     ///< whose it is
     };
 
     /// Takes why a value could not be kept, for a person to read.
@@ -300,7 +300,7 @@ public:
 
     /// Names of the settings whose kept value could not be used and has not been replaced since.
     QStringList unusable() const;
-
+    /// Every setting, each once.
     std::vector<Entry> all() const;
 
 private:

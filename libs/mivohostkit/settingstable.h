@@ -9,13 +9,13 @@
 #include <vector>
 
 namespace mivohost {
-
+/// What is laid down of a setting.
 struct Setting
 {
-    SettingsStore::Key key;
-    const char* name; ///< under which it is kept
-    SettingsStore::Section section;
-    SettingsStore::Scope scope;
+    SettingsStore::Key key;         ///< by which the host names it
+    const char* name;               ///< under which it is kept
+    SettingsStore::Section section; ///< whose page shows it
+    SettingsStore::Scope scope;     ///< whose it is
     QVariant fallback;  ///< its type is the setting's type: int, double, bool or QString
     double lowest = 0;  ///< of a number
     double highest = 0; ///< of a number

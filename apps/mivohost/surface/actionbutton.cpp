@@ -7,6 +7,8 @@
 
 #include <QtWidgets/QStyle>
 
+#include <algorithm>
+
 namespace mivohost {
 
 namespace {
@@ -40,7 +42,8 @@ void ActionButton::setTexts()
 
 void ActionButton::setEditing(bool on)
 {
-    setMinimumHeight(on ? sizeHint().height() + fontMetrics().height() : 0);
+    const int line = fontMetrics().height(); // the key stands below the name
+    setMinimumHeight(on ? std::max(sizeHint().height() + line, 3 * line + 8) : 0);
     setState("editing", on);
 }
 
