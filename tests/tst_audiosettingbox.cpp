@@ -248,10 +248,8 @@ TEST_F(Audio, OnlyAChangeOfACardRebuildsTheOffersOfAllOthers)
                                           {2U, mivo::SoundCardChangeClusterCard, 1U},
                                           {9U, mivo::SoundCardChangeClusterCard, 0U}}) {
         runtime.takePosted();
-        run([&] {
-            store.soundCardMappingChanged(
-                STSoundCardChangeInfo{id, kind, "Renamed", {"", "a", "Alpha", 2, 1}});
-        });
+        const STSoundCardChangeInfo change{id, kind, "Renamed", {"", "a", "Alpha", 2, 1}};
+        run([&] { store.soundCardMappingChanged(change); });
         EXPECT_EQ(runtime.takePosted().size(), reads) << "for all at once, and nothing written";
     }
     EXPECT_EQ(name(1)->text(), "Renamed");
