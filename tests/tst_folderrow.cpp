@@ -186,7 +186,7 @@ TEST_F(Row, TellsOfWhatCouldNotBeRemoved)
           // No more than ten, since the tip must fit on the screen.
           std::tuple(incomplete, "ClearIncomplete",
                      incomplete.notRemoved.mid(0, 10).join('\n') + "\nClearMore")}) {
-        dependencies.clear = [&result = result](const QString&, const auto&) { return result; };
+        dependencies.clear = [result = result](const QString&, const auto&) { return result; };
         make("/kept");
         watch.tips.clear();
         pressClear();
