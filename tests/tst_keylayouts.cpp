@@ -2,6 +2,7 @@
 
 #include "support/otherprocess.h"
 #include "support/test.h"
+#include "support/xscreen.h"
 
 #include <QtCore/QProcess>
 #include <QtCore/QStandardPaths>
@@ -92,13 +93,9 @@ TEST(KeySequences, AreWrittenWithTheirModifiersInOrderAndReadBack)
 
 TEST(KeyLayouts, KeysAreNamedAsTheirLayoutCallsThem)
 {
-    QProcess screen;
-    screen.setStandardErrorFile(QProcess::nullDevice());
-    screen.start("Xvfb", {"-displayfd", "1", "-screen", "0", "640x480x24"});
-    if (!screen.waitForReadyRead(20000) || QStandardPaths::findExecutable("xdotool").isEmpty()
+    const XScreen screen;
+    if (!screen.isThere() || QStandardPaths::findExecutable("xdotool").isEmpty()
         || QStandardPaths::findExecutable("setxkbmap").isEmpty()) {
-        screen.kill();
-        screen.waitForFinished();
         GTEST_SKIP() << "no Xvfb, xdotool or setxkbmap that can be used here";
     }
     const struct
@@ -124,19 +121,12 @@ TEST(KeyLayouts, KeysAreNamedAsTheirLayoutCallsThem)
         expected += test.text + std::string(",F12,\n");
     }
     auto environment = QProcessEnvironment::systemEnvironment();
-    environment.insert("DISPLAY", ":" + QString::fromLatin1(screen.readLine().trimmed()));
-    environment.insert("QT_QPA_PLATFORM", "xcb");
-    environment.insert("QT_XCB_GL_INTEGRATION", "none");
-    // The system's library of layouts reads texts that have a length and no end.
-    environment.insert("ASAN_OPTIONS",
-                       environment.value("ASAN_OPTIONS") + ":strict_string_checks=0");
+    screen.addTo(environment);
     QProcess program;
     program.setProcessEnvironment(environment);
     program.start(QCoreApplication::applicationFilePath(), arguments);
     EXPECT_TRUE(program.waitForFinished(60000));
     EXPECT_EQ(program.readAllStandardOutput().toStdString(), expected);
-    screen.kill();
-    screen.waitForFinished();
 }
 
 } // namespace keylayoutstest

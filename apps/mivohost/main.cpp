@@ -291,8 +291,6 @@ int run(const QCommandLineParser& arguments)
                           hostText("DataFailed").arg(lock, QString::fromStdString(alone.error())),
                           true);
         }
-    }
-    if (withWindow) {
         for (const QString& folder :
              {data.path(), QFileInfo(mivo::settings::shortCutFilePath()).path()}) {
             NoCacheFile::removeLeftovers(folder.toStdString());

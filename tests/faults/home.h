@@ -79,6 +79,13 @@ private:
     QString m_works;
 };
 
+/// The first word of a field of a process's file, such as "VmRSS:" of "/proc/1/status".
+inline QByteArray fieldOf(const QString& file, const char* name)
+{
+    const QByteArray text = readFile(file);
+    return text.mid(text.indexOf(name) + qstrlen(name), 20).simplified().split(' ')[0];
+}
+
 /// A disk of its own for each test, where the system permits it.
 class Disk
 {

@@ -17,9 +17,7 @@ namespace {
 /// Memory that the process holds, in megabytes.
 int memoryOf(qint64 process)
 {
-    const QByteArray status = readFile(QStringLiteral("/proc/%1/status").arg(process));
-    return status.mid(status.indexOf("VmRSS:") + 6, 20).simplified().split(' ').first().toInt()
-           / 1024;
+    return fieldOf(QStringLiteral("/proc/%1/status").arg(process), "VmRSS:").toInt() / 1024;
 }
 
 /// Presses the keys; the undo steps that the program then says it has set, the last ones if a slow

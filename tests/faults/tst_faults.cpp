@@ -251,10 +251,8 @@ TEST(Faults, WhatTheProgramHasOpenIsNotHandedToThoseThatItStarts)
         const auto open = targets(QDir(QStringLiteral("/proc/%1/fd").arg(program.id())));
         handedOn.clear();
         for (auto file = open.begin(); file != open.end(); ++file) {
-            const QByteArray info = readFile(file.key());
-            const auto flags = info.mid(info.indexOf("flags:") + 6, 20).simplified().split(' ')[0];
             if (!file.key().contains(QRegularExpression("/[012]$")) && !ours.contains(*file)
-                && (flags.toInt(nullptr, 8) & O_CLOEXEC) == 0) {
+                && (fieldOf(file.key(), "flags:").toInt(nullptr, 8) & O_CLOEXEC) == 0) {
                 handedOn.append(*file);
             }
         }

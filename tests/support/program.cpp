@@ -51,34 +51,18 @@ QProcessEnvironment environmentOf(const QString& home, const QString& platform)
 
 Program::Program(const QString& home, const QStringList& arguments)
 {
-    m_screen.setStandardErrorFile(QProcess::nullDevice());
-    m_screen.start("Xvfb", {"-displayfd", "1", "-screen", "0", "1280x900x24", "-nolisten", "tcp"});
-    while (!m_screen.canReadLine() && m_screen.waitForReadyRead(20000)) {
-    }
-    m_display = ':' + QString::fromLatin1(m_screen.readLine().trimmed());
     auto environment = environmentOf(home, "xcb");
-    environment.insert("DISPLAY", m_display);
-    environment.insert("QT_XCB_GL_INTEGRATION", "none");
-    // libxkbcommon-x11 reads texts that have a length and no end.
-    environment.insert("ASAN_OPTIONS",
-                       environment.value("ASAN_OPTIONS") + ":strict_string_checks=0");
+    m_screen.addTo(environment);
     m_process.setProcessEnvironment(environment);
     m_process.setProcessChannelMode(QProcess::MergedChannels);
     m_process.start(MIVOHOST_PROGRAM, arguments);
-}
-
-Program::~Program()
-{
-    signal(SIGKILL);
-    m_screen.terminate();
-    m_screen.waitForFinished(20000);
 }
 
 QByteArray Program::xdotool(const QStringList& arguments) const
 {
     QProcess tool;
     auto environment = QProcessEnvironment::systemEnvironment();
-    environment.insert("DISPLAY", m_display);
+    m_screen.addTo(environment);
     tool.setProcessEnvironment(environment);
     tool.start("xdotool", arguments);
     tool.waitForFinished(30000);

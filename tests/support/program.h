@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/xscreen.h"
+
 #include <QtCore/QProcess>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
@@ -12,7 +14,7 @@ class Program
 {
 public:
     explicit Program(const QString& home, const QStringList& arguments = {});
-    ~Program();
+    ~Program() { signal(9); }
 
     /// Whether it shows a window; false after half a minute.
     bool hasScreen() const;
@@ -41,8 +43,7 @@ public:
 private:
     QByteArray xdotool(const QStringList& arguments) const;
 
-    QString m_display;
-    QProcess m_screen; // goes after the program
+    XScreen m_screen; // goes after the program
     QProcess m_process;
     QByteArray m_said;
 };
