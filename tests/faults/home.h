@@ -83,7 +83,7 @@ private:
 inline QByteArray fieldOf(const QString& file, const char* name)
 {
     const QByteArray text = readFile(file);
-    return text.mid(text.indexOf(name) + qstrlen(name), 20).simplified().split(' ')[0];
+    return text.mid(text.indexOf(name) + int(qstrlen(name)), 20).simplified().split(' ')[0];
 }
 
 /// A disk of its own for each test, where the system permits it.
