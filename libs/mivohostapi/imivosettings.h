@@ -113,7 +113,7 @@ public:
     /// @}
 
     /// @{
-    /// The listening ports, TCP and UDP. The host opens or closes them as is wished and announces
+    /// The listening ports, TCP and UDP. The host opens or closes them as requested and announces
     /// what came of it.
     virtual STPortInfo getTcpPort() = 0;
     virtual void setTcpPort(const STPortInfo& info) = 0;

@@ -136,7 +136,7 @@ Q_DECLARE_METATYPE(STPPTSysSettingsInfo)
 /// A port on which the application listens.
 struct STPortInfo
 {
-    bool open = false;      ///< wished when it is written, and what came of it when it is announced
+    bool open = false;      ///< requested state when written, actual state when announced
     std::uint16_t port = 0; ///< 0 to 65534
 
     auto fields() const { return std::tie(open, port); }

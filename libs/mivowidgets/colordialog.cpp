@@ -12,11 +12,11 @@ ColorDialog::ColorDialog(QWidget* parent)
     : QColorDialog(parent), m_picker(new ScreenPicker(this)), m_pick(new QPushButton)
 {
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
-    setOption(DontUseNativeDialog); // which has texts of its own
+    setOption(DontUseNativeDialog); // native dialogs can't be translated by setTexts()
     const auto buttons = findChildren<QPushButton*>();
     for (QPushButton* button : buttons) {
         if (button->text() == QColorDialog::tr("&Pick Screen Color")) {
-            button->hide(); // knows one screen, and not the keyboard
+            button->hide(); // Qt's picker: one screen only, no keyboard
         }
     }
     findChild<QDialogButtonBox*>()->addButton(m_pick, QDialogButtonBox::ActionRole);

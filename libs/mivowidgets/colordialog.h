@@ -8,7 +8,7 @@ namespace mivo::widgets {
 
 class ScreenPicker;
 
-/// Qt's colour dialog with texts of one's own, and a picker that knows all screens. While it is
+/// Qt's colour dialog with translatable texts and a picker that covers all screens. While it is
 /// open, currentColorChanged() tells of every colour that is tried, also by that picker. GUI
 /// thread.
 class MIVOWIDGETS_EXPORT ColorDialog : public QColorDialog
@@ -30,7 +30,7 @@ private:
 
     ScreenPicker* m_picker;
     QPushButton* m_pick;
-    QColor m_before; // of the picking
+    QColor m_before; // the colour before picking started
 };
 
 } // namespace mivo::widgets

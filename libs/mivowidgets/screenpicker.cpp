@@ -34,7 +34,7 @@ bool ScreenPicker::start()
     if (!m_covers.empty()) {
         return true;
     }
-    // All pictures first, so that no cover gets onto one.
+    // Photograph all screens before a cover is shown, which would be in the next picture.
     std::vector<std::pair<QScreen*, QPixmap>> pictures;
     const auto screens = QGuiApplication::screens();
     for (QScreen* screen : screens) {
@@ -100,7 +100,7 @@ bool ScreenPicker::pressKey(int key, bool large)
     if (step != steps.end()) {
         moveTo(m_position + step->second * (large ? largeStep : 1));
         QCursor::setPos(m_position);
-    } else if (m_color.isValid() // on a screen that could be photographed
+    } else if (m_color.isValid() // invalid on a screen that could not be photographed
                && (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Space)) {
         end();
         emit picked(m_color);
@@ -119,7 +119,7 @@ bool ScreenPicker::eventFilter(QObject* object, QEvent* event)
     case QEvent::MouseMove:
         moveTo(static_cast<QMouseEvent*>(event)->globalPos());
         return true;
-    case QEvent::MouseButtonRelease: // not the press, which would leave the release to others
+    case QEvent::MouseButtonRelease: // the press would leave its release to another window
         moveTo(static_cast<QMouseEvent*>(event)->globalPos());
         return pressKey(static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton
                             ? Qt::Key_Return
@@ -128,7 +128,7 @@ bool ScreenPicker::eventFilter(QObject* object, QEvent* event)
     case QEvent::KeyPress: {
         const auto* key = static_cast<QKeyEvent*>(event);
         if (key->isAutoRepeat() && (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter)) {
-            return true; // of the press that started it
+            return true; // release of the key that started the picker
         }
         return pressKey(key->key(), (key->modifiers() & Qt::ShiftModifier) != 0);
     }

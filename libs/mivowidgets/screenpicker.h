@@ -24,7 +24,7 @@ class MIVOWIDGETS_EXPORT ScreenPicker : public QObject
     Q_OBJECT
 
 public:
-    /// Makes a picture of a screen.
+    /// Takes a picture of a screen.
     using Grab = std::function<QPixmap(QScreen& screen)>;
 
     /// `window` owns the picker, and may be modal.
@@ -40,8 +40,8 @@ public:
 
 Q_SIGNALS:
     void hovered(const QColor& color); ///< before picked() or cancelled(), as often as it changes
-    void picked(const QColor& color);  ///< the picking is over
-    void cancelled();                  ///< the same, without a colour
+    void picked(const QColor& color);  ///< the picker has closed
+    void cancelled();                  ///< the picker has closed without a colour
 
 protected:
     bool eventFilter(QObject* object, QEvent* event) override;
@@ -49,10 +49,10 @@ protected:
 private:
     struct Cover
     {
-        QRect screen; // in the coordinates of the desktop
+        QRect screen; // desktop coordinates
         QImage picture;
         QLabel* label;
-        QLabel* sample; // of the colour, beside the pointer
+        QLabel* sample; // shows the colour, beside the pointer
     };
 
     void moveTo(const QPoint& position);

@@ -17,7 +17,7 @@ namespace mivohost {
 
 namespace {
 
-/// The name, with a number behind it where it is taken already.
+/// The name, with a number appended where another card has it already.
 std::string unlike(const std::vector<std::string>& taken, const std::string& name)
 {
     std::string numbered = name;
@@ -64,8 +64,8 @@ GraphicsCardList vulkanGraphicsCards()
     VkInstanceCreateInfo wanted{};
     wanted.sType = VK_STRUCTURE_TYPE_INSTANCE_CREATE_INFO;
     wanted.pApplicationInfo = &application;
-    // Not QVulkanInstance: only windows on a screen of its platform could have one, and it belongs
-    // to the GUI thread.
+    // Not QVulkanInstance: it belongs to the GUI thread and needs a platform plugin that supports
+    // Vulkan, which the offscreen one does not.
     VkInstance instance = VK_NULL_HANDLE;
     if (vkCreateInstance(&wanted, nullptr, &instance) != VK_SUCCESS) {
         return {};
@@ -76,7 +76,7 @@ GraphicsCardList vulkanGraphicsCards()
     vkEnumeratePhysicalDevices(instance, &count, nullptr);
     devices.resize(count);
     vkEnumeratePhysicalDevices(instance, &count, devices.data());
-    devices.resize(count); // one may have gone meanwhile
+    devices.resize(count); // fewer than counted when a card was removed meanwhile
     for (VkPhysicalDevice device : devices) {
         VkPhysicalDeviceProperties properties{};
         vkGetPhysicalDeviceProperties(device, &properties);
@@ -92,9 +92,9 @@ GraphicsCardList vulkanGraphicsCards()
 GraphicsCardList kernelGraphicsCards(const QString& folder)
 {
     const QDir directory(folder);
-    QMap<int, QString> cards; // by number, so that the tenth does not come before the second
+    QMap<int, QString> cards; // sorted by number: card2 comes before card10
     for (const QString& entry : directory.entryList({QStringLiteral("card*")}, QDir::Dirs)) {
-        bool isNumber = false; // others are the sockets of a card
+        bool isNumber = false; // folders such as card0-HDMI-A-1 are sockets of a card
         const int number = entry.mid(4).toInt(&isNumber);
         if (isNumber) {
             cards.insert(number, entry);

@@ -13,26 +13,26 @@ namespace mivohost {
 
 class RuntimeThread;
 
-/// The graphics cards of a machine, each under a name of its own: twins are numbered.
+/// The graphics cards of a machine. Names are unique: cards of one model are numbered.
 struct GraphicsCardList
 {
     std::vector<std::string> names;
     std::string inUse; ///< empty where there is none
 };
 
-/// The cards that the Vulkan loader finds drivers for, the one that it prefers being in use. Loads
-/// those drivers, which takes a while. Any thread.
+/// The cards that Vulkan lists, in its order of preference; the first one is in use. Loads the
+/// drivers, which can take a second. Any thread.
 GraphicsCardList vulkanGraphicsCards();
 
-/// The cards that the system's kernel knows, out of a folder in the form of Linux's /sys/class/drm;
-/// the one that the machine started with is in use. A folder that is not there has none. Any
+/// The cards that the kernel lists in `folder`, which has the form of Linux's /sys/class/drm. The
+/// card that the machine booted with is the one in use. Empty when the folder does not exist. Any
 /// thread.
 GraphicsCardList kernelGraphicsCards(const QString& folder);
 
-/// The machine's cards: those of Vulkan, or of the kernel where that finds none.
+/// The cards that Vulkan lists, or those of the kernel where Vulkan lists none. Any thread.
 GraphicsCardList machineGraphicsCards();
 
-/// Reads the cards once, on a thread of its own; until then there are none.
+/// The machine's cards, read once on a thread of its own; the list is empty until that is done.
 ///
 /// Made and destroyed on any one thread; the rest on the runtime thread, as IRenderFacade says.
 class GraphicsCards : public mivo::mediaoutput::IRenderFacade

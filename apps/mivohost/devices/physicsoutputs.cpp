@@ -25,7 +25,7 @@ void logOutputs()
 PhysicsOutputs::PhysicsOutputs()
 {
     connect(qGuiApp, &QGuiApplication::screenAdded, this, logOutputs);
-    // Still among the screens while it is announced that it goes.
+    // QGuiApplication::screens() still contains a screen while its removal is announced.
     connect(qGuiApp, &QGuiApplication::screenRemoved, this, logOutputs, Qt::QueuedConnection);
     logOutputs();
 }
@@ -44,7 +44,7 @@ QStringList PhysicsOutputs::outputs()
                            .arg(screen->name())
                            .arg(screen->size().width())
                            .arg(screen->size().height())
-                           .trimmed()); // a screen may have no name
+                           .trimmed()); // without the blank, where it has no name
     }
     return outputs;
 }

@@ -7,8 +7,8 @@
 
 namespace mivohost {
 
-/// The machine's outputs, which are its screens. A reference host drives none: it says what it
-/// would drive them with. GUI thread, but for setOutputConfig().
+/// The machine's outputs: its screens. The reference host renders nothing to them; it logs the
+/// configuration that it is given. GUI thread, except setOutputConfig(), which any thread calls.
 class PhysicsOutputs : public QObject, public mivo::mediaoutput::IPhysicsOutputMgr
 {
     Q_OBJECT
