@@ -9,6 +9,31 @@
         <translation>System settings</translation>
     </message>
     <message>
+        <source>SettingsSearch</source>
+        <comment>Widget</comment>
+        <translation>Search</translation>
+    </message>
+    <message>
+        <source>SettingsSearchTip</source>
+        <comment>Widget</comment>
+        <translation>Search all settings (Ctrl+F). Return goes to the next place, Shift+Return to the one before, the down arrow to the control.</translation>
+    </message>
+    <message>
+        <source>SettingsSearchCount</source>
+        <comment>Widget</comment>
+        <translation>Found: %1</translation>
+    </message>
+    <message>
+        <source>SettingsSearchPlace</source>
+        <comment>Widget</comment>
+        <translation>%1 of %2</translation>
+    </message>
+    <message>
+        <source>SettingsSearchNone</source>
+        <comment>Widget</comment>
+        <translation>Nothing found</translation>
+    </message>
+    <message>
         <source>GeneralSettings</source>
         <comment>Widget</comment>
         <translation>General</translation>

@@ -9,6 +9,31 @@
         <translation>系统设置</translation>
     </message>
     <message>
+        <source>SettingsSearch</source>
+        <comment>Widget</comment>
+        <translation>搜索</translation>
+    </message>
+    <message>
+        <source>SettingsSearchTip</source>
+        <comment>Widget</comment>
+        <translation>搜索所有设置（Ctrl+F）。按回车跳到下一处，按 Shift+回车跳到上一处，按向下箭头进入该控件。</translation>
+    </message>
+    <message>
+        <source>SettingsSearchCount</source>
+        <comment>Widget</comment>
+        <translation>找到 %1 处</translation>
+    </message>
+    <message>
+        <source>SettingsSearchPlace</source>
+        <comment>Widget</comment>
+        <translation>第 %1 / %2 处</translation>
+    </message>
+    <message>
+        <source>SettingsSearchNone</source>
+        <comment>Widget</comment>
+        <translation>未找到</translation>
+    </message>
+    <message>
         <source>GeneralSettings</source>
         <comment>Widget</comment>
         <translation>常规</translation>

@@ -8,7 +8,9 @@
 #include <mivosettingswidgets/settingsdialog.h>
 
 #include <QtCore/QDir>
+#include <QtGui/QKeyEvent>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QScrollArea>
 #include <QtWidgets/QStackedWidget>
@@ -42,6 +44,16 @@ void showPage(QWidget* dialog, QWidget* page)
     QApplication::processEvents();
     section->ensureWidgetVisible(page);
     QApplication::processEvents();
+}
+
+/// Searches, and goes to the first place that was found.
+void search(QWidget& dialog, const QString& wanted)
+{
+    auto* line = dialog.findChild<QLineEdit*>(QStringLiteral("settingsSearch"));
+    line->setText(wanted);
+    line->setFocus();
+    QKeyEvent press(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+    QApplication::sendEvent(line, &press);
 }
 
 } // namespace
@@ -79,6 +91,9 @@ bool drawPictures(MainWindow& window, const QString& folder)
             const auto className = QString::fromLatin1(page->metaObject()->className()).toLower();
             saved = save(dialog, className.section(QStringLiteral("::"), -1), language) && saved;
         }
+        search(dialog, QStringLiteral("fade")); // in English, whatever the language
+        saved = save(dialog, QStringLiteral("search"), language) && saved;
+        search(dialog, {});
     }
     return saved;
 }

@@ -28,6 +28,7 @@ SettingsView::SettingsView(RuntimeThread& runtime, QWidget* parent,
     : m_dialog(std::make_unique<SettingsDialog>(parent))
 {
     m_dialog->loadLanguageFiles(mivo::style::languageFiles());
+    m_dialog->enableSearch();
     // Sections stand in the order of their first pages; within one, the pages stand by their
     // numbers, from the most to the least used.
     const auto add = [&](auto* page, int priorityIndex) {
