@@ -33,7 +33,7 @@ void SearchMarks::paintEvent(QPaintEvent* /*event*/)
     for (std::size_t i = 0; i < m_rects.size(); ++i) {
         const bool isCurrent = static_cast<int>(i) == m_current;
         QColor fill = color;
-        fill.setAlpha(isCurrent ? 70 : 24);
+        fill.setAlpha(isCurrent ? 40 : 20);
         painter.setBrush(fill);
         painter.setPen(QPen(color, isCurrent ? 3 : 1.5));
         painter.drawRoundedRect(QRectF(m_rects[i]).adjusted(-2, -1, 2, 1), 4, 4);
