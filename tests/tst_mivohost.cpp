@@ -84,7 +84,7 @@ TEST_F(Host, DrawsEveryPageInEveryLanguage)
 {
     const QString pictures = folder.filePath("pictures");
     ASSERT_EQ(run({"--pictures", pictures}), 0);
-    QStringList names{"mainwindow", "mainwindow-editing", "search"};
+    QStringList names{"mainwindow", "mainwindow-editing", "search", "putback"};
     TestRuntime runtime;
     const mivohost::SettingsView view(runtime, nullptr);
     for (const auto* page : view.pages()) {
@@ -103,13 +103,16 @@ TEST_F(Host, DrawsEveryPageInEveryLanguage)
     EXPECT_EQ(run({"--pictures", pictures, "--store", otherStore()}), 1);
 }
 
-TEST_F(Host, ASettingIsFoundAndChangedByKeysAlone)
+TEST_F(Host, ASettingIsFoundChangedAndPutBackByKeysAlone)
 {
     Program program(folder.path(), {"--settings"});
     ASSERT_TRUE(program.says("settings dialog open"));
     ASSERT_TRUE(program.hasScreen());
     program.press("ctrl+f u n d o space s t e p s Return Down ctrl+a 8 1 Return");
     EXPECT_TRUE(program.says("setting undoStep = 81")) << program.output().constData();
+    QTest::qWait(1500); // it is seen to differ
+    program.press("Menu Up Return");
+    EXPECT_TRUE(program.says("setting undoStep = 50")) << program.output().constData();
 }
 
 TEST_F(Host, SeesItsSoundCardsComeAndGo)

@@ -8,8 +8,10 @@
 #include <mivosettingswidgets/settingsdialog.h>
 
 #include <QtCore/QDir>
+#include <QtCore/QElapsedTimer>
 #include <QtGui/QKeyEvent>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QCheckBox>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QScrollArea>
@@ -56,6 +58,18 @@ void search(QWidget& dialog, const QString& wanted)
     QApplication::sendEvent(line, &press);
 }
 
+/// Chooses an option of the page, so that it differs from its default, or its default again.
+void toggleOption(SettingsView& settings, const QString& name)
+{
+    settings.dialog().findChild<QCheckBox*>(name)->click();
+    const std::size_t marks = settings.putBack()->differences().empty() ? 1 : 0;
+    QElapsedTimer elapsed;
+    elapsed.start();
+    while (settings.putBack()->differences().size() != marks && elapsed.elapsed() < 5000) {
+        QApplication::processEvents(QEventLoop::WaitForMoreEvents, 100);
+    }
+}
+
 } // namespace
 
 bool drawPictures(MainWindow& window, const QString& folder)
@@ -94,6 +108,9 @@ bool drawPictures(MainWindow& window, const QString& folder)
         search(dialog, QStringLiteral("fade")); // in English, whatever the language
         saved = save(dialog, QStringLiteral("search"), language) && saved;
         search(dialog, {});
+        toggleOption(window.settings(), QStringLiteral("MFPS")); // of the section shown by now
+        saved = save(dialog, QStringLiteral("putback"), language) && saved;
+        toggleOption(window.settings(), QStringLiteral("MFPS"));
     }
     return saved;
 }
