@@ -8,6 +8,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include <QtGui/QFocusEvent>
+
 namespace {
 
 using mivo::settings::SettingsDialog;
@@ -86,7 +88,23 @@ void floor(benchmark::State& state)
     state.counters["texts"] = large.prepared.size();
 }
 
-/// With `isFirst`, the key by which a search begins: all texts are read then.
+/// What comes before the first key: the focus, at which all texts are read.
+void focus(benchmark::State& state)
+{
+    LargeDialog large;
+    for (auto _ : state) {
+        large.dialog.hide(); // which forgets them
+        large.dialog.show();
+        QApplication::processEvents();
+        QFocusEvent event(QEvent::FocusIn);
+        QElapsedTimer timer;
+        timer.start();
+        QApplication::sendEvent(large.line, &event);
+        state.SetIterationTime(1e-9 * static_cast<double>(timer.nsecsElapsed()));
+    }
+}
+
+/// With `isFirst`, the key by which a search begins.
 void search(benchmark::State& state, bool isFirst, bool draws)
 {
     LargeDialog large;
@@ -116,6 +134,7 @@ BENCHMARK_CAPTURE(search, drawn, false, true)
     ->Name("search_5000_texts/key_and_drawn")
     ->UseManualTime()
     ->Iterations(100);
+BENCHMARK(focus)->Name("search_5000_texts/focus")->UseManualTime()->Iterations(20);
 BENCHMARK_CAPTURE(search, first, true, false)
     ->Name("search_5000_texts/first_key")
     ->UseManualTime()

@@ -51,7 +51,7 @@ protected:
 
     bool isDimmed(int section) const
     {
-        return dialog.findChild<QButtonGroup*>()->button(section)->graphicsEffect() != nullptr;
+        return dialog.findChild<QButtonGroup*>()->button(section)->property("dimmed").toBool();
     }
 
     QWidget* marks() const { return dialog.findChild<QWidget*>("searchMarks"); }

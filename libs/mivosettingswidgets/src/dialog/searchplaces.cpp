@@ -4,7 +4,6 @@
 
 #include <QtCore/QHash>
 #include <QtCore/QMetaProperty>
-#include <QtCore/QRegularExpression>
 #include <QtCore/QSet>
 #include <QtGui/QTextDocument>
 #include <QtGui/QTextDocumentFragment>
@@ -23,6 +22,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <memory>
 #include <utility>
 
 namespace mivo::settings {
@@ -44,9 +44,9 @@ public:
             return;
         }
         m_visited.insert(widget);
-        addTextsOf(widget);
-        if (qobject_cast<QComboBox*>(widget) != nullptr
-            || qobject_cast<QAbstractSpinBox*>(widget) != nullptr) {
+        const Kind& kind = kindOf(widget->metaObject());
+        addTextsOf(widget, kind);
+        if (kind.isCombo || kind.isSpinBox) {
             return; // its parts are no controls of their own
         }
         if (QLayout* layout = widget->layout()) {
@@ -60,6 +60,19 @@ public:
     }
 
 private:
+    /// What there is to know of a class of widgets.
+    struct Kind
+    {
+        /// The properties that are texts of the page, whoever wrote the class. What a person types
+        /// is none: it is the property that Qt calls the user's.
+        std::vector<QMetaProperty> texts;
+        bool isCombo = false;
+        bool isSpinBox = false;
+        bool isTabBar = false;
+        bool isButton = false;
+        bool isView = false;
+    };
+
     void visit(const QLayout* layout)
     {
         for (int i = 0; i < layout->count(); ++i) {
@@ -79,37 +92,42 @@ private:
                && qobject_cast<QTabWidget*>(widget->parentWidget()->parentWidget()) == nullptr;
     }
 
-    void addTextsOf(QWidget* widget)
+    void addTextsOf(QWidget* widget, const Kind& kind)
     {
-        for (const QMetaProperty& property : textProperties(widget->metaObject())) {
+        for (const QMetaProperty& property : kind.texts) {
             add(property.read(widget).toString());
         }
-        if (const auto* combo = qobject_cast<QComboBox*>(widget)) {
+        if (kind.isCombo) {
+            const auto* combo = static_cast<QComboBox*>(widget);
             for (int i = 0; i < qMin(combo->count(), mostItems); ++i) {
                 add(combo->itemText(i));
             }
-        } else if (const auto* tabs = qobject_cast<QTabBar*>(widget)) {
+        } else if (kind.isTabBar) {
+            const auto* tabs = static_cast<QTabBar*>(widget);
             for (int i = 0; i < qMin(tabs->count(), mostItems); ++i) {
                 add(tabs->tabText(i));
             }
-        } else if (const auto* button = qobject_cast<QPushButton*>(widget)) {
-            addMenu(button->menu());
-        } else if (const auto* tool = qobject_cast<QToolButton*>(widget)) {
-            addMenu(tool->menu());
-        }
-        if (m_texts.isEmpty() && qobject_cast<QAbstractButton*>(widget) != nullptr) {
-            add(widget->accessibleName()); // that of a button with an icon alone
+        } else if (kind.isButton) {
+            if (const auto* button = qobject_cast<QPushButton*>(widget)) {
+                addMenu(button->menu());
+            } else if (const auto* tool = qobject_cast<QToolButton*>(widget)) {
+                addMenu(tool->menu());
+            }
+            if (m_texts.isEmpty()) {
+                add(widget->accessibleName()); // that of a button with an icon alone
+            }
         }
         add(widget->toolTip());
         add(widget->whatsThis());
         addPlace(widget);
 
-        if (const auto* header = qobject_cast<QHeaderView*>(widget)) {
+        if (const auto* header = qobject_cast<QHeaderView*>(kind.isView ? widget : nullptr)) {
             for (int i = 0; i < qMin(header->count(), mostItems) && header->model(); ++i) {
                 add(header->model()->headerData(i, header->orientation()).toString());
             }
             addPlace(widget);
-        } else if (auto* view = qobject_cast<QAbstractItemView*>(widget)) {
+        } else if (kind.isView) {
+            auto* view = static_cast<QAbstractItemView*>(widget);
             int left = mostItems;
             if (view->model() != nullptr) {
                 addItems(view, view->rootIndex(), left);
@@ -161,30 +179,34 @@ private:
         }
     }
 
-    /// The properties of a class that are texts of the page, whoever wrote the class. What a person
-    /// types is none: it is the property that Qt calls the user's.
-    const std::vector<QMetaProperty>& textProperties(const QMetaObject* type)
+    const Kind& kindOf(const QMetaObject* type)
     {
-        const auto known = m_properties.constFind(type);
-        if (known != m_properties.constEnd()) {
-            return *known;
+        const auto known = m_kinds.constFind(type);
+        if (known != m_kinds.constEnd()) {
+            return **known;
         }
-        std::vector<QMetaProperty>& properties = m_properties[type];
+        auto kind = std::make_shared<Kind>();
         for (const char* name : {"text", "title", "description", "prefix", "suffix",
                                  "specialValueText", "placeholderText"}) {
             const QMetaProperty property = type->property(type->indexOfProperty(name));
             if (property.isWritable() && !property.isUser()) {
-                properties.push_back(property);
+                kind->texts.push_back(property);
             }
         }
-        return properties;
+        kind->isCombo = type->inherits(&QComboBox::staticMetaObject);
+        kind->isSpinBox = type->inherits(&QAbstractSpinBox::staticMetaObject);
+        kind->isTabBar = type->inherits(&QTabBar::staticMetaObject);
+        kind->isButton = type->inherits(&QAbstractButton::staticMetaObject);
+        kind->isView = type->inherits(&QAbstractItemView::staticMetaObject);
+        m_kinds.insert(type, kind);
+        return *kind;
     }
 
     int m_section;
     std::vector<SearchPlace>& m_places;
     QStringList m_texts; // of the place that is read
     QSet<QWidget*> m_visited;
-    QHash<const QMetaObject*, std::vector<QMetaProperty>> m_properties;
+    QHash<const QMetaObject*, std::shared_ptr<Kind>> m_kinds;
 };
 
 /// The part of a widget that its text covers: a label or a box is often wider.
@@ -208,7 +230,37 @@ QRect textRect(QWidget* widget)
 
 QString plain(const QString& text)
 {
-    return Qt::mightBeRichText(text) ? QTextDocumentFragment::fromHtml(text).toPlainText() : text;
+    return text.contains('<') && Qt::mightBeRichText(text)
+               ? QTextDocumentFragment::fromHtml(text).toPlainText()
+               : text;
+}
+
+/// What stands between numbers, brackets and colons.
+QStringList wordsOf(const QString& text)
+{
+    QStringList words;
+    QString word;
+    const auto end = [&] {
+        word = word.trimmed();
+        if (!word.isEmpty() && word.size() < text.size()) {
+            words.append(word);
+        }
+        word.clear();
+    };
+    for (const QChar character : text) {
+        if (character.isDigit() || character == '(' || character == ')' || character == ':') {
+            end();
+        } else {
+            word.append(character);
+        }
+    }
+    end();
+    return words;
+}
+
+bool isAscii(const QString& text)
+{
+    return std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 0x80; });
 }
 
 } // namespace
@@ -237,7 +289,8 @@ QString searchable(const QString& text)
 {
     // Only the upper case of a sharp s is written out.
     const QString decomposed =
-        text.normalized(QString::NormalizationForm_KD).toUpper().toCaseFolded();
+        isAscii(text) ? text.toLower()
+                      : text.normalized(QString::NormalizationForm_KD).toUpper().toCaseFolded();
     const auto counts = [](QChar character) {
         return character != '&' && character.category() != QChar::Mark_NonSpacing;
     };
@@ -254,8 +307,6 @@ void addPlaces(QWidget* root, int section, std::vector<SearchPlace>& places)
 
 void makeSearchable(std::vector<SearchPlace>& places)
 {
-    // A number and its word are put together by the page: the word is looked up by itself.
-    static const QRegularExpression number(QStringLiteral("[\\d():]+"));
     const QHash<QString, QStringList> others =
         SettingWdigetTranslateManager::instance().translator().otherTexts();
     for (SearchPlace& place : places) {
@@ -264,8 +315,9 @@ void makeSearchable(std::vector<SearchPlace>& places)
             place.searched += searchable(plain(text)) + '\n';
             QStringList known = others.value(text);
             if (known.isEmpty() && !others.isEmpty()) {
-                for (const QString& part : text.split(number, Qt::SkipEmptyParts)) {
-                    known += others.value(part.trimmed());
+                // A number and its word are put together by the page.
+                for (const QString& word : wordsOf(text)) {
+                    known += others.value(word);
                 }
             }
             for (const QString& other : std::as_const(known)) {

@@ -10,10 +10,10 @@
 #include <QtGui/QKeyEvent>
 #include <QtWidgets/QAbstractItemView>
 #include <QtWidgets/QButtonGroup>
-#include <QtWidgets/QGraphicsOpacityEffect>
 #include <QtWidgets/QScrollArea>
 #include <QtWidgets/QShortcut>
 #include <QtWidgets/QStackedWidget>
+#include <QtWidgets/QStyle>
 #include <QtWidgets/QTabWidget>
 
 #include <algorithm>
@@ -25,7 +25,6 @@ namespace {
 constexpr int lineHeight = 26;
 constexpr int statusHeight = 20;
 constexpr int margin = 8;
-constexpr qreal dimmed = 0.6; // the text is still to be read
 
 /// What the pages of a section stand in.
 QWidget* rootOf(QWidget* section)
@@ -34,14 +33,19 @@ QWidget* rootOf(QWidget* section)
     return area != nullptr && area->widget() != nullptr ? area->widget() : section;
 }
 
+/// Not by an effect: Qt goes through all controls of the dialog for each that it draws.
 void dim(QWidget* button, bool dims)
 {
-    if (dims != (button->graphicsEffect() != nullptr)) {
-        auto* effect = dims ? new QGraphicsOpacityEffect(button) : nullptr;
-        if (effect != nullptr) {
-            effect->setOpacity(dimmed);
+    if (dims != button->property("dimmed").toBool()) {
+        button->setProperty("dimmed", dims);
+        QPalette palette;
+        if (dims) { // for a host without a style sheet
+            palette.setColor(QPalette::ButtonText,
+                             palette.color(QPalette::Disabled, QPalette::ButtonText));
         }
-        button->setGraphicsEffect(effect);
+        button->setPalette(palette);
+        button->style()->unpolish(button); // the style sheet knows the property
+        button->style()->polish(button);
     }
 }
 
@@ -99,6 +103,9 @@ bool SettingsSearch::eventFilter(QObject* object, QEvent* event)
 {
     if (object == m_dialog && event->type() == QEvent::Hide && !event->spontaneous()) {
         m_line->clear();
+        m_places.clear();
+    } else if (object == m_line && event->type() == QEvent::FocusIn) {
+        followTexts(); // now, so that the first key does not wait for it
     }
     if (event->type() != QEvent::KeyPress) {
         return false;
@@ -135,9 +142,10 @@ void SettingsSearch::changed()
     m_current = {};
     if (m_wanted.isEmpty()) {
         m_watch.stop();
-        m_places.clear();
     } else if (!searchedBefore) {
-        readTexts();
+        if (m_places.empty()) {
+            readTexts(); // else as they were at the focus, until they are followed
+        }
         m_watch.start();
     }
     search();
