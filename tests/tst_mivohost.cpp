@@ -58,6 +58,18 @@ TEST_F(Host, DrawsEveryPageInEveryLanguage)
     EXPECT_EQ(run({"--pictures", "/proc/no/such"}), 4);
 }
 
+TEST_F(Host, ASettingIsFoundChangedAndPutBackByKeysAlone)
+{
+    Program program(folder.path(), {"--settings"});
+    ASSERT_TRUE(program.says("settings dialog open"));
+    ASSERT_TRUE(program.hasScreen());
+    program.press("ctrl+f u n d o space s t e p s Return Down ctrl+a 8 1 Return");
+    EXPECT_TRUE(program.says("setting undoStep = 81")) << program.output().constData();
+    QTest::qWait(1500); // it is seen to differ
+    program.press("Menu Up Return");
+    EXPECT_TRUE(program.says("setting undoStep = 50")) << program.output().constData();
+}
+
 TEST_F(Host, SeesItsSoundCardsComeAndGo)
 {
     SoundServer server;

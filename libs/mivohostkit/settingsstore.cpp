@@ -53,13 +53,12 @@ SettingsStore::SettingsStore(std::unique_ptr<SettingsPersistence> persistence,
                              const std::map<Key, QVariant>& defaults)
     : m_persistence(persistence ? std::move(persistence) : std::make_unique<NoPersistence>()),
       m_soundCards(*this, [this](const QString& text) { set(Key::soundCardMappings, text); }),
-      m_ports(*this)
+      m_ports(*this), m_defaults(defaults)
 {
     const QVariantHash rows = m_persistence->loadAll();
     for (const Setting& setting : settingsTable()) {
-        const auto given = defaults.find(setting.key);
         QVariant& held = m_values[setting.key];
-        held = given == defaults.end() ? setting.fallback : given->second;
+        held = fallbackOf(setting);
         const auto row = rows.find(setting.name);
         if (row == rows.end()) {
             continue;
@@ -87,6 +86,7 @@ SettingsStore::SettingsStore(std::unique_ptr<SettingsPersistence> persistence,
                 if (setting.announce != nullptr) {
                     setting.announce(*this, *accepted);
                 }
+                anySettingChanged();
             }
         }
     });
@@ -247,9 +247,25 @@ std::vector<SettingsStore::Entry> SettingsStore::all() const
 {
     std::vector<Entry> entries;
     for (const Setting& setting : settingsTable()) {
-        entries.push_back({setting.name, value(setting.key), setting.section, setting.scope});
+        entries.push_back({setting.name, value(setting.key), setting.section, setting.scope,
+                           fallbackOf(setting), setting.announce != nullptr});
     }
     return entries;
+}
+
+QVariant SettingsStore::fallbackOf(const Setting& setting) const
+{
+    const auto given = m_defaults.find(setting.key);
+    return given == m_defaults.end() ? setting.fallback : given->second;
+}
+
+void SettingsStore::set(const QString& name, const QVariant& value)
+{
+    for (const Setting& setting : settingsTable()) {
+        if (name == QLatin1String(setting.name)) {
+            set(setting.key, value);
+        }
+    }
 }
 
 void SettingsStore::set(Key key, const QVariant& wanted)
@@ -261,13 +277,17 @@ void SettingsStore::set(Key key, const QVariant& wanted)
                         logged(corrected));
     }
     const bool replacesUnusable = corrected == wanted && m_unusable.count(key) != 0;
-    if (corrected != value(key) || replacesUnusable) {
+    const QVariant before = value(key);
+    if (corrected != before || replacesUnusable) {
         keep(key, corrected);
     } else if (corrected == wanted) {
         return; // nothing new, and the control shows it already
     }
     if (setting.announce != nullptr) {
         setting.announce(*this, value(key));
+    }
+    if (value(key) != before) {
+        anySettingChanged();
     }
 }
 

@@ -9,6 +9,31 @@
         <translation>System settings</translation>
     </message>
     <message>
+        <source>SettingsSearch</source>
+        <comment>Widget</comment>
+        <translation>Search</translation>
+    </message>
+    <message>
+        <source>SettingsSearchTip</source>
+        <comment>Widget</comment>
+        <translation>Search all settings (Ctrl+F). Return goes to the next place, Shift+Return to the one before, the down arrow to the control.</translation>
+    </message>
+    <message>
+        <source>SettingsSearchCount</source>
+        <comment>Widget</comment>
+        <translation>Found: %1</translation>
+    </message>
+    <message>
+        <source>SettingsSearchPlace</source>
+        <comment>Widget</comment>
+        <translation>%1 of %2</translation>
+    </message>
+    <message>
+        <source>SettingsSearchNone</source>
+        <comment>Widget</comment>
+        <translation>Nothing found</translation>
+    </message>
+    <message>
         <source>GeneralSettings</source>
         <comment>Widget</comment>
         <translation>General</translation>
@@ -1044,6 +1069,66 @@ Without an answer the copy is used in %4 seconds.</translation>
         <source>DoNotSave</source>
         <comment>MainWindow</comment>
         <translation>Do not save</translation>
+    </message>
+    <message>
+        <source>On</source>
+        <comment>MainWindow</comment>
+        <translation>on</translation>
+    </message>
+    <message>
+        <source>Off</source>
+        <comment>MainWindow</comment>
+        <translation>off</translation>
+    </message>
+    <message>
+        <source>PutBackTo</source>
+        <comment>MainWindow</comment>
+        <translation>Put back to %1</translation>
+    </message>
+    <message>
+        <source>PutBackToDefault</source>
+        <comment>MainWindow</comment>
+        <translation>Put back to the default</translation>
+    </message>
+    <message>
+        <source>PutBackSection</source>
+        <comment>MainWindow</comment>
+        <translation>Put this section back</translation>
+    </message>
+    <message>
+        <source>PutBackQuestion</source>
+        <comment>MainWindow</comment>
+        <translation>Put the section "%1" back to what a new installation has? Settings that change: %2.</translation>
+    </message>
+    <message>
+        <source>PutBack</source>
+        <comment>MainWindow</comment>
+        <translation>Put back</translation>
+    </message>
+    <message>
+        <source>PutBackNotKept</source>
+        <comment>MainWindow</comment>
+        <translation>Nothing was put back, because the settings could not be kept in a file first: %1</translation>
+    </message>
+    <message>
+        <source>PutBackDone</source>
+        <comment>MainWindow</comment>
+        <translation>The section "%1" was put back.</translation>
+    </message>
+    <message>
+        <source>PutBackPartly</source>
+        <comment>MainWindow</comment>
+        <translation>The section "%1" was not put back as a whole: %2 of %3 settings could not be saved.</translation>
+    </message>
+    <message>
+        <source>PutBackUndo</source>
+        <comment>MainWindow</comment>
+        <translation>Undo</translation>
+    </message>
+    <message>
+        <source>PutBackClose</source>
+        <comment>MainWindow</comment>
+        <translation>Close</translation>
     </message>
     <message>
         <source>Cancel</source>

@@ -9,6 +9,31 @@
         <translation>系统设置</translation>
     </message>
     <message>
+        <source>SettingsSearch</source>
+        <comment>Widget</comment>
+        <translation>搜索</translation>
+    </message>
+    <message>
+        <source>SettingsSearchTip</source>
+        <comment>Widget</comment>
+        <translation>搜索所有设置（Ctrl+F）。按回车跳到下一处，按 Shift+回车跳到上一处，按向下箭头进入该控件。</translation>
+    </message>
+    <message>
+        <source>SettingsSearchCount</source>
+        <comment>Widget</comment>
+        <translation>找到 %1 处</translation>
+    </message>
+    <message>
+        <source>SettingsSearchPlace</source>
+        <comment>Widget</comment>
+        <translation>第 %1 / %2 处</translation>
+    </message>
+    <message>
+        <source>SettingsSearchNone</source>
+        <comment>Widget</comment>
+        <translation>未找到</translation>
+    </message>
+    <message>
         <source>GeneralSettings</source>
         <comment>Widget</comment>
         <translation>常规</translation>
@@ -1044,6 +1069,66 @@
         <source>DoNotSave</source>
         <comment>MainWindow</comment>
         <translation>不保存</translation>
+    </message>
+    <message>
+        <source>On</source>
+        <comment>MainWindow</comment>
+        <translation>开</translation>
+    </message>
+    <message>
+        <source>Off</source>
+        <comment>MainWindow</comment>
+        <translation>关</translation>
+    </message>
+    <message>
+        <source>PutBackTo</source>
+        <comment>MainWindow</comment>
+        <translation>恢复为 %1</translation>
+    </message>
+    <message>
+        <source>PutBackToDefault</source>
+        <comment>MainWindow</comment>
+        <translation>恢复为默认值</translation>
+    </message>
+    <message>
+        <source>PutBackSection</source>
+        <comment>MainWindow</comment>
+        <translation>恢复本节默认设置</translation>
+    </message>
+    <message>
+        <source>PutBackQuestion</source>
+        <comment>MainWindow</comment>
+        <translation>将“%1”恢复为初始设置？将更改 %2 项设置。</translation>
+    </message>
+    <message>
+        <source>PutBack</source>
+        <comment>MainWindow</comment>
+        <translation>恢复</translation>
+    </message>
+    <message>
+        <source>PutBackNotKept</source>
+        <comment>MainWindow</comment>
+        <translation>未恢复任何设置，因为无法先将设置保存到文件：%1</translation>
+    </message>
+    <message>
+        <source>PutBackDone</source>
+        <comment>MainWindow</comment>
+        <translation>“%1”已恢复为初始设置。</translation>
+    </message>
+    <message>
+        <source>PutBackPartly</source>
+        <comment>MainWindow</comment>
+        <translation>“%1”未能全部恢复：%3 项设置中有 %2 项无法保存。</translation>
+    </message>
+    <message>
+        <source>PutBackUndo</source>
+        <comment>MainWindow</comment>
+        <translation>撤销</translation>
+    </message>
+    <message>
+        <source>PutBackClose</source>
+        <comment>MainWindow</comment>
+        <translation>关闭</translation>
     </message>
     <message>
         <source>Cancel</source>

@@ -8,7 +8,11 @@
 #include <mivosettingswidgets/settingsdialog.h>
 
 #include <QtCore/QDir>
+#include <QtCore/QElapsedTimer>
+#include <QtGui/QKeyEvent>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QCheckBox>
+#include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QScrollArea>
 #include <QtWidgets/QStackedWidget>
@@ -42,6 +46,28 @@ void showPage(QWidget* dialog, QWidget* page)
     QApplication::processEvents();
     section->ensureWidgetVisible(page);
     QApplication::processEvents();
+}
+
+/// Searches, and goes to the first place that was found.
+void search(QWidget& dialog, const QString& wanted)
+{
+    auto* line = dialog.findChild<QLineEdit*>(QStringLiteral("settingsSearch"));
+    line->setText(wanted);
+    line->setFocus();
+    QKeyEvent press(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+    QApplication::sendEvent(line, &press);
+}
+
+/// Chooses an option of the page, so that it differs from its default, or its default again.
+void toggleOption(SettingsView& settings, const QString& name)
+{
+    settings.dialog().findChild<QCheckBox*>(name)->click();
+    const std::size_t marks = settings.putBack()->differences().empty() ? 1 : 0;
+    QElapsedTimer elapsed;
+    elapsed.start();
+    while (settings.putBack()->differences().size() != marks && elapsed.elapsed() < 5000) {
+        QApplication::processEvents(QEventLoop::WaitForMoreEvents, 100);
+    }
 }
 
 } // namespace
@@ -79,6 +105,12 @@ bool drawPictures(MainWindow& window, const QString& folder)
             const auto className = QString::fromLatin1(page->metaObject()->className()).toLower();
             saved = save(dialog, className.section(QStringLiteral("::"), -1), language) && saved;
         }
+        search(dialog, QStringLiteral("fade")); // in English, whatever the language
+        saved = save(dialog, QStringLiteral("search"), language) && saved;
+        search(dialog, {});
+        toggleOption(window.settings(), QStringLiteral("MFPS")); // of the section shown by now
+        saved = save(dialog, QStringLiteral("putback"), language) && saved;
+        toggleOption(window.settings(), QStringLiteral("MFPS"));
     }
     return saved;
 }

@@ -1,5 +1,6 @@
 #include "mivosettingswidgets/settingsdialog.h"
 
+#include "dialog/settingssearch.h"
 #include "mivosettingswidgets/isettingbox.h"
 #include "mivosettingswidgets/settingwidget.h"
 #include "mivosettingswidgets/storeaccess.h"
@@ -72,6 +73,7 @@ public:
     QButtonGroup* buttons = nullptr;
     PushButton* firstButton = nullptr;
     QStackedWidget* sections = nullptr;
+    std::unique_ptr<SettingsSearch> search; // null without a search
 
 public slots:
     void buttonGroupClickedSlot(int id);
@@ -220,6 +222,17 @@ void SettingsDialog::translateLanguage()
 {
     setTitle(text(QStringLiteral("SystemSettings")));
     m_impl->firstButton->setText(text(QStringLiteral("GeneralSettings")));
+    if (m_impl->search) {
+        m_impl->search->translateLanguage();
+    }
+}
+
+void SettingsDialog::enableSearch()
+{
+    if (!m_impl->search) {
+        m_impl->search = std::make_unique<SettingsSearch>(this, m_impl->navigation, m_impl->buttons,
+                                                          m_impl->sections);
+    }
 }
 
 void SettingsDialog::paintEvent(QPaintEvent* /*event*/)
