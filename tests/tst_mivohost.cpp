@@ -84,7 +84,8 @@ TEST_F(Host, DrawsEveryPageInEveryLanguage)
 {
     const QString pictures = folder.filePath("pictures");
     ASSERT_EQ(run({"--pictures", pictures}), 0);
-    QStringList names{"mainwindow", "mainwindow-editing"};
+    QStringList names{"mainwindow", "mainwindow-editing", "inputmonitor-empty", "inputmonitor",
+                      "bindingsheet"};
     TestRuntime runtime;
     const mivohost::SettingsView view(runtime, nullptr);
     for (const auto* page : view.pages()) {
@@ -178,6 +179,17 @@ TEST_F(Host, AKeyAndOscTriggerAlsoAfterARestartAndInAFlood)
     EXPECT_TRUE(again.says("action Global/OutputSwitch by F5"));
     EXPECT_EQ(QUdpSocket().writeDatagram(take, QHostAddress::LocalHost, port), take.size());
     EXPECT_TRUE(again.says("action Stage/Take by 1"));
+    again.press("ctrl+shift+m");
+    EXPECT_TRUE(again.says("input monitor open")) << again.output().constData();
+    QUdpSocket().writeDatagram(QByteArray("/other\0\0,\0\0\0", 12), QHostAddress::LocalHost, port);
+    QUdpSocket().writeDatagram(take, QHostAddress::LocalHost, port);
+    EXPECT_TRUE(again.says("action Stage/Take by 1"));
+    again.press("ctrl+c");
+    EXPECT_TRUE(again.says("inputs copied: 2")) << again.output().constData();
+    again.press("ctrl+f");
+    again.press("t a k e Return ctrl+c");
+    EXPECT_TRUE(again.says("inputs copied: 1")) << again.output().constData();
+    again.press("Escape");
     std::atomic<bool> ends{false};
     std::thread flood([&] {
         QUdpSocket socket;
