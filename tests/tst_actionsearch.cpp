@@ -8,6 +8,7 @@
 #include "support/servicetest.h"
 #include "surface/actiontools.h"
 #include "surface/bindingsheet.h"
+#include "surface/inputmonitor.h"
 
 #include <mivosettingswidgets/shortcutfile.h>
 #include <mivowidgets/shortcutcover.h>
@@ -116,6 +117,7 @@ TEST_F(Search, FindsByPressingAndTriggersNothing)
     const std::vector<std::pair<std::function<void()>, QString>> rows{
         {[&] { press(Qt::Key_F5, Qt::ControlModifier); }, "Ctrl + F5 – Stage: Take"},
         {[&] { press(Qt::Key_F7); }, "F7 is free"},
+        {[&] { press(Qt::Key_E, Qt::ControlModifier); }, "Ctrl + E is free"},
         {[&] { press(Qt::Key_S, Qt::ControlModifier); }, "Ctrl + S belongs to the program itself"},
         {[&] { move(peripherals.midi(), control.c_str()); }, "CC 7 ch 1 (Desk) – Global: Mute"},
         {[&] { move(peripherals.midi(), "CC 8 ch 1 (Desk)"); }, "CC 8 ch 1 (Desk) is free"},
@@ -137,6 +139,18 @@ TEST_F(Search, FindsByPressingAndTriggersNothing)
     EXPECT_TRUE(QTest::qWaitFor([&] { return actions() == 2; })) << "now they do again";
     EXPECT_EQ(peripherals.midi().table().use(control, true, true).first,
               BindingTable::Outcome::triggered);
+}
+
+TEST_F(Search, TheMonitorShowsWhileAControlIsLearnedAndLeavesTheFocus)
+{
+    chooseItem(find<QComboBox>("shortcutKind"), PeripheralDmx);
+    panel->setEditing(true);
+    EXPECT_TRUE(panel->tools().monitor().isVisible());
+    EXPECT_EQ(panel->tools().monitor().findChild<QComboBox*>("inputKind")->currentText(), "DMX");
+    QApplication::processEvents();
+    EXPECT_NE(qobject_cast<ShortCutCover*>(QApplication::focusWidget()), nullptr);
+    EXPECT_EQ(peripherals.dmx().table().use("DMX 9", true, true).first,
+              BindingTable::Outcome::learned);
 }
 
 TEST_F(Search, ASheetHasEveryKindAndMarksConflicts)

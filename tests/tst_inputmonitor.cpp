@@ -76,7 +76,6 @@ TEST(InputTapTest, AFloodDropsTheOldestAndCountsThem)
 {
     constexpr int count = 30000;
     InputTap tap;
-    tap.put(PeripheralMidi, {}, "closed");
     tap.setOpen(true);
     std::thread sender([&tap] {
         for (int i = 0; i < count; ++i) {
@@ -110,6 +109,10 @@ TEST(InputTapTest, AFloodDropsTheOldestAndCountsThem)
     EXPECT_EQ(messages.size(), InputTap::capacity);
     EXPECT_EQ(messages.back().bytes.size(), InputMessage::mostBytes);
     EXPECT_EQ(messages.back().size, 5000);
+    tap.setOpen(false);
+    tap.put(PeripheralMidi, {}, "closed");
+    tap.take(messages);
+    EXPECT_TRUE(messages.empty());
 }
 
 TEST(InputWords, SayWhatCameIn)
@@ -146,6 +149,26 @@ TEST(InputWords, SayWhatCameIn)
     EXPECT_EQ(dmxWords("x", 0, 0), "Neither levels nor a poll (1 bytes)");
     EXPECT_EQ(dmxWords({"Art-Net\0\x00\x20\x00\x0e\x02\x00", 14}, 0, 0),
               "Asks which nodes there are");
+}
+
+TEST(InputTapTest, GetsWhatTheNetworkBringsWhileItIsOpen)
+{
+    const std::uint16_t port = freeUdpPort();
+    InputTap tap;
+    DmxService service(setupFor(DmxService::isControl), port);
+    service.setTap(tap);
+    service.setInfo({true, "mivo", 0, 0, 0});
+    std::vector<InputMessage> messages;
+    for (const bool isOpen : {false, true}) {
+        tap.setOpen(isOpen);
+        const std::size_t before = service.ignored();
+        QUdpSocket().writeDatagram("other", QHostAddress::LocalHost, port);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return service.ignored() > before; }));
+        tap.take(messages);
+        ASSERT_EQ(messages.size(), isOpen ? 1U : 0U);
+    }
+    EXPECT_EQ(messages[0].source, "127.0.0.1");
+    EXPECT_EQ(messages[0].bytes, "other");
 }
 
 TEST_F(Monitor, ShowsWhatComesInAndWhatItTriggers)
