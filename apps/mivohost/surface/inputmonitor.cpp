@@ -30,6 +30,7 @@ constexpr int frame = 16; // ms
 // To paint all lines anew is what costs most; faster than this nobody reads them.
 constexpr qint64 refreshEvery = 48; // ms
 constexpr qint64 rateEvery = 1000;  // ms
+constexpr int margin = 24;
 constexpr std::array kinds{PeripheralMidi, PeripheralDmx, PeripheralOsc};
 
 } // namespace
@@ -134,6 +135,10 @@ void InputMonitor::showKind(EnumPeripheralShortCutType kind)
 {
     m_kind->setCurrentIndex(kind);
     filter();
+    if (!isVisible() && parentWidget() != nullptr) { // below what is being bound
+        const QRect window = parentWidget()->window()->frameGeometry();
+        move(window.left() + margin, window.bottom() - height() - margin);
+    }
     setAttribute(Qt::WA_ShowWithoutActivating);
     show();
 }
