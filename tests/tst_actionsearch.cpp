@@ -95,6 +95,7 @@ TEST_F(Search, FindsByNameInEveryLanguage)
          {std::pair("  tAké", "Take"), std::pair("静音", "Mute"), std::pair("xyz", "")}) {
         find<QLineEdit>("findAction")->setText(text);
         EXPECT_EQ(names().join(','), name) << text;
+        EXPECT_EQ(result().isEmpty(), !names().isEmpty()) << text;
     }
     find<QLineEdit>("findAction")->clear();
     EXPECT_EQ(names().size(), all);

@@ -1305,6 +1305,11 @@ Open them now?</translation>
         <translation>Find an action by its name</translation>
     </message>
     <message>
+        <source>NoActionMatches</source>
+        <comment>MainWindow</comment>
+        <translation>No action is called that.</translation>
+    </message>
+    <message>
         <source>FindByPressing</source>
         <comment>MainWindow</comment>
         <translation>Find by pressing</translation>

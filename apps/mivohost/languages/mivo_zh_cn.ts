@@ -1305,6 +1305,11 @@
         <translation>按名称查找动作</translation>
     </message>
     <message>
+        <source>NoActionMatches</source>
+        <comment>MainWindow</comment>
+        <translation>没有这个名称的动作。</translation>
+    </message>
+    <message>
         <source>FindByPressing</source>
         <comment>MainWindow</comment>
         <translation>按触发方式查找</translation>

@@ -52,12 +52,16 @@ ActionSearch::ActionSearch(const mivo::settings::ShortCutMgr& manager, Periphera
     row->addWidget(m_result, 2);
     m_timer.setInterval(lookEvery);
     connect(&m_timer, &QTimer::timeout, this, &ActionSearch::findControls);
-    connect(m_text, &QLineEdit::textChanged, this, &ActionSearch::changed);
+    connect(m_text, &QLineEdit::textChanged, this, [this] {
+        showIdle();
+        emit changed();
+    });
     connect(m_find, &QPushButton::toggled, this, &ActionSearch::setFinding);
 }
 
 ActionSearch::~ActionSearch()
 {
+    blockSignals(true); // who would hear them is half gone
     setFinding(false);
 }
 
@@ -66,7 +70,7 @@ void ActionSearch::setTexts()
     m_text->setPlaceholderText(hostText("FindAction"));
     m_text->setAccessibleName(hostText("FindAction"));
     m_find->setText(hostText("FindByPressing"));
-    m_result->setText(isFinding() ? hostText("FindHint") : QString());
+    showIdle();
 }
 
 bool ActionSearch::matches(const std::string& textKey) const
@@ -96,7 +100,24 @@ void ActionSearch::setFinding(bool on)
         m_timer.stop();
     }
     m_find->setChecked(on);
-    m_result->setText(on ? hostText("FindHint") : QString());
+    if (on) {
+        m_text->clear(); // any action may be what is found
+    }
+    emit found(0);
+    showIdle();
+}
+
+void ActionSearch::showIdle()
+{
+    using mivo::settings::peripheralActions;
+    const bool isAny =
+        std::any_of(peripheralActions.begin(), peripheralActions.end(), [this](const auto& action) {
+            return matches(
+                std::string(action.path.substr(mivo::settings::peripheralPrefix.size())));
+        });
+    m_result->setText(isFinding() ? hostText("FindHint")
+                      : isAny     ? QString()
+                                  : hostText("NoActionMatches"));
 }
 
 bool ActionSearch::eventFilter(QObject* receiver, QEvent* event)

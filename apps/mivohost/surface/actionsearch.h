@@ -54,6 +54,8 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
+    /// What is shown while nothing has been used.
+    void showIdle();
     void findKeys(const QString& keys);
     void findControls();
     void showFound(int type, const std::string& path, const QString& control);
