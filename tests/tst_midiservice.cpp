@@ -1,5 +1,6 @@
 #include "peripherals/midiservice.h"
 
+#include "peripherals/inputtap.h"
 #include "peripherals/midimessage.h"
 #include "support/otherprocess.h"
 #include "support/servicetest.h"
@@ -143,7 +144,10 @@ TEST(MidiDevices, KeepTheirNamesInWhateverOrderTheyAre)
 TEST(Midi, RealDevicesAreLearnedAndSurviveAReplugAndALossOfTheServer)
 {
     const LogCapture log;
+    InputTap tap;
+    tap.setOpen(true);
     MidiService service(setupFor(MidiService::isControl), "mivotest");
+    service.setTap(tap);
     Told told(service);
     const auto waitFor = [&](const std::vector<SMIDIDevInfo>& expected) {
         return QTest::qWaitFor(
@@ -195,6 +199,11 @@ TEST(Midi, RealDevicesAreLearnedAndSurviveAReplugAndALossOfTheServer)
     keys.reset();
     ASSERT_TRUE(waitFor({{"pads:out"}}));
     EXPECT_TRUE(playsUntil(*pads, "b00700\nb0077f\n", "188 b CC 7 ch 1 (pads:out)"));
+    std::vector<InputMessage> messages;
+    tap.take(messages);
+    ASSERT_FALSE(messages.empty());
+    EXPECT_EQ(messages.back().source, "pads:out");
+    EXPECT_EQ(messages.back().bytes.toHex(), "b0077f");
     pads.reset();
     ASSERT_TRUE(waitFor({}));
     server.reset();

@@ -48,7 +48,7 @@ TEST_F(Host, DrawsEveryPageInEveryLanguage)
     const QDir pictures(folder.filePath("pictures"));
     ASSERT_EQ(run({"--pictures", pictures.path()}), 0);
     const QStringList drawn = pictures.entryList({"*-en.png"});
-    EXPECT_EQ(drawn.size(), 14) << "twelve pages, and the main window twice";
+    EXPECT_EQ(drawn.size(), 19) << "twelve pages, and seven of the windows and what they offer";
     for (QString name : drawn) {
         const QImage english(pictures.filePath(name));
         const QImage chinese(pictures.filePath(name.replace("-en", "-zh_cn")));
@@ -136,4 +136,15 @@ TEST_F(Host, AKeyAndOscTriggerAlsoAfterARestart)
     EXPECT_TRUE(again.says("action Global/OutputSwitch by F5"));
     EXPECT_EQ(QUdpSocket().writeDatagram(take, QHostAddress::LocalHost, port), take.size());
     EXPECT_TRUE(again.says("action Stage/Take by 1"));
+    again.press("ctrl+shift+m");
+    EXPECT_TRUE(again.says("input monitor open")) << again.output().constData();
+    QUdpSocket().writeDatagram(QByteArray("/other\0\0,\0\0\0", 12), QHostAddress::LocalHost, port);
+    QUdpSocket().writeDatagram(take, QHostAddress::LocalHost, port);
+    EXPECT_TRUE(again.says("action Stage/Take by 1"));
+    again.press("ctrl+c");
+    EXPECT_TRUE(again.says("inputs copied: 2")) << again.output().constData();
+    again.press("ctrl+f");
+    again.press("t a k e Return ctrl+c");
+    EXPECT_TRUE(again.says("inputs copied: 1")) << again.output().constData();
+    again.press("Escape");
 }

@@ -356,7 +356,7 @@ int run(const QCommandLineParser& arguments)
         if (drawing) {
             cards.wait();
             const QString folder = arguments.value(QStringLiteral("pictures"));
-            if (!drawPictures(window, folder)) {
+            if (!drawPictures(window, peripherals.tap(), folder)) {
                 code =
                     refuse(notWritten, QStringLiteral("cannot write pictures to ") + folder, false);
             }

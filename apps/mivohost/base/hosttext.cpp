@@ -4,12 +4,24 @@
 
 #include <QtCore/QCoreApplication>
 
+#include <algorithm>
+#include <iterator>
+
 namespace mivohost {
 
 QString hostText(const QString& key)
 {
     return velorn::trans::translate(SettingWdigetTranslateManager::instance().translator(),
                                     QStringLiteral("MivoHost"), QStringLiteral("MainWindow"), key);
+}
+
+QString searchText(const QString& text)
+{
+    const QString folded = text.normalized(QString::NormalizationForm_KD).toCaseFolded();
+    QString bare;
+    std::copy_if(folded.begin(), folded.end(), std::back_inserter(bare),
+                 [](QChar each) { return !each.isMark(); });
+    return bare;
 }
 
 QString reasonText(const QString& reason)

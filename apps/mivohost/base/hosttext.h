@@ -11,6 +11,9 @@ inline QString hostText(const char* key)
     return hostText(QString::fromLatin1(key));
 }
 
+/// A text as it is looked for: without case and accents. Any thread.
+QString searchText(const QString& text);
+
 /// Why something failed, as it is to be shown: in the language in force if the host knows the text,
 /// else as it is. GUI thread.
 QString reasonText(const QString& reason);

@@ -1385,6 +1385,71 @@ Open them now?</translation>
         <translation>the bindings could not be saved; the old ones stay</translation>
     </message>
     <message>
+        <source>FindAction</source>
+        <comment>MainWindow</comment>
+        <translation>Find an action by its name</translation>
+    </message>
+    <message>
+        <source>NoActionMatches</source>
+        <comment>MainWindow</comment>
+        <translation>No action is called that.</translation>
+    </message>
+    <message>
+        <source>FindByPressing</source>
+        <comment>MainWindow</comment>
+        <translation>Find by pressing</translation>
+    </message>
+    <message>
+        <source>FindHint</source>
+        <comment>MainWindow</comment>
+        <translation>Press a key, move a control or send a message; Esc ends.</translation>
+    </message>
+    <message>
+        <source>FoundAction</source>
+        <comment>MainWindow</comment>
+        <translation>%1 – %2</translation>
+    </message>
+    <message>
+        <source>FoundFree</source>
+        <comment>MainWindow</comment>
+        <translation>%1 is free</translation>
+    </message>
+    <message>
+        <source>FoundReserved</source>
+        <comment>MainWindow</comment>
+        <translation>%1 belongs to the program itself</translation>
+    </message>
+    <message>
+        <source>BindingSheet</source>
+        <comment>MainWindow</comment>
+        <translation>Sheet of shortcuts</translation>
+    </message>
+    <message>
+        <source>BoundTwice</source>
+        <comment>MainWindow</comment>
+        <translation>%1 is bound more than once</translation>
+    </message>
+    <message>
+        <source>NoBindingMatches</source>
+        <comment>MainWindow</comment>
+        <translation>No shortcut matches the filter.</translation>
+    </message>
+    <message>
+        <source>SheetAsPdf</source>
+        <comment>MainWindow</comment>
+        <translation>Save as PDF…</translation>
+    </message>
+    <message>
+        <source>SheetAsHtml</source>
+        <comment>MainWindow</comment>
+        <translation>Save as HTML…</translation>
+    </message>
+    <message>
+        <source>SheetSaved</source>
+        <comment>MainWindow</comment>
+        <translation>Saved to “%1”.</translation>
+    </message>
+    <message>
         <source>KeysPutAside</source>
         <comment>MainWindow</comment>
         <translation>The file of the keys could not be read and was put aside as “%1”. No keys are bound.</translation>
@@ -1493,6 +1558,311 @@ Open them now?</translation>
         <source>OscOff</source>
         <comment>MainWindow</comment>
         <translation>OSC is off. It is switched on in the settings, under Network.</translation>
+    </message>
+    <message>
+        <source>InputMonitor</source>
+        <comment>MainWindow</comment>
+        <translation>Input monitor</translation>
+    </message>
+    <message>
+        <source>AllInputs</source>
+        <comment>MainWindow</comment>
+        <translation>All inputs</translation>
+    </message>
+    <message>
+        <source>FilterInputs</source>
+        <comment>MainWindow</comment>
+        <translation>Filter by text</translation>
+    </message>
+    <message>
+        <source>PauseInputs</source>
+        <comment>MainWindow</comment>
+        <translation>Pause</translation>
+    </message>
+    <message>
+        <source>ClearInputs</source>
+        <comment>MainWindow</comment>
+        <translation>Clear</translation>
+    </message>
+    <message>
+        <source>CopyInputs</source>
+        <comment>MainWindow</comment>
+        <translation>Copy</translation>
+    </message>
+    <message>
+        <source>MonitorKind</source>
+        <comment>MainWindow</comment>
+        <translation>Input</translation>
+    </message>
+    <message>
+        <source>MonitorSource</source>
+        <comment>MainWindow</comment>
+        <translation>From</translation>
+    </message>
+    <message>
+        <source>MonitorWords</source>
+        <comment>MainWindow</comment>
+        <translation>Message</translation>
+    </message>
+    <message>
+        <source>MonitorLevel</source>
+        <comment>MainWindow</comment>
+        <translation>Level</translation>
+    </message>
+    <message>
+        <source>MonitorAction</source>
+        <comment>MainWindow</comment>
+        <translation>Action</translation>
+    </message>
+    <message>
+        <source>MonitorRates</source>
+        <comment>MainWindow</comment>
+        <translation>A second: MIDI %1, DMX %2, OSC %3. Dropped: %4.</translation>
+    </message>
+    <message>
+        <source>MonitorPaused</source>
+        <comment>MainWindow</comment>
+        <translation>Paused. A second: MIDI %1, DMX %2, OSC %3. Dropped: %4.</translation>
+    </message>
+    <message>
+        <source>NothingCameIn</source>
+        <comment>MainWindow</comment>
+        <translation>Nothing has come in yet.</translation>
+    </message>
+    <message>
+        <source>NoInputMatches</source>
+        <comment>MainWindow</comment>
+        <translation>Nothing that came in matches the filter.</translation>
+    </message>
+    <message>
+        <source>BoundToNothing</source>
+        <comment>MainWindow</comment>
+        <translation>bound to nothing</translation>
+    </message>
+    <message>
+        <source>ActionOfGroup</source>
+        <comment>MainWindow</comment>
+        <translation>%1: %2</translation>
+    </message>
+    <message>
+        <source>ActionReleased</source>
+        <comment>MainWindow</comment>
+        <translation>%1 (released)</translation>
+    </message>
+    <message>
+        <source>MidiNoteOn</source>
+        <comment>MainWindow</comment>
+        <translation>Note %1 on, velocity %3, channel %2</translation>
+    </message>
+    <message>
+        <source>MidiNoteOff</source>
+        <comment>MainWindow</comment>
+        <translation>Note %1 off, channel %2</translation>
+    </message>
+    <message>
+        <source>MidiProgram</source>
+        <comment>MainWindow</comment>
+        <translation>Program %1, channel %2</translation>
+    </message>
+    <message>
+        <source>MidiController</source>
+        <comment>MainWindow</comment>
+        <translation>Controller %1: %3, channel %2</translation>
+    </message>
+    <message>
+        <source>MidiNamedController</source>
+        <comment>MainWindow</comment>
+        <translation>Controller %1 (%4): %3, channel %2</translation>
+    </message>
+    <message>
+        <source>MidiKeyPressure</source>
+        <comment>MainWindow</comment>
+        <translation>Pressure of note %1: %3, channel %2</translation>
+    </message>
+    <message>
+        <source>MidiPressure</source>
+        <comment>MainWindow</comment>
+        <translation>Pressure: %2, channel %1</translation>
+    </message>
+    <message>
+        <source>MidiPitchBend</source>
+        <comment>MainWindow</comment>
+        <translation>Pitch bend: %2, channel %1</translation>
+    </message>
+    <message>
+        <source>OscTooLong</source>
+        <comment>MainWindow</comment>
+        <translation>%2 (%1 bytes, too long to be shown)</translation>
+    </message>
+    <message>
+        <source>OscNone</source>
+        <comment>MainWindow</comment>
+        <translation>No message of OSC (%1 bytes)</translation>
+    </message>
+    <message>
+        <source>DmxPoll</source>
+        <comment>MainWindow</comment>
+        <translation>Asks which nodes there are</translation>
+    </message>
+    <message>
+        <source>DmxNone</source>
+        <comment>MainWindow</comment>
+        <translation>Neither levels nor a poll (%1 bytes)</translation>
+    </message>
+    <message>
+        <source>DmxAllZero</source>
+        <comment>MainWindow</comment>
+        <translation>Universe %1: %2 channels, all at 0</translation>
+    </message>
+    <message>
+        <source>DmxLevel</source>
+        <comment>MainWindow</comment>
+        <translation>Universe %1, channel %2: %3</translation>
+    </message>
+    <message>
+        <source>DmxLevels</source>
+        <comment>MainWindow</comment>
+        <translation>Universe %1, channel %2: %3, and %4 more channels</translation>
+    </message>
+    <message>
+        <source>Controller/0</source>
+        <comment>MainWindow</comment>
+        <translation>bank</translation>
+    </message>
+    <message>
+        <source>Controller/1</source>
+        <comment>MainWindow</comment>
+        <translation>modulation</translation>
+    </message>
+    <message>
+        <source>Controller/2</source>
+        <comment>MainWindow</comment>
+        <translation>breath</translation>
+    </message>
+    <message>
+        <source>Controller/4</source>
+        <comment>MainWindow</comment>
+        <translation>foot pedal</translation>
+    </message>
+    <message>
+        <source>Controller/5</source>
+        <comment>MainWindow</comment>
+        <translation>portamento time</translation>
+    </message>
+    <message>
+        <source>Controller/6</source>
+        <comment>MainWindow</comment>
+        <translation>data entry</translation>
+    </message>
+    <message>
+        <source>Controller/7</source>
+        <comment>MainWindow</comment>
+        <translation>volume</translation>
+    </message>
+    <message>
+        <source>Controller/8</source>
+        <comment>MainWindow</comment>
+        <translation>balance</translation>
+    </message>
+    <message>
+        <source>Controller/10</source>
+        <comment>MainWindow</comment>
+        <translation>pan</translation>
+    </message>
+    <message>
+        <source>Controller/11</source>
+        <comment>MainWindow</comment>
+        <translation>expression</translation>
+    </message>
+    <message>
+        <source>Controller/64</source>
+        <comment>MainWindow</comment>
+        <translation>sustain pedal</translation>
+    </message>
+    <message>
+        <source>Controller/65</source>
+        <comment>MainWindow</comment>
+        <translation>portamento</translation>
+    </message>
+    <message>
+        <source>Controller/66</source>
+        <comment>MainWindow</comment>
+        <translation>sostenuto pedal</translation>
+    </message>
+    <message>
+        <source>Controller/67</source>
+        <comment>MainWindow</comment>
+        <translation>soft pedal</translation>
+    </message>
+    <message>
+        <source>Controller/71</source>
+        <comment>MainWindow</comment>
+        <translation>resonance</translation>
+    </message>
+    <message>
+        <source>Controller/72</source>
+        <comment>MainWindow</comment>
+        <translation>release time</translation>
+    </message>
+    <message>
+        <source>Controller/73</source>
+        <comment>MainWindow</comment>
+        <translation>attack time</translation>
+    </message>
+    <message>
+        <source>Controller/74</source>
+        <comment>MainWindow</comment>
+        <translation>brightness</translation>
+    </message>
+    <message>
+        <source>Controller/91</source>
+        <comment>MainWindow</comment>
+        <translation>reverb</translation>
+    </message>
+    <message>
+        <source>Controller/93</source>
+        <comment>MainWindow</comment>
+        <translation>chorus</translation>
+    </message>
+    <message>
+        <source>Controller/120</source>
+        <comment>MainWindow</comment>
+        <translation>all sound off</translation>
+    </message>
+    <message>
+        <source>Controller/121</source>
+        <comment>MainWindow</comment>
+        <translation>reset controllers</translation>
+    </message>
+    <message>
+        <source>Controller/122</source>
+        <comment>MainWindow</comment>
+        <translation>local control</translation>
+    </message>
+    <message>
+        <source>Controller/123</source>
+        <comment>MainWindow</comment>
+        <translation>all notes off</translation>
+    </message>
+    <message>
+        <source>Controller/124</source>
+        <comment>MainWindow</comment>
+        <translation>omni off</translation>
+    </message>
+    <message>
+        <source>Controller/125</source>
+        <comment>MainWindow</comment>
+        <translation>omni on</translation>
+    </message>
+    <message>
+        <source>Controller/126</source>
+        <comment>MainWindow</comment>
+        <translation>mono</translation>
+    </message>
+    <message>
+        <source>Controller/127</source>
+        <comment>MainWindow</comment>
+        <translation>poly</translation>
     </message>
     <message>
         <source>Global/</source>

@@ -50,6 +50,9 @@ Peripherals::Peripherals(RuntimeThread& runtime, SettingsStore& store, const Kep
       m_dmx({DmxService::isControl, kept.dmxBindings,
              writing(runtime, store, &SettingsStore::setDmxBindings)})
 {
+    m_midi.setTap(m_tap);
+    m_osc.setTap(m_tap);
+    m_dmx.setTap(m_tap);
     m_osc.setAddress(QHostAddress(m_listenAddress));
     m_dmx.setAddress(QHostAddress(m_listenAddress));
     m_midi.setEnabled(kept.midiEnabled);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "peripherals/dmxservice.h"
+#include "peripherals/inputtap.h"
 #include "peripherals/midiservice.h"
 #include "peripherals/oscservice.h"
 
@@ -36,6 +37,8 @@ public:
     MidiService& midi() { return m_midi; }
     OscService& osc() { return m_osc; }
     DmxService& dmx() { return m_dmx; }
+    /// Gets what comes in by all three.
+    InputTap& tap() { return m_tap; }
 
 private:
     struct Kept;
@@ -45,6 +48,7 @@ private:
     RuntimeThread& m_runtime;
     SettingsStore& m_store;
     QString m_listenAddress;
+    InputTap m_tap;
     MidiService m_midi;
     OscService m_osc;
     DmxService m_dmx;

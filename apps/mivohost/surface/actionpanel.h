@@ -25,6 +25,7 @@ class QPushButton;
 namespace mivohost {
 
 class ActionButton;
+class ActionTools;
 class ListenAddressBox;
 class Peripherals;
 
@@ -51,6 +52,7 @@ public:
     void setLocked(bool locked);
 
     BindingsTransfer& transfer() { return m_transfer; }
+    ActionTools& tools() { return *m_tools; }
 
 signals:
     /// A text's key and what is put into it, as MainWindow::showNotice().
@@ -65,7 +67,8 @@ private:
     bool hasBindings() const;
     void showState();
     void showHint();
-    QString hintOf(EnumPeripheralShortCutType kind) const;
+    void showMatches();
+    void showFound(int type);
     void setKind();
     void trigger(int type, const std::string& path, const std::string& control);
     void setBindings(const STLinkShortCutInfo& info);
@@ -100,6 +103,7 @@ private:
     mivo::settings::ShortCutMgr m_manager; // knows covers and services, and goes before them
     ShortcutFileRetry m_fileRetry;
     BindingsTransfer m_transfer;
+    ActionTools* m_tools;
 };
 
 } // namespace mivohost

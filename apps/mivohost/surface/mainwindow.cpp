@@ -110,7 +110,7 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
     auto* content = new QWidget;
     content->setLayout(column);
     setCentralWidget(content);
-    resize(1120, 840);
+    resize(1120, 880);
     m_programs->setFocus();
 
     connect(m_dismiss, &QPushButton::clicked, m_notice, &QWidget::hide);

@@ -1,6 +1,10 @@
 #include "surface/pictures.h"
 
+#include "peripherals/inputtap.h"
 #include "surface/actionpanel.h"
+#include "surface/actiontools.h"
+#include "surface/bindingsheet.h"
+#include "surface/inputmonitor.h"
 #include "surface/mainwindow.h"
 #include "surface/settingsview.h"
 
@@ -70,9 +74,25 @@ void toggleOption(SettingsView& settings, const QString& name)
     }
 }
 
+/// One message of each kind, as controllers would send them.
+void putSamples(InputTap& tap)
+{
+    const QString desk = QStringLiteral("192.168.1.20");
+    QByteArray levels("Art-Net\0\x00\x50\x00\x0e\x00\x00\x00\x00\x02\x00", 18);
+    levels.append(QByteArray(512, '\0'));
+    tap.put(PeripheralDmx, desk, levels);
+    levels[18 + 11] = '\xc8';
+    tap.put(PeripheralDmx, desk, levels);
+    tap.put(PeripheralMidi, QStringLiteral("Fader wing"), "\x90\x3c\x64");
+    tap.put(PeripheralMidi, QStringLiteral("Fader wing"), "\xb0\x07\x50");
+    const QString tablet = QStringLiteral("192.168.1.31");
+    tap.put(PeripheralOsc, tablet, {"/Peripherals/Stage/Take\0,i\0\0\0\0\0\1", 32});
+    tap.put(PeripheralOsc, tablet, {"/cue/go\0,fs\0\x3f\0\0\0Act 2\0\0\0", 24});
+}
+
 } // namespace
 
-bool drawPictures(MainWindow& window, const QString& folder)
+bool drawPictures(MainWindow& window, InputTap& tap, const QString& folder)
 {
     const QDir directory(folder);
     if (!directory.mkpath(QStringLiteral("."))) {
@@ -100,6 +120,18 @@ bool drawPictures(MainWindow& window, const QString& folder)
         window.actions().setEditing(true);
         saved = save(window, QStringLiteral("mainwindow-editing"), language) && saved;
         window.actions().setEditing(false);
+        InputMonitor& monitor = window.actions().tools().monitor();
+        monitor.openWindow();
+        saved = save(monitor, QStringLiteral("inputmonitor-empty"), language) && saved;
+        putSamples(tap);
+        monitor.read();
+        saved = save(monitor, QStringLiteral("inputmonitor"), language) && saved;
+        monitor.clear();
+        monitor.close();
+        BindingSheet& sheet = window.actions().tools().sheet();
+        sheet.openWindow();
+        saved = save(sheet, QStringLiteral("bindingsheet"), language) && saved;
+        sheet.close();
         for (auto* page : window.settings().pages()) {
             showPage(&dialog, page);
             const auto className = QString::fromLatin1(page->metaObject()->className()).toLower();
