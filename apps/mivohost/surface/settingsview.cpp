@@ -43,7 +43,7 @@ SettingsView::SettingsView(RuntimeThread& runtime, QWidget* parent,
     add(general, 10);
     auto* project = new ProjectSettingBox;
     project->setProgramDispatch(services.programs);
-    project->setCheckIconPath(QStringLiteral(":/mivo/style/icons/check.svg"));
+    project->setCheckIconPath(QStringLiteral(":/mivo/style/icons/chosen.svg"));
     add(project, 20);
     add(new FileInfoSettingBox, 30);
     add(new StageSettingBox, 40);
