@@ -16,6 +16,7 @@
 #include "system/autostart.h"
 #include "system/endrequests.h"
 #include "system/listener.h"
+#include "system/looks.h"
 #include "system/power.h"
 #include "system/runninginstance.h"
 #include "system/timedactions.h"
@@ -396,6 +397,9 @@ int main(int argc, char** argv)
          QStringLiteral("Draw every page with its defaults in every language into PNG files, then "
                         "end."),
          QStringLiteral("folder")},
+        {QStringLiteral("look"),
+         QStringLiteral("Be dark or light; system follows the desktop, and pictures are dark."),
+         QStringLiteral("dark|light|system"), QStringLiteral("system")},
         {QStringLiteral("print-settings"), QStringLiteral("Print all settings, then end.")},
         {QStringLiteral("store"),
          QStringLiteral("Use this settings file, and leave the start at log-on as it is."),
@@ -413,6 +417,13 @@ int main(int argc, char** argv)
     arguments.process(application);
 
     loadLanguages();
-    application.setStyleSheet(mivo::style::styleSheet());
+    const bool drawing = arguments.isSet(QStringLiteral("pictures"));
+    const QString look = arguments.value(QStringLiteral("look"));
+    if (!Looks::isName(look)) {
+        return refuse(badArgument, QStringLiteral("--look takes dark, light or system"), false);
+    }
+    // Pictures are the same on every desktop.
+    const bool isOpen = drawing && !arguments.isSet(QStringLiteral("look"));
+    const Looks looks(isOpen ? QStringLiteral("dark") : look);
     return run(arguments);
 }

@@ -85,6 +85,7 @@ void ScreenPicker::moveTo(const QPoint& position)
                            beside(place.y(), cover.screen.height()));
         if (m_color != color) {
             m_color = color;
+            cover.label->setAccessibleName(color.name()); // which has the focus
             emit hovered(color);
         }
     }

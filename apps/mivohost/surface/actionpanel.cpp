@@ -11,6 +11,8 @@
 
 #include <mivosettingswidgets/shortcutfile.h>
 #include <mivosettingswidgets/shortcuttable.h>
+#include <mivowidgets/alertlabel.h>
+#include <mivowidgets/combobox.h>
 #include <mivowidgets/shortcutcover.h>
 #include <mivowidgets/tipdialog.h>
 
@@ -47,8 +49,8 @@ QString textOf(const std::string& key)
 
 ActionPanel::ActionPanel(Peripherals& peripherals)
     : m_peripherals(peripherals), m_heading(new QLabel), m_edit(new QPushButton),
-      m_kind(new QComboBox), m_clear(new QPushButton), m_export(new QPushButton),
-      m_import(new QPushButton), m_lock(new QPushButton), m_hint(new QLabel),
+      m_kind(new mivo::widgets::ComboBox), m_clear(new QPushButton), m_export(new QPushButton),
+      m_import(new QPushButton), m_lock(new QPushButton), m_hint(new mivo::widgets::AlertLabel),
       m_addressLabel(new QLabel), m_address(new ListenAddressBox(peripherals)),
       m_fileRetry(m_manager), m_transfer(m_manager, peripherals, this),
       m_tools(new ActionTools(m_manager, peripherals))
@@ -298,9 +300,9 @@ void ActionPanel::showFound(int type)
 
 void ActionPanel::showHint()
 {
-    m_hint->setVisible(m_editing || m_locked);
     m_hint->setText(m_locked ? hostText("LockedHint")
                              : bindingHint(m_peripherals, kind(), m_oscUrl));
+    m_hint->setVisible(m_editing || m_locked);
     const bool hasAddress = kind() == PeripheralDmx || kind() == PeripheralOsc;
     m_addressLabel->setVisible(m_editing && hasAddress);
     m_address->setVisible(m_editing && hasAddress);

@@ -22,6 +22,10 @@ class QGridLayout;
 class QLabel;
 class QPushButton;
 
+namespace mivo::widgets {
+class AlertLabel;
+}
+
 namespace mivohost {
 
 class ActionButton;
@@ -92,7 +96,7 @@ private:
     QPushButton* m_export;
     QPushButton* m_import;
     QPushButton* m_lock;
-    QLabel* m_hint;
+    mivo::widgets::AlertLabel* m_hint;
     QLabel* m_addressLabel;
     ListenAddressBox* m_address;
     std::vector<std::pair<std::string, QLabel*>> m_groups; // with the keys of their texts

@@ -14,6 +14,7 @@
 
 #include <mivosettingswidgets/settingsdialog.h>
 #include <mivosettingswidgets/settingwdigettranslatemanager.h>
+#include <mivowidgets/alertlabel.h>
 #include <mivowidgets/pushbutton.h>
 
 #include <QtCore/QDir>
@@ -31,15 +32,18 @@
 
 namespace mivohost {
 
+using mivo::widgets::AlertLabel;
+
 MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile& project,
                        Peripherals& peripherals, const SettingsServices& services)
     : m_runtime(runtime), m_store(store), m_project(project), m_services(services),
-      m_title(new QLabel), m_notice(new QLabel), m_dismiss(new QPushButton), m_waiting(new QLabel),
-      m_stopWaiting(new QPushButton), m_settingsButton(new mivo::widgets::PushButton),
-      m_languageLabel(new QLabel), m_language(new QComboBox),
-      m_actionPanel(new ActionPanel(peripherals)), m_programsLabel(new QLabel),
-      m_programs(new ProgramList), m_playing(new QLabel), m_logLabel(new QLabel),
-      m_log(new QPlainTextEdit), m_messagePanel(new MessagePanel(m_messages))
+      m_title(new QLabel), m_notice(new AlertLabel), m_dismiss(new QPushButton),
+      m_waiting(new AlertLabel), m_stopWaiting(new QPushButton),
+      m_settingsButton(new mivo::widgets::PushButton), m_languageLabel(new QLabel),
+      m_language(new QComboBox), m_actionPanel(new ActionPanel(peripherals)),
+      m_programsLabel(new QLabel), m_programs(new ProgramList), m_playing(new QLabel),
+      m_logLabel(new QLabel), m_log(new QPlainTextEdit),
+      m_messagePanel(new MessagePanel(m_messages))
 {
     m_services.programs = m_project.dispatch();
     m_services.projectFile = &m_project;
@@ -309,6 +313,7 @@ void MainWindow::setTexts()
     m_languageLabel->setText(hostText("Language"));
     m_actionPanel->setTexts();
     m_programsLabel->setText(hostText("Programs"));
+    m_programs->setAccessibleName(m_programsLabel->text()); // Qt relates no views to labels
     m_logLabel->setText(hostText("Log"));
     m_messagePanel->setTexts();
     if (!m_noticeKey.isEmpty()) {

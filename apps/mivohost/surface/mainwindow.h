@@ -18,6 +18,10 @@ class QMenu;
 class QPlainTextEdit;
 class QPushButton;
 
+namespace mivo::widgets {
+class AlertLabel;
+}
+
 namespace mivohost {
 
 class ActionPanel;
@@ -102,9 +106,9 @@ private:
     QMenu* m_recentMenu = nullptr;
     std::vector<std::pair<QAction*, const char*>> m_actions; // with the keys of their texts
     QLabel* m_title;
-    QLabel* m_notice;
+    mivo::widgets::AlertLabel* m_notice;
     QPushButton* m_dismiss;
-    QLabel* m_waiting; // for a file
+    mivo::widgets::AlertLabel* m_waiting; // for a file
     QPushButton* m_stopWaiting;
     QPushButton* m_settingsButton;
     QLabel* m_languageLabel;

@@ -55,7 +55,7 @@ SettingsView::SettingsView(RuntimeThread& runtime, QWidget* parent,
     add(general, 10, Section::general);
     auto* project = new ProjectSettingBox;
     project->setProgramDispatch(services.programs);
-    project->setCheckIconPath(QStringLiteral(":/mivo/style/icons/check.svg"));
+    project->setCheckIconPath(QStringLiteral(":/mivo/style/icons/chosen.svg"));
     add(project, 20, Section::project);
     add(new FileInfoSettingBox, 30, Section::fileInfo);
     add(new StageSettingBox, 40, Section::stage);

@@ -158,6 +158,7 @@ void SettingsDialog::Impl::updateSettingsButtonTextSlot(const QString& titleText
     QLayoutItem* item = navigation->itemAt(index);
     if (auto* button = item ? qobject_cast<PushButton*>(item->widget()) : nullptr) {
         button->setText(titleText);
+        section->setAccessibleName(titleText);
         return;
     }
     warn("updateSettingsButtonTextSlot", "settingsBtn is nullptr!,count:{}, find index :{}",
@@ -221,7 +222,9 @@ void SettingsDialog::switchLanguage(const QString& language)
 void SettingsDialog::translateLanguage()
 {
     setTitle(text(QStringLiteral("SystemSettings")));
-    m_impl->firstButton->setText(text(QStringLiteral("GeneralSettings")));
+    const QString general = text(QStringLiteral("GeneralSettings"));
+    m_impl->firstButton->setText(general);
+    m_impl->sections->widget(0)->setAccessibleName(general);
     if (m_impl->search) {
         m_impl->search->translateLanguage();
     }
