@@ -48,7 +48,7 @@ ActionPanel::ActionPanel(Peripherals& peripherals)
       m_kind(new QComboBox), m_clear(new QPushButton), m_export(new QPushButton),
       m_import(new QPushButton), m_lock(new QPushButton), m_hint(new QLabel),
       m_addressLabel(new QLabel), m_address(new ListenAddressBox(peripherals)),
-      m_fileRetry(m_manager), m_transfer(m_manager, peripherals, this)
+      m_fileRetry(m_manager), m_transfer(m_manager, peripherals)
 {
     m_heading->setObjectName(QStringLiteral("sectionHeading"));
     m_edit->setObjectName(QStringLiteral("editShortcuts"));
@@ -184,7 +184,7 @@ void ActionPanel::addConnections()
         [this] { emit told(QStringLiteral("KeysWritten")); }, Qt::QueuedConnection);
     connect(&m_transfer, &BindingsTransfer::failed, this, &ActionPanel::failed);
     connect(&m_transfer, &BindingsTransfer::told, this, &ActionPanel::told);
-    connect(&m_transfer, &BindingsTransfer::waitingChanged, this, &ActionPanel::showState);
+    connect(&m_transfer.requests(), &FileRequests::waitingChanged, this, &ActionPanel::showState);
     connect(&m_manager, &ShortCutMgr::signalClearShortCutState, this, &ActionPanel::showState);
     connect(&m_manager, &ShortCutMgr::signalUpdateClearPeripheralsState, this,
             &ActionPanel::showState);
@@ -311,7 +311,7 @@ void ActionPanel::showState()
     m_kind->setEnabled(!m_locked);
     m_clear->setEnabled(!m_locked && hasBindings());
     for (QPushButton* transfer : {m_export, m_import}) {
-        transfer->setEnabled(!m_locked && !m_editing && !m_transfer.isWaiting());
+        transfer->setEnabled(!m_locked && !m_editing && !m_transfer.requests().isWaiting());
     }
     for (ActionButton* action : m_actions) {
         action->setEnabled(!m_locked);
@@ -323,7 +323,7 @@ void ActionPanel::setEditing(bool on)
     if (m_editing == on || (on && m_locked)) {
         return;
     }
-    m_transfer.cancel();
+    m_transfer.requests().cancel();
     m_editing = on;
     m_keys.setEnabled(!on && !m_locked);
     m_edit->setChecked(on);
@@ -357,7 +357,7 @@ void ActionPanel::setLocked(bool locked)
         return;
     }
     setEditing(false);
-    m_transfer.cancel();
+    m_transfer.requests().cancel();
     m_locked = locked;
     m_lock->setChecked(locked);
     m_keys.setEnabled(!locked);
@@ -378,6 +378,7 @@ void ActionPanel::setBindings(const STLinkShortCutInfo& info)
                                 QString::fromStdString(item.shortCutStr));
                  });
     m_keys.setBindings(bindings);
+    showState();
 }
 
 void ActionPanel::trigger(int type, const std::string& path, const std::string& control)

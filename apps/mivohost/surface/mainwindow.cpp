@@ -10,6 +10,7 @@
 #include "surface/askforfile.h"
 #include "surface/messagepanel.h"
 #include "surface/programlist.h"
+#include "surface/waitingline.h"
 #include "system/tray.h"
 
 #include <mivosettingswidgets/settingsdialog.h>
@@ -34,12 +35,14 @@ namespace mivohost {
 MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile& project,
                        Peripherals& peripherals, const SettingsServices& services)
     : m_runtime(runtime), m_store(store), m_project(project), m_services(services),
-      m_title(new QLabel), m_notice(new QLabel), m_dismiss(new QPushButton), m_waiting(new QLabel),
-      m_stopWaiting(new QPushButton), m_settingsButton(new mivo::widgets::PushButton),
-      m_languageLabel(new QLabel), m_language(new QComboBox),
-      m_actionPanel(new ActionPanel(peripherals)), m_programsLabel(new QLabel),
-      m_programs(new ProgramList), m_playing(new QLabel), m_logLabel(new QLabel),
-      m_log(new QPlainTextEdit), m_messagePanel(new MessagePanel(m_messages))
+      m_title(new QLabel), m_notice(new QLabel), m_dismiss(new QPushButton),
+      m_settingsButton(new mivo::widgets::PushButton), m_languageLabel(new QLabel),
+      m_language(new QComboBox), m_actionPanel(new ActionPanel(peripherals)),
+      m_waiting({new WaitingLine(project.requests()),
+                 new WaitingLine(m_actionPanel->transfer().requests())}),
+      m_programsLabel(new QLabel), m_programs(new ProgramList), m_playing(new QLabel),
+      m_logLabel(new QLabel), m_log(new QPlainTextEdit),
+      m_messagePanel(new MessagePanel(m_messages))
 {
     m_services.programs = m_project.dispatch();
     m_services.projectFile = &m_project;
@@ -54,11 +57,6 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
     m_notice->hide();
     m_dismiss->setObjectName(QStringLiteral("dismissNotice"));
     m_dismiss->hide();
-    m_waiting->setObjectName(QStringLiteral("waiting"));
-    m_waiting->setWordWrap(true);
-    m_waiting->setTextFormat(Qt::PlainText);
-    m_stopWaiting->setObjectName(QStringLiteral("stopWaiting"));
-    showWaiting({}, {});
     m_settingsButton->setProperty("style", QStringLiteral("general"));
     m_settingsButton->setShortcut(QStringLiteral("Ctrl+,"));
     m_language->addItem(QStringLiteral("English"), QStringLiteral("en"));
@@ -98,10 +96,9 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
     noticeRow->addWidget(m_notice, 1);
     noticeRow->addWidget(m_dismiss);
     column->addLayout(noticeRow);
-    auto* waitingRow = new QHBoxLayout;
-    waitingRow->addWidget(m_waiting, 1);
-    waitingRow->addWidget(m_stopWaiting);
-    column->addLayout(waitingRow);
+    for (WaitingLine* line : m_waiting) {
+        column->addWidget(line);
+    }
     column->addLayout(row);
     columns->addWidget(m_messagePanel, 0, 2, 3, 1);
     columns->setColumnStretch(2, 3);
@@ -124,12 +121,11 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
     connect(&m_project, &ProjectFile::changed, this, &MainWindow::showProject);
     connect(&m_project, &ProjectFile::recentFilesChecked, this, &MainWindow::fillRecentMenu);
     connect(&m_project, &ProjectFile::failed, this, &MainWindow::showNotice);
-    connect(&m_project, &ProjectFile::told, this, [this](const QString& key, const QString& path) {
-        post(velorn::msgcenter::MsgInformation, hostText(key).arg(path));
-    });
-    connect(&m_project, &ProjectFile::waiting, this, &MainWindow::showWaiting);
+    const auto tell = [this](const QString& key, const QString& argument) {
+        post(velorn::msgcenter::MsgInformation, hostText(key).arg(argument));
+    };
+    connect(&m_project, &ProjectFile::told, this, tell);
     connect(&m_project, &ProjectFile::unsavedFound, this, &MainWindow::offerUnsaved);
-    connect(m_stopWaiting, &QPushButton::clicked, &m_project, &ProjectFile::stopWaiting);
     connect(&m_project, &ProjectFile::fadeTimesApplied, this, [this](int programs) {
         post(velorn::msgcenter::MsgInformation, hostText("FadeTimesApplied").arg(programs));
     });
@@ -303,8 +299,9 @@ void MainWindow::setTexts()
     m_title->setText(hostText("Title"));
     m_settingsButton->setText(hostText("Settings"));
     m_dismiss->setText(hostText("Dismiss"));
-    m_stopWaiting->setText(hostText("StopWaiting"));
-    showWaiting(m_waitingKey, m_waitingFile);
+    for (WaitingLine* line : m_waiting) {
+        line->setTexts();
+    }
     m_languageLabel->setText(hostText("Language"));
     m_actionPanel->setTexts();
     m_programsLabel->setText(hostText("Programs"));
@@ -395,16 +392,6 @@ void MainWindow::leaveProject(const std::function<void()>& then)
     } else if (question.clickedButton() == drop) {
         then();
     }
-}
-
-void MainWindow::showWaiting(const QString& key, const QString& file)
-{
-    m_waitingKey = key;
-    m_waitingFile = file;
-    m_waiting->setText(key.isEmpty() ? QString()
-                                     : hostText(key).arg(QDir::toNativeSeparators(file)));
-    m_waiting->setVisible(!key.isEmpty());
-    m_stopWaiting->setVisible(!key.isEmpty());
 }
 
 void MainWindow::offerUnsaved(const QString& file)

@@ -28,6 +28,7 @@ class ProjectFile;
 class RuntimeThread;
 class SettingsStore;
 class Tray;
+class WaitingLine;
 
 /// The host's main window: the project and its programs, the settings, the language, the log. GUI
 /// thread; all that it is given must outlive it.
@@ -90,7 +91,6 @@ private:
     /// Asks whether to save what is not saved, and calls `then` unless the user wants to stay: at
     /// once, or when the project has been saved.
     void leaveProject(const std::function<void()>& then);
-    void showWaiting(const QString& key, const QString& file);
     void offerUnsaved(const QString& file);
     QString projectName() const;
 
@@ -104,12 +104,11 @@ private:
     QLabel* m_title;
     QLabel* m_notice;
     QPushButton* m_dismiss;
-    QLabel* m_waiting; // for a file
-    QPushButton* m_stopWaiting;
     QPushButton* m_settingsButton;
     QLabel* m_languageLabel;
     QComboBox* m_language;
     ActionPanel* m_actionPanel;
+    std::vector<WaitingLine*> m_waiting; // for files
     QLabel* m_programsLabel;
     ProgramList* m_programs;
     QLabel* m_playing;
@@ -119,8 +118,6 @@ private:
     MessagePanel* m_messagePanel;
     QString m_noticeKey;
     QString m_noticeArgument;
-    QString m_waitingKey;
-    QString m_waitingFile;
     QTranslator m_qtTexts; // of Qt's own dialogs
     bool m_quitting = false;
     bool m_projectLeft = false; // the user has been asked
