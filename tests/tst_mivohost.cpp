@@ -39,7 +39,7 @@ protected:
             folder.filePath("data/mivo/mivohost/settings.sqlite"));
         ASSERT_TRUE(opened.persistence);
         for (const auto& [key, value] : rows) {
-            ASSERT_TRUE(opened.persistence->write(key, value));
+            ASSERT_TRUE(opened.persistence->write({{key, value}}));
         }
     }
 

@@ -28,11 +28,11 @@ public:
         EXPECT_TRUE(QFile::link(m_works, m_path + "/data/mivo/mivohost_Display"));
         auto opened = SqlitePersistence::open(store());
         EXPECT_TRUE(opened.persistence) << opened.error.toStdString();
-        EXPECT_TRUE(opened.persistence->write("undoStep", 80));
-        EXPECT_TRUE(opened.persistence->write("openRecentFiles", 1));
-        EXPECT_TRUE(opened.persistence->write("recentProjectFiles", project()));
+        EXPECT_TRUE(opened.persistence->write({{"undoStep", 80}}));
+        EXPECT_TRUE(opened.persistence->write({{"openRecentFiles", 1}}));
+        EXPECT_TRUE(opened.persistence->write({{"recentProjectFiles", project()}}));
         EXPECT_EQ(opened.persistence->keepCopy(), "");
-        EXPECT_TRUE(opened.persistence->write("undoStep", 81));
+        EXPECT_TRUE(opened.persistence->write({{"undoStep", 81}}));
         writeFile(project(), mivohost::projectToJson({{{"Group", {{1, "One"}}}}, {}, -1}));
         writeFile(shortcuts(), R"({"shortCutInfoList":[]})");
         writeFile(data("mivohost.log"), "yesterday\n");
