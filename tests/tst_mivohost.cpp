@@ -30,6 +30,7 @@ protected:
         process.start(MIVOHOST_PROGRAM, arguments);
         process.waitForFinished(60000);
         output = process.readAllStandardOutput();
+        errors = process.readAllStandardError();
         return process.exitCode();
     }
 
@@ -47,6 +48,7 @@ protected:
 
     QTemporaryDir folder;
     QByteArray output;
+    QByteArray errors;
 };
 
 } // namespace
@@ -63,6 +65,44 @@ TEST_F(Host, TheSecondOfAUserSaysSoAndStops)
     EXPECT_EQ(second.exitCode(), 2);
     EXPECT_EQ(run({"--print-settings"}), 2);
     EXPECT_EQ(run({"--print-settings", "--store", otherStore()}), 0);
+    writeFile(otherStore() + ".json", "{}");
+    EXPECT_EQ(run({"--import", otherStore() + ".json"}), 2);
+}
+
+TEST_F(Host, TakesSettingsAlongToAnotherMachine)
+{
+    const QString file = folder.filePath("settings.json");
+    const QTemporaryDir another;
+    keep({{"undoStep", 81}, {"osc", "1|16"}, {"fadeInTime", 0.3}});
+    ASSERT_EQ(run({"--export", file, "--sections", "undo,network,display"}), 0);
+    QByteArray json = readFile(file);
+    json.replace("\"settings\": {", "\"settings\": {\"later\":1,");
+    writeFile(file, json);
+    const auto on = [&](QStringList arguments) {
+        arguments += {"--store", another.filePath("settings.sqlite")};
+        return run(arguments);
+    };
+    EXPECT_EQ(on({"--import", file, "--dry-run"}), 6);
+    const QByteArray change = "undoStep: 50 -> 81\nfadeInTime: 0.5 -> 0.3\n";
+    EXPECT_EQ(output, change
+                          + "left: osc: {\"enabled\":false,\"port\":9000} -> "
+                            "{\"enabled\":true,\"port\":16}\n");
+    EXPECT_EQ(errors, "not taken: later: this version does not know it\n");
+    EXPECT_EQ(on({"--import", file, "--sections", "undo"}), 6) << "and the dry run changed nothing";
+    EXPECT_EQ(output, "undoStep: 50 -> 81\n");
+    EXPECT_EQ(on({"--import", file, "--with-machine-settings"}), 6);
+    EXPECT_EQ(on({"--print-settings"}), 0);
+    for (const char* row : {"undoStep=81\n", "fadeInTime=0.3\n", "osc=1|16\n"}) {
+        EXPECT_TRUE(output.contains(row)) << row;
+    }
+    EXPECT_EQ(on({"--import", MIVOHOST_PROGRAM}), 5);
+    EXPECT_EQ(on({"--import", folder.filePath("gone")}), 5);
+    EXPECT_EQ(on({"--export", folder.filePath("gone/x")}), 4);
+    for (const QStringList& wrong : {QStringList{"--import", file, "--export", file},
+                                     {"--dry-run", "--export", file},
+                                     {"--export", file, "--sections", "undo,nothing"}}) {
+        EXPECT_EQ(on(wrong), 1) << wrong.join(' ').toStdString();
+    }
 }
 
 TEST_F(Host, TakesItsOptionsAndRefusesWrongOnes)
@@ -84,7 +124,7 @@ TEST_F(Host, DrawsEveryPageInEveryLanguage)
 {
     const QString pictures = folder.filePath("pictures");
     ASSERT_EQ(run({"--pictures", pictures}), 0);
-    QStringList names{"mainwindow", "mainwindow-editing"};
+    QStringList names{"mainwindow", "mainwindow-editing", "importdialog"};
     TestRuntime runtime;
     const mivohost::SettingsView view(runtime, nullptr);
     for (const auto* page : view.pages()) {

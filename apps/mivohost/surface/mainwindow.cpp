@@ -34,12 +34,13 @@ namespace mivohost {
 
 MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile& project,
                        Peripherals& peripherals, const SettingsServices& services)
-    : m_runtime(runtime), m_store(store), m_project(project), m_services(services),
-      m_title(new QLabel), m_notice(new QLabel), m_dismiss(new QPushButton),
+    : m_runtime(runtime), m_store(store), m_project(project), m_peripherals(peripherals),
+      m_services(services), m_title(new QLabel), m_notice(new QLabel), m_dismiss(new QPushButton),
       m_settingsButton(new mivo::widgets::PushButton), m_languageLabel(new QLabel),
       m_language(new QComboBox), m_actionPanel(new ActionPanel(peripherals)),
       m_waiting({new WaitingLine(project.requests()),
-                 new WaitingLine(m_actionPanel->transfer().requests())}),
+                 new WaitingLine(m_actionPanel->transfer().requests()),
+                 new WaitingLine(m_transfer.requests())}),
       m_programsLabel(new QLabel), m_programs(new ProgramList), m_playing(new QLabel),
       m_logLabel(new QLabel), m_log(new QPlainTextEdit),
       m_messagePanel(new MessagePanel(m_messages))
@@ -125,6 +126,9 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
         post(velorn::msgcenter::MsgInformation, hostText(key).arg(argument));
     };
     connect(&m_project, &ProjectFile::told, this, tell);
+    connect(&m_transfer, &SettingsTransfer::failed, this, &MainWindow::showNotice);
+    connect(&m_transfer, &SettingsTransfer::told, this, tell);
+    connect(&m_transfer, &SettingsTransfer::imported, this, &MainWindow::followImport);
     connect(&m_project, &ProjectFile::unsavedFound, this, &MainWindow::offerUnsaved);
     connect(&m_project, &ProjectFile::fadeTimesApplied, this, [this](int programs) {
         post(velorn::msgcenter::MsgInformation, hostText("FadeTimesApplied").arg(programs));
@@ -162,10 +166,22 @@ void MainWindow::addMenu()
     add("SaveProject", QKeySequence::Save, [this] { saveProject(); });
     add("SaveProjectAs", QKeySequence(QStringLiteral("Ctrl+Shift+S")), [this] { saveProjectAs(); });
     m_projectMenu->addSeparator();
+    add("ExportSettings", {}, [this] { m_transfer.chooseExport(); });
+    add("ImportSettings", {}, [this] { m_transfer.chooseImport(); });
+    m_projectMenu->addSeparator();
     add("Quit", QKeySequence(QStringLiteral("Ctrl+Q")), &MainWindow::quit);
     m_actions.emplace_back(m_projectMenu->menuAction(), "Project");
     connect(m_projectMenu, &QMenu::aboutToShow, this, &MainWindow::fillRecentMenu);
     connect(m_projectMenu, &QMenu::aboutToShow, &m_project, &ProjectFile::checkRecentFiles);
+}
+
+void MainWindow::followImport()
+{
+    m_peripherals.reload();
+    const QString language = m_runtime.call([this] { return m_store.getLanguage(); });
+    if (!language.isEmpty()) {
+        switchLanguage(language);
+    }
 }
 
 void MainWindow::fillRecentMenu()

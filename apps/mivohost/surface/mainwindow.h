@@ -2,6 +2,7 @@
 
 #include "project/project.h"
 #include "surface/messagecentre.h"
+#include "surface/settingstransfer.h"
 #include "surface/settingsview.h"
 
 #include <QtCore/QTranslator>
@@ -47,6 +48,7 @@ public:
     void openSettings();
 
     ActionPanel& actions() { return *m_actionPanel; }
+    SettingsTransfer& transfer() { return m_transfer; }
 
     /// Shows the window in front of the others, wherever it was.
     void bringToFront();
@@ -77,6 +79,8 @@ protected:
 private:
     void addMenu();
     void fillRecentMenu();
+    /// Takes over what the pages do not follow.
+    void followImport();
     void post(velorn::msgcenter::EnumMsgKind kind, const QString& text);
     void chooseLanguage(int index);
     void setTexts();
@@ -97,7 +101,9 @@ private:
     RuntimeThread& m_runtime;
     SettingsStore& m_store;
     ProjectFile& m_project;
+    Peripherals& m_peripherals;
     SettingsServices m_services;
+    SettingsTransfer m_transfer{m_runtime, m_store, this};
     QMenu* m_projectMenu = nullptr;
     QMenu* m_recentMenu = nullptr;
     std::vector<std::pair<QAction*, const char*>> m_actions; // with the keys of their texts

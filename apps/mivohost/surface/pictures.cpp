@@ -1,6 +1,7 @@
 #include "surface/pictures.h"
 
 #include "surface/actionpanel.h"
+#include "surface/importdialog.h"
 #include "surface/mainwindow.h"
 #include "surface/settingsview.h"
 
@@ -61,6 +62,13 @@ bool drawPictures(MainWindow& window, const QString& folder)
             directory.filePath(QStringLiteral("%1-%2%3.png").arg(name, language, scaleName)));
     };
 
+    const SettingsFile sample = SettingsFile::read(
+        R"({"schema":"mivo-settings","version":1,"programVersion":"1.0.0","machine":"stage-left",
+            "date":"2026-05-04T10:00:00Z","settings":{"undoStep":80,"fadeInTime":1.5,
+            "blackScreenMute":true,"imageHierarchy":0,"pictureDuration":10000,
+            "timedShutdown":{"enabled":true,"weekDayIndex":5,"time":"23:30:00"},
+            "cachePath":"/media/cache","osc":{"enabled":true,"port":9001},
+            "autoSaveProjectFilesInterval":60,"outputBrightness":80}})");
     bool saved = true;
     window.show();
     window.openSettings();
@@ -74,6 +82,10 @@ bool drawPictures(MainWindow& window, const QString& folder)
         window.actions().setEditing(true);
         saved = save(window, QStringLiteral("mainwindow-editing"), language) && saved;
         window.actions().setEditing(false);
+        window.transfer().offer(sample);
+        auto* import = window.findChild<ImportDialog*>();
+        saved = save(*import, QStringLiteral("importdialog"), language) && saved;
+        delete import;
         for (auto* page : window.settings().pages()) {
             showPage(&dialog, page);
             const auto className = QString::fromLatin1(page->metaObject()->className()).toLower();
