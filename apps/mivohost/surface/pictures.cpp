@@ -67,7 +67,7 @@ bool drawPictures(MainWindow& window, const QString& folder)
             "date":"2026-05-04T10:00:00Z","settings":{"undoStep":80,"fadeInTime":1.5,
             "blackScreenMute":true,"imageHierarchy":0,"pictureDuration":10000,
             "timedShutdown":{"enabled":true,"weekDayIndex":5,"time":"23:30:00"},
-            "cachePath":"/media/cache","osc":{"enabled":true,"port":9001},
+            "graphicsCard":"Card 2","osc":{"enabled":true,"port":9001},
             "autoSaveProjectFilesInterval":60,"outputBrightness":80}})");
     bool saved = true;
     window.show();
