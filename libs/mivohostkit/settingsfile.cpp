@@ -14,6 +14,7 @@
 #include <rapidjson/stringbuffer.h>
 
 #include <algorithm>
+#include <iterator>
 #include <optional>
 #include <string_view>
 
@@ -35,17 +36,27 @@ constexpr rapidjson::SizeType longestName = 100;
 constexpr int longestText = 4096; // characters; of a setting that is one text
 constexpr int longestOrigin = 100;
 
+/// In the order of a file.
+constexpr std::pair<Section, const char*> sectionNames[]{
+    {Section::general, "general"},
+    {Section::project, "project"},
+    {Section::fileInfo, "fileInfo"},
+    {Section::undo, "undo"},
+    {Section::online, "online"},
+    {Section::playControl, "playControl"},
+    {Section::presentation, "presentation"},
+    {Section::stage, "stage"},
+    {Section::display, "display"},
+    {Section::codec, "codec"},
+    {Section::audio, "audio"},
+    {Section::network, "network"},
+    {Section::host, "host"},
+};
+
 bool isTaken(Key key)
 {
-    switch (key) {
-    case Key::midiBindings: // the shortcut file takes these two
-    case Key::dmxBindings:
-    case Key::recentProjectFiles:
-    case Key::unsavedProject:
-        return false;
-    default:
-        return true;
-    }
+    return key != Key::midiBindings && key != Key::dmxBindings // the shortcut file takes these
+           && key != Key::recentProjectFiles && key != Key::unsavedProject;
 }
 
 bool isPlain(const QString& text)
@@ -56,27 +67,24 @@ bool isPlain(const QString& text)
 }
 
 template <typename Writer>
-void writeText(Writer& writer, const QString& text)
+bool writeText(Writer& writer, const QString& text)
 {
     const QByteArray utf8 = text.toUtf8();
-    writer.String(utf8.constData(), static_cast<rapidjson::SizeType>(utf8.size()));
+    return writer.String(utf8.constData(), static_cast<rapidjson::SizeType>(utf8.size()));
 }
 
 template <typename Writer>
-void writeScalar(Writer& writer, const QVariant& value)
+bool writeScalar(Writer& writer, const QVariant& value)
 {
     switch (value.userType()) {
     case QMetaType::Bool:
-        writer.Bool(value.toBool());
-        break;
+        return writer.Bool(value.toBool());
     case QMetaType::Int:
-        writer.Int(value.toInt());
-        break;
+        return writer.Int(value.toInt());
     case QMetaType::Double:
-        writer.Double(value.toDouble());
-        break;
+        return writer.Double(value.toDouble());
     default:
-        writeText(writer, value.toString());
+        return writeText(writer, value.toString());
     }
 }
 
@@ -127,20 +135,17 @@ QString recordText(const std::vector<RecordField>& fields, const QByteArray& jso
 std::optional<QVariant> valueOf(const Setting& setting, const QVariant& raw, Problem& problem)
 {
     const int type = raw.userType();
+    const int wanted = setting.fallback.userType();
     problem = Problem::wrongType;
-    switch (setting.fallback.userType()) {
-    case QMetaType::Bool:
+    if (wanted == QMetaType::Bool) {
         return type == QMetaType::Bool ? setting.accept(raw.toInt()) : std::nullopt;
-    case QMetaType::Int:
-    case QMetaType::Double:
-        if (type == QMetaType::LongLong
-            || (type == QMetaType::Double && setting.fallback.userType() == type)) {
-            problem = Problem::outOfRange;
-            return setting.accept(raw);
+    }
+    if (wanted != QMetaType::QString) {
+        if (type != QMetaType::LongLong && !(type == QMetaType::Double && wanted == type)) {
+            return std::nullopt;
         }
-        return std::nullopt;
-    default:
-        break;
+        problem = Problem::outOfRange;
+        return setting.accept(raw);
     }
     const bool isStructure = type == QMetaType::QByteArray;
     QString text = raw.toString();
@@ -359,43 +364,18 @@ SettingsFile::Plan SettingsFile::plan(const SettingsStore& store) const
 
 std::vector<Section> SettingsFile::sections()
 {
-    return {Section::general, Section::project,     Section::fileInfo,     Section::undo,
-            Section::online,  Section::playControl, Section::presentation, Section::stage,
-            Section::display, Section::codec,       Section::audio,        Section::network,
-            Section::host};
+    std::vector<Section> sections;
+    for (const auto& each : sectionNames) {
+        sections.push_back(each.first);
+    }
+    return sections;
 }
 
 QString SettingsFile::nameOf(Section section)
 {
-    switch (section) {
-    case Section::general:
-        return QStringLiteral("general");
-    case Section::project:
-        return QStringLiteral("project");
-    case Section::fileInfo:
-        return QStringLiteral("fileInfo");
-    case Section::network:
-        return QStringLiteral("network");
-    case Section::audio:
-        return QStringLiteral("audio");
-    case Section::display:
-        return QStringLiteral("display");
-    case Section::codec:
-        return QStringLiteral("codec");
-    case Section::undo:
-        return QStringLiteral("undo");
-    case Section::playControl:
-        return QStringLiteral("playControl");
-    case Section::presentation:
-        return QStringLiteral("presentation");
-    case Section::stage:
-        return QStringLiteral("stage");
-    case Section::online:
-        return QStringLiteral("online");
-    case Section::host:
-        return QStringLiteral("host");
-    }
-    return {};
+    const auto found = std::find_if(std::begin(sectionNames), std::end(sectionNames),
+                                    [section](const auto& each) { return each.first == section; });
+    return QString::fromLatin1(found->second);
 }
 
 QString SettingsFile::nameOf(SettingsStore::Key key)
