@@ -1,6 +1,8 @@
 #include "surface/actionpanel.h"
 
 #include "peripherals/peripherals.h"
+#include "surface/waitingline.h"
+
 #include "support/hostlanguage.h"
 #include "support/servicetest.h"
 
@@ -8,7 +10,6 @@
 #include <mivowidgets/shortcutcover.h>
 
 #include <QtWidgets/QAction>
-#include <QtWidgets/QProgressDialog>
 #include <QtWidgets/QVBoxLayout>
 
 #include <sys/stat.h>
@@ -124,7 +125,8 @@ protected:
     {
         told.clear();
         (panel->transfer().*transfer)(path);
-        EXPECT_TRUE(QTest::qWaitFor([this] { return !panel->transfer().isWaiting(); }, 20000));
+        EXPECT_TRUE(
+            QTest::qWaitFor([this] { return !panel->transfer().requests().isWaiting(); }, 20000));
         return told.join('|');
     }
     QString toldOfImport(const char* json)
@@ -284,11 +286,14 @@ TEST_F(Panel, AFileThatDoesNotAnswerIsNotWaitedFor)
 {
     const QString pipe = folder.filePath("pipe");
     ASSERT_EQ(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    WaitingLine line(panel->transfer().requests());
+    window->layout()->addWidget(&line);
     panel->transfer().importFrom(pipe);
     EXPECT_FALSE(control("importShortcuts")->isEnabled());
-    whenModal<QProgressDialog>(
-        [](QProgressDialog& progress) { progress.findChild<QPushButton*>()->click(); });
-    EXPECT_TRUE(QTest::qWaitFor([this] { return !panel->transfer().isWaiting(); }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return line.isVisible(); })) << "after half a second";
+    EXPECT_EQ(line.findChild<QLabel*>()->text(), "Opening " + pipe + " …");
+    QTest::mouseClick(line.findChild<QPushButton*>(), Qt::LeftButton);
+    EXPECT_FALSE(line.isVisible());
     EXPECT_EQ(told, QStringList{"ShortcutsNotImported no answer"});
     EXPECT_TRUE(control("importShortcuts")->isEnabled());
     writeFile(pipe, R"({"shortCutInfoList":[{"type":210,"path":"","shortCutStr":"F9"}]})");

@@ -2,11 +2,14 @@
 
 #include "base/hosttext.h"
 #include "peripherals/peripherals.h"
+#include "surface/importdialog.h"
+#include "surface/settingstexts.h"
 #include "system/tray.h"
 
 #include "support/hostlanguage.h"
 #include "support/projecttest.h"
 
+#include <QtWidgets/QDialogButtonBox>
 #include <QtWidgets/QMenuBar>
 #include <QtWidgets/QMessageBox>
 
@@ -31,6 +34,15 @@ protected:
         });
     }
     enum Answer { keep, stay, drop }; // in the order of QMessageBox::buttons()
+
+    /// Whether such a text is the last message, or is soon.
+    bool says(const std::string& text)
+    {
+        return QTest::qWaitFor([&] {
+            const auto& messages = window.messages().messages();
+            return !messages.empty() && messages.back().text.find(text) != std::string::npos;
+        });
+    }
 
     QStringList asked;
     Peripherals peripherals{runtime, *store};
@@ -103,6 +115,96 @@ TEST_F(Window, ShowsAFailureUntilItIsDismissedAndKeepsEachMessage)
     EXPECT_TRUE(notice->text().contains("disk full"));
 }
 
+TEST_F(Window, ImportsTheSettingsThatAreTicked)
+{
+    const QString path = this->path("settings.json");
+    const auto chosen = [this, &path] {
+        window.transfer().importFrom(path);
+        ImportDialog* dialog = nullptr;
+        EXPECT_TRUE(QTest::qWaitFor([&] {
+            return (dialog = window.findChild<ImportDialog*>()) != nullptr && dialog->isVisible();
+        }));
+        return dialog;
+    };
+    const auto accept = [](QDialog* dialog) {
+        const QPointer<QDialog> open(dialog);
+        auto* buttons = dialog->findChild<QDialogButtonBox*>();
+        QTest::mouseClick(buttons->button(QDialogButtonBox::Ok), Qt::LeftButton);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return open.isNull(); }));
+    };
+    writeFile(path, R"({"schema":"mivo-settings","version":1,"machine":"a","settings":{
+        "undoStep":81,"mfps":true,"blackScreenMute":true,"language":"zh_cn","later":1,
+        "osc":{"enabled":true,"port":16}}})");
+    auto* dialog = chosen();
+    auto* changes = dialog->findChild<QTreeWidget*>("importChanges");
+    QStringList rows;
+    for (QTreeWidgetItemIterator item(changes); *item != nullptr; ++item) {
+        rows.append(QString::number((*item)->checkState(0)) + ' ' + (*item)->text(0) + ' '
+                    + (*item)->text(1) + ' ' + (*item)->text(2));
+    }
+    EXPECT_EQ(rows.join('\n'), "2 Undo and redo  \n"
+                               "2 Undo steps 50 81\n"
+                               "2 Display control  \n"
+                               "2 MFPS Off On\n"
+                               "2 Mute while the screen is black Off On\n"
+                               "0 Network  \n"
+                               "0 Use OSC Off, 9000 On, 16\n"
+                               "0 Program  \n"
+                               "0 Language – zh_cn");
+    const auto* refused = dialog->findChild<QTreeWidget*>("importRefused");
+    EXPECT_EQ(refused->topLevelItem(0)->text(1), "this version does not know it");
+    const auto before = runtime.call([this] { return store->kept.rows; });
+    runtime.call([this] { store->kept.fails = true; });
+    accept(dialog);
+    EXPECT_EQ(runtime.call([this] { return store->kept.rows; }), before);
+    EXPECT_TRUE(says("nothing has changed: disk full"));
+    runtime.call([this] { store->kept.fails = false; });
+
+    dialog = chosen();
+    changes = dialog->findChild<QTreeWidget*>("importChanges");
+    const auto tick = [changes](const char* name, Qt::CheckState state) {
+        changes->findItems(name, Qt::MatchExactly | Qt::MatchRecursive)
+            .at(0)
+            ->setCheckState(0, state);
+    };
+    tick("Undo steps", Qt::Unchecked);
+    tick("Use OSC", Qt::Checked);
+    tick("Language", Qt::Checked);
+    accept(dialog);
+    EXPECT_EQ(runtime.call([this] { return store->kept.rows; }),
+              (QVariantHash{
+                  {"mfps", 1}, {"blackScreenMute", 1}, {"language", "zh_cn"}, {"osc", "1|16"}}));
+    EXPECT_EQ(peripherals.osc().info().port, 16) << "the service follows";
+    EXPECT_EQ(window.menuBar()->actions().at(0)->text(), hostText("Project"));
+    EXPECT_EQ(window.findChild<QComboBox*>("languages")->currentData(), "zh_cn");
+    EXPECT_TRUE(says("已导入的设置：4"));
+
+    dialog = chosen();
+    EXPECT_EQ(dialog->chosen().size(), 1U) << "the undo steps";
+    dialog->reject();
+    writeFile(path, "{");
+    window.transfer().importFrom(path);
+    EXPECT_TRUE(says("不是设置文件，第 1 行"));
+}
+
+TEST_F(Window, ExportsTheSectionsThatAreTicked)
+{
+    const QString path = this->path("settings.json");
+    whenModal<QDialog>([&](QDialog& sections) {
+        for (auto* box : sections.findChildren<QCheckBox*>()) {
+            box->setChecked(box->objectName() == "undo");
+        }
+        whenModal<QFileDialog>([&](QFileDialog& chooser) { chooseFolder(chooser, path); });
+        sections.accept();
+    });
+    window.transfer().chooseExport();
+    EXPECT_TRUE(says("The settings have been exported to " + path.toStdString()));
+    EXPECT_TRUE(readFile(path).contains("\"settings\": {\n        \"undoStep\": 50\n    }"))
+        << readFile(path).constData();
+    window.transfer().exportTo(folder.path(), {SettingsFile::Section::undo});
+    EXPECT_TRUE(says("The settings were not exported: " + folder.path().toStdString()));
+}
+
 TEST_F(Window, HasEveryTextInTheLanguageThatIsChosen)
 {
     QStringList missing;
@@ -111,26 +213,56 @@ TEST_F(Window, HasEveryTextInTheLanguageThatIsChosen)
         [&](const QString&, const QString&, const QString& key) { missing.append(key); });
     window.showTray();
     file->play(1);
+    std::map<int, QVariant> all; // that are taken along, by their keys
+    const std::string exported = runtime.call([this] {
+        const auto sections = SettingsFile::sections();
+        return SettingsFile::write(*store, {sections.begin(), sections.end()});
+    });
+    for (int key = 0; key <= static_cast<int>(SettingsFile::Key::listenAddress); ++key) {
+        const QString name = SettingsFile::nameOf(static_cast<SettingsFile::Key>(key));
+        if (exported.find('"' + name.toStdString() + "\":") != std::string::npos) {
+            all[key] = runtime.call([&] { return store->held(name); });
+        }
+    }
     auto* languages = window.findChild<QComboBox*>("languages");
     for (const int index : {1, 0, 1}) {
         chooseItem(languages, index);
-        for (const char* key : {"ProjectNotOpened", "ProjectNotSaved", "AutomaticSaveFailed",
-                                "AutostartFailed", "PowerActionFailed", "SettingNotSaved",
-                                "ShortcutsNotExported", "ShortcutsNotImported"}) {
+        for (const char* key :
+             {"ProjectNotOpened", "ProjectNotSaved", "AutomaticSaveFailed", "AutostartFailed",
+              "PowerActionFailed", "SettingNotSaved", "ShortcutsNotExported",
+              "ShortcutsNotImported", "SettingsExportedLate"}) {
             EXPECT_TRUE(hostText(key).contains("%1")) << key;
         }
         for (const char* reason :
              {"0 is no port", "a program has no id of its own", "no such folder",
               "not a project file", "the file was replaced or removed",
               "written by a later version", "no answer", "a file is still being opened or saved",
-              "the open project has been changed meanwhile"}) {
+              "the open project has been changed meanwhile", "the file is too large",
+              "not a settings file", "too many settings, or the name of one is too long",
+              "a setting is there twice", "too deeply nested"}) {
             EXPECT_EQ(reasonText(reason) == reason, index == 0) << reason;
         }
-        for (const char* key :
-             {"DataInUse", "KeyHint", "MidiHint", "MidiNoDevice", "MidiOff", "DmxHint", "DmxOff",
-              "OscHint", "OscOff", "ShortcutFiles", "ClearShortcutsQuestion",
-              "ImportShortcutsQuestion", "FileTooLarge"}) {
+        for (const char* key : {"DataInUse", "KeyHint", "MidiHint", "MidiNoDevice", "MidiOff",
+                                "DmxHint", "DmxOff", "OscHint", "OscOff", "ShortcutFiles",
+                                "ClearShortcutsQuestion", "ImportShortcutsQuestion"}) {
             hostText(key);
+        }
+        for (const auto& entry : runtime.call([this] { return store->all(); })) {
+            sectionText(entry.section);
+        }
+        for (const auto& [name, value] : all) {
+            const auto key = static_cast<SettingsFile::Key>(name);
+            settingText(key);
+            for (int number = 0; number <= ResourceOSD; ++number) {
+                valueText(key, value.type() == QVariant::Int ? QVariant(number) : value);
+            }
+        }
+        valueText(SettingsFile::Key::dynamicRangeConfig, "1|12");
+        for (const auto problem :
+             {SettingsFile::Problem::unknown, SettingsFile::Problem::notTaken,
+              SettingsFile::Problem::wrongType, SettingsFile::Problem::outOfRange,
+              SettingsFile::Problem::invalid}) {
+            refusedText({"", problem});
         }
     }
     translator.setMissingTextHandler(nullptr);

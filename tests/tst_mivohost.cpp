@@ -15,12 +15,16 @@ protected:
         process.setProcessEnvironment(environmentOf(folder.path(), "offscreen"));
         process.start(MIVOHOST_PROGRAM, arguments);
         process.waitForFinished(60000);
+        output = process.readAllStandardOutput();
+        errors = process.readAllStandardError();
         return process.exitCode();
     }
 
     QString otherStore() const { return folder.filePath("other.sqlite"); }
 
     QTemporaryDir folder;
+    QByteArray output;
+    QByteArray errors;
 };
 
 } // namespace
@@ -37,10 +41,50 @@ TEST_F(Host, TheSecondOfAUserShowsTheFirstOrSaysSoAndStops)
     EXPECT_EQ(second.exitCode(), 2);
     EXPECT_EQ(run({}), 0) << "the first has shown its window";
     EXPECT_EQ(run({"--print-settings"}), 2);
+    writeFile(otherStore() + ".json", "{}");
+    EXPECT_EQ(run({"--import", otherStore() + ".json"}), 2);
     // What the autostart entry passes on.
     const QStringList options{"--allow-power-actions", "--start-delay", "1", "--print-settings"};
     EXPECT_EQ(run(options + QStringList{"--store", otherStore()}), 0);
     EXPECT_EQ(run({"--start-delay", "301", "--print-settings"}), 1);
+}
+
+TEST_F(Host, TakesSettingsAlongToAnotherMachine)
+{
+    const QString file = folder.filePath("settings.json");
+    const QTemporaryDir another;
+    const Home home(folder.path());
+    home.keep("osc", "1|16");
+    home.keep("fadeInTime", 0.3);
+    ASSERT_EQ(run({"--export", file, "--sections", "undo,network,display"}), 0);
+    QByteArray json = readFile(file);
+    json.replace("\"settings\": {", "\"settings\": {\"later\":1,");
+    writeFile(file, json);
+    const auto on = [&](QStringList arguments) {
+        arguments += {"--store", another.filePath("settings.sqlite")};
+        return run(arguments);
+    };
+    EXPECT_EQ(on({"--import", file, "--dry-run"}), 6);
+    const QByteArray change = "undoStep: 50 -> 81\nfadeInTime: 0.5 -> 0.3\n";
+    EXPECT_EQ(output, change
+                          + "left: osc: {\"enabled\":false,\"port\":9000} -> "
+                            "{\"enabled\":true,\"port\":16}\n");
+    EXPECT_EQ(errors, "not taken: later: this version does not know it\n");
+    EXPECT_EQ(on({"--import", file, "--sections", "undo"}), 6) << "and the dry run changed nothing";
+    EXPECT_EQ(output, "undoStep: 50 -> 81\n");
+    EXPECT_EQ(on({"--import", file, "--with-machine-settings"}), 6);
+    EXPECT_EQ(on({"--print-settings"}), 0);
+    for (const char* row : {"undoStep=81\n", "fadeInTime=0.3\n", "osc=1|16\n"}) {
+        EXPECT_TRUE(output.contains(row)) << row;
+    }
+    EXPECT_EQ(on({"--import", MIVOHOST_PROGRAM}), 5);
+    EXPECT_EQ(on({"--import", folder.filePath("gone")}), 5);
+    EXPECT_EQ(on({"--export", folder.filePath("gone/x")}), 4);
+    for (const QStringList& wrong : {QStringList{"--import", file, "--export", file},
+                                     {"--dry-run", "--export", file},
+                                     {"--export", file, "--sections", "undo,nothing"}}) {
+        EXPECT_EQ(on(wrong), 1) << wrong.join(' ').toStdString();
+    }
 }
 
 TEST_F(Host, DrawsEveryPageInEveryLanguage)
@@ -48,7 +92,7 @@ TEST_F(Host, DrawsEveryPageInEveryLanguage)
     const QDir pictures(folder.filePath("pictures"));
     ASSERT_EQ(run({"--pictures", pictures.path()}), 0);
     const QStringList drawn = pictures.entryList({"*-en.png"});
-    EXPECT_EQ(drawn.size(), 19) << "twelve pages, and seven of the windows and what they offer";
+    EXPECT_EQ(drawn.size(), 20) << "twelve pages, and eight of the windows and what they offer";
     for (QString name : drawn) {
         const QImage english(pictures.filePath(name));
         const QImage chinese(pictures.filePath(name.replace("-en", "-zh_cn")));

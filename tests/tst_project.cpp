@@ -108,23 +108,23 @@ TEST_F(ProjectTest, ASaveThatFailsIsToldAndLeavesTheFileAsItWas)
 TEST_F(ProjectTest, AFileThatHangsHoldsUpNothingElse)
 {
     start({{"autoSavePath", path("saves hangs")}});
-    QSignalSpy waiting(file.get(), &ProjectFile::waiting);
+    QSignalSpy slow(&file->requests(), &FileRequests::slow);
     QSignalSpy told(file.get(), &ProjectFile::told);
     ASSERT_TRUE(saveAs(path("here.mivo")));
     file->play(3);
     file->afterSaves([] {});
-    waiting.clear();
+    slow.clear();
     std::vector<bool> results;
     const auto note = [&results](bool done) { results.push_back(done); };
     file->saveAs(path("hangs.mivo"), note);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return waiting.size() == 1; }));
-    EXPECT_EQ(waiting[0][0], "SavingProject");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return slow.size() == 1; }));
+    EXPECT_EQ(slow[0][0], "SavingProject");
     EXPECT_FALSE(open(path("here.mivo"))) << "one at a time";
     file->play(4);
     EXPECT_EQ(file->state().project.lastPlayed, 4);
-    file->stopWaiting();
-    EXPECT_EQ(results, std::vector{false});
-    EXPECT_EQ(waiting.last()[0], "");
+    file->requests().cancel();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return results == std::vector{false}; }));
+    EXPECT_EQ(slow.last()[0], "");
     EXPECT_FALSE(saveAs(path("hangs.mivo"))) << "the older content could replace the newer one";
 
     EXPECT_TRUE(saveAs(path("here.mivo")));
@@ -164,7 +164,8 @@ TEST_F(ProjectTest, AnEndThatNobodyWasAskedAboutLosesNothing)
     };
     EXPECT_EQ(restart(), path("saves/" + savesOf("*").value(0)));
     file->openUnsaved();
-    EXPECT_TRUE(QTest::qWaitFor([this] { return playing() == -1 && !file->isBusy(); }));
+    EXPECT_TRUE(
+        QTest::qWaitFor([this] { return playing() == -1 && !file->requests().isWaiting(); }));
     EXPECT_EQ(file->recentFiles(), QStringList{path("show.mivo")});
     EXPECT_EQ(restart(), "") << "offered until it is opened";
 

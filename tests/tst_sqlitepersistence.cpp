@@ -43,10 +43,10 @@ TEST_F(StoreFile, IsMadeWithItsFolderAndReadAgain)
     {
         auto opened = SqlitePersistence::open(deep);
         ASSERT_EQ(opened.status, Status::opened) << opened.error.toStdString();
-        EXPECT_TRUE(opened.persistence->write("undoStep", 80));
-        EXPECT_TRUE(opened.persistence->write("undoStep", 81));
-        EXPECT_TRUE(opened.persistence->write("language", QStringLiteral("zh_cn")));
-        EXPECT_TRUE(opened.persistence->write("fadeInTime", 0.1 + 0.2));
+        EXPECT_TRUE(opened.persistence->write({{"undoStep", 80}}));
+        EXPECT_TRUE(opened.persistence->write({{"undoStep", 81}}));
+        EXPECT_TRUE(opened.persistence->write({{"language", QStringLiteral("zh_cn")}}));
+        EXPECT_TRUE(opened.persistence->write({{"fadeInTime", 0.1 + 0.2}}));
     }
     auto again = SqlitePersistence::open(deep);
     ASSERT_EQ(again.status, Status::opened);
@@ -60,10 +60,10 @@ TEST_F(StoreFile, BelongsToOneAndKeepsNothingInOneThatWasReplaced)
     auto opened = SqlitePersistence::open(path());
     const QString moved = path() + ".moved";
     for (const bool isReplaced : {false, true}) {
-        EXPECT_TRUE(opened.persistence->write("undoStep", 80));
+        EXPECT_TRUE(opened.persistence->write({{"undoStep", 80}}));
         QFile::rename(path(), moved);
         EXPECT_TRUE(!isReplaced || QFile::copy(moved, path()));
-        EXPECT_FALSE(opened.persistence->write("undoStep", 81)) << isReplaced;
+        EXPECT_FALSE(opened.persistence->write({{"undoStep", 81}})) << isReplaced;
         EXPECT_FALSE(opened.persistence->lastError().isEmpty());
         EXPECT_EQ(SqlitePersistence::open(path()).status, Status::inUse);
         QFile::remove(path());
@@ -76,9 +76,9 @@ TEST_F(StoreFile, ThatIsDamagedIsRecoveredFromItsNewestGoodCopyAndKept)
     QMap<QString, QByteArray> killed; // 80 is in the copy, 81 in the log alone
     {
         auto opened = SqlitePersistence::open(path());
-        ASSERT_TRUE(opened.persistence->write("undoStep", 80));
+        ASSERT_TRUE(opened.persistence->write({{"undoStep", 80}}));
         EXPECT_EQ(opened.persistence->keepCopy(), "");
-        ASSERT_TRUE(opened.persistence->write("undoStep", 81));
+        ASSERT_TRUE(opened.persistence->write({{"undoStep", 81}}));
         killed = files();
     }
     const std::vector<std::tuple<const char*, Status, std::function<void()>>> cases{
@@ -128,7 +128,7 @@ TEST_F(StoreFile, ThatIsDamagedIsRecoveredFromItsNewestGoodCopyAndKept)
                 ASSERT_TRUE(opened.persistence) << opened.error.toStdString();
                 const int held = opened.persistence->loadAll().value("undoStep").toInt();
                 EXPECT_EQ(held, status == Status::opened ? 81 : hasCopy ? 80 : 0);
-                EXPECT_TRUE(opened.persistence->write("undoStep", 82));
+                EXPECT_TRUE(opened.persistence->write({{"undoStep", 82}}));
                 for (const QByteArray& content : before) {
                     EXPECT_TRUE(status == Status::opened || files().values().contains(content));
                 }
@@ -146,7 +146,7 @@ TEST_F(StoreFile, KeepsItsLastThreeGoodCopiesWhateverTheClockSays)
     };
     for (int step = 1; step <= 4; ++step) {
         for (int start = 0; start < 2; ++start) { // nothing new at the second one
-            ASSERT_TRUE(opened.persistence->write("undoStep", step));
+            ASSERT_TRUE(opened.persistence->write({{"undoStep", step}}));
             EXPECT_EQ(opened.persistence->keepCopy(), "");
         }
     }
@@ -154,7 +154,7 @@ TEST_F(StoreFile, KeepsItsLastThreeGoodCopiesWhateverTheClockSays)
                                      "settings.sqlite.copy-4"}));
     // A bad one takes no good one's place.
     writeFile(path() + ".copy-4", "garbage");
-    ASSERT_TRUE(opened.persistence->write("undoStep", 5));
+    ASSERT_TRUE(opened.persistence->write({{"undoStep", 5}}));
     EXPECT_EQ(opened.persistence->keepCopy(), "");
     EXPECT_EQ(copies().size(), 4);
     writeFile(path() + ".copy-5", "garbage");
@@ -165,7 +165,7 @@ TEST_F(StoreFile, KeepsItsLastThreeGoodCopiesWhateverTheClockSays)
 
 TEST_F(StoreFile, ThatLacksRightsIsRefusedWithTheReasonAndLeftAlone)
 {
-    SqlitePersistence::open(path()).persistence->write("undoStep", 80);
+    SqlitePersistence::open(path()).persistence->write({{"undoStep", 80}});
     const std::tuple<const char*, int, int, const char*> cases[]{
         {"no right to the file", 0x0000, 0x7777, "Permission denied"},
         {"no right to write it", 0x4444, 0x7777, "no right to write"},
@@ -214,7 +214,7 @@ int runAsWriter(const QStringList& arguments)
     auto opened = SqlitePersistence::open(arguments.at(1));
     opened.persistence->keepCopy();
     int count = opened.persistence->loadAll().value("count").toInt();
-    while (opened.persistence->write("count", ++count)) {
+    while (opened.persistence->write({{"count", ++count}})) {
         std::printf("%d\n", count);
         std::fflush(stdout);
     }

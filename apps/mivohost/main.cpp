@@ -1,3 +1,4 @@
+#include "base/exitcode.h"
 #include "base/hostlog.h"
 #include "base/hosttext.h"
 #include "devices/clustersimulator.h"
@@ -12,6 +13,7 @@
 #include "store/sqlitepersistence.h"
 #include "surface/mainwindow.h"
 #include "surface/pictures.h"
+#include "surface/settingscommand.h"
 #include "surface/settingsview.h"
 #include "system/autostart.h"
 #include "system/endrequests.h"
@@ -50,8 +52,6 @@ namespace {
 constexpr const char* listSoundCardsOption = "--list-sound-cards"; // the first one, or not at all
 
 QtMessageHandler defaultHandler = nullptr;
-
-enum ExitCode { finished = 0, badArgument = 1, storeInUse = 2, storeFailed = 3, notWritten = 4 };
 
 QString systemLanguage()
 {
@@ -231,9 +231,12 @@ int runWindow(MainWindow& window, ProjectFile& project, RuntimeThread& runtime,
 
 int run(const QCommandLineParser& arguments)
 {
-    const bool printing = arguments.isSet(QStringLiteral("print-settings"));
+    const SettingsCommand command(arguments);
+    if (!command.problem.isEmpty()) {
+        return refuse(badArgument, command.problem, false);
+    }
     const bool drawing = arguments.isSet(QStringLiteral("pictures"));
-    const bool withWindow = !printing && !drawing;
+    const bool withWindow = !command.isGiven && !drawing;
     const QDir data(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation));
     QString path = data.filePath(QStringLiteral("settings.sqlite"));
     std::optional<QTemporaryDir> scratch; // pictures show the defaults, whatever the user has set
@@ -303,7 +306,7 @@ int run(const QCommandLineParser& arguments)
     using Status = SqlitePersistence::Status;
     auto opened = runtime.call([&] { return SqlitePersistence::open(path); });
     const bool damaged = opened.status == Status::damaged;
-    if (damaged && !printing) {
+    if (damaged && !command.isGiven) {
         hostLog()->error("the settings file cannot be used: {}", opened.error.toStdString());
         if (opened.copyTime.isValid() && !wantsCopy(path, opened)) {
             return storeFailed;
@@ -317,17 +320,16 @@ int run(const QCommandLineParser& arguments)
         return refuse(storeFailed, hostText("StoreFailed").arg(path, reasonText(opened.error)),
                       withWindow);
     }
-    const QString copyError =
-        printing ? QString() : runtime.call([&] { return opened.persistence->keepCopy(); });
+    const QString copyError = command.isGiven && !command.changesSettings
+                                  ? QString()
+                                  : runtime.call([&] { return opened.persistence->keepCopy(); });
     auto store = runtime.call([&] {
         return std::make_unique<SettingsStore>(std::move(opened.persistence), defaultFolders(data));
     });
 
     int code = finished;
-    if (printing) {
-        for (const auto& setting : runtime.call([&store] { return store->all(); })) {
-            std::printf("%s=%s\n", qPrintable(setting.name), qPrintable(setting.value.toString()));
-        }
+    if (command.isGiven) {
+        code = runSettingsCommand(arguments, runtime, *store);
     } else {
         ProjectFile project(runtime, *store);
         Peripherals peripherals(runtime, *store);
@@ -388,7 +390,11 @@ int main(int argc, char** argv)
 
     QCommandLineParser arguments;
     arguments.setApplicationDescription(
-        QStringLiteral("Reference host of the settings library mivosettingswidgets."));
+        QStringLiteral("Reference host of the settings library mivosettingswidgets.\n"
+                       "Exit codes: 0 done; 1 a wrong option; 2 the settings are in use, as by the "
+                       "running program; 3 they cannot be opened or kept; 4 a file cannot be "
+                       "written; 5 a file cannot be read or is no settings file; 6 something in it "
+                       "was not taken."));
     arguments.addHelpOption();
     arguments.addVersionOption();
     arguments.addOptions({
@@ -400,7 +406,6 @@ int main(int argc, char** argv)
         {QStringLiteral("look"),
          QStringLiteral("Be dark or light; system follows the desktop, and pictures are dark."),
          QStringLiteral("dark|light|system"), QStringLiteral("system")},
-        {QStringLiteral("print-settings"), QStringLiteral("Print all settings, then end.")},
         {QStringLiteral("store"),
          QStringLiteral("Use this settings file, and leave the start at log-on as it is."),
          QStringLiteral("file")},
@@ -414,6 +419,7 @@ int main(int argc, char** argv)
         {QStringLiteral("allow-power-actions"),
          QStringLiteral("Let timed actions really shut down or restart the machine.")},
     });
+    addSettingsOptions(arguments);
     arguments.process(application);
 
     loadLanguages();

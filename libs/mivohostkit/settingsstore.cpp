@@ -31,7 +31,7 @@ class NoPersistence : public SettingsPersistence
 {
 public:
     QVariantHash loadAll() override { return {}; }
-    bool write(const QString& /*key*/, const QVariant& /*value*/) override { return true; }
+    bool write(const QVariantHash& /*settings*/) override { return true; }
     QString lastError() const override { return {}; }
     void watch(ChangeHandler /*handler*/) override {}
 };
@@ -279,7 +279,10 @@ void SettingsStore::set(Key key, const QVariant& wanted)
     const bool replacesUnusable = corrected == wanted && m_unusable.count(key) != 0;
     const QVariant before = value(key);
     if (corrected != before || replacesUnusable) {
-        keep(key, corrected);
+        const QString problem = keep({{key, corrected}});
+        if (!problem.isEmpty() && m_failure) {
+            m_failure(problem);
+        }
     } else if (corrected == wanted) {
         return; // nothing new, and the control shows it already
     }
@@ -291,21 +294,53 @@ void SettingsStore::set(Key key, const QVariant& wanted)
     }
 }
 
-void SettingsStore::keep(Key key, const QVariant& value)
+QString SettingsStore::setAll(const std::map<Key, QVariant>& wanted)
 {
-    const char* name = settingOf(key).name;
-    if (m_persistence->write(name, asRow(value))) {
+    std::map<Key, QVariant> changes;
+    for (const auto& [key, each] : wanted) {
+        const auto accepted = settingOf(key).accept(asRow(each));
+        if (!accepted) {
+            return QStringLiteral("%1 cannot be %2").arg(settingOf(key).name, each.toString());
+        }
+        if (*accepted != value(key) || m_unusable.count(key) != 0) {
+            changes.emplace(key, *accepted);
+        }
+    }
+    QString problem = changes.empty() ? QString() : keep(changes);
+    if (problem.isEmpty()) {
+        for (const auto& [key, each] : changes) {
+            if (settingOf(key).announce != nullptr) {
+                settingOf(key).announce(*this, each);
+            }
+        }
+        if (!changes.empty()) {
+            anySettingChanged();
+        }
+    }
+    return problem;
+}
+
+QString SettingsStore::keep(const std::map<Key, QVariant>& values)
+{
+    QVariantHash rows;
+    QStringList names;
+    for (const auto& [key, value] : values) {
+        names.append(settingOf(key).name);
+        rows[names.last()] = asRow(value);
+    }
+    if (!m_persistence->write(rows)) {
+        const QString reason = m_persistence->lastError();
+        hostLog()->error("setting {} could not be saved: {}", names.join(", ").toStdString(),
+                         reason.toStdString());
+        return reason;
+    }
+    for (const auto& [key, value] : values) {
         m_values[key] = value;
         m_kept.insert(key);
         m_unusable.erase(key);
-        hostLog()->info("setting {} = {}", name, logged(value));
-        return;
+        hostLog()->info("setting {} = {}", settingOf(key).name, logged(value));
     }
-    const QString reason = m_persistence->lastError();
-    hostLog()->error("setting {} could not be saved: {}", name, reason.toStdString());
-    if (m_failure) {
-        m_failure(reason);
-    }
+    return {};
 }
 
 } // namespace mivohost

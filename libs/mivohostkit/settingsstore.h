@@ -312,6 +312,11 @@ public:
     /// Sets the setting that is kept under `name` as its own setter does. No such name: nothing.
     void set(const QString& name, const QVariant& value);
 
+    /// Sets these settings, all or none, and announces those that changed. Values have the types
+    /// of all(). Empty, or why none was set: one that is no value of its setting, or that could not
+    /// be kept.
+    QString setAll(const std::map<Key, QVariant>& wanted);
+
 private:
     static QVariant stored(const std::string& text) { return QString::fromStdString(text); }
     QVariant value(Key key) const { return m_values.at(key); }
@@ -319,8 +324,8 @@ private:
     void set(Key key, const QVariant& wanted);
     void setPort(ListeningPorts::Port port, const STPortInfo& requested);
 
-    /// Writes a value and takes it over, or tells that it could not be written.
-    void keep(Key key, const QVariant& value);
+    /// Writes values and takes them over; empty, or why they could not be written.
+    QString keep(const std::map<Key, QVariant>& values);
 
     std::unique_ptr<SettingsPersistence> m_persistence;
     SoundCardMappings m_soundCards;

@@ -38,7 +38,7 @@ public:
     /// Changes a setting, with no program running.
     void keep(const QString& key, const QVariant& value) const
     {
-        EXPECT_TRUE(SqlitePersistence::open(store()).persistence->write(key, value));
+        EXPECT_TRUE(SqlitePersistence::open(store()).persistence->write({{key, value}}));
     }
 
     QString path() const { return m_path; }

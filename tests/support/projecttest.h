@@ -64,7 +64,7 @@ protected:
         file = std::make_unique<ProjectFile>(runtime, *store, hanging.observer());
         failures = std::make_unique<QSignalSpy>(file.get(), &ProjectFile::failed);
         file->start();
-        EXPECT_TRUE(QTest::qWaitFor([this] { return !file->isBusy(); }));
+        EXPECT_TRUE(QTest::qWaitFor([this] { return !file->requests().isWaiting(); }));
     }
 
     QString path(const QString& name) const { return folder.filePath(name); }

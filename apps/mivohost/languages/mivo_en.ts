@@ -981,6 +981,186 @@ Without an answer the copy is used in %4 seconds.</translation>
         <translation>A setting could not be saved: %1. Its old value stays in force.</translation>
     </message>
     <message>
+        <source>ExportSettingsTitle</source>
+        <comment>MainWindow</comment>
+        <translation>Export settings</translation>
+    </message>
+    <message>
+        <source>ImportSettingsTitle</source>
+        <comment>MainWindow</comment>
+        <translation>Import settings</translation>
+    </message>
+    <message>
+        <source>SettingsFiles</source>
+        <comment>MainWindow</comment>
+        <translation>Settings</translation>
+    </message>
+    <message>
+        <source>SettingsToExport</source>
+        <comment>MainWindow</comment>
+        <translation>Settings that go into the file. Shortcuts have a file of their own.</translation>
+    </message>
+    <message>
+        <source>SettingsOrigin</source>
+        <comment>MainWindow</comment>
+        <translation>From “%1”, %2, version %3</translation>
+    </message>
+    <message>
+        <source>SettingsToImport</source>
+        <comment>MainWindow</comment>
+        <translation>These settings change:</translation>
+    </message>
+    <message>
+        <source>SettingsToImportNotOwn</source>
+        <comment>MainWindow</comment>
+        <translation>These settings change. Those that belong to this machine are not ticked:</translation>
+    </message>
+    <message>
+        <source>SettingsSame</source>
+        <comment>MainWindow</comment>
+        <translation>All settings that can be taken from the file are as they are here.</translation>
+    </message>
+    <message>
+        <source>SettingsRefused</source>
+        <comment>MainWindow</comment>
+        <translation>Not taken from the file:</translation>
+    </message>
+    <message>
+        <source>SettingName</source>
+        <comment>MainWindow</comment>
+        <translation>Setting</translation>
+    </message>
+    <message>
+        <source>SettingNow</source>
+        <comment>MainWindow</comment>
+        <translation>Now</translation>
+    </message>
+    <message>
+        <source>SettingInFile</source>
+        <comment>MainWindow</comment>
+        <translation>In the file</translation>
+    </message>
+    <message>
+        <source>SettingReason</source>
+        <comment>MainWindow</comment>
+        <translation>Why</translation>
+    </message>
+    <message>
+        <source>SettingUnknown</source>
+        <comment>MainWindow</comment>
+        <translation>this version does not know it</translation>
+    </message>
+    <message>
+        <source>SettingNotTaken</source>
+        <comment>MainWindow</comment>
+        <translation>it stays with its machine</translation>
+    </message>
+    <message>
+        <source>SettingWrongType</source>
+        <comment>MainWindow</comment>
+        <translation>not a value of its kind</translation>
+    </message>
+    <message>
+        <source>SettingOutOfRange</source>
+        <comment>MainWindow</comment>
+        <translation>not from %1 to %2</translation>
+    </message>
+    <message>
+        <source>SettingInvalid</source>
+        <comment>MainWindow</comment>
+        <translation>not a value that it can have</translation>
+    </message>
+    <message>
+        <source>InLine</source>
+        <comment>MainWindow</comment>
+        <translation>%1, line %2</translation>
+    </message>
+    <message>
+        <source>SettingsNotExported</source>
+        <comment>MainWindow</comment>
+        <translation>The settings were not exported: %1</translation>
+    </message>
+    <message>
+        <source>SettingsNotImported</source>
+        <comment>MainWindow</comment>
+        <translation>The settings were not imported, and nothing has changed: %1</translation>
+    </message>
+    <message>
+        <source>SettingsExported</source>
+        <comment>MainWindow</comment>
+        <translation>The settings have been exported to %1</translation>
+    </message>
+    <message>
+        <source>SettingsExportedLate</source>
+        <comment>MainWindow</comment>
+        <translation>The settings that were not waited for have been exported after all: %1</translation>
+    </message>
+    <message>
+        <source>SettingsImported</source>
+        <comment>MainWindow</comment>
+        <translation>Settings imported: %1</translation>
+    </message>
+    <message>
+        <source>SettingsOfTheProgram</source>
+        <comment>MainWindow</comment>
+        <translation>Program</translation>
+    </message>
+    <message>
+        <source>SettingResourceType</source>
+        <comment>MainWindow</comment>
+        <translation>Kind of resource shown</translation>
+    </message>
+    <message>
+        <source>SettingAutoSaveInterval</source>
+        <comment>MainWindow</comment>
+        <translation>Minutes between automatic saves</translation>
+    </message>
+    <message>
+        <source>SettingMfps</source>
+        <comment>MainWindow</comment>
+        <translation>MFPS</translation>
+    </message>
+    <message>
+        <source>SettingEfps</source>
+        <comment>MainWindow</comment>
+        <translation>EFPS</translation>
+    </message>
+    <message>
+        <source>SettingGraphicsCard</source>
+        <comment>MainWindow</comment>
+        <translation>Graphics card</translation>
+    </message>
+    <message>
+        <source>SettingSlideWidth</source>
+        <comment>MainWindow</comment>
+        <translation>Resolution: width</translation>
+    </message>
+    <message>
+        <source>SettingSlideHeight</source>
+        <comment>MainWindow</comment>
+        <translation>Resolution: height</translation>
+    </message>
+    <message>
+        <source>SettingSdr</source>
+        <comment>MainWindow</comment>
+        <translation>SDR</translation>
+    </message>
+    <message>
+        <source>SettingHdr</source>
+        <comment>MainWindow</comment>
+        <translation>HDR10</translation>
+    </message>
+    <message>
+        <source>On</source>
+        <comment>MainWindow</comment>
+        <translation>On</translation>
+    </message>
+    <message>
+        <source>Off</source>
+        <comment>MainWindow</comment>
+        <translation>Off</translation>
+    </message>
+    <message>
         <source>Project</source>
         <comment>MainWindow</comment>
         <translation>&amp;Project</translation>
@@ -1009,6 +1189,16 @@ Without an answer the copy is used in %4 seconds.</translation>
         <source>SaveProjectAs</source>
         <comment>MainWindow</comment>
         <translation>Save &amp;as…</translation>
+    </message>
+    <message>
+        <source>ExportSettings</source>
+        <comment>MainWindow</comment>
+        <translation>&amp;Export settings…</translation>
+    </message>
+    <message>
+        <source>ImportSettings</source>
+        <comment>MainWindow</comment>
+        <translation>&amp;Import settings…</translation>
     </message>
     <message>
         <source>Quit</source>
@@ -1373,11 +1563,6 @@ Open them now?</translation>
         <source>ShortcutsNotImported</source>
         <comment>MainWindow</comment>
         <translation>The shortcuts were not imported: %1</translation>
-    </message>
-    <message>
-        <source>FileTooLarge</source>
-        <comment>MainWindow</comment>
-        <translation>The file is too large.</translation>
     </message>
     <message>
         <source>BindingsNotSaved</source>
@@ -2188,6 +2373,31 @@ Open them now?</translation>
         <source>not a project file</source>
         <comment>Reason</comment>
         <translation>not a project file</translation>
+    </message>
+    <message>
+        <source>the file is too large</source>
+        <comment>Reason</comment>
+        <translation>the file is too large</translation>
+    </message>
+    <message>
+        <source>not a settings file</source>
+        <comment>Reason</comment>
+        <translation>not a settings file</translation>
+    </message>
+    <message>
+        <source>too many settings, or the name of one is too long</source>
+        <comment>Reason</comment>
+        <translation>too many settings, or the name of one is too long</translation>
+    </message>
+    <message>
+        <source>a setting is there twice</source>
+        <comment>Reason</comment>
+        <translation>a setting is there twice</translation>
+    </message>
+    <message>
+        <source>too deeply nested</source>
+        <comment>Reason</comment>
+        <translation>too deeply nested</translation>
     </message>
     <message>
         <source>no right to write to it</source>

@@ -981,6 +981,186 @@
         <translation>有一项设置无法保存：%1。仍使用原来的值。</translation>
     </message>
     <message>
+        <source>ExportSettingsTitle</source>
+        <comment>MainWindow</comment>
+        <translation>导出设置</translation>
+    </message>
+    <message>
+        <source>ImportSettingsTitle</source>
+        <comment>MainWindow</comment>
+        <translation>导入设置</translation>
+    </message>
+    <message>
+        <source>SettingsFiles</source>
+        <comment>MainWindow</comment>
+        <translation>设置</translation>
+    </message>
+    <message>
+        <source>SettingsToExport</source>
+        <comment>MainWindow</comment>
+        <translation>要写入文件的设置。快捷键另有文件。</translation>
+    </message>
+    <message>
+        <source>SettingsOrigin</source>
+        <comment>MainWindow</comment>
+        <translation>来自“%1”，%2，版本 %3</translation>
+    </message>
+    <message>
+        <source>SettingsToImport</source>
+        <comment>MainWindow</comment>
+        <translation>以下设置将更改：</translation>
+    </message>
+    <message>
+        <source>SettingsToImportNotOwn</source>
+        <comment>MainWindow</comment>
+        <translation>以下设置将更改。属于本机的设置未勾选：</translation>
+    </message>
+    <message>
+        <source>SettingsSame</source>
+        <comment>MainWindow</comment>
+        <translation>文件中可用的设置与当前设置相同。</translation>
+    </message>
+    <message>
+        <source>SettingsRefused</source>
+        <comment>MainWindow</comment>
+        <translation>不采用的内容：</translation>
+    </message>
+    <message>
+        <source>SettingName</source>
+        <comment>MainWindow</comment>
+        <translation>设置项</translation>
+    </message>
+    <message>
+        <source>SettingNow</source>
+        <comment>MainWindow</comment>
+        <translation>当前</translation>
+    </message>
+    <message>
+        <source>SettingInFile</source>
+        <comment>MainWindow</comment>
+        <translation>文件中</translation>
+    </message>
+    <message>
+        <source>SettingReason</source>
+        <comment>MainWindow</comment>
+        <translation>原因</translation>
+    </message>
+    <message>
+        <source>SettingUnknown</source>
+        <comment>MainWindow</comment>
+        <translation>此版本没有该设置</translation>
+    </message>
+    <message>
+        <source>SettingNotTaken</source>
+        <comment>MainWindow</comment>
+        <translation>仅限其所在的机器</translation>
+    </message>
+    <message>
+        <source>SettingWrongType</source>
+        <comment>MainWindow</comment>
+        <translation>值的类型不符</translation>
+    </message>
+    <message>
+        <source>SettingOutOfRange</source>
+        <comment>MainWindow</comment>
+        <translation>不在 %1 到 %2 之间</translation>
+    </message>
+    <message>
+        <source>SettingInvalid</source>
+        <comment>MainWindow</comment>
+        <translation>无效的值</translation>
+    </message>
+    <message>
+        <source>InLine</source>
+        <comment>MainWindow</comment>
+        <translation>%1，第 %2 行</translation>
+    </message>
+    <message>
+        <source>SettingsNotExported</source>
+        <comment>MainWindow</comment>
+        <translation>设置未导出：%1</translation>
+    </message>
+    <message>
+        <source>SettingsNotImported</source>
+        <comment>MainWindow</comment>
+        <translation>设置未导入，未作任何更改：%1</translation>
+    </message>
+    <message>
+        <source>SettingsExported</source>
+        <comment>MainWindow</comment>
+        <translation>设置已导出到 %1</translation>
+    </message>
+    <message>
+        <source>SettingsExportedLate</source>
+        <comment>MainWindow</comment>
+        <translation>未等待的设置导出已完成：%1</translation>
+    </message>
+    <message>
+        <source>SettingsImported</source>
+        <comment>MainWindow</comment>
+        <translation>已导入的设置：%1</translation>
+    </message>
+    <message>
+        <source>SettingsOfTheProgram</source>
+        <comment>MainWindow</comment>
+        <translation>程序</translation>
+    </message>
+    <message>
+        <source>SettingResourceType</source>
+        <comment>MainWindow</comment>
+        <translation>显示的资源类型</translation>
+    </message>
+    <message>
+        <source>SettingAutoSaveInterval</source>
+        <comment>MainWindow</comment>
+        <translation>自动保存间隔（分钟）</translation>
+    </message>
+    <message>
+        <source>SettingMfps</source>
+        <comment>MainWindow</comment>
+        <translation>MFPS</translation>
+    </message>
+    <message>
+        <source>SettingEfps</source>
+        <comment>MainWindow</comment>
+        <translation>EFPS</translation>
+    </message>
+    <message>
+        <source>SettingGraphicsCard</source>
+        <comment>MainWindow</comment>
+        <translation>显卡</translation>
+    </message>
+    <message>
+        <source>SettingSlideWidth</source>
+        <comment>MainWindow</comment>
+        <translation>分辨率：宽</translation>
+    </message>
+    <message>
+        <source>SettingSlideHeight</source>
+        <comment>MainWindow</comment>
+        <translation>分辨率：高</translation>
+    </message>
+    <message>
+        <source>SettingSdr</source>
+        <comment>MainWindow</comment>
+        <translation>SDR</translation>
+    </message>
+    <message>
+        <source>SettingHdr</source>
+        <comment>MainWindow</comment>
+        <translation>HDR10</translation>
+    </message>
+    <message>
+        <source>On</source>
+        <comment>MainWindow</comment>
+        <translation>开</translation>
+    </message>
+    <message>
+        <source>Off</source>
+        <comment>MainWindow</comment>
+        <translation>关</translation>
+    </message>
+    <message>
         <source>Project</source>
         <comment>MainWindow</comment>
         <translation>项目(&amp;P)</translation>
@@ -1009,6 +1189,16 @@
         <source>SaveProjectAs</source>
         <comment>MainWindow</comment>
         <translation>另存为(&amp;A)…</translation>
+    </message>
+    <message>
+        <source>ExportSettings</source>
+        <comment>MainWindow</comment>
+        <translation>导出设置(&amp;E)…</translation>
+    </message>
+    <message>
+        <source>ImportSettings</source>
+        <comment>MainWindow</comment>
+        <translation>导入设置(&amp;I)…</translation>
     </message>
     <message>
         <source>Quit</source>
@@ -1373,11 +1563,6 @@
         <source>ShortcutsNotImported</source>
         <comment>MainWindow</comment>
         <translation>快捷键未导入：%1</translation>
-    </message>
-    <message>
-        <source>FileTooLarge</source>
-        <comment>MainWindow</comment>
-        <translation>文件过大。</translation>
     </message>
     <message>
         <source>BindingsNotSaved</source>
@@ -2188,6 +2373,31 @@
         <source>not a project file</source>
         <comment>Reason</comment>
         <translation>不是项目文件</translation>
+    </message>
+    <message>
+        <source>the file is too large</source>
+        <comment>Reason</comment>
+        <translation>文件过大</translation>
+    </message>
+    <message>
+        <source>not a settings file</source>
+        <comment>Reason</comment>
+        <translation>不是设置文件</translation>
+    </message>
+    <message>
+        <source>too many settings, or the name of one is too long</source>
+        <comment>Reason</comment>
+        <translation>设置过多或名称过长</translation>
+    </message>
+    <message>
+        <source>a setting is there twice</source>
+        <comment>Reason</comment>
+        <translation>同一设置出现两次</translation>
+    </message>
+    <message>
+        <source>too deeply nested</source>
+        <comment>Reason</comment>
+        <translation>嵌套过深</translation>
     </message>
     <message>
         <source>no right to write to it</source>

@@ -23,6 +23,9 @@ public:
     /// Reads the store and opens what is enabled. What changes from now on is written to the store.
     Peripherals(RuntimeThread& runtime, SettingsStore& store);
 
+    /// Takes over what the store holds, but for the bindings, after somebody else has changed it.
+    void reload();
+
     /// The manager must go first, or is told by the services that they go.
     void giveTo(mivo::settings::ShortCutMgr& manager);
 
@@ -44,6 +47,7 @@ private:
     struct Kept;
 
     Peripherals(RuntimeThread& runtime, SettingsStore& store, const Kept& kept);
+    void apply(const Kept& kept);
 
     RuntimeThread& m_runtime;
     SettingsStore& m_store;

@@ -1,5 +1,7 @@
 #include "project/projectaccess.h"
 
+#include "base/filerequests.h"
+
 #include <zrcutils/nocachefile.h>
 
 #include <QtCore/QDateTime>
@@ -36,14 +38,6 @@ bool isTimeSuffix(const QString& text)
            && std::equal(text.begin(), text.end(), form.begin(), [](QChar c, char place) {
                   return place == 'd' ? c >= '0' && c <= '9' : c == place;
               });
-}
-
-QString write(const QString& file, const QByteArray& content)
-{
-    std::error_code error;
-    NoCacheFile::saveToFile(file.toStdString(), content.toStdString(), error,
-                            NoCacheFile::Access::umask);
-    return error ? qt_error_string(error.value()) : QString();
 }
 
 /// The project's automatic saves in `folder`, the oldest first; empty files are ones that a full
@@ -97,7 +91,7 @@ ReadProject readProject(const QString& file)
 
 QString writeProject(const QString& file, const Project& project)
 {
-    return write(file, projectToJson(project));
+    return saveFile(file, projectToJson(project).toStdString());
 }
 
 AutomaticSaveResult saveAutomatically(AutomaticSave save)
@@ -113,7 +107,8 @@ AutomaticSaveResult saveAutomatically(AutomaticSave save)
     while (folder.exists(fileName())) {
         save.now = save.now.addSecs(1);
     }
-    const QString error = write(folder.filePath(fileName()), projectToJson(save.project, mark));
+    const QString error =
+        saveFile(folder.filePath(fileName()), projectToJson(save.project, mark).toStdString());
     if (!error.isEmpty()) {
         return {{}, error};
     }

@@ -149,6 +149,33 @@ QString missingPart(const QString& path, bool hasCopies)
     return hasWrites || hasCopies ? QStringLiteral("the file is missing") : QString();
 }
 
+/// Returns SQLite's code.
+int writeRow(sqlite3* database, const QString& key, const QVariant& value)
+{
+    sqlite3_stmt* statement = nullptr;
+    const int code = sqlite3_prepare_v2(database,
+                                        "INSERT INTO setting (key, value) VALUES (?, ?) "
+                                        "ON CONFLICT (key) DO UPDATE SET value = excluded.value",
+                                        -1, &statement, nullptr);
+    if (code != SQLITE_OK) {
+        return code;
+    }
+    const auto bind = [statement](int index, const QString& utf16) {
+        const QByteArray utf8 = utf16.toUtf8();
+        sqlite3_bind_text(statement, index, utf8.constData(), utf8.size(), SQLITE_TRANSIENT);
+    };
+    bind(1, key);
+    if (value.userType() == QMetaType::Double) {
+        sqlite3_bind_double(statement, 2, value.toDouble());
+    } else if (value.userType() == QMetaType::QString) {
+        bind(2, value.toString());
+    } else {
+        sqlite3_bind_int64(statement, 2, value.toLongLong());
+    }
+    sqlite3_step(statement);
+    return sqlite3_finalize(statement);
+}
+
 } // namespace
 
 /// Takes the lock and tries once to open the file; `result` says how that ended.
@@ -309,38 +336,32 @@ SqlitePersistence::FileId SqlitePersistence::idOf(const QString& path)
     return {};
 }
 
-bool SqlitePersistence::write(const QString& key, const QVariant& value)
+bool SqlitePersistence::write(const QVariantHash& settings)
 {
     if (idOf(m_path) != m_file) {
         m_error = QStringLiteral("the file was replaced or removed");
         return false;
     }
-    sqlite3_stmt* statement = nullptr;
-    int code = sqlite3_prepare_v2(m_database,
-                                  "INSERT INTO setting (key, value) VALUES (?, ?) "
-                                  "ON CONFLICT (key) DO UPDATE SET value = excluded.value",
-                                  -1, &statement, nullptr);
+    int code = sqlite3_exec(m_database, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr);
+    for (auto setting = settings.begin(); setting != settings.end() && code == SQLITE_OK;
+         ++setting) {
+        code = writeRow(m_database, setting.key(), setting.value());
+    }
     if (code == SQLITE_OK) {
-        const auto bind = [statement](int index, const QString& utf16) {
-            const QByteArray utf8 = utf16.toUtf8();
-            sqlite3_bind_text(statement, index, utf8.constData(), utf8.size(), SQLITE_TRANSIENT);
-        };
-        bind(1, key);
-        if (value.userType() == QMetaType::Double) {
-            sqlite3_bind_double(statement, 2, value.toDouble());
-        } else if (value.userType() == QMetaType::QString) {
-            bind(2, value.toString());
-        } else {
-            sqlite3_bind_int64(statement, 2, value.toLongLong());
+        code = sqlite3_exec(m_database, "COMMIT", nullptr, nullptr, nullptr);
+    }
+    if (code != SQLITE_OK) {
+        m_error = QString::fromUtf8(sqlite3_errmsg(m_database));
+        if (sqlite3_get_autocommit(m_database) == 0) { // some errors have rolled back already
+            sqlite3_exec(m_database, "ROLLBACK", nullptr, nullptr, nullptr);
         }
-        sqlite3_step(statement);
-        code = sqlite3_finalize(statement);
+        return false;
     }
-    m_error = code == SQLITE_OK ? QString() : QString::fromUtf8(sqlite3_errmsg(m_database));
-    if (code == SQLITE_OK) {
-        m_rows.insert(key, value);
+    m_error.clear();
+    for (auto setting = settings.begin(); setting != settings.end(); ++setting) {
+        m_rows.insert(setting.key(), setting.value());
     }
-    return code == SQLITE_OK;
+    return true;
 }
 
 } // namespace mivohost

@@ -51,7 +51,7 @@ public:
     QString keepCopy();
 
     QVariantHash loadAll() override { return m_rows; }
-    bool write(const QString& key, const QVariant& value) override;
+    bool write(const QVariantHash& settings) override;
     QString lastError() const override { return m_error; }
 
     /// Nothing to report: nobody else can open the file meanwhile.

@@ -52,7 +52,7 @@ ActionPanel::ActionPanel(Peripherals& peripherals)
       m_kind(new mivo::widgets::ComboBox), m_clear(new QPushButton), m_export(new QPushButton),
       m_import(new QPushButton), m_lock(new QPushButton), m_hint(new mivo::widgets::AlertLabel),
       m_addressLabel(new QLabel), m_address(new ListenAddressBox(peripherals)),
-      m_fileRetry(m_manager), m_transfer(m_manager, peripherals, this),
+      m_fileRetry(m_manager), m_transfer(m_manager, peripherals),
       m_tools(new ActionTools(m_manager, peripherals))
 {
     m_heading->setObjectName(QStringLiteral("sectionHeading"));
@@ -190,7 +190,7 @@ void ActionPanel::addConnections()
         [this] { emit told(QStringLiteral("KeysWritten")); }, Qt::QueuedConnection);
     connect(&m_transfer, &BindingsTransfer::failed, this, &ActionPanel::failed);
     connect(&m_transfer, &BindingsTransfer::told, this, &ActionPanel::told);
-    connect(&m_transfer, &BindingsTransfer::waitingChanged, this, &ActionPanel::showState);
+    connect(&m_transfer.requests(), &FileRequests::waitingChanged, this, &ActionPanel::showState);
     connect(&m_manager, &ShortCutMgr::signalClearShortCutState, this, &ActionPanel::showState);
     connect(&m_manager, &ShortCutMgr::signalUpdateClearPeripheralsState, this,
             &ActionPanel::showState);
@@ -203,11 +203,7 @@ void ActionPanel::addConnections()
     connect(&m_tools->search(), &ActionSearch::changed, this, &ActionPanel::showMatches);
     connect(&m_tools->search(), &ActionSearch::found, this, &ActionPanel::showFound);
     connect(m_tools, &ActionTools::failed, this, &ActionPanel::failed);
-    connect(&m_manager, &ShortCutMgr::signalUpdateDeviceStatus, this, [this] {
-        if (m_editing) {
-            showHint();
-        }
-    });
+    connect(&m_manager, &ShortCutMgr::signalUpdateDeviceStatus, this, &ActionPanel::showHint);
     // Queued, so that failures at the start are told as well: nobody is connected yet.
     QMetaObject::invokeMethod(
         this,
@@ -315,7 +311,7 @@ void ActionPanel::showState()
     m_kind->setEnabled(!m_locked);
     m_clear->setEnabled(!m_locked && hasBindings());
     for (QPushButton* transfer : {m_export, m_import}) {
-        transfer->setEnabled(!m_locked && !m_editing && !m_transfer.isWaiting());
+        transfer->setEnabled(!m_locked && !m_editing && !m_transfer.requests().isWaiting());
     }
     for (ActionButton* action : m_actions) {
         action->setEnabled(!m_locked);
@@ -327,7 +323,7 @@ void ActionPanel::setEditing(bool on)
     if (m_editing == on || (on && m_locked)) {
         return;
     }
-    m_transfer.cancel();
+    m_transfer.requests().cancel();
     m_tools->search().setFinding(false);
     m_editing = on;
     m_keys.setEnabled(!on && !m_locked);
@@ -362,7 +358,7 @@ void ActionPanel::setLocked(bool locked)
         return;
     }
     setEditing(false);
-    m_transfer.cancel();
+    m_transfer.requests().cancel();
     m_locked = locked;
     m_lock->setChecked(locked);
     m_keys.setEnabled(!locked);
@@ -383,6 +379,7 @@ void ActionPanel::setBindings(const STLinkShortCutInfo& info)
                                 QString::fromStdString(item.shortCutStr));
                  });
     m_keys.setBindings(bindings);
+    showState();
 }
 
 void ActionPanel::trigger(int type, const std::string& path, const std::string& control)

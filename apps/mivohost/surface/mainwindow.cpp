@@ -10,6 +10,7 @@
 #include "surface/askforfile.h"
 #include "surface/messagepanel.h"
 #include "surface/programlist.h"
+#include "surface/waitingline.h"
 #include "system/tray.h"
 
 #include <mivosettingswidgets/settingsdialog.h>
@@ -36,11 +37,14 @@ using mivo::widgets::AlertLabel;
 
 MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile& project,
                        Peripherals& peripherals, const SettingsServices& services)
-    : m_runtime(runtime), m_store(store), m_project(project), m_services(services),
-      m_title(new QLabel), m_notice(new AlertLabel), m_dismiss(new QPushButton),
-      m_waiting(new AlertLabel), m_stopWaiting(new QPushButton),
-      m_settingsButton(new mivo::widgets::PushButton), m_languageLabel(new QLabel),
-      m_language(new QComboBox), m_actionPanel(new ActionPanel(peripherals)),
+    : m_runtime(runtime), m_store(store), m_project(project), m_peripherals(peripherals),
+      m_services(services), m_title(new QLabel), m_notice(new AlertLabel),
+      m_dismiss(new QPushButton), m_settingsButton(new mivo::widgets::PushButton),
+      m_languageLabel(new QLabel), m_language(new QComboBox),
+      m_actionPanel(new ActionPanel(peripherals)),
+      m_waiting({new WaitingLine(project.requests()),
+                 new WaitingLine(m_actionPanel->transfer().requests()),
+                 new WaitingLine(m_transfer.requests())}),
       m_programsLabel(new QLabel), m_programs(new ProgramList), m_playing(new QLabel),
       m_logLabel(new QLabel), m_log(new QPlainTextEdit),
       m_messagePanel(new MessagePanel(m_messages))
@@ -58,11 +62,6 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
     m_notice->hide();
     m_dismiss->setObjectName(QStringLiteral("dismissNotice"));
     m_dismiss->hide();
-    m_waiting->setObjectName(QStringLiteral("waiting"));
-    m_waiting->setWordWrap(true);
-    m_waiting->setTextFormat(Qt::PlainText);
-    m_stopWaiting->setObjectName(QStringLiteral("stopWaiting"));
-    showWaiting({}, {});
     m_settingsButton->setProperty("style", QStringLiteral("general"));
     m_settingsButton->setShortcut(QStringLiteral("Ctrl+,"));
     m_language->addItem(QStringLiteral("English"), QStringLiteral("en"));
@@ -102,10 +101,9 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
     noticeRow->addWidget(m_notice, 1);
     noticeRow->addWidget(m_dismiss);
     column->addLayout(noticeRow);
-    auto* waitingRow = new QHBoxLayout;
-    waitingRow->addWidget(m_waiting, 1);
-    waitingRow->addWidget(m_stopWaiting);
-    column->addLayout(waitingRow);
+    for (WaitingLine* line : m_waiting) {
+        column->addWidget(line);
+    }
     column->addLayout(row);
     columns->addWidget(m_messagePanel, 0, 2, 3, 1);
     columns->setColumnStretch(2, 3);
@@ -128,12 +126,14 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
     connect(&m_project, &ProjectFile::changed, this, &MainWindow::showProject);
     connect(&m_project, &ProjectFile::recentFilesChecked, this, &MainWindow::fillRecentMenu);
     connect(&m_project, &ProjectFile::failed, this, &MainWindow::showNotice);
-    connect(&m_project, &ProjectFile::told, this, [this](const QString& key, const QString& path) {
-        post(velorn::msgcenter::MsgInformation, hostText(key).arg(path));
-    });
-    connect(&m_project, &ProjectFile::waiting, this, &MainWindow::showWaiting);
+    const auto tell = [this](const QString& key, const QString& argument) {
+        post(velorn::msgcenter::MsgInformation, hostText(key).arg(argument));
+    };
+    connect(&m_project, &ProjectFile::told, this, tell);
+    connect(&m_transfer, &SettingsTransfer::failed, this, &MainWindow::showNotice);
+    connect(&m_transfer, &SettingsTransfer::told, this, tell);
+    connect(&m_transfer, &SettingsTransfer::imported, this, &MainWindow::followImport);
     connect(&m_project, &ProjectFile::unsavedFound, this, &MainWindow::offerUnsaved);
-    connect(m_stopWaiting, &QPushButton::clicked, &m_project, &ProjectFile::stopWaiting);
     connect(&m_project, &ProjectFile::fadeTimesApplied, this, [this](int programs) {
         post(velorn::msgcenter::MsgInformation, hostText("FadeTimesApplied").arg(programs));
     });
@@ -170,10 +170,22 @@ void MainWindow::addMenu()
     add("SaveProject", QKeySequence::Save, [this] { saveProject(); });
     add("SaveProjectAs", QKeySequence(QStringLiteral("Ctrl+Shift+S")), [this] { saveProjectAs(); });
     m_projectMenu->addSeparator();
+    add("ExportSettings", {}, [this] { m_transfer.chooseExport(); });
+    add("ImportSettings", {}, [this] { m_transfer.chooseImport(); });
+    m_projectMenu->addSeparator();
     add("Quit", QKeySequence(QStringLiteral("Ctrl+Q")), &MainWindow::quit);
     m_actions.emplace_back(m_projectMenu->menuAction(), "Project");
     connect(m_projectMenu, &QMenu::aboutToShow, this, &MainWindow::fillRecentMenu);
     connect(m_projectMenu, &QMenu::aboutToShow, &m_project, &ProjectFile::checkRecentFiles);
+}
+
+void MainWindow::followImport()
+{
+    m_peripherals.reload();
+    const QString language = m_runtime.call([this] { return m_store.getLanguage(); });
+    if (!language.isEmpty()) {
+        switchLanguage(language);
+    }
 }
 
 void MainWindow::fillRecentMenu()
@@ -308,8 +320,9 @@ void MainWindow::setTexts()
     m_title->setText(hostText("Title"));
     m_settingsButton->setText(hostText("Settings"));
     m_dismiss->setText(hostText("Dismiss"));
-    m_stopWaiting->setText(hostText("StopWaiting"));
-    showWaiting(m_waitingKey, m_waitingFile);
+    for (WaitingLine* line : m_waiting) {
+        line->setTexts();
+    }
     m_languageLabel->setText(hostText("Language"));
     m_actionPanel->setTexts();
     m_programsLabel->setText(hostText("Programs"));
@@ -401,16 +414,6 @@ void MainWindow::leaveProject(const std::function<void()>& then)
     } else if (question.clickedButton() == drop) {
         then();
     }
-}
-
-void MainWindow::showWaiting(const QString& key, const QString& file)
-{
-    m_waitingKey = key;
-    m_waitingFile = file;
-    m_waiting->setText(key.isEmpty() ? QString()
-                                     : hostText(key).arg(QDir::toNativeSeparators(file)));
-    m_waiting->setVisible(!key.isEmpty());
-    m_stopWaiting->setVisible(!key.isEmpty());
 }
 
 void MainWindow::offerUnsaved(const QString& file)

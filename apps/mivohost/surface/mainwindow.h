@@ -2,6 +2,7 @@
 
 #include "project/project.h"
 #include "surface/messagecentre.h"
+#include "surface/settingstransfer.h"
 #include "surface/settingsview.h"
 
 #include <QtCore/QTranslator>
@@ -32,6 +33,7 @@ class ProjectFile;
 class RuntimeThread;
 class SettingsStore;
 class Tray;
+class WaitingLine;
 
 /// The host's main window: the project and its programs, the settings, the language, the log. GUI
 /// thread; all that it is given must outlive it.
@@ -50,6 +52,7 @@ public:
     void openSettings();
 
     ActionPanel& actions() { return *m_actionPanel; }
+    SettingsTransfer& transfer() { return m_transfer; }
 
     /// Shows the window in front of the others, wherever it was.
     void bringToFront();
@@ -80,6 +83,8 @@ protected:
 private:
     void addMenu();
     void fillRecentMenu();
+    /// Takes over what the pages do not follow.
+    void followImport();
     void post(velorn::msgcenter::EnumMsgKind kind, const QString& text);
     void chooseLanguage(int index);
     void setTexts();
@@ -94,26 +99,26 @@ private:
     /// Asks whether to save what is not saved, and calls `then` unless the user wants to stay: at
     /// once, or when the project has been saved.
     void leaveProject(const std::function<void()>& then);
-    void showWaiting(const QString& key, const QString& file);
     void offerUnsaved(const QString& file);
     QString projectName() const;
 
     RuntimeThread& m_runtime;
     SettingsStore& m_store;
     ProjectFile& m_project;
+    Peripherals& m_peripherals;
     SettingsServices m_services;
+    SettingsTransfer m_transfer{m_runtime, m_store, this};
     QMenu* m_projectMenu = nullptr;
     QMenu* m_recentMenu = nullptr;
     std::vector<std::pair<QAction*, const char*>> m_actions; // with the keys of their texts
     QLabel* m_title;
     mivo::widgets::AlertLabel* m_notice;
     QPushButton* m_dismiss;
-    mivo::widgets::AlertLabel* m_waiting; // for a file
-    QPushButton* m_stopWaiting;
     QPushButton* m_settingsButton;
     QLabel* m_languageLabel;
     QComboBox* m_language;
     ActionPanel* m_actionPanel;
+    std::vector<WaitingLine*> m_waiting; // for files
     QLabel* m_programsLabel;
     ProgramList* m_programs;
     QLabel* m_playing;
@@ -123,8 +128,6 @@ private:
     MessagePanel* m_messagePanel;
     QString m_noticeKey;
     QString m_noticeArgument;
-    QString m_waitingKey;
-    QString m_waitingFile;
     QTranslator m_qtTexts; // of Qt's own dialogs
     bool m_quitting = false;
     bool m_projectLeft = false; // the user has been asked

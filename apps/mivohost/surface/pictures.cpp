@@ -4,6 +4,7 @@
 #include "surface/actionpanel.h"
 #include "surface/actiontools.h"
 #include "surface/bindingsheet.h"
+#include "surface/importdialog.h"
 #include "surface/inputmonitor.h"
 #include "surface/mainwindow.h"
 #include "surface/settingsview.h"
@@ -107,6 +108,13 @@ bool drawPictures(MainWindow& window, InputTap& tap, const QString& folder)
             directory.filePath(QStringLiteral("%1-%2%3.png").arg(name, language, scaleName)));
     };
 
+    const SettingsFile sample = SettingsFile::read(
+        R"({"schema":"mivo-settings","version":1,"programVersion":"1.0.0","machine":"stage-left",
+            "date":"2026-05-04T10:00:00Z","settings":{"undoStep":80,"fadeInTime":1.5,
+            "blackScreenMute":true,"imageHierarchy":0,"pictureDuration":10000,
+            "timedShutdown":{"enabled":true,"weekDayIndex":5,"time":"23:30:00"},
+            "graphicsCard":"Card 2","osc":{"enabled":true,"port":9001},
+            "autoSaveProjectFilesInterval":60,"outputBrightness":80}})");
     bool saved = true;
     window.show();
     window.openSettings();
@@ -132,6 +140,10 @@ bool drawPictures(MainWindow& window, InputTap& tap, const QString& folder)
         sheet.openWindow();
         saved = save(sheet, QStringLiteral("bindingsheet"), language) && saved;
         sheet.close();
+        window.transfer().offer(sample);
+        auto* import = window.findChild<ImportDialog*>();
+        saved = save(*import, QStringLiteral("importdialog"), language) && saved;
+        delete import;
         for (auto* page : window.settings().pages()) {
             showPage(&dialog, page);
             const auto className = QString::fromLatin1(page->metaObject()->className()).toLower();

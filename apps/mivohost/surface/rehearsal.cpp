@@ -22,7 +22,7 @@ class Rehearsal::Copy : public SettingsPersistence
 {
 public:
     QVariantHash loadAll() override { return {}; }
-    bool write(const QString& /*key*/, const QVariant& /*value*/) override { return true; }
+    bool write(const QVariantHash& /*settings*/) override { return true; }
     QString lastError() const override { return {}; }
     void watch(ChangeHandler handler) override { m_changed = std::move(handler); }
 
