@@ -4,6 +4,10 @@
 #include "peripherals/peripherals.h"
 #include "project/projectfile.h"
 #include "surface/actionpanel.h"
+#include "surface/actiontools.h"
+#include "surface/bindingsheet.h"
+#include "surface/importdialog.h"
+#include "surface/inputmonitor.h"
 #include "surface/mainwindow.h"
 #include "surface/settingsview.h"
 
@@ -69,6 +73,19 @@ protected:
         window.actions().setLocked(true);
         look(window);
 
+        window.actions().setLocked(false);
+        auto& tools = window.actions().tools();
+        tools.sheet().openWindow();
+        look(tools.sheet());
+        tools.monitor().openWindow();
+        peripherals.tap().put(PeripheralOsc, "desk", {"/cue\0\0\0\0,i\0\0\0\0\0\1", 16});
+        tools.monitor().read();
+        look(tools.monitor());
+        window.transfer().offer(SettingsFile::read(
+            R"({"schema":"mivo-settings","version":1,"settings":{"undoStep":80,"later":1}})"));
+        look(*window.findChild<ImportDialog*>());
+        delete window.findChild<ImportDialog*>();
+
         auto& dialog = window.settings().dialog();
         dialog.show();
         dialog.findChild<QPushButton*>("addMapping")->click();
@@ -84,6 +101,8 @@ protected:
                 look(*qobject_cast<QScrollArea*>(sections->currentWidget())->widget());
             }
         }
+        dialog.findChild<QLineEdit*>("settingsSearch")->setText("fade");
+        look(dialog);
         mivo::widgets::TipDialog prompt;
         prompt.setTipText("A prompt");
         prompt.setAssistText("with more below");

@@ -49,6 +49,7 @@ QString lightened(const QString& sheet)
         {"343d46", "cad2d9"},                       // of what is disabled
         {"d9e0e8", "1b2229"},                       // text
         {"a3b0bd", "4a5663"},                       // quiet text
+        {"7d8894", "56616c"},                       // sections without a hit
         {"8a96a3", "6a7580"},                       // disabled text
         {"24405b", "2c5f91"},                       // the chosen section, its text is white
         {"6db1f2", "1767b3"}, {"10151a", "ffffff"}, // focus, and a text on it
