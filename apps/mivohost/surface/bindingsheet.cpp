@@ -2,9 +2,9 @@
 
 #include "base/hosttext.h"
 #include "surface/askforfile.h"
+#include "surface/waitingline.h"
 
 #include <mivosettingswidgets/shortcutmgr.h>
-#include <zrcutils/nocachefile.h>
 
 #include <QtCore/QDir>
 #include <QtWidgets/QHeaderView>
@@ -14,8 +14,6 @@
 #include <QtWidgets/QShortcut>
 #include <QtWidgets/QTableView>
 #include <QtWidgets/QVBoxLayout>
-
-#include <system_error>
 
 namespace mivohost {
 
@@ -30,7 +28,8 @@ const QString pdfSuffix = QStringLiteral("pdf");
 
 BindingSheet::BindingSheet(const ShortCutMgr& manager, Peripherals& peripherals, QWidget* parent)
     : QDialog(parent), m_manager(manager), m_peripherals(peripherals), m_view(new QTableView),
-      m_text(new QLineEdit), m_pdf(new QPushButton), m_html(new QPushButton), m_state(new QLabel)
+      m_text(new QLineEdit), m_pdf(new QPushButton), m_html(new QPushButton),
+      m_waiting(new WaitingLine(m_requests)), m_state(new QLabel)
 {
     setObjectName(QStringLiteral("bindingSheet"));
     m_filter.setSourceModel(&m_model);
@@ -64,6 +63,7 @@ BindingSheet::BindingSheet(const ShortCutMgr& manager, Peripherals& peripherals,
     auto* column = new QVBoxLayout(this);
     column->addLayout(row);
     column->addWidget(m_view);
+    column->addWidget(m_waiting);
     column->addWidget(m_state);
     resize(980, 620);
     m_view->setFocus();
@@ -99,6 +99,7 @@ void BindingSheet::setTexts()
     m_text->setAccessibleName(hostText("FilterInputs"));
     m_pdf->setText(hostText("SheetAsPdf"));
     m_html->setText(hostText("SheetAsHtml"));
+    m_waiting->setTexts();
     refill();
 }
 
@@ -113,8 +114,8 @@ void BindingSheet::refill()
 void BindingSheet::showState(const QString& state)
 {
     const bool isEmpty = m_filter.rowCount() == 0;
-    m_pdf->setEnabled(!isEmpty && !m_task.isRunning());
-    m_html->setEnabled(!isEmpty && !m_task.isRunning());
+    m_pdf->setEnabled(!isEmpty && !m_requests.isWaiting());
+    m_html->setEnabled(!isEmpty && !m_requests.isWaiting());
     m_state->setText(isEmpty && state.isEmpty() ? hostText("NoBindingMatches") : state);
     m_state->setVisible(!m_state->text().isEmpty());
 }
@@ -133,26 +134,23 @@ void BindingSheet::saveTo(const QString& path)
     const QString html = bindingsHtml(m_filter);
     const QByteArray content = path.endsWith('.' + htmlSuffix) ? html.toUtf8() : pdfOf(html);
     const QString shown = QDir::toNativeSeparators(path);
-    const auto fail = [this, shown] {
-        showState(hostText("ShortcutsNotExported").arg(shown));
-        emit failed(QStringLiteral("ShortcutsNotExported"), shown);
+    const auto fail = [this, shown](const QString& reason) {
+        const QString problem = QStringLiteral("%1: %2").arg(shown, reasonText(reason));
+        showState(hostText("ShortcutsNotExported").arg(problem));
+        emit failed(QStringLiteral("ShortcutsNotExported"), problem);
     };
-    const bool isStarted = m_task.start(
-        [file = path.toStdString(), text = content.toStdString()] {
-            std::error_code error;
-            return NoCacheFile::saveToFile(file, text, error, NoCacheFile::Access::umask);
-        },
-        [this, fail, shown](bool isWritten) {
-            if (isWritten) {
+    m_requests.start(
+        {path, QStringLiteral("SavingProject"), fail},
+        [path, text = content.toStdString()] { return saveFile(path, text); },
+        [this, fail, shown](const QString& error, bool isWaitedFor) {
+            if (error.isEmpty()) {
                 showState(hostText("SheetSaved").arg(shown));
-            } else {
-                fail();
+            } else if (isWaitedFor) {
+                fail(error);
             }
         });
-    if (isStarted) {
-        m_task.disconnect(this);
-        connect(&m_task, &mivo::qutils::FileTask::overdue, this, fail);
-        showState(hostText("SavingProject").arg(shown));
+    if (m_requests.isWaiting()) {
+        showState({}); // no other one meanwhile
     }
 }
 

@@ -1,8 +1,7 @@
 #pragma once
 
+#include "base/filerequests.h"
 #include "surface/bindingsmodel.h"
-
-#include <mivoqutils/filetask.h>
 
 #include <QtWidgets/QDialog>
 
@@ -12,6 +11,8 @@ class QPushButton;
 class QTableView;
 
 namespace mivohost {
+
+class WaitingLine;
 
 /// A window with all bindings side by side, which it saves as a sheet to be printed. GUI thread;
 /// what it borrows must outlive it.
@@ -28,7 +29,7 @@ public:
     void setTexts();
 
     /// Writes what is shown to a file that the user chose, as HTML or else as PDF. It may lie on a
-    /// drive that does not answer: nobody waits for it, and after 30 s it is told as a failure.
+    /// drive that does not answer: what is not waited for any more is told as a failure.
     void saveTo(const QString& path);
 
 signals:
@@ -44,11 +45,12 @@ private:
     Peripherals& m_peripherals;
     BindingsModel m_model;
     BindingsFilter m_filter;
-    mivo::qutils::FileTask m_task;
+    FileRequests m_requests;
     QTableView* m_view;
     QLineEdit* m_text;
     QPushButton* m_pdf;
     QPushButton* m_html;
+    WaitingLine* m_waiting;
     QLabel* m_state;
 };
 
