@@ -9,11 +9,15 @@
 #include "support/hostlanguage.h"
 #include "support/projecttest.h"
 
+#include <mivosettingswidgets/settingsdialog.h>
+
 #include <QtWidgets/QDialogButtonBox>
 #include <QtWidgets/QMenuBar>
 #include <QtWidgets/QMessageBox>
 
 namespace projecttest {
+
+using mivo::widgets::TipDialog;
 
 class Window : InEnglish, public ProjectTest
 {
@@ -203,6 +207,45 @@ TEST_F(Window, ExportsTheSectionsThatAreTicked)
         << readFile(path).constData();
     window.transfer().exportTo(folder.path(), {SettingsFile::Section::undo});
     EXPECT_TRUE(says("The settings were not exported: " + folder.path().toStdString()));
+}
+
+TEST_F(Window, KeepsAllSettingsInAFileBeforeASectionIsPutBack)
+{
+    const QDir kept(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation)
+                    + "/keptsettings");
+    auto& dialog = window.settings().dialog();
+    QString told;
+    const auto putBack = [&] {
+        told.clear();
+        whenModal<TipDialog>([&](TipDialog& question) {
+            whenModal<TipDialog>([&](TipDialog& answer) {
+                told = answer.tipText() + ' ' + answer.findChild<QLabel*>("tipAssistText")->text();
+                answer.done(TipDialog::cancelled);
+            });
+            question.done(TipDialog::accepted);
+        });
+        dialog.findChild<QStackedWidget*>()
+            ->widget(0)
+            ->findChild<QPushButton*>("putBackSection")
+            ->click();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !told.isEmpty(); }));
+        return runtime.call([this] { return store->getUndoStep(); });
+    };
+    runtime.call([this] { store->setUndoStep(81); });
+    dialog.show();
+    writeFile(kept.path()); // a file in place of the folder
+    EXPECT_EQ(putBack(), 81);
+    EXPECT_TRUE(told.contains(kept.path() + "/settings-")) << told.toStdString();
+    QFile::remove(kept.path());
+    QDir().mkpath(kept.path());
+    for (int i = 10; i < 22; ++i) {
+        writeFile(kept.filePath(QString("settings-2099%1.json").arg(i)));
+    }
+    EXPECT_EQ(putBack(), 50);
+    EXPECT_EQ(kept.entryList(QDir::Files).size(), 10);
+    const QString file = kept.filePath(kept.entryList(QDir::Files, QDir::Time).at(0));
+    EXPECT_TRUE(told.contains(file)) << told.toStdString();
+    EXPECT_TRUE(readFile(file).contains("\"undoStep\": 81"));
 }
 
 TEST_F(Window, HasEveryTextInTheLanguageThatIsChosen)

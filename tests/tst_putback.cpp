@@ -29,10 +29,9 @@ protected:
     {
         store = std::make_unique<TestStore>(rows);
         view = std::make_unique<mivohost::SettingsView>(runtime, *store, nullptr);
-        view->offerPutBack(runtime, *store, [this](QString& error) {
-            error = "disk full";
+        view->offerPutBack(runtime, *store, [this](const mivohost::PutBack::Kept& kept) {
             ++asked;
-            return keeps;
+            kept(keeps ? "a file" : "", keeps ? "" : "disk full");
         });
         view->dialog().show();
     }

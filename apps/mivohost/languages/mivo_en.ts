@@ -1306,6 +1306,11 @@ Without an answer the copy is used in %4 seconds.</translation>
         <translation>The section "%1" was put back.</translation>
     </message>
     <message>
+        <source>PutBackKeptIn</source>
+        <comment>MainWindow</comment>
+        <translation>All settings as they were before are in %1. "Import settings…" in the menu of the main window takes them from there.</translation>
+    </message>
+    <message>
         <source>PutBackPartly</source>
         <comment>MainWindow</comment>
         <translation>The section "%1" was not put back as a whole: %2 of %3 settings could not be saved.</translation>

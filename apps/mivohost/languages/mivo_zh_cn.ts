@@ -1306,6 +1306,11 @@
         <translation>“%1”已恢复为初始设置。</translation>
     </message>
     <message>
+        <source>PutBackKeptIn</source>
+        <comment>MainWindow</comment>
+        <translation>恢复之前的全部设置已保存在 %1，可通过主窗口菜单中的“导入设置…”取回。</translation>
+    </message>
+    <message>
         <source>PutBackPartly</source>
         <comment>MainWindow</comment>
         <translation>“%1”未能全部恢复：%3 项设置中有 %2 项无法保存。</translation>

@@ -206,7 +206,8 @@ SettingsView& MainWindow::settings()
 {
     if (!m_settings) {
         m_settings = std::make_unique<SettingsView>(m_runtime, m_store, this, m_services);
-        m_settings->offerPutBack(m_runtime, m_store);
+        m_settings->offerPutBack(m_runtime, m_store,
+                                 [this](const auto& kept) { m_transfer.keepAll(kept); });
         // The store knows the cards already, and the new page does not show them yet.
         m_runtime.call([this] { m_store.soundCards().announceMappings(); });
     }

@@ -161,7 +161,7 @@ void PutBack::addButton(Section& section)
         QWidget::setTabOrder(*std::prev(stops.end(), 2), section.button);
     }
     connect(section.button, &QPushButton::clicked, this,
-            [this, index = m_sections.size()] { putSectionBack(index); });
+            [this, index = m_sections.size()] { askForSection(index); });
     content->installEventFilter(this);
     section.navigation->installEventFilter(this);
 }
@@ -201,7 +201,7 @@ bool PutBack::eventFilter(QObject* object, QEvent* event)
             auto* menu = new QMenu(&m_dialog);
             QAction* action = menu->addAction(hostText("PutBackSection"));
             action->setEnabled(!differingIn(section).empty());
-            connect(action, &QAction::triggered, this, [this, index] { putSectionBack(index); });
+            connect(action, &QAction::triggered, this, [this, index] { askForSection(index); });
             open(menu, static_cast<QContextMenuEvent*>(event)->globalPos());
             return true;
         }
@@ -290,7 +290,38 @@ Rehearsal::Settings PutBack::differingIn(const Section& section) const
     return differing;
 }
 
-void PutBack::putSectionBack(std::size_t index)
+QString PutBack::nameOf(std::size_t index) const
+{
+    return qobject_cast<QAbstractButton*>(m_sections[index].navigation)->text();
+}
+
+void PutBack::askForSection(std::size_t index)
+{
+    m_settings = m_runtime.call([this] { return m_store.all(); });
+    const QPointer<PutBack> self(this); // a prompt runs an event loop of its own
+    const QString question =
+        hostText("PutBackQuestion").arg(nameOf(index)).arg(differingIn(m_sections[index]).size());
+    if (TipDialog::ask(&m_dialog, TipDialog::question, question, hostText("Cancel"),
+                       hostText("PutBack"))
+            != TipDialog::accepted
+        || !self) {
+        return;
+    }
+    if (!m_keep) {
+        putSectionBack(index, {});
+        return;
+    }
+    m_keep([self, index](const QString& file, const QString& error) {
+        if (self && error.isEmpty()) {
+            self->putSectionBack(index, file);
+        } else if (self) {
+            TipDialog::ask(&self->m_dialog, TipDialog::warning,
+                           hostText("PutBackNotKept").arg(error), {}, hostText("PutBackClose"));
+        }
+    });
+}
+
+void PutBack::putSectionBack(std::size_t index, const QString& keptIn)
 {
     m_settings = m_runtime.call([this] { return m_store.all(); });
     Values before;
@@ -299,30 +330,16 @@ void PutBack::putSectionBack(std::size_t index)
         before.emplace_back(setting.name, setting.value);
         defaults.emplace_back(setting.name, setting.fallback);
     }
-    const auto* button = qobject_cast<QAbstractButton*>(m_sections[index].navigation);
-    const QString name = button->text();
-    const QPointer<PutBack> self(this); // a prompt runs an event loop of its own
-    const QString question = hostText("PutBackQuestion").arg(name).arg(defaults.size());
-    if (TipDialog::ask(&m_dialog, TipDialog::question, question, hostText("Cancel"),
-                       hostText("PutBack"))
-            != TipDialog::accepted
-        || !self) {
-        return;
-    }
-    QString error;
-    if (m_keep && !m_keep(error)) {
-        TipDialog::ask(&m_dialog, TipDialog::warning, hostText("PutBackNotKept").arg(error), {},
-                       hostText("PutBackClose"));
-        return;
-    }
     set(defaults);
     m_settings = m_runtime.call([this] { return m_store.all(); });
     const auto left = differingIn(m_sections[index]).size(); // what could not be saved
+    const QPointer<PutBack> self(this);
     const int answer = TipDialog::ask(
         &m_dialog, left == 0 ? TipDialog::information : TipDialog::warning,
-        left == 0 ? hostText("PutBackDone").arg(name)
-                  : hostText("PutBackPartly").arg(name).arg(left).arg(defaults.size()),
-        hostText("PutBackClose"), hostText("PutBackUndo"));
+        left == 0 ? hostText("PutBackDone").arg(nameOf(index))
+                  : hostText("PutBackPartly").arg(nameOf(index)).arg(left).arg(defaults.size()),
+        hostText("PutBackClose"), hostText("PutBackUndo"),
+        keptIn.isEmpty() ? QString() : hostText("PutBackKeptIn").arg(keptIn));
     if (answer == TipDialog::accepted && self) {
         set(before);
     }

@@ -27,9 +27,12 @@ class RuntimeThread;
 class PutBack : public QObject
 {
 public:
-    /// Keeps all settings in a file before a section is put back. False, and the reason for a
-    /// person to read, where that failed: nothing is put back then. Null, nothing is kept.
-    using Keep = std::function<bool(QString& error)>;
+    /// Takes the file in which all settings are kept, or why there is none, for a person to read.
+    using Kept = std::function<void(const QString& file, const QString& error)>;
+
+    /// Keeps all settings in a file before a section is put back, and calls `kept` on the GUI
+    /// thread, perhaps later. With an error nothing is put back. Null, nothing is kept.
+    using Keep = std::function<void(const Kept& kept)>;
 
     /// A page, what makes another one of its kind, and the section of the settings that it shows.
     struct Page
@@ -72,7 +75,9 @@ private:
     void showMenu(const Difference& difference, const QPoint& place);
     static void open(QMenu* menu, const QPoint& place);
     Rehearsal::Settings differingIn(const Section& section) const;
-    void putSectionBack(std::size_t index);
+    void askForSection(std::size_t index);
+    void putSectionBack(std::size_t index, const QString& keptIn);
+    QString nameOf(std::size_t index) const;
     void set(const Values& values);
 
     mivo::settings::SettingsDialog& m_dialog;

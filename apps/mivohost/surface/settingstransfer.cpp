@@ -6,7 +6,12 @@
 #include "surface/importdialog.h"
 #include "surface/settingstexts.h"
 
+#include <zrcutils/nocachefile.h>
+
+#include <QtCore/QDateTime>
 #include <QtCore/QDir>
+#include <QtCore/QLocale>
+#include <QtCore/QStandardPaths>
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QDialogButtonBox>
 #include <QtWidgets/QLabel>
@@ -66,6 +71,25 @@ std::set<Section> askForSections(QWidget* window)
     return dialog.exec() == QDialog::Accepted ? chosen() : std::set<Section>();
 }
 
+/// Writes a new file and leaves the nine newest of the others; empty, or why it is not there.
+QString keep(const QString& path, const std::string& content)
+{
+    const QFileInfo file(path);
+    QDir folder = file.dir();
+    folder.mkpath(QStringLiteral("."));
+    NoCacheFile::removeLeftovers(folder.path().toStdString());
+    QString error = saveFile(path, content);
+    if (error.isEmpty()) {
+        auto others =
+            folder.entryList({QStringLiteral("settings-*.json")}, QDir::Files, QDir::Time);
+        others.removeOne(file.fileName());
+        for (const QString& old : others.mid(9)) {
+            folder.remove(old);
+        }
+    }
+    return error;
+}
+
 } // namespace
 
 SettingsTransfer::SettingsTransfer(RuntimeThread& runtime, SettingsStore& store, QWidget* window)
@@ -105,6 +129,31 @@ void SettingsTransfer::exportTo(const QString& path, const std::set<Section>& se
                 emit told(
                     QString::fromLatin1(isWaitedFor ? "SettingsExported" : "SettingsExportedLate"),
                     shown);
+            } else if (isWaitedFor) {
+                fail(error);
+            }
+        });
+}
+
+void SettingsTransfer::keepAll(
+    const std::function<void(const QString& file, const QString& error)>& kept)
+{
+    const QString path = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation)
+                         + QLocale::c().toString(
+                             QDateTime::currentDateTime(),
+                             QStringLiteral("'/keptsettings/settings-'yyyyMMdd-hhmmsszzz'.json'"));
+    const QString shown = QDir::toNativeSeparators(path);
+    const auto fail = [kept, shown](const QString& reason) {
+        kept({}, QStringLiteral("%1: %2").arg(shown, reasonText(reason)));
+    };
+    m_requests.start(
+        {path, QStringLiteral("SavingProject"), fail}, [path, content = m_runtime.call([&] {
+            const auto all = SettingsFile::sections();
+            return SettingsFile::write(m_store, {all.begin(), all.end()});
+        })] { return keep(path, content); },
+        [kept, fail, shown](const QString& error, bool isWaitedFor) {
+            if (isWaitedFor && error.isEmpty()) {
+                kept(shown, {});
             } else if (isWaitedFor) {
                 fail(error);
             }

@@ -3,6 +3,7 @@
 #include "base/filerequests.h"
 #include "mivohostkit/settingsfile.h"
 
+#include <functional>
 #include <set>
 
 class QWidget;
@@ -29,6 +30,10 @@ public:
     /// Asks which sections and which file.
     void chooseExport();
     void exportTo(const QString& path, const std::set<SettingsFile::Section>& sections);
+
+    /// Writes all settings into a new file of the program's own, of which the newest ten stay.
+    /// `kept` is called with the file, or with why there is none.
+    void keepAll(const std::function<void(const QString& file, const QString& error)>& kept);
 
     /// Asks which file.
     void chooseImport();
