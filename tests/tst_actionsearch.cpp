@@ -27,10 +27,10 @@ namespace {
 
 const std::string takePath = "/Peripherals/Stage/Take";
 
-class Search : public ::testing::Test
+class FindAction : public ::testing::Test
 {
 protected:
-    Search()
+    FindAction()
     {
         // Two actions hold F6, as a file can have it that somebody wrote.
         QDir().mkpath(QFileInfo(mivo::settings::shortCutFilePath()).path());
@@ -49,7 +49,7 @@ protected:
         EXPECT_TRUE(QTest::qWaitForWindowActive(panel.get()));
         log.clear();
     }
-    ~Search() override { QFile::remove(mivo::settings::shortCutFilePath()); }
+    ~FindAction() override { QFile::remove(mivo::settings::shortCutFilePath()); }
 
     template <typename Control>
     Control* find(const char* name)
@@ -88,7 +88,7 @@ protected:
 
 } // namespace
 
-TEST_F(Search, FindsByNameInEveryLanguage)
+TEST_F(FindAction, FindsByNameInEveryLanguage)
 {
     const int all = names().size();
     for (const auto& [text, name] :
@@ -101,7 +101,7 @@ TEST_F(Search, FindsByNameInEveryLanguage)
     EXPECT_EQ(names().size(), all);
 }
 
-TEST_F(Search, FindsByPressingAndTriggersNothing)
+TEST_F(FindAction, FindsByPressingAndTriggersNothing)
 {
     const auto bindings = peripherals.midi().table().text();
     find<QPushButton>("findByPressing")->click();
@@ -142,7 +142,7 @@ TEST_F(Search, FindsByPressingAndTriggersNothing)
               BindingTable::Outcome::triggered);
 }
 
-TEST_F(Search, TheMonitorShowsWhileAControlIsLearnedAndLeavesTheFocus)
+TEST_F(FindAction, TheMonitorShowsWhileAControlIsLearnedAndLeavesTheFocus)
 {
     chooseItem(find<QComboBox>("shortcutKind"), PeripheralDmx);
     panel->setEditing(true);
@@ -154,7 +154,7 @@ TEST_F(Search, TheMonitorShowsWhileAControlIsLearnedAndLeavesTheFocus)
               BindingTable::Outcome::learned);
 }
 
-TEST_F(Search, ASheetHasEveryKindAndMarksConflicts)
+TEST_F(FindAction, ASheetHasEveryKindAndMarksConflicts)
 {
     BindingSheet& sheet = panel->tools().sheet();
     sheet.openWindow();

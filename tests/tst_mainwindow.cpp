@@ -233,6 +233,7 @@ TEST_F(Window, KeepsAllSettingsInAFileBeforeASectionIsPutBack)
     };
     runtime.call([this] { store->setUndoStep(81); });
     dialog.show();
+    QDir().mkpath(QFileInfo(kept.path()).path());
     writeFile(kept.path()); // a file in place of the folder
     EXPECT_EQ(putBack(), 81);
     EXPECT_TRUE(told.contains(kept.path() + "/settings-")) << told.toStdString();

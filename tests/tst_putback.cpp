@@ -86,7 +86,7 @@ TEST_F(PutBackTest, EveryControlThatDiffersIsKnownWithItsDefaultInWords)
           {"displayTechnologyStandard", "DCI-P3"},
           {"pptResolutionWidth", 1234}});
     const std::map<std::string, std::string> expected{
-        {"CheckBox Shut down", "off"}, // three of one setting
+        {"CheckBox Shut down", "Off"}, // three of one setting
         {"ComboBox Shut down", "Daily"},
         {"TimeEditBox Shut down", "00:00:00"},
         {"ComboBox Display technology standard", "BT.709"},
@@ -104,7 +104,7 @@ TEST_F(PutBackTest, EveryControlThatDiffersIsKnownWithItsDefaultInWords)
         {"SpinEditBox Fade in", "0.5 second"},
         {"SpinEditBox TCP port", "8000"},
         {"SpinEditBox Undo steps", "50"},
-        {"StoredCheckBox Mute while the screen is black", "off"},
+        {"StoredCheckBox Mute while the screen is black", "Off"},
         {"TimeEditBox Interval", "00:00:03"}};
     EXPECT_TRUE(marks(expected.size()));
     EXPECT_EQ(marked(), expected);

@@ -1261,16 +1261,6 @@ Without an answer the copy is used in %4 seconds.</translation>
         <translation>Do not save</translation>
     </message>
     <message>
-        <source>On</source>
-        <comment>MainWindow</comment>
-        <translation>on</translation>
-    </message>
-    <message>
-        <source>Off</source>
-        <comment>MainWindow</comment>
-        <translation>off</translation>
-    </message>
-    <message>
         <source>PutBackTo</source>
         <comment>MainWindow</comment>
         <translation>Put back to %1</translation>

@@ -1261,16 +1261,6 @@
         <translation>不保存</translation>
     </message>
     <message>
-        <source>On</source>
-        <comment>MainWindow</comment>
-        <translation>开</translation>
-    </message>
-    <message>
-        <source>Off</source>
-        <comment>MainWindow</comment>
-        <translation>关</translation>
-    </message>
-    <message>
         <source>PutBackTo</source>
         <comment>MainWindow</comment>
         <translation>恢复为 %1</translation>
