@@ -128,8 +128,11 @@ TEST_F(PutBackTest, TheMenuOfAControlPutsItBack)
     EXPECT_EQ(steps->value(), 50);
     EXPECT_EQ(held("undoStep"), 50);
     EXPECT_EQ(held("fadeInTime"), 2.5);
-    runtime.call([this] { store->setUndoStep(21); });
-    EXPECT_TRUE(marks(2)) << "it follows what is set";
+    EXPECT_EQ(runtime.call([this] {
+        return store->setAll({{mivohost::SettingsStore::Key::undoStep, 21}});
+    }),
+              "");
+    EXPECT_TRUE(marks(2)) << "it follows what is set, as by an import";
     view->switchLanguage("zh_cn");
     EXPECT_TRUE(QTest::qWaitFor([this] {
         const auto texts = marked();
