@@ -231,6 +231,7 @@ TEST_F(ProjectTest, RemembersTheLastFilesAndOpensTheLastOne)
     file->checkRecentFiles();
     EXPECT_TRUE(checked.wait());
     EXPECT_EQ(file->recentFiles().first(), path("show 5.mivo"));
+    EXPECT_EQ(file->recentFiles().count(path("show 5.mivo")), 1);
     EXPECT_EQ(file->recentFiles().size(), 7) << "eight, of which one is gone";
     ASSERT_TRUE(saveAs(path("new.mivo")));
     makeFile("show 9.mivo");

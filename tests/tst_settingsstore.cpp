@@ -158,6 +158,18 @@ TEST_F(Store, SaysWhichSettingsAreThisMachinesOwn)
               "timedAutomaticRestart timedShutdown udpPort unsavedProject");
 }
 
+TEST_F(Store, APortThatFailedCanBeRequestedAgain)
+{
+    auto store = make();
+    int requests = 0;
+    store->ports().setHandler([&requests](auto, const auto& info) { requests += info.port; });
+    store->setTcpPort({true, 13});
+    store->ports().report(mivohost::ListeningPorts::tcp, {false, 13}, "taken");
+    requests = 0;
+    store->setTcpPort({true, 13});
+    EXPECT_EQ(requests, 13);
+}
+
 TEST_F(Store, AWriteThatFailsChangesNothingAndTellsEverybody)
 {
     auto store = make({{"undoStep", 70}});

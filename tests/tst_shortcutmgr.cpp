@@ -351,6 +351,7 @@ TEST_F(ShortCuts, CoversAndServicesMayGoAtAnyTime)
     manager.slotClearShortCut(true, PeripheralMidi);
     manager.slotLockScreenChanged(true);
     EXPECT_FALSE(midi.locked);
+    manager.setMidiMgr(&midi);
     manager.setDmxMgr(&dmx);
     open(PeripheralDmx);
     mute->setFocus();
