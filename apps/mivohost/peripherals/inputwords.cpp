@@ -16,13 +16,13 @@ namespace mivohost {
 
 namespace {
 
-constexpr int longest = 400; // characters
+constexpr int mostCharacters = 400;
 
 /// On one line, whatever a sender has put into it.
 QString printable(QString text)
 {
-    const bool isLong = text.size() > longest;
-    text.truncate(longest);
+    const bool isLong = text.size() > mostCharacters;
+    text.truncate(mostCharacters);
     for (QChar& each : text) {
         if (!each.isPrint() && !each.isSurrogate()) {
             each = QChar::ReplacementCharacter;
@@ -148,7 +148,7 @@ QString oscWords(const QByteArray& bytes, int size)
     const char* const types = lo_message_get_types(message.get());
     lo_arg** const arguments = lo_message_get_argv(message.get());
     QStringList words;
-    for (int i = 0; i < lo_message_get_argc(message.get()) && i < longest; ++i) {
+    for (int i = 0; i < lo_message_get_argc(message.get()) && i < mostCharacters; ++i) {
         words.append(argumentWords(types[i], arguments[i]));
     }
     const QString gap = words.isEmpty() ? QString() : QStringLiteral("  ");

@@ -17,7 +17,7 @@ namespace mivohost {
 
 namespace {
 
-enum Column { nameColumn, beforeColumn, afterColumn };
+enum ChangeColumn { nameColumn, beforeColumn, afterColumn };
 constexpr int keyRole = Qt::UserRole;
 constexpr int valueRole = Qt::UserRole + 1;
 

@@ -22,7 +22,7 @@ using Key = SettingsFile::Key;
 using Section = SettingsFile::Section;
 
 /// A text of the pages, or where the key begins with '.' one of the host's.
-QString textOf(const QString& key)
+QString shownText(const QString& key)
 {
     return key.startsWith('.') ? hostText(key.mid(1)) : mivo::settings::text(key);
 }
@@ -137,7 +137,7 @@ QString partText(const QString& name, const QVariant& value)
     if (choices != choiceTexts.end()) {
         const auto choice = choices->second.find(value.toInt());
         if (choice != choices->second.end()) {
-            return textOf(choice->second);
+            return shownText(choice->second);
         }
     }
     const QString text = value.toString();
@@ -173,12 +173,12 @@ QString sectionText(Section section)
         {Section::online, "OnlineSettings"},
         {Section::host, ".SettingsOfTheProgram"},
     };
-    return textOf(texts.at(section));
+    return shownText(texts.at(section));
 }
 
 QString settingText(Key key)
 {
-    return textOf(settingTexts.at(key));
+    return shownText(settingTexts.at(key));
 }
 
 QString valueText(Key key, const QVariant& value)
