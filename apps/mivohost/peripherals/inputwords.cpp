@@ -10,6 +10,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
+#include <cstring>
 #include <memory>
 
 namespace mivohost {
@@ -54,20 +56,30 @@ QString controllerWords(int number, int channel, int value)
     return hasName ? words.arg(hostText("Controller/" + QString::number(number))) : words;
 }
 
-QString argumentWords(char type, lo_arg* argument)
+/// An argument stands where the message has it, aligned to four bytes.
+template <typename T>
+T valueOf(const void* argument)
 {
+    T value;
+    std::memcpy(&value, argument, sizeof value);
+    return value;
+}
+
+QString argumentWords(char type, void* argument)
+{
+    const auto* text = static_cast<const char*>(argument);
     switch (type) {
     case LO_INT32:
-        return QStringLiteral("int %1").arg(argument->i);
+        return QStringLiteral("int %1").arg(valueOf<std::int32_t>(argument));
     case LO_INT64:
-        return QStringLiteral("int64 %1").arg(argument->h);
+        return QStringLiteral("int64 %1").arg(valueOf<qint64>(argument));
     case LO_FLOAT:
-        return QStringLiteral("float %1").arg(static_cast<double>(argument->f));
+        return QStringLiteral("float %1").arg(static_cast<double>(valueOf<float>(argument)));
     case LO_DOUBLE:
-        return QStringLiteral("double %1").arg(argument->d);
+        return QStringLiteral("double %1").arg(valueOf<double>(argument));
     case LO_STRING:
     case LO_SYMBOL:
-        return QStringLiteral("string \"%1\"").arg(QString::fromUtf8(&argument->s));
+        return QStringLiteral("string \"%1\"").arg(QString::fromUtf8(text));
     case LO_TRUE:
         return QStringLiteral("true");
     case LO_FALSE:
@@ -77,11 +89,12 @@ QString argumentWords(char type, lo_arg* argument)
     case LO_INFINITUM:
         return QStringLiteral("impulse");
     case LO_CHAR:
-        return QStringLiteral("char %1").arg(QChar(static_cast<ushort>(argument->c)));
+        return QStringLiteral("char %1").arg(
+            QChar(static_cast<ushort>(valueOf<std::int32_t>(argument))));
     case LO_BLOB:
-        return QStringLiteral("blob (%1)").arg(lo_blob_datasize(&argument->blob));
+        return QStringLiteral("blob (%1)").arg(lo_blob_datasize(static_cast<lo_blob>(argument)));
     case LO_MIDI:
-        return QStringLiteral("midi ") + hexText({reinterpret_cast<const char*>(argument->m), 4});
+        return QStringLiteral("midi ") + hexText({text, 4});
     default:
         return {QLatin1Char(type)};
     }
