@@ -161,7 +161,7 @@ class Growth:
         for before, after in zip(*(self.of(variant, argument) for argument in self.last)):
             power = math.log(max(after, 1) / max(before, 1)) / math.log(more / less)
             line = after + 99 * more * (after - before) / (more - less)
-            ends.append((max(line, after * 100**power), power))
+            ends.append((max(line, after * 100**power, after), power))
         return ends
 
     def plot(self, file):
