@@ -3,6 +3,7 @@
 // signal beside a bare server that counts.
 
 #include "peripherals/oscservice.h"
+#include "shortcutitems.h"
 
 #include <mivosettingswidgets/shortcutfile.h>
 #include <mivosettingswidgets/shortcutmgr.h>
@@ -24,60 +25,15 @@
 
 #include <algorithm>
 #include <atomic>
+#include <map>
 #include <memory>
 #include <thread>
 
 namespace {
 
 using mivo::widgets::ShortCutCover;
-using Items = std::vector<STShortCutItem>;
-
-Items manyItems(std::size_t count)
-{
-    Items items;
-    for (std::size_t i = 0; i < count; ++i) {
-        const std::string number = std::to_string(i);
-        items.push_back({static_cast<EnumShortCutType>(1000 + i), "/Peripherals/Group/" + number,
-                         "Ctrl + Shift + " + number});
-    }
-    return items;
-}
 
 // --- The file ---
-
-/// Takes whatever comes into records, and checks nothing.
-struct BareHandler : rapidjson::BaseReaderHandler<rapidjson::UTF8<>, BareHandler>
-{
-    Items items;
-    std::string key;
-
-    bool StartObject() { return true; }
-    bool EndObject(rapidjson::SizeType members)
-    {
-        return members != 3 || (items.emplace_back(), true);
-    }
-    bool Key(const char* text, rapidjson::SizeType length, bool /*copy*/)
-    {
-        key.assign(text, length);
-        return true;
-    }
-    bool StartArray()
-    {
-        items.emplace_back();
-        return true;
-    }
-    bool Int(int value)
-    {
-        items.back().type = static_cast<EnumShortCutType>(value);
-        return true;
-    }
-    bool Uint(unsigned value) { return Int(static_cast<int>(value)); }
-    bool String(const char* text, rapidjson::SizeType length, bool /*copy*/)
-    {
-        (key == "path" ? items.back().path : items.back().shortCutStr).assign(text, length);
-        return true;
-    }
-};
 
 void count(benchmark::State& state, const std::string& text)
 {
@@ -188,9 +144,20 @@ void coversFloor(benchmark::State& state)
     }
 }
 
+/// One for all of that size, for a large one takes seconds to make; it outlives the application.
+Bound& boundWith(std::int64_t count)
+{
+    static std::map<std::int64_t, Bound*> made;
+    Bound*& bound = made[count];
+    if (bound == nullptr) {
+        bound = new Bound(static_cast<std::size_t>(count));
+    }
+    return *bound;
+}
+
 void coversOurs(benchmark::State& state)
 {
-    Bound bound(static_cast<std::size_t>(state.range(0)));
+    Bound& bound = boundWith(state.range(0));
     for (auto _ : state) {
         bound.manager.setAllShortCutStr();
     }
@@ -240,7 +207,7 @@ void conflictFloor(benchmark::State& state)
 
 void conflictOurs(benchmark::State& state)
 {
-    Bound bound(static_cast<std::size_t>(state.range(0)));
+    Bound& bound = boundWith(state.range(0));
     ShortCutCover* cover = bound.covers.first();
     for (auto _ : state) {
         benchmark::DoNotOptimize(

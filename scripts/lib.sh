@@ -8,7 +8,8 @@ packages_build="g++ cmake ninja-build ccache qtbase5-dev qttools5-dev qttools5-d
     fonts-noto-core fonts-noto-cjk"
 packages_test="libgtest-dev python3 liblo-tools jackd2 mesa-vulkan-drivers
     pulseaudio pulseaudio-utils xvfb xdotool x11-utils x11-xkb-utils at-spi2-core python3-pyatspi dbus-daemon"
-packages_bench="libbenchmark-dev python3 util-linux"
+packages_bench="libbenchmark-dev python3 git"
+packages_plots="gnuplot-nox python3"
 packages_clang="clang llvm libclang-rt-14-dev"
 packages_package="chrpath file gzip lintian python3"
 packages_abi="abigail-tools"
