@@ -15,8 +15,9 @@ namespace mivo::style {
 QColor colorOf(Look look, const char* dark);
 
 /// Draws surfaces and the controls of which a dialog has many, and gives other widgets the rules of
-/// the style sheet that are about them. The sheets of a page and of a widget go before these rules,
-/// and colors of theirs or of a palette before those that are drawn here. GUI thread.
+/// the style sheet that are about them. The sheets of a page and of a widget go before these rules
+/// where they are as specific, and colors of theirs or of a palette before those that are drawn
+/// here. GUI thread.
 class LookStyle : public QProxyStyle
 {
 public:
