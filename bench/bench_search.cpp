@@ -3,8 +3,7 @@
 
 #include "opening.h"
 #include "support/plainpage.h"
-
-#include <mivostyle/style.h>
+#include "support/uselook.h"
 
 #include <benchmark/benchmark.h>
 
@@ -57,7 +56,7 @@ struct LargeDialog
     LargeDialog()
     {
         useHostLanguage("en");
-        qApp->setStyleSheet(mivo::style::styleSheet());
+        useLook(mivo::style::Look::dark);
         dialog.enableSearch();
         for (int i = 0; i < pageCount; ++i) {
             auto* page = new Page(i);

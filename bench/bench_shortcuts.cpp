@@ -1,6 +1,6 @@
-// The shortcut file beside bare RapidJSON that reads and writes the same records; covers and the
-// check for conflicts beside the calls that they consist of; OSC from the network to the manager's
-// signal beside a bare server that counts.
+// The shortcut file beside bare RapidJSON that reads and writes the same records; covers beside the
+// calls that they consist of; the check for conflicts beside a cover that asks a hash; OSC from the
+// network to the manager's signal beside a bare server that counts.
 
 #include "peripherals/oscservice.h"
 #include "shortcutitems.h"
@@ -23,11 +23,11 @@
 #include <QtCore/QStandardPaths>
 #include <QtWidgets/QWidget>
 
-#include <algorithm>
 #include <atomic>
 #include <map>
 #include <memory>
 #include <thread>
+#include <unordered_map>
 
 namespace {
 
@@ -134,13 +134,13 @@ struct Bound
 void coversFloor(benchmark::State& state)
 {
     Bound bound(static_cast<std::size_t>(state.range(0)));
-    const std::string text = mivo::settings::formatShortCuts(bound.items);
     for (auto _ : state) {
         for (int i = 0; i < bound.covers.size(); ++i) {
             bound.covers[i]->shortCutStrChanged(
                 QString::fromStdString(bound.items[static_cast<std::size_t>(i)].shortCutStr));
         }
-        NoCacheFile::saveToFile(bound.path.toStdString(), text);
+        NoCacheFile::saveToFile(bound.path.toStdString(),
+                                mivo::settings::formatShortCuts(bound.items));
     }
 }
 
@@ -196,12 +196,18 @@ void duplicatesOurs(benchmark::State& state)
 
 void conflictFloor(benchmark::State& state)
 {
-    const Items items = manyItems(static_cast<std::size_t>(state.range(0)));
-    const std::string keys = "Ctrl + F12";
+    std::unordered_map<std::string, STShortCutItem> holders;
+    for (const STShortCutItem& item : manyItems(static_cast<std::size_t>(state.range(0)))) {
+        holders.emplace(item.shortCutStr, item);
+    }
+    QWidget window;
+    ShortCutCover cover(ShortCutOfPath, "/new", &window);
+    QObject::connect(&cover, &ShortCutCover::signalExistShortCutsItem,
+                     [&holders](EnumShortCutType /*type*/, const std::string& /*path*/,
+                                const std::string& keys) { return holders.count(keys) != 0; });
     for (auto _ : state) {
         benchmark::DoNotOptimize(
-            std::find_if(items.begin(), items.end(),
-                         [&keys](const STShortCutItem& item) { return item.shortCutStr == keys; }));
+            emit cover.signalExistShortCutsItem(ShortCutOfPath, "/new", "Ctrl + F12"));
     }
 }
 

@@ -10,10 +10,10 @@
 #include "mivohostkit/runtimethread.h"
 #include "support/hostlanguage.h"
 #include "support/teststore.h"
+#include "support/uselook.h"
 #include "surface/settingsview.h"
 
 #include <mivosettingswidgets/audiosettingbox.h>
-#include <mivostyle/style.h>
 #include <mivowidgets/combobox.h>
 
 #include <benchmark/benchmark.h>
@@ -73,7 +73,7 @@ class LargePage
 public:
     explicit LargePage(int lastDevice = deviceCount)
     {
-        qApp->setStyleSheet(mivo::style::styleSheet());
+        useLook(mivo::style::Look::dark);
         useHostLanguage("en");
         runtime.call([this, lastDevice] {
             for (int device = 0; device <= lastDevice; ++device) {
@@ -304,7 +304,7 @@ private:
 
 void measureFloor(benchmark::State& state, void (RawPage::*one)(), void (RawPage::*other)())
 {
-    qApp->setStyleSheet(mivo::style::styleSheet());
+    useLook(mivo::style::Look::dark);
     RawPage page;
     page.make();
     (page.*other)();
@@ -325,7 +325,7 @@ void measureFloor(benchmark::State& state, void (RawPage::*one)(), void (RawPage
 
 void initialFloor(benchmark::State& state)
 {
-    qApp->setStyleSheet(mivo::style::styleSheet());
+    useLook(mivo::style::Look::dark);
     std::optional<RawPage> page;
     inTurns(
         state,

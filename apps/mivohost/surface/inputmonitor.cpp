@@ -52,7 +52,7 @@ InputMonitor::InputMonitor(Peripherals& peripherals, QWidget* parent)
     m_view->setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
     m_view->verticalHeader()->hide();
     m_view->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    m_view->verticalHeader()->setDefaultSectionSize(24);
+    m_view->verticalHeader()->setDefaultSectionSize(25);
     QHeaderView* header = m_view->horizontalHeader();
     header->setHighlightSections(false);
     header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
