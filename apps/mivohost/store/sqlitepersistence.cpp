@@ -1,13 +1,12 @@
 #include "store/sqlitepersistence.h"
 
 #include "store/database.h"
+#include "store/statement.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QLocale>
-
-#include <sqlite3.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -311,36 +310,73 @@ SqlitePersistence::FileId SqlitePersistence::idOf(const QString& path)
 
 bool SqlitePersistence::write(const QString& key, const QVariant& value)
 {
-    if (idOf(m_path) != m_file) {
-        m_error = QStringLiteral("the file was replaced or removed");
+    if (m_outbox) {
+        return update({{key, m_outbox->revisionOf(key), value, Outbox::Waiting::add}});
+    }
+    if (!isTheSameFile()) {
         return false;
     }
-    sqlite3_stmt* statement = nullptr;
-    int code = sqlite3_prepare_v2(m_database,
-                                  "INSERT INTO setting (key, value) VALUES (?, ?) "
-                                  "ON CONFLICT (key) DO UPDATE SET value = excluded.value",
-                                  -1, &statement, nullptr);
-    if (code == SQLITE_OK) {
-        const auto bind = [statement](int index, const QString& utf16) {
-            const QByteArray utf8 = utf16.toUtf8();
-            sqlite3_bind_text(statement, index, utf8.constData(), utf8.size(), SQLITE_TRANSIENT);
-        };
-        bind(1, key);
-        if (value.userType() == QMetaType::Double) {
-            sqlite3_bind_double(statement, 2, value.toDouble());
-        } else if (value.userType() == QMetaType::QString) {
-            bind(2, value.toString());
-        } else {
-            sqlite3_bind_int64(statement, 2, value.toLongLong());
-        }
-        sqlite3_step(statement);
-        code = sqlite3_finalize(statement);
-    }
-    m_error = code == SQLITE_OK ? QString() : QString::fromUtf8(sqlite3_errmsg(m_database));
-    if (code == SQLITE_OK) {
+    const bool isWritten = put(key, value);
+    m_error = isWritten ? QString() : QString::fromUtf8(sqlite3_errmsg(m_database));
+    if (isWritten) {
         m_rows.insert(key, value);
     }
-    return code == SQLITE_OK;
+    return isWritten;
+}
+
+bool SqlitePersistence::keepOutbox()
+{
+    m_outbox.emplace();
+    if (m_outbox->open(m_database)) {
+        return true;
+    }
+    m_error = QString::fromUtf8(sqlite3_errmsg(m_database));
+    m_outbox.reset();
+    return false;
+}
+
+bool SqlitePersistence::update(const std::vector<Update>& updates)
+{
+    if (!isTheSameFile()) {
+        return false;
+    }
+    bool isDone = Statement(m_database, "BEGIN IMMEDIATE").run();
+    for (auto change = updates.begin(); isDone && change != updates.end(); ++change) {
+        isDone = (!change->value || put(change->key, *change->value))
+                 && m_outbox->set(change->key, change->revision, change->waiting);
+    }
+    isDone = isDone && Statement(m_database, "COMMIT").run();
+    if (!isDone) {
+        m_error = QString::fromUtf8(sqlite3_errmsg(m_database));
+        Statement(m_database, "ROLLBACK").run();
+        m_outbox->open(m_database); // as it was before
+        return false;
+    }
+    m_error.clear();
+    for (const Update& change : updates) {
+        if (change.value) {
+            m_rows.insert(change.key, *change.value);
+        }
+    }
+    return true;
+}
+
+bool SqlitePersistence::isTheSameFile()
+{
+    const bool isSame = idOf(m_path) == m_file;
+    if (!isSame) {
+        m_error = QStringLiteral("the file was replaced or removed");
+    }
+    return isSame;
+}
+
+bool SqlitePersistence::put(const QString& key, const QVariant& value)
+{
+    return Statement(m_database,
+                     "INSERT INTO setting (key, value) VALUES (?, ?) "
+                     "ON CONFLICT (key) DO UPDATE SET value = excluded.value",
+                     key, value)
+        .run();
 }
 
 } // namespace mivohost

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "mivohostkit/settingspersistence.h"
+#include "store/outbox.h"
 
 #include <zrcutils/filelock.h>
 
@@ -8,7 +9,9 @@
 #include <QtCore/QStringList>
 
 #include <memory>
+#include <optional>
 #include <utility>
+#include <vector>
 
 struct sqlite3;
 
@@ -52,6 +55,25 @@ public:
 
     QVariantHash loadAll() override { return m_rows; }
     bool write(const QString& key, const QVariant& value) override;
+
+    /// From now on write() also puts the change into the outbox. False, and lastError(): nothing
+    /// is noted, and nothing is to be shared.
+    bool keepOutbox();
+    const Outbox& outbox() const { return *m_outbox; } ///< there is one after keepOutbox()
+
+    /// What is known anew of a setting that machines share.
+    struct Update
+    {
+        QString key;
+        qint64 revision = 0;
+        std::optional<QVariant> value = std::nullopt; ///< to be taken over
+        Outbox::Waiting waiting = Outbox::Waiting::keep;
+    };
+    /// Takes over all of it or nothing, as durably as write().
+    bool update(const std::vector<Update>& updates);
+
+    QVariant value(const QString& key) const { return m_rows.value(key); }
+    bool has(const QString& key) const { return m_rows.contains(key); }
     QString lastError() const override { return m_error; }
 
     /// Nothing to report: nobody else can open the file meanwhile.
@@ -66,12 +88,16 @@ private:
 
     static FileId idOf(const QString& path);
 
+    bool put(const QString& key, const QVariant& value);
+    bool isTheSameFile();
+
     QString m_path;
     QString m_error;
     QVariantHash m_rows; // as they were when it was opened, and as they were written since
     FileId m_file;
     FileLock m_lock;
     sqlite3* m_database = nullptr;
+    std::optional<Outbox> m_outbox;
 };
 
 } // namespace mivohost
