@@ -1,5 +1,8 @@
 #include "base/hostlog.h"
 #include "base/hosttext.h"
+#include "cluster/showcommands.h"
+#include "cluster/showsetup.h"
+#include "cluster/synchroniser.h"
 #include "devices/clustersimulator.h"
 #include "devices/graphicscards.h"
 #include "devices/physicsoutputs.h"
@@ -10,6 +13,7 @@
 #include "peripherals/peripherals.h"
 #include "project/projectfile.h"
 #include "store/sqlitepersistence.h"
+#include "surface/askforcopy.h"
 #include "surface/mainwindow.h"
 #include "surface/pictures.h"
 #include "surface/settingsview.h"
@@ -35,12 +39,12 @@
 #include <QtCore/QTimer>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QMessageBox>
-#include <QtWidgets/QPushButton>
 
 #include <cstdio>
 #include <map>
 #include <memory>
 #include <optional>
+#include <utility>
 
 using namespace mivohost;
 
@@ -95,24 +99,6 @@ QString timeText(const QDateTime& time)
     return QLocale::system().toString(time.toLocalTime(), QLocale::ShortFormat);
 }
 
-/// Asks whether to go on with the newest good copy of the settings. A machine that starts with
-/// nobody in front of it goes on by itself.
-bool wantsCopy(const QString& path, const SqlitePersistence::Opened& opened)
-{
-    constexpr int secondsToAnswer = 30;
-    QMessageBox question(QMessageBox::Warning, QStringLiteral("mivohost"),
-                         hostText("StoreDamaged")
-                             .arg(path, reasonText(opened.error), timeText(opened.copyTime))
-                             .arg(secondsToAnswer));
-    question.setTextFormat(Qt::PlainText);
-    auto* use = question.addButton(hostText("UseCopy"), QMessageBox::AcceptRole);
-    question.setEscapeButton(question.addButton(hostText("Quit"), QMessageBox::RejectRole));
-    question.setDefaultButton(use);
-    QTimer::singleShot(secondsToAnswer * 1000, use, &QPushButton::click);
-    question.exec();
-    return question.clickedButton() == use;
-}
-
 /// Folders that the settings start with; each is made when something is to be put there.
 std::map<SettingsStore::Key, QVariant> defaultFolders(const QDir& data)
 {
@@ -147,8 +133,8 @@ void wait(int seconds)
 
 /// The program with its window, from here to its end.
 int runWindow(MainWindow& window, ProjectFile& project, RuntimeThread& runtime,
-              SettingsStore& store, bool storeIsCopy, const QCommandLineParser& arguments,
-              int simulatedDevices)
+              SettingsStore& store, Synchroniser* synchroniser, bool storeIsCopy,
+              const QCommandLineParser& arguments, int simulatedDevices)
 {
     const auto notify = [&window](const char* key) {
         return [&window, key = QString::fromLatin1(key)](const QString& reason) {
@@ -197,6 +183,9 @@ int runWindow(MainWindow& window, ProjectFile& project, RuntimeThread& runtime,
             store.soundCards().setDeviceSoundCards({}, {}, cards);
         };
         runtime.post(tell, __FILE__, __LINE__, "SoundCards");
+        if (synchroniser != nullptr) {
+            synchroniser->setSoundCards(soundCards.cards());
+        }
     });
     QTimer simulation;
     if (simulatedDevices > 0) {
@@ -232,9 +221,12 @@ int run(const QCommandLineParser& arguments)
 {
     const bool printing = arguments.isSet(QStringLiteral("print-settings"));
     const bool drawing = arguments.isSet(QStringLiteral("pictures"));
-    const bool withWindow = !printing && !drawing;
+    const QString adopted = arguments.value(QStringLiteral("adopt"));
+    const QString forgotten = arguments.value(QStringLiteral("forget"));
+    const bool withWindow = !printing && !drawing && adopted.isEmpty() && forgotten.isEmpty();
     const QDir data(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation));
-    QString path = data.filePath(QStringLiteral("settings.sqlite"));
+    const QString ownPath = data.filePath(QStringLiteral("settings.sqlite"));
+    QString path = ownPath;
     std::optional<QTemporaryDir> scratch; // pictures show the defaults, whatever the user has set
     if (drawing) {
         scratch.emplace();
@@ -298,13 +290,25 @@ int run(const QCommandLineParser& arguments)
     }
     startLog(withWindow ? data.filePath(QStringLiteral("mivohost.log")) : QString());
 
+    QString showError;
+    const auto show = ShowSetup::read(arguments, data, showError);
+    if (!showError.isEmpty()) {
+        return refuse(badArgument, showError, withWindow);
+    }
+    path = show ? show->path(data) : path;
+    if (!forgotten.isEmpty()) {
+        forgetMachine(forgotten, *show, showError);
+        return showError.isEmpty() ? finished : refuse(storeFailed, showError, false);
+    }
+
     RuntimeThread runtime;
     using Status = SqlitePersistence::Status;
     auto opened = runtime.call([&] { return SqlitePersistence::open(path); });
     const bool damaged = opened.status == Status::damaged;
     if (damaged && !printing) {
         hostLog()->error("the settings file cannot be used: {}", opened.error.toStdString());
-        if (opened.copyTime.isValid() && !wantsCopy(path, opened)) {
+        if (opened.copyTime.isValid()
+            && !wantsCopy(path, opened.error, timeText(opened.copyTime))) {
             return storeFailed;
         }
         opened = runtime.call([&] { return SqlitePersistence::recover(path); });
@@ -318,8 +322,27 @@ int run(const QCommandLineParser& arguments)
     }
     const QString copyError =
         printing ? QString() : runtime.call([&] { return opened.persistence->keepCopy(); });
+    auto sharing = show ? runtime.call([&] {
+        return show->share(std::move(opened.persistence), ownPath, showError);
+    })
+                        : nullptr;
+    if (show && !sharing) {
+        return refuse(storeFailed, hostText("StoreFailed").arg(path, reasonText(showError)),
+                      withWindow);
+    }
+    SharedSettings* const shared = sharing.get(); // belongs to the store
+    if (!adopted.isEmpty()) {
+        const auto values = ownSettingsOf(adopted, *show, showError);
+        const int count = runtime.call([&] { return std::exchange(sharing, {})->adopt(values); });
+        std::printf("settings taken over: %d\n", count);
+        return showError.isEmpty() ? finished : refuse(storeFailed, showError, false);
+    }
     auto store = runtime.call([&] {
-        return std::make_unique<SettingsStore>(std::move(opened.persistence), defaultFolders(data));
+        std::unique_ptr<SettingsPersistence> persistence = std::move(sharing);
+        if (!show) {
+            persistence = std::move(opened.persistence);
+        }
+        return std::make_unique<SettingsStore>(std::move(persistence), defaultFolders(data));
     });
 
     int code = finished;
@@ -352,6 +375,12 @@ int run(const QCommandLineParser& arguments)
         if (!copyError.isEmpty()) {
             window.showNotice(QStringLiteral("StoreCopyFailed"), copyError);
         }
+        std::optional<Synchroniser> synchroniser;
+        if (show) {
+            synchroniser.emplace(runtime, *shared, store->soundCards(), *show);
+            window.showCluster(*synchroniser);
+            synchroniser->start();
+        }
         project.start();
         if (drawing) {
             cards.wait();
@@ -362,7 +391,8 @@ int run(const QCommandLineParser& arguments)
             }
         } else {
             code =
-                runWindow(window, project, runtime, *store, damaged, arguments, *simulatedDevices);
+                runWindow(window, project, runtime, *store, synchroniser ? &*synchroniser : nullptr,
+                          damaged, arguments, *simulatedDevices);
         }
     }
     runtime.call([&store] { store.reset(); });
@@ -398,7 +428,9 @@ int main(int argc, char** argv)
          QStringLiteral("folder")},
         {QStringLiteral("print-settings"), QStringLiteral("Print all settings, then end.")},
         {QStringLiteral("store"),
-         QStringLiteral("Use this settings file, and leave the start at log-on as it is."),
+         QStringLiteral("Use this settings file, or share the settings of a show with other "
+                        "machines: etcd://HOST[:PORT][,HOST[:PORT]...]/SHOW, encrypted with "
+                        "etcds://. Leave the start at log-on as it is."),
          QStringLiteral("file")},
         {QStringLiteral("start-delay"),
          QStringLiteral("Wait so long before anything is opened, 0 to 300."),
@@ -410,6 +442,7 @@ int main(int argc, char** argv)
         {QStringLiteral("allow-power-actions"),
          QStringLiteral("Let timed actions really shut down or restart the machine.")},
     });
+    ShowSetup::addOptions(arguments);
     arguments.process(application);
 
     loadLanguages();

@@ -51,6 +51,7 @@ public:
     void setLocked(bool locked);
 
     BindingsTransfer& transfer() { return m_transfer; }
+    mivo::settings::ShortCutMgr& shortcuts() { return m_manager; }
 
 signals:
     /// A text's key and what is put into it, as MainWindow::showNotice().

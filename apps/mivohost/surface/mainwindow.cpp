@@ -2,6 +2,8 @@
 
 #include "base/hostlog.h"
 #include "base/hosttext.h"
+#include "cluster/sharedshortcuts.h"
+#include "cluster/synchroniser.h"
 #include "mivohostkit/runtimethread.h"
 #include "mivohostkit/settingsstore.h"
 #include "peripherals/peripherals.h"
@@ -10,6 +12,7 @@
 #include "surface/askforfile.h"
 #include "surface/messagepanel.h"
 #include "surface/programlist.h"
+#include "surface/showbar.h"
 #include "system/tray.h"
 
 #include <mivosettingswidgets/settingsdialog.h>
@@ -221,6 +224,14 @@ void MainWindow::showTray()
     connect(m_tray.get(), &Tray::quitRequested, this, &MainWindow::quit);
 }
 
+void MainWindow::showCluster(Synchroniser& synchroniser)
+{
+    m_showBar = new ShowBar(synchroniser, m_messages);
+    connect(m_showBar, &ShowBar::told, this, &MainWindow::showNotice);
+    centralWidget()->layout()->addWidget(m_showBar);
+    new SharedShortcuts(m_actionPanel->shortcuts(), synchroniser); // goes with the latter
+}
+
 void MainWindow::quit()
 {
     m_quitting = true;
@@ -310,6 +321,9 @@ void MainWindow::setTexts()
     m_programsLabel->setText(hostText("Programs"));
     m_logLabel->setText(hostText("Log"));
     m_messagePanel->setTexts();
+    if (m_showBar != nullptr) {
+        m_showBar->setTexts();
+    }
     if (!m_noticeKey.isEmpty()) {
         m_notice->setText(hostText(m_noticeKey).arg(reasonText(m_noticeArgument)));
     }

@@ -27,6 +27,8 @@ class ProgramList;
 class ProjectFile;
 class RuntimeThread;
 class SettingsStore;
+class ShowBar;
+class Synchroniser;
 class Tray;
 
 /// The host's main window: the project and its programs, the settings, the language, the log. GUI
@@ -52,6 +54,10 @@ public:
 
     /// From now on with an icon in the system's tray, to which closing may hide the window.
     void showTray();
+
+    /// Shows from now on how it stands with the show that this machine shares, and shares the keys
+    /// of the actions.
+    void showCluster(Synchroniser& synchroniser);
 
     /// Closes the window for good, unless the user wants to save first and does not.
     void quit();
@@ -117,6 +123,7 @@ private:
     QPlainTextEdit* m_log;
     MessageCentre m_messages;
     MessagePanel* m_messagePanel;
+    ShowBar* m_showBar = nullptr;
     QString m_noticeKey;
     QString m_noticeArgument;
     QString m_waitingKey;
