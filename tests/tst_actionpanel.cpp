@@ -1,18 +1,15 @@
 #include "surface/actionpanel.h"
 
 #include "peripherals/peripherals.h"
-#include "support/files.h"
+#include "surface/waitingline.h"
+
 #include "support/hostlanguage.h"
 #include "support/servicetest.h"
 
 #include <mivosettingswidgets/shortcutfile.h>
 #include <mivowidgets/shortcutcover.h>
 
-#include <QtCore/QDir>
-#include <QtCore/QFileInfo>
-#include <QtCore/QTemporaryDir>
 #include <QtWidgets/QAction>
-#include <QtWidgets/QProgressDialog>
 #include <QtWidgets/QVBoxLayout>
 
 #include <sys/stat.h>
@@ -20,11 +17,8 @@
 namespace actionpaneltest {
 
 using namespace mivohost;
-using mivo::settings::shortCutFilePath;
-using mivo::widgets::ShortCutCover;
-using mivo::widgets::TipDialog;
-
-namespace {
+using namespace mivo::settings;
+using namespace mivo::widgets;
 
 constexpr int mute = 189;
 constexpr int take = 210;
@@ -40,27 +34,21 @@ protected:
         QFile::remove(shortCutFilePath());
         start();
     }
-    ~Panel() override { QFile::remove(shortCutFilePath()); }
 
     /// A window with the panel, as after a start of the program.
     void start()
     {
         window.reset();
-        peripherals.reset();
+        peripherals.reset(); // which is to have written what changed
         peripherals = std::make_unique<Peripherals>(runtime, store);
         window = std::make_unique<QWidget>();
         panel = new ActionPanel(*peripherals);
         panel->setTexts();
-        field = new QLineEdit;
-        auto* column = new QVBoxLayout(window.get());
-        column->addWidget(panel);
-        column->addWidget(field);
+        (new QVBoxLayout(window.get()))->addWidget(panel);
         window->show();
-        QObject::connect(
-            panel, &ActionPanel::failed,
-            [this](const QString& key, const QString& of) { told.append(key + ' ' + of); });
-        QObject::connect(panel, &ActionPanel::told,
-                         [this](const QString& key) { told.append(key); });
+        QObject::connect(panel, &ActionPanel::failed,
+                         [this](const auto& key, const auto& of) { told.append(key + ' ' + of); });
+        QObject::connect(panel, &ActionPanel::told, [this](const auto& key) { told.append(key); });
         goToWindow();
         log.clear();
     }
@@ -79,7 +67,6 @@ protected:
             return each->getShortCutIndex() == type;
         });
     }
-    QPushButton* button(int type) { return qobject_cast<QPushButton*>(cover(type)->parent()); }
     template <typename Control = QPushButton>
     Control* control(const char* name)
     {
@@ -87,14 +74,13 @@ protected:
     }
 
     /// Presses a key where the focus is, as a person does.
-    static void press(int key, Qt::KeyboardModifiers modifiers = {})
+    static void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {})
     {
         QWidget* focus = QApplication::focusWidget();
-        QTest::keyClick(focus != nullptr ? focus : QApplication::activeWindow(),
-                        static_cast<Qt::Key>(key), modifiers);
+        QTest::keyClick(focus != nullptr ? focus : QApplication::activeWindow(), key, modifiers);
     }
 
-    void bindKey(int type, int key, Qt::KeyboardModifiers modifiers = {})
+    void bindKey(int type, Qt::Key key, Qt::KeyboardModifiers modifiers = {})
     {
         panel->setEditing(true);
         cover(type)->setFocus();
@@ -103,13 +89,9 @@ protected:
         goToWindow();
     }
 
-    void chooseKind(EnumPeripheralShortCutType kind)
+    void clearAll(EnumPeripheralShortCutType kind, TipDialog::Result answer)
     {
         chooseItem(control<QComboBox>("shortcutKind"), kind);
-    }
-
-    void clearAll(TipDialog::Result answer)
-    {
         whenModal<TipDialog>([answer](TipDialog& question) { question.done(answer); });
         control("clearShortcuts")->click();
         goToWindow();
@@ -128,10 +110,7 @@ protected:
         return actions;
     }
 
-    static std::vector<STShortCutItem> kept()
-    {
-        return mivo::settings::parseShortCuts(readFile(shortCutFilePath()).toStdString());
-    }
+    static auto kept() { return parseShortCuts(readFile(shortCutFilePath()).toStdString()); }
 
     /// Without its folder the file of the keys can be neither read nor written.
     static void hideKeysFolder(bool hidden)
@@ -146,7 +125,8 @@ protected:
     {
         told.clear();
         (panel->transfer().*transfer)(path);
-        EXPECT_TRUE(QTest::qWaitFor([this] { return !panel->transfer().isWaiting(); }, 20000));
+        EXPECT_TRUE(
+            QTest::qWaitFor([this] { return !panel->transfer().requests().isWaiting(); }, 20000));
         return told.join('|');
     }
     QString toldOfImport(const char* json)
@@ -162,11 +142,8 @@ protected:
     std::unique_ptr<Peripherals> peripherals;
     std::unique_ptr<QWidget> window;
     ActionPanel* panel = nullptr;
-    QLineEdit* field = nullptr;
     QStringList told;
 };
-
-} // namespace
 
 TEST_F(Panel, ABoundKeyGoesBeforeMenusButNotBeforeTyping)
 {
@@ -191,14 +168,14 @@ TEST_F(Panel, ABoundKeyGoesBeforeMenusButNotBeforeTyping)
         QSignalSpy chosen(&menu, &QAction::triggered);
         QTest::keySequence(window.get(), QKeySequence(keys));
         const bool isBound = keys == std::string("Ctrl+N");
-        EXPECT_EQ(button(mute)->property("flash").toBool(), isBound);
         EXPECT_EQ(triggered(), isBound ? used : "") << keys;
         EXPECT_EQ(chosen.isEmpty(), isBound);
-        EXPECT_TRUE(QTest::qWaitFor([&] { return !button(mute)->property("flash").toBool(); }));
     }
     EXPECT_EQ(kept().size(), 3U) << "another version may know them";
 
     bindKey(take, Qt::Key_A);
+    auto* field = new QLineEdit;
+    window->layout()->addWidget(field);
     field->setFocus();
     press(Qt::Key_N, Qt::ControlModifier);
     EXPECT_EQ(triggered(), used) << "a command, not a text";
@@ -220,21 +197,18 @@ TEST_F(Panel, WhileItIsLockedNothingTriggersAnything)
 {
     bindKey(mute, Qt::Key_F5);
     auto* lock = control("lockScreen");
-    std::thread([this] {
-        peripherals->osc().controlMessage(208, "/Peripherals/Toolbar/LockScreen", "1");
-        peripherals->osc().controlMessage(take, takePath, "1");
-    }).join();
+    peripherals->osc().controlMessage(208, "/Peripherals/Toolbar/LockScreen", "1");
+    peripherals->osc().controlMessage(take, takePath, "1");
     EXPECT_TRUE(QTest::qWaitFor([&] { return lock->isChecked(); })) << "by the action";
     EXPECT_EQ(told, QStringList{"LockedByControl"});
     EXPECT_TRUE(control<QLabel>("shortcutHint")->isVisible()) << "and how it is unlocked";
     press(Qt::Key_F5);
-    QTest::mouseClick(button(mute), Qt::LeftButton);
+    QTest::mouseClick(cover(mute)->parentWidget(), Qt::LeftButton);
     EXPECT_EQ(triggered(), "Toolbar/LockScreen by 1");
     for (const char* name : {"editShortcuts", "clearShortcuts", "importShortcuts"}) {
         EXPECT_FALSE(control(name)->isEnabled()) << name;
     }
     QTest::mouseClick(lock, Qt::LeftButton);
-    EXPECT_FALSE(control<QLabel>("shortcutHint")->isVisible());
     EXPECT_TRUE(control("editShortcuts")->isEnabled());
     press(Qt::Key_F5);
     panel->setEditing(true);
@@ -242,60 +216,38 @@ TEST_F(Panel, WhileItIsLockedNothingTriggersAnything)
     EXPECT_EQ(triggered(), "Global/MuteSwitch by F5") << "nor while it is edited";
 }
 
-TEST_F(Panel, BindingsOfDevicesAreShownClearedAndAskedFor)
-{
-    peripherals->midi().bind({take, takePath, "CC 7 ch 1 (X)"});
-    start();
-    EXPECT_EQ(cover(take)->keyText(PeripheralMidi), "CC 7 ch 1 (X)");
-    const auto* clear = control("clearShortcuts");
-    EXPECT_FALSE(clear->isEnabled()) << "no keys";
-    panel->setEditing(true);
-    chooseKind(PeripheralMidi);
-    clearAll(TipDialog::cancelled);
-    EXPECT_EQ(peripherals->midi().bindings().size(), 1U);
-    clearAll(TipDialog::accepted);
-    EXPECT_TRUE(peripherals->midi().bindings().empty());
-    EXPECT_FALSE(clear->isEnabled());
-    chooseKind(PeripheralDmx);
-    auto* address = control<QComboBox>("listenAddress");
-    chooseItem(address, address->findText("127.0.0.1"));
-    EXPECT_EQ(peripherals->listenAddress(), "127.0.0.1");
-    useHostLanguage(QStringLiteral("zh_cn"));
-    panel->setTexts();
-    EXPECT_EQ(cover(take)->accessibleName(), button(take)->text());
-    EXPECT_NE(button(take)->text(), "Take");
-}
-
 TEST_F(Panel, AllBindingsGoOutIntoAFileAndComeBack)
 {
     bindKey(mute, Qt::Key_F5, Qt::ControlModifier);
     peripherals->midi().bind({take, takePath, "CC 7 ch 1 (X \"1\")"});
     peripherals->dmx().bind({mute, "/Peripherals/Global/MuteSwitch", "DMX 12"});
+    start();
     const QString file = folder.filePath("all.json");
     EXPECT_EQ(toldOf(&BindingsTransfer::exportTo, file), "");
     EXPECT_TRUE(QFile::permissions(file) & QFile::ReadOther) << "as other files of the user";
     EXPECT_EQ(toldOf(&BindingsTransfer::exportTo, folder.path()),
               "ShortcutsNotExported " + folder.path());
-    for (const auto kind : {PeripheralKeyboard, PeripheralMidi, PeripheralDmx}) {
-        chooseKind(kind);
-        clearAll(TipDialog::accepted);
-    }
-    EXPECT_TRUE(kept().empty());
-    bindKey(take, Qt::Key_F6);
     const auto all = [this] {
-        std::string texts;
-        for (const int type : {mute, take}) {
-            texts += cover(type)->getShortCutStr().toStdString() + '|'
-                     + cover(type)->keyText(PeripheralMidi).toStdString() + '|'
-                     + cover(type)->keyText(PeripheralDmx).toStdString() + '|';
+        QStringList texts;
+        for (const auto* each : {cover(mute), cover(take)}) {
+            texts << each->getShortCutStr() << each->keyText(PeripheralMidi)
+                  << each->keyText(PeripheralDmx);
         }
-        return texts + std::to_string(kept().size());
+        return texts.join('|') + QString("|%1").arg(kept().size());
     };
+    const QString bound = "Ctrl + F5||DMX 12||CC 7 ch 1 (X \"1\")||1";
+    for (const auto answer : {TipDialog::cancelled, TipDialog::accepted}) {
+        for (const auto kind : {PeripheralKeyboard, PeripheralMidi, PeripheralDmx}) {
+            clearAll(kind, answer);
+        }
+        EXPECT_EQ(all(), answer == TipDialog::accepted ? "||||||0" : bound);
+    }
+    EXPECT_FALSE(control("clearShortcuts")->isEnabled());
+    bindKey(take, Qt::Key_F6);
     EXPECT_EQ(toldOf(&BindingsTransfer::importFrom, file), "");
-    const std::string imported = "Ctrl + F5||DMX 12||CC 7 ch 1 (X \"1\")||1";
-    EXPECT_EQ(all(), imported) << "in the place of what was there";
+    EXPECT_EQ(all(), bound) << "in the place of what was there";
     start();
-    EXPECT_EQ(all(), imported);
+    EXPECT_EQ(all(), bound);
 
     // All or nothing: neither half is taken when the other one cannot be saved.
     const char* half = R"({"shortCutInfoList":[{"type":210,"path":"","shortCutStr":"F9"},)"
@@ -311,7 +263,7 @@ TEST_F(Panel, AllBindingsGoOutIntoAFileAndComeBack)
     EXPECT_EQ(toldOfImport("{\"shortCutInfoList\":["),
               "ShortcutsNotImported error at line :1 col :21 msg:no valid array!");
     EXPECT_NE(toldOf(&BindingsTransfer::importFrom, folder.filePath("gone.json")), "");
-    EXPECT_EQ(all(), imported);
+    EXPECT_EQ(all(), bound);
 
     EXPECT_EQ(
         toldOfImport(R"({"shortCutInfoList":[{"type":189,"path":"a","shortCutStr":"Ctrl + C"},)"
@@ -324,7 +276,6 @@ TEST_F(Panel, AllBindingsGoOutIntoAFileAndComeBack)
                      R"({"type":211,"path":"/Peripherals/group/one","shortCutStr":"F8"}]})"),
         "");
     EXPECT_EQ(all(), "||DMX 9|Ctrl + Shift + F7|||3") << "no reserved keys, and none twice";
-    EXPECT_EQ(kept().front().path, takePath);
     EXPECT_EQ(kept()[1].type, 9999) << "an action that another version has";
     goToWindow();
     press(Qt::Key_F7, Qt::ControlModifier | Qt::ShiftModifier);
@@ -335,11 +286,14 @@ TEST_F(Panel, AFileThatDoesNotAnswerIsNotWaitedFor)
 {
     const QString pipe = folder.filePath("pipe");
     ASSERT_EQ(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    WaitingLine line(panel->transfer().requests());
+    window->layout()->addWidget(&line);
     panel->transfer().importFrom(pipe);
     EXPECT_FALSE(control("importShortcuts")->isEnabled());
-    whenModal<QProgressDialog>(
-        [](QProgressDialog& progress) { progress.findChild<QPushButton*>()->click(); });
-    EXPECT_TRUE(QTest::qWaitFor([this] { return !panel->transfer().isWaiting(); }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return line.isVisible(); })) << "after half a second";
+    EXPECT_EQ(line.findChild<QLabel*>()->text(), "Opening " + pipe + " …");
+    QTest::mouseClick(line.findChild<QPushButton*>(), Qt::LeftButton);
+    EXPECT_FALSE(line.isVisible());
     EXPECT_EQ(told, QStringList{"ShortcutsNotImported no answer"});
     EXPECT_TRUE(control("importShortcuts")->isEnabled());
     writeFile(pipe, R"({"shortCutInfoList":[{"type":210,"path":"","shortCutStr":"F9"}]})");
@@ -376,6 +330,9 @@ TEST_F(Panel, WhatCannotBeReadSavedOrOpenedIsToldAndTriedAgain)
     taken.close();
     EXPECT_TRUE(QTest::qWaitFor([this] { return told.size() > 1; }, 10000));
     EXPECT_EQ(told.last(), "OscReceives");
+    auto* address = control<QComboBox>("listenAddress");
+    chooseItem(address, address->findText("127.0.0.1"));
+    EXPECT_EQ(peripherals->listenAddress(), "127.0.0.1");
 
     writeFile(shortCutFilePath(), "{");
     told.clear();
@@ -383,8 +340,23 @@ TEST_F(Panel, WhatCannotBeReadSavedOrOpenedIsToldAndTriedAgain)
     QApplication::processEvents();
     const QString aside = shortCutFilePath() + ".bad";
     EXPECT_EQ(told, QStringList{"KeysPutAside " + aside});
-    EXPECT_EQ(readFile(aside), "{");
-    QFile::remove(aside);
+    EXPECT_TRUE(QFile::remove(aside));
+}
+
+TEST(ActionLogLines, StayFewWhateverIsTriggered)
+{
+    const LogCapture log;
+    ActionLog actions;
+    for (int burst = 0; burst < 4; ++burst) {
+        for (int action = 0; action < 30; ++action) {
+            actions.add("action " + std::to_string(action), std::string(5000, 'x'));
+        }
+        QTest::qWait(130);
+    }
+    EXPECT_LT(log.lines().size(), 50U);
+    for (const std::string& line : log.lines()) {
+        EXPECT_LT(line.size(), 500U) << line;
+    }
 }
 
 } // namespace actionpaneltest

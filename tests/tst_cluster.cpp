@@ -1,8 +1,13 @@
 #include "cluster/sharedshortcuts.h"
 #include "cluster/showcommands.h"
+#include "peripherals/peripherals.h"
+#include "project/projectfile.h"
+#include "surface/mainwindow.h"
+#include "surface/showbar.h"
 
 #include "support/etcdserver.h"
 #include "support/files.h"
+#include "support/hostlanguage.h"
 #include "support/node.h"
 #include "support/program.h"
 #include "support/test.h"
@@ -11,9 +16,10 @@
 #include <mivosettingswidgets/shortcutmgr.h>
 
 #include <QtCore/QElapsedTimer>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QPushButton>
 
 #include <csignal>
-#include <map>
 
 namespace {
 
@@ -27,6 +33,18 @@ protected:
         if (!::EtcdServers::isInstalled()) {
             GTEST_SKIP() << "etcd is not installed";
         }
+    }
+
+    void startBoth(const mivohost::EtcdServers& servers)
+    {
+        for (Node* machine : {&a, &b}) {
+            machine->start(servers);
+            ASSERT_TRUE(machine->isConnected());
+        }
+    }
+    void startBoth(const ::EtcdServers& servers)
+    {
+        startBoth(mivohost::EtcdServers{servers.hosts(), false, {}, {}, {}});
     }
 
     Node a{"a"};
@@ -77,64 +95,30 @@ TEST_F(Cluster, AChangeReachesTheOtherMachineWhateverHappensToTheServers)
 {
     struct Case
     {
-        const char* what;
         int members;
-        std::function<void(::EtcdServers&)> fault;
-        std::function<void(::EtcdServers&)> repair;
+        const char* fault;
+        const char* repair;
     };
-    const auto leader = [](::EtcdServers& servers) {
-        int found = 0;
-        for (int i = 0; i < 3; ++i) {
-            const QByteArray status = servers.ctl({"endpoint", "status", "-w", "fields"}, i);
-            const auto field = [&](const char* name) {
-                return status.mid(status.indexOf(name)).split('\n')[0].split(':').last().trimmed();
-            };
-            found = field("\"MemberID\"") == field("\"Leader\"") ? i : found;
-        }
-        return found;
-    };
-    const std::vector<Case> cases{
-        {"nothing", 1, {}, {}},
-        {"the server ends and is back", 1, [](auto& all) { all.kill(0); },
-         [](auto& all) { all.start(0); }},
-        {"the server hangs for a while", 1, [](auto& all) { all.signal(0, SIGSTOP); },
-         [](auto& all) { all.signal(0, SIGCONT); }},
-        {"a member ends", 3, [](auto& all) { all.kill(0); }, {}},
-        {"the leader ends", 3, [&](auto& all) { all.kill(leader(all)); }, {}},
-        {"the leader hangs", 3, [&](auto& all) { all.signal(leader(all), SIGSTOP); }, {}},
-        {"all end and are back", 3,
-         [](auto& all) {
-             for (const int i : {0, 1, 2}) {
-                 all.kill(i);
-             }
-         },
-         [](auto& all) {
-             for (const int i : {2, 0, 1}) {
-                 all.start(i);
-             }
-         }},
-    };
-    for (const Case& one : cases) {
-        SCOPED_TRACE(one.what);
+    for (const Case& one : std::vector<Case>{{1, "", ""},
+                                             {1, "kill 0", "start 0"},
+                                             {1, "hang 0", "continue 0"},
+                                             {3, "kill 0", ""},
+                                             {3, "kill leader", ""},
+                                             {3, "hang leader", ""},
+                                             {3, "fill 0", ""},
+                                             {3, "kill all", "start all"}}) {
+        SCOPED_TRACE(one.fault);
         ::EtcdServers servers(one.members);
-        ASSERT_TRUE(servers.answers());
-        Node a("a");
-        Node b("b");
-        a.start(servers.hosts());
-        b.start(servers.hosts());
+        startBoth(servers);
         a.set(a.undoStep() + 1);
-        ASSERT_TRUE(a.isConnected());
-        ASSERT_TRUE(b.isConnected());
         ASSERT_TRUE(b.shows(a.undoStep()));
-        if (one.fault) {
-            one.fault(servers);
-        }
+        servers.act(one.fault);
         a.set(a.undoStep() + 1);
-        if (one.repair) {
+        if (*one.repair != 0) {
             EXPECT_TRUE(a.becomes([&] { return !a.state().isConnected; }));
             EXPECT_EQ(a.state().waiting, 1);
             EXPECT_FALSE(a.state().reason.isEmpty());
-            one.repair(servers);
+            servers.act(one.repair);
         }
         EXPECT_TRUE(b.shows(a.undoStep()));
         EXPECT_TRUE(a.isConnected());
@@ -145,18 +129,14 @@ TEST_F(Cluster, AChangeReachesTheOtherMachineWhateverHappensToTheServers)
 TEST_F(Cluster, OfTwoChangesAtOnceOneHoldsEverywhereAndTheOtherIsToldAndSetAgain)
 {
     ::EtcdServers servers(1);
-    ASSERT_TRUE(servers.answers());
-    for (Node* machine : {&a, &b}) {
-        machine->start(servers.hosts());
-        ASSERT_TRUE(machine->isConnected());
-    }
-    servers.kill(0);
+    startBoth(servers);
+    servers.act("kill 0");
     a.set(80);
     b.set(90);
     a.stop(); // and is ended meanwhile
     a.start(servers.hosts());
     EXPECT_EQ(a.undoStep(), 80);
-    servers.start(0);
+    servers.act("start 0");
     ASSERT_TRUE(a.isConnected());
     ASSERT_TRUE(b.isConnected());
     ASSERT_EQ(a.lost.size() + b.lost.size(), 1U);
@@ -177,7 +157,6 @@ TEST_F(Cluster, OfTwoChangesAtOnceOneHoldsEverywhereAndTheOtherIsToldAndSetAgain
 TEST_F(Cluster, WhatIsCompactedWhileAMachineIsAwayIsReadWhenItComesBack)
 {
     ::EtcdServers servers(1);
-    ASSERT_TRUE(servers.answers());
     Proxy proxy(servers.host(0));
     a.start(servers.hosts());
     b.start(QStringList{proxy.host()});
@@ -207,7 +186,6 @@ TEST_F(Cluster, WhatIsCompactedWhileAMachineIsAwayIsReadWhenItComesBack)
 TEST_F(Cluster, AWatchThatStaysSilentIsNoticed)
 {
     ::EtcdServers servers(1);
-    ASSERT_TRUE(servers.answers());
     Proxy proxy(servers.host(0));
     a.start(servers.hosts());
     b.start(QStringList{proxy.host(), servers.host(0)});
@@ -223,8 +201,6 @@ TEST_F(Cluster, AWatchThatStaysSilentIsNoticed)
 TEST_F(Cluster, GarbageIsAnErrorAndAnotherServerIsAsked)
 {
     ::EtcdServers servers(1);
-    ASSERT_TRUE(servers.answers());
-    std::map<QByteArray, QString> reasons;
     for (const QByteArray& garbage : std::vector<QByteArray>{
              "HTTP/1.1 200 OK\r\nContent-Length: 6\r\n\r\n<html>", "SSH-2.0-x\r\n",
              QByteArray(5000, '\0'),
@@ -252,11 +228,7 @@ TEST_F(Cluster, ChangesWaitWhileAServerIsFullOrRefusesTheUserAndNoPasswordIsLogg
 {
     LogCapture log;
     ::EtcdServers servers(1, {"--quota-backend-bytes", "1000000"});
-    ASSERT_TRUE(servers.answers());
-    a.start(servers.hosts());
-    b.start(servers.hosts());
-    ASSERT_TRUE(a.isConnected());
-    ASSERT_TRUE(b.isConnected());
+    startBoth(servers);
     for (int i = 0; i < 20; ++i) {
         servers.ctl({"put", QStringLiteral("filler%1").arg(i), QString(100000, 'x')});
     }
@@ -324,10 +296,8 @@ TEST_F(Cluster, OnlyAServerWithAValidCertificateIsBelieved)
 TEST_F(Cluster, AMachineIsSeenWithItsCardsUntilItStopsAndIsKnownUntilItIsForgotten)
 {
     ::EtcdServers servers(1);
-    ASSERT_TRUE(servers.answers());
     const mivohost::EtcdServers hosts{servers.hosts(), false, {}, {}, {}};
-    a.start(hosts);
-    b.start(hosts);
+    startBoth(hosts);
     a.synchroniser().setSoundCards({{"x", "Card x", 4}, {"y", "Card y", 2}});
     // The cards of machine a, as pages of b are offered them; -1: it is not known.
     const auto cards = [this] {
@@ -342,6 +312,15 @@ TEST_F(Cluster, AMachineIsSeenWithItsCardsUntilItStopsAndIsKnownUntilItIsForgott
         });
     };
     EXPECT_TRUE(b.becomes([&] { return cards() == 2; }));
+    QStringList otherVersions;
+    QObject::connect(&b.synchroniser(), &Synchroniser::otherVersion, [&](const Machine& machine) {
+        otherVersions.append(machine.name + ' ' + machine.version);
+    });
+    for (const char* key : {"live", "machine"}) {
+        servers.ctl({"put", QStringLiteral("/mivo/1/Show-1/%1/id-c").arg(key),
+                     R"({"name":"c","version":"99.1"})"});
+    }
+    EXPECT_TRUE(b.becomes([&] { return otherVersions == QStringList{"c 99.1"}; }));
     QString error;
     forgetMachine("a", b.setupWith(hosts), error);
     EXPECT_TRUE(error.contains("is connected")) << error.toStdString();
@@ -361,7 +340,6 @@ TEST_F(Cluster, AMachineIsSeenWithItsCardsUntilItStopsAndIsKnownUntilItIsForgott
 TEST_F(Cluster, KeysOfActionsAreSharedEachForItself)
 {
     ::EtcdServers servers(1);
-    ASSERT_TRUE(servers.answers());
     QDir().mkpath(QFileInfo(mivo::settings::shortCutFilePath()).path());
     mivo::settings::ShortCutMgr manager;
     STLinkShortCutInfo info;
@@ -402,8 +380,7 @@ TEST_F(Cluster, KeysOfActionsAreSharedEachForItself)
 TEST_F(Cluster, ProgramsShareAShowAndAMachineIsReplaced)
 {
     ::EtcdServers servers(1);
-    ASSERT_TRUE(servers.answers());
-    QTemporaryDir homes[3];
+    QTemporaryDir homes[4];
     const QStringList store{"--store", "etcd://" + servers.host(0) + "/Show-1"};
     const auto run = [&](int home, const QStringList& arguments) {
         QProcess process;
@@ -415,20 +392,54 @@ TEST_F(Cluster, ProgramsShareAShowAndAMachineIsReplaced)
     QDir(homes[1].path()).mkpath("data/mivo/mivohost");
     {
         auto own = SqlitePersistence::open(homes[1].filePath("data/mivo/mivohost/settings.sqlite"));
-        ASSERT_TRUE(own.persistence && own.persistence->write("language", "zh_cn"));
+        ASSERT_TRUE(own.persistence && own.persistence->write({{"language", "zh_cn"}}));
     }
     Program first(homes[0].path(), store + QStringList{"--settings", "--machine-name", "alpha"});
     Program second(homes[1].path(), store + QStringList{"--machine-name", "beta"});
     ASSERT_TRUE(first.says("settings dialog open")) << first.output().constData();
-    ASSERT_TRUE(second.says("connected to")) << second.output().constData();
+    Program third(homes[2].path(), store + QStringList{"--machine-name", "gamma"});
+    for (Program* other : {&second, &third}) {
+        ASSERT_TRUE(other->says("connected to")) << other->output().constData();
+    }
     first.reachUndoSteps();
     first.press("Up Return");
-    EXPECT_TRUE(second.says("setting undoStep = 51 by machine alpha"))
-        << second.output().constData();
+    for (Program* other : {&second, &third}) {
+        EXPECT_TRUE(other->says("setting undoStep = 51 by machine alpha"))
+            << other->output().constData();
+    }
     second.kill();
-    EXPECT_EQ(run(2, {"--adopt", "beta"}), "0 settings taken over: 1\n");
-    EXPECT_TRUE(run(2, {"--print-settings"}).contains("language=zh_cn\n"));
-    EXPECT_EQ(run(2, {"--forget", "nobody"}), "3 ");
-    EXPECT_TRUE(QTest::qWaitFor([&] { return run(2, {"--forget", "beta"}) == "0 "; }, 20000));
+    EXPECT_EQ(run(3, {"--adopt", "beta"}), "0 settings taken over: 1\n");
+    EXPECT_TRUE(run(3, {"--print-settings"}).contains("language=zh_cn\n"));
+    EXPECT_EQ(run(3, {"--forget", "nobody"}), "3 ");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return run(3, {"--forget", "beta"}) == "0 "; }, 20000));
     EXPECT_TRUE(servers.ctl({"get", "--prefix", "/mivo/1/Show-1/own/"}).isEmpty());
+}
+
+TEST_F(Cluster, TheWindowTellsHowItStandsAndSetsAgainWhatWasLost)
+{
+    const InEnglish english;
+    a.start(QStringList{"127.0.0.1:1"});
+    ProjectFile project(a.runtime, *a.store);
+    Peripherals peripherals(a.runtime, *a.store);
+    MainWindow window(a.runtime, *a.store, project, peripherals);
+    ShowBar bar(a.synchroniser(), window);
+    const auto shows = [&bar](const char* name, const QString& text) {
+        return bar.findChild<QLabel*>(name)->text().contains(text);
+    };
+    EXPECT_TRUE(a.becomes([&] { return shows("showState", "refused"); }));
+    EXPECT_TRUE(shows("showState", "Show “Show-1”: alone since "));
+    window.show();
+    emit a.synchroniser().lost({"undoStep", 80, 70, "b"});
+    emit a.synchroniser().lost({"shortcut:211:a%2Fb", "Ctrl + K", "Ctrl + L", "b"});
+    EXPECT_TRUE(shows("lostChange", "“undoStep” is now 70, set by b, which was faster than your "
+                                    "change to 80 (2)"));
+    bar.findChild<QPushButton*>("setAgain")->click();
+    EXPECT_TRUE(a.shows(80));
+    EXPECT_TRUE(a.becomes([&] { return shows("showState", ", changes not sent yet: 1 ("); }));
+    EXPECT_TRUE(shows("lostChange", "“a/b” is now Ctrl + L"));
+    window.switchLanguage("zh_cn");
+    EXPECT_FALSE(shows("lostChange", "faster"));
+    bar.findChild<QPushButton*>("leaveLost")->click();
+    EXPECT_FALSE(bar.findChild<QLabel*>("lostChange")->isVisible());
+    EXPECT_EQ(a.state().waiting, 1);
 }

@@ -2,8 +2,6 @@
 
 #include "support/test.h"
 
-#include <algorithm>
-
 TEST(ClusterSimulator, TellsTheStoreWhatHappens)
 {
     const LogCapture log;

@@ -1,6 +1,5 @@
 #include <mivosettingswidgets/displaycontrolsettingbox.h>
 
-#include "support/hostlanguage.h"
 #include "support/pagetest.h"
 
 namespace displaycontroltest {
@@ -12,6 +11,7 @@ TEST_F(DisplayControl, HasFadesInSecondsWithOneDecimalAndHandsBothOverInOneReque
     std::vector<std::pair<double, double>> applied;
     store.fadeTimesApplied.connect(
         [&](double fadeIn, double fadeOut) { applied.emplace_back(fadeIn, fadeOut); });
+    activateWindow(page);
     auto* apply = control<mivo::widgets::PushButton>();
     apply->click();
     EXPECT_EQ(warned(log), "sharedSettings is nullptr!|onApplySettings");
@@ -24,7 +24,6 @@ TEST_F(DisplayControl, HasFadesInSecondsWithOneDecimalAndHandsBothOverInOneReque
         EXPECT_EQ(read.line, line);
     }
     auto* fadeIn = control<mivo::widgets::SpinEditBox>(0);
-    EXPECT_EQ(fadeIn->text(), "0.5seconds") << "until it is translated";
     typeInto(fadeIn, "9.96");
     typeInto(control<mivo::widgets::SpinEditBox>(1), "10.1");
     const InEnglish english;

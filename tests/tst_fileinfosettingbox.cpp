@@ -2,9 +2,6 @@
 
 #include "support/pagetest.h"
 
-#include <QtCore/QDir>
-#include <QtCore/QTemporaryDir>
-
 namespace fileinfosettingboxtest {
 
 using FileInfo = PageTest<mivo::settings::FileInfoSettingBox>;
@@ -30,13 +27,6 @@ TEST_F(FileInfo, TellsOnceForEachPathThatChangesWhetherTheDriveIsFull)
     ASSERT_TRUE(QTest::qWaitFor([&] { return notified.size() == 3; }));
     EXPECT_TRUE(page->findChild<QLabel*>("cacheSpaceTips")->isHidden());
 
-    auto* combo = page->findChild<mivo::widgets::ComboBox*>("playLogStorageTime");
-    combo->removeItem(1); // so that codes and places differ
-    combo->setCurrentIndex(2);
-    EXPECT_EQ(combo->currentText(), "SixMonths");
-    announce([this] { store.playLogStorageTimeTypeChanged(17); }); // a code that there is not
-    EXPECT_EQ(combo->currentData(), 3);
-
     // The page may go while the dialog of a row is open.
     whenModal<QFileDialog>([&](QFileDialog& dialog) {
         EXPECT_EQ(dialog.directory().path(), root.path()) << "where the folder of the row is";
@@ -45,7 +35,7 @@ TEST_F(FileInfo, TellsOnceForEachPathThatChangesWhetherTheDriveIsFull)
     });
     qobject_cast<QPushButton*>(control<mivo::widgets::EditBox>(1)->nextInFocusChain())->click();
     EXPECT_TRUE(page.isNull());
-    EXPECT_EQ(written(), "playLogStorageTimeType=3");
+    EXPECT_EQ(written(), "");
     EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
 }
 

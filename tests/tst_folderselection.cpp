@@ -1,20 +1,11 @@
 #include "folders/folderselection.h"
 
-#include "support/files.h"
 #include "support/qtlog.h"
 #include "support/test.h"
-
-#include <QtCore/QDir>
-#include <QtCore/QTemporaryDir>
-#include <QtWidgets/QProgressDialog>
-
-#include <future>
 
 namespace folderselectiontest {
 
 using namespace mivo::settings;
-
-namespace {
 
 class FolderChoice : public ::testing::TestWithParam<const FolderRules*>
 {
@@ -43,7 +34,7 @@ protected:
     }
     bool choose(const FolderDependencies& with = {})
     {
-        log.lines().clear();
+        log.take();
         watch.tips.clear();
         const bool isChosen =
             FolderSelection(*GetParam(), page.get(), with).createSecLevelDir(folder, "/sub");
@@ -60,53 +51,43 @@ protected:
     TipWatch watch;
 };
 
-} // namespace
-
 TEST_P(FolderChoice, EndsAtTheFirstCheckThatFailsWithItsLineAndItsTip)
 {
     const struct
     {
         std::optional<QStringList> selected;
-        std::string projectLine;
-        std::string fileInfoLine;
-        QString projectTip;
-        QString fileInfoTip;
-        int kind;
+        const char* projectLine;
+        const char* fileInfoLine; // null: the same
+        const char* projectTip;
+        const char* fileInfoTip;
     } cases[]{
-        {std::nullopt, "", "", "", "", 0},
-        {QStringList(), "--ProjectSetting--browse folder is empty!", "same", "", "", 0},
-        {QStringList(QString()), "--ProjectSetting--browse folder is empty!", "same", "", "", 0},
+        {std::nullopt, "", "", "", ""},
+        {QStringList(), "--ProjectSetting--browse folder is empty!", nullptr, "", ""},
         {QStringList(path("file")), "--ProjectSetting-- compare last time path is true!",
-         "--ProjectSetting--The selected folder is not a folder!", "", "", 0},
+         "--ProjectSetting--The selected folder is not a folder!", "", ""},
         {QStringList(path("current")), "", "--FileInfoSetting-- compare last time path is true!",
-         "", "", 0},
+         "", ""},
         {QStringList(path("mobile")),
-         "--ProjectSetting--The current folder belongs to a mobile device!", "same", "MoblieTip",
-         "MoblieTips", 2},
-        {QStringList("/proc"), "--ProjectSetting--have no permission to write file!", "same",
-         "NoAuthorized", "NoPermission", 2},
-        {QStringList(path("taken")), "--ProjectSetting--make next level dir failure!", "same",
-         "MakeDirTips", "MakeDirTips", 0},
+         "--ProjectSetting--The current folder belongs to a mobile device!", nullptr,
+         "MoblieTip||2", "MoblieTips||2"},
+        {QStringList("/proc"), "--ProjectSetting--have no permission to write file!", nullptr,
+         "NoAuthorized||2", "NoPermission||2"},
+        {QStringList(path("taken")), "--ProjectSetting--make next level dir failure!", nullptr,
+         "MakeDirTips||0", "MakeDirTips||0"},
     };
     for (const auto& test : cases) {
         SCOPED_TRACE(test.selected.value_or(QStringList()).join(' ').toStdString());
         EXPECT_FALSE(select(test.selected));
-        const bool isSame = isProject() || test.fileInfoLine == "same";
-        const std::string line = isSame ? test.projectLine : test.fileInfoLine;
-        EXPECT_EQ(log.lines(), line.empty() ? std::vector<std::string>() : std::vector{line});
-        const QString tip = isProject() ? test.projectTip : test.fileInfoTip;
-        ASSERT_EQ(watch.tips.size(), tip.isEmpty() ? 0U : 1U);
-        if (!tip.isEmpty()) {
-            EXPECT_EQ(watch.tips[0].text, tip);
-            EXPECT_EQ(watch.tips[0].kind, test.kind);
-        }
+        const bool isSame = isProject() || test.fileInfoLine == nullptr;
+        EXPECT_EQ(log.take(), isSame ? test.projectLine : test.fileInfoLine);
+        EXPECT_EQ(watch.tips.join('\n'), isProject() ? test.projectTip : test.fileInfoTip);
     }
     folder = path("mobile");
     EXPECT_FALSE(select(QStringList(folder)));
-    EXPECT_EQ(watch.tips.size(), isProject() ? 0U : 1U) << "set already, but checked before";
+    EXPECT_EQ(watch.tips.isEmpty(), isProject()) << "set already, but checked before";
     dependencies.isMobile = [](const QString& chosen) { return !QDir(chosen).removeRecursively(); };
     EXPECT_FALSE(select(QStringList(path("chosen"))));
-    EXPECT_EQ(log.lines().size(), 1U);
+    EXPECT_NE(log.take(), "");
     EXPECT_FALSE(QFileInfo::exists(path("chosen"))) << "what has vanished is not made again";
 }
 
@@ -116,15 +97,8 @@ TEST_P(FolderChoice, MakesTheSubFolderAndLeavesItsPath)
     for (const QString& chosen : {path("chosen"), path("目录 с пробелом"), path("chosen")}) {
         folder = path("current");
         whenModal<QFileDialog>([&](QFileDialog& dialog) {
-            EXPECT_EQ(dialog.parent(), nullptr);
-            EXPECT_EQ(dialog.windowTitle(), "SelectFolder");
             EXPECT_EQ(dialog.directory().absolutePath(), path("current"));
-            EXPECT_EQ(dialog.viewMode(), QFileDialog::Detail);
             EXPECT_EQ(dialog.fileMode(), QFileDialog::Directory);
-            EXPECT_TRUE(dialog.testOption(QFileDialog::ShowDirsOnly));
-            EXPECT_FALSE(dialog.acceptDrops());
-            EXPECT_EQ(dialog.labelText(QFileDialog::FileName), "NameInput");
-            EXPECT_EQ(dialog.labelText(QFileDialog::Reject), "Cancel");
             EXPECT_EQ(dialog.labelText(QFileDialog::Accept), isProject() ? "OpenProject" : "Open");
             chooseFolder(dialog, chosen);
         });
@@ -136,8 +110,7 @@ TEST_P(FolderChoice, MakesTheSubFolderAndLeavesItsPath)
     EXPECT_TRUE(select(QStringList(path("chosen") + '/')));
     EXPECT_EQ(folder, path("chosen") + "/sub") << "one slash at the end is taken off";
     EXPECT_EQ(checked.last(), path("chosen") + '/') << "a drive is checked with its slash";
-    EXPECT_TRUE(log.lines().empty());
-    EXPECT_TRUE(watch.tips.empty());
+    EXPECT_EQ(log.take() + watch.tips.join('\n').toStdString(), "");
 }
 
 TEST_P(FolderChoice, AFolderThatHangsIsWaitedForWhileTheUserWantsTo)
@@ -160,8 +133,7 @@ TEST_P(FolderChoice, AFolderThatHangsIsWaitedForWhileTheUserWantsTo)
     page = std::make_unique<QWidget>();
     whenModal<QProgressDialog>([&answer](auto&) { answer.set_value(); });
     EXPECT_TRUE(select(QStringList(path("chosen"))));
-    EXPECT_TRUE(log.lines().empty());
-    EXPECT_TRUE(watch.tips.empty());
+    EXPECT_EQ(log.take() + watch.tips.join('\n').toStdString(), "");
 }
 
 TEST_P(FolderChoice, MayLoseItsPageWhileADialogIsOpen)
@@ -172,24 +144,11 @@ TEST_P(FolderChoice, MayLoseItsPageWhileADialogIsOpen)
     page = std::make_unique<QWidget>();
     watch.onTip = [this] { page.reset(); };
     EXPECT_FALSE(select(QStringList(path("mobile"))));
-    EXPECT_EQ(watch.tips.size(), 1U);
+    EXPECT_EQ(watch.tips.size(), 1);
 }
 
 INSTANTIATE_TEST_SUITE_P(Pages, FolderChoice,
                          ::testing::Values(&projectFolderRules, &fileInfoFolderRules),
                          [](const auto& info) { return info.index == 0 ? "Project" : "FileInfo"; });
-
-TEST(FolderPaths, ADriveIsTwoCharactersAtTheStart)
-{
-    using Case = std::tuple<QString, QString, QString>;
-    for (const auto& [path, drive, trimmed] :
-         {Case("", "", ""), Case("/", "", "/"), Case("D:/", "D:", "D:"),
-          Case("D:/cache//", "D:", "D:/cache/"), Case("D:\\cache", "", "D:\\cache"),
-          Case("//server/share", "", "//server/share"), Case("//nt/share", "", "//nt/share"),
-          Case("DD:/cache", "", "DD:/cache")}) {
-        EXPECT_EQ(driveOf(path), drive) << path;
-        EXPECT_EQ(withoutTrailingSlash(path), trimmed) << path;
-    }
-}
 
 } // namespace folderselectiontest

@@ -4,9 +4,7 @@
 #include "support/test.h"
 #include "support/xscreen.h"
 
-#include <QtCore/QProcess>
 #include <QtCore/QStandardPaths>
-#include <QtGui/QKeyEvent>
 
 #include <iostream>
 
@@ -15,8 +13,6 @@ namespace keylayoutstest {
 using mivo::widgets::keySequenceOf;
 using mivo::widgets::keySequenceText;
 
-namespace {
-
 /// Keeps each key that is pressed as it is bound and triggered.
 class Listener : public QWidget
 {
@@ -24,21 +20,10 @@ public:
     QString pressed;
 
 protected:
-    bool event(QEvent* event) override
-    {
-        if (event->type() == QEvent::ShortcutOverride) {
-            event->accept();
-            return true;
-        }
-        return QWidget::event(event);
-    }
     void keyPressEvent(QKeyEvent* event) override
     {
         const QString text = keySequenceText(*event);
-        if (!text.isEmpty()) {
-            const bool isReadBack = !keySequenceOf(text).isEmpty();
-            pressed += text + (isReadBack ? "," : " cannot be read back,");
-        }
+        pressed += text.isEmpty() || keySequenceOf(text).isEmpty() ? text : text + ',';
     }
 };
 
@@ -56,20 +41,14 @@ int pressKeys(const QStringList& arguments)
     for (const QString& argument : arguments.mid(1)) {
         listener.pressed.clear();
         QProcess::execute("setxkbmap", {"-layout", argument.section(':', 0, 0)});
-        const QStringList keys = argument.section(':', 1).split(' ');
-        QProcess::execute("xdotool", QStringList("key") + keys + QStringList("F12"));
+        QProcess::execute("xdotool", ("key " + argument.section(':', 1) + " F12").split(' '));
         EXPECT_TRUE(QTest::qWaitFor([&] { return listener.pressed.contains("F12"); }));
         std::cout << listener.pressed.toStdString() << std::endl;
     }
     return 0;
 }
 
-const bool isRegistered = [] {
-    otherProcesses()["--as-keys"] = pressKeys;
-    return true;
-}();
-
-} // namespace
+const bool isRegistered = otherProcesses().emplace("--as-keys", pressKeys).second;
 
 TEST(KeySequences, AreWrittenWithTheirModifiersInOrderAndReadBack)
 {
@@ -98,11 +77,8 @@ TEST(KeyLayouts, KeysAreNamedAsTheirLayoutCallsThem)
         || QStandardPaths::findExecutable("setxkbmap").isEmpty()) {
         GTEST_SKIP() << "no Xvfb, xdotool or setxkbmap that can be used here";
     }
-    const struct
-    {
-        const char* keys; // numbers are those of keys, whatever is printed on them
-        const char* text;
-    } cases[]{
+    // Numbers are those of keys, whatever is printed on them.
+    const std::pair<const char*, std::string> cases[]{
         {"us:shift+10", "Shift + !"},
         {"us:ctrl+30", "Ctrl + U"},
         {"fr:shift+10", "Shift + 1"},
@@ -116,9 +92,9 @@ TEST(KeyLayouts, KeysAreNamedAsTheirLayoutCallsThem)
     };
     QStringList arguments{"--as-keys"};
     std::string expected;
-    for (const auto& test : cases) {
-        arguments.append(test.keys);
-        expected += test.text + std::string(",F12,\n");
+    for (const auto& [keys, text] : cases) {
+        arguments.append(keys);
+        expected += text + ",F12,\n";
     }
     auto environment = QProcessEnvironment::systemEnvironment();
     screen.addTo(environment);

@@ -2,13 +2,9 @@
 
 #include "support/test.h"
 
-#include <QtNetwork/QTcpSocket>
-
 namespace listenertest {
 
 using mivohost::Listener;
-
-namespace {
 
 class Ports : public ::testing::Test
 {
@@ -29,8 +25,6 @@ protected:
     QTcpServer tcp;
     QUdpSocket udp;
 };
-
-} // namespace
 
 TEST_F(Ports, AreOpenedAndThoseThatAreTakenAreTriedAgainUntilAnotherRequest)
 {
@@ -55,7 +49,6 @@ TEST_F(Ports, AreOpenedAndThoseThatAreTakenAreTriedAgainUntilAnotherRequest)
     EXPECT_TRUE(QTest::qWaitFor([&] { return runtime.call([&] { return reasons.size() > 3; }); }))
         << "a page that comes later is told as well";
     EXPECT_EQ(failed.size(), 2) << "and the operator once";
-    EXPECT_EQ(failed[0][0], "PortFailed");
     EXPECT_EQ(runtime.call([&] { return store.kept.rows; }), kept) << "it stays requested";
     tcp.close();
     udp.close();
@@ -63,9 +56,7 @@ TEST_F(Ports, AreOpenedAndThoseThatAreTakenAreTriedAgainUntilAnotherRequest)
         EXPECT_TRUE(becomes(isTcp, {true, ports[isTcp]}));
     }
     EXPECT_EQ(recovered.size(), 2);
-    QTcpSocket client;
-    client.connectToHost(QHostAddress::LocalHost, ports[1]);
-    EXPECT_TRUE(client.waitForConnected());
+    EXPECT_FALSE(tcp.listen(QHostAddress::Any, ports[1]));
     EXPECT_FALSE(udp.bind(QHostAddress::Any, ports[0]));
 
     runtime.call([&] {

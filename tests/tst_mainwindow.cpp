@@ -1,45 +1,32 @@
 #include "surface/mainwindow.h"
 
 #include "base/hosttext.h"
-#include "mivohostkit/runtimethread.h"
 #include "peripherals/peripherals.h"
-#include "project/projectfile.h"
+#include "surface/importdialog.h"
+#include "surface/settingstexts.h"
 #include "system/tray.h"
 
-#include "support/ended.h"
 #include "support/hostlanguage.h"
-#include "support/test.h"
+#include "support/projecttest.h"
 
-#include <QtCore/QTemporaryDir>
-#include <QtWidgets/QComboBox>
+#include <mivosettingswidgets/settingsdialog.h>
+
+#include <QtWidgets/QDialogButtonBox>
 #include <QtWidgets/QMenuBar>
 #include <QtWidgets/QMessageBox>
-#include <QtWidgets/QTreeWidget>
 
-namespace mainwindowtest {
+namespace projecttest {
 
-using namespace mivohost;
+using mivo::widgets::TipDialog;
 
-namespace {
-
-class Window : public ::testing::Test
+class Window : InEnglish, public ProjectTest
 {
 protected:
-    const InEnglish english;
-
     Window()
     {
-        auto& translator = SettingWdigetTranslateManager::instance().translator();
-        translator.setMissingTextHandler(
-            [this](const QString&, const QString&, const QString& key) { missing.append(key); });
-        project.start();
         window.switchLanguage("en");
         window.show();
         EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
-    }
-    ~Window() override
-    {
-        SettingWdigetTranslateManager::instance().translator().setMissingTextHandler(nullptr);
     }
 
     /// Presses the button at that place of the next question; notes the question's text.
@@ -50,81 +37,58 @@ protected:
             QTest::mouseClick(question.buttons().at(button), Qt::LeftButton);
         });
     }
-    enum Answer { save, stay, drop }; // in the order of QMessageBox::buttons()
+    enum Answer { keep, stay, drop }; // in the order of QMessageBox::buttons()
 
-    bool open(const QString& file)
+    /// Whether such a text is the last message, or is soon.
+    bool says(const std::string& text)
     {
-        return ended([&](const auto& done) { project.open(file, done); });
-    }
-    bool saveAs(const QString& file)
-    {
-        return ended([&](const auto& done) { project.saveAs(file, done); });
+        return QTest::qWaitFor([&] {
+            const auto& messages = window.messages().messages();
+            return !messages.empty() && messages.back().text.find(text) != std::string::npos;
+        });
     }
 
-    LogCapture log;
-    QTemporaryDir folder;
-    QStringList missing;
     QStringList asked;
-    RuntimeThread runtime;
-    TestStore store;
-    ProjectFile project{runtime, store};
-    Peripherals peripherals{runtime, store};
-    MainWindow window{runtime, store, project, peripherals};
+    Peripherals peripherals{runtime, *store};
+    MainWindow window{runtime, *store, *file, peripherals};
     QSignalSpy closed{&window, &MainWindow::closed};
 };
 
-} // namespace
-
 TEST_F(Window, AsksBeforeChangesAreLost)
 {
-    project.play(3);
+    file->play(3);
     answer(stay);
     window.close();
     EXPECT_TRUE(window.isVisible());
     EXPECT_EQ(asked, QStringList{"Save the changes to “Unnamed project”?"});
 
-    const QString file = folder.filePath("a&b.mivo");
-    ASSERT_TRUE(saveAs(file));
-    project.play(4);
+    ASSERT_TRUE(saveAs(path("a&b.mivo")));
+    file->play(4);
     answer(drop);
     window.menuBar()->actions().at(0)->menu()->actions().at(0)->trigger(); // New
-    EXPECT_EQ(project.state().file, "");
-    EXPECT_FALSE(project.state().modified);
+    EXPECT_EQ(file->state().file, "");
+    EXPECT_FALSE(file->state().modified);
 
-    ASSERT_TRUE(open(file));
-    EXPECT_EQ(project.state().project.lastPlayed, 3) << "dropped";
-    project.play(4);
-    answer(save);
+    ASSERT_TRUE(open(path("a&b.mivo")));
+    EXPECT_EQ(file->state().project.lastPlayed, 3) << "dropped";
+    file->play(4);
+    answer(keep);
     window.close();
     EXPECT_TRUE(QTest::qWaitFor([this] { return closed.size() == 1; })) << "when it is saved";
     EXPECT_EQ(asked.size(), 3);
-    ASSERT_TRUE(open(file));
-    EXPECT_EQ(project.state().project.lastPlayed, 4);
+    ASSERT_TRUE(open(path("a&b.mivo")));
+    EXPECT_EQ(file->state().project.lastPlayed, 4);
 
     window.show();
-    project.play(5);
+    file->play(5);
     ASSERT_FALSE(QSystemTrayIcon::isSystemTrayAvailable());
     window.showTray();
     runtime.call([this] {
-        store.setNotPromptForSave(true);
-        store.setCloseSoftWareMinimize(true);
+        store->setNotPromptForSave(true);
+        store->setCloseSoftWareMinimize(true);
     });
     window.close();
     EXPECT_EQ(closed.size(), 2) << "without a question, and there is no tray to hide to";
-}
-
-TEST_F(Window, OpensRecentFilesFromItsMenu)
-{
-    ASSERT_TRUE(saveAs(folder.filePath("one.mivo")));
-    ASSERT_TRUE(saveAs(folder.filePath("two.mivo")));
-    auto* menu = window.menuBar()->actions().at(0)->menu();
-    emit menu->aboutToShow();
-    auto* recent = menu->actions().at(2)->menu();
-    ASSERT_EQ(recent->actions().size(), 2);
-    recent->actions().at(1)->trigger();
-    EXPECT_TRUE(
-        QTest::qWaitFor([this] { return project.state().file == folder.filePath("one.mivo"); }));
-    EXPECT_TRUE(window.windowTitle().startsWith("one[*]"));
 }
 
 TEST_F(Window, ShowsAFailureUntilItIsDismissedAndKeepsEachMessage)
@@ -133,65 +97,222 @@ TEST_F(Window, ShowsAFailureUntilItIsDismissedAndKeepsEachMessage)
     for (const auto* label : window.findChildren<QLabel*>()) {
         notice = label->property("style") == "notice" ? label : notice;
     }
-    EXPECT_FALSE(open(folder.filePath("missing.mivo")));
+    EXPECT_FALSE(open(path("missing.mivo")));
     EXPECT_TRUE(notice->isVisible());
     const QString failure = notice->text();
     EXPECT_TRUE(failure.contains("missing.mivo"));
     window.settings(); // whose pages post messages, too
     runtime.call([this] {
-        store.applyFadeTimes(1, 1);
-        store.soundCards().reportMismatch({true, "left", "card"});
+        store->applyFadeTimes(1, 1);
+        store->soundCards().reportMismatch({true, "left", "card"});
     });
     EXPECT_TRUE(QTest::qWaitFor([this] { return window.messages().messages().size() == 3; }));
     EXPECT_EQ(notice->text(), failure);
-    using namespace velorn::msgcenter;
-    EXPECT_EQ(window.messages().messages()[0].kind, MsgWarning);
     EXPECT_EQ(window.messages().messages()[0].text, failure.toStdString());
-    EXPECT_EQ(window.messages().messages()[1].kind, MsgInformation);
     QTest::mouseClick(window.findChild<QPushButton*>("dismissNotice"), Qt::LeftButton);
     EXPECT_FALSE(notice->isVisible());
     runtime.call([this] {
-        store.kept.fails = true;
-        store.setUndoStep(80);
+        store->kept.fails = true;
+        store->setUndoStep(80);
     });
     EXPECT_TRUE(QTest::qWaitFor([&] { return notice->isVisible(); }));
     EXPECT_TRUE(notice->text().contains("disk full"));
 }
 
+TEST_F(Window, ImportsTheSettingsThatAreTicked)
+{
+    const QString path = this->path("settings.json");
+    const auto chosen = [this, &path] {
+        window.transfer().importFrom(path);
+        ImportDialog* dialog = nullptr;
+        EXPECT_TRUE(QTest::qWaitFor([&] {
+            return (dialog = window.findChild<ImportDialog*>()) != nullptr && dialog->isVisible();
+        }));
+        return dialog;
+    };
+    const auto accept = [](QDialog* dialog) {
+        const QPointer<QDialog> open(dialog);
+        auto* buttons = dialog->findChild<QDialogButtonBox*>();
+        QTest::mouseClick(buttons->button(QDialogButtonBox::Ok), Qt::LeftButton);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return open.isNull(); }));
+    };
+    writeFile(path, R"({"schema":"mivo-settings","version":1,"machine":"a","settings":{
+        "undoStep":81,"mfps":true,"blackScreenMute":true,"language":"zh_cn","later":1,
+        "osc":{"enabled":true,"port":16}}})");
+    auto* dialog = chosen();
+    auto* changes = dialog->findChild<QTreeWidget*>("importChanges");
+    QStringList rows;
+    for (QTreeWidgetItemIterator item(changes); *item != nullptr; ++item) {
+        rows.append(QString::number((*item)->checkState(0)) + ' ' + (*item)->text(0) + ' '
+                    + (*item)->text(1) + ' ' + (*item)->text(2));
+    }
+    EXPECT_EQ(rows.join('\n'), "2 Undo and redo  \n"
+                               "2 Undo steps 50 81\n"
+                               "2 Display control  \n"
+                               "2 MFPS Off On\n"
+                               "2 Mute while the screen is black Off On\n"
+                               "0 Network  \n"
+                               "0 Use OSC Off, 9000 On, 16\n"
+                               "0 Program  \n"
+                               "0 Language – zh_cn");
+    const auto* refused = dialog->findChild<QTreeWidget*>("importRefused");
+    EXPECT_EQ(refused->topLevelItem(0)->text(1), "this version does not know it");
+    const auto before = runtime.call([this] { return store->kept.rows; });
+    runtime.call([this] { store->kept.fails = true; });
+    accept(dialog);
+    EXPECT_EQ(runtime.call([this] { return store->kept.rows; }), before);
+    EXPECT_TRUE(says("nothing has changed: disk full"));
+    runtime.call([this] { store->kept.fails = false; });
+
+    dialog = chosen();
+    changes = dialog->findChild<QTreeWidget*>("importChanges");
+    const auto tick = [changes](const char* name, Qt::CheckState state) {
+        changes->findItems(name, Qt::MatchExactly | Qt::MatchRecursive)
+            .at(0)
+            ->setCheckState(0, state);
+    };
+    tick("Undo steps", Qt::Unchecked);
+    tick("Use OSC", Qt::Checked);
+    tick("Language", Qt::Checked);
+    accept(dialog);
+    EXPECT_EQ(runtime.call([this] { return store->kept.rows; }),
+              (QVariantHash{
+                  {"mfps", 1}, {"blackScreenMute", 1}, {"language", "zh_cn"}, {"osc", "1|16"}}));
+    EXPECT_EQ(peripherals.osc().info().port, 16) << "the service follows";
+    EXPECT_EQ(window.menuBar()->actions().at(0)->text(), hostText("Project"));
+    EXPECT_EQ(window.findChild<QComboBox*>("languages")->currentData(), "zh_cn");
+    EXPECT_TRUE(says("已导入的设置：4"));
+
+    dialog = chosen();
+    EXPECT_EQ(dialog->chosen().size(), 1U) << "the undo steps";
+    dialog->reject();
+    writeFile(path, "{");
+    window.transfer().importFrom(path);
+    EXPECT_TRUE(says("不是设置文件，第 1 行"));
+}
+
+TEST_F(Window, ExportsTheSectionsThatAreTicked)
+{
+    const QString path = this->path("settings.json");
+    whenModal<QDialog>([&](QDialog& sections) {
+        for (auto* box : sections.findChildren<QCheckBox*>()) {
+            box->setChecked(box->objectName() == "undo");
+        }
+        whenModal<QFileDialog>([&](QFileDialog& chooser) { chooseFolder(chooser, path); });
+        sections.accept();
+    });
+    window.transfer().chooseExport();
+    EXPECT_TRUE(says("The settings have been exported to " + path.toStdString()));
+    EXPECT_TRUE(readFile(path).contains("\"settings\": {\n        \"undoStep\": 50\n    }"))
+        << readFile(path).constData();
+    window.transfer().exportTo(folder.path(), {SettingsFile::Section::undo});
+    EXPECT_TRUE(says("The settings were not exported: " + folder.path().toStdString()));
+}
+
+TEST_F(Window, KeepsAllSettingsInAFileBeforeASectionIsPutBack)
+{
+    const QDir kept(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation)
+                    + "/keptsettings");
+    auto& dialog = window.settings().dialog();
+    QString told;
+    const auto putBack = [&] {
+        told.clear();
+        whenModal<TipDialog>([&](TipDialog& question) {
+            whenModal<TipDialog>([&](TipDialog& answer) {
+                told = answer.tipText() + ' ' + answer.findChild<QLabel*>("tipAssistText")->text();
+                answer.done(TipDialog::cancelled);
+            });
+            question.done(TipDialog::accepted);
+        });
+        dialog.findChild<QStackedWidget*>()
+            ->widget(0)
+            ->findChild<QPushButton*>("putBackSection")
+            ->click();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !told.isEmpty(); }));
+        return runtime.call([this] { return store->getUndoStep(); });
+    };
+    runtime.call([this] { store->setUndoStep(81); });
+    dialog.show();
+    QDir().mkpath(QFileInfo(kept.path()).path());
+    writeFile(kept.path()); // a file in place of the folder
+    EXPECT_EQ(putBack(), 81);
+    EXPECT_TRUE(told.contains(kept.path() + "/settings-")) << told.toStdString();
+    QFile::remove(kept.path());
+    QDir().mkpath(kept.path());
+    for (int i = 10; i < 22; ++i) {
+        writeFile(kept.filePath(QString("settings-2099%1.json").arg(i)));
+    }
+    EXPECT_EQ(putBack(), 50);
+    EXPECT_EQ(kept.entryList(QDir::Files).size(), 10);
+    const QString file = kept.filePath(kept.entryList(QDir::Files, QDir::Time).at(0));
+    EXPECT_TRUE(told.contains(file)) << told.toStdString();
+    EXPECT_TRUE(readFile(file).contains("\"undoStep\": 81"));
+}
+
 TEST_F(Window, HasEveryTextInTheLanguageThatIsChosen)
 {
+    QStringList missing;
+    auto& translator = SettingWdigetTranslateManager::instance().translator();
+    translator.setMissingTextHandler(
+        [&](const QString&, const QString&, const QString& key) { missing.append(key); });
     window.showTray();
-    project.play(1);
+    file->play(1);
+    std::map<int, QVariant> all; // that are taken along, by their keys
+    const std::string exported = runtime.call([this] {
+        const auto sections = SettingsFile::sections();
+        return SettingsFile::write(*store, {sections.begin(), sections.end()});
+    });
+    for (int key = 0; key <= static_cast<int>(SettingsFile::Key::listenAddress); ++key) {
+        const QString name = SettingsFile::nameOf(static_cast<SettingsFile::Key>(key));
+        if (exported.find('"' + name.toStdString() + "\":") != std::string::npos) {
+            all[key] = runtime.call([&] { return store->held(name); });
+        }
+    }
     auto* languages = window.findChild<QComboBox*>("languages");
     for (const int index : {1, 0, 1}) {
-        languages->setCurrentIndex(index);
-        emit languages->activated(index);
-        for (const char* key : {"ProjectNotOpened", "ProjectNotSaved", "AutomaticSaveFailed",
-                                "AutostartFailed", "PowerActionFailed", "SettingNotSaved",
-                                "ShortcutsNotExported", "ShortcutsNotImported"}) {
-            window.showNotice(key, "the reason");
-            QCoreApplication::processEvents();
-            EXPECT_NE(window.messages().messages().back().text.find("the reason"),
-                      std::string::npos)
-                << key;
+        chooseItem(languages, index);
+        for (const char* key :
+             {"ProjectNotOpened", "ProjectNotSaved", "AutomaticSaveFailed", "AutostartFailed",
+              "PowerActionFailed", "SettingNotSaved", "ShortcutsNotExported",
+              "ShortcutsNotImported", "SettingsExportedLate"}) {
+            EXPECT_TRUE(hostText(key).contains("%1")) << key;
         }
         for (const char* reason :
              {"0 is no port", "a program has no id of its own", "no such folder",
               "not a project file", "the file was replaced or removed",
               "written by a later version", "no answer", "a file is still being opened or saved",
-              "the open project has been changed meanwhile"}) {
+              "the open project has been changed meanwhile", "the file is too large",
+              "not a settings file", "too many settings, or the name of one is too long",
+              "a setting is there twice", "too deeply nested"}) {
             EXPECT_EQ(reasonText(reason) == reason, index == 0) << reason;
         }
-        for (const char* key :
-             {"DataInUse", "KeyHint", "MidiHint", "MidiNoDevice", "MidiOff", "DmxHint", "DmxOff",
-              "OscHint", "OscOff", "ShortcutFiles", "ClearShortcutsQuestion",
-              "ImportShortcutsQuestion", "FileTooLarge"}) {
+        for (const char* key : {"DataInUse", "KeyHint", "MidiHint", "MidiNoDevice", "MidiOff",
+                                "DmxHint", "DmxOff", "OscHint", "OscOff", "ShortcutFiles",
+                                "ClearShortcutsQuestion", "ImportShortcutsQuestion"}) {
             hostText(key);
         }
+        for (const auto& entry : runtime.call([this] { return store->all(); })) {
+            sectionText(entry.section);
+        }
+        for (const auto& [name, value] : all) {
+            const auto key = static_cast<SettingsFile::Key>(name);
+            settingText(key);
+            for (int number = 0; number <= ResourceOSD; ++number) {
+                valueText(key, value.type() == QVariant::Int ? QVariant(number) : value);
+            }
+        }
+        valueText(SettingsFile::Key::dynamicRangeConfig, "1|12");
+        for (const auto problem :
+             {SettingsFile::Problem::unknown, SettingsFile::Problem::notTaken,
+              SettingsFile::Problem::wrongType, SettingsFile::Problem::outOfRange,
+              SettingsFile::Problem::invalid}) {
+            refusedText({"", problem});
+        }
     }
+    translator.setMissingTextHandler(nullptr);
     EXPECT_EQ(missing, QStringList());
-    EXPECT_EQ(runtime.call([this] { return store.getLanguage(); }), "zh_cn");
+    EXPECT_EQ(runtime.call([this] { return store->getLanguage(); }), "zh_cn");
     EXPECT_EQ(window.findChild<QLabel*>("playing")->text(), "正在播放：Doors open");
 }
 
-} // namespace mainwindowtest
+} // namespace projecttest

@@ -4,9 +4,6 @@
 
 #include "support/test.h"
 
-#include <QtCore/QProcess>
-#include <QtCore/QTemporaryDir>
-
 #include <filesystem>
 #include <fstream>
 #include <sys/resource.h>
@@ -17,8 +14,6 @@ namespace mivoqutilstest {
 
 namespace fs = std::filesystem;
 using namespace mivo::qutils;
-
-namespace {
 
 /// A folder to work on, and one beside it that nothing may touch.
 class Folders : public ::testing::Test
@@ -51,8 +46,6 @@ protected:
 
 using ClearFolder = Folders;
 
-} // namespace
-
 TEST_F(Folders, HaveASubFolderMadeOrThePathLeftAlone)
 {
     write(work / "file");
@@ -62,11 +55,9 @@ TEST_F(Folders, HaveASubFolderMadeOrThePathLeftAlone)
         EXPECT_EQ(path, text(made.empty() ? folder : made));
         EXPECT_TRUE(made.empty() || fs::is_directory(made)) << made;
     };
-    for (const auto& [suffix, name] :
-         {std::pair("/a", "a"), {"//播放 .x/", "播放 .x"}, {"c/d", "c/d"}}) {
-        check(work, suffix, work / name);
-        check(work / "", suffix, work / name);
-    }
+    check(work, "/a", work / "a");
+    check(work / "", "//播放 .x/", work / "播放 .x");
+    check(work, "c/d", work / "c/d");
     for (const char* suffix : {"", "../up", "a/../..", "/.", "file/a"}) {
         check(work, suffix, {});
     }
@@ -127,11 +118,10 @@ TEST_F(ClearFolder, RemovesAllInItAndNothingThatALinkLeadsTo)
     int told = 0;
     const ClearResult result = clearFolder(text(root / "work link"),
                                            [&told](int removed) { return (told = removed) > 0; });
-    EXPECT_EQ(result.removed, all);
-    EXPECT_TRUE(result.notRemoved.isEmpty()) << result.notRemoved.join('\n');
+    EXPECT_EQ(std::tuple(result.removed, told), std::tuple(all, all));
+    EXPECT_EQ(result.notRemoved, QStringList());
     EXPECT_FALSE(result.cancelled || result.refused);
     EXPECT_TRUE(fs::is_empty(work));
-    EXPECT_EQ(told, all);
 }
 
 TEST_F(ClearFolder, TakesANestingBeyondTheOpenFilesThatItMayHaveAndEndsWhenItIsTold)
@@ -190,7 +180,7 @@ TEST_F(ClearFolder, IsNotLedOutsideByWhatChangesMeanwhile)
         return true;
     });
     EXPECT_TRUE(fs::is_empty(work)) << "it goes on with what is there now";
-    EXPECT_TRUE(result.notRemoved.isEmpty()) << result.notRemoved.join('\n');
+    EXPECT_EQ(result.notRemoved, QStringList());
     EXPECT_EQ(entries(root / "moved"), 4) << "only what it had opened was emptied";
 }
 
@@ -202,12 +192,11 @@ TEST_F(Folders, AreMobileOnADiskThatTheSystemCallsRemovable)
          {std::tuple("ata1/block/sda", "../../removable", "fixed", false),
           {"ata1/block/sda/sda1", "partition", "1", false},
           {"usb1/block/sdb", "removable", "1", true},
-          {"usb1/block/sdb/sdb1", "partition", "1", true},
           {"usb2/host/block/sdc", "../../../removable", "removable", true},
           {"usb2/host/block/sdc/sdc1", "partition", "1", true},
           {"mmc0/block/mmcblk0", "device/type", "SD", true},
           {"mmc1/block/mmcblk1", "device/type", "MMC", false},
-          {"virtual/dm-0", "slaves/sdb1/partition", "1", true}}) {
+          {"virtual/dm-0", "slaves/sdc1/partition", "1", true}}) {
         const fs::path device = root / "sys/devices" / folder;
         fs::create_directories(device);
         fs::create_directories((device / file).parent_path());

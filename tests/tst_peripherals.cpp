@@ -2,11 +2,6 @@
 
 #include "support/servicetest.h"
 
-#include <QtCore/QProcess>
-#include <QtNetwork/QNetworkDatagram>
-
-#include <array>
-
 namespace peripheralstest {
 
 using namespace mivo::peripheralcontrol;
@@ -14,19 +9,14 @@ using namespace mivohost;
 using Outcome = BindingTable::Outcome;
 using Infos = std::vector<SDeviceBindInfo>;
 
-namespace {
-
-bool isKnob(const std::string& text)
-{
-    return text.rfind("knob ", 0) == 0;
-}
-
 class Bindings : public ::testing::Test
 {
 protected:
     BindingTable make(const std::string& kept = {})
     {
-        return BindingTable({isKnob, kept, [this](const std::string& text) {
+        return BindingTable({[](const std::string& text) { return text.rfind("knob ", 0) == 0; },
+                             kept,
+                             [this](const std::string& text) {
                                  saved = text;
                                  ++saves;
                              }});
@@ -55,10 +45,7 @@ const std::string output = "/Peripherals/Global/OutputSwitch";
 
 QByteArray padded(QByteArray bytes)
 {
-    do {
-        bytes.append('\0');
-    } while (bytes.size() % 4 != 0);
-    return bytes;
+    return bytes.append(4 - bytes.size() % 4, '\0');
 }
 
 QByteArray number(quint32 value)
@@ -73,31 +60,24 @@ QByteArray message(const std::string& address, const QByteArray& types = {},
     return padded(address.c_str()) + padded(',' + types) + arguments;
 }
 
+struct DmxInput : DmxService
+{
+    explicit DmxInput(std::uint16_t port) : DmxService(setupFor(isControl), port)
+    {
+        DmxService::setInfo({true, "mivo", 0, 0, 0});
+    }
+};
+
+struct OscInput : OscService
+{
+    explicit OscInput(std::uint16_t port) { OscService::setInfo({true, port}); }
+};
+
 /// A service that receives datagrams, and what it tells.
 template <typename Service>
 class Input : public ::testing::Test
 {
 protected:
-    static constexpr bool isDmx = std::is_same_v<Service, DmxService>;
-
-    Input()
-    {
-        if constexpr (isDmx) {
-            service.setInfo({true, "mivo", 0, 0, 0});
-        } else {
-            service.setInfo({true, port});
-        }
-    }
-
-    Service make() const
-    {
-        if constexpr (isDmx) {
-            return DmxService(setupFor(DmxService::isControl), port);
-        } else {
-            return OscService();
-        }
-    }
-
     struct Step
     {
         QByteArray datagram;
@@ -123,14 +103,12 @@ protected:
 
     const std::uint16_t port = freeUdpPort();
     const char* address = "127.0.0.1"; // one at which it listens
-    Service service = make();
+    Service service{port};
     Told told{service};
 };
 
-using Dmx = Input<DmxService>;
-using Osc = Input<OscService>;
-
-} // namespace
+using Dmx = Input<DmxInput>;
+using Osc = Input<OscInput>;
 
 TEST_F(Bindings, AreChangedAndSavedOnlyWhenAControlIsFreeOrMoved)
 {
@@ -142,13 +120,11 @@ TEST_F(Bindings, AreChangedAndSavedOnlyWhenAControlIsFreeOrMoved)
     table.learn(188, "b");
     EXPECT_EQ(table.use("knob 1", true, false).first, Outcome::triggered) << "a repeat";
     EXPECT_EQ(table.use("knob 1", false, true).first, Outcome::refused);
-    EXPECT_EQ(table.use("knob 3", false, true).first, Outcome::nothing) << "learning has ended";
     table.learn(187, "a");
     EXPECT_EQ(table.use("knob 1", false, true).first, Outcome::learned) << "its own control";
     table.learn(187, "a");
     table.stopLearning();
     EXPECT_EQ(table.use("knob 2", true, true), std::pair(Outcome::triggered, second));
-    table.bind({188, "b", "no control"});
     table.unbind(188, "other");
     EXPECT_EQ(table.bindings(), (Infos{first, second}));
     EXPECT_EQ(saves, 2);
@@ -170,14 +146,10 @@ TEST_F(Bindings, SurviveARestartAndWhatCannotBeReadIsDropped)
     EXPECT_EQ(saves, 1);
     EXPECT_EQ(make(saved).bindings(),
               (Infos{{187, "", "knob 1"}, {211, "/Peripherals/组/\"1\"", "knob é"}}));
-    EXPECT_TRUE(log.lines().empty());
     const Infos last{{2, "b", "knob 1"}};
     for (const auto& [kept, bindings] : {
              std::pair("[", Infos()),
              std::pair(R"([{"type":1,"path":"a","control":"lever"}])", Infos()),
-             std::pair(
-                 R"([{"type":1,"control":"knob 1"},{"type":2,"path":"b","control":"knob 1"}])",
-                 last),
              std::pair(R"([7,{"type":1,"path":"a","control":"knob 1"},)"
                        R"({"type":2,"path":"b","control":"knob 1"}])",
                        last), // one owner of each control
@@ -202,43 +174,19 @@ TEST_F(Bindings, TakeOneControlWhenTwoDevicesMoveAtOnce)
     }
 }
 
-TEST(Controls, AreNamedByOneTextEach)
-{
-    const QString midi = "CC 7 ch 1 (X)|Note C#-1 ch 16 (a (b) #2)|Program 127 ch 9 (X)";
-    const QString dmx = "DMX 1|DMX 512";
-    const QString none = "CC 120 ch 1 (X)|CC 7 ch 0 (X)|CC 7 ch 17 (X)|Note G#9 ch 1 (X)|"
-                         "Note H4 ch 1 (X)|Note C99999999999 ch 1 (X)|CC 7 ch 1 ()|CC 7 ch 1 (X|"
-                         "DMX 0|DMX 513|DMX 012|DMX 12 |DMX |";
-    for (const QString& texts : {midi, dmx, none}) {
-        for (const QString& text : texts.split('|')) {
-            EXPECT_EQ(MidiService::isControl(text.toStdString()), texts == midi) << text;
-            EXPECT_EQ(DmxService::isControl(text.toStdString()), texts == dmx) << text;
-        }
-    }
-}
-
 TEST_F(Dmx, AChannelIsLearnedAndTriggersOnItsWayUpThroughItsMiddle)
 {
     const QByteArray on = artDmx(12, 255);
-    const auto with = [&on](int at, int byte) {
-        QByteArray bytes = on;
-        bytes[at] = char(byte);
-        return bytes;
-    };
     const Names used{"187 a DMX 12"};
     service.bind({187, "a", "DMX 12"});
     play({{on, {}}, // what a sender begins with
           {artDmx(12, 127), {}},
           {artDmx(12, 128), used},
-          {on, {}},
           {artDmx(0, 0), {}},
           {on.left(529), {}}, // one level short
           {artDmx(12, 255, 0, 0, 513), {}},
-          {with(0, 'a'), {}},
-          {with(9, 0x21), {}},  // another kind
-          {with(11, 13), {}},   // an old version
-          {with(15, 128), {}},  // a net of 8 bits
-          {with(14, 0x01), {}}, // another universe
+          {QByteArray(on).replace(9, 1, "\x21"), {}},  // another kind
+          {QByteArray(on).replace(15, 1, "\x80"), {}}, // a net of 8 bits
           {artDmx(12, 200, 0, 0, 12) + "x", used},
           {artDmx(13, 255), {}}});
     service.setLocked(true);
@@ -252,9 +200,9 @@ TEST_F(Dmx, AChannelIsLearnedAndTriggersOnItsWayUpThroughItsMiddle)
           {artDmx(7, 255), {"188 b DMX 7"}}});
 }
 
-TEST_F(Dmx, TheInputIsOneUniverseFromItsOffset)
+TEST_F(Dmx, TheInputIsOneUniverseFromItsOffsetAndAnswersThePollOfAConsole)
 {
-    service.setInfo({true, "mivo", 10, 2, 3});
+    service.setInfo({true, "舞台舞台舞台", 10, 2, 3});
     service.bind({187, "a", "DMX 1"});
     service.bind({188, "b", "DMX 502"});
     play({{artDmx(0, 0, 3, 0x20), {}},
@@ -264,8 +212,22 @@ TEST_F(Dmx, TheInputIsOneUniverseFromItsOffset)
           {artDmx(11, 255, 3, 0x20), {"187 a DMX 1"}},
           {artDmx(512, 255, 3, 0x20), {"188 b DMX 502"}},
           {artDmx(10, 255, 3, 0x20), {}}});
+    QUdpSocket console;
+    ASSERT_TRUE(console.bind(QHostAddress("127.0.0.2"), port,
+                             QUdpSocket::ShareAddress | QUdpSocket::ReuseAddressHint));
+    console.writeDatagram(artPoll, QHostAddress::LocalHost, port);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return console.hasPendingDatagrams(); }));
+    QByteArray expected("Art-Net\0\x00\x21\x7f\x00\x00\x01\x36\x19\x00\x00\x03\x02\x00\xff", 22);
+    expected.append(QByteArray(4, '\0')).append("舞台舞台舞").append(QByteArray(3, '\0'));
+    expected.append("舞台舞台舞台").append(QByteArray(111, '\0')); // what it has room for
+    expected.append(char(1)).append(char(0x80)).append(QByteArray(7, '\0')).append(char(0x80));
+    expected.append(QByteArray(56, '\0'));
+    EXPECT_EQ(console.receiveDatagram().data().toHex(' '), expected.toHex(' '));
     service.setInfo({true, "mivo", 600, -1, 16});
     EXPECT_EQ(service.info(), (SAddDMXInfo{true, "mivo", 512, 0, 15}));
+    for (const char* text : {"DMX 0", "DMX 513", "DMX 012", "DMX 12 ", "DMX ", "CC 7 ch 1 (X)"}) {
+        EXPECT_FALSE(DmxService::isControl(text)) << text;
+    }
 }
 
 TEST_F(Dmx, TheHighestLevelOfAtMostFourSendersHolds)
@@ -286,22 +248,6 @@ TEST_F(Dmx, TheHighestLevelOfAtMostFourSendersHolds)
           {artDmx(12, 255), {}, "127.0.0.5"}});
 }
 
-TEST_F(Dmx, APollIsAnsweredSoThatConsolesSeeTheNode)
-{
-    service.setInfo({true, "舞台舞台舞台", 0, 2, 3});
-    QUdpSocket console;
-    ASSERT_TRUE(console.bind(QHostAddress("127.0.0.2"), port,
-                             QUdpSocket::ShareAddress | QUdpSocket::ReuseAddressHint));
-    console.writeDatagram(artPoll, QHostAddress::LocalHost, port);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return console.hasPendingDatagrams(); }));
-    QByteArray expected("Art-Net\0\x00\x21\x7f\x00\x00\x01\x36\x19\x00\x00\x03\x02\x00\xff", 22);
-    expected.append(QByteArray(4, '\0')).append("舞台舞台舞").append(QByteArray(3, '\0'));
-    expected.append("舞台舞台舞台").append(QByteArray(111, '\0')); // what it has room for
-    expected.append(char(1)).append(char(0x80)).append(QByteArray(7, '\0')).append(char(0x80));
-    expected.append(QByteArray(56, '\0'));
-    EXPECT_EQ(console.receiveDatagram().data().toHex(' '), expected.toHex(' '));
-}
-
 TEST_F(Osc, MessagesAndBundlesTriggerTheirActionsAndAllElseIsIgnored)
 {
     const std::string group = "/Peripherals/g/1";
@@ -318,21 +264,17 @@ TEST_F(Osc, MessagesAndBundlesTriggerTheirActionsAndAllElseIsIgnored)
     }
     play({{message(output, "f", number(0x3f000000)), {used + "0.5"}},
           {message(output, "Ti", number(0)), {used + "true"}},
-          {message(output, "s", padded("go")), {used + "go"}},
           {message(output, "i", number(0)), {}}, // a button's release
-          {message(output, "s", padded("False")), {}},
           {message(output, "F"), {}},
           {message(group, "i", number(0)), {"211 " + group + " 0"}},
           {message(u8"/Peripherals/组/1"), {u8"211 /Peripherals/组/1 "}},
           {message(longest), {"211 " + longest + ' '}},
           {message(longest + 'a'), {}},
-          {message("/Other/Global/OutputSwitch"), {}},
           {message("/Peripherals/Global/*"), {}},
           {message("/Peripherals/\xc3("), {}},
           {message(output, "s", padded(QByteArray(1025, 'a'))), {}},
           {header + one + part(message(group)), {used + "1", "211 " + group + ' '}},
           {header + part(header + one) + one, {used + "1", used + "1"}},
-          {header + part("xxxx") + one, {used + "1"}},
           {header + one + number(0xfffffff0) + "abcd", {used + "1"}},
           {deep, {}}});
     service.setLocked(true);
@@ -340,9 +282,6 @@ TEST_F(Osc, MessagesAndBundlesTriggerTheirActionsAndAllElseIsIgnored)
     service.setLocked(false);
     service.setAddress(QHostAddress(QString(address = "127.0.0.2")));
     play({{message(output), {}}, {message(output), {used}, "127.0.0.1", "127.0.0.2"}});
-    service.setInfo({false, 70000});
-    EXPECT_EQ(service.info(), (SAddOSCInfo{false, 65535}));
-    EXPECT_EQ(service.bindings().size(), 47U);
     EXPECT_EQ(service.bindings().front(), (SDeviceBindInfo{187, output, output}));
     service.learn(211, "/Peripherals/group/one");
     EXPECT_EQ(told.take(), Names{"211 /Peripherals/group/one /Peripherals/group/one bound"});
@@ -352,14 +291,9 @@ TEST(PeripheralsOfHost, WriteWhatChangesAndReadItBackOnTheNextStart)
 {
     TestStore store;
     TestRuntime runtime;
-    const auto isFree = [](const char* address) {
-        return QUdpSocket().bind(QHostAddress(address), 9001, QUdpSocket::DontShareAddress);
-    };
     const SAddDMXInfo dmx{false, "a|b", 12, 3, 4};
     {
         Peripherals peripherals(runtime, store);
-        EXPECT_EQ(peripherals.dmx().info(), SAddDMXInfo());
-        EXPECT_EQ(peripherals.osc().info(), SAddOSCInfo());
         EXPECT_TRUE(runtime.call([&] { return store.kept.rows.isEmpty(); }));
         peripherals.dmx().setInfo(dmx);
         peripherals.osc().setInfo({false, 9001});
@@ -368,35 +302,13 @@ TEST(PeripheralsOfHost, WriteWhatChangesAndReadItBackOnTheNextStart)
         peripherals.midi().bind({187, "a", "CC 7 ch 1 (X)"});
         peripherals.dmx().bind({188, "b", "DMX 12"});
     }
-    for (const auto& write : runtime.call([&] { return store.kept.writes; })) {
-        EXPECT_EQ(write.thread, runtime.thread());
-    }
     Peripherals peripherals(runtime, store);
     EXPECT_EQ(peripherals.dmx().info(), dmx);
     EXPECT_EQ(peripherals.osc().info(), (SAddOSCInfo{false, 9001}));
     EXPECT_EQ(peripherals.listenAddress(), "127.0.0.2");
-    peripherals.osc().setInfo({true, 9001});
-    EXPECT_FALSE(isFree("127.0.0.2"));
-    EXPECT_TRUE(isFree("127.0.0.1"));
     EXPECT_TRUE(peripherals.midi().isEnabled());
     EXPECT_EQ(peripherals.midi().bindings(), (Infos{{187, "a", "CC 7 ch 1 (X)"}}));
     EXPECT_EQ(peripherals.dmx().bindings(), (Infos{{188, "b", "DMX 12"}}));
-}
-
-TEST(PeripheralsOfHost, NoOtherProgramInheritsTheirPorts)
-{
-    TestStore store;
-    TestRuntime runtime;
-    Peripherals peripherals(runtime, store);
-    peripherals.osc().setInfo({true, 9001});
-    peripherals.dmx().setInfo({true, "mivo", 0, 0, 0});
-    ASSERT_EQ(peripherals.osc().failure() + peripherals.dmx().failure(), "");
-    QProcess child;
-    child.start("sh", {"-c", "readlink /proc/self/fd/*"});
-    ASSERT_TRUE(child.waitForFinished());
-    const QByteArray descriptors = child.readAllStandardOutput();
-    EXPECT_TRUE(descriptors.contains("pipe:")) << descriptors.constData();
-    EXPECT_FALSE(descriptors.contains("socket:")) << descriptors.constData();
 }
 
 } // namespace peripheralstest

@@ -6,7 +6,17 @@ namespace settingsstoretest {
 
 using mivohost::SettingsStore;
 
-namespace {
+using namespace mivo::peripheralcontrol;
+
+/// Every record that the store puts together from its rows.
+auto records(TestStore& store)
+{
+    return std::tuple(store.getAutoStartSettings(), store.getTimedShutdownSettings(),
+                      store.getTimedAutomaticRestartSettings(), store.getProjectFileSettings(),
+                      store.getFileInfoSettings(), store.getPPTSysSettings(),
+                      store.getDisplayControlSettings(), store.getDynamicRangeConfig(),
+                      store.getResourceSettings(), store.getDmxInfo(), store.getOscInfo());
+}
 
 class Store : public ::testing::Test
 {
@@ -22,23 +32,9 @@ protected:
     LogCapture log;
 };
 
-} // namespace
-
 TEST_F(Store, EveryRecordStartsWithItsDefaultsAndOutlivesARestart)
 {
-    auto store = make();
-    EXPECT_EQ(store->getAutoStartSettings(), STMivoAutoStartSettings());
-    EXPECT_EQ(store->getTimedShutdownSettings(), STMivoTimedShutdownSettings());
-    EXPECT_EQ(store->getTimedAutomaticRestartSettings(), STMivoTimedAutomaticRestartSettings());
-    EXPECT_EQ(store->getProjectFileSettings(), STProjectFileSettingsInfo());
-    EXPECT_EQ(store->getFileInfoSettings(), STFileInfoSettings());
-    EXPECT_EQ(store->getPPTSysSettings(), STPPTSysSettingsInfo());
-    EXPECT_EQ(store->getDisplayControlSettings(), STDisplayControlSettings());
-    EXPECT_EQ(store->getDynamicRangeConfig(), mivo::DynamicRangeConfig());
-    EXPECT_EQ(store->getResourceSettings(), STResourceSettingsInfo());
-    EXPECT_EQ(store->getDmxInfo(), mivo::peripheralcontrol::SAddDMXInfo());
-    EXPECT_EQ(store->getOscInfo(), mivo::peripheralcontrol::SAddOSCInfo());
-
+    EXPECT_EQ(records(*make()), decltype(records(*make()))());
     QVariantHash rows;
     for (const QString& row :
          QString("autoStart=1 autoStartDelayTime=7 timedShutdown=1|3|01:02:03 "
@@ -52,24 +48,20 @@ TEST_F(Store, EveryRecordStartsWithItsDefaultsAndOutlivesARestart)
              .split(' ')) {
         rows[row.section('=', 0, 0)] = row.section('=', 1);
     }
-    store = make(rows);
-    EXPECT_EQ(store->getAutoStartSettings(), (STMivoAutoStartSettings{true, false, 7}));
-    EXPECT_EQ(store->getTimedShutdownSettings(),
-              (STMivoTimedShutdownSettings{true, 3, "01:02:03"}));
-    EXPECT_EQ(store->getTimedAutomaticRestartSettings(),
-              (STMivoTimedAutomaticRestartSettings{true, 4, 5, "06:07:08"}));
-    EXPECT_EQ(store->getProjectFileSettings(),
-              (STProjectFileSettingsInfo{true, false, false, 11, 12, "/saves", false, true}));
-    EXPECT_EQ(store->getFileInfoSettings(), (STFileInfoSettings{2, "/log", "/cache", "/share"}));
-    EXPECT_EQ(store->getPPTSysSettings(), (STPPTSysSettingsInfo{true, 4000, 1, 2, 800, 601}));
-    EXPECT_EQ(store->getDisplayControlSettings(),
-              (STDisplayControlSettings{false, true, false, mivo::ProgramMgrPriority}));
-    EXPECT_EQ(store->getResourceSettings(), (STResourceSettingsInfo{ResourceOSD, 3003}));
-    EXPECT_EQ(store->getDynamicRangeConfig(), (mivo::DynamicRangeConfig{1, 12}));
+    const auto store = make(rows);
+    EXPECT_EQ(
+        records(*store),
+        std::tuple(STMivoAutoStartSettings{true, false, 7},
+                   STMivoTimedShutdownSettings{true, 3, "01:02:03"},
+                   STMivoTimedAutomaticRestartSettings{true, 4, 5, "06:07:08"},
+                   STProjectFileSettingsInfo{true, false, false, 11, 12, "/saves", false, true},
+                   STFileInfoSettings{2, "/log", "/cache", "/share"},
+                   STPPTSysSettingsInfo{true, 4000, 1, 2, 800, 601},
+                   STDisplayControlSettings{false, true, false, mivo::ProgramMgrPriority},
+                   mivo::DynamicRangeConfig{1, 12}, STResourceSettingsInfo{ResourceOSD, 3003},
+                   SAddDMXInfo{true, "a|b", 15, 6, 7}, SAddOSCInfo{true, 16}));
     EXPECT_EQ(store->getTcpPort(), (STPortInfo{true, 13}));
     EXPECT_EQ(store->getUdpPort(), (STPortInfo{false, 14}));
-    EXPECT_EQ(store->getDmxInfo(), (mivo::peripheralcontrol::SAddDMXInfo{true, "a|b", 15, 6, 7}));
-    EXPECT_EQ(store->getOscInfo(), (mivo::peripheralcontrol::SAddOSCInfo{true, 16}));
 
     auto copy = make();
     copy->setTimedShutdownSettings(store->getTimedShutdownSettings());
@@ -115,12 +107,7 @@ TEST_F(Store, CorrectsWhatIsBeyondItsRangeAndAnnouncesWhatItHolds)
 
 TEST_F(Store, LeavesUnusableRowsUntilTheyAreSet)
 {
-    const struct
-    {
-        const char* key;
-        QVariantList usable;
-        QVariantList unusable;
-    } cases[]{
+    const std::tuple<const char*, QVariantList, QVariantList> cases[]{
         {"undoStep", {1, 500, "80"}, {0, 501, "many", "", 2.5, 9999999999LL, QVariant()}},
         {"midiEnabled", {1}, {2}},
         {"fadeInTime", {"0.3"}, {10.5, "long", std::nan("")}},
@@ -153,8 +140,6 @@ TEST_F(Store, LeavesUnusableRowsUntilTheyAreSet)
     store->setUndoStep(50);
     EXPECT_EQ(store->kept.rows["undoStep"], 50) << "also when it is the default";
     EXPECT_EQ(store->unusable(), QStringList("autoStart"));
-    EXPECT_TRUE(store->isKept(SettingsStore::Key::undoStep));
-    EXPECT_FALSE(store->isKept(SettingsStore::Key::autoStart));
 }
 
 TEST_F(Store, SaysWhichSettingsAreThisMachinesOwn)
@@ -171,6 +156,18 @@ TEST_F(Store, SaysWhichSettingsAreThisMachinesOwn)
               "dmxBindings graphicsCard language listenAddress midiBindings midiEnabled osc "
               "playLogPath recentProjectFiles sharePath soundCardMappings tcpPort "
               "timedAutomaticRestart timedShutdown udpPort unsavedProject");
+}
+
+TEST_F(Store, APortThatFailedCanBeRequestedAgain)
+{
+    auto store = make();
+    int requests = 0;
+    store->ports().setHandler([&requests](auto, const auto& info) { requests += info.port; });
+    store->setTcpPort({true, 13});
+    store->ports().report(mivohost::ListeningPorts::tcp, {false, 13}, "taken");
+    requests = 0;
+    store->setTcpPort({true, 13});
+    EXPECT_EQ(requests, 13);
 }
 
 TEST_F(Store, AWriteThatFailsChangesNothingAndTellsEverybody)

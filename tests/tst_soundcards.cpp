@@ -1,10 +1,7 @@
 #include "devices/soundcardlister.h"
 #include "devices/soundcards.h"
 
-#include "support/files.h"
 #include "support/test.h"
-
-#include <QtCore/QTemporaryDir>
 
 using namespace mivohost;
 
@@ -13,16 +10,15 @@ namespace {
 using Listed = std::vector<ListedCard>;
 
 /// "caption/channels id" of each card.
-std::vector<std::string> shown(const SoundCards& sound)
+using Shown = std::vector<std::string>;
+Shown shown(const SoundCards& sound)
 {
-    std::vector<std::string> all;
+    Shown all;
     for (const auto& card : sound.cards()) {
         all.push_back(card.caption + '/' + std::to_string(card.channels) + ' ' + card.id);
     }
     return all;
 }
-
-using Shown = std::vector<std::string>;
 
 /// A lister that tells what stands in a file: each start takes the first line, and the last one is
 /// told for ever. "hang" says nothing, "fail" ends at once, "noise" is said as it stands.
@@ -40,12 +36,7 @@ TEST(SoundCardList, LeavesOutWhatIsNoCard)
 {
     const ListedCard own{"alsa", "hw:CARD=PCH,DEV=0", 2};
     const ListedCard offered{"default", "s1", 6};
-    const struct
-    {
-        const char* what;
-        Listed listed;
-        Listed cards;
-    } cases[]{
+    const std::tuple<const char*, Listed, Listed> cases[]{
         {"no server: what it answers then is nameless", {{"default", "", -1}}, {}},
         {"ALSA's converters and its other names of one card",
          {{"alsa", "null", 2}, {"alsa", "sysdefault:CARD=PCH", 2}, {"alsa", "plughw:0", 2}, own},
@@ -59,24 +50,21 @@ TEST(SoundCardList, LeavesOutWhatIsNoCard)
          {{"default", "null", 2}, {"default", "default", 2}},
          {{"default", "null", 2}, {"default", "default", 2}}},
     };
-    for (const auto& test : cases) {
-        EXPECT_TRUE(cardsAmong(test.listed) == test.cards) << test.what;
+    for (const auto& [what, listed, cards] : cases) {
+        EXPECT_TRUE(cardsAmong(listed) == cards) << what;
     }
 }
 
 TEST(SoundCardList, IsCaptionedForPeople)
 {
-    const std::pair<const char*, const char*> cases[]{
-        {"alsa_output.usb-Acme_Model_2-00.analog-stereo.2", "Acme Model 2 (analog-stereo)"},
-        {"alsa_output.usb-Acme_v1.0-01.iec958-stereo", "Acme v1.0 (iec958-stereo)"},
-        {"alsa_output.pci-0000_00_1f.3.analog-stereo", "pci-0000_00_1f.3.analog-stereo"},
-        {"hw:CARD=PCH,DEV=3", "PCH 3"},
-        {"hw:CARD=PCH", "PCH"},
-        {"stage_left", "stage_left"},
-        {"alsa_output.", "alsa_output."},
-        {"声卡", "声卡"},
-    };
-    for (const auto& [name, caption] : cases) {
+    for (const auto& [name, caption] :
+         {std::pair("alsa_output.usb-Acme_Model_2-00.stereo.2", "Acme Model 2 (stereo)"),
+          {"alsa_output.usb-Acme_v1.0-01.iec958", "Acme v1.0 (iec958)"},
+          {"alsa_output.pci-0000_00_1f.3.analog-stereo", "pci-0000_00_1f.3.analog-stereo"},
+          {"hw:CARD=PCH,DEV=3", "PCH 3"},
+          {"hw:CARD=PCH", "PCH"},
+          {"alsa_output.", "alsa_output."},
+          {"声卡", "声卡"}}) {
         EXPECT_EQ(soundCardCaption(name), caption);
     }
 }
@@ -89,13 +77,7 @@ TEST(SoundCards, AreWhatTheListerSaysAndStayWhileItFails)
     const ListedCard own{"alsa", "hw:CARD=PCH,DEV=0", 2};
     const ListedCard one{"default", "alsa_output.usb-X-00.stereo", 2};
     const ListedCard two{"default", "alsa_output.usb-X-00.stereo.2", 2};
-    const struct
-    {
-        const char* what;
-        QByteArray lines;
-        std::vector<Shown> announced;
-        int warnings;
-    } cases[]{
+    const std::tuple<const char*, QByteArray, std::vector<Shown>, int> cases[]{
         {"only changes are announced",
          "[]\n" + toLine({a, b}) + toLine({b, a}) + "noise\n" + toLine({a, b}) + "fail\n"
              + toLine({a, wide}) + "[]\n",
@@ -117,18 +99,18 @@ TEST(SoundCards, AreWhatTheListerSaysAndStayWhileItFails)
          0},
     };
     const QTemporaryDir folder;
-    for (const auto& test : cases) {
+    for (const auto& [what, lines, expected, warnings] : cases) {
         const LogCapture log;
-        writeFile(folder.filePath("lines"), test.lines);
+        writeFile(folder.filePath("lines"), lines);
         SoundCards sound({"sh", {"-c", lister, folder.filePath("lines")}, 1000});
         std::vector<Shown> announced;
         QObject::connect(&sound, &SoundCards::changed, [&] { announced.push_back(shown(sound)); });
-        const auto isAnnounced = [&] { return announced.size() == test.announced.size(); };
-        EXPECT_TRUE(QTest::qWaitFor(isAnnounced, 20000)) << test.what;
-        EXPECT_EQ(announced, test.announced) << test.what;
-        const auto lines = log.lines();
+        const auto isAnnounced = [&, all = expected.size()] { return announced.size() == all; };
+        EXPECT_TRUE(QTest::qWaitFor(isAnnounced, 20000)) << what;
+        EXPECT_EQ(announced, expected) << what;
+        const auto logged = log.lines();
         const auto isWarning = [](const auto& line) { return line.rfind("warn", 0) == 0; };
-        EXPECT_EQ(std::count_if(lines.begin(), lines.end(), isWarning), test.warnings) << test.what;
+        EXPECT_EQ(std::count_if(logged.begin(), logged.end(), isWarning), warnings) << what;
     }
     const LogCapture log;
     const SoundCards none({folder.filePath("none"), {}});

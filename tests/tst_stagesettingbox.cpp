@@ -4,13 +4,9 @@
 
 #include <mivowidgets/colordialog.h>
 
-#include <QtWidgets/QButtonGroup>
-
 namespace stagetest {
 
 using namespace mivo::widgets;
-
-namespace {
 
 /// Driven by each of the two colours.
 class Stage : public PageTest<mivo::settings::StageSettingBox>,
@@ -52,20 +48,14 @@ protected:
     QList<SpinEditBox*> channels = page->findChildren<SpinEditBox*>().mid(3 * GetParam(), 3);
 };
 
-} // namespace
-
 TEST_P(Stage, APresetIsShownAndWritten)
 {
-    EXPECT_EQ(swatches->checkedId(), -1) << "no preset";
     EXPECT_EQ(swatches->button(9)->toolTip(), GetParam() == 0 ? "#FFFFFF" : "#0030FF");
     for (QAbstractButton* button : swatches->buttons()) {
         const QString preset = button->toolTip();
-        const auto corner = [button] { return button->grab().toImage().pixelColor(0, 10); };
-        EXPECT_EQ(corner(), QColor(preset)) << "no border";
         QTest::mouseClick(button, Qt::LeftButton);
         EXPECT_EQ(writtenAndShown(), preset.toLower() + ' ' + preset.toLower());
         EXPECT_TRUE(button->isChecked());
-        EXPECT_EQ(corner(), QColor("#458CEE"));
         settleEvents();
     }
     EXPECT_EQ(written(), "") << "what the store announces is no edit";
@@ -81,17 +71,13 @@ TEST_P(Stage, AFinishedEditIsReportedOnce)
     EXPECT_EQ(writtenAndShown(), " #220c66") << "shown at each step, not finished";
     channels[1]->clearFocus();
     EXPECT_EQ(writtenAndShown(), "#220c66 #220c66");
-    EXPECT_EQ(channels[1]->maximum(), 255);
 
     QString color = "#220c66";
     for (const auto& [typed, becomes] : {std::pair("ABC", "#aabbcc"),
                                          {"#00FF0A", "#00ff0a"},
                                          {"#12345", ""},
                                          {"red", ""},
-                                         {"1#23", ""},
-                                         {"##123", ""},
-                                         {"#1234567", ""},
-                                         {"", ""}}) {
+                                         {"##123", ""}}) {
         typeInto(hexEdit, typed);
         color = *becomes != '\0' ? becomes : color;
         EXPECT_EQ(writtenAndShown(), becomes + (' ' + color)) << typed;

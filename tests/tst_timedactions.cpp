@@ -1,12 +1,9 @@
 #include "system/timedactions.h"
 
-#include "mivohostkit/runtimethread.h"
 #include "system/power.h"
 
-#include "support/files.h"
 #include "support/test.h"
 
-#include <QtCore/QTemporaryDir>
 #include <QtCore/QTimeZone>
 
 namespace timedactionstest {
@@ -15,18 +12,13 @@ using mivohost::DeadlineWatch;
 using mivohost::PowerAction;
 using mivohost::Schedule;
 
-namespace {
-
-/// "2026-03-29 01:59:59" in Berlin, or in the zone that follows it; with a Z behind it, that time
-/// in UTC, shown in the zone.
+/// "2026-03-29 01:59:59" in Berlin; with a Z behind it, in UTC, shown in Berlin.
 QDateTime at(const QString& text)
 {
     const auto read = QDateTime::fromString(text.left(19), "yyyy-MM-dd hh:mm:ss");
-    const QString zone = text.section(' ', 2);
-    const QTimeZone timeZone(zone.isEmpty() ? "Europe/Berlin" : zone.toLatin1());
-    return text.mid(19, 1) == "Z"
-               ? QDateTime(read.date(), read.time(), Qt::UTC).toTimeZone(timeZone)
-               : QDateTime(read.date(), read.time(), timeZone);
+    const QTimeZone berlin("Europe/Berlin");
+    const QTimeZone zone = text.endsWith('Z') ? QTimeZone::utc() : berlin;
+    return QDateTime(read.date(), read.time(), zone).toTimeZone(berlin);
 }
 
 Schedule daily(const char* time, int weekDay = 0)
@@ -34,28 +26,17 @@ Schedule daily(const char* time, int weekDay = 0)
     return Schedule(STMivoTimedShutdownSettings{true, weekDay, time});
 }
 
-Schedule yearly(int month, int day, const char* time)
-{
-    return Schedule(STMivoTimedAutomaticRestartSettings{true, month, day, time});
-}
-
-} // namespace
-
 TEST(DeadlineWatch, FindsADeadlineOnceWhateverTheClockDoes)
 {
     const Schedule noon = daily("12:00:00");
     // A label, and each look with what is found then; without a day, on the day of the one before.
     const std::pair<Schedule, QString> cases[]{
-        {noon, "ticking: 2026-05-04 11:59:59; 12:00:00 -> due; 12:00:01; 2026-05-05 11:59:59; "
-               "12:00:00 -> due"},
         {noon, "started a moment after it: 2026-05-04 12:00:00; 12:00:01"},
         {noon, "asleep to the edge of the grace: 2026-05-04 10:00:00; 12:01:00 -> due"},
         {noon, "asleep a second longer: 2026-05-04 10:00:00; 12:01:01 -> missed; 2026-05-05 "
                "12:00:00 -> due"},
         {daily("23:59:59"),
          "asleep over midnight: 2026-05-04 23:59:50; 2026-05-05 00:00:30 -> due"},
-        {noon, "a clock that starts in 1970: 1970-01-01 00:00:00; 2026-05-04 11:00:00 -> missed; "
-               "12:00:00 -> due"},
         {noon, "set back by two days, the days between have their own: 2026-05-04 11:59:59; "
                "12:00:00 -> due; 2026-05-02 11:59:59; 12:00:00 -> due; 2026-05-03 12:00:00 -> due; "
                "2026-05-04 12:00:00"},
@@ -63,15 +44,10 @@ TEST(DeadlineWatch, FindsADeadlineOnceWhateverTheClockDoes)
                             "01:30:00Z; 2026-03-30 00:29:59Z; 00:30:00Z -> due"},
         {daily("02:30:00"),
          "the hour that comes twice: 2026-10-25 00:29:59Z; 00:30:00Z -> due; 01:30:00Z"},
-        {noon, "a zone further east, over it: 2026-05-04 15:00:00Z America/New_York; 15:00:01Z -> "
-               "missed; 2026-05-05 10:00:00Z -> due"},
-        {noon, "woken in a zone further west, just after it: 2026-05-04 15:59:50Z; 16:00:10Z "
-               "America/New_York -> due"},
         {daily("00:00:00", 7), "Sunday is 7: 2026-05-09 23:59:59; 2026-05-10 00:00:00 -> due"},
-        {yearly(0, 31, "12:00:00"), "day 31 of every month: 2026-04-30 11:59:59; 2026-05-01 "
-                                    "12:00:00; 2026-05-31 12:00:00 -> due"},
-        {yearly(2, 29, "12:00:00"),
-         "29 February: 2027-02-28 11:59:59; 2027-03-01 12:00:00; 2028-02-29 12:00:00 -> due"},
+        {Schedule(STMivoTimedAutomaticRestartSettings{true, 0, 31, "12:00:00"}),
+         "day 31 of every month: 2026-04-30 11:59:59; 2026-05-01 "
+         "12:00:00; 2026-05-31 12:00:00 -> due"},
         {Schedule(STMivoTimedShutdownSettings{false, 0, "12:00:00"}),
          "switched off: 2026-05-04 11:59:59; 12:00:00"},
     };
@@ -88,32 +64,6 @@ TEST(DeadlineWatch, FindsADeadlineOnceWhateverTheClockDoes)
         }
     }
 }
-
-TEST(DeadlineWatch, AnEditedScheduleCountsFromTheEditOn)
-{
-    const Schedule off(STMivoTimedShutdownSettings{false, 0, "12:00:05"});
-    DeadlineWatch watch;
-    for (const auto& [now, schedule, found] :
-         {std::tuple("2026-05-04 12:00:00", daily("18:00:00"), false),
-          {"2026-05-04 12:00:02", daily("12:00:01"), false}, // has just passed
-          {"2026-05-04 12:00:04", daily("12:00:05"), false},
-          {"2026-05-04 12:00:05", daily("12:00:05"), true},
-          {"2026-05-04 12:00:06", off, false},
-          {"2026-05-04 12:00:03", daily("12:00:05"), false},
-          {"2026-05-04 12:00:05", daily("12:00:05"), false}, // was due before
-          {"2026-05-05 12:00:05", daily("12:00:05"), true},
-          // Another field, in the second of the deadline: 12 May is a Tuesday.
-          {"2026-05-12 12:00:04", daily("12:00:05"), true}, // of the 11th, missed
-          {"2026-05-12 12:00:05", daily("12:00:05", 2), true},
-          {"2026-05-19 12:00:04", daily("12:00:05", 2), false},
-          {"2026-05-19 12:00:05", daily("12:00:05", 3), false},
-          {"2026-05-20 12:00:04", off, false},
-          {"2026-05-20 12:00:05", daily("12:00:05"), false}}) {
-        EXPECT_EQ(watch.look(at(now), schedule).has_value(), found) << now;
-    }
-}
-
-namespace {
 
 class Timed : public ::testing::Test
 {
@@ -145,18 +95,16 @@ protected:
     TestStore store; // with all below: runtime thread
     QDateTime now = at("2026-05-04 11:59:00");
     std::vector<std::string> asked;
-    std::vector<PowerAction> done;
+    std::string done;
     std::function<void()> lastFailed;
     std::unique_ptr<mivohost::TimedActions> timed = std::make_unique<mivohost::TimedActions>(
         runtime, store,
         [this](PowerAction action, const std::function<void()>& failed) {
-            done.push_back(action);
+            done += action == PowerAction::shutdown ? 'S' : 'R';
             lastFailed = failed;
         },
         [this] { return now; });
 };
-
-} // namespace
 
 TEST_F(Timed, AsksWhenTheStoresSchedulesAreDue)
 {
@@ -191,13 +139,12 @@ TEST_F(Timed, PromptsThatAreOpenAtOnceMeanOneAction)
     });
     // What the prompts decide: "S" for the shutdown, "s" against it, "R" and "r" for the restart;
     // "!" is that the action which was carried out last has failed.
-    for (const auto& [day, decisions, actions, cancelled] : {std::tuple("2026-05-09", "S", "S", 0U),
-                                                             {"2026-05-10", "SSsS", "S", 0U},
-                                                             {"2026-05-11", "sr", "", 2U},
-                                                             {"2026-05-12", "rS", "S", 1U},
-                                                             {"2026-05-13", "RSrs", "R", 0U},
-                                                             {"2026-05-14", "Ss!SR", "SS", 0U},
-                                                             {"2026-05-15", "S!Rr", "SR", 0U}}) {
+    for (const auto& [day, decisions, actions, cancelled] :
+         {std::tuple("2026-05-10", "SSsS", "S", 0U),
+          {"2026-05-11", "sr", "", 2U},
+          {"2026-05-12", "rS", "S", 1U},
+          {"2026-05-14", "Ss!SR", "SS", 0U},
+          {"2026-05-15", "S!Rr", "SR", 0U}}) {
         for (const char* time : {" 11:59:59", " 12:00:00", " 12:00:01"}) {
             goTo(QString(day) + time);
         }
@@ -205,26 +152,19 @@ TEST_F(Timed, PromptsThatAreOpenAtOnceMeanOneAction)
         for (const char what : std::string(decisions)) {
             if (what == '!') {
                 lastFailed();
+            } else if (what == 'S' || what == 's') {
+                runtime.call([&] { store.executeTimedShutdown(what == 'S'); });
+            } else {
+                runtime.call([&] { store.executeTimedAutomaticRestart(what == 'R'); });
             }
-            runtime.call([&, what] {
-                if (what == 'S' || what == 's') {
-                    store.executeTimedShutdown(what == 'S');
-                } else if (what != '!') {
-                    store.executeTimedAutomaticRestart(what == 'R');
-                }
-            });
         }
-        std::string carriedOut;
-        for (const PowerAction action : std::exchange(done, {})) {
-            carriedOut += action == PowerAction::shutdown ? 'S' : 'R';
-        }
-        EXPECT_EQ(carriedOut, actions) << day;
+        EXPECT_EQ(std::exchange(done, {}), actions) << day;
         EXPECT_EQ(log.lines().size(), cancelled) << day << ": the operator's no is logged";
     }
     timed.reset();
     runtime.call([this] { store.executeTimedShutdown(true); });
     lastFailed();
-    EXPECT_TRUE(done.empty());
+    EXPECT_EQ(done, "");
 }
 
 TEST(Power, GoesToTheSystemOnlyWhenAllowed)
@@ -237,25 +177,17 @@ TEST(Power, GoesToTheSystemOnlyWhenAllowed)
     QStringList failures;
     const auto carry = [&](PowerAction action, bool allowed) {
         carryOut(action, allowed, &context, [&](const QString& why) { failures.append(why); });
+        EXPECT_TRUE(QTest::qWaitFor([&] { return context.children().isEmpty(); }));
     };
-    testing::internal::CaptureStdout();
     carry(PowerAction::shutdown, false);
-    carry(PowerAction::restart, false);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              "would shut down the machine now\nwould restart the machine now\n");
-    carry(PowerAction::shutdown, true); // there is no such program
-    EXPECT_TRUE(QTest::qWaitFor([&] { return failures.size() == 1; }));
     const QString said = folder.filePath("said");
     const QString program = folder.filePath("systemctl");
     writeFile(program, "#!/bin/sh\necho $1 >> '" + said.toUtf8()
                            + "'\n[ $1 = reboot ] || { echo denied >&2; exit 1; }\n");
     QFile::setPermissions(program, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     carry(PowerAction::shutdown, true);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return failures.size() == 2; }));
-    EXPECT_EQ(failures.last(), "denied");
     carry(PowerAction::restart, true);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return context.children().isEmpty(); }));
-    EXPECT_EQ(failures.size(), 2);
+    EXPECT_EQ(failures, QStringList("denied"));
     EXPECT_EQ(readFile(said), "poweroff\nreboot\n");
     qputenv("PATH", path);
 }

@@ -1,5 +1,7 @@
+#include "base/exitcode.h"
 #include "base/hostlog.h"
 #include "base/hosttext.h"
+#include "cluster/sharedshortcuts.h"
 #include "cluster/showcommands.h"
 #include "cluster/showsetup.h"
 #include "cluster/synchroniser.h"
@@ -13,19 +15,22 @@
 #include "peripherals/peripherals.h"
 #include "project/projectfile.h"
 #include "store/sqlitepersistence.h"
+#include "surface/actionpanel.h"
 #include "surface/askforcopy.h"
 #include "surface/mainwindow.h"
 #include "surface/pictures.h"
+#include "surface/settingscommand.h"
 #include "surface/settingsview.h"
+#include "surface/showbar.h"
 #include "system/autostart.h"
 #include "system/endrequests.h"
 #include "system/listener.h"
+#include "system/looks.h"
 #include "system/power.h"
 #include "system/runninginstance.h"
 #include "system/timedactions.h"
 #include "zrcutils/nocachefile.h"
 
-#include <mivosettingswidgets/settingwdigettranslatemanager.h>
 #include <mivosettingswidgets/shortcutfile.h>
 #include <mivostyle/style.h>
 
@@ -53,27 +58,6 @@ namespace {
 constexpr const char* listSoundCardsOption = "--list-sound-cards"; // the first one, or not at all
 
 QtMessageHandler defaultHandler = nullptr;
-
-enum ExitCode { finished = 0, badArgument = 1, storeInUse = 2, storeFailed = 3, notWritten = 4 };
-
-QString systemLanguage()
-{
-    return QLocale::system().language() == QLocale::Chinese ? QStringLiteral("zh_cn")
-                                                            : QStringLiteral("en");
-}
-
-void loadLanguages()
-{
-    auto& translator = SettingWdigetTranslateManager::instance().translator();
-    for (const QString& file : mivo::style::languageFiles()) {
-        translator.load(file);
-    }
-    translator.switchLanguage(systemLanguage());
-    translator.setMissingTextHandler(
-        [](const QString& /*catalogue*/, const QString& /*context*/, const QString& key) {
-            hostLog()->warn("no text for {}", key.toStdString());
-        });
-}
 
 /// Prints Qt's messages but those on what a screen without a window manager cannot do: they come
 /// for each window, and nobody can do anything about it.
@@ -219,11 +203,12 @@ int runWindow(MainWindow& window, ProjectFile& project, RuntimeThread& runtime,
 
 int run(const QCommandLineParser& arguments)
 {
-    const bool printing = arguments.isSet(QStringLiteral("print-settings"));
+    const SettingsCommand command(arguments);
+    if (!command.problem.isEmpty()) {
+        return refuse(badArgument, command.problem, false);
+    }
     const bool drawing = arguments.isSet(QStringLiteral("pictures"));
-    const QString adopted = arguments.value(QStringLiteral("adopt"));
-    const QString forgotten = arguments.value(QStringLiteral("forget"));
-    const bool withWindow = !printing && !drawing && adopted.isEmpty() && forgotten.isEmpty();
+    const bool withWindow = !command.isGiven && !drawing && !ShowSetup::isCommand(arguments);
     const QDir data(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation));
     const QString ownPath = data.filePath(QStringLiteral("settings.sqlite"));
     QString path = ownPath;
@@ -296,16 +281,15 @@ int run(const QCommandLineParser& arguments)
         return refuse(badArgument, showError, withWindow);
     }
     path = show ? show->path(data) : path;
-    if (!forgotten.isEmpty()) {
-        forgetMachine(forgotten, *show, showError);
+    if (show && !show->forgotten.isEmpty()) {
+        forgetMachine(show->forgotten, *show, showError);
         return showError.isEmpty() ? finished : refuse(storeFailed, showError, false);
     }
 
     RuntimeThread runtime;
-    using Status = SqlitePersistence::Status;
     auto opened = runtime.call([&] { return SqlitePersistence::open(path); });
-    const bool damaged = opened.status == Status::damaged;
-    if (damaged && !printing) {
+    const bool damaged = opened.status == SqlitePersistence::Status::damaged;
+    if (damaged && !command.isGiven) {
         hostLog()->error("the settings file cannot be used: {}", opened.error.toStdString());
         if (opened.copyTime.isValid()
             && !wantsCopy(path, opened.error, timeText(opened.copyTime))) {
@@ -313,15 +297,16 @@ int run(const QCommandLineParser& arguments)
         }
         opened = runtime.call([&] { return SqlitePersistence::recover(path); });
     }
-    if (opened.status == Status::inUse) {
+    if (opened.status == SqlitePersistence::Status::inUse) {
         return refuse(storeInUse, hostText("StoreInUse").arg(path), withWindow);
     }
     if (!opened.persistence) {
         return refuse(storeFailed, hostText("StoreFailed").arg(path, reasonText(opened.error)),
                       withWindow);
     }
-    const QString copyError =
-        printing ? QString() : runtime.call([&] { return opened.persistence->keepCopy(); });
+    const QString copyError = command.isGiven && !command.changesSettings
+                                  ? QString()
+                                  : runtime.call([&] { return opened.persistence->keepCopy(); });
     auto sharing = show ? runtime.call([&] {
         return show->share(std::move(opened.persistence), ownPath, showError);
     })
@@ -331,10 +316,8 @@ int run(const QCommandLineParser& arguments)
                       withWindow);
     }
     SharedSettings* const shared = sharing.get(); // belongs to the store
-    if (!adopted.isEmpty()) {
-        const auto values = ownSettingsOf(adopted, *show, showError);
-        const int count = runtime.call([&] { return std::exchange(sharing, {})->adopt(values); });
-        std::printf("settings taken over: %d\n", count);
+    if (show && !show->adopted.isEmpty()) {
+        adoptMachine(show->adopted, *show, runtime, std::move(sharing), showError);
         return showError.isEmpty() ? finished : refuse(storeFailed, showError, false);
     }
     auto store = runtime.call([&] {
@@ -346,10 +329,8 @@ int run(const QCommandLineParser& arguments)
     });
 
     int code = finished;
-    if (printing) {
-        for (const auto& setting : runtime.call([&store] { return store->all(); })) {
-            std::printf("%s=%s\n", qPrintable(setting.name), qPrintable(setting.value.toString()));
-        }
+    if (command.isGiven) {
+        code = runSettingsCommand(arguments, runtime, *store);
     } else {
         ProjectFile project(runtime, *store);
         Peripherals peripherals(runtime, *store);
@@ -376,16 +357,18 @@ int run(const QCommandLineParser& arguments)
             window.showNotice(QStringLiteral("StoreCopyFailed"), copyError);
         }
         std::optional<Synchroniser> synchroniser;
+        std::optional<ShowBar> bar;
         if (show) {
             synchroniser.emplace(runtime, *shared, store->soundCards(), *show);
-            window.showCluster(*synchroniser);
+            bar.emplace(*synchroniser, window);
+            new SharedShortcuts(window.actions().shortcuts(), *synchroniser); // goes with it
             synchroniser->start();
         }
         project.start();
         if (drawing) {
             cards.wait();
             const QString folder = arguments.value(QStringLiteral("pictures"));
-            if (!drawPictures(window, folder)) {
+            if (!drawPictures(window, peripherals.tap(), folder)) {
                 code =
                     refuse(notWritten, QStringLiteral("cannot write pictures to ") + folder, false);
             }
@@ -417,7 +400,11 @@ int main(int argc, char** argv)
 
     QCommandLineParser arguments;
     arguments.setApplicationDescription(
-        QStringLiteral("Reference host of the settings library mivosettingswidgets."));
+        QStringLiteral("Reference host of the settings library mivosettingswidgets.\n"
+                       "Exit codes: 0 done; 1 a wrong option; 2 the settings are in use, as by the "
+                       "running program; 3 they cannot be opened or kept; 4 a file cannot be "
+                       "written; 5 a file cannot be read or is no settings file; 6 something in it "
+                       "was not taken."));
     arguments.addHelpOption();
     arguments.addVersionOption();
     arguments.addOptions({
@@ -426,7 +413,9 @@ int main(int argc, char** argv)
          QStringLiteral("Draw every page with its defaults in every language into PNG files, then "
                         "end."),
          QStringLiteral("folder")},
-        {QStringLiteral("print-settings"), QStringLiteral("Print all settings, then end.")},
+        {QStringLiteral("look"),
+         QStringLiteral("Be dark or light; system follows the desktop, and pictures are dark."),
+         QStringLiteral("dark|light|system"), QStringLiteral("system")},
         {QStringLiteral("store"),
          QStringLiteral("Use this settings file, or share the settings of a show with other "
                         "machines: etcd://HOST[:PORT][,HOST[:PORT]...]/SHOW, encrypted with "
@@ -442,10 +431,18 @@ int main(int argc, char** argv)
         {QStringLiteral("allow-power-actions"),
          QStringLiteral("Let timed actions really shut down or restart the machine.")},
     });
+    addSettingsOptions(arguments);
     ShowSetup::addOptions(arguments);
     arguments.process(application);
 
     loadLanguages();
-    application.setStyleSheet(mivo::style::styleSheet());
+    const bool drawing = arguments.isSet(QStringLiteral("pictures"));
+    const QString look = arguments.value(QStringLiteral("look"));
+    if (!Looks::isName(look)) {
+        return refuse(badArgument, QStringLiteral("--look takes dark, light or system"), false);
+    }
+    // Pictures are the same on every desktop.
+    const bool isOpen = drawing && !arguments.isSet(QStringLiteral("look"));
+    const Looks looks(isOpen ? QStringLiteral("dark") : look);
     return run(arguments);
 }

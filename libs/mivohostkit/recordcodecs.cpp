@@ -22,23 +22,23 @@ class Reader
 public:
     explicit Reader(const QString& text) : m_fields(text.split('|')) {}
 
-    void flag(bool& field) { number(field, 0, 1); }
+    void flag(const char* name, bool& field) { number(name, field, 0, 1); }
     template <typename Number>
-    void number(Number& field, int lowest, int highest)
+    void number(const char* /*name*/, Number& field, int lowest, int highest)
     {
         bool isNumber = false;
         const int value = next().toInt(&isNumber);
         require(isNumber && value >= lowest && value <= highest);
         field = static_cast<Number>(value);
     }
-    void timeOfDay(std::string& field)
+    void timeOfDay(const char* /*name*/, std::string& field)
     {
         const QString text = next();
         require(QLocale::c().toTime(text, QStringLiteral("hh:mm:ss")).isValid());
         field = text.toStdString();
     }
     /// The last field, which may contain separators.
-    void rest(std::string& field)
+    void rest(const char* /*name*/, std::string& field)
     {
         require(!m_fields.isEmpty());
         field = m_fields.join('|').toStdString();
@@ -58,14 +58,17 @@ private:
 class Writer
 {
 public:
-    void flag(bool field) { number(field, 0, 1); }
+    void flag(const char* name, bool field) { number(name, field, 0, 1); }
     template <typename Number>
-    void number(Number field, int /*lowest*/, int /*highest*/)
+    void number(const char* /*name*/, Number field, int /*lowest*/, int /*highest*/)
     {
         m_fields += QString::number(field);
     }
-    void timeOfDay(const std::string& field) { rest(field); }
-    void rest(const std::string& field) { m_fields += QString::fromStdString(field); }
+    void timeOfDay(const char* name, const std::string& field) { rest(name, field); }
+    void rest(const char* /*name*/, const std::string& field)
+    {
+        m_fields += QString::fromStdString(field);
+    }
     void require(bool /*condition*/) {}
 
     QString text() const { return m_fields.join('|'); }
@@ -74,37 +77,56 @@ private:
     QStringList m_fields;
 };
 
-// The fields of each record in the order in which they are kept, for a Reader or a Writer.
+class Names
+{
+public:
+    void flag(const char* name, bool /*field*/) { fields.push_back({name, RecordField::flag}); }
+    template <typename Number>
+    void number(const char* name, Number /*field*/, int /*lowest*/, int /*highest*/)
+    {
+        fields.push_back({name, RecordField::number});
+    }
+    void timeOfDay(const char* name, const std::string& field) { rest(name, field); }
+    void rest(const char* name, const std::string& /*field*/)
+    {
+        fields.push_back({name, RecordField::text});
+    }
+    void require(bool /*condition*/) {}
+
+    std::vector<RecordField> fields;
+};
+
+// The fields of each record in the order in which they are kept, for the classes above.
 
 template <typename Fields>
 void visit(Fields& fields, STPortInfo& record)
 {
-    fields.flag(record.open);
-    fields.number(record.port, 0, 65534);
+    fields.flag("open", record.open);
+    fields.number("port", record.port, 0, 65534);
 }
 
 template <typename Fields>
 void visit(Fields& fields, STMivoTimedShutdownSettings& record)
 {
-    fields.flag(record.enabled);
-    fields.number(record.weekDayIndex, 0, 7);
-    fields.timeOfDay(record.time);
+    fields.flag("enabled", record.enabled);
+    fields.number("weekDayIndex", record.weekDayIndex, 0, 7);
+    fields.timeOfDay("time", record.time);
 }
 
 template <typename Fields>
 void visit(Fields& fields, STMivoTimedAutomaticRestartSettings& record)
 {
-    fields.flag(record.enabled);
-    fields.number(record.monthIndex, 0, 12);
-    fields.number(record.dayIndex, 0, 31);
-    fields.timeOfDay(record.time);
+    fields.flag("enabled", record.enabled);
+    fields.number("monthIndex", record.monthIndex, 0, 12);
+    fields.number("dayIndex", record.dayIndex, 0, 31);
+    fields.timeOfDay("time", record.time);
 }
 
 template <typename Fields>
 void visit(Fields& fields, mivo::DynamicRangeConfig& record)
 {
-    fields.number(record.rangeMode, 0, 1);
-    fields.number(record.bitDepth, 0, 12);
+    fields.number("rangeMode", record.rangeMode, 0, 1);
+    fields.number("bitDepth", record.bitDepth, 0, 12);
     const auto depths = mivo::bitDepths(record.rangeMode);
     fields.require(std::find(depths.begin(), depths.end(), record.bitDepth) != depths.end());
 }
@@ -112,18 +134,18 @@ void visit(Fields& fields, mivo::DynamicRangeConfig& record)
 template <typename Fields>
 void visit(Fields& fields, SAddOSCInfo& record)
 {
-    fields.flag(record.enabled);
-    fields.number(record.port, 1, 65535);
+    fields.flag("enabled", record.enabled);
+    fields.number("port", record.port, 1, 65535);
 }
 
 template <typename Fields>
 void visit(Fields& fields, SAddDMXInfo& record)
 {
-    fields.flag(record.enabled);
-    fields.number(record.channelOffset, 0, 512);
-    fields.number(record.subnet, 0, 15);
-    fields.number(record.domain, 0, 15);
-    fields.rest(record.nodeName);
+    fields.flag("enabled", record.enabled);
+    fields.number("channelOffset", record.channelOffset, 0, 512);
+    fields.number("subnet", record.subnet, 0, 15);
+    fields.number("domain", record.domain, 0, 15);
+    fields.rest("nodeName", record.nodeName);
 }
 
 } // namespace
@@ -145,17 +167,32 @@ QString writeRecord(const Record& record)
     return fields.text();
 }
 
+template <typename Record>
+std::vector<RecordField> recordFields()
+{
+    Names names;
+    Record record;
+    visit(names, record);
+    return names.fields;
+}
+
 template bool readRecord(const QString&, STPortInfo&);
 template QString writeRecord(const STPortInfo&);
+template std::vector<RecordField> recordFields<STPortInfo>();
 template bool readRecord(const QString&, STMivoTimedShutdownSettings&);
 template QString writeRecord(const STMivoTimedShutdownSettings&);
+template std::vector<RecordField> recordFields<STMivoTimedShutdownSettings>();
 template bool readRecord(const QString&, STMivoTimedAutomaticRestartSettings&);
 template QString writeRecord(const STMivoTimedAutomaticRestartSettings&);
+template std::vector<RecordField> recordFields<STMivoTimedAutomaticRestartSettings>();
 template bool readRecord(const QString&, mivo::DynamicRangeConfig&);
 template QString writeRecord(const mivo::DynamicRangeConfig&);
+template std::vector<RecordField> recordFields<mivo::DynamicRangeConfig>();
 template bool readRecord(const QString&, SAddOSCInfo&);
 template QString writeRecord(const SAddOSCInfo&);
+template std::vector<RecordField> recordFields<SAddOSCInfo>();
 template bool readRecord(const QString&, SAddDMXInfo&);
 template QString writeRecord(const SAddDMXInfo&);
+template std::vector<RecordField> recordFields<SAddDMXInfo>();
 
 } // namespace mivohost

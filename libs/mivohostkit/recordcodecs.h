@@ -2,6 +2,8 @@
 
 #include <QtCore/QString>
 
+#include <vector>
+
 namespace mivohost {
 
 // Each record is kept as one text, so that a crash leaves it whole: its fields in a fixed order,
@@ -14,5 +16,18 @@ bool readRecord(const QString& text, Record& record);
 /// The text of a record, also of one that readRecord() refuses.
 template <typename Record>
 QString writeRecord(const Record& record);
+
+/// A field as it is named outside of the text.
+struct RecordField
+{
+    enum Kind { flag, number, text };
+
+    const char* name;
+    Kind kind;
+};
+
+/// The fields in the order of the text. Of a text, only the last may contain '|'.
+template <typename Record>
+std::vector<RecordField> recordFields();
 
 } // namespace mivohost

@@ -21,9 +21,9 @@ public:
     /// Every setting that was ever written, texts and numbers, by key.
     virtual QVariantHash loadAll() = 0;
 
-    /// Writes one setting; when it returns true the value outlives a crash and a power cut.
-    /// Otherwise the old value stays, and lastError() says why.
-    virtual bool write(const QString& key, const QVariant& value) = 0;
+    /// Writes these settings, all or none; when it returns true they outlive a crash and a power
+    /// cut. Otherwise all old values stay, and lastError() says why.
+    virtual bool write(const QVariantHash& settings) = 0;
     virtual QString lastError() const = 0; ///< for a person to read
 
     /// From now on reports changes that someone else makes, on the runtime thread.

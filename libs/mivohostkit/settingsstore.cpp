@@ -31,7 +31,7 @@ class NoPersistence : public SettingsPersistence
 {
 public:
     QVariantHash loadAll() override { return {}; }
-    bool write(const QString& /*key*/, const QVariant& /*value*/) override { return true; }
+    bool write(const QVariantHash& /*settings*/) override { return true; }
     QString lastError() const override { return {}; }
     void watch(ChangeHandler /*handler*/) override {}
 };
@@ -53,13 +53,12 @@ SettingsStore::SettingsStore(std::unique_ptr<SettingsPersistence> persistence,
                              const std::map<Key, QVariant>& defaults)
     : m_persistence(persistence ? std::move(persistence) : std::make_unique<NoPersistence>()),
       m_soundCards(*this, [this](const QString& text) { set(Key::soundCardMappings, text); }),
-      m_ports(*this)
+      m_ports(*this), m_defaults(defaults)
 {
     const QVariantHash rows = m_persistence->loadAll();
     for (const Setting& setting : settingsTable()) {
-        const auto given = defaults.find(setting.key);
         QVariant& held = m_values[setting.key];
-        held = given == defaults.end() ? setting.fallback : given->second;
+        held = fallbackOf(setting);
         const auto row = rows.find(setting.name);
         if (row == rows.end()) {
             continue;
@@ -92,6 +91,7 @@ SettingsStore::SettingsStore(std::unique_ptr<SettingsPersistence> persistence,
                 if (setting.announce != nullptr) {
                     setting.announce(*this, *accepted);
                 }
+                anySettingChanged();
             }
         }
     });
@@ -252,9 +252,25 @@ std::vector<SettingsStore::Entry> SettingsStore::all() const
 {
     std::vector<Entry> entries;
     for (const Setting& setting : settingsTable()) {
-        entries.push_back({setting.name, value(setting.key), setting.section, setting.scope});
+        entries.push_back({setting.name, value(setting.key), setting.section, setting.scope,
+                           fallbackOf(setting), setting.announce != nullptr});
     }
     return entries;
+}
+
+QVariant SettingsStore::fallbackOf(const Setting& setting) const
+{
+    const auto given = m_defaults.find(setting.key);
+    return given == m_defaults.end() ? setting.fallback : given->second;
+}
+
+void SettingsStore::set(const QString& name, const QVariant& value)
+{
+    for (const Setting& setting : settingsTable()) {
+        if (name == QLatin1String(setting.name)) {
+            set(setting.key, value);
+        }
+    }
 }
 
 void SettingsStore::set(Key key, const QVariant& wanted)
@@ -266,31 +282,70 @@ void SettingsStore::set(Key key, const QVariant& wanted)
                         logged(corrected));
     }
     const bool replacesUnusable = corrected == wanted && m_unusable.count(key) != 0;
-    if (corrected != value(key) || replacesUnusable) {
-        keep(key, corrected);
+    const QVariant before = value(key);
+    if (corrected != before || replacesUnusable) {
+        const QString problem = keep({{key, corrected}});
+        if (!problem.isEmpty() && m_failure) {
+            m_failure(problem);
+        }
     } else if (corrected == wanted) {
         return; // nothing new, and the control shows it already
     }
     if (setting.announce != nullptr) {
         setting.announce(*this, value(key));
     }
+    if (value(key) != before) {
+        anySettingChanged();
+    }
 }
 
-void SettingsStore::keep(Key key, const QVariant& value)
+QString SettingsStore::setAll(const std::map<Key, QVariant>& wanted)
 {
-    const char* name = settingOf(key).name;
-    if (m_persistence->write(name, asRow(value))) {
+    std::map<Key, QVariant> changes;
+    for (const auto& [key, each] : wanted) {
+        const auto accepted = settingOf(key).accept(asRow(each));
+        if (!accepted) {
+            return QStringLiteral("%1 cannot be %2").arg(settingOf(key).name, each.toString());
+        }
+        if (*accepted != value(key) || m_unusable.count(key) != 0) {
+            changes.emplace(key, *accepted);
+        }
+    }
+    QString problem = changes.empty() ? QString() : keep(changes);
+    if (problem.isEmpty()) {
+        for (const auto& [key, each] : changes) {
+            if (settingOf(key).announce != nullptr) {
+                settingOf(key).announce(*this, each);
+            }
+        }
+        if (!changes.empty()) {
+            anySettingChanged();
+        }
+    }
+    return problem;
+}
+
+QString SettingsStore::keep(const std::map<Key, QVariant>& values)
+{
+    QVariantHash rows;
+    QStringList names;
+    for (const auto& [key, value] : values) {
+        names.append(settingOf(key).name);
+        rows[names.last()] = asRow(value);
+    }
+    if (!m_persistence->write(rows)) {
+        const QString reason = m_persistence->lastError();
+        hostLog()->error("setting {} could not be saved: {}", names.join(", ").toStdString(),
+                         reason.toStdString());
+        return reason;
+    }
+    for (const auto& [key, value] : values) {
         m_values[key] = value;
         m_kept.insert(key);
         m_unusable.erase(key);
-        hostLog()->info("setting {} = {}", name, logged(value));
-        return;
+        hostLog()->info("setting {} = {}", settingOf(key).name, logged(value));
     }
-    const QString reason = m_persistence->lastError();
-    hostLog()->error("setting {} could not be saved: {}", name, reason.toStdString());
-    if (m_failure) {
-        m_failure(reason);
-    }
+    return {};
 }
 
 } // namespace mivohost

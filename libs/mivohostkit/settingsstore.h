@@ -17,6 +17,8 @@
 
 namespace mivohost {
 
+struct Setting;
+
 /// A complete store: each setting has a key, a default and a range, and what a setter is given
 /// beyond its range is corrected and logged. Runtime thread; constructed and destroyed there or
 /// while no page is bound.
@@ -104,10 +106,12 @@ public:
     /// A setting as it is now.
     struct Entry
     {
-        QString name;    ///< under which it is kept
-        QVariant value;  ///< as it is kept
-        Section section; ///< whose page shows it
-        Scope scope;     ///< whose it is
+        QString name;      ///< under which it is kept
+        QVariant value;    ///< as it is kept
+        Section section;   ///< whose page shows it
+        Scope scope;       ///< whose it is
+        QVariant fallback; ///< what it starts with, as the value
+        bool isFollowed;   ///< pages are told when it changes
     };
 
     /// Takes why a value could not be kept, for a person to read.
@@ -127,6 +131,9 @@ public:
 
     /// Every program is to have these fades, in seconds; the host gives them.
     sigslot::signal<const double, const double> fadeTimesApplied;
+
+    /// A setting has another value, whichever and by whomever; after its own signal.
+    sigslot::signal<> anySettingChanged;
 
     void setUndoStep(int step) override { set(Key::undoStep, step); }
     void setAutoSyncResources(bool on) override { set(Key::autoSyncResources, on); }
@@ -302,20 +309,29 @@ public:
     QStringList unusable() const;
     /// Every setting, each once.
     std::vector<Entry> all() const;
+    /// Sets the setting that is kept under `name` as its own setter does. No such name: nothing.
+    void set(const QString& name, const QVariant& value);
+
+    /// Sets these settings, all or none, and announces those that changed. Values have the types
+    /// of all(). Empty, or why none was set: one that is no value of its setting, or that could not
+    /// be kept.
+    QString setAll(const std::map<Key, QVariant>& wanted);
 
 private:
     static QVariant stored(const std::string& text) { return QString::fromStdString(text); }
     QVariant value(Key key) const { return m_values.at(key); }
+    QVariant fallbackOf(const Setting& setting) const;
     void set(Key key, const QVariant& wanted);
     void setPort(ListeningPorts::Port port, const STPortInfo& requested);
 
-    /// Writes a value and takes it over, or tells that it could not be written.
-    void keep(Key key, const QVariant& value);
+    /// Writes values and takes them over; empty, or why they could not be written.
+    QString keep(const std::map<Key, QVariant>& values);
 
     std::unique_ptr<SettingsPersistence> m_persistence;
     SoundCardMappings m_soundCards;
     ListeningPorts m_ports;
     std::map<Key, QVariant> m_values;
+    std::map<Key, QVariant> m_defaults; // that the host gave
     std::set<Key> m_kept;
     std::set<Key> m_unusable;
     FailureHandler m_failure;

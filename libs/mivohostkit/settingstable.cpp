@@ -63,7 +63,8 @@ Setting recordRow(Key key, const char* name, Section section, Scope scope, const
         Record record;
         return readRecord(text, record);
     };
-    return {key, name, section, scope, writeRecord(fallback), 0, 0, announce, isRecord};
+    return {key, name, section,  scope,    writeRecord(fallback),
+            0,   0,    announce, isRecord, recordFields<Record>()};
 }
 
 bool isColor(const QString& text)

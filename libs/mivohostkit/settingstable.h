@@ -23,6 +23,8 @@ struct Setting
     void (*announce)(SettingsStore& store, const QVariant& value) = nullptr;
     /// Whether a text is a value of the setting; null: every text is.
     bool (*isValid)(const QString& text) = nullptr;
+    /// Of a record that is kept as one text.
+    std::vector<RecordField> fields = {};
 
     /// `raw`, as it was kept, as a value of this setting; nothing if it is none.
     std::optional<QVariant> accept(const QVariant& raw) const;

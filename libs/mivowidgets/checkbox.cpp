@@ -1,5 +1,7 @@
 #include "mivowidgets/checkbox.h"
 
+#include "mivowidgets/accessible_p.h"
+
 #include <QtCore/QVariant>
 
 namespace mivo::widgets {
@@ -8,6 +10,7 @@ CheckBox::CheckBox(QWidget* parent) : CheckBox(QString(), parent) {}
 
 CheckBox::CheckBox(const QString& text, QWidget* parent) : QCheckBox(text, parent)
 {
+    useAccessibleInterfaces();
     setProperty("style", QStringLiteral("checkBox"));
 }
 

@@ -1,5 +1,7 @@
 #include "mivowidgets/pushbutton.h"
 
+#include "mivowidgets/accessible_p.h"
+
 #include <QtGui/QKeyEvent>
 #include <QtWidgets/QButtonGroup>
 
@@ -9,6 +11,7 @@ PushButton::PushButton(QWidget* parent) : PushButton(QString(), parent) {}
 
 PushButton::PushButton(const QString& text, QWidget* parent) : QPushButton(text, parent)
 {
+    useAccessibleInterfaces();
     // Else the first button of a dialog would be pressed by the Return that ends an edit.
     setAutoDefault(false);
 }

@@ -85,6 +85,7 @@ void ScreenPicker::moveTo(const QPoint& position)
                            beside(place.y(), cover.screen.height()));
         if (m_color != color) {
             m_color = color;
+            cover.label->setAccessibleName(color.name()); // which has the focus
             emit hovered(color);
         }
     }
@@ -128,7 +129,7 @@ bool ScreenPicker::eventFilter(QObject* object, QEvent* event)
     case QEvent::KeyPress: {
         const auto* key = static_cast<QKeyEvent*>(event);
         if (key->isAutoRepeat() && (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter)) {
-            return true; // release of the key that started the picker
+            return true; // the key that started the picker is still held down
         }
         return pressKey(key->key(), (key->modifiers() & Qt::ShiftModifier) != 0);
     }

@@ -1,5 +1,7 @@
 #include "mivowidgets/shortcutcover.h"
 
+#include "mivowidgets/accessible_p.h"
+
 #include <QtCore/QMetaEnum>
 #include <QtCore/QPointer>
 #include <QtCore/QStringList>
@@ -146,6 +148,7 @@ ShortCutCover::ShortCutCover(ShortCutModuleType module, EnumShortCutType index,
     : QWidget(covered), m_module(module), m_index(index), m_path(path),
       m_clear(new QToolButton(this)), m_focusPolicy(covered->focusPolicy())
 {
+    useAccessibleInterfaces();
     setFocusPolicy(Qt::StrongFocus);
     m_clear->setText(QStringLiteral("×"));
     m_clear->setFocusPolicy(Qt::NoFocus); // the keyboard clears with Backspace

@@ -1,5 +1,6 @@
 #include "mivowidgets/tipdialog.h"
 
+#include "mivowidgets/alertlabel.h"
 #include "mivowidgets/pushbutton.h"
 
 #include <QtCore/QPointer>
@@ -10,7 +11,7 @@
 namespace mivo::widgets {
 
 TipDialog::TipDialog(QWidget* parent)
-    : Dialog(parent), m_icon(new QLabel), m_tip(new QLabel), m_assist(new QLabel),
+    : Dialog(parent), m_icon(new QLabel), m_tip(new AlertLabel), m_assist(new QLabel),
       m_cancel(new PushButton), m_accept(new PushButton)
 {
     m_icon->setObjectName(QStringLiteral("tipIcon"));
@@ -59,7 +60,14 @@ void TipDialog::setTipKind(int kind)
 void TipDialog::setTipText(const QString& text)
 {
     m_tip->setText(text);
-    setAccessibleName(text);
+    if (!isVisible()) {
+        setAccessibleName(text); // later it would be spoken each time
+    }
+}
+
+void TipDialog::announceTip()
+{
+    m_tip->announce();
 }
 
 QString TipDialog::tipText() const

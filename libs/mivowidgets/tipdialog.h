@@ -6,6 +6,7 @@ class QLabel;
 
 namespace mivo::widgets {
 
+class AlertLabel;
 class PushButton;
 
 /// A modal prompt: a tip, a smaller assist text, an accept button, and a cancel button that is
@@ -30,6 +31,10 @@ public:
     QString tipText() const;
     /// @}
 
+    /// Has screen readers speak the tip again, as they do when the prompt opens: it is another one
+    /// by now.
+    void announceTip();
+
     /// A smaller second text below; empty, there is none.
     void setAssistText(const QString& text);
 
@@ -50,7 +55,7 @@ public:
 
 private:
     QLabel* m_icon;
-    QLabel* m_tip;
+    AlertLabel* m_tip;
     QLabel* m_assist;
     PushButton* m_cancel;
     PushButton* m_accept;

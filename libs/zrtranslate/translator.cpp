@@ -1,5 +1,6 @@
 #include "zrtranslate/translator.h"
 
+#include <QtCore/QByteArrayList>
 #include <QtCore/QSet>
 #include <QtCore/QTranslator>
 
@@ -44,7 +45,23 @@ public:
         }
     }
 
+    /// A text's catalogue, context and key, in UTF-8.
+    using Name = QByteArrayList;
+
+    static QString find(const Files& files, const Name& name)
+    {
+        for (const auto& texts : files) {
+            QString text =
+                texts->translate(name[0].constData(), name[2].constData(), name[1].constData());
+            if (!text.isEmpty()) {
+                return text;
+            }
+        }
+        return {};
+    }
+
     QSet<QString> loaded;
+    QSet<Name> found; // as many as the files have at most
     Languages languages;
     const Files* active = nullptr;
     QString requested;
@@ -92,21 +109,35 @@ QString Translator::translate(const QString& catalogue, const QString& context,
         return key;
     }
     if (m_impl->active) {
-        const QByteArray catalogueName = catalogue.toUtf8();
-        const QByteArray contextName = context.toUtf8();
-        const QByteArray keyName = key.toUtf8();
-        for (const auto& texts : *m_impl->active) {
-            QString text = texts->translate(catalogueName.constData(), keyName.constData(),
-                                            contextName.constData());
-            if (!text.isEmpty()) {
-                return text;
-            }
+        const Impl::Name name{catalogue.toUtf8(), context.toUtf8(), key.toUtf8()};
+        QString text = Impl::find(*m_impl->active, name);
+        if (!text.isEmpty()) {
+            m_impl->found.insert(name);
+            return text;
         }
     }
     if (m_impl->missing) {
         m_impl->missing(catalogue, context, key);
     }
     return key;
+}
+
+QHash<QString, QStringList> Translator::otherTexts() const
+{
+    QHash<QString, QStringList> others;
+    if (!m_impl->active) {
+        return others;
+    }
+    for (const Impl::Name& name : std::as_const(m_impl->found)) {
+        const QString shown = Impl::find(*m_impl->active, name);
+        for (const auto& [language, files] : m_impl->languages) {
+            const QString text = Impl::find(files, name);
+            if (!shown.isEmpty() && !text.isEmpty() && text != shown) {
+                others[shown].append(text);
+            }
+        }
+    }
+    return others;
 }
 
 void Translator::setMissingTextHandler(MissingTextHandler handler)

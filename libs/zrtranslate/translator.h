@@ -2,7 +2,9 @@
 
 #include "zrtranslate/export.h"
 
+#include <QtCore/QHash>
 #include <QtCore/QString>
+#include <QtCore/QStringList>
 
 #include <functional>
 #include <memory>
@@ -42,6 +44,10 @@ public:
     /// The text in the chosen language, of the file loaded last where several have it. A key that
     /// has none is returned itself.
     QString translate(const QString& catalogue, const QString& context, const QString& key) const;
+
+    /// What the other loaded languages say for every text that was found so far, by the text in the
+    /// chosen language: for a search that knows what is shown, and not its key.
+    QHash<QString, QStringList> otherTexts() const;
 
     /// Called for every look-up that a chosen language has no text for. Null drops the handler.
     void setMissingTextHandler(MissingTextHandler handler);

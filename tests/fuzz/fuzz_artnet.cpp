@@ -6,8 +6,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
 {
     using mivohost::ArtNetDatagram;
     const ArtNetDatagram read = mivohost::parseArtNet(bytes, size);
-    const bool isDmx = read.kind == ArtNetDatagram::dmx;
-    if (isDmx != (read.levels != nullptr) || read.channels > 512) {
+    if ((read.kind == ArtNetDatagram::dmx) != (read.levels != nullptr) || read.channels > 512) {
         std::abort();
     }
     // Every level is read: what is beyond the datagram is found by the sanitizer.

@@ -4,16 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include <QtCore/QPointer>
-#include <QtCore/QTimer>
-#include <QtTest/QTest>
-#include <QtWidgets/QApplication>
-#include <QtWidgets/QComboBox>
-#include <QtWidgets/QDialogButtonBox>
-#include <QtWidgets/QFileDialog>
-#include <QtWidgets/QLabel>
-#include <QtWidgets/QLineEdit>
-#include <QtWidgets/QPushButton>
+#include <QtTest/QtTest>
+#include <QtWidgets/QtWidgets>
 
 #include <algorithm>
 #include <functional>
@@ -50,9 +42,34 @@ inline void typeInto(QWidget* field, const QString& text)
     if (text.isEmpty()) {
         QTest::keyClick(field, Qt::Key_Delete);
     }
-    QTest::keyClick(field, Qt::Key_Return);
     field->clearFocus();
     QApplication::processEvents();
+}
+
+inline void activateWindow(QWidget* window)
+{
+    window->show();
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window));
+}
+
+/// Where the focus is, at first in the window itself; returns where it is then.
+inline QWidget* pressKey(QWidget* window, Qt::Key key)
+{
+    QWidget* focused = QApplication::focusWidget();
+    QTest::keyClick(focused != nullptr ? focused : window, key);
+    return QApplication::focusWidget();
+}
+
+/// Turns the wheel up by a step over a widget; returns whether that or a parent has used it.
+inline bool turnWheel(QWidget* widget)
+{
+    const QPoint middle = widget->rect().center();
+    QWheelEvent wheel(middle, widget->mapToGlobal(middle), {}, {0, 120}, Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QSpontaneKeyEvent::setSpontaneous(&wheel); // else it gives no focus, and parents do not get it
+    qApp->notify(widget, &wheel);
+    return wheel.isAccepted();
 }
 
 /// As a person chooses in the list that opens.
@@ -83,28 +100,22 @@ inline void chooseFolder(QFileDialog& dialog, const QString& folder)
 class TipWatch : public QObject
 {
 public:
-    struct Tip
-    {
-        QString text;
-        QString assist;
-        int kind;
-    };
-
     TipWatch() { startTimer(5); }
 
-    std::vector<Tip> tips;
+    QStringList tips;            ///< each as "text|assist text|kind"
     std::function<void()> onTip; ///< in place of the button
 
 protected:
     void timerEvent(QTimerEvent* /*event*/) override
     {
         auto* tip = qobject_cast<mivo::widgets::TipDialog*>(QApplication::activeModalWidget());
-        if (tip == nullptr || tip == m_noted || isQuestion(*tip)) {
+        const auto* cancel = tip != nullptr ? tip->findChild<QPushButton*>() : nullptr;
+        if (tip == nullptr || tip == m_noted || cancel->isVisible()) {
             return;
         }
         m_noted = tip;
-        tips.push_back({tip->tipText(), tip->findChild<QLabel*>("tipAssistText")->text(),
-                        tip->findChild<QLabel*>("tipIcon")->property("kind").toInt()});
+        tips.append(tip->tipText() + '|' + tip->findChild<QLabel*>("tipAssistText")->text() + '|'
+                    + tip->findChild<QLabel*>("tipIcon")->property("kind").toString());
         if (onTip) {
             onTip();
         } else {
@@ -114,11 +125,5 @@ protected:
     }
 
 private:
-    static bool isQuestion(const QWidget& tip)
-    {
-        const auto buttons = tip.findChildren<QPushButton*>();
-        return std::all_of(buttons.begin(), buttons.end(), std::mem_fn(&QWidget::isVisible));
-    }
-
     QPointer<QWidget> m_noted;
 };

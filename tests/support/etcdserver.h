@@ -10,7 +10,8 @@
 #include <QtNetwork/QTcpServer>
 #include <QtNetwork/QTcpSocket>
 
-#include <signal.h>
+#include <csignal>
+#include <sys/resource.h>
 
 /// Members of one etcd, on ports of the loopback that were free.
 class EtcdServers
@@ -28,16 +29,12 @@ public:
             all.append(QStringLiteral("m%1=http://127.0.0.1:%1").arg(member.peer));
         }
         m_cluster = all.join(',');
-        for (int i = 0; i < members; ++i) {
-            start(i);
-        }
+        act("start all");
+        const bool isEncrypted = m_arguments.contains("--cert-file");
+        const auto answers = [&] { return !ctl({"endpoint", "health"}).isEmpty(); };
+        EXPECT_TRUE(isEncrypted || QTest::qWaitFor(answers, 20000));
     }
-    ~EtcdServers()
-    {
-        for (int i = 0; i < static_cast<int>(m_members.size()); ++i) {
-            kill(i);
-        }
-    }
+    ~EtcdServers() { act("kill all"); }
 
     QString host(int i) const { return QStringLiteral("127.0.0.1:%1").arg(at(i).client); }
     QStringList hosts() const
@@ -49,35 +46,32 @@ public:
         return all;
     }
 
-    /// Begins to start a member that does not run, with what it had before.
-    void start(int i)
+    /// "start", "kill", "hang", "continue", or "fill" (the disk), and which members: a number,
+    /// "leader" or "all".
+    void act(const QString& what)
     {
-        const Member& member = at(i);
-        if (member.process->state() != QProcess::NotRunning) {
-            return;
-        }
-        const QString scheme = m_arguments.contains("--cert-file") ? "https" : "http";
-        const QString peer = QStringLiteral("http://127.0.0.1:%1").arg(member.peer);
-        const QString client = scheme + "://" + host(i);
-        member.process->setStandardErrorFile(m_folder.filePath("log"), QIODevice::Append);
-        member.process->start(
-            "etcd", QStringList{"--name", QStringLiteral("m%1").arg(member.peer), "--data-dir",
-                                m_folder.filePath(QString::number(i)), "--listen-client-urls",
-                                client, "--advertise-client-urls", client, "--listen-peer-urls",
-                                peer, "--initial-advertise-peer-urls", peer, "--initial-cluster",
-                                m_cluster, "--logger", "zap"}
-                        + m_arguments);
-        member.process->waitForStarted();
-    }
-    void signal(int i, int number)
-    {
-        ::kill(static_cast<pid_t>(at(i).process->processId()), number);
-    }
-    void kill(int i)
-    {
-        if (at(i).process->state() != QProcess::NotRunning) {
-            signal(i, SIGKILL);
-            at(i).process->waitForFinished();
+        const QString which = what.section(' ', 1);
+        const int number = which == "leader" ? leader() : which.toInt();
+        for (int i = 0; i < static_cast<int>(m_members.size()); ++i) {
+            if (which != "all" && i != number) {
+                continue;
+            }
+            QProcess& process = *at(i).process;
+            const auto id = static_cast<pid_t>(process.processId());
+            const bool runs = process.state() != QProcess::NotRunning;
+            if (what.startsWith("start") && !runs) {
+                start(i);
+            } else if (what.startsWith("kill") && runs) {
+                process.kill();
+                process.waitForFinished();
+            } else if (what.startsWith("hang") && runs) {
+                ::kill(id, SIGSTOP);
+            } else if (what.startsWith("continue") && runs) {
+                ::kill(id, SIGCONT);
+            } else if (what.startsWith("fill") && runs) {
+                const rlimit none{0, RLIM_INFINITY};
+                ::prlimit(id, RLIMIT_FSIZE, &none, nullptr);
+            }
         }
     }
 
@@ -100,12 +94,6 @@ public:
         const int at = status.indexOf("\"Revision\" : ") + 13;
         EXPECT_FALSE(ctl({"compact", status.mid(at).split('\n')[0].trimmed()}).isEmpty());
     }
-    /// Whether a member answers; false after 20 s.
-    bool answers(int i = 0)
-    {
-        return QTest::qWaitFor([&] { return !ctl({"endpoint", "health"}, i).isEmpty(); }, 20000);
-    }
-
     static quint16 freePort()
     {
         QTcpServer server;
@@ -114,6 +102,38 @@ public:
     }
 
 private:
+    /// Begins to start it with what it had before.
+    void start(int i)
+    {
+        const Member& member = at(i);
+        const QString scheme = m_arguments.contains("--cert-file") ? "https" : "http";
+        const QString peer = QStringLiteral("http://127.0.0.1:%1").arg(member.peer);
+        const QString client = scheme + "://" + host(i);
+        member.process->setStandardErrorFile(m_folder.filePath("log"), QIODevice::Append);
+        member.process->start(
+            "etcd", QStringList{"--name", QStringLiteral("m%1").arg(member.peer), "--data-dir",
+                                m_folder.filePath(QString::number(i)), "--listen-client-urls",
+                                client, "--advertise-client-urls", client, "--listen-peer-urls",
+                                peer, "--initial-advertise-peer-urls", peer, "--initial-cluster",
+                                m_cluster, "--logger", "zap"}
+                        + m_arguments);
+        member.process->waitForStarted();
+    }
+    int leader()
+    {
+        for (int i = 0; i < static_cast<int>(m_members.size()); ++i) {
+            const QByteArray status = ctl({"endpoint", "status", "-w", "fields"}, i);
+            const auto field = [&status](const char* name) {
+                return status.mid(status.indexOf(name)).split('\n')[0].split(':').last();
+            };
+            if (field("\"MemberID\"") == field("\"Leader\"")) {
+                return i;
+            }
+        }
+        ADD_FAILURE() << "no leader";
+        return 0;
+    }
+
     struct Member
     {
         quint16 client = 0;

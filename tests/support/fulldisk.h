@@ -3,15 +3,15 @@
 #include <csignal>
 #include <sys/resource.h>
 
-/// While it lives, no file of this process takes a byte.
+/// While it lives, no file of this process grows beyond so many bytes.
 class FullDisk
 {
 public:
-    FullDisk()
+    explicit FullDisk(rlim_t room = 0)
     {
         std::signal(SIGXFSZ, SIG_IGN);
         ::getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit none{0, m_before.rlim_max};
+        const rlimit none{room, m_before.rlim_max};
         ::setrlimit(RLIMIT_FSIZE, &none);
     }
     ~FullDisk() { ::setrlimit(RLIMIT_FSIZE, &m_before); }

@@ -23,7 +23,7 @@ public:
     {
         stop();
         const mivohost::ShowSetup setup = setupWith(servers);
-        m_runtime.call([&] {
+        runtime.call([&] {
             auto opened = mivohost::SqlitePersistence::open(setup.path(QDir(m_folder)));
             ASSERT_TRUE(opened.persistence);
             QString error;
@@ -32,7 +32,7 @@ public:
             m_shared = shared.get();
             store = std::make_unique<mivohost::SettingsStore>(std::move(shared));
         });
-        m_synchroniser = std::make_unique<mivohost::Synchroniser>(m_runtime, *m_shared,
+        m_synchroniser = std::make_unique<mivohost::Synchroniser>(runtime, *m_shared,
                                                                   store->soundCards(), setup);
         QObject::connect(m_synchroniser.get(), &mivohost::Synchroniser::lost,
                          [this](const mivohost::LostChange& change) { lost.push_back(change); });
@@ -50,14 +50,14 @@ public:
     void stop()
     {
         m_synchroniser.reset();
-        m_runtime.call([this] { store.reset(); });
+        runtime.call([this] { store.reset(); });
     }
 
     /// Calls with the store on the runtime thread.
     template <typename Work>
     auto call(Work work)
     {
-        return m_runtime.call([&] { return work(*store); });
+        return runtime.call([&] { return work(*store); });
     }
     void set(int undoStep)
     {
@@ -89,13 +89,13 @@ public:
     }
 
     std::vector<mivohost::LostChange> lost;
+    TestRuntime runtime;
     std::unique_ptr<mivohost::SettingsStore> store;
 
 private:
     QTemporaryDir m_own;
     QString m_name;
     QString m_folder;
-    TestRuntime m_runtime;
     mivohost::SharedSettings* m_shared = nullptr; // belongs to the store
     std::unique_ptr<mivohost::Synchroniser> m_synchroniser;
 };

@@ -15,52 +15,40 @@
 #include <mivosettingswidgets/stagesettingbox.h>
 #include <mivosettingswidgets/undosettingbox.h>
 
-#include <QtCore/QMetaProperty>
-#include <QtCore/QTemporaryDir>
-#include <QtWidgets/QAbstractItemView>
-#include <QtWidgets/QButtonGroup>
-#include <QtWidgets/QRadioButton>
-
 using namespace mivo::settings;
 
 namespace {
 
 template <typename Page>
 PageCase pageCase(bool keepsStoreWhenUnset, const MissingLines& missing, std::size_t getters,
-                  std::size_t followed, std::vector<ControlCase> controls)
+                  std::size_t followed, std::vector<ControlCase> controls,
+                  const char* qtWarning = nullptr)
 {
-    return {Page::staticMetaObject.className(),
-            keepsStoreWhenUnset,
-            missing,
-            getters,
-            followed,
-            [] { return new Page; },
-            std::move(controls)};
+    PageCase page{Page::staticMetaObject.className(),
+                  keepsStoreWhenUnset,
+                  missing,
+                  getters,
+                  followed,
+                  std::move(controls),
+                  qtWarning};
+    page.make = [] { return new Page; };
+    return page;
 }
 
-const MissingLines neverNull;
 const MissingLines logsNoStore{"sharedSettings is nullptr!|setSettings",
                                "sharedSettings is nullptr!|unsetSettings"};
 
-/// Types over the old value, and leaves the field.
-std::function<void(QWidget*)> typing(const char* text)
+std::function<void(QWidget*)> typing(const QString& text)
 {
-    return [text](QWidget* control) {
-        control->setFocus();
-        QTest::keySequence(control, QKeySequence::SelectAll);
-        QTest::keyClicks(control, QString::fromLatin1(text));
-        control->clearFocus();
-    };
+    return [text](QWidget* control) { typeInto(control, text); };
 }
 
 /// Types the digits of a time over the sections of the old one, and leaves the field.
-std::function<void(QWidget*)> typingTime(const char* digits)
+void typingTime(QWidget* control)
 {
-    return [digits](QWidget* control) {
-        control->setFocus(Qt::TabFocusReason); // selects the first section
-        QTest::keyClicks(control, QString::fromLatin1(digits));
-        control->clearFocus();
-    };
+    control->setFocus(Qt::TabFocusReason); // selects the first section
+    QTest::keyClicks(control, "000123");
+    control->clearFocus();
 }
 
 void clicking(QWidget* control)
@@ -68,7 +56,6 @@ void clicking(QWidget* control)
     QTest::mouseClick(control, Qt::LeftButton, {}, QPoint(8, control->height() / 2));
 }
 
-/// Chooses the last item with the keyboard.
 void choosingLast(QWidget* control)
 {
     control->setFocus();
@@ -76,17 +63,15 @@ void choosingLast(QWidget* control)
     control->clearFocus();
 }
 
-const QString& someFolder()
+const QTemporaryDir& someFolder()
 {
     static const QTemporaryDir folder;
-    static const QString path = folder.path();
-    return path;
+    return folder;
 }
 
-/// Presses the button behind a path, and chooses a folder in the dialog that opens.
 void browsing(QWidget* control)
 {
-    whenModal<QFileDialog>([](QFileDialog& dialog) { chooseFolder(dialog, someFolder()); });
+    whenModal<QFileDialog>([](QFileDialog& dialog) { chooseFolder(dialog, someFolder().path()); });
     clicking(control->nextInFocusChain());
 }
 
@@ -96,21 +81,38 @@ ControlCase checkBox(const char* setting, int index, const char* writeSlot)
             writeSlot};
 }
 
-ControlCase number(const char* setting, int index, QVariantList values, const char* typed,
+ControlCase number(const char* setting, int index, const QVariantList& values,
                    const char* writeSlot, std::pair<int, int> limits)
 {
-    return {setting,   "mivo::widgets::SpinEditBox",
-            index,     values[0],
-            values[1], values[2],
-            values[3], typing(typed),
-            writeSlot, nullptr,
-            1,         limits};
+    return {setting,   "mivo::widgets::SpinEditBox", index,     values[0], values[1], values[2],
+            values[3], typing(values[3].toString()), writeSlot, limits};
+}
+
+ControlCase fade(const char* setting, int index, const char* writeSlot)
+{
+    return number(setting, index, {0.5, 10., 0., 2.5}, writeSlot, {0, 10});
+}
+
+ControlCase port(const char* setting, int index, const char* writeSlot)
+{
+    auto row = number(setting, index, {0., 65534., 0., 80.}, writeSlot, {0, 65534});
+    row.record = [](const QVariant& number) { return "0|" + number.toString(); };
+    return row;
+}
+
+/// Width and height are written together.
+ControlCase resolution(const char* setting, int index, double initial)
+{
+    auto row = number(setting, index, {initial, 16384., initial, 500.},
+                      "onResolutionEditingFinished", {0, 16384});
+    row.hops = 2;
+    return row;
 }
 
 ControlCase duration(const char* setting, int initial, const char* writeSlot)
 {
-    return {setting, "mivo::widgets::TimeEditBox", 0,         initial, 9000, initial,
-            83000,   typingTime("000123"),         writeSlot, nullptr, 1,    {3000, 86399000}};
+    return {setting,   "mivo::widgets::TimeEditBox", 0, initial, 9000, initial, 83000, typingTime,
+            writeSlot, std::pair(3000, 86399000)};
 }
 
 /// The button of two that is not chosen at first; the setting is the number of the chosen one.
@@ -119,21 +121,14 @@ ControlCase oneOfTwo(const char* setting, int index, const char* writeSlot)
     const auto number = [index](const QVariant& chosen) {
         return chosen.toBool() == (index == 0) ? 0 : 1;
     };
-    return {setting, "QRadioButton", index, false, false, false, true, clicking, writeSlot, number};
+    return {setting, "QRadioButton", index,     false,  false, false,
+            true,    clicking,       writeSlot, {0, 0}, number};
 }
 
 ControlCase folder(const char* setting, int index, const char* subFolder, const char* writeSlot)
 {
-    return {setting,   "mivo::widgets::EditBox", index,    QString(), "/folder/from elsewhere/目录",
-            QString(), someFolder() + subFolder, browsing, writeSlot};
-}
-
-/// Width and height are written together.
-ControlCase resolution(const char* setting, int index, double initial)
-{
-    return {
-        setting,       "mivo::widgets::SpinEditBox",  index,   initial, 16384.,    initial, 500.,
-        typing("500"), "onResolutionEditingFinished", nullptr, 2,       {0, 16384}};
+    return {setting,   "mivo::widgets::EditBox",        index,    QString(), "/folder/from 目录",
+            QString(), someFolder().path() + subFolder, browsing, writeSlot};
 }
 
 ControlCase color(const char* setting, int index, const char* initial, const char* writeSlot)
@@ -142,54 +137,9 @@ ControlCase color(const char* setting, int index, const char* initial, const cha
             "#123abc", typing("#123ABC"),        writeSlot};
 }
 
-PageCase networkCase()
+QVariant standardRange(const QVariant& depth)
 {
-    const auto port = [&](const char* setting, int index, const char* writeSlot) {
-        auto row = number(setting, index, {0., 65534., 0., 80.}, "80", writeSlot, {0, 65534});
-        row.record = [](const QVariant& port) { return "0|" + port.toString(); };
-        return row;
-    };
-    auto network = pageCase<DeviceSettingWidget>(
-        true, neverNull, 2, 4,
-        {port("tcpPort", 0, "onTcpPortChanged"), port("udpPort", 1, "onUdpPortChanged")});
-    network.qtWarning = "_settings is null";
-    return network;
-}
-
-PageCase displayControlCase()
-{
-    const auto fade = [](const char* setting, int index, const char* writeSlot) {
-        return number(setting, index, {0.5, 10., 0., 2.5}, "2.5", writeSlot, {0, 10});
-    };
-    return pageCase<DisplayControlSettingBox>(
-        false,
-        {"sharedSettings is nullptr!|setSettings", "shareSettings is nullptr!|unsetSettings",
-         "DisplayControlSettingBox::setSettings zrRuntime is nullptr!|setSettings",
-         "DisplayControlSettingBox::setSettings zrRuntime is nullptr!|unsetSettings"},
-        3, 6,
-        {checkBox("blackScreenMute", 0, "onBlackScreenMuteCheckBoxStateChanged"),
-         checkBox("mfps", 1, "onMFPSCheckBoxStateChanged"),
-         checkBox("efps", 2, "onEFPSCheckBoxStateChanged"),
-         fade("fadeInTime", 0, "onFadeInTimeSpinBoxValueChanged"),
-         fade("fadeOutTime", 1, "onFadeOutTimeSpinBoxValueChanged"),
-         oneOfTwo("imageHierarchy", 0, "onImageHierarchyBtnGroupChanged")});
-}
-
-PageCase codecControlCase()
-{
-    const auto standardRange = [](const QVariant& depth) {
-        return "0|" + depth.toString().remove("bit");
-    };
-    return pageCase<CodecControlSettingBox>(
-        true,
-        {"sharedSettings is nullptr!|setSettings", "sharedSettings is nullptr!|unsetSettings",
-         "CodecControlSettingBox::setSettings zrRuntime is nullptr!|setSettings",
-         "CodecControlSettingBox::unsetSettings zrRuntime is nullptr!|unsetSettings"},
-        3, 3,
-        {{"displayTechnologyStandard", "mivo::widgets::ComboBox", 3, "BT.709", "DCI-P3", "BT.709",
-          "BT.2020", choosingLast, "onDisplayTechnologyStandardsComBoxChanged"},
-         {"dynamicRangeConfig", "mivo::widgets::ComboBox", 2, "8bit", "8bit", "8bit", "10bit",
-          choosingLast, "processDisplayConfigChange", standardRange}});
+    return "0|" + depth.toString().remove("bit");
 }
 
 } // namespace
@@ -200,31 +150,61 @@ const std::vector<PageCase>& pageCases()
         pageCase<GeneralSettingBox>(
             true, {"sharedSettings is nullptr|setSettings"}, 3, 13,
             {checkBox("autoStart", 0, "onStartUpCheckBoxStateChanged"),
-             number("autoStartDelayTime", 0, {0., 300, 0., 80.}, "80", "onDelayTimeChanged",
-                    {0, 300}),
+             number("autoStartDelayTime", 0, {0., 300, 0., 80.}, "onDelayTimeChanged", {0, 300}),
              checkBox("closeSoftWareMinimize", 1, "onCloseSoftwareMinimizeCheckBoxStateChanged")}),
         pageCase<UndoSettingBox>(
-            true, neverNull, 1, 1,
-            {number("undoStep", 0, {50., 500, 1., 80.}, "80", "slotUndoStepChanged", {1, 500})}),
+            true, {}, 1, 1,
+            {number("undoStep", 0, {50., 500, 1., 80.}, "slotUndoStepChanged", {1, 500})}),
         pageCase<OnlineSettingBox>(
-            false, neverNull, 1, 1,
-            {checkBox("autoSyncResources", 0, "onAutoSyncResourcesStateChanged")}),
+            false, {}, 1, 1, {checkBox("autoSyncResources", 0, "onAutoSyncResourcesStateChanged")}),
         pageCase<AudioSettingBox>(false, {"sharedSettings is nullptr!|initSettings"}, 0, 10, {}),
-        networkCase(),
-        displayControlCase(),
-        codecControlCase(),
+        pageCase<DeviceSettingWidget>(
+            true, {}, 2, 4,
+            {port("tcpPort", 0, "onTcpPortChanged"), port("udpPort", 1, "onUdpPortChanged")},
+            "_settings is null"),
+        pageCase<DisplayControlSettingBox>(
+            false,
+            {"sharedSettings is nullptr!|setSettings", "shareSettings is nullptr!|unsetSettings",
+             "DisplayControlSettingBox::setSettings zrRuntime is nullptr!|setSettings",
+             "DisplayControlSettingBox::setSettings zrRuntime is nullptr!|unsetSettings"},
+            3, 6,
+            {checkBox("blackScreenMute", 0, "onBlackScreenMuteCheckBoxStateChanged"),
+             checkBox("mfps", 1, "onMFPSCheckBoxStateChanged"),
+             checkBox("efps", 2, "onEFPSCheckBoxStateChanged"),
+             fade("fadeInTime", 0, "onFadeInTimeSpinBoxValueChanged"),
+             fade("fadeOutTime", 1, "onFadeOutTimeSpinBoxValueChanged"),
+             oneOfTwo("imageHierarchy", 0, "onImageHierarchyBtnGroupChanged")}),
+        pageCase<CodecControlSettingBox>(
+            true,
+            {"sharedSettings is nullptr!|setSettings", "sharedSettings is nullptr!|unsetSettings",
+             "CodecControlSettingBox::setSettings zrRuntime is nullptr!|setSettings",
+             "CodecControlSettingBox::unsetSettings zrRuntime is nullptr!|unsetSettings"},
+            3, 3,
+            {{"displayTechnologyStandard", "mivo::widgets::ComboBox", 3, "BT.709", "DCI-P3",
+              "BT.709", "BT.2020", choosingLast, "onDisplayTechnologyStandardsComBoxChanged"},
+             {"dynamicRangeConfig",
+              "mivo::widgets::ComboBox",
+              2,
+              "8bit",
+              "8bit",
+              "8bit",
+              "10bit",
+              choosingLast,
+              "processDisplayConfigChange",
+              {0, 0},
+              standardRange}}),
         pageCase<ResPlayControlSettingBox>(
             true, logsNoStore, 1, 1, {duration("pictureDuration", 5000, "onDurationTimeChanged")}),
         pageCase<ProjectSettingBox>(
-            true, neverNull, 1, 8,
+            true, {}, 1, 8,
             {checkBox("openRecentFiles", 0, "onOpenRecentFilesCheckBoxStateChanged"),
              checkBox("openProjectFileDefaultPlay", 1,
                       "onOpenProjectFileDefaultPlayCheckBoxStateChanged"),
              // Before the boxes that it makes editable.
              checkBox("autoSaveProjectFiles", 2, "onAutoSaveProjectFilesCheckBoxStateChanged"),
-             number("autoSaveProjectFilesInterval", 0, {1., 30, 5., 7.}, "7",
+             number("autoSaveProjectFilesInterval", 0, {1., 30, 5., 7.},
                     "onIntervalSpinBoxValueChanged", {1, 30}),
-             number("autoSaveProjectFilesMaxNum", 1, {5., 20, 5., 1.}, "1",
+             number("autoSaveProjectFilesMaxNum", 1, {5., 20, 5., 1.},
                     "onAutoSaveMaxNumSpinBoxValueChanged", {1, 20}),
              folder("autoSavePath", 0, "/projectbackups", "onAutoSavePathChanged"),
              checkBox("notPromptForSave", 3, "onNotPromptForSaveCheckBoxStateChanged"),
@@ -237,7 +217,7 @@ const std::vector<PageCase>& pageCases()
              folder("cachePath", 1, "/cache", "onCacheChanged"),
              folder("sharePath", 2, "/sharedfolder", "onShareChanged")}),
         pageCase<OfficePPTSettingBox>(
-            true, neverNull, 1, 6,
+            true, {}, 1, 6,
             {checkBox("pptAutoplay", 0, "onPPTAutoplayStateChanged"),
              duration("pptAutoplayInterval", 3000, "onPPTAutoplayIntervalTimeChanged"),
              oneOfTwo("pptPlayMode", 1, "onPPTPlayModeBtnGroupChanged"),
@@ -254,42 +234,10 @@ const std::vector<PageCase>& pageCases()
     return cases;
 }
 
-QWidget* findControl(QWidget* page, const ControlCase& control)
-{
-    int index = control.index;
-    const auto children = page->findChildren<QWidget*>();
-    for (QWidget* child : children) {
-        if (child->inherits(control.type) && index-- == 0) {
-            return child;
-        }
-    }
-    return nullptr;
-}
-
-QVariant shownBy(QWidget* control)
-{
-    const auto* combo = qobject_cast<QComboBox*>(control);
-    if (combo != nullptr && combo->currentData().isValid()) {
-        return combo->currentData();
-    }
-    const QVariant value = control->metaObject()->userProperty().read(control);
-    return value.type() == QVariant::Time ? value.toTime().msecsSinceStartOfDay() : value;
-}
-
-std::pair<int, int> limitsOf(QWidget* control)
-{
-    if (auto* edit = qobject_cast<QTimeEdit*>(control)) {
-        return {edit->minimumTime().msecsSinceStartOfDay(),
-                edit->maximumTime().msecsSinceStartOfDay()};
-    }
-    return {control->property("minimum").toInt(), control->property("maximum").toInt()};
-}
-
 std::vector<QWidget*> controlsIn(QWidget* parent)
 {
     std::vector<QWidget*> controls;
-    const auto children = parent->findChildren<QWidget*>();
-    for (QWidget* child : children) {
+    for (QWidget* child : parent->findChildren<QWidget*>()) {
         const bool isPart = qobject_cast<QLineEdit*>(child) != nullptr
                             && qobject_cast<QAbstractSpinBox*>(child->parentWidget()) != nullptr;
         if (!isPart
@@ -300,15 +248,4 @@ std::vector<QWidget*> controlsIn(QWidget* parent)
         }
     }
     return controls;
-}
-
-bool isReached(QWidget* control, const QSet<QWidget*>& stops)
-{
-    const auto* radio = qobject_cast<QRadioButton*>(control);
-    if (radio == nullptr || radio->group() == nullptr) {
-        return stops.contains(control);
-    }
-    const auto buttons = radio->group()->buttons();
-    return std::any_of(buttons.begin(), buttons.end(),
-                       [&stops](QAbstractButton* button) { return stops.contains(button); });
 }

@@ -2,12 +2,9 @@
 
 #include <mivosettingswidgets/settingpage.h>
 
-#include <QtCore/QSet>
 #include <QtCore/QVariant>
 
 #include <functional>
-#include <memory>
-#include <ostream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -24,16 +21,15 @@ struct ControlCase
     QVariant edited;                    ///< reached by `edit`; not the initial one
     std::function<void(QWidget*)> edit; ///< by mouse and keyboard, from any value but `edited`
     std::string writeSlot;              ///< named by the null-store warning
+    std::pair<int, int> limits{0, 0};   ///< that the control keeps to, where it has some
     /// What the store keeps for a value that is shown, where it is not the value itself.
     std::function<QVariant(const QVariant&)> record = nullptr;
-    std::size_t hops = 1;             ///< to the runtime, of one edit
-    std::pair<int, int> limits{0, 0}; ///< that the control keeps to, where it has some
+    std::size_t hops = 1; ///< to the runtime, of one edit
 
     QVariant kept(const QVariant& shown) const { return record ? record(shown) : shown; }
 };
 
-/// What a page logs of an argument that is missing; empty where it says nothing, or that may not
-/// be.
+/// What a page logs of an argument that is missing; empty where it says nothing or needs it.
 struct MissingLines
 {
     const char* setWithoutStore = "";
@@ -47,28 +43,15 @@ struct PageCase
 {
     std::string name;
     bool keepsStoreWhenUnset;
-    MissingLines missing; ///< the text, "|", and the function it is logged under
-    std::size_t getters;  ///< store reads of one binding
-    std::size_t signals_; ///< store signals that are followed
-    std::function<mivo::settings::SettingPage*()> make;
+    MissingLines missing;              ///< the text, "|", and the function it is logged under
+    std::size_t getters;               ///< store reads of one binding
+    std::size_t signals_;              ///< store signals that are followed
     std::vector<ControlCase> controls; ///< none where the store has to announce them first
-    const char* qtWarning = nullptr;   ///< in place of our log's, where a store is missing
+    const char* qtWarning;             ///< in place of our log's, where a store is missing
+    std::function<mivo::settings::SettingPage*()> make = nullptr;
 };
 
 const std::vector<PageCase>& pageCases();
 
-inline std::ostream& operator<<(std::ostream& out, const PageCase& page)
-{
-    return out << page.name;
-}
-
-QWidget* findControl(QWidget* page, const ControlCase& control);
-QVariant shownBy(QWidget* control);
-std::pair<int, int> limitsOf(QWidget* control);
-
 /// Everything of `parent` that a person operates.
 std::vector<QWidget*> controlsIn(QWidget* parent);
-
-/// Whether Tab, which stopped at `stops`, leads to the control: of the radio buttons of a group to
-/// one, from which the arrow keys lead to the others.
-bool isReached(QWidget* control, const QSet<QWidget*>& stops);

@@ -1,10 +1,11 @@
 #pragma once
 
+#include "support/hostlanguage.h"
 #include "support/test.h"
 
 #include <regex>
 
-/// What pages logged since the last call of this, "text|function" of each line.
+/// What was warned of since the last call of this, "text|function" in each line.
 inline std::string warned(LogCapture& log)
 {
     static const std::regex place(R"((?:warning|error)\|(.*) \n //\w+\.cpp:(\w+)\(\))");
@@ -12,24 +13,18 @@ inline std::string warned(LogCapture& log)
     std::smatch parts;
     for (const std::string& line : log.take()) {
         if (std::regex_match(line, parts, place)) {
-            lines += parts.format("$1|$2");
+            lines += (lines.empty() ? "" : "\n") + parts.format("$1|$2");
         }
     }
     return lines;
 }
 
-/// Delivers all events, also those that events cause.
+/// Delivers all events, also those that events cause, and ends what is to be deleted.
 inline void settleEvents()
 {
     QApplication::processEvents();
     QApplication::processEvents();
-}
-
-inline void activateWindow(QWidget* window)
-{
-    window->show();
-    window->activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(window));
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 /// A page, which a test may delete, and a store that bind() gives it.
@@ -37,7 +32,7 @@ template <typename Page>
 class PageTest : public ::testing::Test
 {
 protected:
-    PageTest() { page->setZRRuntime(&runtime); }
+    explicit PageTest(Page* made = new Page) : page(made) { page->setZRRuntime(&runtime); }
     ~PageTest() override { delete page; }
 
     void bind()
@@ -72,5 +67,5 @@ protected:
     TestRuntime runtime;
     TestStore store;
     LogCapture log;
-    QPointer<Page> page = new Page;
+    QPointer<Page> page;
 };

@@ -7,14 +7,11 @@
 #include <mivosettingswidgets/settingsdialog.h>
 #include <mivosettingswidgets/undosettingbox.h>
 
-#include <QtCore/QElapsedTimer>
-
 #include <csignal>
 
 namespace {
 
-/// The Tab keys that lead from the dialog's first focus to the undo steps, found in a dialog of
-/// this process.
+/// The Tab keys from the dialog's first focus to the undo steps, found in a dialog of this process.
 int tabsToUndoSteps()
 {
     TestRuntime runtime;
@@ -22,17 +19,12 @@ int tabsToUndoSteps()
     TestStore store(
         {{"autoSavePath", "/a"}, {"playLogPath", "/b"}, {"cachePath", "/c"}, {"sharePath", "/d"}});
     mivohost::SettingsView view(runtime, store, nullptr);
-    view.dialog().show();
-    view.dialog().activateWindow();
-    EXPECT_TRUE(QTest::qWaitForWindowActive(&view.dialog()));
+    activateWindow(&view.dialog());
     const auto* page = view.dialog().findChild<mivo::settings::UndoSettingBox*>();
-    const auto* undoSteps = page->findChild<mivo::widgets::SpinEditBox*>();
-    int tabs = 0;
-    do {
-        QWidget* focus = QApplication::focusWidget();
-        QTest::keyClick(focus != nullptr ? focus : &view.dialog(), Qt::Key_Tab);
+    int tabs = 1;
+    while (!page->isAncestorOf(pressKey(&view.dialog(), Qt::Key_Tab)) && tabs < 200) {
         ++tabs;
-    } while (QApplication::focusWidget() != undoSteps && tabs < 200);
+    }
     EXPECT_LT(tabs, 200);
     return tabs;
 }
@@ -107,6 +99,12 @@ bool Program::says(const QByteArray& text, int most)
         m_said.remove(0, m_said.indexOf(text) + text.size());
     }
     return said;
+}
+
+void Program::loseScreen()
+{
+    m_screen.stop();
+    m_process.waitForFinished(20000);
 }
 
 void Program::signal(int number)

@@ -2,10 +2,6 @@
 
 #include "support/xscreen.h"
 
-#include <QtCore/QProcess>
-#include <QtCore/QString>
-#include <QtCore/QStringList>
-
 /// That of a user whose files are in `home`.
 QProcessEnvironment environmentOf(const QString& home, const QString& platform);
 
@@ -39,6 +35,9 @@ public:
     /// Sends a signal, by default one that ends it at once, and waits for the end.
     void signal(int number);
     void kill() { signal(9); }
+
+    /// Ends its screen, and waits for the program's end.
+    void loseScreen();
 
 private:
     QByteArray xdotool(const QStringList& arguments) const;

@@ -2,16 +2,8 @@
 
 #include "project/projectfile.h"
 
-#include "mivohostkit/runtimethread.h"
-
-#include "support/ended.h"
-#include "support/files.h"
 #include "support/fulldisk.h"
 #include "support/test.h"
-
-#include <QtCore/QTemporaryDir>
-
-#include <future>
 
 namespace projecttest {
 
@@ -22,6 +14,14 @@ inline Project smallShow()
     return {{{"First", {{1, "One"}, {2, "Two"}}}, {"Empty", {}}, {"Last", {{9, "Nine \"9\"; 九"}}}},
             {},
             -1};
+}
+
+/// Begins something that tells its end, waits for that, and returns what was told.
+inline bool ended(const std::function<void(std::function<void(bool)> done)>& begin)
+{
+    std::optional<bool> result;
+    begin([&result](bool done) { result = done; });
+    return QTest::qWaitFor([&result] { return result.has_value(); }, 20000) && *result;
 }
 
 /// Paths with "hangs" in them hang until they are to answer.
@@ -53,6 +53,8 @@ private:
 class ProjectTest : public ::testing::Test
 {
 protected:
+    ProjectTest() { start(); }
+
     /// A store with these rows, and the project file over it.
     void start(const QVariantHash& rows = {})
     {
@@ -62,7 +64,7 @@ protected:
         file = std::make_unique<ProjectFile>(runtime, *store, hanging.observer());
         failures = std::make_unique<QSignalSpy>(file.get(), &ProjectFile::failed);
         file->start();
-        EXPECT_TRUE(QTest::qWaitFor([this] { return !file->isBusy(); }));
+        EXPECT_TRUE(QTest::qWaitFor([this] { return !file->requests().isWaiting(); }));
     }
 
     QString path(const QString& name) const { return folder.filePath(name); }

@@ -1,30 +1,28 @@
 #pragma once
 
-#include <QtCore/QtGlobal>
+#include <QtCore/QStringList>
 
 #include <string>
-#include <vector>
+#include <utility>
 
 /// Takes over Qt's own log while it lives, of the GUI thread, and keeps what a page has warned of.
 class QtLog
 {
 public:
-    QtLog() { lines().clear(); }
+    QtLog() { take(); }
     ~QtLog() { qInstallMessageHandler(m_previous); }
     Q_DISABLE_COPY(QtLog)
 
-    static std::vector<std::string>& lines()
-    {
-        static std::vector<std::string> kept;
-        return kept;
-    }
+    /// The lines since the last call.
+    static std::string take() { return std::exchange(s_lines, {}).join('\n').toStdString(); }
 
 private:
+    static inline QStringList s_lines;
     QtMessageHandler m_previous = qInstallMessageHandler(
         [](QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
             if (type == QtWarningMsg
                 && (message.startsWith("--") || message.startsWith("_settings"))) {
-                lines().push_back(message.toStdString());
+                s_lines.append(message);
             }
         });
 };

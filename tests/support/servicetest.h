@@ -5,12 +5,9 @@
 #include "peripherals/bindingtable.h"
 #include "support/test.h"
 
-#include <QtCore/QtEndian>
 #include <QtNetwork/QUdpSocket>
 
-#include <algorithm>
 #include <mutex>
-#include <thread>
 
 using Names = std::vector<std::string>;
 

@@ -1,10 +1,6 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <QtCore/QProcess>
-#include <QtCore/QTemporaryDir>
-#include <QtTest/QTest>
+#include "support/test.h"
 
 /// A sound server of a test's own, without any card at first. While it lives, every program that
 /// is started takes it for the machine's.

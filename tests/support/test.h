@@ -3,6 +3,7 @@
 // What nearly every test includes.
 
 #include "support/dialogs.h"
+#include "support/files.h"
 #include "support/logcapture.h"
 #include "support/testruntime.h"
 #include "support/teststore.h"
@@ -14,17 +15,6 @@
 #include <mivowidgets/pushbutton.h>
 #include <mivowidgets/spineditbox.h>
 #include <mivowidgets/timeeditbox.h>
-#include <mivowidgets/tipdialog.h>
 
-#include <gtest/gtest.h>
-
-#include <QtTest/QSignalSpy>
-#include <QtTest/QTest>
-#include <QtWidgets/QApplication>
-
-#include <functional>
-#include <memory>
+#include <future>
 #include <optional>
-#include <string>
-#include <utility>
-#include <vector>

@@ -21,11 +21,11 @@ public:
     };
 
     QVariantHash loadAll() override { return rows; }
-    bool write(const QString& key, const QVariant& value) override
+    bool write(const QVariantHash& settings) override
     {
-        if (!fails) {
-            rows[key] = value;
-            writes.push_back({key, value, std::this_thread::get_id()});
+        for (auto row = settings.begin(); row != settings.end() && !fails; ++row) {
+            rows[row.key()] = *row;
+            writes.push_back({row.key(), *row, std::this_thread::get_id()});
         }
         return !fails;
     }

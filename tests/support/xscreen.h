@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QtCore/QProcess>
-#include <QtCore/QProcessEnvironment>
 
 /// An X screen of a test's own, without a window manager. For programs that are started.
 class XScreen
@@ -16,7 +15,9 @@ public:
         }
         m_display = QString::fromLatin1(m_process.readLine().trimmed());
     }
-    ~XScreen()
+    ~XScreen() { stop(); }
+
+    void stop()
     {
         m_process.terminate();
         m_process.waitForFinished(20000);

@@ -4,12 +4,21 @@
 
 namespace mivohost {
 
+/// Loads the language files, in the system's language; a key without a text is logged. GUI thread.
+void loadLanguages();
+
+/// English, unless the system's is Chinese.
+QString systemLanguage();
+
 /// The text of the host's own catalogue in the language in force. GUI thread.
 QString hostText(const QString& key);
 inline QString hostText(const char* key)
 {
     return hostText(QString::fromLatin1(key));
 }
+
+/// A text as it is looked for: without case and accents. Any thread.
+QString searchText(const QString& text);
 
 /// Why something failed, as it is to be shown: in the language in force if the host knows the text,
 /// else as it is. GUI thread.

@@ -35,9 +35,6 @@ QString reasonOf(const QNetworkReply& reply)
 void drop(QNetworkReply& reply, QObject* receiver)
 {
     reply.disconnect(receiver);
-    if (!reply.isFinished()) {
-        reply.abort();
-    }
     reply.deleteLater();
 }
 

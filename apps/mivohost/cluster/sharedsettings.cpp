@@ -27,9 +27,14 @@ SharedSettings::SharedSettings(std::unique_ptr<SqlitePersistence> local, Identit
     : m_local(std::move(local)), m_identity(std::move(identity))
 {}
 
-bool SharedSettings::write(const QString& key, const QVariant& value)
+bool SharedSettings::write(const QVariantHash& settings)
 {
-    if (!m_local->write(key, value)) {
+    keepPending();
+    if (settings.size() == 1) {
+        sendAtOnce(settings.begin().key(), settings.begin().value());
+    }
+    m_isKept = m_local->write(settings);
+    if (!m_isKept) {
         return false;
     }
     tellWaiting();
@@ -98,16 +103,24 @@ void SharedSettings::takeAnswer(const std::vector<SentChange>& batch, const etcd
     if (answer.status == Status::ok) {
         Updates updates;
         for (const SentChange& sent : batch) {
-            if (answer.isWritten) {
+            const auto found = std::find_if(
+                answer.values.begin(), answer.values.end(),
+                [&sent](const etcd::KeyValue& value) { return value.key == sent.write.key; });
+            const etcd::KeyValue written{sent.write.key, sent.write.value, answer.revision};
+            const etcd::KeyValue* there = answer.isWritten               ? &written
+                                          : found == answer.values.end() ? nullptr
+                                                                         : &*found;
+            if (!m_local->outbox().isWaiting(sent.name)) { // it could not be kept here
+                if (there != nullptr) {
+                    compare(sent.name, *there, false, updates);
+                }
+            } else if (answer.isWritten) {
                 const bool isNewest = m_local->outbox().numberOf(sent.name) == sent.number;
                 updates.push_back({sent.name, answer.revision, std::nullopt,
                                    isNewest ? Waiting::remove : Waiting::keep});
-                continue;
+            } else {
+                settle(sent, there, updates);
             }
-            const auto there = std::find_if(
-                answer.values.begin(), answer.values.end(),
-                [&sent](const etcd::KeyValue& value) { return value.key == sent.write.key; });
-            settle(sent, there == answer.values.end() ? nullptr : &*there, updates);
         }
         takeOver(updates);
         Updates held;
@@ -142,29 +155,34 @@ void SharedSettings::shareShortcuts(const Texts& changes, bool isFirst)
         updates.push_back({change.key(), m_local->outbox().revisionOf(change.key()), change.value(),
                            isFirst ? Waiting::keep : Waiting::add});
     }
-    if (!m_local->update(updates) && m_listener.failed) {
-        m_listener.failed(lastError());
-    }
+    keepPending();
+    m_pending = updates;
+    announce(updates); // also to who shares them: another's change may be on its way there
+    keepPending();
     tellWaiting();
     sendNext();
 }
 
-int SharedSettings::adopt(const std::vector<etcd::KeyValue>& values)
+int SharedSettings::adopt(const std::vector<etcd::KeyValue>& values, QString& error)
 {
-    int count = 0;
+    QVariantHash adopted;
     for (const etcd::KeyValue& there : values) {
         const QString name = QString::fromUtf8(there.key.mid(there.key.lastIndexOf('/') + 1));
         const auto value = decode(there.value);
-        if (value && m_identity.own.contains(name) && write(name, value->value)) {
-            ++count;
+        if (value && m_identity.own.contains(name)) {
+            adopted.insert(name, value->value);
         }
     }
-    return count;
+    if (!write(adopted)) {
+        error = lastError();
+        return 0;
+    }
+    return adopted.size();
 }
 
 void SharedSettings::setAgain(const LostChange& change)
 {
-    if (write(change.name, change.mine)) {
+    if (write({{change.name, change.mine}})) {
         announce({{change.name, 0, change.mine}});
     } else if (m_listener.failed) {
         m_listener.failed(lastError());
@@ -227,8 +245,7 @@ void SharedSettings::compare(const QString& name, const etcd::KeyValue& there, b
                              Updates& updates) const
 {
     const qint64 seen = m_local->outbox().revisionOf(name);
-    if (m_local->outbox().isWaiting(name) || there.revision == seen
-        || (there.revision < seen && !isOfPage)) {
+    if (m_local->outbox().isWaiting(name) || (there.revision <= seen && !isOfPage)) {
         return;
     }
     const auto value = decode(there.value);
@@ -239,7 +256,9 @@ void SharedSettings::compare(const QString& name, const etcd::KeyValue& there, b
     } else if (!value) {
         hostLog()->warn("{} in etcd is no value of a setting", there.key.toStdString());
     } else if (isHere(name, value->value)) {
-        updates.push_back({name, there.revision, {}});
+        if (there.revision != seen) {
+            updates.push_back({name, there.revision, {}});
+        }
     } else if (there.revision > seen) {
         hostLog()->info("setting {} = {} by machine {}", name.toStdString(),
                         value->value.toString().left(200).toStdString(), value->name.toStdString());
@@ -289,18 +308,27 @@ void SharedSettings::takeOver(const Updates& updates)
             replaced.append(update.key);
         }
     }
-    if (!m_local->update(updates)) {
-        if (m_listener.failed) {
-            m_listener.failed(m_local->lastError());
-        }
-        return;
-    }
+    keepPending();
+    m_pending = updates;
+    announce(updates);
+    keepPending();
     if (!replaced.isEmpty() && m_listener.replaced) {
         m_listener.replaced(replaced);
     }
-    announce(updates);
     tellWaiting();
     sendNext();
+}
+
+/// Called before anything else is written: whoever is told of a change may set something.
+void SharedSettings::keepPending()
+{
+    const Updates updates = std::exchange(m_pending, {});
+    if (!updates.empty()) {
+        m_isKept = m_local->update(updates);
+        if (!m_isKept && m_listener.failed) {
+            m_listener.failed(m_local->lastError());
+        }
+    }
 }
 
 void SharedSettings::announce(const Updates& updates)
@@ -318,9 +346,21 @@ void SharedSettings::announce(const Updates& updates)
     }
 }
 
+/// A change that is about to be written into the file; unless others wait, or the file takes none.
+void SharedSettings::sendAtOnce(const QString& name, const QVariant& value)
+{
+    const Outbox& outbox = m_local->outbox();
+    const QByteArray json = encode(value);
+    if (canSend() && m_isKept && outbox.count() == 0 && json.size() <= longestValue) {
+        m_isSending = true;
+        m_listener.send(
+            {{name, outbox.nextNumber(), {keyOf(name), json, outbox.revisionOf(name)}}});
+    }
+}
+
 void SharedSettings::sendNext()
 {
-    if (!m_isConnected || m_isSending || !m_listener.send) {
+    if (!canSend()) {
         return;
     }
     std::vector<SentChange> batch;

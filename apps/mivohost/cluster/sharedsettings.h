@@ -32,9 +32,13 @@ struct SentChange
 };
 
 /// The settings of a machine that shares them with others. Its own file is what its pages read and
-/// write; a change is noted there and sent afterwards. Each setting is one key in etcd, and a
-/// change of it is based on the revision that this machine has seen: where another machine was
-/// faster, its value holds here as well.
+/// write; a change is noted there, to be sent until etcd has it. Each setting is one key in etcd,
+/// and a change of it is based on the revision that this machine has seen: where another machine
+/// was faster, its value holds here as well.
+///
+/// Nothing waits for two disks one after the other: a single change is on its way while the file is
+/// written, and a change of another machine is shown before it is in the file. Where that fails,
+/// and etcd has the change, it is told, and holds here as one of another machine.
 ///
 /// Runtime thread. It knows nothing of the network: what it is to send goes to the listener, and
 /// whoever reads from etcd calls it.
@@ -74,7 +78,7 @@ public:
     SharedSettings(std::unique_ptr<SqlitePersistence> local, Identity identity);
 
     QVariantHash loadAll() override { return m_local->loadAll(); }
-    bool write(const QString& key, const QVariant& value) override;
+    bool write(const QVariantHash& settings) override;
     QString lastError() const override { return m_local->lastError(); }
     void watch(ChangeHandler handler) override { m_handler = std::move(handler); }
 
@@ -101,8 +105,9 @@ public:
     /// before it shared any.
     void shareShortcuts(const Texts& changes, bool isFirst);
 
-    /// Sets what another machine had for itself for this one; returns how many settings that are.
-    int adopt(const std::vector<etcd::KeyValue>& values);
+    /// Sets what another machine had for itself for this one, all or none; returns how many
+    /// settings that are. `error` says why it did not work.
+    int adopt(const std::vector<etcd::KeyValue>& values, QString& error);
 
     /// Sets a value that was lost once more, for the machine's pages as well.
     void setAgain(const LostChange& change);
@@ -126,7 +131,10 @@ private:
                  Updates& updates) const;
     void settle(const SentChange& sent, const etcd::KeyValue* there, Updates& updates);
     void takeOver(const Updates& updates);
+    void keepPending();
     void announce(const Updates& updates);
+    bool canSend() const { return m_isConnected && !m_isSending && m_listener.send; }
+    void sendAtOnce(const QString& name, const QVariant& value);
     void sendNext();
     void tellWaiting();
 
@@ -136,6 +144,8 @@ private:
     ChangeHandler m_handler;
     bool m_isConnected = false;
     bool m_isSending = false;
+    bool m_isKept = true;                     // what was written last into the file
+    Updates m_pending;                        // what pages are told of, and the file has not yet
     int m_told = -1;                          // how many changes wait
     QSet<QString> m_read;                     // names, on the pages since the first
     std::map<QString, etcd::KeyValue> m_held; // changes of settings whose own change is on its way

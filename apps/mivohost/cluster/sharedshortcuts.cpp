@@ -6,14 +6,15 @@
 
 #include <QtCore/QUrl>
 
-#include <algorithm>
 #include <utility>
+#include <vector>
 
 namespace mivohost {
 
 namespace {
 
 const QLatin1String prefix = SharedSettings::shortcutPrefix;
+constexpr int pause = 100; // ms; each time the manager writes its whole file
 
 } // namespace
 
@@ -31,10 +32,13 @@ SharedShortcuts::SharedShortcuts(mivo::settings::ShortCutMgr& manager, Synchroni
         }
     }
     synchroniser.shareShortcuts(added, shared.isEmpty());
-    apply(shared);
+    m_pause.setSingleShot(true);
+    m_pause.setInterval(pause);
+    connect(&m_pause, &QTimer::timeout, this, &SharedShortcuts::apply);
+    take(shared);
     connect(&manager, &mivo::settings::ShortCutMgr::signalShortCutSave, this,
             &SharedShortcuts::share);
-    connect(&synchroniser, &Synchroniser::shortcutsChanged, this, &SharedShortcuts::apply);
+    connect(&synchroniser, &Synchroniser::shortcutsChanged, this, &SharedShortcuts::take);
 }
 
 bool SharedShortcuts::isName(const QString& name)
@@ -86,35 +90,55 @@ void SharedShortcuts::share()
     m_synchroniser.shareShortcuts(changes, false);
 }
 
-void SharedShortcuts::apply(const Table& changes)
+void SharedShortcuts::take(const Table& changes)
 {
-    STLinkShortCutInfo info = m_manager.linkShortCutInfo();
-    bool differs = false;
     for (auto change = changes.begin(); change != changes.end(); ++change) {
-        STShortCutItem item = itemOf(change.key());
-        if (m_held.value(change.key()) == change.value()) {
-            continue;
-        }
-        differs = true;
-        item.shortCutStr = change.value().toStdString();
-        auto& list = item.type == ShortCutOfPath ? info.pathShortCutList : info.indexShortCutList;
-        const auto place = std::find_if(list.begin(), list.end(), [&item](const auto& entry) {
-            return entry.type == item.type && entry.path == item.path;
-        });
-        if (place == list.end()) {
-            list.push_back(item);
-        } else if (item.shortCutStr.empty()) {
-            list.erase(place);
-        } else {
-            *place = item;
+        m_changes.insert(change.key(), change.value());
+    }
+    if (!m_pause.isActive()) {
+        apply();
+    }
+}
+
+void SharedShortcuts::apply()
+{
+    Table left;
+    for (auto change = m_changes.begin(); change != m_changes.end(); ++change) {
+        if (m_held.value(change.key()) != change.value()) {
+            left.insert(change.key(), change.value());
         }
     }
-    if (differs) {
-        m_isApplying = true;
-        m_manager.shortCutInfoSave(info);
-        m_isApplying = false;
-        m_held = held();
+    m_changes.clear();
+    if (left.isEmpty()) {
+        return;
     }
+    STLinkShortCutInfo info = m_manager.linkShortCutInfo();
+    for (auto* list : {&info.indexShortCutList, &info.pathShortCutList}) {
+        std::vector<STShortCutItem> kept;
+        for (STShortCutItem& item : *list) {
+            const auto change = left.find(nameOf(item));
+            const bool isChanged = change != left.end();
+            if (isChanged) {
+                item.shortCutStr = change->toStdString();
+                left.erase(change);
+            }
+            if (!isChanged || !item.shortCutStr.empty()) {
+                kept.push_back(item);
+            }
+        }
+        *list = std::move(kept);
+    }
+    for (auto added = left.begin(); added != left.end(); ++added) {
+        STShortCutItem item = itemOf(added.key());
+        item.shortCutStr = added->toStdString();
+        (item.type == ShortCutOfPath ? info.pathShortCutList : info.indexShortCutList)
+            .push_back(item);
+    }
+    m_isApplying = true;
+    m_manager.shortCutInfoSave(info);
+    m_isApplying = false;
+    m_held = held();
+    m_pause.start();
 }
 
 } // namespace mivohost

@@ -5,6 +5,7 @@
 
 #include <QtCore/QObject>
 #include <QtCore/QString>
+#include <QtCore/QTimer>
 
 namespace mivo::settings {
 class ShortCutMgr;
@@ -37,11 +38,14 @@ public:
 private:
     Table held() const;
     void share();
-    void apply(const Table& changes);
+    void take(const Table& changes);
+    void apply();
 
     mivo::settings::ShortCutMgr& m_manager;
     Synchroniser& m_synchroniser;
-    Table m_held; // as the manager saved it last
+    Table m_held;    // as the manager saved it last
+    Table m_changes; // of others, for the manager
+    QTimer m_pause;
     bool m_isApplying = false;
 };
 

@@ -2,12 +2,16 @@
 
 #include "cluster/etcdclient.h"
 #include "cluster/machines.h"
+#include "cluster/sharedsettings.h"
 #include "cluster/showsetup.h"
 #include "cluster/synchroniser.h"
+#include "mivohostkit/runtimethread.h"
 
 #include <QtCore/QEventLoop>
 
+#include <cstdio>
 #include <optional>
+#include <utility>
 
 namespace mivohost {
 
@@ -89,12 +93,19 @@ private:
 
 } // namespace
 
-std::vector<etcd::KeyValue> ownSettingsOf(const QString& machine, const ShowSetup& setup,
-                                          QString& error)
+void adoptMachine(const QString& machine, const ShowSetup& setup, RuntimeThread& runtime,
+                  std::unique_ptr<SharedSettings> settings, QString& error)
 {
     Command command(setup, error);
     const auto found = command.find(machine);
-    return found ? command.read(command.ownOf(found->first)) : std::vector<etcd::KeyValue>();
+    const auto values =
+        found ? command.read(command.ownOf(found->first)) : std::vector<etcd::KeyValue>();
+    const int count = runtime.call([&] {
+        return std::exchange(settings, nullptr)->adopt(values, error); // and closes the file
+    });
+    if (error.isEmpty()) {
+        std::printf("settings taken over: %d\n", count);
+    }
 }
 
 void forgetMachine(const QString& machine, const ShowSetup& setup, QString& error)

@@ -1,21 +1,22 @@
 #pragma once
 
-#include "cluster/etcdmessages.h"
-
 #include <QtCore/QString>
 
-#include <vector>
+#include <memory>
 
 namespace mivohost {
 
+class RuntimeThread;
+class SharedSettings;
 struct ShowSetup;
 
 /// What the program does with the show instead of opening its window. GUI thread; each tries every
 /// server once and takes some seconds where none answers. `error` says why nothing was done.
 
-/// The own settings of the machine of that name or id, as etcd has them.
-std::vector<etcd::KeyValue> ownSettingsOf(const QString& machine, const ShowSetup& setup,
-                                          QString& error);
+/// Gives this machine what the machine of that name or id has for itself, and prints how many
+/// settings that are.
+void adoptMachine(const QString& machine, const ShowSetup& setup, RuntimeThread& runtime,
+                  std::unique_ptr<SharedSettings> settings, QString& error);
 
 /// Takes the machine of that name or id out of the show, with its own settings, unless it is
 /// connected.

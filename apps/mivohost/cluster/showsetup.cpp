@@ -96,6 +96,11 @@ void ShowSetup::addOptions(QCommandLineParser& arguments)
     });
 }
 
+bool ShowSetup::isCommand(const QCommandLineParser& arguments)
+{
+    return arguments.isSet(QStringLiteral("adopt")) || arguments.isSet(QStringLiteral("forget"));
+}
+
 std::optional<ShowSetup> ShowSetup::read(const QCommandLineParser& arguments, const QDir& data,
                                          QString& error)
 {
@@ -132,6 +137,8 @@ std::optional<ShowSetup> ShowSetup::read(const QCommandLineParser& arguments, co
         setup.servers.password = lines.value(1).trimmed();
         error = read.error;
     }
+    setup.adopted = arguments.value(QStringLiteral("adopt"));
+    setup.forgotten = arguments.value(QStringLiteral("forget"));
     setup.name = arguments.isSet(QStringLiteral("machine-name"))
                      ? arguments.value(QStringLiteral("machine-name"))
                      : QSysInfo::machineHostName();

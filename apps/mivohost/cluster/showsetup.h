@@ -19,9 +19,16 @@ struct ShowSetup
     EtcdServers servers;
     QString machine; ///< the id of this machine
     QString name;    ///< and its name
+    /// A machine by its name or id, where the program is only to take over what that one has for
+    /// itself, or to take it out of the show.
+    QString adopted = {};
+    QString forgotten = {};
 
     /// Its options of the command line.
     static void addOptions(QCommandLineParser& arguments);
+
+    /// Whether there is to be no window.
+    static bool isCommand(const QCommandLineParser& arguments);
 
     /// From the command line and the environment, whose password it removes. Files that it names
     /// are read, for ten seconds at most. Nothing without a show, and where `error` says why.

@@ -9,6 +9,31 @@
         <translation>System settings</translation>
     </message>
     <message>
+        <source>SettingsSearch</source>
+        <comment>Widget</comment>
+        <translation>Search</translation>
+    </message>
+    <message>
+        <source>SettingsSearchTip</source>
+        <comment>Widget</comment>
+        <translation>Search all settings (Ctrl+F). Return goes to the next place, Shift+Return to the one before, the down arrow to the control.</translation>
+    </message>
+    <message>
+        <source>SettingsSearchCount</source>
+        <comment>Widget</comment>
+        <translation>Found: %1</translation>
+    </message>
+    <message>
+        <source>SettingsSearchPlace</source>
+        <comment>Widget</comment>
+        <translation>%1 of %2</translation>
+    </message>
+    <message>
+        <source>SettingsSearchNone</source>
+        <comment>Widget</comment>
+        <translation>Nothing found</translation>
+    </message>
+    <message>
         <source>GeneralSettings</source>
         <comment>Widget</comment>
         <translation>General</translation>
@@ -1041,6 +1066,186 @@ Without an answer the copy is used in %4 seconds.</translation>
         <translation>A setting could not be saved: %1. Its old value stays in force.</translation>
     </message>
     <message>
+        <source>ExportSettingsTitle</source>
+        <comment>MainWindow</comment>
+        <translation>Export settings</translation>
+    </message>
+    <message>
+        <source>ImportSettingsTitle</source>
+        <comment>MainWindow</comment>
+        <translation>Import settings</translation>
+    </message>
+    <message>
+        <source>SettingsFiles</source>
+        <comment>MainWindow</comment>
+        <translation>Settings</translation>
+    </message>
+    <message>
+        <source>SettingsToExport</source>
+        <comment>MainWindow</comment>
+        <translation>Settings that go into the file. Shortcuts have a file of their own.</translation>
+    </message>
+    <message>
+        <source>SettingsOrigin</source>
+        <comment>MainWindow</comment>
+        <translation>From “%1”, %2, version %3</translation>
+    </message>
+    <message>
+        <source>SettingsToImport</source>
+        <comment>MainWindow</comment>
+        <translation>These settings change:</translation>
+    </message>
+    <message>
+        <source>SettingsToImportNotOwn</source>
+        <comment>MainWindow</comment>
+        <translation>These settings change. Those that belong to this machine are not ticked:</translation>
+    </message>
+    <message>
+        <source>SettingsSame</source>
+        <comment>MainWindow</comment>
+        <translation>All settings that can be taken from the file are as they are here.</translation>
+    </message>
+    <message>
+        <source>SettingsRefused</source>
+        <comment>MainWindow</comment>
+        <translation>Not taken from the file:</translation>
+    </message>
+    <message>
+        <source>SettingName</source>
+        <comment>MainWindow</comment>
+        <translation>Setting</translation>
+    </message>
+    <message>
+        <source>SettingNow</source>
+        <comment>MainWindow</comment>
+        <translation>Now</translation>
+    </message>
+    <message>
+        <source>SettingInFile</source>
+        <comment>MainWindow</comment>
+        <translation>In the file</translation>
+    </message>
+    <message>
+        <source>SettingReason</source>
+        <comment>MainWindow</comment>
+        <translation>Why</translation>
+    </message>
+    <message>
+        <source>SettingUnknown</source>
+        <comment>MainWindow</comment>
+        <translation>this version does not know it</translation>
+    </message>
+    <message>
+        <source>SettingNotTaken</source>
+        <comment>MainWindow</comment>
+        <translation>it stays with its machine</translation>
+    </message>
+    <message>
+        <source>SettingWrongType</source>
+        <comment>MainWindow</comment>
+        <translation>not a value of its kind</translation>
+    </message>
+    <message>
+        <source>SettingOutOfRange</source>
+        <comment>MainWindow</comment>
+        <translation>not from %1 to %2</translation>
+    </message>
+    <message>
+        <source>SettingInvalid</source>
+        <comment>MainWindow</comment>
+        <translation>not a value that it can have</translation>
+    </message>
+    <message>
+        <source>InLine</source>
+        <comment>MainWindow</comment>
+        <translation>%1, line %2</translation>
+    </message>
+    <message>
+        <source>SettingsNotExported</source>
+        <comment>MainWindow</comment>
+        <translation>The settings were not exported: %1</translation>
+    </message>
+    <message>
+        <source>SettingsNotImported</source>
+        <comment>MainWindow</comment>
+        <translation>The settings were not imported, and nothing has changed: %1</translation>
+    </message>
+    <message>
+        <source>SettingsExported</source>
+        <comment>MainWindow</comment>
+        <translation>The settings have been exported to %1</translation>
+    </message>
+    <message>
+        <source>SettingsExportedLate</source>
+        <comment>MainWindow</comment>
+        <translation>The settings that were not waited for have been exported after all: %1</translation>
+    </message>
+    <message>
+        <source>SettingsImported</source>
+        <comment>MainWindow</comment>
+        <translation>Settings imported: %1</translation>
+    </message>
+    <message>
+        <source>SettingsOfTheProgram</source>
+        <comment>MainWindow</comment>
+        <translation>Program</translation>
+    </message>
+    <message>
+        <source>SettingResourceType</source>
+        <comment>MainWindow</comment>
+        <translation>Kind of resource shown</translation>
+    </message>
+    <message>
+        <source>SettingAutoSaveInterval</source>
+        <comment>MainWindow</comment>
+        <translation>Minutes between automatic saves</translation>
+    </message>
+    <message>
+        <source>SettingMfps</source>
+        <comment>MainWindow</comment>
+        <translation>MFPS</translation>
+    </message>
+    <message>
+        <source>SettingEfps</source>
+        <comment>MainWindow</comment>
+        <translation>EFPS</translation>
+    </message>
+    <message>
+        <source>SettingGraphicsCard</source>
+        <comment>MainWindow</comment>
+        <translation>Graphics card</translation>
+    </message>
+    <message>
+        <source>SettingSlideWidth</source>
+        <comment>MainWindow</comment>
+        <translation>Resolution: width</translation>
+    </message>
+    <message>
+        <source>SettingSlideHeight</source>
+        <comment>MainWindow</comment>
+        <translation>Resolution: height</translation>
+    </message>
+    <message>
+        <source>SettingSdr</source>
+        <comment>MainWindow</comment>
+        <translation>SDR</translation>
+    </message>
+    <message>
+        <source>SettingHdr</source>
+        <comment>MainWindow</comment>
+        <translation>HDR10</translation>
+    </message>
+    <message>
+        <source>On</source>
+        <comment>MainWindow</comment>
+        <translation>On</translation>
+    </message>
+    <message>
+        <source>Off</source>
+        <comment>MainWindow</comment>
+        <translation>Off</translation>
+    </message>
+    <message>
         <source>Project</source>
         <comment>MainWindow</comment>
         <translation>&amp;Project</translation>
@@ -1069,6 +1274,16 @@ Without an answer the copy is used in %4 seconds.</translation>
         <source>SaveProjectAs</source>
         <comment>MainWindow</comment>
         <translation>Save &amp;as…</translation>
+    </message>
+    <message>
+        <source>ExportSettings</source>
+        <comment>MainWindow</comment>
+        <translation>&amp;Export settings…</translation>
+    </message>
+    <message>
+        <source>ImportSettings</source>
+        <comment>MainWindow</comment>
+        <translation>&amp;Import settings…</translation>
     </message>
     <message>
         <source>Quit</source>
@@ -1129,6 +1344,61 @@ Without an answer the copy is used in %4 seconds.</translation>
         <source>DoNotSave</source>
         <comment>MainWindow</comment>
         <translation>Do not save</translation>
+    </message>
+    <message>
+        <source>PutBackTo</source>
+        <comment>MainWindow</comment>
+        <translation>Put back to %1</translation>
+    </message>
+    <message>
+        <source>PutBackToDefault</source>
+        <comment>MainWindow</comment>
+        <translation>Put back to the default</translation>
+    </message>
+    <message>
+        <source>PutBackSection</source>
+        <comment>MainWindow</comment>
+        <translation>Put this section back</translation>
+    </message>
+    <message>
+        <source>PutBackQuestion</source>
+        <comment>MainWindow</comment>
+        <translation>Put the section "%1" back to what a new installation has? Settings that change: %2.</translation>
+    </message>
+    <message>
+        <source>PutBack</source>
+        <comment>MainWindow</comment>
+        <translation>Put back</translation>
+    </message>
+    <message>
+        <source>PutBackNotKept</source>
+        <comment>MainWindow</comment>
+        <translation>Nothing was put back, because the settings could not be kept in a file first: %1</translation>
+    </message>
+    <message>
+        <source>PutBackDone</source>
+        <comment>MainWindow</comment>
+        <translation>The section "%1" was put back.</translation>
+    </message>
+    <message>
+        <source>PutBackKeptIn</source>
+        <comment>MainWindow</comment>
+        <translation>All settings as they were before are in %1. "Import settings…" in the menu of the main window takes them from there.</translation>
+    </message>
+    <message>
+        <source>PutBackPartly</source>
+        <comment>MainWindow</comment>
+        <translation>The section "%1" was not put back as a whole: %2 of %3 settings could not be saved.</translation>
+    </message>
+    <message>
+        <source>PutBackUndo</source>
+        <comment>MainWindow</comment>
+        <translation>Undo</translation>
+    </message>
+    <message>
+        <source>PutBackClose</source>
+        <comment>MainWindow</comment>
+        <translation>Close</translation>
     </message>
     <message>
         <source>Cancel</source>
@@ -1375,14 +1645,74 @@ Open them now?</translation>
         <translation>The shortcuts were not imported: %1</translation>
     </message>
     <message>
-        <source>FileTooLarge</source>
-        <comment>MainWindow</comment>
-        <translation>The file is too large.</translation>
-    </message>
-    <message>
         <source>BindingsNotSaved</source>
         <comment>MainWindow</comment>
         <translation>the bindings could not be saved; the old ones stay</translation>
+    </message>
+    <message>
+        <source>FindAction</source>
+        <comment>MainWindow</comment>
+        <translation>Find an action by its name</translation>
+    </message>
+    <message>
+        <source>NoActionMatches</source>
+        <comment>MainWindow</comment>
+        <translation>No action is called that.</translation>
+    </message>
+    <message>
+        <source>FindByPressing</source>
+        <comment>MainWindow</comment>
+        <translation>Find by pressing</translation>
+    </message>
+    <message>
+        <source>FindHint</source>
+        <comment>MainWindow</comment>
+        <translation>Press a key, move a control or send a message; Esc ends.</translation>
+    </message>
+    <message>
+        <source>FoundAction</source>
+        <comment>MainWindow</comment>
+        <translation>%1 – %2</translation>
+    </message>
+    <message>
+        <source>FoundFree</source>
+        <comment>MainWindow</comment>
+        <translation>%1 is free</translation>
+    </message>
+    <message>
+        <source>FoundReserved</source>
+        <comment>MainWindow</comment>
+        <translation>%1 belongs to the program itself</translation>
+    </message>
+    <message>
+        <source>BindingSheet</source>
+        <comment>MainWindow</comment>
+        <translation>Sheet of shortcuts</translation>
+    </message>
+    <message>
+        <source>BoundTwice</source>
+        <comment>MainWindow</comment>
+        <translation>%1 is bound more than once</translation>
+    </message>
+    <message>
+        <source>NoBindingMatches</source>
+        <comment>MainWindow</comment>
+        <translation>No shortcut matches the filter.</translation>
+    </message>
+    <message>
+        <source>SheetAsPdf</source>
+        <comment>MainWindow</comment>
+        <translation>Save as PDF…</translation>
+    </message>
+    <message>
+        <source>SheetAsHtml</source>
+        <comment>MainWindow</comment>
+        <translation>Save as HTML…</translation>
+    </message>
+    <message>
+        <source>SheetSaved</source>
+        <comment>MainWindow</comment>
+        <translation>Saved to “%1”.</translation>
     </message>
     <message>
         <source>KeysPutAside</source>
@@ -1493,6 +1823,311 @@ Open them now?</translation>
         <source>OscOff</source>
         <comment>MainWindow</comment>
         <translation>OSC is off. It is switched on in the settings, under Network.</translation>
+    </message>
+    <message>
+        <source>InputMonitor</source>
+        <comment>MainWindow</comment>
+        <translation>Input monitor</translation>
+    </message>
+    <message>
+        <source>AllInputs</source>
+        <comment>MainWindow</comment>
+        <translation>All inputs</translation>
+    </message>
+    <message>
+        <source>FilterInputs</source>
+        <comment>MainWindow</comment>
+        <translation>Filter by text</translation>
+    </message>
+    <message>
+        <source>PauseInputs</source>
+        <comment>MainWindow</comment>
+        <translation>Pause</translation>
+    </message>
+    <message>
+        <source>ClearInputs</source>
+        <comment>MainWindow</comment>
+        <translation>Clear</translation>
+    </message>
+    <message>
+        <source>CopyInputs</source>
+        <comment>MainWindow</comment>
+        <translation>Copy</translation>
+    </message>
+    <message>
+        <source>MonitorKind</source>
+        <comment>MainWindow</comment>
+        <translation>Input</translation>
+    </message>
+    <message>
+        <source>MonitorSource</source>
+        <comment>MainWindow</comment>
+        <translation>From</translation>
+    </message>
+    <message>
+        <source>MonitorWords</source>
+        <comment>MainWindow</comment>
+        <translation>Message</translation>
+    </message>
+    <message>
+        <source>MonitorLevel</source>
+        <comment>MainWindow</comment>
+        <translation>Level</translation>
+    </message>
+    <message>
+        <source>MonitorAction</source>
+        <comment>MainWindow</comment>
+        <translation>Action</translation>
+    </message>
+    <message>
+        <source>MonitorRates</source>
+        <comment>MainWindow</comment>
+        <translation>A second: MIDI %1, DMX %2, OSC %3. Dropped: %4.</translation>
+    </message>
+    <message>
+        <source>MonitorPaused</source>
+        <comment>MainWindow</comment>
+        <translation>Paused. A second: MIDI %1, DMX %2, OSC %3. Dropped: %4.</translation>
+    </message>
+    <message>
+        <source>NothingCameIn</source>
+        <comment>MainWindow</comment>
+        <translation>Nothing has come in yet.</translation>
+    </message>
+    <message>
+        <source>NoInputMatches</source>
+        <comment>MainWindow</comment>
+        <translation>Nothing that came in matches the filter.</translation>
+    </message>
+    <message>
+        <source>BoundToNothing</source>
+        <comment>MainWindow</comment>
+        <translation>bound to nothing</translation>
+    </message>
+    <message>
+        <source>ActionOfGroup</source>
+        <comment>MainWindow</comment>
+        <translation>%1: %2</translation>
+    </message>
+    <message>
+        <source>ActionReleased</source>
+        <comment>MainWindow</comment>
+        <translation>%1 (released)</translation>
+    </message>
+    <message>
+        <source>MidiNoteOn</source>
+        <comment>MainWindow</comment>
+        <translation>Note %1 on, velocity %3, channel %2</translation>
+    </message>
+    <message>
+        <source>MidiNoteOff</source>
+        <comment>MainWindow</comment>
+        <translation>Note %1 off, channel %2</translation>
+    </message>
+    <message>
+        <source>MidiProgram</source>
+        <comment>MainWindow</comment>
+        <translation>Program %1, channel %2</translation>
+    </message>
+    <message>
+        <source>MidiController</source>
+        <comment>MainWindow</comment>
+        <translation>Controller %1: %3, channel %2</translation>
+    </message>
+    <message>
+        <source>MidiNamedController</source>
+        <comment>MainWindow</comment>
+        <translation>Controller %1 (%4): %3, channel %2</translation>
+    </message>
+    <message>
+        <source>MidiKeyPressure</source>
+        <comment>MainWindow</comment>
+        <translation>Pressure of note %1: %3, channel %2</translation>
+    </message>
+    <message>
+        <source>MidiPressure</source>
+        <comment>MainWindow</comment>
+        <translation>Pressure: %2, channel %1</translation>
+    </message>
+    <message>
+        <source>MidiPitchBend</source>
+        <comment>MainWindow</comment>
+        <translation>Pitch bend: %2, channel %1</translation>
+    </message>
+    <message>
+        <source>OscTooLong</source>
+        <comment>MainWindow</comment>
+        <translation>%2 (%1 bytes, too long to be shown)</translation>
+    </message>
+    <message>
+        <source>OscNone</source>
+        <comment>MainWindow</comment>
+        <translation>No message of OSC (%1 bytes)</translation>
+    </message>
+    <message>
+        <source>DmxPoll</source>
+        <comment>MainWindow</comment>
+        <translation>Asks which nodes there are</translation>
+    </message>
+    <message>
+        <source>DmxNone</source>
+        <comment>MainWindow</comment>
+        <translation>Neither levels nor a poll (%1 bytes)</translation>
+    </message>
+    <message>
+        <source>DmxAllZero</source>
+        <comment>MainWindow</comment>
+        <translation>Universe %1: %2 channels, all at 0</translation>
+    </message>
+    <message>
+        <source>DmxLevel</source>
+        <comment>MainWindow</comment>
+        <translation>Universe %1, channel %2: %3</translation>
+    </message>
+    <message>
+        <source>DmxLevels</source>
+        <comment>MainWindow</comment>
+        <translation>Universe %1, channel %2: %3, and %4 more channels</translation>
+    </message>
+    <message>
+        <source>Controller/0</source>
+        <comment>MainWindow</comment>
+        <translation>bank</translation>
+    </message>
+    <message>
+        <source>Controller/1</source>
+        <comment>MainWindow</comment>
+        <translation>modulation</translation>
+    </message>
+    <message>
+        <source>Controller/2</source>
+        <comment>MainWindow</comment>
+        <translation>breath</translation>
+    </message>
+    <message>
+        <source>Controller/4</source>
+        <comment>MainWindow</comment>
+        <translation>foot pedal</translation>
+    </message>
+    <message>
+        <source>Controller/5</source>
+        <comment>MainWindow</comment>
+        <translation>portamento time</translation>
+    </message>
+    <message>
+        <source>Controller/6</source>
+        <comment>MainWindow</comment>
+        <translation>data entry</translation>
+    </message>
+    <message>
+        <source>Controller/7</source>
+        <comment>MainWindow</comment>
+        <translation>volume</translation>
+    </message>
+    <message>
+        <source>Controller/8</source>
+        <comment>MainWindow</comment>
+        <translation>balance</translation>
+    </message>
+    <message>
+        <source>Controller/10</source>
+        <comment>MainWindow</comment>
+        <translation>pan</translation>
+    </message>
+    <message>
+        <source>Controller/11</source>
+        <comment>MainWindow</comment>
+        <translation>expression</translation>
+    </message>
+    <message>
+        <source>Controller/64</source>
+        <comment>MainWindow</comment>
+        <translation>sustain pedal</translation>
+    </message>
+    <message>
+        <source>Controller/65</source>
+        <comment>MainWindow</comment>
+        <translation>portamento</translation>
+    </message>
+    <message>
+        <source>Controller/66</source>
+        <comment>MainWindow</comment>
+        <translation>sostenuto pedal</translation>
+    </message>
+    <message>
+        <source>Controller/67</source>
+        <comment>MainWindow</comment>
+        <translation>soft pedal</translation>
+    </message>
+    <message>
+        <source>Controller/71</source>
+        <comment>MainWindow</comment>
+        <translation>resonance</translation>
+    </message>
+    <message>
+        <source>Controller/72</source>
+        <comment>MainWindow</comment>
+        <translation>release time</translation>
+    </message>
+    <message>
+        <source>Controller/73</source>
+        <comment>MainWindow</comment>
+        <translation>attack time</translation>
+    </message>
+    <message>
+        <source>Controller/74</source>
+        <comment>MainWindow</comment>
+        <translation>brightness</translation>
+    </message>
+    <message>
+        <source>Controller/91</source>
+        <comment>MainWindow</comment>
+        <translation>reverb</translation>
+    </message>
+    <message>
+        <source>Controller/93</source>
+        <comment>MainWindow</comment>
+        <translation>chorus</translation>
+    </message>
+    <message>
+        <source>Controller/120</source>
+        <comment>MainWindow</comment>
+        <translation>all sound off</translation>
+    </message>
+    <message>
+        <source>Controller/121</source>
+        <comment>MainWindow</comment>
+        <translation>reset controllers</translation>
+    </message>
+    <message>
+        <source>Controller/122</source>
+        <comment>MainWindow</comment>
+        <translation>local control</translation>
+    </message>
+    <message>
+        <source>Controller/123</source>
+        <comment>MainWindow</comment>
+        <translation>all notes off</translation>
+    </message>
+    <message>
+        <source>Controller/124</source>
+        <comment>MainWindow</comment>
+        <translation>omni off</translation>
+    </message>
+    <message>
+        <source>Controller/125</source>
+        <comment>MainWindow</comment>
+        <translation>omni on</translation>
+    </message>
+    <message>
+        <source>Controller/126</source>
+        <comment>MainWindow</comment>
+        <translation>mono</translation>
+    </message>
+    <message>
+        <source>Controller/127</source>
+        <comment>MainWindow</comment>
+        <translation>poly</translation>
     </message>
     <message>
         <source>Global/</source>
@@ -1818,6 +2453,31 @@ Open them now?</translation>
         <source>not a project file</source>
         <comment>Reason</comment>
         <translation>not a project file</translation>
+    </message>
+    <message>
+        <source>the file is too large</source>
+        <comment>Reason</comment>
+        <translation>the file is too large</translation>
+    </message>
+    <message>
+        <source>not a settings file</source>
+        <comment>Reason</comment>
+        <translation>not a settings file</translation>
+    </message>
+    <message>
+        <source>too many settings, or the name of one is too long</source>
+        <comment>Reason</comment>
+        <translation>too many settings, or the name of one is too long</translation>
+    </message>
+    <message>
+        <source>a setting is there twice</source>
+        <comment>Reason</comment>
+        <translation>a setting is there twice</translation>
+    </message>
+    <message>
+        <source>too deeply nested</source>
+        <comment>Reason</comment>
+        <translation>too deeply nested</translation>
     </message>
     <message>
         <source>no right to write to it</source>

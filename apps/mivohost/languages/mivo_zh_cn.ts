@@ -9,6 +9,31 @@
         <translation>系统设置</translation>
     </message>
     <message>
+        <source>SettingsSearch</source>
+        <comment>Widget</comment>
+        <translation>搜索</translation>
+    </message>
+    <message>
+        <source>SettingsSearchTip</source>
+        <comment>Widget</comment>
+        <translation>搜索所有设置（Ctrl+F）。按回车跳到下一处，按 Shift+回车跳到上一处，按向下箭头进入该控件。</translation>
+    </message>
+    <message>
+        <source>SettingsSearchCount</source>
+        <comment>Widget</comment>
+        <translation>找到 %1 处</translation>
+    </message>
+    <message>
+        <source>SettingsSearchPlace</source>
+        <comment>Widget</comment>
+        <translation>第 %1 / %2 处</translation>
+    </message>
+    <message>
+        <source>SettingsSearchNone</source>
+        <comment>Widget</comment>
+        <translation>未找到</translation>
+    </message>
+    <message>
         <source>GeneralSettings</source>
         <comment>Widget</comment>
         <translation>常规</translation>
@@ -1041,6 +1066,186 @@
         <translation>有一项设置无法保存：%1。仍使用原来的值。</translation>
     </message>
     <message>
+        <source>ExportSettingsTitle</source>
+        <comment>MainWindow</comment>
+        <translation>导出设置</translation>
+    </message>
+    <message>
+        <source>ImportSettingsTitle</source>
+        <comment>MainWindow</comment>
+        <translation>导入设置</translation>
+    </message>
+    <message>
+        <source>SettingsFiles</source>
+        <comment>MainWindow</comment>
+        <translation>设置</translation>
+    </message>
+    <message>
+        <source>SettingsToExport</source>
+        <comment>MainWindow</comment>
+        <translation>要写入文件的设置。快捷键另有文件。</translation>
+    </message>
+    <message>
+        <source>SettingsOrigin</source>
+        <comment>MainWindow</comment>
+        <translation>来自“%1”，%2，版本 %3</translation>
+    </message>
+    <message>
+        <source>SettingsToImport</source>
+        <comment>MainWindow</comment>
+        <translation>以下设置将更改：</translation>
+    </message>
+    <message>
+        <source>SettingsToImportNotOwn</source>
+        <comment>MainWindow</comment>
+        <translation>以下设置将更改。属于本机的设置未勾选：</translation>
+    </message>
+    <message>
+        <source>SettingsSame</source>
+        <comment>MainWindow</comment>
+        <translation>文件中可用的设置与当前设置相同。</translation>
+    </message>
+    <message>
+        <source>SettingsRefused</source>
+        <comment>MainWindow</comment>
+        <translation>不采用的内容：</translation>
+    </message>
+    <message>
+        <source>SettingName</source>
+        <comment>MainWindow</comment>
+        <translation>设置项</translation>
+    </message>
+    <message>
+        <source>SettingNow</source>
+        <comment>MainWindow</comment>
+        <translation>当前</translation>
+    </message>
+    <message>
+        <source>SettingInFile</source>
+        <comment>MainWindow</comment>
+        <translation>文件中</translation>
+    </message>
+    <message>
+        <source>SettingReason</source>
+        <comment>MainWindow</comment>
+        <translation>原因</translation>
+    </message>
+    <message>
+        <source>SettingUnknown</source>
+        <comment>MainWindow</comment>
+        <translation>此版本没有该设置</translation>
+    </message>
+    <message>
+        <source>SettingNotTaken</source>
+        <comment>MainWindow</comment>
+        <translation>仅限其所在的机器</translation>
+    </message>
+    <message>
+        <source>SettingWrongType</source>
+        <comment>MainWindow</comment>
+        <translation>值的类型不符</translation>
+    </message>
+    <message>
+        <source>SettingOutOfRange</source>
+        <comment>MainWindow</comment>
+        <translation>不在 %1 到 %2 之间</translation>
+    </message>
+    <message>
+        <source>SettingInvalid</source>
+        <comment>MainWindow</comment>
+        <translation>无效的值</translation>
+    </message>
+    <message>
+        <source>InLine</source>
+        <comment>MainWindow</comment>
+        <translation>%1，第 %2 行</translation>
+    </message>
+    <message>
+        <source>SettingsNotExported</source>
+        <comment>MainWindow</comment>
+        <translation>设置未导出：%1</translation>
+    </message>
+    <message>
+        <source>SettingsNotImported</source>
+        <comment>MainWindow</comment>
+        <translation>设置未导入，未作任何更改：%1</translation>
+    </message>
+    <message>
+        <source>SettingsExported</source>
+        <comment>MainWindow</comment>
+        <translation>设置已导出到 %1</translation>
+    </message>
+    <message>
+        <source>SettingsExportedLate</source>
+        <comment>MainWindow</comment>
+        <translation>未等待的设置导出已完成：%1</translation>
+    </message>
+    <message>
+        <source>SettingsImported</source>
+        <comment>MainWindow</comment>
+        <translation>已导入的设置：%1</translation>
+    </message>
+    <message>
+        <source>SettingsOfTheProgram</source>
+        <comment>MainWindow</comment>
+        <translation>程序</translation>
+    </message>
+    <message>
+        <source>SettingResourceType</source>
+        <comment>MainWindow</comment>
+        <translation>显示的资源类型</translation>
+    </message>
+    <message>
+        <source>SettingAutoSaveInterval</source>
+        <comment>MainWindow</comment>
+        <translation>自动保存间隔（分钟）</translation>
+    </message>
+    <message>
+        <source>SettingMfps</source>
+        <comment>MainWindow</comment>
+        <translation>MFPS</translation>
+    </message>
+    <message>
+        <source>SettingEfps</source>
+        <comment>MainWindow</comment>
+        <translation>EFPS</translation>
+    </message>
+    <message>
+        <source>SettingGraphicsCard</source>
+        <comment>MainWindow</comment>
+        <translation>显卡</translation>
+    </message>
+    <message>
+        <source>SettingSlideWidth</source>
+        <comment>MainWindow</comment>
+        <translation>分辨率：宽</translation>
+    </message>
+    <message>
+        <source>SettingSlideHeight</source>
+        <comment>MainWindow</comment>
+        <translation>分辨率：高</translation>
+    </message>
+    <message>
+        <source>SettingSdr</source>
+        <comment>MainWindow</comment>
+        <translation>SDR</translation>
+    </message>
+    <message>
+        <source>SettingHdr</source>
+        <comment>MainWindow</comment>
+        <translation>HDR10</translation>
+    </message>
+    <message>
+        <source>On</source>
+        <comment>MainWindow</comment>
+        <translation>开</translation>
+    </message>
+    <message>
+        <source>Off</source>
+        <comment>MainWindow</comment>
+        <translation>关</translation>
+    </message>
+    <message>
         <source>Project</source>
         <comment>MainWindow</comment>
         <translation>项目(&amp;P)</translation>
@@ -1069,6 +1274,16 @@
         <source>SaveProjectAs</source>
         <comment>MainWindow</comment>
         <translation>另存为(&amp;A)…</translation>
+    </message>
+    <message>
+        <source>ExportSettings</source>
+        <comment>MainWindow</comment>
+        <translation>导出设置(&amp;E)…</translation>
+    </message>
+    <message>
+        <source>ImportSettings</source>
+        <comment>MainWindow</comment>
+        <translation>导入设置(&amp;I)…</translation>
     </message>
     <message>
         <source>Quit</source>
@@ -1129,6 +1344,61 @@
         <source>DoNotSave</source>
         <comment>MainWindow</comment>
         <translation>不保存</translation>
+    </message>
+    <message>
+        <source>PutBackTo</source>
+        <comment>MainWindow</comment>
+        <translation>恢复为 %1</translation>
+    </message>
+    <message>
+        <source>PutBackToDefault</source>
+        <comment>MainWindow</comment>
+        <translation>恢复为默认值</translation>
+    </message>
+    <message>
+        <source>PutBackSection</source>
+        <comment>MainWindow</comment>
+        <translation>恢复本节默认设置</translation>
+    </message>
+    <message>
+        <source>PutBackQuestion</source>
+        <comment>MainWindow</comment>
+        <translation>将“%1”恢复为初始设置？将更改 %2 项设置。</translation>
+    </message>
+    <message>
+        <source>PutBack</source>
+        <comment>MainWindow</comment>
+        <translation>恢复</translation>
+    </message>
+    <message>
+        <source>PutBackNotKept</source>
+        <comment>MainWindow</comment>
+        <translation>未恢复任何设置，因为无法先将设置保存到文件：%1</translation>
+    </message>
+    <message>
+        <source>PutBackDone</source>
+        <comment>MainWindow</comment>
+        <translation>“%1”已恢复为初始设置。</translation>
+    </message>
+    <message>
+        <source>PutBackKeptIn</source>
+        <comment>MainWindow</comment>
+        <translation>恢复之前的全部设置已保存在 %1，可通过主窗口菜单中的“导入设置…”取回。</translation>
+    </message>
+    <message>
+        <source>PutBackPartly</source>
+        <comment>MainWindow</comment>
+        <translation>“%1”未能全部恢复：%3 项设置中有 %2 项无法保存。</translation>
+    </message>
+    <message>
+        <source>PutBackUndo</source>
+        <comment>MainWindow</comment>
+        <translation>撤销</translation>
+    </message>
+    <message>
+        <source>PutBackClose</source>
+        <comment>MainWindow</comment>
+        <translation>关闭</translation>
     </message>
     <message>
         <source>Cancel</source>
@@ -1375,14 +1645,74 @@
         <translation>快捷键未导入：%1</translation>
     </message>
     <message>
-        <source>FileTooLarge</source>
-        <comment>MainWindow</comment>
-        <translation>文件过大。</translation>
-    </message>
-    <message>
         <source>BindingsNotSaved</source>
         <comment>MainWindow</comment>
         <translation>无法保存绑定，原有绑定保持不变</translation>
+    </message>
+    <message>
+        <source>FindAction</source>
+        <comment>MainWindow</comment>
+        <translation>按名称查找动作</translation>
+    </message>
+    <message>
+        <source>NoActionMatches</source>
+        <comment>MainWindow</comment>
+        <translation>没有这个名称的动作。</translation>
+    </message>
+    <message>
+        <source>FindByPressing</source>
+        <comment>MainWindow</comment>
+        <translation>按触发方式查找</translation>
+    </message>
+    <message>
+        <source>FindHint</source>
+        <comment>MainWindow</comment>
+        <translation>请按下按键、操作控制器或发送消息；Esc 键结束。</translation>
+    </message>
+    <message>
+        <source>FoundAction</source>
+        <comment>MainWindow</comment>
+        <translation>%1 – %2</translation>
+    </message>
+    <message>
+        <source>FoundFree</source>
+        <comment>MainWindow</comment>
+        <translation>%1 未被占用</translation>
+    </message>
+    <message>
+        <source>FoundReserved</source>
+        <comment>MainWindow</comment>
+        <translation>%1 由程序自身使用</translation>
+    </message>
+    <message>
+        <source>BindingSheet</source>
+        <comment>MainWindow</comment>
+        <translation>快捷键一览表</translation>
+    </message>
+    <message>
+        <source>BoundTwice</source>
+        <comment>MainWindow</comment>
+        <translation>%1 被重复绑定</translation>
+    </message>
+    <message>
+        <source>NoBindingMatches</source>
+        <comment>MainWindow</comment>
+        <translation>没有符合筛选条件的快捷键。</translation>
+    </message>
+    <message>
+        <source>SheetAsPdf</source>
+        <comment>MainWindow</comment>
+        <translation>另存为 PDF…</translation>
+    </message>
+    <message>
+        <source>SheetAsHtml</source>
+        <comment>MainWindow</comment>
+        <translation>另存为 HTML…</translation>
+    </message>
+    <message>
+        <source>SheetSaved</source>
+        <comment>MainWindow</comment>
+        <translation>已保存到“%1”。</translation>
     </message>
     <message>
         <source>KeysPutAside</source>
@@ -1493,6 +1823,311 @@
         <source>OscOff</source>
         <comment>MainWindow</comment>
         <translation>OSC 已关闭，可在设置的网络页中打开。</translation>
+    </message>
+    <message>
+        <source>InputMonitor</source>
+        <comment>MainWindow</comment>
+        <translation>输入监视</translation>
+    </message>
+    <message>
+        <source>AllInputs</source>
+        <comment>MainWindow</comment>
+        <translation>全部输入</translation>
+    </message>
+    <message>
+        <source>FilterInputs</source>
+        <comment>MainWindow</comment>
+        <translation>按文字筛选</translation>
+    </message>
+    <message>
+        <source>PauseInputs</source>
+        <comment>MainWindow</comment>
+        <translation>暂停</translation>
+    </message>
+    <message>
+        <source>ClearInputs</source>
+        <comment>MainWindow</comment>
+        <translation>清空</translation>
+    </message>
+    <message>
+        <source>CopyInputs</source>
+        <comment>MainWindow</comment>
+        <translation>复制</translation>
+    </message>
+    <message>
+        <source>MonitorKind</source>
+        <comment>MainWindow</comment>
+        <translation>输入</translation>
+    </message>
+    <message>
+        <source>MonitorSource</source>
+        <comment>MainWindow</comment>
+        <translation>来源</translation>
+    </message>
+    <message>
+        <source>MonitorWords</source>
+        <comment>MainWindow</comment>
+        <translation>消息</translation>
+    </message>
+    <message>
+        <source>MonitorLevel</source>
+        <comment>MainWindow</comment>
+        <translation>电平</translation>
+    </message>
+    <message>
+        <source>MonitorAction</source>
+        <comment>MainWindow</comment>
+        <translation>动作</translation>
+    </message>
+    <message>
+        <source>MonitorRates</source>
+        <comment>MainWindow</comment>
+        <translation>每秒：MIDI %1，DMX %2，OSC %3。丢弃：%4。</translation>
+    </message>
+    <message>
+        <source>MonitorPaused</source>
+        <comment>MainWindow</comment>
+        <translation>已暂停。每秒：MIDI %1，DMX %2，OSC %3。丢弃：%4。</translation>
+    </message>
+    <message>
+        <source>NothingCameIn</source>
+        <comment>MainWindow</comment>
+        <translation>尚未收到任何消息。</translation>
+    </message>
+    <message>
+        <source>NoInputMatches</source>
+        <comment>MainWindow</comment>
+        <translation>没有符合筛选条件的消息。</translation>
+    </message>
+    <message>
+        <source>BoundToNothing</source>
+        <comment>MainWindow</comment>
+        <translation>未绑定</translation>
+    </message>
+    <message>
+        <source>ActionOfGroup</source>
+        <comment>MainWindow</comment>
+        <translation>%1：%2</translation>
+    </message>
+    <message>
+        <source>ActionReleased</source>
+        <comment>MainWindow</comment>
+        <translation>%1（松开）</translation>
+    </message>
+    <message>
+        <source>MidiNoteOn</source>
+        <comment>MainWindow</comment>
+        <translation>音符 %1 按下，力度 %3，通道 %2</translation>
+    </message>
+    <message>
+        <source>MidiNoteOff</source>
+        <comment>MainWindow</comment>
+        <translation>音符 %1 松开，通道 %2</translation>
+    </message>
+    <message>
+        <source>MidiProgram</source>
+        <comment>MainWindow</comment>
+        <translation>音色 %1，通道 %2</translation>
+    </message>
+    <message>
+        <source>MidiController</source>
+        <comment>MainWindow</comment>
+        <translation>控制器 %1：%3，通道 %2</translation>
+    </message>
+    <message>
+        <source>MidiNamedController</source>
+        <comment>MainWindow</comment>
+        <translation>控制器 %1（%4）：%3，通道 %2</translation>
+    </message>
+    <message>
+        <source>MidiKeyPressure</source>
+        <comment>MainWindow</comment>
+        <translation>音符 %1 触后：%3，通道 %2</translation>
+    </message>
+    <message>
+        <source>MidiPressure</source>
+        <comment>MainWindow</comment>
+        <translation>触后：%2，通道 %1</translation>
+    </message>
+    <message>
+        <source>MidiPitchBend</source>
+        <comment>MainWindow</comment>
+        <translation>弯音：%2，通道 %1</translation>
+    </message>
+    <message>
+        <source>OscTooLong</source>
+        <comment>MainWindow</comment>
+        <translation>%2（%1 字节，过长无法显示）</translation>
+    </message>
+    <message>
+        <source>OscNone</source>
+        <comment>MainWindow</comment>
+        <translation>不是 OSC 消息（%1 字节）</translation>
+    </message>
+    <message>
+        <source>DmxPoll</source>
+        <comment>MainWindow</comment>
+        <translation>查询有哪些节点</translation>
+    </message>
+    <message>
+        <source>DmxNone</source>
+        <comment>MainWindow</comment>
+        <translation>既非电平也非查询（%1 字节）</translation>
+    </message>
+    <message>
+        <source>DmxAllZero</source>
+        <comment>MainWindow</comment>
+        <translation>域 %1：%2 个通道，均为 0</translation>
+    </message>
+    <message>
+        <source>DmxLevel</source>
+        <comment>MainWindow</comment>
+        <translation>域 %1，通道 %2：%3</translation>
+    </message>
+    <message>
+        <source>DmxLevels</source>
+        <comment>MainWindow</comment>
+        <translation>域 %1，通道 %2：%3，另有 %4 个通道</translation>
+    </message>
+    <message>
+        <source>Controller/0</source>
+        <comment>MainWindow</comment>
+        <translation>音色库</translation>
+    </message>
+    <message>
+        <source>Controller/1</source>
+        <comment>MainWindow</comment>
+        <translation>颤音</translation>
+    </message>
+    <message>
+        <source>Controller/2</source>
+        <comment>MainWindow</comment>
+        <translation>呼吸</translation>
+    </message>
+    <message>
+        <source>Controller/4</source>
+        <comment>MainWindow</comment>
+        <translation>脚踏</translation>
+    </message>
+    <message>
+        <source>Controller/5</source>
+        <comment>MainWindow</comment>
+        <translation>滑音时间</translation>
+    </message>
+    <message>
+        <source>Controller/6</source>
+        <comment>MainWindow</comment>
+        <translation>数据输入</translation>
+    </message>
+    <message>
+        <source>Controller/7</source>
+        <comment>MainWindow</comment>
+        <translation>音量</translation>
+    </message>
+    <message>
+        <source>Controller/8</source>
+        <comment>MainWindow</comment>
+        <translation>平衡</translation>
+    </message>
+    <message>
+        <source>Controller/10</source>
+        <comment>MainWindow</comment>
+        <translation>声像</translation>
+    </message>
+    <message>
+        <source>Controller/11</source>
+        <comment>MainWindow</comment>
+        <translation>表情</translation>
+    </message>
+    <message>
+        <source>Controller/64</source>
+        <comment>MainWindow</comment>
+        <translation>延音踏板</translation>
+    </message>
+    <message>
+        <source>Controller/65</source>
+        <comment>MainWindow</comment>
+        <translation>滑音</translation>
+    </message>
+    <message>
+        <source>Controller/66</source>
+        <comment>MainWindow</comment>
+        <translation>持音踏板</translation>
+    </message>
+    <message>
+        <source>Controller/67</source>
+        <comment>MainWindow</comment>
+        <translation>弱音踏板</translation>
+    </message>
+    <message>
+        <source>Controller/71</source>
+        <comment>MainWindow</comment>
+        <translation>共鸣</translation>
+    </message>
+    <message>
+        <source>Controller/72</source>
+        <comment>MainWindow</comment>
+        <translation>释放时间</translation>
+    </message>
+    <message>
+        <source>Controller/73</source>
+        <comment>MainWindow</comment>
+        <translation>起音时间</translation>
+    </message>
+    <message>
+        <source>Controller/74</source>
+        <comment>MainWindow</comment>
+        <translation>亮度</translation>
+    </message>
+    <message>
+        <source>Controller/91</source>
+        <comment>MainWindow</comment>
+        <translation>混响</translation>
+    </message>
+    <message>
+        <source>Controller/93</source>
+        <comment>MainWindow</comment>
+        <translation>合唱</translation>
+    </message>
+    <message>
+        <source>Controller/120</source>
+        <comment>MainWindow</comment>
+        <translation>关闭所有声音</translation>
+    </message>
+    <message>
+        <source>Controller/121</source>
+        <comment>MainWindow</comment>
+        <translation>控制器复位</translation>
+    </message>
+    <message>
+        <source>Controller/122</source>
+        <comment>MainWindow</comment>
+        <translation>本地控制</translation>
+    </message>
+    <message>
+        <source>Controller/123</source>
+        <comment>MainWindow</comment>
+        <translation>关闭所有音符</translation>
+    </message>
+    <message>
+        <source>Controller/124</source>
+        <comment>MainWindow</comment>
+        <translation>关闭全通道</translation>
+    </message>
+    <message>
+        <source>Controller/125</source>
+        <comment>MainWindow</comment>
+        <translation>打开全通道</translation>
+    </message>
+    <message>
+        <source>Controller/126</source>
+        <comment>MainWindow</comment>
+        <translation>单音</translation>
+    </message>
+    <message>
+        <source>Controller/127</source>
+        <comment>MainWindow</comment>
+        <translation>复音</translation>
     </message>
     <message>
         <source>Global/</source>
@@ -1818,6 +2453,31 @@
         <source>not a project file</source>
         <comment>Reason</comment>
         <translation>不是项目文件</translation>
+    </message>
+    <message>
+        <source>the file is too large</source>
+        <comment>Reason</comment>
+        <translation>文件过大</translation>
+    </message>
+    <message>
+        <source>not a settings file</source>
+        <comment>Reason</comment>
+        <translation>不是设置文件</translation>
+    </message>
+    <message>
+        <source>too many settings, or the name of one is too long</source>
+        <comment>Reason</comment>
+        <translation>设置过多或名称过长</translation>
+    </message>
+    <message>
+        <source>a setting is there twice</source>
+        <comment>Reason</comment>
+        <translation>同一设置出现两次</translation>
+    </message>
+    <message>
+        <source>too deeply nested</source>
+        <comment>Reason</comment>
+        <translation>嵌套过深</translation>
     </message>
     <message>
         <source>no right to write to it</source>

@@ -61,10 +61,42 @@ std::vector<BindingTable::BindInfo> BindingTable::bindings() const
     return all;
 }
 
+BindingTable::BindInfo BindingTable::boundTo(const std::string& control) const
+{
+    const std::lock_guard lock(m_mutex);
+    return infoOf(control);
+}
+
+BindingTable::BindInfo BindingTable::infoOf(const std::string& control) const
+{
+    const auto held = m_actions.find(control);
+    return held == m_actions.end() ? BindInfo{0, {}, control}
+                                   : BindInfo{held->second.first, held->second.second, control};
+}
+
+void BindingTable::setFinding(bool on)
+{
+    const std::lock_guard lock(m_mutex);
+    m_finding = on;
+    m_found.reset();
+}
+
+std::optional<BindingTable::BindInfo> BindingTable::takeFound()
+{
+    const std::lock_guard lock(m_mutex);
+    return std::exchange(m_found, std::nullopt);
+}
+
 std::pair<BindingTable::Outcome, BindingTable::BindInfo>
 BindingTable::use(const std::string& control, bool triggers, bool teaches)
 {
     const std::lock_guard lock(m_mutex);
+    if (m_finding) {
+        if (teaches) {
+            m_found = infoOf(control);
+        }
+        return {};
+    }
     const auto held = m_actions.find(control);
     if (m_learning && teaches) {
         const Action action = *std::exchange(m_learning, std::nullopt);
@@ -80,7 +112,7 @@ BindingTable::use(const std::string& control, bool triggers, bool teaches)
     if (!triggers || m_locked || held == m_actions.end()) {
         return {};
     }
-    return {Outcome::triggered, {held->second.first, held->second.second, control}};
+    return {Outcome::triggered, infoOf(control)};
 }
 
 void BindingTable::put(const Action& action, const std::string& control)

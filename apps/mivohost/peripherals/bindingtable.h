@@ -41,6 +41,12 @@ public:
     void bind(const BindInfo& info);
     void unbind(int type, const std::string& path);
     std::vector<BindInfo> bindings() const;
+    /// What a control is bound to; of type 0 when that is nothing.
+    BindInfo boundTo(const std::string& control) const;
+    /// While it is on, nothing is triggered or learned: a use that teaches is kept for takeFound().
+    void setFinding(bool on);
+    /// The last control that was used since the last call, as boundTo().
+    std::optional<BindInfo> takeFound();
     /// All bindings as the text that Setup::save is given.
     std::string text() const;
     void setLocked(bool locked) { m_locked = locked; }
@@ -74,6 +80,7 @@ private:
 
     void put(const Action& action, const std::string& control);
     bool remove(const Action& action);
+    BindInfo infoOf(const std::string& control) const;
     void restore(const std::string& kept);
     std::string textOfAll() const;
     void save();
@@ -84,6 +91,8 @@ private:
     std::unordered_map<std::string, Action> m_actions; // by control
     std::map<Action, std::string> m_controls;          // by action
     std::optional<Action> m_learning;
+    bool m_finding = false;
+    std::optional<BindInfo> m_found;
     int m_deferredSaves = 0; // objects of DeferredSave
     bool m_isUnsaved = false;
 };

@@ -1,6 +1,7 @@
 #include "peripherals/dmxservice.h"
 
 #include "base/hostlog.h"
+#include "peripherals/inputtap.h"
 
 #include <QtNetwork/QNetworkInterface>
 
@@ -76,6 +77,9 @@ void DmxService::read()
     for (int i = 0; i < UdpInput::readAtOnce && m_input.socket().hasPendingDatagrams(); ++i) {
         const QNetworkDatagram received = m_input.receive();
         const QByteArray bytes = received.data();
+        if (m_tap != nullptr && m_tap->isOpen() && received.isValid()) {
+            m_tap->put(PeripheralDmx, received.senderAddress().toString(), bytes);
+        }
         const auto datagram = parseArtNet(reinterpret_cast<const std::uint8_t*>(bytes.constData()),
                                           static_cast<std::size_t>(bytes.size()));
         const bool isTaken =
@@ -97,11 +101,23 @@ void DmxService::read()
     }
 }
 
+bool DmxService::isForThis(const ArtNetDatagram& datagram) const
+{
+    return datagram.kind == ArtNetDatagram::dmx && datagram.net == m_info.domain
+           && datagram.subnet == m_info.subnet && datagram.universe == 0;
+}
+
+std::string DmxService::controlOf(const ArtNetDatagram& datagram, int channel) const
+{
+    return isForThis(datagram) && channel > m_info.channelOffset
+               ? prefix + std::to_string(channel - m_info.channelOffset)
+               : std::string();
+}
+
 bool DmxService::take(const ArtNetDatagram& datagram, const QHostAddress& sender,
                       std::vector<int>& rising)
 {
-    if (datagram.net != m_info.domain || datagram.subnet != m_info.subnet
-        || datagram.universe != 0) {
+    if (!isForThis(datagram)) {
         return false;
     }
     m_senders.erase(

@@ -14,6 +14,8 @@
 
 namespace mivohost {
 
+class InputTap;
+
 /// DMX over Art-Net: universe 0 of a net ("domain") and subnet. GUI thread, all signals too.
 ///
 /// "DMX 1" is the first channel behind the channel offset. A channel triggers when its level goes
@@ -37,6 +39,12 @@ public:
     std::string failure() const override { return m_input.failure(); }
     /// See UdpInput. Broadcasts that come by the card with that address are received.
     void setAddress(const QHostAddress& address) { m_input.setAddress(address); }
+    /// Gets every datagram that comes in from now on; borrowed.
+    void setTap(InputTap& tap) { m_tap = &tap; }
+
+    /// The control that a channel of a datagram of levels is, 1 to 512; empty when it is none of
+    /// this input's.
+    std::string controlOf(const ArtNetDatagram& datagram, int channel) const;
 
     /// Datagrams that came and were neither levels for this input nor a poll that was answered.
     std::size_t ignored() const { return m_ignored; }
@@ -51,12 +59,14 @@ private:
     };
 
     void read();
+    bool isForThis(const ArtNetDatagram& datagram) const;
     bool take(const ArtNetDatagram& datagram, const QHostAddress& sender, std::vector<int>& rising);
     bool answer(const QHostAddress& poller);
 
     const std::uint16_t m_port;
     mivo::peripheralcontrol::SAddDMXInfo m_info;
     std::size_t m_ignored = 0;
+    InputTap* m_tap = nullptr;
     std::vector<Sender> m_senders;
     Levels m_levels{}; // the highest of all senders
     QElapsedTimer m_answerTime;

@@ -15,11 +15,6 @@ constexpr int firstChannelMode = 120; // these controllers are commands to a who
 constexpr std::array<std::string_view, 12> noteNames{"C",  "C#", "D",  "D#", "E",  "F",
                                                      "F#", "G",  "G#", "A",  "A#", "B"};
 
-std::string noteName(int note)
-{
-    return fmt::format("{}{}", noteNames[static_cast<std::size_t>(note % 12)], note / 12 - 1);
-}
-
 /// Takes `prefix` off the front of `text`, if it is there.
 bool take(std::string_view& text, std::string_view prefix)
 {
@@ -86,6 +81,11 @@ std::optional<MidiMessage> parseMidi(const unsigned char* bytes, std::size_t siz
     default:
         return std::nullopt;
     }
+}
+
+std::string noteName(int note)
+{
+    return fmt::format("{}{}", noteNames[static_cast<std::size_t>(note % 12)], note / 12 - 1);
 }
 
 std::string midiControlText(const MidiMessage& message, std::string_view device)

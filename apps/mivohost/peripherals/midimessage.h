@@ -30,6 +30,9 @@ struct MidiMessage
 /// control: clock, active sensing, system exclusive, pressure, pitch bend, channel modes.
 std::optional<MidiMessage> parseMidi(const unsigned char* bytes, std::size_t size);
 
+/// "C4" for note 60.
+std::string noteName(int note);
+
 /// What moved, as text: "CC 7 ch 1 (X)", "Note C4 ch 1 (X)" with C4 as note 60, "Program 5 ch 1
 /// (X)".
 std::string midiControlText(const MidiMessage& message, std::string_view device);

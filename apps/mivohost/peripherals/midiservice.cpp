@@ -1,6 +1,7 @@
 #include "peripherals/midiservice.h"
 
 #include "base/hostlog.h"
+#include "peripherals/inputtap.h"
 #include "peripherals/midimessage.h"
 
 #include <RtMidi.h>
@@ -174,6 +175,11 @@ private:
     /// On the device's thread.
     void receive(const std::vector<unsigned char>& bytes)
     {
+        if (m_service.m_tap != nullptr && m_service.m_tap->isOpen()) {
+            m_service.m_tap->put(
+                PeripheralMidi, QString::fromStdString(device),
+                {reinterpret_cast<const char*>(bytes.data()), static_cast<int>(bytes.size())});
+        }
         if (const auto message = parseMidi(bytes.data(), bytes.size())) {
             const MidiControls::Use use = m_controls.take(*message);
             if (use.triggers || use.teaches) {

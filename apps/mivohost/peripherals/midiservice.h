@@ -14,6 +14,8 @@
 
 namespace mivohost {
 
+class InputTap;
+
 /// How ALSA and Windows' MIDI list inputs: "name 20:0" with the numbers of client and port, and
 /// "name 3" with its place in the list. Other back ends tell inputs apart by their names.
 ListedDevice alsaMidiInput(const std::string& listed);
@@ -39,6 +41,10 @@ public:
     bool isEnabled() const override { return m_enabled; }
     std::vector<mivo::peripheralcontrol::SMIDIDevInfo> devices() const override;
 
+    /// Gets every message of a device but clock, active sensing and system exclusive; borrowed.
+    /// Only while the service is disabled.
+    void setTap(InputTap& tap) { m_tap = &tap; }
+
 private:
     class BackEnd;
     class Input;
@@ -54,6 +60,7 @@ private:
                                   const std::string& name);
 
     const std::string m_clientName;
+    InputTap* m_tap = nullptr;
     bool m_enabled = false;
     QTimer m_timer;
     DeviceNames m_names;

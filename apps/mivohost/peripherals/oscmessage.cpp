@@ -69,7 +69,7 @@ std::size_t parseMessage(const char* bytes, std::size_t size, const Take& take)
     }
     auto [value, isRelease] =
         firstOf(lo_message_get_types(message.get()), lo_message_get_argv(message.get()));
-    take({bytes, std::move(value), isRelease});
+    take({bytes, std::move(value), isRelease, {bytes, size}});
     return 0;
 }
 

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <functional>
 #include <string>
+#include <string_view>
 
 namespace mivohost {
 
@@ -12,6 +13,7 @@ struct OscMessage
     std::string address;
     std::string value;      ///< the first argument as text, empty without one
     bool isRelease = false; ///< the first argument is 0 or false, also as text
+    std::string_view bytes; ///< the whole message, within the datagram
 };
 
 /// Calls `take` with each message of a datagram. Bundles are taken apart at once, whatever their

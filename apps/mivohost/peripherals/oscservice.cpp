@@ -1,12 +1,14 @@
 #include "peripherals/oscservice.h"
 
 #include "mivosettingswidgets/shortcuttable.h"
+#include "peripherals/inputtap.h"
 #include "peripherals/oscmessage.h"
 
 #include <QtCore/QString>
 
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
 namespace mivohost {
 
@@ -80,10 +82,31 @@ void OscService::setInfo(const SAddOSCInfo& info)
 void OscService::read()
 {
     for (int i = 0; i < UdpInput::readAtOnce && m_input.socket().hasPendingDatagrams(); ++i) {
-        const QByteArray bytes = m_input.receive().data();
+        const QNetworkDatagram datagram = m_input.receive();
+        const QByteArray bytes = datagram.data();
+        if (m_tap != nullptr && m_tap->isOpen() && datagram.isValid()) {
+            m_tap->put(PeripheralOsc, datagram.senderAddress().toString(), bytes);
+        }
         m_ignored += parseOsc(bytes.constData(), static_cast<std::size_t>(bytes.size()),
                               [this](const OscMessage& message) { take(message); });
     }
+}
+
+int OscService::actionOf(const std::string& address) const
+{
+    const auto action = m_actions.find(address);
+    return action == m_actions.end() ? 0 : action->second;
+}
+
+void OscService::setFinding(bool on)
+{
+    m_finding = on;
+    m_found.reset();
+}
+
+std::optional<SDeviceBindInfo> OscService::takeFound()
+{
+    return std::exchange(m_found, std::nullopt);
 }
 
 void OscService::take(const OscMessage& message)
@@ -99,14 +122,19 @@ void OscService::take(const OscMessage& message)
         ++m_ignored;
         return;
     }
-    if (m_locked || (!isPath && message.isRelease)) {
+    if (m_finding && !message.isRelease) {
+        m_found = SDeviceBindInfo{actionOf(message.address), message.address, message.address};
+    }
+    if (m_finding || m_locked || (!isPath && message.isRelease)) {
         return;
     }
     // Queued: an action may open a dialog, and this slot would read nothing until it is closed.
     const int type = isPath ? static_cast<int>(ShortCutOfPath) : action->second;
     QMetaObject::invokeMethod(
         &m_input.socket(),
-        [this, type, message] { controlMessage(type, message.address, message.value); },
+        [this, type, address = message.address, value = message.value] {
+            controlMessage(type, address, value);
+        },
         Qt::QueuedConnection);
 }
 

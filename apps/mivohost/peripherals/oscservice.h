@@ -4,11 +4,13 @@
 #include "peripherals/udpinput.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <unordered_map>
 
 namespace mivohost {
 
+class InputTap;
 struct OscMessage;
 
 /// Open Sound Control over UDP. GUI thread, all signals too.
@@ -46,6 +48,15 @@ public:
     std::string failure() const override { return m_input.failure(); }
     /// See UdpInput.
     void setAddress(const QHostAddress& address) { m_input.setAddress(address); }
+    /// Gets every datagram that comes in from now on; borrowed.
+    void setTap(InputTap& tap) { m_tap = &tap; }
+
+    /// The type of the action whose path an address is; 0 when it is none's.
+    int actionOf(const std::string& address) const;
+    /// As those of BindingTable: of type 0 is what is no action of the table, and a release is
+    /// nothing that is found.
+    void setFinding(bool on);
+    std::optional<mivo::peripheralcontrol::SDeviceBindInfo> takeFound();
 
     /// Datagrams and messages of bundles that came and were no action.
     std::size_t ignored() const { return m_ignored; }
@@ -57,6 +68,9 @@ private:
     const std::unordered_map<std::string, int> m_actions; // types by path
     mivo::peripheralcontrol::SAddOSCInfo m_info;
     bool m_locked = false;
+    bool m_finding = false;
+    std::optional<mivo::peripheralcontrol::SDeviceBindInfo> m_found;
+    InputTap* m_tap = nullptr;
     std::size_t m_ignored = 0;
     UdpInput m_input;
 };

@@ -44,20 +44,41 @@ Peripherals::Peripherals(RuntimeThread& runtime, SettingsStore& store)
 {}
 
 Peripherals::Peripherals(RuntimeThread& runtime, SettingsStore& store, const Kept& kept)
-    : m_runtime(runtime), m_store(store), m_listenAddress(kept.listenAddress),
+    : m_runtime(runtime), m_store(store),
       m_midi({MidiService::isControl, kept.midiBindings,
               writing(runtime, store, &SettingsStore::setMidiBindings)}),
       m_dmx({DmxService::isControl, kept.dmxBindings,
              writing(runtime, store, &SettingsStore::setDmxBindings)})
 {
-    m_osc.setAddress(QHostAddress(m_listenAddress));
-    m_dmx.setAddress(QHostAddress(m_listenAddress));
-    m_midi.setEnabled(kept.midiEnabled);
-    m_osc.setInfo(kept.osc);
-    m_dmx.setInfo(kept.dmx);
+    m_midi.setTap(m_tap);
+    m_osc.setTap(m_tap);
+    m_dmx.setTap(m_tap);
+    apply(kept);
     m_midi.enabledChanged.connect(writing(runtime, store, &SettingsStore::setMidiEnabled));
     m_osc.infoChanged.connect(writing(runtime, store, &SettingsStore::setOscInfo));
     m_dmx.infoChanged.connect(writing(runtime, store, &SettingsStore::setDmxInfo));
+}
+
+/// What is as it was stays open.
+void Peripherals::apply(const Kept& kept)
+{
+    if (kept.listenAddress != m_listenAddress) {
+        m_listenAddress = kept.listenAddress;
+        m_osc.setAddress(QHostAddress(m_listenAddress));
+        m_dmx.setAddress(QHostAddress(m_listenAddress));
+    }
+    m_midi.setEnabled(kept.midiEnabled);
+    if (!(kept.osc == m_osc.info())) {
+        m_osc.setInfo(kept.osc);
+    }
+    if (!(kept.dmx == m_dmx.info())) {
+        m_dmx.setInfo(kept.dmx);
+    }
+}
+
+void Peripherals::reload()
+{
+    apply(m_runtime.call([this] { return Kept::of(m_store); }));
 }
 
 void Peripherals::setListenAddress(const QString& address)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "peripherals/dmxservice.h"
+#include "peripherals/inputtap.h"
 #include "peripherals/midiservice.h"
 #include "peripherals/oscservice.h"
 
@@ -22,6 +23,9 @@ public:
     /// Reads the store and opens what is enabled. What changes from now on is written to the store.
     Peripherals(RuntimeThread& runtime, SettingsStore& store);
 
+    /// Takes over what the store holds, but for the bindings, after somebody else has changed it.
+    void reload();
+
     /// The manager must go first, or is told by the services that they go.
     void giveTo(mivo::settings::ShortCutMgr& manager);
 
@@ -36,15 +40,19 @@ public:
     MidiService& midi() { return m_midi; }
     OscService& osc() { return m_osc; }
     DmxService& dmx() { return m_dmx; }
+    /// Gets what comes in by all three.
+    InputTap& tap() { return m_tap; }
 
 private:
     struct Kept;
 
     Peripherals(RuntimeThread& runtime, SettingsStore& store, const Kept& kept);
+    void apply(const Kept& kept);
 
     RuntimeThread& m_runtime;
     SettingsStore& m_store;
     QString m_listenAddress;
+    InputTap m_tap;
     MidiService m_midi;
     OscService m_osc;
     DmxService m_dmx;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/filerequests.h"
 #include "project/programdispatch.h"
 #include "project/projectaccess.h"
 

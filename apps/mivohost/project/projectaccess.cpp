@@ -1,12 +1,13 @@
 #include "project/projectaccess.h"
 
+#include "base/filerequests.h"
+
 #include <zrcutils/nocachefile.h>
 
+#include <QtCore/QDateTime>
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
-#include <QtCore/QLocale>
-#include <QtCore/QRegularExpression>
 
 #include <algorithm>
 #include <utility>
@@ -17,12 +18,26 @@ namespace {
 
 constexpr qint64 largestFile = 64 * 1024 * 1024;
 
-QString write(const QString& file, const QByteArray& content)
+// Neither QLocale nor QRegularExpression in the names of automatic saves: where the display is
+// lost, Qt ends the program by exit(), and what these two share is gone by the time that the
+// project is saved.
+
+/// What follows a project's name in that of an automatic save.
+QString timeSuffix(const QDateTime& now)
 {
-    std::error_code error;
-    NoCacheFile::saveToFile(file.toStdString(), content.toStdString(), error,
-                            NoCacheFile::Access::umask);
-    return error ? qt_error_string(error.value()) : QString();
+    const QDate day = now.date();
+    const QTime time = now.time();
+    return QString::asprintf("-%04d%02d%02d-%02d%02d%02d.mivo", day.year(), day.month(), day.day(),
+                             time.hour(), time.minute(), time.second());
+}
+
+bool isTimeSuffix(const QString& text)
+{
+    const QLatin1String form("-dddddddd-dddddd.mivo");
+    return text.size() == form.size()
+           && std::equal(text.begin(), text.end(), form.begin(), [](QChar c, char place) {
+                  return place == 'd' ? c >= '0' && c <= '9' : c == place;
+              });
 }
 
 /// The project's automatic saves in `folder`, the oldest first; empty files are ones that a full
@@ -35,10 +50,9 @@ struct OwnSaves
 
 OwnSaves ownSaves(const QDir& folder, const QString& name, const QString& mark)
 {
-    static const QRegularExpression timeOnly(QStringLiteral("^-\\d{8}-\\d{6}\\.mivo$"));
     OwnSaves saves;
     for (const QString& file : folder.entryList(QDir::Files, QDir::Name)) {
-        if (!file.startsWith(name) || !timeOnly.match(file.mid(name.size())).hasMatch()) {
+        if (!file.startsWith(name) || !isTimeSuffix(file.mid(name.size()))) {
             continue;
         }
         QFile input(folder.filePath(file));
@@ -77,7 +91,7 @@ ReadProject readProject(const QString& file)
 
 QString writeProject(const QString& file, const Project& project)
 {
-    return write(file, projectToJson(project));
+    return saveFile(file, projectToJson(project).toStdString());
 }
 
 AutomaticSaveResult saveAutomatically(AutomaticSave save)
@@ -89,14 +103,12 @@ AutomaticSaveResult saveAutomatically(AutomaticSave save)
     const QString name =
         save.file.isEmpty() ? QStringLiteral("unnamed") : QFileInfo(save.file).completeBaseName();
     const QString mark = save.file.isEmpty() ? QLatin1String("") : save.file;
-    const auto fileName = [&] {
-        return name + QLocale::c().toString(save.now, QStringLiteral("-yyyyMMdd-hhmmss"))
-               + QStringLiteral(".mivo");
-    };
+    const auto fileName = [&] { return name + timeSuffix(save.now); };
     while (folder.exists(fileName())) {
         save.now = save.now.addSecs(1);
     }
-    const QString error = write(folder.filePath(fileName()), projectToJson(save.project, mark));
+    const QString error =
+        saveFile(folder.filePath(fileName()), projectToJson(save.project, mark).toStdString());
     if (!error.isEmpty()) {
         return {{}, error};
     }

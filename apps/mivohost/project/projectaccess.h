@@ -5,17 +5,12 @@
 #include <QtCore/QDateTime>
 #include <QtCore/QStringList>
 
-#include <functional>
 #include <optional>
 
 // All that touches project files. Any thread but the GUI's and the runtime's: a network drive may
 // hang for minutes. An `error` is empty where nothing failed, else the reason in the C locale.
 
 namespace mivohost {
-
-/// Called with a path before it is touched, on the thread that does it; for tests, which can let it
-/// hang.
-using PathObserver = std::function<void(const QString& path)>;
 
 struct ReadProject
 {

@@ -8,45 +8,11 @@
 
 #include <QtCore/QDateTime>
 #include <QtCore/QDeadlineTimer>
-#include <QtCore/QDir>
-#include <QtCore/QFileInfo>
 
 #include <algorithm>
 #include <utility>
 
 namespace mivohost {
-
-using mivo::qutils::FileTask;
-
-namespace {
-
-/// Absolute and without detours, by the names alone: asking the file system may hang.
-QString cleanPath(const QString& file)
-{
-    return QDir::cleanPath(QFileInfo(file).absoluteFilePath());
-}
-
-bool isSamePath(const QString& a, const QString& b)
-{
-#ifdef Q_OS_WIN
-    return cleanPath(a).compare(cleanPath(b), Qt::CaseInsensitive) == 0;
-#else
-    return cleanPath(a) == cleanPath(b);
-#endif
-}
-
-} // namespace
-
-/// A file that is being opened or saved.
-struct ProjectFile::Task
-{
-    QString path;
-    bool saves;
-    Done done;
-    std::unique_ptr<FileTask> thread = std::make_unique<FileTask>();
-
-    const char* failure() const { return saves ? "ProjectNotSaved" : "ProjectNotOpened"; }
-};
 
 ProjectFile::ProjectFile(RuntimeThread& runtime, SettingsStore& store, PathObserver observer)
     : m_runtime(runtime), m_store(store), m_observer(std::move(observer)),
@@ -61,7 +27,7 @@ ProjectFile::ProjectFile(RuntimeThread& runtime, SettingsStore& store, PathObser
                 QMetaObject::invokeMethod(
                     this,
                     [this] {
-                        if (!m_state.file.isEmpty() && !(m_task && m_task->saves)) {
+                        if (!m_state.file.isEmpty() && !(m_requests.isWaiting() && m_isSaving)) {
                             save();
                         }
                     },
@@ -145,78 +111,27 @@ void ProjectFile::applyFadeTimes(double fadeIn, double fadeOut)
 }
 
 template <typename Work, typename Finish>
-void ProjectFile::run(Task task, Work work, Finish finish)
+void ProjectFile::run(const QString& path, bool saves, const Done& done, Work work, Finish finish)
 {
-    const bool inUse =
-        m_task || std::any_of(m_abandoned.begin(), m_abandoned.end(), [&task](const auto& other) {
-            return isSamePath(other->path, task.path);
-        });
-    if (inUse) {
-        fail(task.failure(), task.path, QStringLiteral("a file is still being opened or saved"));
-        if (task.done) {
+    const auto giveUp = [this, path, saves, done](const QString& reason) {
+        hostLog()->error("project {} is not waited for: {}", path.toStdString(),
+                         reason.toStdString());
+        fail(saves ? "ProjectNotSaved" : "ProjectNotOpened", path, reason);
+        if (done) {
             QMetaObject::invokeMethod(
-                this, [done = task.done] { done(false); }, Qt::QueuedConnection);
+                this, [done] { done(false); }, Qt::QueuedConnection);
         }
-        return;
+    };
+    if (!m_requests.isWaiting()) {
+        m_isSaving = saves;
     }
-    m_task = std::make_unique<Task>(std::move(task));
-    const Task* started = m_task.get();
-    connect(started->thread.get(), &FileTask::slow, this, [this, started] {
-        if (m_task.get() == started) {
-            emit waiting(started->saves ? QStringLiteral("SavingProject")
-                                        : QStringLiteral("OpeningProject"),
-                         started->path);
-        }
-    });
-    connect(started->thread.get(), &FileTask::overdue, this, [this, started] {
-        if (m_task.get() == started) {
-            abandon(QStringLiteral("no answer"));
-        }
-    });
-    started->thread->start(
-        [work, path = started->path, observer = m_observer] {
-            if (observer) {
-                observer(path);
-            }
-            return work();
-        },
-        [this, started, finish](auto result) {
-            const bool waited = m_task.get() == started;
-            std::unique_ptr<Task> ended = std::move(m_task);
-            if (!waited) {
-                m_task = std::move(ended);
-                const auto found =
-                    std::find_if(m_abandoned.begin(), m_abandoned.end(),
-                                 [started](const auto& other) { return other.get() == started; });
-                ended = std::move(*found);
-                m_abandoned.erase(found);
-            } else {
-                emit waiting({}, {});
-            }
-            const bool done = finish(std::move(result), waited);
-            if (waited && ended->done) {
-                ended->done(done);
-            }
-        });
-}
-
-void ProjectFile::stopWaiting()
-{
-    if (m_task) {
-        abandon(QStringLiteral("no answer"));
-    }
-}
-
-void ProjectFile::abandon(const QString& reason)
-{
-    const Task* task = m_task.get();
-    m_abandoned.push_back(std::move(m_task));
-    hostLog()->error("project {} is not waited for any more", task->path.toStdString());
-    emit waiting({}, {});
-    fail(task->failure(), task->path, reason);
-    if (const Done done = task->done) {
-        done(false);
-    }
+    m_requests.start({path, saves ? "SavingProject" : "OpeningProject", giveUp}, std::move(work),
+                     [done, finish](auto result, bool isWaitedFor) {
+                         const bool isDone = finish(std::move(result), isWaitedFor);
+                         if (isWaitedFor && done) {
+                             done(isDone);
+                         }
+                     });
 }
 
 void ProjectFile::open(const QString& file, const Done& done)
@@ -228,7 +143,7 @@ void ProjectFile::openAs(const QString& file, bool unsaved, const Done& done)
 {
     refresh();
     run(
-        {file, false, done}, [file] { return readProject(file); },
+        file, false, done, [file] { return readProject(file); },
         [this, file, unsaved, revision = m_state.revision](ReadProject result, bool waited) {
             if (!waited) {
                 return false;
@@ -273,8 +188,7 @@ void ProjectFile::saveAs(const QString& file, const Done& done)
     refresh();
     const QString path = cleanPath(file);
     run(
-        {path, true, done},
-        [path, project = m_state.project] { return writeProject(path, project); },
+        path, true, done, [path, project = m_state.project] { return writeProject(path, project); },
         [this, path, revision = m_state.revision](const QString& reason, bool waited) {
             if (!reason.isEmpty()) {
                 hostLog()->error("project {} could not be saved: {}", path.toStdString(),
@@ -284,7 +198,7 @@ void ProjectFile::saveAs(const QString& file, const Done& done)
             }
             hostLog()->info("project {} saved", path.toStdString());
             m_runtime.call([&] {
-                // After stopWaiting() the project may have another file by now.
+                // When it was not waited for, the project may have another file by now.
                 if (waited || m_dispatch->state().file == path) {
                     m_dispatch->setSaved(path, revision);
                 }
@@ -354,7 +268,7 @@ void ProjectFile::afterSaves(std::function<void()> then)
     auto* timer = new QTimer(this);
     connect(timer, &QTimer::timeout, this,
             [this, timer, then = std::move(then), deadline = QDeadlineTimer(5000)] {
-                if ((m_task || m_autoSave->isSaving()) && !deadline.hasExpired()) {
+                if ((m_requests.isWaiting() || m_autoSave->isSaving()) && !deadline.hasExpired()) {
                     return;
                 }
                 timer->stop();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/filerequests.h"
 #include "mivohostapi/iprojectfilemgr.h"
 #include "project/programdispatch.h"
 #include "project/projectaccess.h"
@@ -23,9 +24,8 @@ class SettingsStore;
 /// `runtime` and `store` must outlive it.
 ///
 /// Files are read and written on threads of their own, and the open project can be changed
-/// meanwhile. One file is opened or saved at a time. One that has not answered for 30 s, or when
-/// stopWaiting() is called, is not waited for any more: failed() tells so, and what has become of a
-/// save is told when it is known.
+/// meanwhile. One file is opened or saved at a time. One that is not waited for any more: failed()
+/// tells so, and what has become of a save is told when it is known.
 class ProjectFile : public QObject, public mivo::projectfilemgr::IProjectFileMgr
 {
     Q_OBJECT
@@ -62,9 +62,8 @@ public:
     /// Saves to another file, which is the project's from then on.
     void saveAs(const QString& file, const Done& done = {});
 
-    /// Whether a file is being opened or saved.
-    bool isBusy() const { return m_task != nullptr; }
-    void stopWaiting();
+    /// The file that is being opened or saved.
+    FileRequests& requests() { return m_requests; }
 
     void play(qint64 id);
 
@@ -105,21 +104,13 @@ signals:
     void failed(const QString& key, const QString& argument);
     void told(const QString& key, const QString& argument);
 
-    /// Half a second has gone by, and the file is still being opened or saved. `key` as above;
-    /// empty when nobody waits any more.
-    void waiting(const QString& key, const QString& file);
-
     /// The last end left unsaved changes, in this automatic save.
     void unsavedFound(const QString& file);
 
 private:
-    struct Task;
-
-    /// Runs `work` aside; then calls `finish` with its result, and with whether somebody still
-    /// waits for it. `finish` says whether it was done.
+    /// As FileRequests::start(); `finish` says whether it was done.
     template <typename Work, typename Finish>
-    void run(Task task, Work work, Finish finish);
-    void abandon(const QString& reason);
+    void run(const QString& path, bool saves, const Done& done, Work work, Finish finish);
     void openAs(const QString& file, bool unsaved, const Done& done);
     QString unsavedProject() const;
 
@@ -133,11 +124,11 @@ private:
     RuntimeThread& m_runtime;
     SettingsStore& m_store;
     PathObserver m_observer;
+    FileRequests m_requests{m_observer};
+    bool m_isSaving = false; // while a file is waited for: whether it is being saved
     std::shared_ptr<ProgramDispatch> m_dispatch;
     ProgramDispatch::State m_state;
     std::unique_ptr<AutoSave> m_autoSave;
-    std::unique_ptr<Task> m_task;                   // somebody waits for it
-    std::vector<std::unique_ptr<Task>> m_abandoned; // nobody does, but its file is still in use
     mivo::qutils::FileTask m_check;
     QStringList m_missing;
     int m_settledRevision = -1;                     // its changes are discarded or rescued

@@ -2,19 +2,22 @@
 
 #include "store/statement.h"
 
+#include <algorithm>
+
 namespace mivohost {
 
 bool Outbox::open(sqlite3* database)
 {
+    const qint64 next = m_next + 1;
     *this = {};
+    m_next = next;
     m_database = database;
-    // AUTOINCREMENT: a number is not used again when its row is gone.
     const bool made =
         Statement(database, "CREATE TABLE IF NOT EXISTS shared (key TEXT PRIMARY KEY, "
                             "revision INTEGER NOT NULL) WITHOUT ROWID")
             .run()
-        && Statement(database, "CREATE TABLE IF NOT EXISTS outbox (number INTEGER PRIMARY KEY "
-                               "AUTOINCREMENT, key TEXT NOT NULL UNIQUE)")
+        && Statement(database, "CREATE TABLE IF NOT EXISTS outbox (number INTEGER PRIMARY KEY, "
+                               "key TEXT NOT NULL UNIQUE)")
                .run();
     Statement shared(database, "SELECT key, revision FROM shared");
     while (shared.step()) {
@@ -24,6 +27,7 @@ bool Outbox::open(sqlite3* database)
     while (waiting.step()) {
         m_waiting.emplace(waiting.number(0), waiting.text(1));
         m_numbers.insert(waiting.text(1), waiting.number(0));
+        m_next = std::max(m_next, waiting.number(0) + 1);
     }
     return made && shared.isDone() && waiting.isDone();
 }
@@ -46,13 +50,11 @@ bool Outbox::set(const QString& key, qint64 revision, Waiting waiting)
     if (waiting == Waiting::remove) {
         return Statement(m_database, "DELETE FROM outbox WHERE key = ?", key).run();
     }
-    if (!Statement(m_database, "REPLACE INTO outbox (key) VALUES (?)", key).run()) {
-        return false;
-    }
-    const qint64 number = sqlite3_last_insert_rowid(m_database);
+    const qint64 number = m_next++;
     m_waiting.emplace(number, key);
     m_numbers.insert(key, number);
-    return true;
+    return Statement(m_database, "REPLACE INTO outbox (number, key) VALUES (?, ?)", number, key)
+        .run();
 }
 
 std::vector<Outbox::Change> Outbox::oldest(int most) const

@@ -19,7 +19,7 @@ public:
     struct Change
     {
         QString key;
-        qint64 number = 0;   ///< rises with each change, and is never used again
+        qint64 number = 0;   ///< rises with each change, and is not used again in this process
         qint64 revision = 0; ///< on which the change is based; 0: there was no such setting
     };
     /// What becomes of a change that waits.
@@ -36,12 +36,15 @@ public:
     /// Of the change that waits; 0: none does.
     qint64 numberOf(const QString& key) const { return m_numbers.value(key); }
     int count() const { return m_numbers.size(); } ///< of the changes that wait
+    /// Of the change that set() adds next, unless a transaction fails before.
+    qint64 nextNumber() const { return m_next; }
 
     /// The changes that wait the longest, at most `most` of them, in their order.
     std::vector<Change> oldest(int most) const;
 
 private:
     sqlite3* m_database = nullptr;
+    qint64 m_next = 0;
     QHash<QString, qint64> m_revisions;
     QHash<QString, qint64> m_numbers;
     std::map<qint64, QString> m_waiting; // by number

@@ -148,6 +148,15 @@ QString missingPart(const QString& path, bool hasCopies)
     return hasWrites || hasCopies ? QStringLiteral("the file is missing") : QString();
 }
 
+bool writeRow(sqlite3* database, const QString& key, const QVariant& value)
+{
+    return Statement(database,
+                     "INSERT INTO setting (key, value) VALUES (?, ?) "
+                     "ON CONFLICT (key) DO UPDATE SET value = excluded.value",
+                     key, value)
+        .run();
+}
+
 } // namespace
 
 /// Takes the lock and tries once to open the file; `result` says how that ended.
@@ -308,20 +317,14 @@ SqlitePersistence::FileId SqlitePersistence::idOf(const QString& path)
     return {};
 }
 
-bool SqlitePersistence::write(const QString& key, const QVariant& value)
+bool SqlitePersistence::write(const QVariantHash& settings)
 {
-    if (m_outbox) {
-        return update({{key, m_outbox->revisionOf(key), value, Outbox::Waiting::add}});
+    std::vector<Update> updates;
+    for (auto setting = settings.begin(); setting != settings.end(); ++setting) {
+        const qint64 revision = m_outbox ? m_outbox->revisionOf(setting.key()) : 0;
+        updates.push_back({setting.key(), revision, setting.value(), Outbox::Waiting::add});
     }
-    if (!isTheSameFile()) {
-        return false;
-    }
-    const bool isWritten = put(key, value);
-    m_error = isWritten ? QString() : QString::fromUtf8(sqlite3_errmsg(m_database));
-    if (isWritten) {
-        m_rows.insert(key, value);
-    }
-    return isWritten;
+    return update(updates);
 }
 
 bool SqlitePersistence::keepOutbox()
@@ -337,19 +340,21 @@ bool SqlitePersistence::keepOutbox()
 
 bool SqlitePersistence::update(const std::vector<Update>& updates)
 {
-    if (!isTheSameFile()) {
-        return false;
-    }
-    bool isDone = Statement(m_database, "BEGIN IMMEDIATE").run();
+    const bool isSameFile = idOf(m_path) == m_file;
+    bool isDone = isSameFile && Statement(m_database, "BEGIN IMMEDIATE").run();
     for (auto change = updates.begin(); isDone && change != updates.end(); ++change) {
-        isDone = (!change->value || put(change->key, *change->value))
-                 && m_outbox->set(change->key, change->revision, change->waiting);
+        isDone = (!change->value || writeRow(m_database, change->key, *change->value))
+                 && (!m_outbox || m_outbox->set(change->key, change->revision, change->waiting));
     }
-    isDone = isDone && Statement(m_database, "COMMIT").run();
-    if (!isDone) {
-        m_error = QString::fromUtf8(sqlite3_errmsg(m_database));
-        Statement(m_database, "ROLLBACK").run();
-        m_outbox->open(m_database); // as it was before
+    if (!isDone || !Statement(m_database, "COMMIT").run()) {
+        m_error = isSameFile ? QString::fromUtf8(sqlite3_errmsg(m_database))
+                             : QStringLiteral("the file was replaced or removed");
+        if (sqlite3_get_autocommit(m_database) == 0) { // some errors have rolled back already
+            Statement(m_database, "ROLLBACK").run();
+        }
+        if (m_outbox) {
+            m_outbox->open(m_database); // as it was before
+        }
         return false;
     }
     m_error.clear();
@@ -359,24 +364,6 @@ bool SqlitePersistence::update(const std::vector<Update>& updates)
         }
     }
     return true;
-}
-
-bool SqlitePersistence::isTheSameFile()
-{
-    const bool isSame = idOf(m_path) == m_file;
-    if (!isSame) {
-        m_error = QStringLiteral("the file was replaced or removed");
-    }
-    return isSame;
-}
-
-bool SqlitePersistence::put(const QString& key, const QVariant& value)
-{
-    return Statement(m_database,
-                     "INSERT INTO setting (key, value) VALUES (?, ?) "
-                     "ON CONFLICT (key) DO UPDATE SET value = excluded.value",
-                     key, value)
-        .run();
 }
 
 } // namespace mivohost

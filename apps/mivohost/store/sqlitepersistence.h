@@ -54,9 +54,9 @@ public:
     QString keepCopy();
 
     QVariantHash loadAll() override { return m_rows; }
-    bool write(const QString& key, const QVariant& value) override;
+    bool write(const QVariantHash& settings) override;
 
-    /// From now on write() also puts the change into the outbox. False, and lastError(): nothing
+    /// From now on write() also puts the changes into the outbox. False, and lastError(): nothing
     /// is noted, and nothing is to be shared.
     bool keepOutbox();
     const Outbox& outbox() const { return *m_outbox; } ///< there is one after keepOutbox()
@@ -69,7 +69,8 @@ public:
         std::optional<QVariant> value = std::nullopt; ///< to be taken over
         Outbox::Waiting waiting = Outbox::Waiting::keep;
     };
-    /// Takes over all of it or nothing, as durably as write().
+    /// Takes over all of it or nothing, as durably as write(). With keepOutbox() alone does it
+    /// care for `revision` and `waiting`.
     bool update(const std::vector<Update>& updates);
 
     QVariant value(const QString& key) const { return m_rows.value(key); }
@@ -87,9 +88,6 @@ private:
     static std::unique_ptr<SqlitePersistence> openLocked(const QString& path, Opened& result);
 
     static FileId idOf(const QString& path);
-
-    bool put(const QString& key, const QVariant& value);
-    bool isTheSameFile();
 
     QString m_path;
     QString m_error;

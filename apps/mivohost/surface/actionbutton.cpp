@@ -5,6 +5,8 @@
 #include <mivosettingswidgets/shortcuttable.h>
 #include <mivowidgets/shortcutcover.h>
 
+#include <QtCore/QVariant>
+#include <QtWidgets/QScrollArea>
 #include <QtWidgets/QStyle>
 
 #include <algorithm>
@@ -53,6 +55,16 @@ void ActionButton::flash()
         setState("flash", true);
     }
     m_flash.start();
+}
+
+void ActionButton::setFound(bool on)
+{
+    setState("found", on);
+    for (QWidget* each = parentWidget(); on && each != nullptr; each = each->parentWidget()) {
+        if (auto* area = qobject_cast<QScrollArea*>(each)) {
+            area->ensureWidgetVisible(this);
+        }
+    }
 }
 
 void ActionButton::setState(const char* name, bool on)

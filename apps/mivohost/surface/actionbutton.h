@@ -28,6 +28,8 @@ public:
     void setEditing(bool on);
     /// Is highlighted for a moment: the action was triggered.
     void flash();
+    /// Is marked and scrolled to: it is what was looked for.
+    void setFound(bool on);
 
 private:
     void setState(const char* name, bool on);

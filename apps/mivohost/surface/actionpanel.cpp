@@ -4,11 +4,15 @@
 #include "base/hosttext.h"
 #include "peripherals/peripherals.h"
 #include "surface/actionbutton.h"
+#include "surface/actiontools.h"
 #include "surface/askforfile.h"
+#include "surface/inputhint.h"
 #include "surface/listenaddressbox.h"
 
 #include <mivosettingswidgets/shortcutfile.h>
 #include <mivosettingswidgets/shortcuttable.h>
+#include <mivowidgets/alertlabel.h>
+#include <mivowidgets/combobox.h>
 #include <mivowidgets/shortcutcover.h>
 #include <mivowidgets/tipdialog.h>
 
@@ -45,10 +49,11 @@ QString textOf(const std::string& key)
 
 ActionPanel::ActionPanel(Peripherals& peripherals)
     : m_peripherals(peripherals), m_heading(new QLabel), m_edit(new QPushButton),
-      m_kind(new QComboBox), m_clear(new QPushButton), m_export(new QPushButton),
-      m_import(new QPushButton), m_lock(new QPushButton), m_hint(new QLabel),
+      m_kind(new mivo::widgets::ComboBox), m_clear(new QPushButton), m_export(new QPushButton),
+      m_import(new QPushButton), m_lock(new QPushButton), m_hint(new mivo::widgets::AlertLabel),
       m_addressLabel(new QLabel), m_address(new ListenAddressBox(peripherals)),
-      m_fileRetry(m_manager), m_transfer(m_manager, peripherals, this)
+      m_fileRetry(m_manager), m_transfer(m_manager, peripherals),
+      m_tools(new ActionTools(m_manager, peripherals))
 {
     m_heading->setObjectName(QStringLiteral("sectionHeading"));
     m_edit->setObjectName(QStringLiteral("editShortcuts"));
@@ -95,6 +100,7 @@ ActionPanel::ActionPanel(Peripherals& peripherals)
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(6);
     column->addLayout(row);
+    column->addWidget(m_tools);
     column->addLayout(hintRow);
     column->addWidget(scroll);
 
@@ -184,7 +190,7 @@ void ActionPanel::addConnections()
         [this] { emit told(QStringLiteral("KeysWritten")); }, Qt::QueuedConnection);
     connect(&m_transfer, &BindingsTransfer::failed, this, &ActionPanel::failed);
     connect(&m_transfer, &BindingsTransfer::told, this, &ActionPanel::told);
-    connect(&m_transfer, &BindingsTransfer::waitingChanged, this, &ActionPanel::showState);
+    connect(&m_transfer.requests(), &FileRequests::waitingChanged, this, &ActionPanel::showState);
     connect(&m_manager, &ShortCutMgr::signalClearShortCutState, this, &ActionPanel::showState);
     connect(&m_manager, &ShortCutMgr::signalUpdateClearPeripheralsState, this,
             &ActionPanel::showState);
@@ -194,11 +200,10 @@ void ActionPanel::addConnections()
                 hostLog()->info("keys of {}: {}", path, keys.empty() ? "none" : keys);
             });
     connect(&m_manager, &ShortCutMgr::signalShowMonitorWidget, this, &ActionPanel::showHint);
-    connect(&m_manager, &ShortCutMgr::signalUpdateDeviceStatus, this, [this] {
-        if (m_editing) {
-            showHint();
-        }
-    });
+    connect(&m_tools->search(), &ActionSearch::changed, this, &ActionPanel::showMatches);
+    connect(&m_tools->search(), &ActionSearch::found, this, &ActionPanel::showFound);
+    connect(m_tools, &ActionTools::failed, this, &ActionPanel::failed);
+    connect(&m_manager, &ShortCutMgr::signalUpdateDeviceStatus, this, &ActionPanel::showHint);
     // Queued, so that failures at the start are told as well: nobody is connected yet.
     QMetaObject::invokeMethod(
         this,
@@ -263,6 +268,7 @@ void ActionPanel::setTexts()
     m_export->setText(hostText("ExportShortcuts"));
     m_import->setText(hostText("ImportShortcuts"));
     m_lock->setText(hostText("LockScreen"));
+    m_tools->setTexts();
     m_addressLabel->setText(hostText("ListenAddress"));
     m_address->refill();
     for (const auto& [key, label] : m_groups) {
@@ -274,32 +280,25 @@ void ActionPanel::setTexts()
     showHint();
 }
 
-QString ActionPanel::hintOf(EnumPeripheralShortCutType kind) const
+void ActionPanel::showMatches()
 {
-    switch (kind) {
-    case PeripheralMidi:
-        return hostText(!m_peripherals.midi().isEnabled()        ? "MidiOff"
-                        : m_peripherals.midi().devices().empty() ? "MidiNoDevice"
-                                                                 : "MidiHint");
-    case PeripheralDmx:
-        return hostText(m_peripherals.dmx().info().enabled ? "DmxHint" : "DmxOff");
-    case PeripheralOsc: {
-        const auto info = m_peripherals.osc().info();
-        const QString& address = m_peripherals.listenAddress();
-        const QString url = address.isEmpty()
-                                ? QString::fromStdString(m_oscUrl)
-                                : QStringLiteral("osc.udp://%1:%2/").arg(address).arg(info.port);
-        return info.enabled ? hostText("OscHint").arg(url) : hostText("OscOff");
+    for (ActionButton* action : m_actions) {
+        action->setVisible(m_tools->search().matches(action->textKey()));
     }
-    default:
-        return hostText("KeyHint");
+}
+
+void ActionPanel::showFound(int type)
+{
+    for (ActionButton* action : m_actions) {
+        action->setFound(action->type() == type);
     }
 }
 
 void ActionPanel::showHint()
 {
+    m_hint->setText(m_locked ? hostText("LockedHint")
+                             : bindingHint(m_peripherals, kind(), m_oscUrl));
     m_hint->setVisible(m_editing || m_locked);
-    m_hint->setText(m_locked ? hostText("LockedHint") : hintOf(kind()));
     const bool hasAddress = kind() == PeripheralDmx || kind() == PeripheralOsc;
     m_addressLabel->setVisible(m_editing && hasAddress);
     m_address->setVisible(m_editing && hasAddress);
@@ -307,11 +306,12 @@ void ActionPanel::showHint()
 
 void ActionPanel::showState()
 {
+    m_tools->search().setEnabled(!m_locked);
     m_edit->setEnabled(!m_locked);
     m_kind->setEnabled(!m_locked);
     m_clear->setEnabled(!m_locked && hasBindings());
     for (QPushButton* transfer : {m_export, m_import}) {
-        transfer->setEnabled(!m_locked && !m_editing && !m_transfer.isWaiting());
+        transfer->setEnabled(!m_locked && !m_editing && !m_transfer.requests().isWaiting());
     }
     for (ActionButton* action : m_actions) {
         action->setEnabled(!m_locked);
@@ -323,7 +323,8 @@ void ActionPanel::setEditing(bool on)
     if (m_editing == on || (on && m_locked)) {
         return;
     }
-    m_transfer.cancel();
+    m_transfer.requests().cancel();
+    m_tools->search().setFinding(false);
     m_editing = on;
     m_keys.setEnabled(!on && !m_locked);
     m_edit->setChecked(on);
@@ -357,7 +358,7 @@ void ActionPanel::setLocked(bool locked)
         return;
     }
     setEditing(false);
-    m_transfer.cancel();
+    m_transfer.requests().cancel();
     m_locked = locked;
     m_lock->setChecked(locked);
     m_keys.setEnabled(!locked);
@@ -378,6 +379,7 @@ void ActionPanel::setBindings(const STLinkShortCutInfo& info)
                                 QString::fromStdString(item.shortCutStr));
                  });
     m_keys.setBindings(bindings);
+    showState();
 }
 
 void ActionPanel::trigger(int type, const std::string& path, const std::string& control)

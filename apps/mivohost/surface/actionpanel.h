@@ -22,9 +22,14 @@ class QGridLayout;
 class QLabel;
 class QPushButton;
 
+namespace mivo::widgets {
+class AlertLabel;
+}
+
 namespace mivohost {
 
 class ActionButton;
+class ActionTools;
 class ListenAddressBox;
 class Peripherals;
 
@@ -51,6 +56,7 @@ public:
     void setLocked(bool locked);
 
     BindingsTransfer& transfer() { return m_transfer; }
+    ActionTools& tools() { return *m_tools; }
     mivo::settings::ShortCutMgr& shortcuts() { return m_manager; }
 
 signals:
@@ -66,7 +72,8 @@ private:
     bool hasBindings() const;
     void showState();
     void showHint();
-    QString hintOf(EnumPeripheralShortCutType kind) const;
+    void showMatches();
+    void showFound(int type);
     void setKind();
     void trigger(int type, const std::string& path, const std::string& control);
     void setBindings(const STLinkShortCutInfo& info);
@@ -90,7 +97,7 @@ private:
     QPushButton* m_export;
     QPushButton* m_import;
     QPushButton* m_lock;
-    QLabel* m_hint;
+    mivo::widgets::AlertLabel* m_hint;
     QLabel* m_addressLabel;
     ListenAddressBox* m_address;
     std::vector<std::pair<std::string, QLabel*>> m_groups; // with the keys of their texts
@@ -101,6 +108,7 @@ private:
     mivo::settings::ShortCutMgr m_manager; // knows covers and services, and goes before them
     ShortcutFileRetry m_fileRetry;
     BindingsTransfer m_transfer;
+    ActionTools* m_tools;
 };
 
 } // namespace mivohost

@@ -2,8 +2,6 @@
 
 #include "base/hostlog.h"
 #include "base/hosttext.h"
-#include "cluster/sharedshortcuts.h"
-#include "cluster/synchroniser.h"
 #include "mivohostkit/runtimethread.h"
 #include "mivohostkit/settingsstore.h"
 #include "peripherals/peripherals.h"
@@ -12,11 +10,12 @@
 #include "surface/askforfile.h"
 #include "surface/messagepanel.h"
 #include "surface/programlist.h"
-#include "surface/showbar.h"
+#include "surface/waitingline.h"
 #include "system/tray.h"
 
 #include <mivosettingswidgets/settingsdialog.h>
 #include <mivosettingswidgets/settingwdigettranslatemanager.h>
+#include <mivowidgets/alertlabel.h>
 #include <mivowidgets/pushbutton.h>
 
 #include <QtCore/QDir>
@@ -34,15 +33,21 @@
 
 namespace mivohost {
 
+using mivo::widgets::AlertLabel;
+
 MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile& project,
                        Peripherals& peripherals, const SettingsServices& services)
-    : m_runtime(runtime), m_store(store), m_project(project), m_services(services),
-      m_title(new QLabel), m_notice(new QLabel), m_dismiss(new QPushButton), m_waiting(new QLabel),
-      m_stopWaiting(new QPushButton), m_settingsButton(new mivo::widgets::PushButton),
+    : m_runtime(runtime), m_store(store), m_project(project), m_peripherals(peripherals),
+      m_services(services), m_title(new QLabel), m_notice(new AlertLabel),
+      m_dismiss(new QPushButton), m_settingsButton(new mivo::widgets::PushButton),
       m_languageLabel(new QLabel), m_language(new QComboBox),
-      m_actionPanel(new ActionPanel(peripherals)), m_programsLabel(new QLabel),
-      m_programs(new ProgramList), m_playing(new QLabel), m_logLabel(new QLabel),
-      m_log(new QPlainTextEdit), m_messagePanel(new MessagePanel(m_messages))
+      m_actionPanel(new ActionPanel(peripherals)),
+      m_waiting({new WaitingLine(project.requests()),
+                 new WaitingLine(m_actionPanel->transfer().requests()),
+                 new WaitingLine(m_transfer.requests())}),
+      m_programsLabel(new QLabel), m_programs(new ProgramList), m_playing(new QLabel),
+      m_logLabel(new QLabel), m_log(new QPlainTextEdit),
+      m_messagePanel(new MessagePanel(m_messages))
 {
     m_services.programs = m_project.dispatch();
     m_services.projectFile = &m_project;
@@ -57,11 +62,6 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
     m_notice->hide();
     m_dismiss->setObjectName(QStringLiteral("dismissNotice"));
     m_dismiss->hide();
-    m_waiting->setObjectName(QStringLiteral("waiting"));
-    m_waiting->setWordWrap(true);
-    m_waiting->setTextFormat(Qt::PlainText);
-    m_stopWaiting->setObjectName(QStringLiteral("stopWaiting"));
-    showWaiting({}, {});
     m_settingsButton->setProperty("style", QStringLiteral("general"));
     m_settingsButton->setShortcut(QStringLiteral("Ctrl+,"));
     m_language->addItem(QStringLiteral("English"), QStringLiteral("en"));
@@ -101,10 +101,9 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
     noticeRow->addWidget(m_notice, 1);
     noticeRow->addWidget(m_dismiss);
     column->addLayout(noticeRow);
-    auto* waitingRow = new QHBoxLayout;
-    waitingRow->addWidget(m_waiting, 1);
-    waitingRow->addWidget(m_stopWaiting);
-    column->addLayout(waitingRow);
+    for (WaitingLine* line : m_waiting) {
+        column->addWidget(line);
+    }
     column->addLayout(row);
     columns->addWidget(m_messagePanel, 0, 2, 3, 1);
     columns->setColumnStretch(2, 3);
@@ -113,7 +112,7 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
     auto* content = new QWidget;
     content->setLayout(column);
     setCentralWidget(content);
-    resize(1120, 840);
+    resize(1120, 880);
     m_programs->setFocus();
 
     connect(m_dismiss, &QPushButton::clicked, m_notice, &QWidget::hide);
@@ -127,12 +126,14 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
     connect(&m_project, &ProjectFile::changed, this, &MainWindow::showProject);
     connect(&m_project, &ProjectFile::recentFilesChecked, this, &MainWindow::fillRecentMenu);
     connect(&m_project, &ProjectFile::failed, this, &MainWindow::showNotice);
-    connect(&m_project, &ProjectFile::told, this, [this](const QString& key, const QString& path) {
-        post(velorn::msgcenter::MsgInformation, hostText(key).arg(path));
-    });
-    connect(&m_project, &ProjectFile::waiting, this, &MainWindow::showWaiting);
+    const auto tell = [this](const QString& key, const QString& argument) {
+        post(velorn::msgcenter::MsgInformation, hostText(key).arg(argument));
+    };
+    connect(&m_project, &ProjectFile::told, this, tell);
+    connect(&m_transfer, &SettingsTransfer::failed, this, &MainWindow::showNotice);
+    connect(&m_transfer, &SettingsTransfer::told, this, tell);
+    connect(&m_transfer, &SettingsTransfer::imported, this, &MainWindow::followImport);
     connect(&m_project, &ProjectFile::unsavedFound, this, &MainWindow::offerUnsaved);
-    connect(m_stopWaiting, &QPushButton::clicked, &m_project, &ProjectFile::stopWaiting);
     connect(&m_project, &ProjectFile::fadeTimesApplied, this, [this](int programs) {
         post(velorn::msgcenter::MsgInformation, hostText("FadeTimesApplied").arg(programs));
     });
@@ -169,10 +170,22 @@ void MainWindow::addMenu()
     add("SaveProject", QKeySequence::Save, [this] { saveProject(); });
     add("SaveProjectAs", QKeySequence(QStringLiteral("Ctrl+Shift+S")), [this] { saveProjectAs(); });
     m_projectMenu->addSeparator();
+    add("ExportSettings", {}, [this] { m_transfer.chooseExport(); });
+    add("ImportSettings", {}, [this] { m_transfer.chooseImport(); });
+    m_projectMenu->addSeparator();
     add("Quit", QKeySequence(QStringLiteral("Ctrl+Q")), &MainWindow::quit);
     m_actions.emplace_back(m_projectMenu->menuAction(), "Project");
     connect(m_projectMenu, &QMenu::aboutToShow, this, &MainWindow::fillRecentMenu);
     connect(m_projectMenu, &QMenu::aboutToShow, &m_project, &ProjectFile::checkRecentFiles);
+}
+
+void MainWindow::followImport()
+{
+    m_peripherals.reload();
+    const QString language = m_runtime.call([this] { return m_store.getLanguage(); });
+    if (!language.isEmpty()) {
+        switchLanguage(language);
+    }
 }
 
 void MainWindow::fillRecentMenu()
@@ -193,6 +206,8 @@ SettingsView& MainWindow::settings()
 {
     if (!m_settings) {
         m_settings = std::make_unique<SettingsView>(m_runtime, m_store, this, m_services);
+        m_settings->offerPutBack(m_runtime, m_store,
+                                 [this](const auto& kept) { m_transfer.keepAll(kept); });
         // The store knows the cards already, and the new page does not show them yet.
         m_runtime.call([this] { m_store.soundCards().announceMappings(); });
     }
@@ -224,14 +239,6 @@ void MainWindow::showTray()
     connect(m_tray.get(), &Tray::quitRequested, this, &MainWindow::quit);
 }
 
-void MainWindow::showCluster(Synchroniser& synchroniser)
-{
-    m_showBar = new ShowBar(synchroniser, m_messages);
-    connect(m_showBar, &ShowBar::told, this, &MainWindow::showNotice);
-    centralWidget()->layout()->addWidget(m_showBar);
-    new SharedShortcuts(m_actionPanel->shortcuts(), synchroniser); // goes with the latter
-}
-
 void MainWindow::quit()
 {
     m_quitting = true;
@@ -248,6 +255,7 @@ void MainWindow::switchLanguage(const QString& language)
     }
     m_language->setCurrentIndex(m_language->findData(language));
     setTexts();
+    emit languageSwitched();
 }
 
 void MainWindow::showNotice(const QString& key, const QString& argument)
@@ -314,16 +322,15 @@ void MainWindow::setTexts()
     m_title->setText(hostText("Title"));
     m_settingsButton->setText(hostText("Settings"));
     m_dismiss->setText(hostText("Dismiss"));
-    m_stopWaiting->setText(hostText("StopWaiting"));
-    showWaiting(m_waitingKey, m_waitingFile);
+    for (WaitingLine* line : m_waiting) {
+        line->setTexts();
+    }
     m_languageLabel->setText(hostText("Language"));
     m_actionPanel->setTexts();
     m_programsLabel->setText(hostText("Programs"));
+    m_programs->setAccessibleName(m_programsLabel->text()); // Qt relates no views to labels
     m_logLabel->setText(hostText("Log"));
     m_messagePanel->setTexts();
-    if (m_showBar != nullptr) {
-        m_showBar->setTexts();
-    }
     if (!m_noticeKey.isEmpty()) {
         m_notice->setText(hostText(m_noticeKey).arg(reasonText(m_noticeArgument)));
     }
@@ -409,16 +416,6 @@ void MainWindow::leaveProject(const std::function<void()>& then)
     } else if (question.clickedButton() == drop) {
         then();
     }
-}
-
-void MainWindow::showWaiting(const QString& key, const QString& file)
-{
-    m_waitingKey = key;
-    m_waitingFile = file;
-    m_waiting->setText(key.isEmpty() ? QString()
-                                     : hostText(key).arg(QDir::toNativeSeparators(file)));
-    m_waiting->setVisible(!key.isEmpty());
-    m_stopWaiting->setVisible(!key.isEmpty());
 }
 
 void MainWindow::offerUnsaved(const QString& file)

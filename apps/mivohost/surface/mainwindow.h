@@ -2,6 +2,7 @@
 
 #include "project/project.h"
 #include "surface/messagecentre.h"
+#include "surface/settingstransfer.h"
 #include "surface/settingsview.h"
 
 #include <QtCore/QTranslator>
@@ -18,6 +19,10 @@ class QMenu;
 class QPlainTextEdit;
 class QPushButton;
 
+namespace mivo::widgets {
+class AlertLabel;
+}
+
 namespace mivohost {
 
 class ActionPanel;
@@ -27,9 +32,8 @@ class ProgramList;
 class ProjectFile;
 class RuntimeThread;
 class SettingsStore;
-class ShowBar;
-class Synchroniser;
 class Tray;
+class WaitingLine;
 
 /// The host's main window: the project and its programs, the settings, the language, the log. GUI
 /// thread; all that it is given must outlive it.
@@ -48,16 +52,13 @@ public:
     void openSettings();
 
     ActionPanel& actions() { return *m_actionPanel; }
+    SettingsTransfer& transfer() { return m_transfer; }
 
     /// Shows the window in front of the others, wherever it was.
     void bringToFront();
 
     /// From now on with an icon in the system's tray, to which closing may hide the window.
     void showTray();
-
-    /// Shows from now on how it stands with the show that this machine shares, and shares the keys
-    /// of the actions.
-    void showCluster(Synchroniser& synchroniser);
 
     /// Closes the window for good, unless the user wants to save first and does not.
     void quit();
@@ -75,6 +76,7 @@ public:
 signals:
     /// The window was closed for good.
     void closed();
+    void languageSwitched();
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -82,6 +84,8 @@ protected:
 private:
     void addMenu();
     void fillRecentMenu();
+    /// Takes over what the pages do not follow.
+    void followImport();
     void post(velorn::msgcenter::EnumMsgKind kind, const QString& text);
     void chooseLanguage(int index);
     void setTexts();
@@ -96,26 +100,26 @@ private:
     /// Asks whether to save what is not saved, and calls `then` unless the user wants to stay: at
     /// once, or when the project has been saved.
     void leaveProject(const std::function<void()>& then);
-    void showWaiting(const QString& key, const QString& file);
     void offerUnsaved(const QString& file);
     QString projectName() const;
 
     RuntimeThread& m_runtime;
     SettingsStore& m_store;
     ProjectFile& m_project;
+    Peripherals& m_peripherals;
     SettingsServices m_services;
+    SettingsTransfer m_transfer{m_runtime, m_store, this};
     QMenu* m_projectMenu = nullptr;
     QMenu* m_recentMenu = nullptr;
     std::vector<std::pair<QAction*, const char*>> m_actions; // with the keys of their texts
     QLabel* m_title;
-    QLabel* m_notice;
+    mivo::widgets::AlertLabel* m_notice;
     QPushButton* m_dismiss;
-    QLabel* m_waiting; // for a file
-    QPushButton* m_stopWaiting;
     QPushButton* m_settingsButton;
     QLabel* m_languageLabel;
     QComboBox* m_language;
     ActionPanel* m_actionPanel;
+    std::vector<WaitingLine*> m_waiting; // for files
     QLabel* m_programsLabel;
     ProgramList* m_programs;
     QLabel* m_playing;
@@ -123,11 +127,8 @@ private:
     QPlainTextEdit* m_log;
     MessageCentre m_messages;
     MessagePanel* m_messagePanel;
-    ShowBar* m_showBar = nullptr;
     QString m_noticeKey;
     QString m_noticeArgument;
-    QString m_waitingKey;
-    QString m_waitingFile;
     QTranslator m_qtTexts; // of Qt's own dialogs
     bool m_quitting = false;
     bool m_projectLeft = false; // the user has been asked

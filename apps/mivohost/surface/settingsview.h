@@ -1,5 +1,7 @@
 #pragma once
 
+#include "surface/putback.h"
+
 #include <QtCore/QString>
 
 #include <functional>
@@ -71,10 +73,18 @@ public:
     /// Switches the dialog and every page.
     void switchLanguage(const QString& language);
 
+    /// Marks what differs from its default, and offers to put it back. Once, on the store that the
+    /// view is bound to; `runtime` and `store` outlive the view.
+    void offerPutBack(RuntimeThread& runtime, SettingsStore& store, PutBack::Keep keep = {});
+    /// Null where it is not offered.
+    const PutBack* putBack() const { return m_putBack.get(); }
+
 private:
     std::unique_ptr<mivo::settings::SettingsDialog> m_dialog;
     std::vector<mivo::settings::ISettingBox*> m_pages; // owned by the dialog
     std::vector<std::function<void(MivoSettings&)>> m_bindings;
+    std::vector<PutBack::Page> m_kinds;
+    std::unique_ptr<PutBack> m_putBack; // goes before the dialog
 };
 
 } // namespace mivohost

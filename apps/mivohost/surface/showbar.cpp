@@ -4,7 +4,9 @@
 #include "cluster/sharedshortcuts.h"
 #include "cluster/synchroniser.h"
 #include "surface/machinelist.h"
-#include "surface/messagecentre.h"
+#include "surface/mainwindow.h"
+
+#include <mivowidgets/alertlabel.h>
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QLocale>
@@ -34,17 +36,18 @@ QString timeText(const QDateTime& time)
 
 } // namespace
 
-ShowBar::ShowBar(Synchroniser& synchroniser, MessageCentre& messages)
-    : m_synchroniser(synchroniser), m_messages(messages), m_lostText(new QLabel),
+ShowBar::ShowBar(Synchroniser& synchroniser, MainWindow& window)
+    : m_synchroniser(synchroniser), m_window(window), m_lostText(new mivo::widgets::AlertLabel),
       m_setAgain(new QPushButton), m_leave(new QPushButton), m_state(new QLabel),
       m_machines(new QPushButton), m_list(new MachineList(synchroniser, this))
 {
+    m_lostText->setObjectName(QStringLiteral("lostChange"));
     m_lostText->setProperty("style", QStringLiteral("notice"));
     m_setAgain->setObjectName(QStringLiteral("setAgain"));
     m_leave->setObjectName(QStringLiteral("leaveLost"));
     m_state->setObjectName(QStringLiteral("showState"));
     m_machines->setObjectName(QStringLiteral("showMachines"));
-    for (QLabel* label : {m_lostText, m_state}) {
+    for (QLabel* label : {static_cast<QLabel*>(m_lostText), m_state}) {
         label->setWordWrap(true);
         label->setTextFormat(Qt::PlainText);
     }
@@ -65,7 +68,7 @@ ShowBar::ShowBar(Synchroniser& synchroniser, MessageCentre& messages)
         const QString text =
             hostText("OtherVersion")
                 .arg(machine.name, machine.version, QCoreApplication::applicationVersion());
-        m_messages.postMessage({velorn::msgcenter::MsgWarning, text.toStdString(), -1});
+        m_window.messages().postMessage({velorn::msgcenter::MsgWarning, text.toStdString(), -1});
     });
     connect(m_setAgain, &QPushButton::clicked, this, [this] {
         m_synchroniser.setAgain(m_lost.front());
@@ -76,20 +79,22 @@ ShowBar::ShowBar(Synchroniser& synchroniser, MessageCentre& messages)
             [this] { m_state->setText(stateText()); });
     connect(&synchroniser, &Synchroniser::lost, this, &ShowBar::add);
     connect(&synchroniser, &Synchroniser::replaced, this, [this](const QStringList& names) {
-        emit told(QStringLiteral("ShowReplaced"), names.join(QStringLiteral(", ")));
+        m_window.showNotice(QStringLiteral("ShowReplaced"), names.join(QStringLiteral(", ")));
     });
-    connect(&synchroniser, &Synchroniser::tooLong, this,
-            [this](const QString& name) { emit told(QStringLiteral("SettingTooLong"), name); });
+    connect(&synchroniser, &Synchroniser::tooLong, this, [this](const QString& name) {
+        m_window.showNotice(QStringLiteral("SettingTooLong"), name);
+    });
     connect(&synchroniser, &Synchroniser::failed, this, [this](const QString& reason) {
-        emit told(QStringLiteral("SettingNotSaved"), reason);
+        m_window.showNotice(QStringLiteral("SettingNotSaved"), reason);
     });
+    connect(&window, &MainWindow::languageSwitched, this, &ShowBar::setTexts);
+    window.centralWidget()->layout()->addWidget(this);
     setTexts();
 }
 
 void ShowBar::setTexts()
 {
     m_state->setText(stateText());
-    m_lostText->setVisible(!m_lost.empty());
     m_setAgain->setVisible(!m_lost.empty());
     m_leave->setVisible(!m_lost.empty());
     m_setAgain->setText(hostText("SetAgain"));
@@ -101,11 +106,13 @@ void ShowBar::setTexts()
             m_lost.size() == 1 ? QString() : QStringLiteral(" (%1)").arg(m_lost.size());
         m_lostText->setText(lostText(m_lost.front()) + further);
     }
+    m_lostText->setVisible(!m_lost.empty());
 }
 
 void ShowBar::add(const LostChange& change)
 {
-    m_messages.postMessage({velorn::msgcenter::MsgWarning, lostText(change).toStdString(), -1});
+    m_window.messages().postMessage(
+        {velorn::msgcenter::MsgWarning, lostText(change).toStdString(), -1});
     m_lost.push_back(change);
     if (m_lost.size() > mostLost) {
         m_lost.pop_front();

@@ -26,6 +26,8 @@ void atExit()
 {
     if (alive != nullptr) {
         emit alive->requested();
+        hostLog()->flush();
+        std::_Exit(EXIT_FAILURE); // other threads still use what exit() destroys next
     }
 }
 

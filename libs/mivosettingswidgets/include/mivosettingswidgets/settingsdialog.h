@@ -42,6 +42,12 @@ public:
     /// Sets the dialog's title and the first button's text again.
     void translateLanguage();
 
+    /// Shows a search line above the buttons: every text of every page is searched, in the language
+    /// shown and in the others that the shared translator has, and pages need do nothing for it.
+    /// Its texts are those of the keys that begin with "SettingsSearch". Without this call, or at a
+    /// second one, nothing changes.
+    void enableSearch();
+
 protected:
     void paintEvent(QPaintEvent* event) override;
 

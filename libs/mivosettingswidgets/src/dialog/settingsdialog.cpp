@@ -1,5 +1,6 @@
 #include "mivosettingswidgets/settingsdialog.h"
 
+#include "dialog/settingssearch.h"
 #include "mivosettingswidgets/isettingbox.h"
 #include "mivosettingswidgets/settingwidget.h"
 #include "mivosettingswidgets/storeaccess.h"
@@ -72,6 +73,7 @@ public:
     QButtonGroup* buttons = nullptr;
     PushButton* firstButton = nullptr;
     QStackedWidget* sections = nullptr;
+    std::unique_ptr<SettingsSearch> search; // null without a search
 
 public slots:
     void buttonGroupClickedSlot(int id);
@@ -156,6 +158,7 @@ void SettingsDialog::Impl::updateSettingsButtonTextSlot(const QString& titleText
     QLayoutItem* item = navigation->itemAt(index);
     if (auto* button = item ? qobject_cast<PushButton*>(item->widget()) : nullptr) {
         button->setText(titleText);
+        section->setAccessibleName(titleText);
         return;
     }
     warn("updateSettingsButtonTextSlot", "settingsBtn is nullptr!,count:{}, find index :{}",
@@ -219,7 +222,20 @@ void SettingsDialog::switchLanguage(const QString& language)
 void SettingsDialog::translateLanguage()
 {
     setTitle(text(QStringLiteral("SystemSettings")));
-    m_impl->firstButton->setText(text(QStringLiteral("GeneralSettings")));
+    const QString general = text(QStringLiteral("GeneralSettings"));
+    m_impl->firstButton->setText(general);
+    m_impl->sections->widget(0)->setAccessibleName(general);
+    if (m_impl->search) {
+        m_impl->search->translateLanguage();
+    }
+}
+
+void SettingsDialog::enableSearch()
+{
+    if (!m_impl->search) {
+        m_impl->search = std::make_unique<SettingsSearch>(this, m_impl->navigation, m_impl->buttons,
+                                                          m_impl->sections);
+    }
 }
 
 void SettingsDialog::paintEvent(QPaintEvent* /*event*/)

@@ -6,6 +6,7 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QEvent>
 #include <QtCore/QVariant>
+#include <QtWidgets/QAccessibleWidget>
 #include <QtWidgets/QScrollBar>
 #include <QtWidgets/QVBoxLayout>
 
@@ -26,6 +27,14 @@ void polishWhenShown(QWidget* widget)
     for (QWidget* child : children) {
         QCoreApplication::removePostedEvents(child, QEvent::PolishRequest);
     }
+}
+
+/// For screen readers the section is an area with a name, as it takes the focus to be scrolled.
+QAccessibleInterface* makeInterface(const QString& className, QObject* object)
+{
+    return className == QLatin1String("mivo::settings::SettingWidget")
+               ? new QAccessibleWidget(qobject_cast<QWidget*>(object), QAccessible::Pane)
+               : nullptr;
 }
 
 } // namespace
@@ -67,6 +76,7 @@ public:
 
 SettingWidget::SettingWidget(QWidget* parent) : QScrollArea(parent)
 {
+    QAccessible::installFactory(makeInterface); // of several times, the first counts
     verticalScrollBar()->setContextMenuPolicy(Qt::NoContextMenu);
     horizontalScrollBar()->setContextMenuPolicy(Qt::NoContextMenu);
     setWidgetResizable(true);

@@ -47,7 +47,9 @@ protected:
         QPainter painter(this);
         style()->drawPrimitive(QStyle::PE_PanelLineEdit, &option, &painter, this);
         painter.setPen(palette().color(QPalette::Text));
-        painter.drawText(line, static_cast<int>(alignment() | Qt::AlignVCenter), elided);
+        painter.drawText(
+            line, static_cast<int>(alignment() | Qt::AlignVCenter) | Qt::TextForceLeftToRight,
+            elided);
     }
 };
 
@@ -63,6 +65,7 @@ FolderRow::FolderRow(QWidget* page, QWidget* tip, Dependencies dependencies)
       m_tip(tip), m_dependencies(std::move(dependencies))
 {
     edit->setReadOnly(true);
+    edit->setLayoutDirection(Qt::LeftToRight); // as paths read in every language
     edit->setFixedWidth(180);
     setUsualHeight(browse, 24);
     setUsualHeight(clear, 24);

@@ -1,5 +1,6 @@
 #include "mivosettingswidgets/settingpage.h"
 
+#include "kit/mirroredmargins.h"
 #include "kit/usualsize.h"
 #include "mivosettingswidgets/settingpageimpl.h"
 #include "mivosettingswidgets/texts.h"
@@ -69,6 +70,9 @@ void SettingPageBase::unsetSettings() const
 bool SettingPageBase::event(QEvent* event)
 {
     const bool isTaken = ISettingBox::event(event);
+    if (event->type() == QEvent::Show || event->type() == QEvent::LayoutDirectionChange) {
+        mirrorMargins(this);
+    }
     // Not while it is hidden: that would apply the style sheet to controls nobody may ever see.
     if (event->type() == QEvent::Show || (event->type() == QEvent::LayoutRequest && isVisible())) {
         fitUsualSizes(this);

@@ -52,6 +52,11 @@ bool CountdownPrompt::tick()
         return false;
     }
     m_dialog->setTipText(text());
+    constexpr int calm = 10; // seconds: nobody can listen to each of them
+    constexpr int last = 5;
+    if (m_secondsLeft % calm == 0 || m_secondsLeft <= last) {
+        m_dialog->announceTip();
+    }
     if (--m_secondsLeft >= 0) {
         return false;
     }

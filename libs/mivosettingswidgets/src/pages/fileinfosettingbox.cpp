@@ -5,6 +5,7 @@
 #include "mivosettingswidgets/controls.h"
 #include "mivosettingswidgets/settingpageimpl.h"
 
+#include <mivowidgets/alertlabel.h>
 #include <mivowidgets/combobox.h>
 #include <mivowidgets/editbox.h>
 #include <mivowidgets/pushbutton.h>
@@ -128,7 +129,7 @@ FolderRow* FileInfoSettingBox::Impl::addFolder(const char* captionKey, const cha
                                                const char* subFolder,
                                                bool (Impl::*changed)(const QString& path))
 {
-    auto* tip = new QLabel;
+    auto* tip = new mivo::widgets::AlertLabel;
     tip->setObjectName(QString::fromLatin1(tipName));
     auto* row = new FolderRow(owner, tip);
     row->setParent(this);

@@ -203,7 +203,7 @@ QWidget* section(const char* heading, CheckBox* use, int spacing,
     auto* column = new QVBoxLayout(widget);
     column->setSpacing(spacing);
     column->setContentsMargins(10, 15, 0, 15);
-    column->addWidget(title);
+    column->addWidget(title, 0, Qt::AlignLeft); // or right: a name has a direction of its own
     column->addWidget(use);
     for (QBoxLayout* row : rows) {
         column->addLayout(row);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QtWidgets/QLabel>
+#include <mivowidgets/alertlabel.h>
 
 #include <string>
 
@@ -14,7 +14,7 @@ class SpinEditBox;
 namespace mivo::settings {
 
 /// Says why an input does not receive; hidden where there is no reason. GUI thread.
-class FailureLabel : public QLabel
+class FailureLabel : public mivo::widgets::AlertLabel
 {
 public:
     FailureLabel();

@@ -4,6 +4,7 @@
 #include "mivosettingswidgets/settingpageimpl.h"
 #include "mivosettingswidgets/texts.h"
 
+#include <mivowidgets/alertlabel.h>
 #include <mivowidgets/checkbox.h>
 #include <mivowidgets/combobox.h>
 #include <mivowidgets/timeeditbox.h>
@@ -19,6 +20,7 @@
 
 namespace mivo::settings {
 
+using mivo::widgets::AlertLabel;
 using mivo::widgets::CheckBox;
 using mivo::widgets::ComboBox;
 using mivo::widgets::TimeEditBox;
@@ -96,7 +98,8 @@ void ShutdownRow::show(const STMivoTimedShutdownSettings& info)
 }
 
 RestartRow::RestartRow(QWidget* page)
-    : TimedRow(page, {90, 80}), m_month(m_days[0]), m_day(m_days[1]), m_neverComes(new QLabel(page))
+    : TimedRow(page, {90, 80}), m_month(m_days[0]), m_day(m_days[1]),
+      m_neverComes(new AlertLabel(page))
 {
     m_neverComes->setObjectName(QStringLiteral("scheduleTip"));
     m_neverComes->hide();

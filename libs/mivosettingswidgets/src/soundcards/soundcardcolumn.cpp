@@ -3,6 +3,7 @@
 #include "mivosettingswidgets/controls.h"
 #include "mivosettingswidgets/texts.h"
 
+#include <mivowidgets/alertlabel.h>
 #include <mivowidgets/checkbox.h>
 #include <mivowidgets/combobox.h>
 
@@ -295,7 +296,7 @@ void SoundCardColumn::showMarks(std::uint32_t channels)
     }
     const bool isHintOther = playsNowhere != (m_hint != nullptr);
     if (isHintOther && playsNowhere) {
-        m_hint = new QLabel(this);
+        m_hint = new mivo::widgets::AlertLabel(this);
         m_hint->setObjectName(QStringLiteral("soundCardPlaysNowhere"));
         m_hint->setWordWrap(true);
     } else if (isHintOther) {
@@ -322,7 +323,8 @@ void SoundCardColumn::placeMarks()
         if (place % marksInRow == 0) {
             bottom += gap + height;
         }
-        mark->setGeometry(place++ % marksInRow * width, bottom - height, width - gap, height);
+        const QRect area(place++ % marksInRow * width, bottom - height, width - gap, height);
+        mark->setGeometry(QStyle::visualRect(layoutDirection(), {0, 0, columnWidth, bottom}, area));
         mark->show();
     }
     if (m_hint != nullptr) {

@@ -6,6 +6,7 @@
 #include "mivosettingswidgets/texts.h"
 #include "soundcards/soundcardcolumn.h"
 
+#include <mivowidgets/alertlabel.h>
 #include <mivowidgets/editbox.h>
 #include <mivowidgets/pushbutton.h>
 #include <mivowidgets/tipdialog.h>
@@ -102,8 +103,9 @@ VirtualMappingWidget::Impl::Impl(VirtualMappingWidget* editor,
                                  const STSoundCardMappingInfo& mapping, IZRRuntime* runtime,
                                  MivoSettings* settings)
     : sharedSettings(settings), zrRuntime(runtime), m_owner(editor), m_info(mapping),
-      m_nameLabel(new QLabel(editor)), m_name(new EditBox(editor)), m_nameTip(new QLabel(editor)),
-      m_delete(new PushButton(editor)), m_grid(new QGridLayout)
+      m_nameLabel(new QLabel(editor)), m_name(new EditBox(editor)),
+      m_nameTip(new mivo::widgets::AlertLabel(editor)), m_delete(new PushButton(editor)),
+      m_grid(new QGridLayout)
 {
     m_nameLabel->setBuddy(m_name);
     m_name->setObjectName(QStringLiteral("mappingName"));

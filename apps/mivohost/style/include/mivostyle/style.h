@@ -3,6 +3,7 @@
 #include "mivostyle/export.h"
 
 #include <QtCore/QString>
+#include <QtCore/Qt>
 
 #include <vector>
 
@@ -17,5 +18,12 @@ MIVOSTYLE_EXPORT std::vector<QString> languageFiles();
 /// (":/mivo/style/icons/check.svg", ...), which need Qt's plugin for SVG (libqt5svg5): without it
 /// they are missing.
 MIVOSTYLE_EXPORT QString styleSheet();
+
+/// Dark for dark rooms; light for what is set up by day.
+enum class Look { dark, light };
+
+/// The same sheet in the colours of a look. With a layout from right to left, what it gives for one
+/// side holds for the other.
+MIVOSTYLE_EXPORT QString styleSheet(Look look, Qt::LayoutDirection direction = Qt::LeftToRight);
 
 } // namespace mivo::style

@@ -1,0 +1,180 @@
+#include "peripherals/inputwords.h"
+
+#include "base/hosttext.h"
+#include "peripherals/artnet.h"
+#include "peripherals/midimessage.h"
+
+#include <lo/lo.h>
+
+#include <QtCore/QStringList>
+
+#include <algorithm>
+#include <array>
+#include <memory>
+
+namespace mivohost {
+
+namespace {
+
+constexpr int longest = 400; // characters
+
+/// On one line, whatever a sender has put into it.
+QString printable(QString text)
+{
+    const bool isLong = text.size() > longest;
+    text.truncate(longest);
+    for (QChar& each : text) {
+        if (!each.isPrint() && !each.isSurrogate()) {
+            each = QChar::ReplacementCharacter;
+        }
+    }
+    return isLong ? text + QChar(0x2026) : text;
+}
+
+QString hexText(const QByteArray& bytes)
+{
+    return QString::fromLatin1(bytes.toHex(' ').toUpper());
+}
+
+int byteAt(const QByteArray& bytes, int place)
+{
+    return static_cast<unsigned char>(bytes[place]);
+}
+
+QString controllerWords(int number, int channel, int value)
+{
+    // Those that the languages have a name for, as "Controller/7".
+    constexpr std::array named{0,  1,  2,  4,  5,  6,  7,   8,   10,  11,  64,  65,  66,  67,
+                               71, 72, 73, 74, 91, 93, 120, 121, 122, 123, 124, 125, 126, 127};
+    const bool hasName = std::find(named.begin(), named.end(), number) != named.end();
+    const QString words = hostText(hasName ? "MidiNamedController" : "MidiController")
+                              .arg(number)
+                              .arg(channel)
+                              .arg(value);
+    return hasName ? words.arg(hostText("Controller/" + QString::number(number))) : words;
+}
+
+QString argumentWords(char type, lo_arg* argument)
+{
+    switch (type) {
+    case LO_INT32:
+        return QStringLiteral("int %1").arg(argument->i);
+    case LO_INT64:
+        return QStringLiteral("int64 %1").arg(argument->h);
+    case LO_FLOAT:
+        return QStringLiteral("float %1").arg(static_cast<double>(argument->f));
+    case LO_DOUBLE:
+        return QStringLiteral("double %1").arg(argument->d);
+    case LO_STRING:
+    case LO_SYMBOL:
+        return QStringLiteral("string \"%1\"").arg(QString::fromUtf8(&argument->s));
+    case LO_TRUE:
+        return QStringLiteral("true");
+    case LO_FALSE:
+        return QStringLiteral("false");
+    case LO_NIL:
+        return QStringLiteral("nil");
+    case LO_INFINITUM:
+        return QStringLiteral("impulse");
+    case LO_CHAR:
+        return QStringLiteral("char %1").arg(QChar(static_cast<ushort>(argument->c)));
+    case LO_BLOB:
+        return QStringLiteral("blob (%1)").arg(lo_blob_datasize(&argument->blob));
+    case LO_MIDI:
+        return QStringLiteral("midi ") + hexText({reinterpret_cast<const char*>(argument->m), 4});
+    default:
+        return {QLatin1Char(type)};
+    }
+}
+
+} // namespace
+
+QString midiWords(const QByteArray& bytes)
+{
+    const auto* data = reinterpret_cast<const unsigned char*>(bytes.constData());
+    const auto note = [](int number) { return QString::fromStdString(noteName(number)); };
+    if (const auto message = parseMidi(data, static_cast<std::size_t>(bytes.size()))) {
+        switch (message->kind) {
+        case MidiMessage::note:
+            return message->value == 0
+                       ? hostText("MidiNoteOff").arg(note(message->number)).arg(message->channel)
+                       : hostText("MidiNoteOn")
+                             .arg(note(message->number))
+                             .arg(message->channel)
+                             .arg(message->value);
+        case MidiMessage::program:
+            return hostText("MidiProgram").arg(message->number).arg(message->channel);
+        default:
+            return controllerWords(message->number, message->channel, message->value);
+        }
+    }
+    const int status = bytes.isEmpty() ? 0 : byteAt(bytes, 0) & 0xF0;
+    const int channel = bytes.isEmpty() ? 0 : (byteAt(bytes, 0) & 0x0F) + 1;
+    if (bytes.size() == 2 && status == 0xD0) {
+        return hostText("MidiPressure").arg(channel).arg(byteAt(bytes, 1));
+    }
+    if (bytes.size() == 3) {
+        const int first = byteAt(bytes, 1);
+        const int second = byteAt(bytes, 2);
+        switch (status) {
+        case 0xA0:
+            return hostText("MidiKeyPressure").arg(note(first)).arg(channel).arg(second);
+        case 0xB0:
+            return controllerWords(first, channel, second);
+        case 0xE0:
+            return hostText("MidiPitchBend").arg(channel).arg((second << 7) + first - 8192);
+        default:
+            break;
+        }
+    }
+    return printable(hexText(bytes));
+}
+
+QString oscWords(const QByteArray& bytes, int size)
+{
+    if (size > bytes.size()) {
+        return hostText("OscTooLong")
+            .arg(size)
+            .arg(printable(QString::fromUtf8(bytes.constData())));
+    }
+    // The library checks that path, types and arguments lie within the bytes, and copies them.
+    const std::unique_ptr<void, decltype(&lo_message_free)> message(
+        lo_message_deserialise(const_cast<char*>(bytes.constData()), static_cast<std::size_t>(size),
+                               nullptr),
+        &lo_message_free);
+    if (message == nullptr) {
+        return hostText("OscNone").arg(size);
+    }
+    const char* const types = lo_message_get_types(message.get());
+    lo_arg** const arguments = lo_message_get_argv(message.get());
+    QStringList words;
+    for (int i = 0; i < lo_message_get_argc(message.get()) && i < longest; ++i) {
+        words.append(argumentWords(types[i], arguments[i]));
+    }
+    const QString gap = words.isEmpty() ? QString() : QStringLiteral("  ");
+    return printable(QString::fromUtf8(bytes.constData()) + gap + words.join(QStringLiteral(", ")));
+}
+
+QString dmxWords(const QByteArray& bytes, int channel, int others)
+{
+    const auto datagram = parseArtNet(reinterpret_cast<const std::uint8_t*>(bytes.constData()),
+                                      static_cast<std::size_t>(bytes.size()));
+    if (datagram.kind == ArtNetDatagram::poll) {
+        return hostText("DmxPoll");
+    }
+    if (datagram.kind != ArtNetDatagram::dmx) {
+        return hostText("DmxNone").arg(bytes.size());
+    }
+    const QString universe =
+        QStringLiteral("%1:%2:%3").arg(datagram.net).arg(datagram.subnet).arg(datagram.universe);
+    if (channel < 1 || static_cast<std::size_t>(channel) > datagram.channels) {
+        return hostText("DmxAllZero").arg(universe).arg(datagram.channels);
+    }
+    const QString words = hostText(others > 0 ? "DmxLevels" : "DmxLevel")
+                              .arg(universe)
+                              .arg(channel)
+                              .arg(datagram.levels[channel - 1]);
+    return others > 0 ? words.arg(others) : words;
+}
+
+} // namespace mivohost

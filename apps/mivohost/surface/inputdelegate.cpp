@@ -1,0 +1,66 @@
+#include "surface/inputdelegate.h"
+
+#include "surface/inputmodel.h"
+
+#include <QtGui/QPainter>
+
+namespace mivohost {
+
+namespace {
+
+constexpr int itemMargin = 4;
+constexpr int barWidth = 48;
+constexpr int mostTexts = 1000;
+
+} // namespace
+
+void InputDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
+                          const QModelIndex& index) const
+{
+    const bool isSelected = option.state.testFlag(QStyle::State_Selected);
+    if (isSelected) {
+        painter->fillRect(option.rect, option.palette.highlight());
+    }
+    QRect rect = option.rect.adjusted(itemMargin, 0, -itemMargin, 0);
+    const QColor colour =
+        option.palette.color(isSelected ? QPalette::HighlightedText : QPalette::Text);
+    const double level = index.column() == InputModel::levelColumn
+                             ? index.data(InputModel::levelRole).toDouble()
+                             : -1;
+    if (level >= 0) {
+        const QRect bar(rect.left(), rect.center().y() - 4, barWidth, 8);
+        QColor ground = colour;
+        ground.setAlphaF(0.2);
+        painter->fillRect(bar, ground);
+        painter->fillRect(QRect(bar.topLeft(), QSize(qRound(level * barWidth), bar.height())),
+                          colour);
+        rect.setLeft(bar.right() + 2 * itemMargin);
+    }
+    painter->setPen(colour);
+    const QString text = index.data().toString();
+    auto laidOut = m_texts.find(text);
+    if (laidOut == m_texts.end()) {
+        if (m_texts.size() == mostTexts) {
+            m_texts.clear();
+        }
+        laidOut = m_texts.insert(text, QStaticText(text));
+        laidOut->setTextFormat(Qt::PlainText);
+        laidOut->prepare({}, painter->font());
+    }
+    const QSizeF size = laidOut->size();
+    if (size.width() <= rect.width()) {
+        painter->drawStaticText(
+            QPointF(rect.left(), rect.top() + (rect.height() - size.height()) / 2), *laidOut);
+    } else {
+        painter->drawText(rect, Qt::AlignVCenter | Qt::TextSingleLine,
+                          option.fontMetrics.elidedText(text, Qt::ElideRight, rect.width()));
+    }
+}
+
+QSize InputDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const
+{
+    return {option.fontMetrics.horizontalAdvance(index.data().toString()) + 2 * itemMargin,
+            option.fontMetrics.height() + itemMargin};
+}
+
+} // namespace mivohost

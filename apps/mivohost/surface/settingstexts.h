@@ -1,0 +1,20 @@
+#pragma once
+
+#include "mivohostkit/settingsfile.h"
+
+#include <QtCore/QString>
+
+namespace mivohost {
+
+// Settings in the words of the pages that show them, in the language in force. GUI thread.
+
+QString sectionText(SettingsFile::Section section);
+QString settingText(SettingsFile::Key key);
+QString valueText(SettingsFile::Key key, const QVariant& value);
+
+/// Why a setting of a file is not taken.
+QString refusedText(const SettingsFile::Refused& refused);
+/// Why a file could not be read.
+QString problemText(const SettingsFile& file);
+
+} // namespace mivohost

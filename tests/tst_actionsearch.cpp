@@ -1,0 +1,207 @@
+#include "surface/actionpanel.h"
+
+#include "mivohostkit/settingsstore.h"
+#include "peripherals/peripherals.h"
+#include "support/files.h"
+#include "support/fulldisk.h"
+#include "support/hostlanguage.h"
+#include "support/servicetest.h"
+#include "surface/actiontools.h"
+#include "surface/bindingsheet.h"
+#include "surface/inputmonitor.h"
+
+#include <mivosettingswidgets/shortcutfile.h>
+#include <mivowidgets/shortcutcover.h>
+
+#include <QtCore/QDir>
+#include <QtCore/QFileInfo>
+#include <QtCore/QTemporaryDir>
+#include <QtWidgets/QTableView>
+
+namespace actionsearchtest {
+
+using namespace mivohost;
+using mivo::widgets::ShortCutCover;
+
+namespace {
+
+const std::string takePath = "/Peripherals/Stage/Take";
+
+class FindAction : public ::testing::Test
+{
+protected:
+    FindAction()
+    {
+        // Two actions hold F6, as a file can have it that somebody wrote.
+        QDir().mkpath(QFileInfo(mivo::settings::shortCutFilePath()).path());
+        writeFile(mivo::settings::shortCutFilePath(),
+                  R"({"shortCutInfoList":[{"type":210,"path":"","shortCutStr":"Ctrl + F5"},
+                  {"type":189,"path":"","shortCutStr":"F6"},{"type":186,"path":"","shortCutStr":"F6"},
+                  {"type":188,"path":"","shortCutStr":"Ctrl + S"}]})");
+        peripherals.midi().table().bind({189, "/Peripherals/Global/MuteSwitch", control});
+        peripherals.dmx().table().bind({210, takePath, "DMX 10"});
+        peripherals.dmx().table().bind({187, "/Peripherals/Global/OutputSwitch", "DMX 2"});
+        peripherals.osc().setInfo({true, port});
+        panel = std::make_unique<ActionPanel>(peripherals);
+        panel->setTexts();
+        panel->show();
+        panel->activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(panel.get()));
+        log.clear();
+    }
+    ~FindAction() override { QFile::remove(mivo::settings::shortCutFilePath()); }
+
+    template <typename Control>
+    Control* find(const char* name)
+    {
+        return panel->findChild<Control*>(name);
+    }
+    QStringList names()
+    {
+        QStringList shown;
+        for (const auto* cover : panel->findChildren<ShortCutCover*>()) {
+            const auto* button = qobject_cast<QPushButton*>(cover->parent());
+            if (button->isVisibleTo(panel.get())) {
+                shown.append(button->text());
+            }
+        }
+        return shown;
+    }
+    std::ptrdiff_t actions() const
+    {
+        const auto lines = log.lines();
+        return std::count_if(lines.begin(), lines.end(), [](const std::string& line) {
+            return line.find("|action ") != std::string::npos;
+        });
+    }
+    QString result() { return find<QLabel>("foundAction")->text(); }
+
+    const std::string control = "CC 7 ch 1 (Desk)";
+    const int port = freeUdpPort();
+    const InEnglish english;
+    LogCapture log;
+    TestRuntime runtime;
+    SettingsStore store;
+    Peripherals peripherals{runtime, store};
+    std::unique_ptr<ActionPanel> panel;
+};
+
+} // namespace
+
+TEST_F(FindAction, FindsByNameInEveryLanguage)
+{
+    const int all = names().size();
+    for (const auto& [text, name] :
+         {std::pair("  tAké", "Take"), std::pair("静音", "Mute"), std::pair("xyz", "")}) {
+        find<QLineEdit>("findAction")->setText(text);
+        EXPECT_EQ(names().join(','), name) << text;
+        EXPECT_EQ(result().isEmpty(), !names().isEmpty()) << text;
+    }
+    find<QLineEdit>("findAction")->clear();
+    EXPECT_EQ(names().size(), all);
+}
+
+TEST_F(FindAction, FindsByPressingAndTriggersNothing)
+{
+    const auto bindings = peripherals.midi().table().text();
+    find<QPushButton>("findByPressing")->click();
+    const auto press = [this](int key, Qt::KeyboardModifiers modifiers = {}) {
+        QTest::keyClick(panel.get(), Qt::Key(key), modifiers);
+    };
+    const auto move = [](auto& service, const char* used) {
+        EXPECT_EQ(service.table().use(used, true, true).first, BindingTable::Outcome::nothing);
+    };
+    const auto send = [this](const QByteArray& address) {
+        const QByteArray datagram = address + QByteArray(",i\0\0\0\0\0\1", 8);
+        QUdpSocket().writeDatagram(datagram, QHostAddress::LocalHost, quint16(port));
+    };
+    const std::vector<std::pair<std::function<void()>, QString>> rows{
+        {[&] { press(Qt::Key_F5, Qt::ControlModifier); }, "Ctrl + F5 – Stage: Take"},
+        {[&] { press(Qt::Key_F7); }, "F7 is free"},
+        {[&] { press(Qt::Key_E, Qt::ControlModifier); }, "Ctrl + E is free"},
+        {[&] { press(Qt::Key_S, Qt::ControlModifier); }, "Ctrl + S belongs to the program itself"},
+        {[&] { move(peripherals.midi(), control.c_str()); }, "CC 7 ch 1 (Desk) – Global: Mute"},
+        {[&] { move(peripherals.midi(), "CC 8 ch 1 (Desk)"); }, "CC 8 ch 1 (Desk) is free"},
+        {[&] { move(peripherals.dmx(), "DMX 10"); }, "DMX 10 – Stage: Take"},
+        {[&] { send(QByteArray("/Peripherals/Stage/Take\0", 24)); },
+         "/Peripherals/Stage/Take – Stage: Take"},
+        {[&] { send(QByteArray("/Peripherals/a/b\0\0\0\0", 20)); }, "/Peripherals/a/b is free"}};
+    for (const auto& [use, told] : rows) {
+        use();
+        EXPECT_TRUE(QTest::qWaitFor([&, &wanted = told] { return result() == wanted; }, 2000))
+            << result().toStdString();
+    }
+    press(Qt::Key_Escape);
+    EXPECT_FALSE(panel->tools().search().isFinding());
+    EXPECT_EQ(actions(), 0) << "nothing was triggered";
+    EXPECT_EQ(peripherals.midi().table().text(), bindings);
+    press(Qt::Key_F5, Qt::ControlModifier);
+    send(QByteArray("/Peripherals/Stage/Cut\0\0", 24));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return actions() == 2; })) << "now they do again";
+    EXPECT_EQ(peripherals.midi().table().use(control, true, true).first,
+              BindingTable::Outcome::triggered);
+}
+
+TEST_F(FindAction, TheMonitorShowsWhileAControlIsLearnedAndLeavesTheFocus)
+{
+    chooseItem(find<QComboBox>("shortcutKind"), PeripheralDmx);
+    panel->setEditing(true);
+    EXPECT_TRUE(panel->tools().monitor().isVisible());
+    EXPECT_EQ(panel->tools().monitor().findChild<QComboBox*>("inputKind")->currentText(), "DMX");
+    QApplication::processEvents();
+    EXPECT_NE(qobject_cast<ShortCutCover*>(QApplication::focusWidget()), nullptr);
+    EXPECT_EQ(peripherals.dmx().table().use("DMX 9", true, true).first,
+              BindingTable::Outcome::learned);
+}
+
+TEST_F(FindAction, ASheetHasEveryKindAndMarksConflicts)
+{
+    BindingSheet& sheet = panel->tools().sheet();
+    sheet.openWindow();
+    auto* view = sheet.findChild<QTableView*>("bindings");
+    const auto column = [view](int number) {
+        QStringList texts;
+        for (int row = 0; row < view->model()->rowCount(); ++row) {
+            texts.append(view->model()->index(row, number).data().toString());
+        }
+        return texts;
+    };
+    EXPECT_EQ(column(0).first(), "Global: Output on/off") << "in the order of the program";
+    view->sortByColumn(3, Qt::AscendingOrder);
+    EXPECT_EQ(column(3).mid(0, 3), QStringList({"DMX 2", "DMX 10", ""}));
+    auto* filter = sheet.findChild<QLineEdit*>("bindingFilter");
+    filter->setText("ctrl");
+    EXPECT_EQ(column(1), QStringList({"Ctrl + F5", "Ctrl + S"}));
+    const QTemporaryDir folder;
+    const auto save = [&](const QString& name) {
+        sheet.saveTo(folder.filePath(name));
+        auto* pdf = sheet.findChild<QPushButton*>("sheetAsPdf");
+        EXPECT_TRUE(QTest::qWaitFor([&] { return pdf->isEnabled(); }));
+        return readFile(folder.filePath(name));
+    };
+    filter->clear();
+    const QByteArray html = save("sheet.html");
+    for (const char* part :
+         {"<td>Stage: Take</td><td>Ctrl + F5</td><td></td><td>DMX "
+          "10</td><td>/Peripherals/Stage/Take</td>",
+          "<td>Global: Mute</td><td>F6<br><b>F6 is bound more than once</b></td><td>CC 7 ch 1 "
+          "(Desk)</td>",
+          "<td>Ctrl + S<br><b>Ctrl + S belongs to the program itself</b></td>"}) {
+        EXPECT_TRUE(html.contains(part)) << part;
+    }
+    EXPECT_EQ(html.count("<b>"), 3);
+    EXPECT_TRUE(save("sheet.pdf").startsWith("%PDF-"));
+    QSignalSpy failed(panel.get(), &ActionPanel::failed);
+    save("missing/sheet.pdf");
+    {
+        const FullDisk full;
+        save("full.html");
+    }
+    ASSERT_EQ(failed.size(), 2);
+    EXPECT_EQ(failed[1][0].toString(), "ShortcutsNotExported");
+    filter->setText("xyz");
+    EXPECT_FALSE(sheet.findChild<QPushButton*>("sheetAsHtml")->isEnabled());
+    EXPECT_FALSE(sheet.findChild<QLabel*>("sheetState")->text().isEmpty());
+}
+
+} // namespace actionsearchtest

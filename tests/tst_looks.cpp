@@ -1,0 +1,203 @@
+#include "system/looks.h"
+
+#include "mivohostkit/runtimethread.h"
+#include "peripherals/peripherals.h"
+#include "project/projectfile.h"
+#include "surface/actionpanel.h"
+#include "surface/actiontools.h"
+#include "surface/bindingsheet.h"
+#include "surface/importdialog.h"
+#include "surface/inputmonitor.h"
+#include "surface/mainwindow.h"
+#include "surface/settingsview.h"
+
+#include "support/hostlanguage.h"
+#include "support/test.h"
+
+#include <mivosettingswidgets/isettingbox.h>
+#include <mivosettingswidgets/settingsdialog.h>
+#include <mivowidgets/alertlabel.h>
+#include <mivowidgets/colordialog.h>
+
+#include <QtWidgets/QScrollArea>
+#include <QtWidgets/QStackedWidget>
+
+#include <cmath>
+#include <deque>
+#include <iostream>
+#include <map>
+
+namespace lookstest {
+
+using mivo::style::Look;
+using namespace mivohost;
+
+namespace {
+
+double luminance(QRgb color)
+{
+    const auto part = [](int value) {
+        const double share = value / 255.0;
+        return share <= 0.03928 ? share / 12.92 : std::pow((share + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * part(qRed(color)) + 0.7152 * part(qGreen(color)) + 0.0722 * part(qBlue(color));
+}
+
+double contrast(QRgb one, QRgb other)
+{
+    const auto [darker, lighter] = std::minmax(luminance(one), luminance(other));
+    return (lighter + 0.05) / (darker + 0.05);
+}
+
+class Contrast : public ::testing::TestWithParam<Look>
+{
+protected:
+    ~Contrast() override { qApp->setStyleSheet({}); }
+
+    /// Shows all that has texts, one after the other, and hands each to look().
+    void showAll(const QString& sheet)
+    {
+        qApp->setStyleSheet(sheet);
+        RuntimeThread runtime;
+        TestStore store;
+        ProjectFile project(runtime, store);
+        Peripherals peripherals(runtime, store);
+        MainWindow window(runtime, store, project, peripherals);
+        project.start();
+        window.switchLanguage("en");
+        window.show();
+        window.showNotice("KeysNotWritten", "/a");
+        look(window);
+        window.actions().setEditing(true);
+        look(window);
+        window.actions().setLocked(true);
+        look(window);
+
+        window.actions().setLocked(false);
+        auto& tools = window.actions().tools();
+        tools.sheet().openWindow();
+        look(tools.sheet());
+        tools.monitor().openWindow();
+        peripherals.tap().put(PeripheralOsc, "desk", {"/cue\0\0\0\0,i\0\0\0\0\0\1", 16});
+        tools.monitor().read();
+        look(tools.monitor());
+        window.transfer().offer(SettingsFile::read(
+            R"({"schema":"mivo-settings","version":1,"settings":{"undoStep":80,"later":1}})"));
+        look(*window.findChild<ImportDialog*>());
+        delete window.findChild<ImportDialog*>();
+
+        auto& dialog = window.settings().dialog();
+        dialog.show();
+        dialog.findChild<QPushButton*>("addMapping")->click();
+        for (auto* label : dialog.findChildren<mivo::widgets::AlertLabel*>()) {
+            label->setText("A failure");
+            label->show();
+        }
+        auto* sections = dialog.findChild<QStackedWidget*>();
+        for (QPushButton* button : dialog.findChildren<QPushButton*>()) {
+            if (button->property("style") == "settingBtn") {
+                button->click();
+                look(dialog);
+                look(*qobject_cast<QScrollArea*>(sections->currentWidget())->widget());
+            }
+        }
+        dialog.findChild<QLineEdit*>("settingsSearch")->setText("fade");
+        look(dialog);
+        mivo::widgets::TipDialog prompt;
+        prompt.setTipText("A prompt");
+        prompt.setAssistText("with more below");
+        prompt.setButtonTexts("Cancel", "Restart now");
+        prompt.setCancelButtonVisible(true);
+        prompt.show();
+        look(prompt);
+        mivo::widgets::ColorDialog colors;
+        colors.show();
+        look(colors);
+    }
+
+    /// At first the texts are seen, then what lies behind them.
+    void look(QWidget& window)
+    {
+        QTest::qWait(20);
+        const QImage picture = window.grab().toImage();
+        if (isBehind) {
+            compare(window, pictures.front(), picture);
+            pictures.pop_front();
+        } else {
+            pictures.push_back(picture);
+        }
+    }
+
+    void compare(QWidget& window, const QImage& texts, const QImage& grounds)
+    {
+        ASSERT_EQ(texts.size(), grounds.size());
+        // The edges of letters are blended with the ground: what differs most is their colour.
+        std::map<QWidget*, double> strongest;
+        for (int y = 0; y < texts.height(); ++y) {
+            for (int x = 0; x < texts.width(); ++x) {
+                if (texts.pixel(x, y) != grounds.pixel(x, y)) {
+                    double& most = strongest[window.childAt(x, y)];
+                    most = std::max(most, contrast(texts.pixel(x, y), grounds.pixel(x, y)));
+                }
+            }
+        }
+        for (const auto& [widget, found] : strongest) {
+            if (widget->inherits("QColorLuminancePicker")) {
+                continue; // an arrow beside colours
+            }
+            ++(widget->isEnabled() ? measured : measuredDisabled);
+            double& least = widget->isEnabled() ? faintest : faintestDisabled;
+            least = std::min(least, found);
+            EXPECT_TRUE(found >= 4.5 || !widget->isEnabled())
+                << found << ' ' << widget->property("text").toString() << ' '
+                << widget->objectName() << ' ' << widget->metaObject()->className();
+        }
+    }
+
+    const InEnglish english;
+    std::deque<QImage> pictures;
+    bool isBehind = false;
+    int measured = 0;
+    int measuredDisabled = 0;
+    double faintest = 21;
+    double faintestDisabled = 21;
+};
+
+} // namespace
+
+TEST_P(Contrast, LetsEveryTextBeRead)
+{
+    QString sheet = mivo::style::styleSheet(GetParam());
+    showAll(sheet);
+    isBehind = true;
+    showAll(sheet.replace(QRegularExpression("(?<![-a-z])(color|selection-color): #[0-9a-f]+"),
+                          "\\1: transparent"));
+    EXPECT_GT(measured, 250);
+    std::cout << measured << " texts, the faintest at " << faintest << "; " << measuredDisabled
+              << " disabled, the faintest at " << faintestDisabled << '\n';
+}
+
+INSTANTIATE_TEST_SUITE_P(Looks, Contrast, ::testing::Values(Look::dark, Look::light));
+
+TEST(Looks, FollowThePaletteAndTheDirectionUnlessOneIsChosen)
+{
+    const QPalette before = QGuiApplication::palette();
+    {
+        const Looks chosen("light");
+        QApplication::setPalette(QPalette(Qt::black));
+        EXPECT_EQ(qApp->styleSheet(), mivo::style::styleSheet(Look::light));
+        const Looks desktops("system");
+        EXPECT_EQ(qApp->styleSheet(), mivo::style::styleSheet());
+        QApplication::setPalette(QPalette(Qt::lightGray));
+        EXPECT_EQ(qApp->styleSheet(), mivo::style::styleSheet(Look::light));
+    }
+    const Looks dark("dark");
+    QGuiApplication::setLayoutDirection(Qt::RightToLeft);
+    EXPECT_TRUE(qApp->styleSheet().contains("border-right: 3px"));
+    EXPECT_TRUE(qApp->styleSheet().contains("padding: 0 13px 0 8px;"));
+    QGuiApplication::setLayoutDirection(Qt::LeftToRight);
+    QApplication::setPalette(before);
+    qApp->setStyleSheet({});
+}
+
+} // namespace lookstest
