@@ -75,7 +75,7 @@ protected:
     {
         QStringList texts;
         for (const auto& change : std::exchange(sent, {})) {
-            const auto value = QJsonDocument::fromJson(change.write.value).object()["value"];
+            const auto value = QJsonDocument::fromJson(change.write.value).object().value("value");
             texts.append(QStringLiteral("%1=%2@%3")
                              .arg(QString::fromUtf8(change.write.key), value.toVariant().toString())
                              .arg(change.write.revision));

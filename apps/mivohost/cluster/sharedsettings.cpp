@@ -86,8 +86,14 @@ void SharedSettings::takePage(const Page& page)
 void SharedSettings::takeChanges(const std::vector<etcd::KeyValue>& values)
 {
     Updates updates;
+    QSet<QString> names; // what follows for a setting depends on what it was before
     for (const etcd::KeyValue& there : values) {
         const QString name = nameOf(there.key);
+        if (names.contains(name)) {
+            takeOver(std::exchange(updates, {}));
+            names.clear();
+        }
+        names.insert(name);
         if (m_local->outbox().isWaiting(name)) {
             m_held[name] = there; // the answer to the own change may be older than this
         } else if (!name.isEmpty()) {
