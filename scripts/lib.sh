@@ -7,7 +7,8 @@ packages_build="g++ cmake ninja-build ccache qtbase5-dev qttools5-dev qttools5-d
     pkg-config librtmidi-dev libjack-jackd2-dev liblo-dev libvulkan-dev qtmultimedia5-dev libqt5multimedia5-plugins
     fonts-noto-core fonts-noto-cjk"
 packages_test="libgtest-dev python3 liblo-tools jackd2 mesa-vulkan-drivers
-    pulseaudio pulseaudio-utils xvfb xdotool x11-utils x11-xkb-utils at-spi2-core python3-pyatspi dbus-daemon"
+    pulseaudio pulseaudio-utils xvfb xdotool x11-utils x11-xkb-utils at-spi2-core python3-pyatspi dbus-daemon
+    etcd-server etcd-client openssl"
 packages_bench="libbenchmark-dev python3 git"
 packages_plots="gnuplot-nox python3"
 packages_clang="clang llvm libclang-rt-14-dev"
