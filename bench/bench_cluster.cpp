@@ -1,6 +1,7 @@
 // A setter on one machine until the control on another one shows it, through a real etcd, beside a
-// bare put and watch; and until 1, 10 and 100 machines have it. Then the start of a machine in a
-// show with 10,000 keys of actions. Without etcd installed nothing is measured.
+// bare put and watch; and until 1, 10 and 100 machines have it: one change after the other, each
+// when all are idle again. Then the start of a machine in a show with 10,000 keys of actions.
+// Without etcd installed nothing is measured.
 
 #include "cluster/showsetup.h"
 #include "cluster/synchroniser.h"
@@ -17,7 +18,9 @@
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QProcess>
 #include <QtCore/QTemporaryDir>
+#include <QtCore/QTimer>
 #include <QtNetwork/QTcpServer>
+#include <QtNetwork/QTcpSocket>
 
 #include <atomic>
 #include <functional>
@@ -30,15 +33,33 @@ using namespace mivohost;
 
 bool waitFor(const std::function<bool()>& isSo)
 {
+    QTimer tick; // not processEvents() with a time, which does not sleep
+    tick.start(100);
     QElapsedTimer elapsed;
     elapsed.start();
     while (!isSo()) {
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 100);
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
         if (elapsed.elapsed() > 60000) {
             return false;
         }
     }
     return true;
+}
+
+/// Bytes of this process that are in memory.
+double memory()
+{
+    QFile file(QStringLiteral("/proc/self/statm"));
+    file.open(QIODevice::ReadOnly);
+    return file.readAll().split(' ').value(1).toDouble() * 4096;
+}
+
+/// For so long, in seconds, events are handled.
+void idle(double seconds)
+{
+    QEventLoop loop;
+    QTimer::singleShot(static_cast<int>(seconds * 1000), &loop, &QEventLoop::quit);
+    loop.exec();
 }
 
 /// One etcd for all measurements.
@@ -73,6 +94,23 @@ public:
     {
         static Server server;
         return server;
+    }
+
+    /// How many requests it has got, a watch among them once.
+    double requests()
+    {
+        QTcpSocket socket;
+        socket.connectToHost(host.section(':', 0, 0), host.section(':', 1).toUShort());
+        socket.write("GET /metrics HTTP/1.0\r\n\r\n");
+        while (socket.waitForReadyRead(5000)) {
+        }
+        double count = 0;
+        for (const QByteArray& line : socket.readAll().split('\n')) {
+            if (line.startsWith("grpc_server_started_total")) {
+                count += line.mid(line.lastIndexOf(' ')).toDouble();
+            }
+        }
+        return count;
     }
 
     bool isThere = false;
@@ -129,6 +167,8 @@ private:
     SharedSettings* m_settings = nullptr;
 };
 
+constexpr double pause = 0.03; // s between two changes
+
 void floor(benchmark::State& state)
 {
     if (!Server::instance().isThere) {
@@ -146,7 +186,7 @@ void floor(benchmark::State& state)
         writer.ask(etcd::put("/bench/a", "0"), [&](const etcd::Answer& answer) {
             isAnswered = isAnswered || answer.status == etcd::Answer::Status::ok;
         });
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 100);
+        idle(0.1);
         return isAnswered;
     });
     for (int i = 0; i < count; ++i) {
@@ -159,13 +199,21 @@ void floor(benchmark::State& state)
         watchers.back()->watch("/bench/", 0);
     }
     waitFor([&] { return started == count; });
+    idle(pause);
     int value = 0;
     for (auto _ : state) {
         seen = 0;
-        writer.ask(etcd::put("/bench/a", QByteArray::number(++value)), [](const auto&) {});
-        if (!waitFor([&] { return seen == count; })) {
+        isAnswered = false;
+        QElapsedTimer elapsed;
+        elapsed.start();
+        writer.ask(etcd::put("/bench/a", QByteArray::number(++value)),
+                   [&](const auto&) { isAnswered = true; });
+        if (!waitFor([&] { return seen >= count; })) {
             state.SkipWithError("the watch is silent");
         }
+        state.SetIterationTime(static_cast<double>(elapsed.nsecsElapsed()) / 1e9);
+        waitFor([&] { return isAnswered; });
+        idle(pause);
     }
 }
 
@@ -177,6 +225,7 @@ void ours(benchmark::State& state)
     }
     const QString show = QStringLiteral("bench%1").arg(state.range(0));
     std::atomic<int> left{0}; // followers that have not got the value
+    const double before = memory();
     Node writer(0, show);
     bool isReady = writer.connect();
     std::vector<std::unique_ptr<Node>> followers;
@@ -193,18 +242,42 @@ void ours(benchmark::State& state)
     page.setSettings(followers.front()->store.get());
     const auto* edit = page.findChild<mivo::widgets::SpinEditBox*>();
     for (const auto& follower : followers) {
-        follower->runtime.call(
-            [&] { follower->store->undoStepChanged.connect([&left](int) { --left; }); });
+        follower->runtime.call([&] {
+            follower->store->undoStepChanged.connect([&left, &page](int) {
+                if (--left == 0) { // and the GUI thread is to look
+                    QMetaObject::invokeMethod(
+                        &page, [] {}, Qt::QueuedConnection);
+                }
+            });
+        });
     }
+    const double nodes = static_cast<double>(followers.size() + 1);
+    state.counters["memory_each"] = (memory() - before) / nodes;
+    double requests = Server::instance().requests();
+    idle(10);
+    state.counters["idle_requests_each_per_s"] =
+        (Server::instance().requests() - requests) / nodes / 10;
+    requests = Server::instance().requests();
     int value = 0;
     for (auto _ : state) {
         value = 1 + value % 499;
         left = static_cast<int>(followers.size());
-        writer.runtime.call([&] { writer.store->setUndoStep(value); });
+        QElapsedTimer elapsed;
+        elapsed.start();
+        // Not call(): the other machine's GUI thread does not wait for this setter's return.
+        writer.runtime.post([&] { writer.store->setUndoStep(value); }, __FILE__, __LINE__, "");
         if (!waitFor([&] { return left == 0 && static_cast<int>(edit->value()) == value; })) {
             state.SkipWithError("it did not arrive");
         }
+        state.SetIterationTime(static_cast<double>(elapsed.nsecsElapsed()) / 1e9);
+        idle(pause);
+        waitFor([&] { return writer.synchroniser->state().waiting == 0; });
+        for (const auto& follower : followers) {
+            follower->runtime.call([] {}); // it has kept the change
+        }
     }
+    state.counters["requests_per_change"] = benchmark::Counter(
+        Server::instance().requests() - requests, benchmark::Counter::kAvgIterations);
 }
 
 void startWithKeys(benchmark::State& state)
@@ -233,8 +306,14 @@ void startWithKeys(benchmark::State& state)
     }
 }
 
-BENCHMARK(floor)->Name("cluster/floor")->Arg(1)->Arg(10)->Arg(100)->UseRealTime()->MinTime(1);
-BENCHMARK(ours)->Name("cluster/ours")->Arg(1)->Arg(10)->Arg(100)->UseRealTime()->MinTime(1);
+BENCHMARK(floor)
+    ->Name("cluster/floor")
+    ->Arg(1)
+    ->Arg(10)
+    ->Arg(100)
+    ->UseManualTime()
+    ->Iterations(100);
+BENCHMARK(ours)->Name("cluster/ours")->Arg(1)->Arg(10)->Arg(100)->UseManualTime()->Iterations(100);
 BENCHMARK(startWithKeys)
     ->Name("cluster/start")
     ->Arg(10000)

@@ -431,7 +431,7 @@ TEST_F(Cluster, TheWindowTellsHowItStandsAndSetsAgainWhatWasLost)
     window.show();
     emit a.synchroniser().lost({"undoStep", 80, 70, "b"});
     emit a.synchroniser().lost({"shortcut:211:a%2Fb", "Ctrl + K", "Ctrl + L", "b"});
-    EXPECT_TRUE(shows("lostChange", "“undoStep” is now 70, set by b, which was faster than your "
+    EXPECT_TRUE(shows("lostChange", "“Undo steps” is now 70, set by b, which was faster than your "
                                     "change to 80 (2)"));
     bar.findChild<QPushButton*>("setAgain")->click();
     EXPECT_TRUE(a.shows(80));

@@ -13,6 +13,7 @@
 #include <QtCore/QTime>
 
 #include <map>
+#include <optional>
 
 namespace mivohost {
 
@@ -154,6 +155,16 @@ QString mappingNames(const QString& json)
     return names.join(QStringLiteral(", "));
 }
 
+std::optional<Key> keyOf(const QString& name)
+{
+    for (const auto& setting : settingTexts) {
+        if (SettingsFile::nameOf(setting.first) == name) {
+            return setting.first;
+        }
+    }
+    return std::nullopt;
+}
+
 } // namespace
 
 QString sectionText(Section section)
@@ -179,6 +190,24 @@ QString sectionText(Section section)
 QString settingText(Key key)
 {
     return shownText(settingTexts.at(key));
+}
+
+QString settingText(const QString& name)
+{
+    const auto key = keyOf(name);
+    return key ? settingText(*key) : name;
+}
+
+QString valueText(const QString& name, const QVariant& kept)
+{
+    const auto key = keyOf(name);
+    QVariant value = kept;
+    for (const auto& setting : SettingsStore().all()) {
+        if (setting.name == name) {
+            value.convert(setting.fallback.userType()); // a choice of two is kept as a number
+        }
+    }
+    return key ? valueText(*key, value) : value.toString();
 }
 
 QString valueText(Key key, const QVariant& value)

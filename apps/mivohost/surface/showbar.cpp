@@ -3,8 +3,10 @@
 #include "base/hosttext.h"
 #include "cluster/sharedshortcuts.h"
 #include "cluster/synchroniser.h"
+#include "surface/actiontext.h"
 #include "surface/machinelist.h"
 #include "surface/mainwindow.h"
+#include "surface/settingstexts.h"
 
 #include <mivowidgets/alertlabel.h>
 
@@ -15,15 +17,28 @@
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QVBoxLayout>
 
+#include <algorithm>
+#include <iterator>
+
 namespace mivohost {
 
 namespace {
 
-QString shown(const QVariant& value)
+constexpr int mostNames = 20; // in one notice
+
+QString shortened(const QString& text)
 {
     constexpr int longest = 60;
-    const QString text = value.toString().simplified();
-    return text.size() <= longest ? text : text.left(longest) + QStringLiteral("…");
+    const QString line = text.simplified();
+    return line.size() <= longest ? line : line.left(longest) + QStringLiteral("…");
+}
+
+/// What a person calls the setting, or the action whose key it is.
+QString nameText(const QString& name)
+{
+    const STShortCutItem action = SharedShortcuts::itemOf(name);
+    return SharedShortcuts::isName(name) ? actionText(actionPath(action.type, action.path))
+                                         : settingText(name);
 }
 
 QString timeText(const QDateTime& time)
@@ -79,10 +94,16 @@ ShowBar::ShowBar(Synchroniser& synchroniser, MainWindow& window)
             [this] { m_state->setText(stateText()); });
     connect(&synchroniser, &Synchroniser::lost, this, &ShowBar::add);
     connect(&synchroniser, &Synchroniser::replaced, this, [this](const QStringList& names) {
-        m_window.showNotice(QStringLiteral("ShowReplaced"), names.join(QStringLiteral(", ")));
+        QStringList texts;
+        const QStringList first = names.mid(0, mostNames);
+        std::transform(first.begin(), first.end(), std::back_inserter(texts), nameText);
+        if (first.size() < names.size()) {
+            texts.append(QStringLiteral("…"));
+        }
+        m_window.showNotice(QStringLiteral("ShowReplaced"), texts.join(QStringLiteral(", ")));
     });
     connect(&synchroniser, &Synchroniser::tooLong, this, [this](const QString& name) {
-        m_window.showNotice(QStringLiteral("SettingTooLong"), name);
+        m_window.showNotice(QStringLiteral("SettingTooLong"), nameText(name));
     });
     connect(&synchroniser, &Synchroniser::failed, this, [this](const QString& reason) {
         m_window.showNotice(QStringLiteral("SettingNotSaved"), reason);
@@ -128,12 +149,12 @@ void ShowBar::takeLost()
 
 QString ShowBar::lostText(const LostChange& change)
 {
-    const STShortCutItem action = SharedShortcuts::itemOf(change.name);
-    const QString name = !SharedShortcuts::isName(change.name) ? change.name
-                         : action.path.empty()                 ? QString::number(action.type)
-                                               : QString::fromStdString(action.path);
+    const auto value = [&change](const QVariant& kept) {
+        return shortened(valueText(change.name, kept));
+    };
     return hostText("ChangeLost")
-        .arg(name, shown(change.mine), shown(change.theirs), shown(change.machine));
+        .arg(shortened(nameText(change.name)), value(change.mine), value(change.theirs),
+             shortened(change.machine));
 }
 
 QString ShowBar::stateText() const
