@@ -84,10 +84,12 @@ SettingsStore::SettingsStore(std::unique_ptr<SettingsPersistence> persistence,
             const auto accepted = setting.accept(changed);
             if (!accepted) {
                 m_unusable.insert(setting.key); // so that what is set next replaces it
-            } else if (value(setting.key) != *accepted) {
+                continue;
+            }
+            m_unusable.erase(setting.key);
+            if (value(setting.key) != *accepted) {
                 m_values[setting.key] = *accepted;
                 m_kept.insert(setting.key);
-                m_unusable.erase(setting.key);
                 if (setting.announce != nullptr) {
                     setting.announce(*this, *accepted);
                 }
