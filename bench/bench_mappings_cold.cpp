@@ -131,7 +131,7 @@ int main(int argc, char** argv)
         return 0;
     }
     const QApplication application(argc, argv);
-    qApp->setStyleSheet(mivo::style::styleSheet());
+    mivo::style::apply(mivo::style::Look::dark);
     useHostLanguage("en");
     const QString size = variant.section('/', 1);
     const int mappings = size.section('x', 0, 0).toInt();
