@@ -189,6 +189,8 @@ class Growth:
             )
         script = PLOT_STYLE.format(file=file) + "".join(panels) + "unset multiplot\n"
         subprocess.run(["gnuplot"], input=script, text=True, check=True)
+        lines = [line.rstrip() for line in file.read_text(encoding="utf-8").splitlines()]
+        file.write_text("\n".join(lines).rstrip() + "\n", encoding="utf-8")
 
 
 def filled(document, report):
