@@ -279,16 +279,15 @@ void SharedSettings::settle(const SentChange& sent, const etcd::KeyValue* there,
 {
     const qint64 revision = there == nullptr ? 0 : there->revision;
     const auto theirs = there == nullptr ? std::nullopt : decode(there->value);
-    if (!theirs || revision == sent.write.revision) {
-        updates.push_back({sent.name, revision, {}});
-    } else if (there->value == sent.write.value || isHere(sent.name, theirs->value)) {
+    const bool isOther = theirs && revision != sent.write.revision;
+    if (isOther && (there->value == sent.write.value || isHere(sent.name, theirs->value))) {
         // Its own, whose answer was lost, or somebody has set the same.
         const bool isNewest = m_local->outbox().numberOf(sent.name) == sent.number
                               || isHere(sent.name, theirs->value);
         updates.push_back(
             {sent.name, revision, std::nullopt, isNewest ? Waiting::remove : Waiting::keep});
-    } else if (theirs->machine == m_identity.machine) {
-        updates.push_back({sent.name, revision, {}}); // an earlier one of its own
+    } else if (!isOther || theirs->machine == m_identity.machine) {
+        updates.push_back({sent.name, revision, {}}); // sent again, after an earlier one of its own
     } else {
         const QVariant mine = m_local->value(sent.name);
         hostLog()->warn("setting {} = {} is lost: machine {} was faster and set {}",
