@@ -89,8 +89,9 @@ struct Process
 
     void start(const QStringList& hosts, int most)
     {
-        // Numbers that no other start of any machine has used.
-        const int first = (name.toInt() << 22) + 1000 * starts++;
+        // Numbers that no other start of any machine has used; 0 is the colour that a store begins
+        // with, and no change.
+        const int first = (name.toInt() << 22) + 1000 * starts++ + 1;
         rest.clear();
         process.setProcessChannelMode(QProcess::MergedChannels);
         process.start(QCoreApplication::applicationFilePath(),
