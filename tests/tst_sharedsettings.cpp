@@ -1,10 +1,12 @@
 #include "cluster/sharedsettings.h"
 
 #include "cluster/showaddress.h"
+#include "cluster/showsetup.h"
 
 #include "support/fulldisk.h"
 #include "support/test.h"
 
+#include <QtCore/QCommandLineParser>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QTemporaryDir>
 
@@ -307,6 +309,43 @@ TEST(ShowAddress, IsTakenApartAndRefusedWhereItIsWrong)
           "etcd://user:pw@a/x", "etcd://a/x/y", "etcd://a/..", "http://a/x", "etcd://a/x\n"}) {
         EXPECT_FALSE(ShowAddress::parse(wrong)) << wrong;
     }
+}
+
+// Whoever names authorities and a login gets these, or no connection.
+TEST(ShowSetup, IsRefusedWhereAFileOfItCannotBeUsed)
+{
+    const QTemporaryDir folder;
+    const auto keep = [&folder](const QString& name, const QByteArray& content) {
+        QFile file(folder.filePath(name));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(content);
+    };
+    keep("login", "ann \r\nse cret\r\n");
+    keep("empty", {});
+    const auto read = [&folder](const QStringList& options, QString& error) {
+        QCommandLineParser arguments;
+        arguments.addOption({"store", {}, "show"});
+        ShowSetup::addOptions(arguments);
+        EXPECT_TRUE(arguments.parse(QStringList{"mivohost"} + options));
+        return ShowSetup::read(arguments, folder.path(), error);
+    };
+    const QString login = "--store-login=" + folder.filePath("login");
+    for (const char* authorities : {"absent", "empty", "login", "."}) {
+        QString error;
+        EXPECT_FALSE(
+            read({"--store=etcds://a/show", "--store-ca=" + folder.filePath(authorities), login},
+                 error));
+        EXPECT_TRUE(error.startsWith(folder.filePath(authorities) + ": ")) << error.toStdString();
+    }
+    QString error;
+    EXPECT_FALSE(read({login}, error)); // no show
+    EXPECT_FALSE(error.isEmpty());
+    error.clear();
+    const auto setup = read({"--store=etcd://a/show", login, "--machine-name=left"}, error);
+    ASSERT_TRUE(setup) << error.toStdString();
+    EXPECT_EQ(setup->servers.user + '/' + setup->servers.password, "ann/se cret");
+    EXPECT_EQ(setup->name, "left");
+    EXPECT_EQ(read({"--store=etcd://a/show"}, error)->machine, setup->machine);
 }
 
 TEST(EtcdMessages, AreTakenOnlyAsEtcdSendsThem)

@@ -1,5 +1,6 @@
 #include "cluster/showsetup.h"
 
+#include "base/filerequests.h"
 #include "cluster/showaddress.h"
 #include "cluster/synchroniser.h"
 #include "mivohostkit/settingsstore.h"
@@ -11,6 +12,7 @@
 #include <QtCore/QFile>
 #include <QtCore/QSysInfo>
 #include <QtCore/QUuid>
+#include <QtNetwork/QSslCertificate>
 
 #include <utility>
 
@@ -18,38 +20,23 @@ namespace mivohost {
 
 namespace {
 
-constexpr qint64 longestFile = 1 << 20;
+constexpr std::size_t longestFile = 1 << 20;
 constexpr const char* userVariable = "MIVO_STORE_USER";
 constexpr const char* passwordVariable = "MIVO_STORE_PASSWORD";
 
-struct Read
+/// A file that the operator named, and that may lie on a drive which is gone; `error` gets why it
+/// could not be read.
+QByteArray readNamed(const QString& path, QString& error)
 {
-    QByteArray content;
-    QString error;
-};
-
-/// A file that the operator named, and that may lie on a drive which is gone.
-Read readFile(const QString& path)
-{
-    Read result;
-    result.error = QStringLiteral("no answer in time");
+    FileContent result{{}, QStringLiteral("no answer in time")};
     mivo::qutils::FileTask task;
-    const auto work = [path] {
-        QFile file(path);
-        Read read;
-        if (!file.open(QIODevice::ReadOnly)) {
-            read.error = file.errorString();
-        } else {
-            read.content = file.read(longestFile);
-        }
-        return read;
-    };
-    task.start(work, [&result](Read&& read) { result = std::move(read); });
+    task.start([path] { return readFile(path, longestFile); },
+               [&result](FileContent&& read) { result = std::move(read); });
     task.waitFor(std::chrono::seconds(10));
     if (!result.error.isEmpty()) {
-        result.error = path + QStringLiteral(": ") + result.error;
+        error = path + QStringLiteral(": ") + result.error;
     }
-    return result;
+    return QByteArray::fromStdString(result.bytes);
 }
 
 /// The machine's id, made when it is first asked for.
@@ -123,19 +110,21 @@ std::optional<ShowSetup> ShowSetup::read(const QCommandLineParser& arguments, co
     setup.servers.hosts = address->hosts;
     setup.servers.isEncrypted = address->isEncrypted;
     if (arguments.isSet(QStringLiteral("store-ca"))) {
-        const Read read = readFile(arguments.value(QStringLiteral("store-ca")));
-        setup.servers.authorities = read.content;
-        error = read.error;
+        const QString path = arguments.value(QStringLiteral("store-ca"));
+        setup.servers.authorities = readNamed(path, error);
+        if (error.isEmpty() && QSslCertificate::fromData(setup.servers.authorities).isEmpty()) {
+            error = path + QStringLiteral(": no certificate (PEM) is in it");
+        }
     }
     setup.servers.user = qEnvironmentVariable(userVariable);
     setup.servers.password = qEnvironmentVariable(passwordVariable);
     qunsetenv(passwordVariable); // programs that are started do not get it
     if (arguments.isSet(QStringLiteral("store-login"))) {
-        const Read read = readFile(arguments.value(QStringLiteral("store-login")));
-        const QStringList lines = QString::fromUtf8(read.content).split('\n');
+        const QStringList lines =
+            QString::fromUtf8(readNamed(arguments.value(QStringLiteral("store-login")), error))
+                .split('\n');
         setup.servers.user = lines.value(0).trimmed();
         setup.servers.password = lines.value(1).trimmed();
-        error = read.error;
     }
     setup.adopted = arguments.value(QStringLiteral("adopt"));
     setup.forgotten = arguments.value(QStringLiteral("forget"));
