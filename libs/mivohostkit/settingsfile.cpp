@@ -335,14 +335,10 @@ SettingsFile::Plan SettingsFile::plan(const SettingsStore& store) const
         held[entry.name] = entry.value;
     }
     const QStringList unusable = store.unusable();
-    const auto& table = settingsTable();
     Plan plan;
     for (const auto& [name, raw] : m_values) {
-        const auto setting =
-            std::find_if(table.begin(), table.end(), [&wanted = name](const Setting& each) {
-                return wanted == QLatin1String(each.name);
-            });
-        if (setting == table.end()) {
+        const Setting* setting = settingNamed(name);
+        if (setting == nullptr) {
             plan.refused.push_back({name, Problem::unknown});
             continue;
         }

@@ -77,24 +77,23 @@ SettingsStore::SettingsStore(std::unique_ptr<SettingsPersistence> persistence,
     }
     m_soundCards.adopt(value(Key::soundCardMappings).toString());
     m_persistence->watch([this](const QString& name, const QVariant& changed) {
-        for (const Setting& setting : settingsTable()) {
-            if (name != setting.name) {
-                continue;
+        const Setting* setting = settingNamed(name);
+        if (setting == nullptr) {
+            return;
+        }
+        const auto accepted = setting->accept(changed);
+        if (!accepted) {
+            m_unusable.insert(setting->key); // so that what is set next replaces it
+            return;
+        }
+        m_unusable.erase(setting->key);
+        if (value(setting->key) != *accepted) {
+            m_values[setting->key] = *accepted;
+            m_kept.insert(setting->key);
+            if (setting->announce != nullptr) {
+                setting->announce(*this, *accepted);
             }
-            const auto accepted = setting.accept(changed);
-            if (!accepted) {
-                m_unusable.insert(setting.key); // so that what is set next replaces it
-                continue;
-            }
-            m_unusable.erase(setting.key);
-            if (value(setting.key) != *accepted) {
-                m_values[setting.key] = *accepted;
-                m_kept.insert(setting.key);
-                if (setting.announce != nullptr) {
-                    setting.announce(*this, *accepted);
-                }
-                anySettingChanged();
-            }
+            anySettingChanged();
         }
     });
 }
@@ -268,10 +267,8 @@ QVariant SettingsStore::fallbackOf(const Setting& setting) const
 
 void SettingsStore::set(const QString& name, const QVariant& value)
 {
-    for (const Setting& setting : settingsTable()) {
-        if (name == QLatin1String(setting.name)) {
-            set(setting.key, value);
-        }
+    if (const Setting* setting = settingNamed(name)) {
+        set(setting->key, value);
     }
 }
 

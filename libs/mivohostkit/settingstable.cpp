@@ -240,6 +240,15 @@ const Setting& settingOf(Key key)
                          [key](const Setting& setting) { return setting.key == key; });
 }
 
+const Setting* settingNamed(const QString& name)
+{
+    const auto& table = settingsTable();
+    const auto found = std::find_if(table.begin(), table.end(), [&name](const Setting& setting) {
+        return name == QLatin1String(setting.name);
+    });
+    return found == table.end() ? nullptr : &*found;
+}
+
 std::optional<QVariant> Setting::accept(const QVariant& raw) const
 {
     if (fallback.userType() == QMetaType::QString) {

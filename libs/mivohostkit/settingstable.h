@@ -39,6 +39,9 @@ const std::vector<Setting>& settingsTable();
 
 const Setting& settingOf(SettingsStore::Key key);
 
+/// The setting that is kept under `name`, or null.
+const Setting* settingNamed(const QString& name);
+
 /// The value of a setting in the type in which the host knows it.
 template <typename T>
 T valueAs(const QVariant& value)
