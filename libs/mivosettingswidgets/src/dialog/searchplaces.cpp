@@ -35,9 +35,15 @@ constexpr int longestText = 2000;
 class Collector
 {
 public:
-    Collector(int section, std::vector<SearchPlace>& places) : m_section(section), m_places(places)
-    {}
+    void collect(QWidget* root, int section)
+    {
+        m_section = section;
+        visit(root);
+    }
 
+    std::vector<SearchPlace> places;
+
+private:
     void visit(QWidget* widget)
     {
         if (m_visited.contains(widget) || widget->isWindow() || isHiddenByItsPage(widget)) {
@@ -59,7 +65,6 @@ public:
         }
     }
 
-private:
     /// What there is to know of a class of widgets.
     struct Kind
     {
@@ -174,7 +179,7 @@ private:
     void addPlace(QWidget* widget, const QModelIndex& item = {})
     {
         if (!m_texts.isEmpty()) {
-            m_places.push_back({widget, item, m_section, m_texts, {}});
+            places.push_back({widget, item, m_section, m_texts, {}});
             m_texts.clear();
         }
     }
@@ -202,8 +207,7 @@ private:
         return *kind;
     }
 
-    int m_section;
-    std::vector<SearchPlace>& m_places;
+    int m_section = 0;
     QStringList m_texts; // of the place that is read
     QSet<QWidget*> m_visited;
     QHash<const QMetaObject*, std::shared_ptr<Kind>> m_kinds;
@@ -300,9 +304,13 @@ QString searchable(const QString& text)
     return kept.simplified();
 }
 
-void addPlaces(QWidget* root, int section, std::vector<SearchPlace>& places)
+std::vector<SearchPlace> findPlaces(const std::vector<std::pair<QWidget*, int>>& roots)
 {
-    Collector(section, places).visit(root);
+    Collector collector;
+    for (const auto& [root, section] : roots) {
+        collector.collect(root, section);
+    }
+    return std::move(collector.places);
 }
 
 void makeSearchable(std::vector<SearchPlace>& places)

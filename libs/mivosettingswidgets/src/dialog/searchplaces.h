@@ -6,6 +6,7 @@
 #include <QtCore/QStringList>
 #include <QtWidgets/QWidget>
 
+#include <utility>
 #include <vector>
 
 namespace mivo::settings {
@@ -39,10 +40,10 @@ struct SearchPlace
 /// its blanks.
 QString searchable(const QString& text);
 
-/// Adds the texts of `root` and of what is in it, in the order in which it is laid out. What a page
-/// has hidden is left out, and so is what a person typed. Of lists and texts that are too long for
-/// a person, the first part counts.
-void addPlaces(QWidget* root, int section, std::vector<SearchPlace>& places);
+/// The texts of each root, with its section, and of what is in it, in the order in which it is laid
+/// out. What a page has hidden is left out, and so is what a person typed. Of lists and texts that
+/// are too long for a person, the first part counts.
+std::vector<SearchPlace> findPlaces(const std::vector<std::pair<QWidget*, int>>& roots);
 
 /// Fills in what is searched, which takes longer than all else.
 void makeSearchable(std::vector<SearchPlace>& places);

@@ -163,14 +163,14 @@ void SettingsSearch::followTexts()
 /// Whether they are others than before.
 bool SettingsSearch::readTexts()
 {
-    std::vector<SearchPlace> places;
-    places.reserve(m_places.size());
+    std::vector<std::pair<QWidget*, int>> roots;
     for (int section = 0; section < m_sections->count(); ++section) {
         if (QWidget* button = m_buttons->button(section)) {
-            addPlaces(button, section, places);
+            roots.emplace_back(button, section);
         }
-        addPlaces(rootOf(m_sections->widget(section)), section, places);
+        roots.emplace_back(rootOf(m_sections->widget(section)), section);
     }
+    std::vector<SearchPlace> places = findPlaces(roots);
     if (places == m_places) {
         return false;
     }
