@@ -31,12 +31,6 @@ ActionSearch::ActionSearch(const mivo::settings::ShortCutMgr& manager, Periphera
     : m_manager(manager), m_peripherals(peripherals), m_text(new QLineEdit),
       m_find(new QPushButton), m_result(new QLabel)
 {
-    for (const QString& file : mivo::style::languageFiles()) {
-        auto translator = std::make_unique<velorn::trans::Translator>();
-        translator->load(file);
-        translator->switchLanguage(QFileInfo(file).completeBaseName().section('_', 1));
-        m_languages.push_back(std::move(translator));
-    }
     m_text->setObjectName(QStringLiteral("findAction"));
     m_text->setClearButtonEnabled(true);
     m_text->setMaxLength(100);
@@ -73,9 +67,27 @@ void ActionSearch::setTexts()
     showIdle();
 }
 
+/// Not before somebody searches: the program does not start faster with them.
+void ActionSearch::loadLanguages() const
+{
+    if (!m_languages.empty()) {
+        return;
+    }
+    for (const QString& file : mivo::style::languageFiles()) {
+        auto translator = std::make_unique<velorn::trans::Translator>();
+        translator->load(file);
+        translator->switchLanguage(QFileInfo(file).completeBaseName().section('_', 1));
+        m_languages.push_back(std::move(translator));
+    }
+}
+
 bool ActionSearch::matches(const std::string& textKey) const
 {
     const QString wanted = searchText(m_text->text().trimmed());
+    if (wanted.isEmpty()) {
+        return true;
+    }
+    loadLanguages();
     return std::any_of(m_languages.begin(), m_languages.end(), [&](const auto& language) {
         return searchText(language->translate(QStringLiteral("MivoHost"),
                                               QStringLiteral("MainWindow"),

@@ -54,6 +54,7 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
+    void loadLanguages() const;
     /// What is shown while nothing has been used.
     void showIdle();
     void findKeys(const QString& keys);
@@ -62,7 +63,7 @@ private:
 
     const mivo::settings::ShortCutMgr& m_manager;
     Peripherals& m_peripherals;
-    std::vector<std::unique_ptr<velorn::trans::Translator>> m_languages; // one for each
+    mutable std::vector<std::unique_ptr<velorn::trans::Translator>> m_languages; // one for each
     QLineEdit* m_text;
     QPushButton* m_find;
     QLabel* m_result;
