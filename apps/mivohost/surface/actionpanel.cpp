@@ -4,6 +4,7 @@
 #include "base/hosttext.h"
 #include "peripherals/peripherals.h"
 #include "surface/actionbutton.h"
+#include "surface/actiontext.h"
 #include "surface/actiontools.h"
 #include "surface/askforfile.h"
 #include "surface/inputhint.h"
@@ -60,8 +61,7 @@ ActionPanel::ActionPanel(Peripherals& peripherals)
     m_edit->setCheckable(true);
     m_edit->setShortcut(QStringLiteral("Ctrl+E"));
     m_kind->setObjectName(QStringLiteral("shortcutKind"));
-    m_kind->addItems({QString(), QStringLiteral("MIDI"), QStringLiteral("DMX"),
-                      QStringLiteral("OSC")}); // by EnumPeripheralShortCutType
+    m_kind->addItems(kindNames());
     m_clear->setObjectName(QStringLiteral("clearShortcuts"));
     m_export->setObjectName(QStringLiteral("exportShortcuts"));
     m_import->setObjectName(QStringLiteral("importShortcuts"));

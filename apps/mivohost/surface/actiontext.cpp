@@ -30,4 +30,11 @@ QString actionText(const std::string& path)
     return hostText("ActionOfGroup").arg(hostText(key.section('/', 0, 0) + '/'), hostText(key));
 }
 
+const QStringList& kindNames()
+{
+    static const QStringList names{QString(), QStringLiteral("MIDI"), QStringLiteral("DMX"),
+                                   QStringLiteral("OSC")};
+    return names;
+}
+
 } // namespace mivohost

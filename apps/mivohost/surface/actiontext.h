@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QtCore/QString>
+#include <QtCore/QStringList>
 
 #include <string>
 
@@ -12,5 +13,9 @@ std::string actionPath(int type, const std::string& path);
 /// The group and name of an action of the table in the language in force, as names recur; of any
 /// other one its path, as it is. GUI thread.
 QString actionText(const std::string& path);
+
+/// What kinds of controllers are called, in every language, by EnumPeripheralShortCutType; empty
+/// for the keyboard.
+const QStringList& kindNames();
 
 } // namespace mivohost

@@ -2,6 +2,7 @@
 
 #include "base/hosttext.h"
 #include "surface/askforfile.h"
+#include "surface/plaintable.h"
 #include "surface/waitingline.h"
 
 #include <mivosettingswidgets/shortcutmgr.h>
@@ -37,14 +38,9 @@ BindingSheet::BindingSheet(const ShortCutMgr& manager, Peripherals& peripherals,
     m_view->setModel(&m_filter);
     m_view->setSortingEnabled(true);
     m_view->sortByColumn(-1, Qt::AscendingOrder); // as the actions stand in the program
-    m_view->setSelectionBehavior(QAbstractItemView::SelectRows);
-    m_view->setTabKeyNavigation(false);
-    m_view->setShowGrid(false);
-    m_view->verticalHeader()->hide();
+    makePlain(*m_view);
     m_view->verticalHeader()->setDefaultSectionSize(25);
     m_view->horizontalHeader()->setMinimumSectionSize(110);
-    m_view->horizontalHeader()->setHighlightSections(false);
-    m_view->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     m_view->horizontalHeader()->setStretchLastSection(true);
     m_text->setObjectName(QStringLiteral("bindingFilter"));
     m_text->setClearButtonEnabled(true);

@@ -34,9 +34,10 @@ void BindingsModel::fill(const mivo::settings::ShortCutMgr& manager, Peripherals
 {
     beginResetModel();
     m_rows.clear();
+    m_rowOf.clear();
     m_uses.clear();
     for (const auto& action : mivo::settings::peripheralActions) {
-        m_rows.push_back({std::string(action.path), {}});
+        rowOf(std::string(action.path));
     }
     for (const STShortCutItem& item : manager.linkShortCutInfo().shortCutInfoList) {
         add(columnOf(PeripheralKeyboard), item.type, item.path, item.shortCutStr);
@@ -52,15 +53,18 @@ void BindingsModel::fill(const mivo::settings::ShortCutMgr& manager, Peripherals
     endResetModel();
 }
 
+BindingsModel::Row& BindingsModel::rowOf(const std::string& path)
+{
+    const auto [place, isNew] = m_rowOf.try_emplace(path, m_rows.size());
+    if (isNew) {
+        m_rows.push_back({path, {}});
+    }
+    return m_rows[place->second];
+}
+
 void BindingsModel::add(int column, int type, const std::string& path, const std::string& control)
 {
-    const std::string action = actionPath(type, path);
-    auto row = std::find_if(m_rows.begin(), m_rows.end(),
-                            [&action](const Row& each) { return each.path == action; });
-    if (row == m_rows.end()) {
-        row = m_rows.insert(row, {action, {}});
-    }
-    row->controls[static_cast<std::size_t>(column)].push_back(control);
+    rowOf(actionPath(type, path)).controls[static_cast<std::size_t>(column)].push_back(control);
     ++m_uses[{column, control}];
 }
 
@@ -118,11 +122,9 @@ QVariant BindingsModel::headerData(int section, Qt::Orientation orientation, int
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole) {
         return {};
     }
-    constexpr std::array kinds{"MIDI", "DMX", "OSC"};
-    return section == actionColumn ? hostText("MonitorAction")
-           : section == columnOf(PeripheralKeyboard)
-               ? hostText("Keys")
-               : QString::fromLatin1(kinds[static_cast<std::size_t>(section - 2)]);
+    return section == actionColumn                   ? hostText("MonitorAction")
+           : section == columnOf(PeripheralKeyboard) ? hostText("Keys")
+                                                     : kindNames()[section - 1];
 }
 
 // In the C locale nothing is compared as people do it.

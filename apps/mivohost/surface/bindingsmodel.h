@@ -8,6 +8,7 @@
 #include <map>
 #include <set>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -42,16 +43,18 @@ public:
 
 private:
     using Control = std::pair<int, std::string>; // its column and text
-
-    void add(int column, int type, const std::string& path, const std::string& control);
-    QString conflictOf(const Control& control) const;
-
     struct Row
     {
         std::string path;
         std::array<std::vector<std::string>, columns> controls; // by column; none of the first
     };
+
+    Row& rowOf(const std::string& path);
+    void add(int column, int type, const std::string& path, const std::string& control);
+    QString conflictOf(const Control& control) const;
+
     std::vector<Row> m_rows;
+    std::unordered_map<std::string, std::size_t> m_rowOf; // by path
     std::map<Control, int> m_uses;
 };
 

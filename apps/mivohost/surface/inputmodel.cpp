@@ -14,12 +14,6 @@ namespace mivohost {
 
 namespace {
 
-QString kindName(EnumPeripheralShortCutType kind)
-{
-    constexpr std::array names{"", "MIDI", "DMX", "OSC"};
-    return QString::fromLatin1(names[kind]);
-}
-
 QString boundText(const ReceivedInput& input)
 {
     if (input.action.empty()) {
@@ -36,7 +30,7 @@ QString textOf(const ReceivedInput& input, int column)
         return QDateTime::fromMSecsSinceEpoch(input.message.time)
             .toString(QStringLiteral("hh:mm:ss.zzz"));
     case InputModel::kindColumn:
-        return kindName(input.message.kind);
+        return kindNames()[input.message.kind];
     case InputModel::sourceColumn:
         return input.message.source;
     case InputModel::wordsColumn:

@@ -3,8 +3,10 @@
 #include "base/hostlog.h"
 #include "base/hosttext.h"
 #include "peripherals/peripherals.h"
+#include "surface/actiontext.h"
 #include "surface/inputdelegate.h"
 #include "surface/inputhint.h"
+#include "surface/plaintable.h"
 
 #include <mivowidgets/combobox.h>
 
@@ -45,17 +47,12 @@ InputMonitor::InputMonitor(Peripherals& peripherals, QWidget* parent)
     m_view->setObjectName(QStringLiteral("inputs"));
     m_view->setModel(&m_model);
     m_view->setItemDelegate(new InputDelegate(m_view));
-    m_view->setSelectionBehavior(QAbstractItemView::SelectRows);
-    m_view->setTabKeyNavigation(false);
-    m_view->setShowGrid(false);
+    makePlain(*m_view);
     m_view->setWordWrap(false);
     m_view->setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
-    m_view->verticalHeader()->hide();
     m_view->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     m_view->verticalHeader()->setDefaultSectionSize(25);
     QHeaderView* header = m_view->horizontalHeader();
-    header->setHighlightSections(false);
-    header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     header->setSectionResizeMode(InputModel::wordsColumn, QHeaderView::Stretch);
     m_view->setColumnWidth(InputModel::timeColumn, 96);
     m_view->setColumnWidth(InputModel::kindColumn, 56);
@@ -63,8 +60,7 @@ InputMonitor::InputMonitor(Peripherals& peripherals, QWidget* parent)
     m_view->setColumnWidth(InputModel::levelColumn, 104);
     m_view->setColumnWidth(InputModel::actionColumn, 190);
     m_kind->setObjectName(QStringLiteral("inputKind"));
-    m_kind->addItems({QString(), QStringLiteral("MIDI"), QStringLiteral("DMX"),
-                      QStringLiteral("OSC")}); // by EnumPeripheralShortCutType, 0 for all
+    m_kind->addItems(kindNames()); // and that of the keyboard for all
     m_text->setObjectName(QStringLiteral("inputFilter"));
     m_text->setClearButtonEnabled(true);
     m_text->setMaxLength(200);

@@ -2,6 +2,7 @@
 
 #include "base/hosttext.h"
 #include "cluster/synchroniser.h"
+#include "surface/plaintable.h"
 
 #include <QtWidgets/QHeaderView>
 #include <QtWidgets/QTableWidget>
@@ -14,12 +15,7 @@ MachineList::MachineList(const Synchroniser& synchroniser, QWidget* parent)
 {
     m_table->setObjectName(QStringLiteral("machines"));
     m_table->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    m_table->setSelectionBehavior(QAbstractItemView::SelectRows);
-    m_table->setTabKeyNavigation(false);
-    m_table->setShowGrid(false);
-    m_table->verticalHeader()->hide();
-    m_table->horizontalHeader()->setHighlightSections(false);
-    m_table->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    makePlain(*m_table);
     m_table->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     m_table->horizontalHeader()->setStretchLastSection(true);
     auto* column = new QVBoxLayout(this);

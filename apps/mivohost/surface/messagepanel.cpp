@@ -2,6 +2,7 @@
 
 #include "base/hosttext.h"
 #include "surface/messagecentre.h"
+#include "surface/plaintable.h"
 
 #include <QtCore/QDateTime>
 #include <QtWidgets/QHeaderView>
@@ -38,18 +39,13 @@ MessagePanel::MessagePanel(const MessageCentre& centre, QWidget* parent)
     : QWidget(parent), m_centre(centre), m_label(new QLabel), m_list(new QTableWidget(0, 3))
 {
     m_list->setObjectName(QStringLiteral("messages"));
-    m_list->setSelectionBehavior(QAbstractItemView::SelectRows);
+    makePlain(*m_list);
     m_list->setSelectionMode(QAbstractItemView::SingleSelection);
     m_list->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    m_list->setTabKeyNavigation(false);
-    m_list->setShowGrid(false);
     m_list->setWordWrap(true);
-    m_list->verticalHeader()->hide();
     m_list->verticalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     m_list->verticalHeader()->setMinimumSectionSize(0);
     QHeaderView* header = m_list->horizontalHeader();
-    header->setHighlightSections(false);
-    header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     header->setSectionResizeMode(QHeaderView::ResizeToContents);
     header->setSectionResizeMode(textColumn, QHeaderView::Stretch);
     m_label->setBuddy(m_list);
