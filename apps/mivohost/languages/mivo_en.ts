@@ -956,6 +956,11 @@ Without an answer the copy is used in %4 seconds.</translation>
         <translation>These settings cannot be used as they are kept, and have their defaults until they are set: %1</translation>
     </message>
     <message>
+        <source>SavingBeforeEnd</source>
+        <comment>MainWindow</comment>
+        <translation>Settings and the project are being saved.</translation>
+    </message>
+    <message>
         <source>StoreInUse</source>
         <comment>MainWindow</comment>
         <translation>The settings file “%1” is in use by another mivohost. Close that one first.</translation>

@@ -956,6 +956,11 @@
         <translation>以下设置的保存值无法使用，在重新设置之前采用默认值：%1</translation>
     </message>
     <message>
+        <source>SavingBeforeEnd</source>
+        <comment>MainWindow</comment>
+        <translation>正在保存设置和项目。</translation>
+    </message>
+    <message>
         <source>StoreInUse</source>
         <comment>MainWindow</comment>
         <translation>设置文件“%1”正被另一个 mivohost 使用。请先将其关闭。</translation>
