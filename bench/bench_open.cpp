@@ -1,10 +1,9 @@
 // Opening the settings dialog in a process that has done so before, as a whole and in its steps;
-// with Qt's own look, and as a whole also with the host's style sheet on both sides.
+// with Qt's own look, and as a whole also with the host's look on both sides.
 
 #include "barethread.h"
 #include "opening.h"
-
-#include <mivostyle/style.h>
+#include "support/uselook.h"
 
 #include <benchmark/benchmark.h>
 
@@ -14,9 +13,11 @@ namespace {
 
 using mivohost::SettingsView;
 
-void useLook(bool styled)
+using mivo::style::Look;
+
+void prepare(bool styled)
 {
-    qApp->setStyleSheet(styled ? mivo::style::styleSheet() : QString());
+    useLook(styled ? std::optional(Look::dark) : std::nullopt);
     useHostLanguage("en");
 }
 
@@ -57,7 +58,7 @@ void measure(benchmark::State& state, Make make, Step step)
 
 void wholeFloor(benchmark::State& state, bool styled)
 {
-    useLook(styled);
+    prepare(styled);
     const opening::Recipe recipe = opening::makeRecipe();
     for (auto _ : state) {
         state.SetIterationTime(opening::secondsToOpenRaw(recipe));
@@ -66,7 +67,7 @@ void wholeFloor(benchmark::State& state, bool styled)
 
 void whole(benchmark::State& state, bool styled)
 {
-    useLook(styled);
+    prepare(styled);
     Ours host;
     for (auto _ : state) {
         state.SetIterationTime(opening::secondsToOpenOurs(host.runtime, host.store));
@@ -77,7 +78,7 @@ void whole(benchmark::State& state, bool styled)
 
 void constructFloor(benchmark::State& state)
 {
-    useLook(false);
+    prepare(false);
     const opening::Recipe recipe = opening::makeRecipe();
     measure(
         state, [] { return opening::RawDialog(); },
@@ -86,7 +87,7 @@ void constructFloor(benchmark::State& state)
 
 void construct(benchmark::State& state)
 {
-    useLook(false);
+    prepare(false);
     Ours host;
     measure(
         state, [] { return std::unique_ptr<SettingsView>(); },
@@ -109,7 +110,7 @@ int hopsOfBinding()
 /// As many reads over a bare thread, each handed to a raw control through the event loop.
 void bindFloor(benchmark::State& state)
 {
-    useLook(false);
+    prepare(false);
     const int hops = hopsOfBinding();
     std::vector<std::unique_ptr<QDoubleSpinBox>> controls;
     for (int i = 0; i < hops; ++i) {
@@ -133,7 +134,7 @@ void bindFloor(benchmark::State& state)
 
 void bind(benchmark::State& state)
 {
-    useLook(false);
+    prepare(false);
     Ours host;
     measure(
         state,
@@ -153,7 +154,7 @@ void bind(benchmark::State& state)
 
 void frameFloor(benchmark::State& state, bool again)
 {
-    useLook(false);
+    prepare(false);
     const opening::Recipe recipe = opening::makeRecipe();
     measure(
         state,
@@ -171,7 +172,7 @@ void frameFloor(benchmark::State& state, bool again)
 
 void frame(benchmark::State& state, bool again)
 {
-    useLook(false);
+    prepare(false);
     Ours host;
     measure(
         state,
@@ -209,7 +210,7 @@ void measureSwitch(benchmark::State& state, Change change)
 
 void languageFloor(benchmark::State& state)
 {
-    useLook(false);
+    prepare(false);
     const opening::Recipe english = opening::makeRecipe();
     useHostLanguage("zh_cn");
     const opening::Recipe chinese = opening::makeRecipe();
@@ -221,7 +222,7 @@ void languageFloor(benchmark::State& state)
 
 void language(benchmark::State& state)
 {
-    useLook(false);
+    prepare(false);
     Ours host;
     SettingsView view(host.runtime, host.store, nullptr);
     opening::drawFirstFrame(view.dialog());

@@ -1,8 +1,9 @@
-// The shortcut file beside bare RapidJSON that reads and writes the same records; covers and the
-// check for conflicts beside the calls that they consist of; OSC from the network to the manager's
-// signal beside a bare server that counts.
+// The shortcut file beside bare RapidJSON that reads and writes the same records; covers beside the
+// calls that they consist of; the check for conflicts beside a cover that asks a hash; OSC from the
+// network to the manager's signal beside a bare server that counts.
 
 #include "peripherals/oscservice.h"
+#include "shortcutitems.h"
 
 #include <mivosettingswidgets/shortcutfile.h>
 #include <mivosettingswidgets/shortcutmgr.h>
@@ -22,62 +23,17 @@
 #include <QtCore/QStandardPaths>
 #include <QtWidgets/QWidget>
 
-#include <algorithm>
 #include <atomic>
+#include <map>
 #include <memory>
 #include <thread>
+#include <unordered_map>
 
 namespace {
 
 using mivo::widgets::ShortCutCover;
-using Items = std::vector<STShortCutItem>;
-
-Items manyItems(std::size_t count)
-{
-    Items items;
-    for (std::size_t i = 0; i < count; ++i) {
-        const std::string number = std::to_string(i);
-        items.push_back({static_cast<EnumShortCutType>(1000 + i), "/Peripherals/Group/" + number,
-                         "Ctrl + Shift + " + number});
-    }
-    return items;
-}
 
 // --- The file ---
-
-/// Takes whatever comes into records, and checks nothing.
-struct BareHandler : rapidjson::BaseReaderHandler<rapidjson::UTF8<>, BareHandler>
-{
-    Items items;
-    std::string key;
-
-    bool StartObject() { return true; }
-    bool EndObject(rapidjson::SizeType members)
-    {
-        return members != 3 || (items.emplace_back(), true);
-    }
-    bool Key(const char* text, rapidjson::SizeType length, bool /*copy*/)
-    {
-        key.assign(text, length);
-        return true;
-    }
-    bool StartArray()
-    {
-        items.emplace_back();
-        return true;
-    }
-    bool Int(int value)
-    {
-        items.back().type = static_cast<EnumShortCutType>(value);
-        return true;
-    }
-    bool Uint(unsigned value) { return Int(static_cast<int>(value)); }
-    bool String(const char* text, rapidjson::SizeType length, bool /*copy*/)
-    {
-        (key == "path" ? items.back().path : items.back().shortCutStr).assign(text, length);
-        return true;
-    }
-};
 
 void count(benchmark::State& state, const std::string& text)
 {
@@ -178,19 +134,30 @@ struct Bound
 void coversFloor(benchmark::State& state)
 {
     Bound bound(static_cast<std::size_t>(state.range(0)));
-    const std::string text = mivo::settings::formatShortCuts(bound.items);
     for (auto _ : state) {
         for (int i = 0; i < bound.covers.size(); ++i) {
             bound.covers[i]->shortCutStrChanged(
                 QString::fromStdString(bound.items[static_cast<std::size_t>(i)].shortCutStr));
         }
-        NoCacheFile::saveToFile(bound.path.toStdString(), text);
+        NoCacheFile::saveToFile(bound.path.toStdString(),
+                                mivo::settings::formatShortCuts(bound.items));
     }
+}
+
+/// One for all of that size, for a large one takes seconds to make; it outlives the application.
+Bound& boundWith(std::int64_t count)
+{
+    static std::map<std::int64_t, Bound*> made;
+    Bound*& bound = made[count];
+    if (bound == nullptr) {
+        bound = new Bound(static_cast<std::size_t>(count));
+    }
+    return *bound;
 }
 
 void coversOurs(benchmark::State& state)
 {
-    Bound bound(static_cast<std::size_t>(state.range(0)));
+    Bound& bound = boundWith(state.range(0));
     for (auto _ : state) {
         bound.manager.setAllShortCutStr();
     }
@@ -229,18 +196,24 @@ void duplicatesOurs(benchmark::State& state)
 
 void conflictFloor(benchmark::State& state)
 {
-    const Items items = manyItems(static_cast<std::size_t>(state.range(0)));
-    const std::string keys = "Ctrl + F12";
+    std::unordered_map<std::string, STShortCutItem> holders;
+    for (const STShortCutItem& item : manyItems(static_cast<std::size_t>(state.range(0)))) {
+        holders.emplace(item.shortCutStr, item);
+    }
+    QWidget window;
+    ShortCutCover cover(ShortCutOfPath, "/new", &window);
+    QObject::connect(&cover, &ShortCutCover::signalExistShortCutsItem,
+                     [&holders](EnumShortCutType /*type*/, const std::string& /*path*/,
+                                const std::string& keys) { return holders.count(keys) != 0; });
     for (auto _ : state) {
         benchmark::DoNotOptimize(
-            std::find_if(items.begin(), items.end(),
-                         [&keys](const STShortCutItem& item) { return item.shortCutStr == keys; }));
+            emit cover.signalExistShortCutsItem(ShortCutOfPath, "/new", "Ctrl + F12"));
     }
 }
 
 void conflictOurs(benchmark::State& state)
 {
-    Bound bound(static_cast<std::size_t>(state.range(0)));
+    Bound& bound = boundWith(state.range(0));
     ShortCutCover* cover = bound.covers.first();
     for (auto _ : state) {
         benchmark::DoNotOptimize(

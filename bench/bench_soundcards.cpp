@@ -10,10 +10,10 @@
 #include "mivohostkit/runtimethread.h"
 #include "support/hostlanguage.h"
 #include "support/teststore.h"
+#include "support/uselook.h"
 #include "surface/settingsview.h"
 
 #include <mivosettingswidgets/audiosettingbox.h>
-#include <mivostyle/style.h>
 #include <mivowidgets/combobox.h>
 
 #include <benchmark/benchmark.h>
@@ -73,7 +73,7 @@ class LargePage
 public:
     explicit LargePage(int lastDevice = deviceCount)
     {
-        qApp->setStyleSheet(mivo::style::styleSheet());
+        useLook(mivo::style::Look::dark);
         useHostLanguage("en");
         runtime.call([this, lastDevice] {
             for (int device = 0; device <= lastDevice; ++device) {
@@ -304,7 +304,7 @@ private:
 
 void measureFloor(benchmark::State& state, void (RawPage::*one)(), void (RawPage::*other)())
 {
-    qApp->setStyleSheet(mivo::style::styleSheet());
+    useLook(mivo::style::Look::dark);
     RawPage page;
     page.make();
     (page.*other)();
@@ -325,7 +325,7 @@ void measureFloor(benchmark::State& state, void (RawPage::*one)(), void (RawPage
 
 void initialFloor(benchmark::State& state)
 {
-    qApp->setStyleSheet(mivo::style::styleSheet());
+    useLook(mivo::style::Look::dark);
     std::optional<RawPage> page;
     inTurns(
         state,
@@ -438,14 +438,16 @@ const bool added = [] {
         {"mapping_deleted", deleteMapping, addMappingWithCards, &RawPage::deleteRow,
          &RawPage::makeRow},
     };
-    const auto add = [](const std::string& name, auto function) {
+    const auto add = [](const std::string& name, auto function, int iterations = 10) {
         benchmark::RegisterBenchmark(("soundcards_" + name).c_str(), function)
             ->Unit(benchmark::kMillisecond)
             ->UseManualTime()
-            ->Iterations(10);
+            ->Iterations(iterations);
     };
-    add("initial/floor", initialFloor);
-    add("initial/ours", [](benchmark::State& state) { initial(state, deviceCount); });
+    constexpr int few = 2; // of what takes a second
+    add("initial/floor", initialFloor, few);
+    add(
+        "initial/ours", [](benchmark::State& state) { initial(state, deviceCount); }, few);
     add("initial_local/ours", [](benchmark::State& state) { initial(state, 0); });
     for (const auto& change : changes) {
         if (change.raw != nullptr) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "mivohostkit/runtimethread.h"
+#include "rawcontrols.h"
 #include "support/hostlanguage.h"
 #include "support/teststore.h"
 #include "surface/settingsview.h"
@@ -10,20 +11,10 @@
 
 #include <QtCore/QElapsedTimer>
 #include <QtWidgets/QApplication>
-#include <QtWidgets/QCheckBox>
-#include <QtWidgets/QComboBox>
 #include <QtWidgets/QDialog>
-#include <QtWidgets/QDoubleSpinBox>
-#include <QtWidgets/QGroupBox>
 #include <QtWidgets/QHBoxLayout>
-#include <QtWidgets/QLabel>
-#include <QtWidgets/QLineEdit>
-#include <QtWidgets/QListWidget>
-#include <QtWidgets/QPushButton>
-#include <QtWidgets/QRadioButton>
 #include <QtWidgets/QScrollArea>
 #include <QtWidgets/QStackedWidget>
-#include <QtWidgets/QTimeEdit>
 
 #include <memory>
 
@@ -36,82 +27,21 @@ namespace opening {
 /// "kind<TAB>text<TAB>style sheet", so that it can be handed to another process.
 using Recipe = QStringList;
 
-/// The kind of a control as the floor knows it; empty for what is part of another control.
-inline QString rawKind(const QWidget* control)
-{
-    if (qobject_cast<const QLineEdit*>(control)
-        && qobject_cast<QAbstractSpinBox*>(control->parent())) {
-        return {};
-    }
-    for (const QMetaObject* type = control->metaObject(); type; type = type->superClass()) {
-        QString name = QString::fromLatin1(type->className());
-        if (name.startsWith('Q')) {
-            return name;
-        }
-    }
-    return {};
-}
-
-inline QWidget* makeRawControl(const QString& kind, const QString& text)
-{
-    if (kind == "QLabel") {
-        return new QLabel(text);
-    }
-    if (kind == "QCheckBox") {
-        return new QCheckBox(text);
-    }
-    if (kind == "QRadioButton") {
-        return new QRadioButton(text);
-    }
-    if (kind == "QPushButton") {
-        return new QPushButton(text);
-    }
-    if (kind == "QDoubleSpinBox") {
-        return new QDoubleSpinBox;
-    }
-    if (kind == "QListWidget") {
-        return new QListWidget;
-    }
-    if (kind == "QTimeEdit") {
-        return new QTimeEdit;
-    }
-    if (kind == "QLineEdit") {
-        return new QLineEdit;
-    }
-    if (kind == "QComboBox") {
-        auto* combo = new QComboBox;
-        combo->addItems(text.split('|'));
-        return combo;
-    }
-    return nullptr;
-}
-
-inline QString textOf(const QWidget* control)
-{
-    if (const auto* combo = qobject_cast<const QComboBox*>(control)) {
-        QStringList items;
-        for (int i = 0; i < combo->count(); ++i) {
-            items.append(combo->itemText(i));
-        }
-        return items.join('|');
-    }
-    return control->property(qobject_cast<const QGroupBox*>(control) ? "title" : "text").toString();
-}
-
-inline Recipe recipeOf(mivohost::SettingsView& view)
+inline Recipe recipeOf(const mivo::settings::SettingsDialog& dialog,
+                       const std::vector<mivo::settings::ISettingBox*>& pages)
 {
     Recipe recipe;
-    const auto* stack = view.dialog().findChild<QStackedWidget*>();
+    const auto* stack = dialog.findChild<QStackedWidget*>();
     for (int i = 0; i < stack->count(); ++i) {
         recipe.append("section\t");
-        for (auto* page : view.pages()) {
+        for (const auto* page : pages) {
             if (!stack->widget(i)->isAncestorOf(page)) {
                 continue;
             }
             recipe.append("page\t" + page->title());
             const auto children = page->findChildren<QWidget*>();
             for (const QWidget* child : children) {
-                recipe.append(rawKind(child) + '\t' + textOf(child) + '\t' + child->styleSheet());
+                recipe.append(entryOf(child));
             }
         }
     }
@@ -123,7 +53,7 @@ inline Recipe makeRecipe()
     mivohost::RuntimeThread runtime;
     TestStore store;
     mivohost::SettingsView view(runtime, store, nullptr);
-    return recipeOf(view);
+    return recipeOf(view.dialog(), view.pages());
 }
 
 struct RawDialog

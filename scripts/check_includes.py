@@ -8,7 +8,7 @@ PRODUCT = pathlib.Path("libs/mivosettingswidgets")
 HOST = pathlib.Path("apps/mivohost")
 ROOMS = {
     PRODUCT / "src": ["kit", "dialog", "folders", "soundcards", "shortcuts", "pages"],
-    HOST: ["base", "store", "devices", "peripherals", "project", "system", "surface"],
+    HOST: ["base", "store", "cluster", "devices", "peripherals", "project", "system", "surface"],
 }
 LIBRARIES = ["mivohostapi", "mivowidgets", "mivosettingswidgets", "mivohostkit"]
 INCLUDE = re.compile(r'^#include [<"](\w+)/(\w+)\.h[">]', re.MULTILINE)

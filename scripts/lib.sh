@@ -7,8 +7,10 @@ packages_build="g++ cmake ninja-build ccache qtbase5-dev qttools5-dev qttools5-d
     pkg-config librtmidi-dev libjack-jackd2-dev libvulkan-dev qtmultimedia5-dev libqt5multimedia5-plugins
     fonts-noto-core fonts-noto-cjk"
 packages_test="libgtest-dev python3 liblo-dev liblo-tools jackd2 mesa-vulkan-drivers
-    pulseaudio pulseaudio-utils xvfb xdotool x11-xkb-utils at-spi2-core python3-pyatspi dbus-daemon"
-packages_bench="libbenchmark-dev liblo-dev python3 util-linux"
+    pulseaudio pulseaudio-utils xvfb xdotool x11-utils x11-xkb-utils at-spi2-core python3-pyatspi dbus-daemon
+    etcd-server etcd-client openssl"
+packages_bench="libbenchmark-dev liblo-dev python3 git"
+packages_plots="gnuplot-nox python3"
 packages_clang="clang llvm libclang-rt-14-dev"
 packages_package="chrpath file gzip lintian python3"
 packages_windows="g++-mingw-w64-x86-64-posix dpkg-dev make"

@@ -49,7 +49,11 @@ protected:
         EXPECT_TRUE(QTest::qWaitForWindowActive(panel.get()));
         log.clear();
     }
-    ~FindAction() override { QFile::remove(mivo::settings::shortCutFilePath()); }
+    ~FindAction() override
+    {
+        runtime.stop(); // it may be writing a setting
+        QFile::remove(mivo::settings::shortCutFilePath());
+    }
 
     template <typename Control>
     Control* find(const char* name)

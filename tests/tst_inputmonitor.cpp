@@ -138,6 +138,7 @@ TEST(InputWords, SayWhatCameIn)
          "/a  int -2, float 0.5, string \"a\xef\xbf\xbd%1\", true, false, nil, impulse"},
         {{"/b\0\0,bhd\0\0\0\0\0\0\0\1x\0\0\0\0\0\0\0\0\0\0\7\x3f\xe0\0\0\0\0\0\0", 36},
          "/b  blob (1), int64 7, double 0.5"},
+        {{"/c\0\0,cm\0\0\0\0A\0\x90\x3c\x64", 16}, "/c  char A, midi 00 90 3C 64"},
         {"junk", "No message of OSC (4 bytes)"}};
     for (const auto& [bytes, words] : osc) {
         EXPECT_EQ(oscWords(bytes, bytes.size()), words);

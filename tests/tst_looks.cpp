@@ -13,12 +13,14 @@
 
 #include "support/hostlanguage.h"
 #include "support/test.h"
+#include "support/uselook.h"
 
 #include <mivosettingswidgets/isettingbox.h>
 #include <mivosettingswidgets/settingsdialog.h>
 #include <mivowidgets/alertlabel.h>
 #include <mivowidgets/colordialog.h>
 
+#include <QtWidgets/QListWidget>
 #include <QtWidgets/QScrollArea>
 #include <QtWidgets/QStackedWidget>
 
@@ -26,6 +28,7 @@
 #include <deque>
 #include <iostream>
 #include <map>
+#include <utility>
 
 namespace lookstest {
 
@@ -45,19 +48,19 @@ double luminance(QRgb color)
 
 double contrast(QRgb one, QRgb other)
 {
-    const auto [darker, lighter] = std::minmax(luminance(one), luminance(other));
+    const auto [darker, lighter] = std::minmax({luminance(one), luminance(other)});
     return (lighter + 0.05) / (darker + 0.05);
 }
 
 class Contrast : public ::testing::TestWithParam<Look>
 {
 protected:
-    ~Contrast() override { qApp->setStyleSheet({}); }
+    Contrast() { QApplication::setCursorFlashTime(0); }
+    ~Contrast() override { useLook(std::nullopt); }
 
     /// Shows all that has texts, one after the other, and hands each to look().
-    void showAll(const QString& sheet)
+    void showAll()
     {
-        qApp->setStyleSheet(sheet);
         RuntimeThread runtime;
         TestStore store;
         ProjectFile project(runtime, store);
@@ -118,8 +121,12 @@ protected:
     /// At first the texts are seen, then what lies behind them.
     void look(QWidget& window)
     {
-        QTest::qWait(20);
-        const QImage picture = window.grab().toImage();
+        QImage picture;
+        QImage before;
+        for (int i = 0; i < 20 && (i < 2 || picture != before); ++i) {
+            QTest::qWait(30);
+            before = std::exchange(picture, window.grab().toImage());
+        }
         if (isBehind) {
             compare(window, pictures.front(), picture);
             pictures.pop_front();
@@ -142,8 +149,8 @@ protected:
             }
         }
         for (const auto& [widget, found] : strongest) {
-            if (widget->inherits("QColorLuminancePicker")) {
-                continue; // an arrow beside colours
+            if (widget->inherits("QColorLuminancePicker") || widget->inherits("QScrollBar")) {
+                continue; // an arrow beside colours, and a handle that a line of the log moves
             }
             ++(widget->isEnabled() ? measured : measuredDisabled);
             double& least = widget->isEnabled() ? faintest : faintestDisabled;
@@ -167,11 +174,25 @@ protected:
 
 TEST_P(Contrast, LetsEveryTextBeRead)
 {
-    QString sheet = mivo::style::styleSheet(GetParam());
-    showAll(sheet);
+    useLook(GetParam());
+    showAll();
     isBehind = true;
-    showAll(sheet.replace(QRegularExpression("(?<![-a-z])(color|selection-color): #[0-9a-f]+"),
-                          "\\1: transparent"));
+    QString sheet = mivo::style::styleSheet(GetParam());
+    sheet.replace(QRegularExpression("(?<![-a-z])(color|selection-color): #[0-9a-f]+"),
+                  "\\1: transparent");
+    mivo::style::apply(GetParam(), sheet);
+    std::vector<std::pair<const char*, QPalette>> palettes{{nullptr, QApplication::palette()}};
+    for (const char* type : {"QDialog", "QMainWindow", "QScrollArea"}) {
+        palettes.emplace_back(type, QApplication::palette(type));
+    }
+    for (auto& [type, palette] : palettes) {
+        for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText,
+                                QPalette::PlaceholderText, QPalette::HighlightedText}) {
+            palette.setColor(role, Qt::transparent);
+        }
+        QApplication::setPalette(palette, type);
+    }
+    showAll();
     EXPECT_GT(measured, 250);
     std::cout << measured << " texts, the faintest at " << faintest << "; " << measuredDisabled
               << " disabled, the faintest at " << faintestDisabled << '\n';
@@ -181,23 +202,55 @@ INSTANTIATE_TEST_SUITE_P(Looks, Contrast, ::testing::Values(Look::dark, Look::li
 
 TEST(Looks, FollowThePaletteAndTheDirectionUnlessOneIsChosen)
 {
-    const QPalette before = QGuiApplication::palette();
+    useLook(std::nullopt);
+    QPushButton button;
+    button.setProperty("style", "settingBtn");
+    button.ensurePolished();
+    const auto expectLight = [&button](bool isLight) {
+        EXPECT_EQ(QApplication::palette().color(QPalette::Text).name(),
+                  isLight ? "#1b2229" : "#d9e0e8");
+        EXPECT_EQ(button.styleSheet().contains("#cbd3db"), isLight); // below the pointer
+    };
     {
         const Looks chosen("light");
         QApplication::setPalette(QPalette(Qt::black));
-        EXPECT_EQ(qApp->styleSheet(), mivo::style::styleSheet(Look::light));
+        EXPECT_TRUE(button.styleSheet().contains("#cbd3db"));
         const Looks desktops("system");
-        EXPECT_EQ(qApp->styleSheet(), mivo::style::styleSheet());
+        expectLight(false);
         QApplication::setPalette(QPalette(Qt::lightGray));
-        EXPECT_EQ(qApp->styleSheet(), mivo::style::styleSheet(Look::light));
+        expectLight(true);
     }
     const Looks dark("dark");
+    expectLight(false);
+    EXPECT_TRUE(button.styleSheet().contains("padding: 0 8px 0 13px;"));
     QGuiApplication::setLayoutDirection(Qt::RightToLeft);
-    EXPECT_TRUE(qApp->styleSheet().contains("border-right: 3px"));
-    EXPECT_TRUE(qApp->styleSheet().contains("padding: 0 13px 0 8px;"));
+    EXPECT_TRUE(button.styleSheet().contains("border-right: 3px"));
+    EXPECT_TRUE(button.styleSheet().contains("padding: 0 13px 0 8px;"));
     QGuiApplication::setLayoutDirection(Qt::LeftToRight);
-    QApplication::setPalette(before);
-    qApp->setStyleSheet({});
+    useLook(std::nullopt);
+}
+
+TEST(Looks, LeaveSheetsOfOtherMakersTheLastWord)
+{
+    QWidget page;
+    page.setStyleSheet("QPushButton, QPushButton[style=\"assist\"] { background: #804020; }"
+                       "QListWidget { color: #ff8080; }");
+    QPushButton plain(&page);
+    QPushButton named(&page);
+    named.setProperty("style", "assist"); // for which the look has a transparent ground
+    QListWidget list(&page);
+    for (const auto look : {Look::dark, Look::light}) {
+        useLook(look);
+        for (QPushButton* button : {&plain, &named}) {
+            button->resize(60, 30);
+            EXPECT_EQ(button->grab().toImage().pixelColor(8, 8).name(), "#804020");
+        }
+        list.ensurePolished();
+        EXPECT_EQ(list.palette().color(QPalette::Text).name(), "#ff8080");
+        EXPECT_EQ(list.palette().color(QPalette::Base).name(),
+                  look == Look::dark ? "#15181c" : "#ffffff");
+    }
+    useLook(std::nullopt);
 }
 
 } // namespace lookstest

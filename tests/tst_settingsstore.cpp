@@ -191,7 +191,13 @@ TEST_F(Store, FollowsChangesFromElsewhere)
         store->change("undoStep", step);
     }
     EXPECT_EQ(announced, std::vector{90});
-    EXPECT_TRUE(store->unusable().isEmpty() && store->kept.writes.empty());
+    EXPECT_TRUE(store->kept.writes.empty());
+    EXPECT_EQ(store->unusable(), QStringList("undoStep"));
+    store->setUndoStep(90);
+    EXPECT_EQ(store->kept.writes.size(), 1) << "what cannot be used is replaced by the same value";
+    store->change("undoStep", 9000);
+    store->change("undoStep", 90);
+    EXPECT_TRUE(store->unusable().isEmpty());
 }
 
 } // namespace settingsstoretest

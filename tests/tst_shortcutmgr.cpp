@@ -8,6 +8,9 @@
 #include <mivosettingswidgets/shortcutfile.h>
 #include <mivowidgets/shortcutcover.h>
 
+#include <algorithm>
+#include <random>
+
 namespace shortcutmgrtest {
 
 using namespace mivo::peripheralcontrol;
@@ -189,6 +192,44 @@ TEST_F(ShortCuts, AKeyThatAnotherActionHoldsMovesOnlyWhenThatIsConfirmed)
     answering(TipDialog::accepted, [this] { press(mute, Qt::Key_F5); });
     EXPECT_NE(covered->focusPolicy(), Qt::NoFocus) << "it can be reached again";
     EXPECT_EQ(keys(), "||F5");
+}
+
+TEST_F(ShortCuts, AKeyIsKnownToBeHeldThroughEveryChangeOfTheEntries)
+{
+    std::mt19937 random(7);
+    const auto below = [&random](unsigned end) { return static_cast<int>(random() % end); };
+    for (int step = 0; step < 120; ++step) {
+        const bool isOfPath = below(2) == 0;
+        const auto type = isOfPath ? ShortCutOfPath : static_cast<EnumShortCutType>(900 + below(4));
+        const auto module = isOfPath ? ShortCutModulePath : ShortCutModuleIndex;
+        const std::string of = "/Peripherals/group/" + std::to_string(below(4));
+        const auto change = below(8);
+        if (change == 0) {
+            manager.loadShortCutInfoList();
+        } else if (change == 1) {
+            STLinkShortCutInfo info = manager.linkShortCutInfo();
+            std::reverse(info.indexShortCutList.begin(), info.indexShortCutList.end());
+            manager.shortCutInfoSave(info);
+        } else if (change < 4) {
+            emit group->signalDelShortCutsItem(type, of, module);
+        } else {
+            emit group->signalAddShortCutsItem(type, of, "F" + std::to_string(below(5)), module);
+        }
+        const STLinkShortCutInfo info = manager.linkShortCutInfo();
+        Row all = info.indexShortCutList;
+        all.insert(all.end(), info.pathShortCutList.begin(), info.pathShortCutList.end());
+        for (int key = 0; key < 5; ++key) {
+            const std::string keys = "F" + std::to_string(key);
+            const auto first = std::find_if(all.begin(), all.end(), [&keys](const auto& entry) {
+                return entry.shortCutStr == keys;
+            });
+            const bool isHeld = first != all.end();
+            // The first holder itself is told so; any other one would be asked.
+            const STShortCutItem asking = isHeld ? *first : item(1, "/Peripherals/new", keys);
+            EXPECT_EQ(emit group->signalExistShortCutsItem(asking.type, asking.path, keys), isHeld)
+                << step << ' ' << keys;
+        }
+    }
 }
 
 TEST_F(ShortCuts, ControlsOfDevicesAreBoundMovedAndCleared)

@@ -1,6 +1,10 @@
 #include "base/exitcode.h"
 #include "base/hostlog.h"
 #include "base/hosttext.h"
+#include "cluster/sharedshortcuts.h"
+#include "cluster/showcommands.h"
+#include "cluster/showsetup.h"
+#include "cluster/synchroniser.h"
 #include "devices/clustersimulator.h"
 #include "devices/graphicscards.h"
 #include "devices/physicsoutputs.h"
@@ -11,10 +15,13 @@
 #include "peripherals/peripherals.h"
 #include "project/projectfile.h"
 #include "store/sqlitepersistence.h"
+#include "surface/actionpanel.h"
+#include "surface/askforcopy.h"
 #include "surface/mainwindow.h"
 #include "surface/pictures.h"
 #include "surface/settingscommand.h"
 #include "surface/settingsview.h"
+#include "surface/showbar.h"
 #include "system/autostart.h"
 #include "system/endrequests.h"
 #include "system/listener.h"
@@ -24,7 +31,6 @@
 #include "system/timedactions.h"
 #include "zrcutils/nocachefile.h"
 
-#include <mivosettingswidgets/settingwdigettranslatemanager.h>
 #include <mivosettingswidgets/shortcutfile.h>
 #include <mivostyle/style.h>
 
@@ -38,7 +44,6 @@
 #include <QtCore/QTimer>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QMessageBox>
-#include <QtWidgets/QPushButton>
 
 #ifdef Q_OS_WIN
 #include "system/console.h"
@@ -48,6 +53,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <utility>
 
 using namespace mivohost;
 
@@ -56,25 +62,6 @@ namespace {
 constexpr const char* listSoundCardsOption = "--list-sound-cards"; // the first one, or not at all
 
 QtMessageHandler defaultHandler = nullptr;
-
-QString systemLanguage()
-{
-    return QLocale::system().language() == QLocale::Chinese ? QStringLiteral("zh_cn")
-                                                            : QStringLiteral("en");
-}
-
-void loadLanguages()
-{
-    auto& translator = SettingWdigetTranslateManager::instance().translator();
-    for (const QString& file : mivo::style::languageFiles()) {
-        translator.load(file);
-    }
-    translator.switchLanguage(systemLanguage());
-    translator.setMissingTextHandler(
-        [](const QString& /*catalogue*/, const QString& /*context*/, const QString& key) {
-            hostLog()->warn("no text for {}", key.toStdString());
-        });
-}
 
 /// Prints Qt's messages but those on what a screen without a window manager cannot do: they come
 /// for each window, and nobody can do anything about it.
@@ -98,24 +85,6 @@ ExitCode refuse(ExitCode code, const QString& message, bool withWindow)
 QString timeText(const QDateTime& time)
 {
     return QLocale::system().toString(time.toLocalTime(), QLocale::ShortFormat);
-}
-
-/// Asks whether to go on with the newest good copy of the settings. A machine that starts with
-/// nobody in front of it goes on by itself.
-bool wantsCopy(const QString& path, const SqlitePersistence::Opened& opened)
-{
-    constexpr int secondsToAnswer = 30;
-    QMessageBox question(QMessageBox::Warning, QStringLiteral("mivohost"),
-                         hostText("StoreDamaged")
-                             .arg(path, reasonText(opened.error), timeText(opened.copyTime))
-                             .arg(secondsToAnswer));
-    question.setTextFormat(Qt::PlainText);
-    auto* use = question.addButton(hostText("UseCopy"), QMessageBox::AcceptRole);
-    question.setEscapeButton(question.addButton(hostText("Quit"), QMessageBox::RejectRole));
-    question.setDefaultButton(use);
-    QTimer::singleShot(secondsToAnswer * 1000, use, &QPushButton::click);
-    question.exec();
-    return question.clickedButton() == use;
 }
 
 /// Folders that the settings start with; each is made when something is to be put there.
@@ -152,8 +121,8 @@ void wait(int seconds)
 
 /// The program with its window, from here to its end.
 int runWindow(MainWindow& window, ProjectFile& project, RuntimeThread& runtime,
-              SettingsStore& store, bool storeIsCopy, const QCommandLineParser& arguments,
-              int simulatedDevices)
+              SettingsStore& store, Synchroniser* synchroniser, bool storeIsCopy,
+              const QCommandLineParser& arguments, int simulatedDevices)
 {
     const auto notify = [&window](const char* key) {
         return [&window, key = QString::fromLatin1(key)](const QString& reason) {
@@ -205,6 +174,9 @@ int runWindow(MainWindow& window, ProjectFile& project, RuntimeThread& runtime,
             store.soundCards().setDeviceSoundCards({}, {}, cards);
         };
         runtime.post(tell, __FILE__, __LINE__, "SoundCards");
+        if (synchroniser != nullptr) {
+            synchroniser->setSoundCards(soundCards.cards());
+        }
     });
     QTimer simulation;
     if (simulatedDevices > 0) {
@@ -243,9 +215,10 @@ int run(const QCommandLineParser& arguments)
         return refuse(badArgument, command.problem, false);
     }
     const bool drawing = arguments.isSet(QStringLiteral("pictures"));
-    const bool withWindow = !command.isGiven && !drawing;
+    const bool withWindow = !command.isGiven && !drawing && !ShowSetup::isCommand(arguments);
     const QDir data(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation));
-    QString path = data.filePath(QStringLiteral("settings.sqlite"));
+    const QString ownPath = data.filePath(QStringLiteral("settings.sqlite"));
+    QString path = ownPath;
     std::optional<QTemporaryDir> scratch; // pictures show the defaults, whatever the user has set
     if (drawing) {
         scratch.emplace();
@@ -309,18 +282,29 @@ int run(const QCommandLineParser& arguments)
     }
     startLog(withWindow ? data.filePath(QStringLiteral("mivohost.log")) : QString());
 
+    QString showError;
+    const auto show = ShowSetup::read(arguments, data, showError);
+    if (!showError.isEmpty()) {
+        return refuse(badArgument, showError, withWindow);
+    }
+    path = show ? show->path(data) : path;
+    if (show && !show->forgotten.isEmpty()) {
+        forgetMachine(show->forgotten, *show, showError);
+        return showError.isEmpty() ? finished : refuse(storeFailed, showError, false);
+    }
+
     RuntimeThread runtime;
-    using Status = SqlitePersistence::Status;
     auto opened = runtime.call([&] { return SqlitePersistence::open(path); });
-    const bool damaged = opened.status == Status::damaged;
+    const bool damaged = opened.status == SqlitePersistence::Status::damaged;
     if (damaged && !command.isGiven) {
         hostLog()->error("the settings file cannot be used: {}", opened.error.toStdString());
-        if (opened.copyTime.isValid() && !wantsCopy(path, opened)) {
+        if (opened.copyTime.isValid()
+            && !wantsCopy(path, opened.error, timeText(opened.copyTime))) {
             return storeFailed;
         }
         opened = runtime.call([&] { return SqlitePersistence::recover(path); });
     }
-    if (opened.status == Status::inUse) {
+    if (opened.status == SqlitePersistence::Status::inUse) {
         return refuse(storeInUse, hostText("StoreInUse").arg(path), withWindow);
     }
     if (!opened.persistence) {
@@ -330,8 +314,25 @@ int run(const QCommandLineParser& arguments)
     const QString copyError = command.isGiven && !command.changesSettings
                                   ? QString()
                                   : runtime.call([&] { return opened.persistence->keepCopy(); });
+    auto sharing = show ? runtime.call([&] {
+        return show->share(std::move(opened.persistence), ownPath, showError);
+    })
+                        : nullptr;
+    if (show && !sharing) {
+        return refuse(storeFailed, hostText("StoreFailed").arg(path, reasonText(showError)),
+                      withWindow);
+    }
+    SharedSettings* const shared = sharing.get(); // belongs to the store
+    if (show && !show->adopted.isEmpty()) {
+        adoptMachine(show->adopted, *show, runtime, std::move(sharing), showError);
+        return showError.isEmpty() ? finished : refuse(storeFailed, showError, false);
+    }
     auto store = runtime.call([&] {
-        return std::make_unique<SettingsStore>(std::move(opened.persistence), defaultFolders(data));
+        std::unique_ptr<SettingsPersistence> persistence = std::move(sharing);
+        if (!show) {
+            persistence = std::move(opened.persistence);
+        }
+        return std::make_unique<SettingsStore>(std::move(persistence), defaultFolders(data));
     });
 
     int code = finished;
@@ -362,6 +363,14 @@ int run(const QCommandLineParser& arguments)
         if (!copyError.isEmpty()) {
             window.showNotice(QStringLiteral("StoreCopyFailed"), copyError);
         }
+        std::optional<Synchroniser> synchroniser;
+        std::optional<ShowBar> bar;
+        if (show) {
+            synchroniser.emplace(runtime, *shared, store->soundCards(), *show);
+            bar.emplace(*synchroniser, window);
+            new SharedShortcuts(window.actions().shortcuts(), *synchroniser); // goes with it
+            synchroniser->start();
+        }
         project.start();
         if (drawing) {
             cards.wait();
@@ -372,7 +381,8 @@ int run(const QCommandLineParser& arguments)
             }
         } else {
             code =
-                runWindow(window, project, runtime, *store, damaged, arguments, *simulatedDevices);
+                runWindow(window, project, runtime, *store, synchroniser ? &*synchroniser : nullptr,
+                          damaged, arguments, *simulatedDevices);
         }
     }
     runtime.call([&store] { store.reset(); });
@@ -417,7 +427,9 @@ int main(int argc, char** argv)
          QStringLiteral("Be dark or light; system follows the desktop, and pictures are dark."),
          QStringLiteral("dark|light|system"), QStringLiteral("system")},
         {QStringLiteral("store"),
-         QStringLiteral("Use this settings file, and leave the start at log-on as it is."),
+         QStringLiteral("Use this settings file, or share the settings of a show with other "
+                        "machines: etcd://HOST[:PORT][,HOST[:PORT]...]/SHOW, encrypted with "
+                        "etcds://. Leave the start at log-on as it is."),
          QStringLiteral("file")},
         {QStringLiteral("start-delay"),
          QStringLiteral("Wait so long before anything is opened, 0 to 300."),
@@ -430,6 +442,7 @@ int main(int argc, char** argv)
          QStringLiteral("Let timed actions really shut down or restart the machine.")},
     });
     addSettingsOptions(arguments);
+    ShowSetup::addOptions(arguments);
     arguments.process(application);
 
     loadLanguages();

@@ -26,7 +26,7 @@ int main(int argc, char** argv)
     using namespace mivo::settings;
 
     QApplication application(argc, argv);
-    application.setStyleSheet(mivo::style::styleSheet());
+    mivo::style::apply(mivo::style::Look::dark);
 
     mivohost::RuntimeThread runtime; // the one thread on which the store is called
     mivohost::SettingsStore store;   // outlives the pages, and the runtime outlives both

@@ -84,7 +84,7 @@ void PreviewPage::setStore(PreviewStore* store)
 int main(int argc, char** argv)
 {
     QApplication application(argc, argv);
-    application.setStyleSheet(mivo::style::styleSheet());
+    mivo::style::apply(mivo::style::Look::dark);
     mivohost::RuntimeThread runtime;
     PreviewStore store;
     mivo::settings::SettingsDialog dialog;

@@ -20,10 +20,11 @@ QString writeRecord(const Record& record);
 /// A field as it is named outside of the text.
 struct RecordField
 {
+    /// Of its value.
     enum Kind { flag, number, text };
 
-    const char* name;
-    Kind kind;
+    const char* name; ///< in ASCII
+    Kind kind;        ///< of its value
 };
 
 /// The fields in the order of the text. Of a text, only the last may contain '|'.

@@ -21,29 +21,29 @@ namespace mivohost {
 class MIVOHOSTKIT_EXPORT SettingsFile
 {
 public:
-    using Key = SettingsStore::Key;
-    using Section = SettingsStore::Section;
-    using Scope = SettingsStore::Scope;
+    using Key = SettingsStore::Key;         ///< a setting
+    using Section = SettingsStore::Section; ///< where it stands in the dialog
+    using Scope = SettingsStore::Scope;     ///< the show's or the machine's own
 
     static constexpr std::size_t mostBytes = 8 * 1024 * 1024; ///< of a text that is read
 
     /// Who wrote it, and when.
     struct Origin
     {
-        QString programVersion;
-        QString machine;
-        QDateTime date;
+        QString programVersion; ///< empty: not told
+        QString machine;        ///< its name, empty: not told
+        QDateTime date;         ///< UTC, invalid: not told
     };
 
     /// What importing a setting changes.
     struct Change
     {
-        Key key;
-        QString name; ///< under which it is kept
-        Section section;
-        Scope scope;
-        QVariant before;
-        QVariant after;
+        Key key;         ///< of the setting
+        QString name;    ///< under which it is kept
+        Section section; ///< of the setting
+        Scope scope;     ///< of the setting
+        QVariant before; ///< the store's value
+        QVariant after;  ///< the file's value
     };
 
     /// Why a setting of a file cannot be taken.
@@ -54,17 +54,19 @@ public:
         outOfRange, ///< a number that is not from `lowest` to `highest`
         invalid     ///< a text or a record that the setting does not have
     };
+    /// A setting of a file that cannot be taken.
     struct Refused
     {
-        QString name;
-        Problem problem;
-        double lowest = 0;
-        double highest = 0;
+        QString name;       ///< as the file has it
+        Problem problem;    ///< why
+        double lowest = 0;  ///< of the range, with outOfRange
+        double highest = 0; ///< of the range, with outOfRange
     };
 
+    /// What importing a file would do.
     struct Plan
     {
-        std::vector<Change> changes;
+        std::vector<Change> changes;  ///< what differs, in the order of the file
         std::vector<Refused> refused; ///< all others are as they are in the store
     };
 

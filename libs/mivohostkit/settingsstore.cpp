@@ -78,11 +78,18 @@ SettingsStore::SettingsStore(std::unique_ptr<SettingsPersistence> persistence,
     m_soundCards.adopt(value(Key::soundCardMappings).toString());
     m_persistence->watch([this](const QString& name, const QVariant& changed) {
         for (const Setting& setting : settingsTable()) {
-            const auto accepted = name == setting.name ? setting.accept(changed) : std::nullopt;
-            if (accepted && value(setting.key) != *accepted) {
+            if (name != setting.name) {
+                continue;
+            }
+            const auto accepted = setting.accept(changed);
+            if (!accepted) {
+                m_unusable.insert(setting.key); // so that what is set next replaces it
+                continue;
+            }
+            m_unusable.erase(setting.key);
+            if (value(setting.key) != *accepted) {
                 m_values[setting.key] = *accepted;
                 m_kept.insert(setting.key);
-                m_unusable.erase(setting.key);
                 if (setting.announce != nullptr) {
                     setting.announce(*this, *accepted);
                 }

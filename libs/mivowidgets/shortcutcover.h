@@ -35,8 +35,8 @@ public:
     /// The action that the cover stands for.
     ShortCutModuleType getShortCutType() const { return m_module; }
     EnumShortCutType getShortCutIndex() const { return m_index; }
-    std::string getShortCutPath() const { return m_path; }
-    std::string getPeripheralShortCutPath() const { return m_path; }
+    const std::string& getShortCutPath() const { return m_path; }
+    const std::string& getPeripheralShortCutPath() const { return m_path; }
     /// @}
 
     /// What the clear button is called, for its tip and for screen readers.

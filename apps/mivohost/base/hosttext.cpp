@@ -1,13 +1,36 @@
 #include "base/hosttext.h"
 
+#include "base/hostlog.h"
+
 #include <mivosettingswidgets/settingwdigettranslatemanager.h>
+#include <mivostyle/style.h>
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QLocale>
 
 #include <algorithm>
 #include <iterator>
 
 namespace mivohost {
+
+void loadLanguages()
+{
+    auto& translator = SettingWdigetTranslateManager::instance().translator();
+    for (const QString& file : mivo::style::languageFiles()) {
+        translator.load(file);
+    }
+    translator.switchLanguage(systemLanguage());
+    translator.setMissingTextHandler(
+        [](const QString& /*catalogue*/, const QString& /*context*/, const QString& key) {
+            hostLog()->warn("no text for {}", key.toStdString());
+        });
+}
+
+QString systemLanguage()
+{
+    return QLocale::system().language() == QLocale::Chinese ? QStringLiteral("zh_cn")
+                                                            : QStringLiteral("en");
+}
 
 QString hostText(const QString& key)
 {

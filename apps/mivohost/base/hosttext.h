@@ -4,6 +4,12 @@
 
 namespace mivohost {
 
+/// Loads the language files, in the system's language; a key without a text is logged. GUI thread.
+void loadLanguages();
+
+/// English, unless the system's is Chinese.
+QString systemLanguage();
+
 /// The text of the host's own catalogue in the language in force. GUI thread.
 QString hostText(const QString& key);
 inline QString hostText(const char* key)

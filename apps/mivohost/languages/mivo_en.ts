@@ -961,6 +961,91 @@ Without an answer the copy is used in %4 seconds.</translation>
         <translation>Settings and the project are being saved.</translation>
     </message>
     <message>
+        <source>ChangeLost</source>
+        <comment>MainWindow</comment>
+        <translation>“%1” is now %3, set by %4, which was faster than your change to %2</translation>
+    </message>
+    <message>
+        <source>SetAgain</source>
+        <comment>MainWindow</comment>
+        <translation>Set again</translation>
+    </message>
+    <message>
+        <source>SettingTooLong</source>
+        <comment>MainWindow</comment>
+        <translation>The setting “%1” is too long to be shared, and is kept on this machine only</translation>
+    </message>
+    <message>
+        <source>MachineAddress</source>
+        <comment>MainWindow</comment>
+        <translation>Address</translation>
+    </message>
+    <message>
+        <source>MachineAway</source>
+        <comment>MainWindow</comment>
+        <translation>Not connected</translation>
+    </message>
+    <message>
+        <source>MachineConnected</source>
+        <comment>MainWindow</comment>
+        <translation>Connected</translation>
+    </message>
+    <message>
+        <source>MachineName</source>
+        <comment>MainWindow</comment>
+        <translation>Machine</translation>
+    </message>
+    <message>
+        <source>MachineState</source>
+        <comment>MainWindow</comment>
+        <translation>State</translation>
+    </message>
+    <message>
+        <source>MachineThis</source>
+        <comment>MainWindow</comment>
+        <translation>This machine</translation>
+    </message>
+    <message>
+        <source>MachineVersion</source>
+        <comment>MainWindow</comment>
+        <translation>Version</translation>
+    </message>
+    <message>
+        <source>Machines</source>
+        <comment>MainWindow</comment>
+        <translation>Machines</translation>
+    </message>
+    <message>
+        <source>OtherVersion</source>
+        <comment>MainWindow</comment>
+        <translation>%1 has version %2 of mivohost, and this machine %3</translation>
+    </message>
+    <message>
+        <source>ShowAlone</source>
+        <comment>MainWindow</comment>
+        <translation>Show “%1”: alone since %2</translation>
+    </message>
+    <message>
+        <source>ShowConnected</source>
+        <comment>MainWindow</comment>
+        <translation>Show “%1”: connected to %2</translation>
+    </message>
+    <message>
+        <source>ShowReason</source>
+        <comment>MainWindow</comment>
+        <translation> (%1: %2)</translation>
+    </message>
+    <message>
+        <source>ShowReplaced</source>
+        <comment>MainWindow</comment>
+        <translation>The show has these settings otherwise than this machine had, and they hold here now: %1</translation>
+    </message>
+    <message>
+        <source>ShowWaiting</source>
+        <comment>MainWindow</comment>
+        <translation>, changes not sent yet: %1</translation>
+    </message>
+    <message>
         <source>StoreInUse</source>
         <comment>MainWindow</comment>
         <translation>The settings file “%1” is in use by another mivohost. Close that one first.</translation>

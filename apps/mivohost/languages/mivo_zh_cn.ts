@@ -961,6 +961,91 @@
         <translation>正在保存设置和项目。</translation>
     </message>
     <message>
+        <source>ChangeLost</source>
+        <comment>MainWindow</comment>
+        <translation>“%1”现为 %3，由 %4 设置，先于您将其改为 %2 的操作</translation>
+    </message>
+    <message>
+        <source>SetAgain</source>
+        <comment>MainWindow</comment>
+        <translation>重新设置</translation>
+    </message>
+    <message>
+        <source>SettingTooLong</source>
+        <comment>MainWindow</comment>
+        <translation>设置“%1”过长，无法共享，仅保存在本机</translation>
+    </message>
+    <message>
+        <source>MachineAddress</source>
+        <comment>MainWindow</comment>
+        <translation>地址</translation>
+    </message>
+    <message>
+        <source>MachineAway</source>
+        <comment>MainWindow</comment>
+        <translation>未连接</translation>
+    </message>
+    <message>
+        <source>MachineConnected</source>
+        <comment>MainWindow</comment>
+        <translation>已连接</translation>
+    </message>
+    <message>
+        <source>MachineName</source>
+        <comment>MainWindow</comment>
+        <translation>机器</translation>
+    </message>
+    <message>
+        <source>MachineState</source>
+        <comment>MainWindow</comment>
+        <translation>状态</translation>
+    </message>
+    <message>
+        <source>MachineThis</source>
+        <comment>MainWindow</comment>
+        <translation>本机</translation>
+    </message>
+    <message>
+        <source>MachineVersion</source>
+        <comment>MainWindow</comment>
+        <translation>版本</translation>
+    </message>
+    <message>
+        <source>Machines</source>
+        <comment>MainWindow</comment>
+        <translation>机器列表</translation>
+    </message>
+    <message>
+        <source>OtherVersion</source>
+        <comment>MainWindow</comment>
+        <translation>%1 的 mivohost 版本为 %2，本机为 %3</translation>
+    </message>
+    <message>
+        <source>ShowAlone</source>
+        <comment>MainWindow</comment>
+        <translation>演出“%1”：自 %2 起独立运行</translation>
+    </message>
+    <message>
+        <source>ShowConnected</source>
+        <comment>MainWindow</comment>
+        <translation>演出“%1”：已连接到 %2</translation>
+    </message>
+    <message>
+        <source>ShowReason</source>
+        <comment>MainWindow</comment>
+        <translation>（%1：%2）</translation>
+    </message>
+    <message>
+        <source>ShowReplaced</source>
+        <comment>MainWindow</comment>
+        <translation>演出中的以下设置与本机原有的不同，本机现采用演出的设置：%1</translation>
+    </message>
+    <message>
+        <source>ShowWaiting</source>
+        <comment>MainWindow</comment>
+        <translation>，尚未发送的更改：%1</translation>
+    </message>
+    <message>
         <source>StoreInUse</source>
         <comment>MainWindow</comment>
         <translation>设置文件“%1”正被另一个 mivohost 使用。请先将其关闭。</translation>

@@ -12,7 +12,7 @@ namespace mivohost {
 
 namespace {
 
-constexpr int mostSenders = 256; // whose levels are remembered, each for each of its universes
+constexpr int mostRemembered = 256; // whose levels are remembered, each for each of its universes
 constexpr int middleOfMidi = 64;
 constexpr int middleOfDmx = 128;
 
@@ -125,7 +125,7 @@ void InputDecoder::decodeDmx(const InputMessage& message, std::vector<ReceivedIn
                                .arg(datagram.subnet)
                                .arg(datagram.universe);
     const bool isNew = !m_levels.contains(sender);
-    if (isNew && m_levels.size() == mostSenders) {
+    if (isNew && m_levels.size() == mostRemembered) {
         m_levels.clear();
     }
     Levels& levels = m_levels[sender]; // of a new one all 0

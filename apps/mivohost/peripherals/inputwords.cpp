@@ -9,18 +9,19 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 
 namespace mivohost {
 
 namespace {
 
-constexpr int longest = 400; // characters
+constexpr int mostCharacters = 400;
 
 /// On one line, whatever a sender has put into it.
 QString printable(QString text)
 {
-    const bool isLong = text.size() > longest;
-    text.truncate(longest);
+    const bool isLong = text.size() > mostCharacters;
+    text.truncate(mostCharacters);
     for (QChar& each : text) {
         if (!each.isPrint() && !each.isSurrogate()) {
             each = QChar::ReplacementCharacter;
@@ -145,7 +146,7 @@ QString oscWords(const QByteArray& bytes, int size)
     QStringList words;
     for (const OscArgument& argument : *arguments) {
         words.append(argumentWords(argument));
-        if (words.size() == longest) {
+        if (words.size() == mostCharacters) {
             break;
         }
     }

@@ -1,13 +1,12 @@
 #include "store/sqlitepersistence.h"
 
 #include "store/database.h"
+#include "store/statement.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QLocale>
-
-#include <sqlite3.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -150,31 +149,13 @@ QString missingPart(const QString& path, bool hasCopies)
     return hasWrites || hasCopies ? QStringLiteral("the file is missing") : QString();
 }
 
-/// Returns SQLite's code.
-int writeRow(sqlite3* database, const QString& key, const QVariant& value)
+bool writeRow(sqlite3* database, const QString& key, const QVariant& value)
 {
-    sqlite3_stmt* statement = nullptr;
-    const int code = sqlite3_prepare_v2(database,
-                                        "INSERT INTO setting (key, value) VALUES (?, ?) "
-                                        "ON CONFLICT (key) DO UPDATE SET value = excluded.value",
-                                        -1, &statement, nullptr);
-    if (code != SQLITE_OK) {
-        return code;
-    }
-    const auto bind = [statement](int index, const QString& utf16) {
-        const QByteArray utf8 = utf16.toUtf8();
-        sqlite3_bind_text(statement, index, utf8.constData(), utf8.size(), SQLITE_TRANSIENT);
-    };
-    bind(1, key);
-    if (value.userType() == QMetaType::Double) {
-        sqlite3_bind_double(statement, 2, value.toDouble());
-    } else if (value.userType() == QMetaType::QString) {
-        bind(2, value.toString());
-    } else {
-        sqlite3_bind_int64(statement, 2, value.toLongLong());
-    }
-    sqlite3_step(statement);
-    return sqlite3_finalize(statement);
+    return Statement(database,
+                     "INSERT INTO setting (key, value) VALUES (?, ?) "
+                     "ON CONFLICT (key) DO UPDATE SET value = excluded.value",
+                     key, value)
+        .run();
 }
 
 } // namespace
@@ -339,28 +320,49 @@ SqlitePersistence::FileId SqlitePersistence::idOf(const QString& path)
 
 bool SqlitePersistence::write(const QVariantHash& settings)
 {
-    if (idOf(m_path) != m_file) {
-        m_error = QStringLiteral("the file was replaced or removed");
-        return false;
+    std::vector<Update> updates;
+    for (auto setting = settings.begin(); setting != settings.end(); ++setting) {
+        const qint64 revision = m_outbox ? m_outbox->revisionOf(setting.key()) : 0;
+        updates.push_back({setting.key(), revision, setting.value(), Outbox::Waiting::add});
     }
-    int code = sqlite3_exec(m_database, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr);
-    for (auto setting = settings.begin(); setting != settings.end() && code == SQLITE_OK;
-         ++setting) {
-        code = writeRow(m_database, setting.key(), setting.value());
+    return update(updates);
+}
+
+bool SqlitePersistence::keepOutbox()
+{
+    m_outbox.emplace();
+    if (m_outbox->open(m_database)) {
+        return true;
     }
-    if (code == SQLITE_OK) {
-        code = sqlite3_exec(m_database, "COMMIT", nullptr, nullptr, nullptr);
+    m_error = QString::fromUtf8(sqlite3_errmsg(m_database));
+    m_outbox.reset();
+    return false;
+}
+
+bool SqlitePersistence::update(const std::vector<Update>& updates)
+{
+    const bool isSameFile = idOf(m_path) == m_file;
+    bool isDone = isSameFile && Statement(m_database, "BEGIN IMMEDIATE").run();
+    for (auto change = updates.begin(); isDone && change != updates.end(); ++change) {
+        isDone = (!change->value || writeRow(m_database, change->key, *change->value))
+                 && (!m_outbox || m_outbox->set(change->key, change->revision, change->waiting));
     }
-    if (code != SQLITE_OK) {
-        m_error = QString::fromUtf8(sqlite3_errmsg(m_database));
+    if (!isDone || !Statement(m_database, "COMMIT").run()) {
+        m_error = isSameFile ? QString::fromUtf8(sqlite3_errmsg(m_database))
+                             : QStringLiteral("the file was replaced or removed");
         if (sqlite3_get_autocommit(m_database) == 0) { // some errors have rolled back already
-            sqlite3_exec(m_database, "ROLLBACK", nullptr, nullptr, nullptr);
+            Statement(m_database, "ROLLBACK").run();
+        }
+        if (m_outbox) {
+            m_outbox->open(m_database); // as it was before
         }
         return false;
     }
     m_error.clear();
-    for (auto setting = settings.begin(); setting != settings.end(); ++setting) {
-        m_rows.insert(setting.key(), setting.value());
+    for (const Update& change : updates) {
+        if (change.value) {
+            m_rows.insert(change.key, *change.value);
+        }
     }
     return true;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "mivohostkit/settingspersistence.h"
+#include "store/outbox.h"
 
 #include <zrcutils/filelock.h>
 
@@ -8,7 +9,9 @@
 #include <QtCore/QStringList>
 
 #include <memory>
+#include <optional>
 #include <utility>
+#include <vector>
 
 struct sqlite3;
 
@@ -52,6 +55,26 @@ public:
 
     QVariantHash loadAll() override { return m_rows; }
     bool write(const QVariantHash& settings) override;
+
+    /// From now on write() also puts the changes into the outbox. False, and lastError(): nothing
+    /// is noted, and nothing is to be shared.
+    bool keepOutbox();
+    const Outbox& outbox() const { return *m_outbox; } ///< there is one after keepOutbox()
+
+    /// What is known anew of a setting that machines share.
+    struct Update
+    {
+        QString key;
+        qint64 revision = 0;
+        std::optional<QVariant> value = std::nullopt; ///< to be taken over
+        Outbox::Waiting waiting = Outbox::Waiting::keep;
+    };
+    /// Takes over all of it or nothing, as durably as write(). With keepOutbox() alone does it
+    /// care for `revision` and `waiting`.
+    bool update(const std::vector<Update>& updates);
+
+    QVariant value(const QString& key) const { return m_rows.value(key); }
+    bool has(const QString& key) const { return m_rows.contains(key); }
     QString lastError() const override { return m_error; }
 
     /// Nothing to report: nobody else can open the file meanwhile.
@@ -72,6 +95,7 @@ private:
     FileId m_file;
     FileLock m_lock;
     sqlite3* m_database = nullptr;
+    std::optional<Outbox> m_outbox;
 };
 
 } // namespace mivohost

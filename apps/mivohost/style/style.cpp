@@ -1,8 +1,12 @@
 #include "mivostyle/style.h"
 
+#include "lookstyle.h"
+
 #include <QtCore/QFile>
 #include <QtCore/QHash>
 #include <QtCore/QRegularExpression>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QToolTip>
 
 #include <functional>
 
@@ -34,7 +38,7 @@ QString replaced(const QString& sheet, const QString& pattern,
     return result + sheet.mid(end);
 }
 
-QString lightened(const QString& sheet)
+QString inLook(Look look, const QString& dark)
 {
     // One that is missing is the same in both.
     static const QHash<QString, QString> lightOf{
@@ -57,8 +61,13 @@ QString lightened(const QString& sheet)
         {"3d3220", "fdf1d8"}, {"7d6234", "b98a2e"}, {"f6d39b", "6b4400"}, // notices
         {"7d3434", "9b3a3a"},                                             // what clears
     };
+    return look == Look::light ? lightOf.value(dark, dark) : dark;
+}
+
+QString lightened(const QString& sheet)
+{
     return replaced(sheet, QStringLiteral("#([0-9a-f]{2})?([0-9a-f]{6})"), [](const Match& match) {
-        return '#' + match.captured(1) + lightOf.value(match.captured(2), match.captured(2));
+        return '#' + match.captured(1) + inLook(Look::light, match.captured(2));
     });
 }
 
@@ -86,17 +95,42 @@ std::vector<QString> languageFiles()
             QStringLiteral(":/mivo/languages/mivo_zh_cn.qm")};
 }
 
-QString styleSheet()
+QColor colorOf(Look look, const char* dark)
 {
-    useResources();
-    QFile sheet(QStringLiteral(":/mivo/style/mivo.qss"));
-    sheet.open(QIODevice::ReadOnly);
-    return QString::fromUtf8(sheet.readAll());
+    return QColor('#' + inLook(look, QString::fromLatin1(dark)));
+}
+
+void apply(Look look, Qt::LayoutDirection direction)
+{
+    apply(look, styleSheet(look, direction));
+}
+
+void apply(Look look, const QString& sheet)
+{
+    const QPalette palette = LookStyle::palette(look);
+    QPalette ofWindows = palette;
+    ofWindows.setColor(QPalette::Window, colorOf(look, "1a1e23"));
+    QPalette ofAreas = palette;
+    ofAreas.setColor(QPalette::Window, colorOf(look, "20252b"));
+    QPalette ofTips = palette;
+    ofTips.setColor(QPalette::ToolTipText, colorOf(look, "d9e0e8"));
+    QApplication::setFont(LookStyle::font());
+    QApplication::setPalette(palette);
+    for (const char* type : {"QDialog", "QMainWindow"}) {
+        QApplication::setPalette(ofWindows, type);
+    }
+    QApplication::setPalette(ofAreas, "QScrollArea");
+    QToolTip::setPalette(ofTips);
+    QApplication::setStyle(new LookStyle(look, sheet));
 }
 
 QString styleSheet(Look look, Qt::LayoutDirection direction)
 {
-    const QString sheet = look == Look::light ? lightened(styleSheet()) : styleSheet();
+    useResources();
+    QFile file(QStringLiteral(":/mivo/style/mivo.qss"));
+    file.open(QIODevice::ReadOnly);
+    const QString dark = QString::fromUtf8(file.readAll());
+    const QString sheet = look == Look::light ? lightened(dark) : dark;
     return direction == Qt::RightToLeft ? mirrored(sheet) : sheet;
 }
 

@@ -57,6 +57,7 @@ public:
 
     BindingsTransfer& transfer() { return m_transfer; }
     ActionTools& tools() { return *m_tools; }
+    mivo::settings::ShortCutMgr& shortcuts() { return m_manager; }
 
 signals:
     /// A text's key and what is put into it, as MainWindow::showNotice().

@@ -23,7 +23,7 @@ namespace mivohost {
 
 namespace {
 
-constexpr int lookEvery = 50; // ms
+constexpr int askEvery = 50; // ms
 
 } // namespace
 
@@ -50,7 +50,7 @@ ActionSearch::ActionSearch(const mivo::settings::ShortCutMgr& manager, Periphera
     row->addWidget(m_text, 1);
     row->addWidget(m_find);
     row->addWidget(m_result, 2);
-    m_timer.setInterval(lookEvery);
+    m_timer.setInterval(askEvery);
     connect(&m_timer, &QTimer::timeout, this, &ActionSearch::findControls);
     connect(m_text, &QLineEdit::textChanged, this, [this] {
         showIdle();

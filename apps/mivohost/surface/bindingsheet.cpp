@@ -41,7 +41,7 @@ BindingSheet::BindingSheet(const ShortCutMgr& manager, Peripherals& peripherals,
     m_view->setTabKeyNavigation(false);
     m_view->setShowGrid(false);
     m_view->verticalHeader()->hide();
-    m_view->verticalHeader()->setDefaultSectionSize(24);
+    m_view->verticalHeader()->setDefaultSectionSize(25);
     m_view->horizontalHeader()->setMinimumSectionSize(110);
     m_view->horizontalHeader()->setHighlightSections(false);
     m_view->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);

@@ -17,7 +17,7 @@ namespace mivohost {
 
 namespace {
 
-enum Column { nameColumn, beforeColumn, afterColumn };
+enum ChangeColumn { nameColumn, beforeColumn, afterColumn };
 constexpr int keyRole = Qt::UserRole;
 constexpr int valueRole = Qt::UserRole + 1;
 
@@ -53,7 +53,7 @@ QTreeWidgetItem* row(QTreeWidgetItem* parent, const QStringList& texts)
 
 ImportDialog::ImportDialog(const SettingsFile& file, const SettingsFile::Plan& plan,
                            QWidget* parent)
-    : QDialog(parent), m_accept(nullptr)
+    : QDialog(parent)
 {
     setWindowTitle(hostText("ImportSettingsTitle"));
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);

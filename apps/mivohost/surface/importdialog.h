@@ -26,7 +26,7 @@ private:
     void addChanges(const std::vector<SettingsFile::Change>& changes);
 
     QTreeWidget* m_changes;
-    QPushButton* m_accept;
+    QPushButton* m_accept = nullptr;
 };
 
 } // namespace mivohost

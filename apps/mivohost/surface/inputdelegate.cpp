@@ -8,7 +8,7 @@ namespace mivohost {
 
 namespace {
 
-constexpr int margin = 4;
+constexpr int padding = 4;
 constexpr int barWidth = 48;
 constexpr int mostTexts = 1000;
 
@@ -21,7 +21,7 @@ void InputDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     if (isSelected) {
         painter->fillRect(option.rect, option.palette.highlight());
     }
-    QRect rect = option.rect.adjusted(margin, 0, -margin, 0);
+    QRect rect = option.rect.adjusted(padding, 0, -padding, 0);
     const QColor colour =
         option.palette.color(isSelected ? QPalette::HighlightedText : QPalette::Text);
     const double level = index.column() == InputModel::levelColumn
@@ -34,7 +34,7 @@ void InputDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
         painter->fillRect(bar, ground);
         painter->fillRect(QRect(bar.topLeft(), QSize(qRound(level * barWidth), bar.height())),
                           colour);
-        rect.setLeft(bar.right() + 2 * margin);
+        rect.setLeft(bar.right() + 2 * padding);
     }
     painter->setPen(colour);
     const QString text = index.data().toString();
@@ -59,8 +59,8 @@ void InputDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
 
 QSize InputDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const
 {
-    return {option.fontMetrics.horizontalAdvance(index.data().toString()) + 2 * margin,
-            option.fontMetrics.height() + margin};
+    return {option.fontMetrics.horizontalAdvance(index.data().toString()) + 2 * padding,
+            option.fontMetrics.height() + padding};
 }
 
 } // namespace mivohost

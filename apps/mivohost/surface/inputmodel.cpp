@@ -14,7 +14,7 @@ namespace mivohost {
 
 namespace {
 
-QString kindText(EnumPeripheralShortCutType kind)
+QString kindName(EnumPeripheralShortCutType kind)
 {
     constexpr std::array names{"", "MIDI", "DMX", "OSC"};
     return QString::fromLatin1(names[kind]);
@@ -36,7 +36,7 @@ QString textOf(const ReceivedInput& input, int column)
         return QDateTime::fromMSecsSinceEpoch(input.message.time)
             .toString(QStringLiteral("hh:mm:ss.zzz"));
     case InputModel::kindColumn:
-        return kindText(input.message.kind);
+        return kindName(input.message.kind);
     case InputModel::sourceColumn:
         return input.message.source;
     case InputModel::wordsColumn:

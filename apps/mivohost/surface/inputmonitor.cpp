@@ -6,11 +6,12 @@
 #include "surface/inputdelegate.h"
 #include "surface/inputhint.h"
 
+#include <mivowidgets/combobox.h>
+
 #include <QtCore/QLocale>
 #include <QtGui/QClipboard>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QKeyEvent>
-#include <QtWidgets/QComboBox>
 #include <QtWidgets/QHeaderView>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
@@ -37,7 +38,7 @@ constexpr std::array kinds{PeripheralMidi, PeripheralDmx, PeripheralOsc};
 
 InputMonitor::InputMonitor(Peripherals& peripherals, QWidget* parent)
     : QDialog(parent), m_peripherals(peripherals), m_decoder(peripherals), m_view(new QTableView),
-      m_kind(new QComboBox), m_text(new QLineEdit), m_pause(new QPushButton),
+      m_kind(new mivo::widgets::ComboBox), m_text(new QLineEdit), m_pause(new QPushButton),
       m_clear(new QPushButton), m_copy(new QPushButton), m_empty(new QLabel), m_state(new QLabel)
 {
     setObjectName(QStringLiteral("inputMonitor"));
@@ -51,7 +52,7 @@ InputMonitor::InputMonitor(Peripherals& peripherals, QWidget* parent)
     m_view->setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
     m_view->verticalHeader()->hide();
     m_view->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    m_view->verticalHeader()->setDefaultSectionSize(24);
+    m_view->verticalHeader()->setDefaultSectionSize(25);
     QHeaderView* header = m_view->horizontalHeader();
     header->setHighlightSections(false);
     header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);

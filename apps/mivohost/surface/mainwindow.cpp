@@ -255,6 +255,7 @@ void MainWindow::switchLanguage(const QString& language)
     }
     m_language->setCurrentIndex(m_language->findData(language));
     setTexts();
+    emit languageSwitched();
 }
 
 void MainWindow::showNotice(const QString& key, const QString& argument)

@@ -76,6 +76,7 @@ public:
 signals:
     /// The window was closed for good.
     void closed();
+    void languageSwitched();
 
 protected:
     void closeEvent(QCloseEvent* event) override;

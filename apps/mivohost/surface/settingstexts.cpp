@@ -13,6 +13,7 @@
 #include <QtCore/QTime>
 
 #include <map>
+#include <optional>
 
 namespace mivohost {
 
@@ -22,7 +23,7 @@ using Key = SettingsFile::Key;
 using Section = SettingsFile::Section;
 
 /// A text of the pages, or where the key begins with '.' one of the host's.
-QString textOf(const QString& key)
+QString shownText(const QString& key)
 {
     return key.startsWith('.') ? hostText(key.mid(1)) : mivo::settings::text(key);
 }
@@ -137,7 +138,7 @@ QString partText(const QString& name, const QVariant& value)
     if (choices != choiceTexts.end()) {
         const auto choice = choices->second.find(value.toInt());
         if (choice != choices->second.end()) {
-            return textOf(choice->second);
+            return shownText(choice->second);
         }
     }
     const QString text = value.toString();
@@ -152,6 +153,16 @@ QString mappingNames(const QString& json)
         names.append(mapping[QStringLiteral("name")].toString());
     }
     return names.join(QStringLiteral(", "));
+}
+
+std::optional<Key> keyOf(const QString& name)
+{
+    for (const auto& setting : settingTexts) {
+        if (SettingsFile::nameOf(setting.first) == name) {
+            return setting.first;
+        }
+    }
+    return std::nullopt;
 }
 
 } // namespace
@@ -173,12 +184,30 @@ QString sectionText(Section section)
         {Section::online, "OnlineSettings"},
         {Section::host, ".SettingsOfTheProgram"},
     };
-    return textOf(texts.at(section));
+    return shownText(texts.at(section));
 }
 
 QString settingText(Key key)
 {
-    return textOf(settingTexts.at(key));
+    return shownText(settingTexts.at(key));
+}
+
+QString settingText(const QString& name)
+{
+    const auto key = keyOf(name);
+    return key ? settingText(*key) : name;
+}
+
+QString valueText(const QString& name, const QVariant& kept)
+{
+    const auto key = keyOf(name);
+    QVariant value = kept;
+    for (const auto& setting : SettingsStore().all()) {
+        if (setting.name == name) {
+            value.convert(setting.fallback.userType()); // a choice of two is kept as a number
+        }
+    }
+    return key ? valueText(*key, value) : value.toString();
 }
 
 QString valueText(Key key, const QVariant& value)

@@ -12,6 +12,10 @@ QString sectionText(SettingsFile::Section section);
 QString settingText(SettingsFile::Key key);
 QString valueText(SettingsFile::Key key, const QVariant& value);
 
+/// The same by the name and value as they are kept. What this version has no words for, as it is.
+QString settingText(const QString& name);
+QString valueText(const QString& name, const QVariant& kept);
+
 /// Why a setting of a file is not taken.
 QString refusedText(const SettingsFile::Refused& refused);
 /// Why a file could not be read.

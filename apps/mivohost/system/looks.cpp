@@ -29,11 +29,10 @@ const QString schemeGroup = QStringLiteral("org.freedesktop.appearance");
 const QString schemeKey = QStringLiteral("color-scheme");
 #endif
 
+/// The desktop's: a look leaves the ground of windows as it is.
 Look lookOf(const QPalette& palette)
 {
-    return palette.color(QPalette::Window).lightness() < palette.color(QPalette::Text).lightness()
-               ? Look::dark
-               : Look::light;
+    return palette.color(QPalette::Window).lightness() < 128 ? Look::dark : Look::light;
 }
 
 } // namespace
@@ -58,10 +57,10 @@ Looks::Looks(const QString& name)
 void Looks::apply()
 {
     const Look look = m_chosen.value_or(m_desktop.value_or(lookOf(QGuiApplication::palette())));
-    const QString sheet = mivo::style::styleSheet(look, QGuiApplication::layoutDirection());
-    if (sheet != m_sheet) { // setting one is slow, even the same one
-        m_sheet = sheet;
-        qApp->setStyleSheet(sheet);
+    const auto wanted = std::pair(look, QGuiApplication::layoutDirection());
+    if (wanted != m_applied) { // applying one is slow, and changes the palette
+        m_applied = wanted;
+        mivo::style::apply(wanted.first, wanted.second);
     }
 }
 

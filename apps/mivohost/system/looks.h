@@ -6,6 +6,7 @@
 #include <QtCore/QVariant>
 
 #include <optional>
+#include <utility>
 
 #if MIVO_HAS_DBUS
 class QDBusVariant;
@@ -13,9 +14,9 @@ class QDBusVariant;
 
 namespace mivohost {
 
-/// Gives the application its style sheet, in the chosen look or in that of the desktop, which it
-/// follows then. What the desktop says on the session bus counts, else how light the palette is.
-/// GUI thread, which waits for neither.
+/// Gives the application the chosen look, or that of the desktop, which it follows then. What the
+/// desktop says on the session bus counts, else how light the palette is. GUI thread, which waits
+/// for neither.
 class Looks : public QObject
 {
     Q_OBJECT
@@ -39,7 +40,7 @@ private:
 
     std::optional<mivo::style::Look> m_chosen;
     std::optional<mivo::style::Look> m_desktop; // as the session bus has it
-    QString m_sheet;
+    std::optional<std::pair<mivo::style::Look, Qt::LayoutDirection>> m_applied;
 };
 
 } // namespace mivohost

@@ -67,8 +67,9 @@ std::filesystem::path shortCutFile()
 
 void KeyTable::load()
 {
-    lists.indexShortCutList.clear();
-    lists.pathShortCutList.clear();
+    m_lists.indexShortCutList.clear();
+    m_lists.pathShortCutList.clear();
+    forgetHolders();
     m_fileIsUnreadable = false;
     const CallSite site("loadShortCutInfoList");
     try {
@@ -78,7 +79,7 @@ void KeyTable::load()
         if (!content) {
             return; // a first run
         }
-        lists.shortCutInfoList = parseShortCuts(*content);
+        m_lists.shortCutInfoList = parseShortCuts(*content);
         m_fileIsUnreadable = false;
     } catch (const std::filesystem::filesystem_error& error) {
         logAt(spdlog::level::err, site, "filesystem_error error msg: {}", error.what());
@@ -87,16 +88,20 @@ void KeyTable::load()
         logAt(spdlog::level::err, site, "std::exception error msg: {}", error.what());
         return;
     }
-    for (const STShortCutItem& item : lists.shortCutInfoList) {
-        (item.type == ShortCutOfPath ? lists.pathShortCutList : lists.indexShortCutList)
+    for (const STShortCutItem& item : m_lists.shortCutInfoList) {
+        (item.type == ShortCutOfPath ? m_lists.pathShortCutList : m_lists.indexShortCutList)
             .push_back(item);
     }
 }
 
 std::string KeyTable::save()
 {
-    auto items = lists.indexShortCutList;
-    items.insert(items.end(), lists.pathShortCutList.begin(), lists.pathShortCutList.end());
+    // Assigned one by one, the entries keep the memory of their texts.
+    Items& items = m_lists.shortCutInfoList;
+    items.resize(m_lists.indexShortCutList.size() + m_lists.pathShortCutList.size());
+    std::copy(m_lists.pathShortCutList.begin(), m_lists.pathShortCutList.end(),
+              std::copy(m_lists.indexShortCutList.begin(), m_lists.indexShortCutList.end(),
+                        items.begin()));
     const CallSite site("saveShortCutInfoList");
     std::filesystem::path aside;
     try {
@@ -111,15 +116,18 @@ std::string KeyTable::save()
     } catch (const std::exception& error) {
         logAt(spdlog::level::err, site, "std::exception error msg: {}", error.what());
     }
-    lists.shortCutInfoList = std::move(items);
     return aside.u8string();
 }
 
 void KeyTable::put(EnumShortCutType type, const std::string& path, const std::string& keys,
                    ShortCutModuleType module)
 {
-    takeOut(listOf(module), [&](const STShortCutItem& item) { return matches(item, type, path); });
-    (module == ShortCutModuleIndex ? lists.indexShortCutList : lists.pathShortCutList)
+    const auto taken = takeOut(
+        listOf(module), [&](const STShortCutItem& item) { return matches(item, type, path); });
+    if (!taken.empty()) {
+        forgetHolders();
+    }
+    (module == ShortCutModuleIndex ? m_lists.indexShortCutList : m_lists.pathShortCutList)
         .push_back({type, path, keys});
 }
 
@@ -133,31 +141,41 @@ bool KeyTable::remove(EnumShortCutType type, const std::string& path, ShortCutMo
         return false;
     }
     items.erase(found);
+    forgetHolders();
     return true;
 }
 
 const STShortCutItem* KeyTable::holderOf(const std::string& keys) const
 {
-    for (const auto* items : {&lists.indexShortCutList, &lists.pathShortCutList}) {
-        const auto found =
-            std::find_if(items->begin(), items->end(),
-                         [&keys](const STShortCutItem& item) { return item.shortCutStr == keys; });
-        if (found != items->end()) {
-            return &*found;
-        }
-    }
-    return nullptr;
+    const STShortCutItem* holder = m_indexHolders.find(m_lists.indexShortCutList, keys);
+    return holder != nullptr ? holder : m_pathHolders.find(m_lists.pathShortCutList, keys);
 }
 
 std::vector<STShortCutItem> KeyTable::takeHoldersOf(const std::string& keys)
 {
     std::vector<STShortCutItem> holders;
-    for (auto* items : {&lists.indexShortCutList, &lists.pathShortCutList}) {
+    for (Items* items : {&m_lists.indexShortCutList, &m_lists.pathShortCutList}) {
         const auto taken = takeOut(
             *items, [&keys](const STShortCutItem& item) { return item.shortCutStr == keys; });
         holders.insert(holders.end(), taken.begin(), taken.end());
     }
+    forgetHolders();
     return holders;
+}
+
+const STShortCutItem* KeyTable::Holders::find(const Items& items, const std::string& keys)
+{
+    if (items.empty()) {
+        return nullptr;
+    }
+    if (noted == 0) {
+        places.reserve(items.size());
+    }
+    for (; noted < items.size(); ++noted) {
+        places.try_emplace(items[noted].shortCutStr, noted);
+    }
+    const auto found = places.find(keys);
+    return found == places.end() ? nullptr : &items[found->second];
 }
 
 } // namespace mivo::settings

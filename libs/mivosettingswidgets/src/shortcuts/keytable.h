@@ -3,6 +3,8 @@
 #include "mivohostapi/shortcuttypes.h"
 
 #include <string>
+#include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace mivo::settings {
@@ -11,11 +13,24 @@ namespace mivo::settings {
 class KeyTable
 {
 public:
-    STLinkShortCutInfo lists;
+    const STLinkShortCutInfo& lists() const { return m_lists; }
+    /// Lets `change` do what it will with the lists.
+    template <typename Change>
+    void edit(Change change)
+    {
+        change(m_lists);
+        forgetHolders();
+    }
+    /// Replaces the lists, and returns what they were.
+    STLinkShortCutInfo exchange(STLinkShortCutInfo lists)
+    {
+        edit([&lists](STLinkShortCutInfo& held) { std::swap(held, lists); });
+        return lists;
+    }
 
     bool isEmpty() const
     {
-        return lists.indexShortCutList.empty() && lists.pathShortCutList.empty();
+        return m_lists.indexShortCutList.empty() && m_lists.pathShortCutList.empty();
     }
 
     /// Reads the file. Without one, or with one that cannot be read, the table is empty; the latter
@@ -32,7 +47,7 @@ public:
     /// Removes the first entry of that type and path; false where there is none.
     bool remove(EnumShortCutType type, const std::string& path, ShortCutModuleType module);
 
-    /// The first entry that holds the keys, or null.
+    /// The first entry that holds the keys, or null; at a cost that does not grow with the table.
     const STShortCutItem* holderOf(const std::string& keys) const;
     /// Removes all entries that hold the keys, and returns them.
     std::vector<STShortCutItem> takeHoldersOf(const std::string& keys);
@@ -43,11 +58,27 @@ public:
     }
 
 private:
-    std::vector<STShortCutItem>& listOf(ShortCutModuleType module)
-    {
-        return module != ShortCutModulePath ? lists.indexShortCutList : lists.pathShortCutList;
-    }
+    using Items = std::vector<STShortCutItem>;
 
+    /// Where the first entry of each key sequence stands in a list. What is appended is noted; all
+    /// else has the places worked out again when one is asked for next.
+    struct Holders
+    {
+        std::unordered_map<std::string, std::size_t> places;
+        std::size_t noted = 0; // so many entries, from the first on
+
+        const STShortCutItem* find(const Items& items, const std::string& keys);
+    };
+
+    Items& listOf(ShortCutModuleType module)
+    {
+        return module != ShortCutModulePath ? m_lists.indexShortCutList : m_lists.pathShortCutList;
+    }
+    void forgetHolders() { m_indexHolders = m_pathHolders = {}; }
+
+    STLinkShortCutInfo m_lists;
+    mutable Holders m_indexHolders;
+    mutable Holders m_pathHolders;
     bool m_fileIsUnreadable = false;
 };
 

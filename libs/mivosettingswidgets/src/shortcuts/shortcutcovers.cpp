@@ -5,6 +5,8 @@
 #include <mivowidgets/shortcutcover.h>
 
 #include <algorithm>
+#include <iterator>
+#include <string_view>
 
 namespace mivo::settings {
 
@@ -64,6 +66,8 @@ std::unordered_map<std::string, ShortCutCover*> ShortCutCovers::byReportedPath()
 void ShortCutCovers::pushTexts(const STLinkShortCutInfo& table) const
 {
     Texts texts;
+    texts.byType.reserve(table.indexShortCutList.size());
+    texts.byPath.reserve(table.pathShortCutList.size());
     for (const STShortCutItem& item : table.indexShortCutList) {
         texts.byType[item.type] = &item.shortCutStr;
     }
@@ -81,52 +85,66 @@ void ShortCutCovers::pushTexts(const STLinkShortCutInfo& table) const
 
 void ShortCutCovers::takeTexts(STLinkShortCutInfo& table) const
 {
-    takeTexts(m_byIndex, table.indexShortCutList,
-              [](const STShortCutItem& item) { return static_cast<int>(item.type); });
-    takeTexts(m_byPath, table.pathShortCutList,
-              [](const STShortCutItem& item) { return item.path; });
+    takeTexts<int>(
+        m_byIndex, table.indexShortCutList, [](const STShortCutItem& item) { return item.type; },
+        [](const Cover& cover) { return cover.getShortCutIndex(); });
+    takeTexts<std::string_view>(
+        m_byPath, table.pathShortCutList,
+        [](const STShortCutItem& item) { return std::string_view(item.path); },
+        [](const Cover& cover) { return std::string_view(cover.getShortCutPath()); });
 }
 
-template <typename KeyOf>
+template <typename Key, typename OfItem, typename OfCover>
 void ShortCutCovers::takeTexts(const QSet<Cover*>& covers, std::vector<STShortCutItem>& items,
-                               KeyOf keyOf)
+                               OfItem keyOfItem, OfCover keyOfCover)
 {
-    using Key = decltype(keyOf(items.front()));
     struct Place
     {
         std::size_t last = 0; // the index of the last entry with that key
         bool hasCover = false;
     };
-    std::unordered_map<Key, Place> places;
+    std::unordered_map<Key, Place> places(items.size());
     for (std::size_t i = 0; i < items.size(); ++i) {
-        places[keyOf(items[i])].last = i;
+        places[keyOfItem(items[i])].last = i;
     }
+    const bool areAllDifferent = places.size() == items.size();
+    std::vector<STShortCutItem> added; // not yet to `items`, as keys refer to these
     for (const ShortCutCover* cover : covers) {
-        STShortCutItem shown{cover->getShortCutIndex(), cover->getShortCutPath(),
-                             cover->getShortCutStr().toStdString()};
-        const auto place = places.find(keyOf(shown));
-        if (place != places.end()) {
-            place->second.hasCover = true;
+        const QString shown = cover->getShortCutStr();
+        const auto found = places.find(keyOfCover(*cover));
+        if (found != places.end()) {
+            found->second.hasCover = true;
         }
-        if (shown.shortCutStr.empty()) {
+        if (shown.isEmpty()) {
             continue;
         }
-        if (place == places.end()) {
-            places[keyOf(shown)] = {items.size(), true};
-            items.push_back(std::move(shown));
-        } else {
-            items[place->second.last] = std::move(shown);
+        if (found == places.end()) {
+            places[keyOfCover(*cover)] = {items.size() + added.size(), true};
+            added.push_back(
+                {cover->getShortCutIndex(), cover->getShortCutPath(), shown.toStdString()});
+            continue;
         }
+        const std::size_t at = found->second.last;
+        STShortCutItem& item = at < items.size() ? items[at] : added[at - items.size()];
+        item.type = cover->getShortCutIndex();
+        if (item.path != cover->getShortCutPath()) { // a key that refers to it stays good
+            item.path = cover->getShortCutPath();
+        }
+        item.shortCutStr = shown.toStdString();
     }
     // Of several entries with one key the cover shows the last one. The others are removed, as no
     // cover could clear them.
-    std::size_t at = 0;
-    items.erase(std::remove_if(items.begin(), items.end(),
-                               [&](const STShortCutItem& item) {
-                                   const Place& place = places[keyOf(item)];
-                                   return at++ != place.last && place.hasCover;
-                               }),
-                items.end());
+    if (!areAllDifferent) {
+        std::size_t at = 0;
+        const auto isHidden = [&](const STShortCutItem& item) {
+            const Place& place = places[keyOfItem(item)];
+            return at++ != place.last && place.hasCover;
+        };
+        std::vector<STShortCutItem> kept;
+        std::remove_copy_if(items.begin(), items.end(), std::back_inserter(kept), isHidden);
+        items = std::move(kept);
+    }
+    items.insert(items.end(), added.begin(), added.end());
 }
 
 void ShortCutCovers::showBindings(EnumPeripheralShortCutType kind,

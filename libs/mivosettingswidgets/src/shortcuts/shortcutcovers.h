@@ -59,9 +59,9 @@ public:
     bool isAnyBound(EnumPeripheralShortCutType kind) const;
 
 private:
-    template <typename KeyOf>
+    template <typename Key, typename OfItem, typename OfCover>
     static void takeTexts(const QSet<Cover*>& covers, std::vector<STShortCutItem>& items,
-                          KeyOf keyOf);
+                          OfItem keyOfItem, OfCover keyOfCover);
 
     QSet<Cover*> m_byIndex;
     QSet<Cover*> m_byPath;

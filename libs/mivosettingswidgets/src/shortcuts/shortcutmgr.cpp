@@ -38,7 +38,7 @@ void ShortCutMgr::saveShortCutInfoList()
 
 STLinkShortCutInfo ShortCutMgr::linkShortCutInfo() const
 {
-    return m_impl->keys.lists;
+    return m_impl->keys.lists();
 }
 
 void ShortCutMgr::shortCutInfoSave(const STLinkShortCutInfo& info)
@@ -46,7 +46,7 @@ void ShortCutMgr::shortCutInfoSave(const STLinkShortCutInfo& info)
     STLinkShortCutInfo wanted = info; // a copy: it may refer to the lists that are cleared now
     // As slotClearShortCut(), but without writing a file without keys meanwhile.
     m_impl->clearKeys(Impl::Write::no);
-    m_impl->keys.lists = std::move(wanted);
+    m_impl->keys.exchange(std::move(wanted));
     m_impl->save();
     m_impl->keys.load();
     setAllShortCutStr();
@@ -61,15 +61,15 @@ void ShortCutMgr::shortCutInfoSave(const STLinkShortCutInfo& info)
 
 void ShortCutMgr::setAllShortCutStr()
 {
-    m_impl->covers.pushTexts(m_impl->keys.lists);
+    m_impl->covers.pushTexts(m_impl->keys.lists());
     emit signalClearShortCutState(m_impl->keys.isEmpty());
-    m_impl->covers.takeTexts(m_impl->keys.lists);
+    setProgramShortCutInfo();
     m_impl->save();
 }
 
 void ShortCutMgr::setProgramShortCutInfo()
 {
-    m_impl->covers.takeTexts(m_impl->keys.lists);
+    m_impl->keys.edit([this](STLinkShortCutInfo& lists) { m_impl->covers.takeTexts(lists); });
 }
 
 void ShortCutMgr::setBindShortCutAndCover(const QList<ShortCutCover*>& covers)

@@ -25,7 +25,7 @@ void ShortCutMgr::Impl::save()
     if (!aside.empty()) {
         emit m_manager->signalShortCutFilePutAside(aside);
     }
-    emit m_manager->signalShortCutSave(keys.lists);
+    emit m_manager->signalShortCutSave(keys.lists());
 }
 
 void ShortCutMgr::Impl::onSaveShortCutInfoList(bool isSave)
@@ -109,7 +109,7 @@ bool ShortCutMgr::Impl::systemShortCutRepeat(const QString& text)
 
 void ShortCutMgr::Impl::clearKeys(Write write)
 {
-    const auto before = std::exchange(keys.lists, {}).shortCutInfoList;
+    const auto before = keys.exchange({}).shortCutInfoList;
     covers.forEach([](ShortCutCover& cover) { cover.shortCutStrChanged(QString()); });
     if (write == Write::yes) {
         save();

@@ -7,23 +7,29 @@
 
 #include <vector>
 
-/// The look and the texts of the pages, compiled in as Qt resources. Any thread.
+/// The look and the texts of the pages, compiled in as Qt resources. Any thread, if not said
+/// otherwise.
 namespace mivo::style {
 
 /// The language files, in the form that SettingsDialog::loadLanguageFiles() takes: English ("en")
 /// and Simplified Chinese ("zh_CN").
 MIVOSTYLE_EXPORT std::vector<QString> languageFiles();
 
-/// The dark style sheet, for QApplication::setStyleSheet(). Its icons are SVG files
-/// (":/mivo/style/icons/check.svg", ...), which need Qt's plugin for SVG (libqt5svg5): without it
-/// they are missing.
-MIVOSTYLE_EXPORT QString styleSheet();
-
 /// Dark for dark rooms; light for what is set up by day.
 enum class Look { dark, light };
 
-/// The same sheet in the colours of a look. With a layout from right to left, what it gives for one
-/// side holds for the other.
+/// Gives the application a look: its style, font and style sheet, and the colours of its palette
+/// but for those of windows, which stay the desktop's. May be called again for another look. GUI
+/// thread. Icons are SVG files (":/mivo/style/icons/check.svg", ...), which need Qt's plugin for
+/// SVG (libqt5svg5): without it they are missing.
+MIVOSTYLE_EXPORT void apply(Look look, Qt::LayoutDirection direction = Qt::LeftToRight);
+
+/// @{
+/// The style sheet of a look, and the look with such a sheet that a host has changed. It has what
+/// is rarely shown and what is addressed by a name, each rule by itself; the style draws the rest.
+/// With a layout from right to left, what it gives for one side holds for the other.
+MIVOSTYLE_EXPORT void apply(Look look, const QString& sheet);
 MIVOSTYLE_EXPORT QString styleSheet(Look look, Qt::LayoutDirection direction = Qt::LeftToRight);
+/// @}
 
 } // namespace mivo::style

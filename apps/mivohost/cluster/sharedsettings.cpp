@@ -1,0 +1,402 @@
+#include "cluster/sharedsettings.h"
+
+#include "base/hostlog.h"
+
+#include <QtCore/QJsonDocument>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace mivohost {
+
+using Update = SqlitePersistence::Update;
+using Waiting = Outbox::Waiting;
+using Status = etcd::Answer::Status;
+
+namespace {
+
+const QLatin1String valueField("value");
+const QLatin1String machineField("by");
+const QLatin1String nameField("name");
+constexpr int longestName = 64;
+
+} // namespace
+
+SharedSettings::SharedSettings(std::unique_ptr<SqlitePersistence> local, Identity identity)
+    : m_local(std::move(local)), m_identity(std::move(identity))
+{}
+
+bool SharedSettings::write(const QVariantHash& settings)
+{
+    keepPending();
+    if (settings.size() == 1) {
+        sendAtOnce(settings.begin().key(), settings.begin().value());
+    }
+    m_isKept = m_local->write(settings);
+    if (!m_isKept) {
+        return false;
+    }
+    tellWaiting();
+    sendNext();
+    return true;
+}
+
+void SharedSettings::setListener(Listener listener)
+{
+    m_listener = std::move(listener);
+    m_isConnected = false;
+    m_isSending = false;
+    m_told = -1;
+    tellWaiting();
+}
+
+void SharedSettings::setConnected(bool isConnected)
+{
+    m_isConnected = isConnected;
+    m_isSending = false;
+    sendNext();
+}
+
+void SharedSettings::takePage(const Page& page)
+{
+    if (page.isFirst) {
+        m_read.clear();
+    }
+    Updates updates;
+    for (const etcd::KeyValue& there : page.values) {
+        const QString name = nameOf(there.key);
+        if (!name.isEmpty()) {
+            m_read.insert(name);
+            compare(name, there, true, updates);
+        }
+    }
+    if (page.isLast) { // what this machine has and etcd has not, or not any more
+        const QVariantHash rows = m_local->loadAll();
+        for (auto row = rows.begin(); row != rows.end(); ++row) {
+            if (!m_read.contains(row.key()) && !m_local->outbox().isWaiting(row.key())) {
+                updates.push_back({row.key(), 0, std::nullopt, Waiting::add});
+            }
+        }
+        m_read.clear();
+    }
+    takeOver(updates);
+}
+
+void SharedSettings::takeChanges(const std::vector<etcd::KeyValue>& values)
+{
+    Updates updates;
+    QSet<QString> names; // what follows for a setting depends on what it was before
+    for (const etcd::KeyValue& there : values) {
+        const QString name = nameOf(there.key);
+        if (names.contains(name)) {
+            takeOver(std::exchange(updates, {}));
+            names.clear();
+        }
+        names.insert(name);
+        if (m_local->outbox().isWaiting(name)) {
+            m_held[name] = there; // the answer to the own change may be older than this
+        } else if (!name.isEmpty()) {
+            compare(name, there, false, updates);
+        }
+    }
+    takeOver(updates);
+}
+
+void SharedSettings::takeAnswer(const std::vector<SentChange>& batch, const etcd::Answer& answer)
+{
+    m_isSending = false;
+    if (answer.status == Status::ok) {
+        Updates updates;
+        for (const SentChange& sent : batch) {
+            const auto found = std::find_if(
+                answer.values.begin(), answer.values.end(),
+                [&sent](const etcd::KeyValue& value) { return value.key == sent.write.key; });
+            const etcd::KeyValue written{sent.write.key, sent.write.value, answer.revision};
+            const etcd::KeyValue* there = answer.isWritten               ? &written
+                                          : found == answer.values.end() ? nullptr
+                                                                         : &*found;
+            if (!m_local->outbox().isWaiting(sent.name)) { // it could not be kept here
+                if (there != nullptr) {
+                    compare(sent.name, *there, false, updates);
+                }
+            } else if (answer.isWritten) {
+                const bool isNewest = m_local->outbox().numberOf(sent.name) == sent.number;
+                updates.push_back({sent.name, answer.revision, std::nullopt,
+                                   isNewest ? Waiting::remove : Waiting::keep});
+            } else {
+                settle(sent, there, updates);
+            }
+        }
+        takeOver(updates);
+        Updates held;
+        for (const SentChange& sent : batch) {
+            const auto later = m_held.find(sent.name);
+            if (later != m_held.end() && !m_local->outbox().isWaiting(sent.name)) {
+                compare(sent.name, later->second, false, held);
+                m_held.erase(later);
+            }
+        }
+        takeOver(held);
+    }
+    sendNext();
+}
+
+SharedSettings::Texts SharedSettings::shortcuts() const
+{
+    Texts texts;
+    const QVariantHash rows = m_local->loadAll();
+    for (auto row = rows.begin(); row != rows.end(); ++row) {
+        if (row.key().startsWith(shortcutPrefix)) {
+            texts.insert(row.key(), row.value().toString());
+        }
+    }
+    return texts;
+}
+
+void SharedSettings::shareShortcuts(const Texts& changes, bool isFirst)
+{
+    Updates updates;
+    for (auto change = changes.begin(); change != changes.end(); ++change) {
+        updates.push_back({change.key(), m_local->outbox().revisionOf(change.key()), change.value(),
+                           isFirst ? Waiting::keep : Waiting::add});
+    }
+    keepPending();
+    m_pending = updates;
+    announce(updates); // also to who shares them: another's change may be on its way there
+    keepPending();
+    tellWaiting();
+    sendNext();
+}
+
+int SharedSettings::adopt(const std::vector<etcd::KeyValue>& values, QString& error)
+{
+    QVariantHash adopted;
+    for (const etcd::KeyValue& there : values) {
+        const QString name = QString::fromUtf8(there.key.mid(there.key.lastIndexOf('/') + 1));
+        const auto value = decode(there.value);
+        if (value && m_identity.own.contains(name)) {
+            adopted.insert(name, value->value);
+        }
+    }
+    if (!write(adopted)) {
+        error = lastError();
+        return 0;
+    }
+    return adopted.size();
+}
+
+void SharedSettings::setAgain(const LostChange& change)
+{
+    if (write({{change.name, change.mine}})) {
+        announce({{change.name, 0, change.mine}});
+    } else if (m_listener.failed) {
+        m_listener.failed(lastError());
+    }
+}
+
+QByteArray SharedSettings::keyOf(const QString& name) const
+{
+    return m_identity.prefix
+           + (m_identity.own.contains(name) ? "own/" + m_identity.machine.toUtf8() + '/' : "show/")
+           + name.toUtf8();
+}
+
+QString SharedSettings::nameOf(const QByteArray& key) const
+{
+    const QString name = QString::fromUtf8(key.mid(key.lastIndexOf('/') + 1));
+    return key == keyOf(name) ? name : QString();
+}
+
+QByteArray SharedSettings::encode(const QVariant& value) const
+{
+    const QJsonValue json = value.userType() == QMetaType::QString ? QJsonValue(value.toString())
+                                                                   : QJsonValue(value.toDouble());
+    return QJsonDocument(QJsonObject{{valueField, json},
+                                     {machineField, m_identity.machine},
+                                     {nameField, m_identity.name.left(longestName)}})
+        .toJson(QJsonDocument::Compact);
+}
+
+std::optional<SharedSettings::Value> SharedSettings::decode(const QByteArray& json)
+{
+    if (json.size() > longestValue) {
+        return std::nullopt;
+    }
+    const QJsonObject object = QJsonDocument::fromJson(json).object();
+    const QJsonValue value = object.value(valueField);
+    const QString machine = object.value(machineField).toString();
+    const QString name = object.value(nameField).toString().left(longestName);
+    if (value.isString()) {
+        return Value{value.toString(), machine, name};
+    }
+    if (!value.isDouble()) {
+        return std::nullopt;
+    }
+    constexpr double mostExact = 9007199254740992.; // 2^53
+    const double number = value.toDouble();
+    if (number == std::floor(number) && std::abs(number) < mostExact) {
+        return Value{static_cast<qlonglong>(number), machine, name};
+    }
+    return Value{number, machine, name};
+}
+
+bool SharedSettings::isHere(const QString& name, const QVariant& value) const
+{
+    return m_local->has(name) && encode(m_local->value(name)) == encode(value);
+}
+
+/// What follows from a value in etcd for a setting that is not on its way there.
+void SharedSettings::compare(const QString& name, const etcd::KeyValue& there, bool isOfPage,
+                             Updates& updates) const
+{
+    const qint64 seen = m_local->outbox().revisionOf(name);
+    if (m_local->outbox().isWaiting(name) || (there.revision <= seen && !isOfPage)) {
+        return;
+    }
+    const auto value = decode(there.value);
+    if (there.isDeleted) {
+        if (m_local->has(name)) { // nobody deletes settings: the show gets it again
+            updates.push_back({name, 0, std::nullopt, Waiting::add});
+        }
+    } else if (!value) {
+        hostLog()->warn("{} in etcd is no value of a setting", there.key.toStdString());
+    } else if (isHere(name, value->value)) {
+        if (there.revision != seen) {
+            updates.push_back({name, there.revision, {}});
+        }
+    } else if (there.revision > seen) {
+        hostLog()->info("setting {} = {} by machine {}", name.toStdString(),
+                        value->value.toString().left(200).toStdString(), value->name.toStdString());
+        updates.push_back({name, there.revision, value->value});
+    } else { // etcd was put back to an older state than this machine has seen
+        updates.push_back({name, there.revision, std::nullopt, Waiting::add});
+    }
+}
+
+/// What follows for a change that was not carried out; `there`: what etcd has, null: nothing.
+void SharedSettings::settle(const SentChange& sent, const etcd::KeyValue* there, Updates& updates)
+{
+    const qint64 revision = there == nullptr ? 0 : there->revision;
+    const auto theirs = there == nullptr ? std::nullopt : decode(there->value);
+    const bool isOther = theirs && revision != sent.write.revision;
+    if (isOther && (there->value == sent.write.value || isHere(sent.name, theirs->value))) {
+        // Its own, whose answer was lost, or somebody has set the same.
+        const bool isNewest = m_local->outbox().numberOf(sent.name) == sent.number
+                              || isHere(sent.name, theirs->value);
+        updates.push_back(
+            {sent.name, revision, std::nullopt, isNewest ? Waiting::remove : Waiting::keep});
+    } else if (!isOther || theirs->machine == m_identity.machine) {
+        updates.push_back({sent.name, revision, {}}); // sent again, after an earlier one of its own
+    } else {
+        const QVariant mine = m_local->value(sent.name);
+        hostLog()->warn("setting {} = {} is lost: machine {} was faster and set {}",
+                        sent.name.toStdString(), mine.toString().left(200).toStdString(),
+                        theirs->name.toStdString(),
+                        theirs->value.toString().left(200).toStdString());
+        if (m_listener.lost) {
+            m_listener.lost({sent.name, mine, theirs->value, theirs->name});
+        }
+        updates.push_back({sent.name, revision, theirs->value, Waiting::remove});
+    }
+}
+
+void SharedSettings::takeOver(const Updates& updates)
+{
+    if (updates.empty()) {
+        return;
+    }
+    QStringList replaced;
+    for (const Update& update : updates) {
+        if (update.value && update.waiting == Waiting::keep && m_local->has(update.key)
+            && m_local->outbox().revisionOf(update.key) == 0) {
+            replaced.append(update.key);
+        }
+    }
+    keepPending();
+    m_pending = updates;
+    announce(updates);
+    keepPending();
+    if (!replaced.isEmpty() && m_listener.replaced) {
+        m_listener.replaced(replaced);
+    }
+    tellWaiting();
+    sendNext();
+}
+
+/// Called before anything else is written: whoever is told of a change may set something.
+void SharedSettings::keepPending()
+{
+    const Updates updates = std::exchange(m_pending, {});
+    if (!updates.empty()) {
+        m_isKept = m_local->update(updates);
+        if (!m_isKept && m_listener.failed) {
+            m_listener.failed(m_local->lastError());
+        }
+    }
+}
+
+void SharedSettings::announce(const Updates& updates)
+{
+    Texts shortcuts;
+    for (const Update& update : updates) {
+        if (update.value && update.key.startsWith(shortcutPrefix)) {
+            shortcuts.insert(update.key, update.value->toString());
+        } else if (update.value && m_handler) {
+            m_handler(update.key, *update.value);
+        }
+    }
+    if (!shortcuts.isEmpty() && m_listener.shortcutsChanged) {
+        m_listener.shortcutsChanged(shortcuts);
+    }
+}
+
+/// A change that is about to be written into the file; unless others wait, or the file takes none.
+void SharedSettings::sendAtOnce(const QString& name, const QVariant& value)
+{
+    const Outbox& outbox = m_local->outbox();
+    const QByteArray json = encode(value);
+    if (canSend() && m_isKept && outbox.count() == 0 && json.size() <= longestValue) {
+        m_isSending = true;
+        m_listener.send(
+            {{name, outbox.nextNumber(), {keyOf(name), json, outbox.revisionOf(name)}}});
+    }
+}
+
+void SharedSettings::sendNext()
+{
+    if (!canSend()) {
+        return;
+    }
+    std::vector<SentChange> batch;
+    int bytes = 0;
+    Updates tooLong;
+    for (const Outbox::Change& change : m_local->outbox().oldest(mostInOneBatch)) {
+        const QByteArray value = encode(m_local->value(change.key));
+        if (value.size() > longestValue) {
+            tooLong.push_back({change.key, change.revision, std::nullopt, Waiting::remove});
+            m_listener.tooLong(change.key);
+        } else if ((bytes += value.size()) > mostBytesInOneBatch) {
+            break;
+        } else {
+            batch.push_back(
+                {change.key, change.number, {keyOf(change.key), value, change.revision}});
+        }
+    }
+    m_isSending = !batch.empty();
+    if (m_isSending) {
+        m_listener.send(batch);
+    }
+    takeOver(tooLong);
+}
+
+void SharedSettings::tellWaiting()
+{
+    const int count = m_local->outbox().count();
+    if (count != m_told && m_listener.waiting) {
+        m_told = count;
+        m_listener.waiting(count);
+    }
+}
+
+} // namespace mivohost

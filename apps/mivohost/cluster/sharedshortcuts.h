@@ -1,0 +1,52 @@
+#pragma once
+
+#include "cluster/sharedsettings.h"
+#include "mivohostapi/shortcuttypes.h"
+
+#include <QtCore/QObject>
+#include <QtCore/QString>
+#include <QtCore/QTimer>
+
+namespace mivo::settings {
+class ShortCutMgr;
+}
+
+namespace mivohost {
+
+class Synchroniser;
+
+/// Shares the keys of a shortcut manager, each action's for itself, as settings are shared. The
+/// manager's file stays what it is. An entry that this version has no action for stays with the
+/// others. GUI thread; it belongs to the synchroniser, and the manager must outlive it.
+class SharedShortcuts : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// `manager` has read its file. Where that differs from what this machine shared last, the
+    /// latter holds, and the other is told as lost.
+    SharedShortcuts(mivo::settings::ShortCutMgr& manager, Synchroniser& synchroniser);
+
+    /// Keys by the names under which they are shared; empty for an action without one.
+    using Table = SharedSettings::Texts;
+
+    static bool isName(const QString& name);
+    static QString nameOf(const STShortCutItem& item);
+    /// Type and path of a name; no type for what is none.
+    static STShortCutItem itemOf(const QString& name);
+
+private:
+    Table held() const;
+    void share();
+    void take(const Table& changes);
+    void apply();
+
+    mivo::settings::ShortCutMgr& m_manager;
+    Synchroniser& m_synchroniser;
+    Table m_held;    // as the manager saved it last
+    Table m_changes; // of others, for the manager
+    QTimer m_pause;
+    bool m_isApplying = false;
+};
+
+} // namespace mivohost

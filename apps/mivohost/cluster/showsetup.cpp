@@ -1,0 +1,182 @@
+#include "cluster/showsetup.h"
+
+#include "cluster/showaddress.h"
+#include "cluster/synchroniser.h"
+#include "mivohostkit/settingsstore.h"
+
+#include <mivoqutils/filetask.h>
+#include <zrcutils/nocachefile.h>
+
+#include <QtCore/QCommandLineParser>
+#include <QtCore/QFile>
+#include <QtCore/QSysInfo>
+#include <QtCore/QUuid>
+
+#include <utility>
+
+namespace mivohost {
+
+namespace {
+
+constexpr qint64 longestFile = 1 << 20;
+constexpr const char* userVariable = "MIVO_STORE_USER";
+constexpr const char* passwordVariable = "MIVO_STORE_PASSWORD";
+
+struct Read
+{
+    QByteArray content;
+    QString error;
+};
+
+/// A file that the operator named, and that may lie on a drive which is gone.
+Read readFile(const QString& path)
+{
+    Read result;
+    result.error = QStringLiteral("no answer in time");
+    mivo::qutils::FileTask task;
+    const auto work = [path] {
+        QFile file(path);
+        Read read;
+        if (!file.open(QIODevice::ReadOnly)) {
+            read.error = file.errorString();
+        } else {
+            read.content = file.read(longestFile);
+        }
+        return read;
+    };
+    task.start(work, [&result](Read&& read) { result = std::move(read); });
+    task.waitFor(std::chrono::seconds(10));
+    if (!result.error.isEmpty()) {
+        result.error = path + QStringLiteral(": ") + result.error;
+    }
+    return result;
+}
+
+/// The machine's id, made when it is first asked for.
+QString machineId(const QDir& data, QString& error)
+{
+    QFile file(data.filePath(QStringLiteral("machine-id")));
+    if (file.open(QIODevice::ReadOnly)) {
+        const QUuid id = QUuid::fromString(QString::fromLatin1(file.read(100)).trimmed());
+        if (!id.isNull()) {
+            return id.toString(QUuid::WithoutBraces);
+        }
+    }
+    data.mkpath(QStringLiteral("."));
+    const QString id = QUuid::createUuid().toString(QUuid::WithoutBraces);
+    std::error_code code;
+    if (!NoCacheFile::saveToFile(file.fileName().toStdString(), id.toStdString(), code)) {
+        error = file.fileName() + QStringLiteral(": ") + QString::fromStdString(code.message());
+    }
+    return id;
+}
+
+} // namespace
+
+void ShowSetup::addOptions(QCommandLineParser& arguments)
+{
+    arguments.addOptions({
+        {QStringLiteral("store-ca"),
+         QStringLiteral("Trust these certificates (PEM) for etcds://; else those of the system."),
+         QStringLiteral("file")},
+        {QStringLiteral("store-login"),
+         QStringLiteral("Sign in to etcd with the user on the first line of this file and the "
+                        "password on the second; else as MIVO_STORE_USER and MIVO_STORE_PASSWORD "
+                        "say."),
+         QStringLiteral("file")},
+        {QStringLiteral("machine-name"),
+         QStringLiteral("What other machines of the show call this one; else the host's name."),
+         QStringLiteral("name")},
+        {QStringLiteral("adopt"),
+         QStringLiteral("Give this machine what that one of the show has for itself, such as its "
+                        "folders and devices, then end."),
+         QStringLiteral("machine")},
+        {QStringLiteral("forget"), QStringLiteral("Take that machine out of the show, then end."),
+         QStringLiteral("machine")},
+    });
+}
+
+bool ShowSetup::isCommand(const QCommandLineParser& arguments)
+{
+    return arguments.isSet(QStringLiteral("adopt")) || arguments.isSet(QStringLiteral("forget"));
+}
+
+std::optional<ShowSetup> ShowSetup::read(const QCommandLineParser& arguments, const QDir& data,
+                                         QString& error)
+{
+    const QString store = arguments.value(QStringLiteral("store"));
+    if (!ShowAddress::isOne(store)) {
+        for (const char* option : {"store-ca", "store-login", "machine-name", "adopt", "forget"}) {
+            if (arguments.isSet(QLatin1String(option))) {
+                error = QStringLiteral("--%1 goes with --store etcd://...").arg(option);
+            }
+        }
+        return std::nullopt;
+    }
+    const auto address = ShowAddress::parse(store);
+    if (!address) {
+        error = QStringLiteral("--store takes a file, or etcd://HOST[:PORT][,HOST[:PORT]...]/SHOW");
+        return std::nullopt;
+    }
+    ShowSetup setup;
+    setup.show = address->show;
+    setup.servers.hosts = address->hosts;
+    setup.servers.isEncrypted = address->isEncrypted;
+    if (arguments.isSet(QStringLiteral("store-ca"))) {
+        const Read read = readFile(arguments.value(QStringLiteral("store-ca")));
+        setup.servers.authorities = read.content;
+        error = read.error;
+    }
+    setup.servers.user = qEnvironmentVariable(userVariable);
+    setup.servers.password = qEnvironmentVariable(passwordVariable);
+    qunsetenv(passwordVariable); // programs that are started do not get it
+    if (arguments.isSet(QStringLiteral("store-login"))) {
+        const Read read = readFile(arguments.value(QStringLiteral("store-login")));
+        const QStringList lines = QString::fromUtf8(read.content).split('\n');
+        setup.servers.user = lines.value(0).trimmed();
+        setup.servers.password = lines.value(1).trimmed();
+        error = read.error;
+    }
+    setup.adopted = arguments.value(QStringLiteral("adopt"));
+    setup.forgotten = arguments.value(QStringLiteral("forget"));
+    setup.name = arguments.isSet(QStringLiteral("machine-name"))
+                     ? arguments.value(QStringLiteral("machine-name"))
+                     : QSysInfo::machineHostName();
+    if (error.isEmpty()) {
+        setup.machine = machineId(data, error);
+    }
+    return error.isEmpty() ? std::optional(setup) : std::nullopt;
+}
+
+QString ShowSetup::path(const QDir& data) const
+{
+    return data.filePath(QStringLiteral("shows/%1.sqlite").arg(show));
+}
+
+std::unique_ptr<SharedSettings> ShowSetup::share(std::unique_ptr<SqlitePersistence> local,
+                                                 const QString& ownPath, QString& error) const
+{
+    bool isKept = local->keepOutbox();
+    if (isKept && local->loadAll().isEmpty() && QFile::exists(ownPath)) {
+        const auto own = SqlitePersistence::open(ownPath);
+        const QVariantHash rows = own.persistence ? own.persistence->loadAll() : QVariantHash();
+        std::vector<SqlitePersistence::Update> updates;
+        for (auto row = rows.begin(); row != rows.end(); ++row) {
+            updates.push_back({row.key(), 0, row.value()});
+        }
+        isKept = local->update(updates);
+    }
+    if (!isKept) {
+        error = local->lastError();
+        return nullptr;
+    }
+    SharedSettings::Identity identity{Synchroniser::prefixOf(show), machine, name, {}};
+    for (const auto& setting : SettingsStore().all()) {
+        if (setting.scope == SettingsStore::Scope::machine) {
+            identity.own.insert(setting.name);
+        }
+    }
+    return std::make_unique<SharedSettings>(std::move(local), std::move(identity));
+}
+
+} // namespace mivohost

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "cluster/etcdclient.h"
+#include "cluster/sharedsettings.h"
+
+#include <QtCore/QDir>
+
+#include <memory>
+#include <optional>
+
+class QCommandLineParser;
+
+namespace mivohost {
+
+/// What the program is told of the show whose settings it shares.
+struct ShowSetup
+{
+    QString show;
+    EtcdServers servers;
+    QString machine; ///< the id of this machine
+    QString name;    ///< and its name
+    /// A machine by its name or id, where the program is only to take over what that one has for
+    /// itself, or to take it out of the show.
+    QString adopted = {};
+    QString forgotten = {};
+
+    /// Its options of the command line.
+    static void addOptions(QCommandLineParser& arguments);
+
+    /// Whether there is to be no window.
+    static bool isCommand(const QCommandLineParser& arguments);
+
+    /// From the command line and the environment, whose password it removes. Files that it names
+    /// are read, for ten seconds at most. Nothing without a show, and where `error` says why.
+    static std::optional<ShowSetup> read(const QCommandLineParser& arguments, const QDir& data,
+                                         QString& error);
+
+    /// This machine's file for the show.
+    QString path(const QDir& data) const;
+
+    /// The settings in that file, which is open, as those that are shared; where it is new, with
+    /// the machine's own ones at `ownPath` to begin with. Null where `error` then says why. Runtime
+    /// thread.
+    std::unique_ptr<SharedSettings> share(std::unique_ptr<SqlitePersistence> local,
+                                          const QString& ownPath, QString& error) const;
+};
+
+} // namespace mivohost

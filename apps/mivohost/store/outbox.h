@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QtCore/QHash>
+#include <QtCore/QString>
+
+#include <map>
+#include <vector>
+
+struct sqlite3;
+
+namespace mivohost {
+
+/// What a machine keeps beside its settings where several machines share them: at which revision of
+/// the shared store it saw each setting last, and whose changes it has still to send there. In the
+/// file of the settings, so that one transaction changes both. Runtime thread.
+class Outbox
+{
+public:
+    struct Change
+    {
+        QString key;
+        qint64 number = 0;   ///< rises with each change, and is not used again in this process
+        qint64 revision = 0; ///< on which the change is based; 0: there was no such setting
+    };
+    /// What becomes of a change that waits.
+    enum class Waiting { keep, add, remove };
+
+    /// Makes the tables where there are none, and reads them. False where the database fails.
+    bool open(sqlite3* database);
+
+    /// Part of a transaction that the caller has begun. After a rollback open() reads anew.
+    bool set(const QString& key, qint64 revision, Waiting waiting);
+
+    qint64 revisionOf(const QString& key) const { return m_revisions.value(key); }
+    bool isWaiting(const QString& key) const { return m_numbers.contains(key); }
+    /// Of the change that waits; 0: none does.
+    qint64 numberOf(const QString& key) const { return m_numbers.value(key); }
+    int count() const { return m_numbers.size(); } ///< of the changes that wait
+    /// Of the change that set() adds next, unless a transaction fails before.
+    qint64 nextNumber() const { return m_next; }
+
+    /// The changes that wait the longest, at most `most` of them, in their order.
+    std::vector<Change> oldest(int most) const;
+
+private:
+    sqlite3* m_database = nullptr;
+    qint64 m_next = 0;
+    QHash<QString, qint64> m_revisions;
+    QHash<QString, qint64> m_numbers;
+    std::map<qint64, QString> m_waiting; // by number
+};
+
+} // namespace mivohost

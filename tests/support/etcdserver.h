@@ -1,0 +1,149 @@
+#pragma once
+
+#include "support/test.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QProcess>
+#include <QtCore/QStandardPaths>
+#include <QtCore/QTemporaryDir>
+#include <QtNetwork/QHostAddress>
+#include <QtNetwork/QTcpServer>
+#include <QtNetwork/QTcpSocket>
+
+#include <csignal>
+#include <sys/resource.h>
+
+/// Members of one etcd, on ports of the loopback that were free.
+class EtcdServers
+{
+public:
+    static bool isInstalled() { return !QStandardPaths::findExecutable("etcd").isEmpty(); }
+
+    explicit EtcdServers(int members, QStringList arguments = {})
+        : m_arguments(std::move(arguments)), m_members(static_cast<std::size_t>(members))
+    {
+        QStringList all;
+        for (Member& member : m_members) {
+            member.client = freePort();
+            member.peer = freePort();
+            all.append(QStringLiteral("m%1=http://127.0.0.1:%1").arg(member.peer));
+        }
+        m_cluster = all.join(',');
+        act("start all");
+        const bool isEncrypted = m_arguments.contains("--cert-file");
+        const auto answers = [&] { return !ctl({"endpoint", "health"}).isEmpty(); };
+        EXPECT_TRUE(isEncrypted || QTest::qWaitFor(answers, 20000));
+    }
+    ~EtcdServers() { act("kill all"); }
+
+    QString host(int i) const { return QStringLiteral("127.0.0.1:%1").arg(at(i).client); }
+    QStringList hosts() const
+    {
+        QStringList all;
+        for (int i = 0; i < static_cast<int>(m_members.size()); ++i) {
+            all.append(host(i));
+        }
+        return all;
+    }
+
+    /// "start", "kill", "hang", "continue", or "fill" (the disk), and which members: a number,
+    /// "leader" or "all".
+    void act(const QString& what)
+    {
+        const QString which = what.section(' ', 1);
+        const int number = which == "leader" ? leader() : which.toInt();
+        for (int i = 0; i < static_cast<int>(m_members.size()); ++i) {
+            if (which != "all" && i != number) {
+                continue;
+            }
+            QProcess& process = *at(i).process;
+            const auto id = static_cast<pid_t>(process.processId());
+            const bool runs = process.state() != QProcess::NotRunning;
+            if (what.startsWith("start") && !runs) {
+                start(i);
+            } else if (what.startsWith("kill") && runs) {
+                process.kill();
+                process.waitForFinished();
+            } else if (what.startsWith("hang") && runs) {
+                ::kill(id, SIGSTOP);
+            } else if (what.startsWith("continue") && runs) {
+                ::kill(id, SIGCONT);
+            } else if (what.startsWith("fill") && runs) {
+                const rlimit none{0, RLIM_INFINITY};
+                ::prlimit(id, RLIMIT_FSIZE, &none, nullptr);
+            }
+        }
+    }
+
+    /// What etcdctl says; empty where it fails.
+    QByteArray ctl(const QStringList& arguments, int i = 0)
+    {
+        QProcess process;
+        auto environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("ETCDCTL_API", "3");
+        process.setProcessEnvironment(environment);
+        process.setProcessChannelMode(QProcess::MergedChannels);
+        process.start("etcdctl", QStringList{"--endpoints", host(i)} + arguments);
+        process.waitForFinished(20000);
+        return process.exitCode() == 0 ? process.readAllStandardOutput() : QByteArray();
+    }
+    /// Has the members drop what was before the present revision.
+    void compact()
+    {
+        const QByteArray status = ctl({"endpoint", "status", "-w", "fields"});
+        const int at = status.indexOf("\"Revision\" : ") + 13;
+        EXPECT_FALSE(ctl({"compact", status.mid(at).split('\n')[0].trimmed()}).isEmpty());
+    }
+    static quint16 freePort()
+    {
+        QTcpServer server;
+        server.listen(QHostAddress::LocalHost);
+        return server.serverPort();
+    }
+
+private:
+    /// Begins to start it with what it had before.
+    void start(int i)
+    {
+        const Member& member = at(i);
+        const QString scheme = m_arguments.contains("--cert-file") ? "https" : "http";
+        const QString peer = QStringLiteral("http://127.0.0.1:%1").arg(member.peer);
+        const QString client = scheme + "://" + host(i);
+        member.process->setStandardErrorFile(m_folder.filePath("log"), QIODevice::Append);
+        member.process->start(
+            "etcd", QStringList{"--name", QStringLiteral("m%1").arg(member.peer), "--data-dir",
+                                m_folder.filePath(QString::number(i)), "--listen-client-urls",
+                                client, "--advertise-client-urls", client, "--listen-peer-urls",
+                                peer, "--initial-advertise-peer-urls", peer, "--initial-cluster",
+                                m_cluster, "--logger", "zap"}
+                        + m_arguments);
+        member.process->waitForStarted();
+    }
+    int leader()
+    {
+        for (int i = 0; i < static_cast<int>(m_members.size()); ++i) {
+            const QByteArray status = ctl({"endpoint", "status", "-w", "fields"}, i);
+            const auto field = [&status](const char* name) {
+                return status.mid(status.indexOf(name)).split('\n')[0].split(':').last();
+            };
+            if (field("\"MemberID\"") == field("\"Leader\"")) {
+                return i;
+            }
+        }
+        ADD_FAILURE() << "no leader";
+        return 0;
+    }
+
+    struct Member
+    {
+        quint16 client = 0;
+        quint16 peer = 0;
+        std::unique_ptr<QProcess> process = std::make_unique<QProcess>();
+    };
+    const Member& at(int i) const { return m_members[static_cast<std::size_t>(i)]; }
+
+    QTemporaryDir m_folder;
+    QStringList m_arguments;
+    QString m_cluster;
+    std::vector<Member> m_members;
+};

@@ -1,0 +1,354 @@
+#include "cluster/sharedsettings.h"
+
+#include "cluster/showaddress.h"
+
+#include "support/fulldisk.h"
+#include "support/test.h"
+
+#include <QtCore/QJsonDocument>
+#include <QtCore/QTemporaryDir>
+
+namespace sharedsettingstest {
+
+using namespace mivohost;
+using etcd::KeyValue;
+using Status = etcd::Answer::Status;
+
+namespace {
+
+QByteArray json(const QByteArray& value, const QByteArray& machine = "b")
+{
+    return "{\"by\":\"" + machine + "\",\"name\":\"Machine " + machine + "\",\"value\":" + value
+           + '}';
+}
+
+KeyValue there(const QByteArray& name, const QByteArray& value, qint64 revision,
+               const QByteArray& machine = "b")
+{
+    return {"/s/show/" + name, json(value, machine), revision};
+}
+
+etcd::Answer written(qint64 revision)
+{
+    etcd::Answer answer;
+    answer.revision = revision;
+    answer.isWritten = true;
+    return answer;
+}
+
+/// A machine whose network is the test.
+class Shared : public ::testing::Test
+{
+protected:
+    Shared() { start(); }
+
+    void start()
+    {
+        settings.reset(); // whose file is opened again
+        auto opened = SqlitePersistence::open(folder.filePath("show.sqlite"));
+        ASSERT_TRUE(opened.persistence);
+        ASSERT_TRUE(opened.persistence->keepOutbox());
+        settings = std::make_unique<SharedSettings>(
+            std::move(opened.persistence),
+            SharedSettings::Identity{"/s/", "a", "Machine a", {"language"}});
+        settings->watch([this](const QString& name, const QVariant& value) {
+            shown.append(name + '=' + value.toString());
+        });
+        SharedSettings::Listener listener;
+        listener.send = [this](const auto& batch) { sent = batch; };
+        listener.waiting = [this](int changes) { waiting = changes; };
+        listener.lost = [this](const LostChange& change) {
+            told.append(QStringLiteral("lost %1: %2, %3 by %4")
+                            .arg(change.name, change.mine.toString(), change.theirs.toString(),
+                                 change.machine));
+        };
+        listener.replaced = [this](const QStringList& names) {
+            told.append("replaced " + names.join(','));
+        };
+        listener.tooLong = [this](const QString& name) { told.append("too long " + name); };
+        listener.failed = [this](const QString&) { told.append("failed"); };
+        settings->setListener(listener);
+    }
+
+    /// What is on its way, each as "key=value@revision".
+    QStringList takeSent()
+    {
+        QStringList texts;
+        for (const auto& change : std::exchange(sent, {})) {
+            const auto value = QJsonDocument::fromJson(change.write.value).object().value("value");
+            texts.append(QStringLiteral("%1=%2@%3")
+                             .arg(QString::fromUtf8(change.write.key), value.toVariant().toString())
+                             .arg(change.write.revision));
+        }
+        return texts;
+    }
+    QString kept(const QString& name) const { return settings->loadAll().value(name).toString(); }
+
+    QTemporaryDir folder;
+    std::unique_ptr<SharedSettings> settings;
+    std::vector<SentChange> sent;
+    int waiting = -1;
+    QStringList told;
+    QStringList shown;
+};
+
+} // namespace
+
+TEST_F(Shared, AChangeWaitsAlsoThroughARestartUntilItIsInEtcd)
+{
+    EXPECT_TRUE(settings->write({{"undoStep", 80}}));
+    EXPECT_TRUE(settings->write({{"language", "zh_cn"}}));
+    EXPECT_TRUE(settings->write({{"fadeInTime", 0.1 + 0.2}}));
+    EXPECT_TRUE(settings->write({{"undoStep", 81}}));
+    EXPECT_TRUE(sent.empty()) << "nobody is there";
+    start();
+    EXPECT_EQ(waiting, 3);
+    settings->setConnected(true);
+    const auto batch = sent;
+    EXPECT_EQ(takeSent(),
+              (QStringList{"/s/own/a/language=zh_cn@0", "/s/show/fadeInTime=0.30000000000000004@0",
+                           "/s/show/undoStep=81@0"}))
+        << "in the order of their last changes, whole, and with the machine's own apart";
+    EXPECT_TRUE(settings->write({{"undoStep", 82}}));
+    EXPECT_TRUE(sent.empty()) << "one after the other";
+    settings->takeAnswer(batch, written(7));
+    EXPECT_EQ(waiting, 1);
+    EXPECT_EQ(takeSent(), QStringList{"/s/show/undoStep=82@7"});
+    start();
+    settings->setConnected(true);
+    const auto again = sent;
+    EXPECT_EQ(takeSent(), QStringList{"/s/show/undoStep=82@7"}) << "it was not answered";
+    settings->takeAnswer(again, written(8));
+    start();
+    EXPECT_EQ(waiting, 0);
+    EXPECT_TRUE(told.isEmpty()) << told.join(';').toStdString();
+}
+
+TEST_F(Shared, WhatEtcdHasInsteadOfAChangeDecidesWhatBecomesOfIt)
+{
+    struct Case
+    {
+        const char* there; // instead of 80, which was sent
+        const char* machine;
+        int later; // set here meanwhile; 0: nothing
+        const char* held;
+        const char* told;
+        const char* sent;
+    };
+    for (const Case& one : std::vector<Case>{
+             {"70", "b", 0, "70", "lost undoStep: 80, 70 by Machine b", ""},
+             {"70", "b", 90, "70", "lost undoStep: 90, 70 by Machine b", ""},
+             {"80", "b", 0, "80", "", ""}, // the same
+             {"80", "a", 0, "80", "", ""}, // its own, whose answer was lost
+             {"80", "a", 90, "90", "", "/s/show/undoStep=90@9"},
+             {"60", "a", 0, "80", "", "/s/show/undoStep=80@9"}, // an older one of its own
+             {"[", "b", 0, "80", "", "/s/show/undoStep=80@9"},  // no value
+         }) {
+        SCOPED_TRACE(::testing::Message() << one.there << one.machine << one.later);
+        settings.reset();
+        QFile::remove(folder.filePath("show.sqlite"));
+        start();
+        told.clear();
+        shown.clear();
+        settings->setConnected(true);
+        settings->write({{"undoStep", 80}});
+        const auto batch = std::exchange(sent, {});
+        if (one.later != 0) {
+            settings->write({{"undoStep", one.later}});
+        }
+        etcd::Answer answer;
+        answer.values = {there("undoStep", one.there, 9, one.machine)};
+        settings->takeAnswer(batch, answer);
+        EXPECT_EQ(kept("undoStep"), one.held);
+        EXPECT_EQ(told.join(';'), one.told);
+        EXPECT_EQ(takeSent().join(';'), one.sent);
+        EXPECT_EQ(shown.join(';'), told.isEmpty() ? "" : "undoStep=70");
+    }
+}
+
+TEST_F(Shared, ALostChangeIsSetAgainOnTopOfTheOneThatWasFaster)
+{
+    settings->write({{"undoStep", 80}});
+    settings->setConnected(true);
+    etcd::Answer answer;
+    answer.values = {there("undoStep", "70", 9)};
+    settings->takeAnswer(std::exchange(sent, {}), answer);
+    settings->setAgain({"undoStep", 80, 70, "Machine b"});
+    EXPECT_EQ(shown, (QStringList{"undoStep=70", "undoStep=80"}));
+    EXPECT_EQ(takeSent(), QStringList{"/s/show/undoStep=80@9"});
+}
+
+TEST_F(Shared, WhatOthersChangeIsTakenOverOnceAndInOrder)
+{
+    const KeyValue deleted{"/s/show/undoStep", {}, 15, true};
+    settings->takeChanges({there("undoStep", "70", 9),
+                           there("undoStep", "71", 10),
+                           there("undoStep", "70", 9), // once more, as after a break
+                           there("of a later version", "\"x\"", 11),
+                           {"/s/own/b/language", json("\"en\""), 12},
+                           {"/s/own/a/language", json("\"en\""), 12},
+                           {"/s/pulse", "", 13},
+                           {"/other/show/undoStep", json("5"), 13}});
+    EXPECT_EQ(shown,
+              (QStringList{"undoStep=70", "undoStep=71", "of a later version=x", "language=en"}));
+    start();
+    EXPECT_EQ(kept("of a later version"), "x");
+    settings->setConnected(true);
+    settings->write({{"undoStep", 80}});
+    const auto batch = sent;
+    EXPECT_EQ(takeSent(), QStringList{"/s/show/undoStep=80@10"});
+    shown.clear();
+    settings->takeChanges({there("undoStep", "80", 13, "a"), there("undoStep", "75", 14)});
+    EXPECT_TRUE(shown.isEmpty()) << "the answer has not come yet";
+    settings->takeAnswer(batch, written(13));
+    EXPECT_EQ(shown, QStringList{"undoStep=75"});
+    settings->takeChanges({deleted});
+    EXPECT_EQ(takeSent(), QStringList{"/s/show/undoStep=75@0"}) << "the show gets it again";
+    EXPECT_TRUE(told.isEmpty()) << told.join(';').toStdString();
+}
+
+TEST_F(Shared, AllThatEtcdHasIsComparedWithAllThatIsHere)
+{
+    // As a machine that had settings before it joined.
+    {
+        settings.reset();
+        auto opened = SqlitePersistence::open(folder.filePath("show.sqlite"));
+        for (const auto& [name, value] :
+             {std::pair("undoStep", 60), std::pair("mfps", 1), std::pair("efps", 1)}) {
+            ASSERT_TRUE(opened.persistence->write({{name, value}}));
+        }
+    }
+    start();
+    settings->write({{"fadeInTime", 0.25}});
+    settings->takePage({{there("efps", "1", 3), there("fadeInTime", "0.75", 4)}, true, false});
+    settings->takePage(
+        {{there("undoStep", "70", 5), there("fadeOutTime", "0.75", 6)}, false, true});
+    EXPECT_EQ(shown, (QStringList{"undoStep=70", "fadeOutTime=0.75"}));
+    EXPECT_EQ(told, QStringList{"replaced undoStep"});
+    settings->setConnected(true);
+    const auto batch = sent;
+    EXPECT_EQ(takeSent(), (QStringList{"/s/show/fadeInTime=0.25@0", "/s/show/mfps=1@0"}));
+    settings->takeAnswer({batch.begin() + 1, batch.end()}, written(30));
+    // etcd was put back: it has less, and older values, than the machine saw there.
+    sent.clear();
+    shown.clear();
+    settings->setConnected(false);
+    settings->takePage(
+        {{there("undoStep", "50", 2), there("efps", "1", 2), there("fadeOutTime", "0.5", 6)},
+         true,
+         true});
+    settings->setConnected(true);
+    EXPECT_TRUE(shown.isEmpty());
+    QStringList again = takeSent();
+    again.sort();
+    EXPECT_EQ(again, (QStringList{"/s/show/fadeInTime=0.25@0", "/s/show/fadeOutTime=0.75@6",
+                                  "/s/show/mfps=1@0", "/s/show/undoStep=70@2"}));
+}
+
+TEST_F(Shared, WhatIsSetOnAChangeOfAnotherIsBasedOnIt)
+{
+    settings->setConnected(true);
+    settings->watch([this](const QString& /*name*/, const QVariant& value) {
+        EXPECT_EQ(kept("undoStep"), "") << "it is shown before it is in the file";
+        EXPECT_TRUE(settings->write({{"undoStep", value.toInt() + 1}}));
+    });
+    settings->takeChanges({there("undoStep", "70", 9)});
+    EXPECT_EQ(takeSent(), QStringList{"/s/show/undoStep=71@9"});
+    EXPECT_EQ(kept("undoStep"), "71");
+}
+
+TEST_F(Shared, WhatTheFileDoesNotTakeIsToldAndHoldsOnlyWhereEtcdHasItAlready)
+{
+    settings->setConnected(true);
+    {
+        const FullDisk full;
+        EXPECT_FALSE(settings->write({{"undoStep", 80}}));
+        EXPECT_FALSE(settings->write({{"undoStep", 81}})) << "and is not sent any more";
+        settings->takeChanges({there("efps", "1", 8)});
+        EXPECT_EQ(told, QStringList{"failed"});
+    }
+    const auto batch = sent;
+    EXPECT_EQ(takeSent(), QStringList{"/s/show/undoStep=80@0"});
+    EXPECT_TRUE(settings->loadAll().isEmpty());
+    settings->takeAnswer(batch, written(9));
+    EXPECT_EQ(shown, (QStringList{"efps=1", "undoStep=80"}));
+    {
+        const FullDisk full;
+        EXPECT_FALSE(settings->write({{"undoStep", 90}, {"mfps", 1}}));
+    }
+    EXPECT_TRUE(settings->write({{"undoStep", 82}, {"mfps", 1}}));
+    start();
+    EXPECT_EQ(waiting, 2);
+    settings->setConnected(true);
+    QStringList both = takeSent();
+    both.sort();
+    EXPECT_EQ(both, (QStringList{"/s/show/mfps=1@0", "/s/show/undoStep=82@9"}));
+}
+
+TEST_F(Shared, AValueThatIsTooLongStaysHere)
+{
+    settings->setConnected(true);
+    settings->write({{"canvasColor", QString(SharedSettings::longestValue, 'x')}});
+    EXPECT_EQ(told, QStringList{"too long canvasColor"});
+    settings->write({{"undoStep", 80}});
+    EXPECT_EQ(takeSent(), QStringList{"/s/show/undoStep=80@0"});
+    EXPECT_EQ(waiting, 1);
+}
+
+TEST(ShowAddress, IsTakenApartAndRefusedWhereItIsWrong)
+{
+    const auto address = ShowAddress::parse("etcds://a.example:1234,[::1],b/My-Show_1");
+    ASSERT_TRUE(address);
+    EXPECT_EQ(address->hosts, (QStringList{"a.example:1234", "[::1]:2379", "b:2379"}));
+    EXPECT_TRUE(address->isEncrypted);
+    EXPECT_EQ(address->show, "My-Show_1");
+    for (const char* wrong :
+         {"etcd://a", "etcd://a/", "etcd:///x", "etcd://a:0/x", "etcd://a:65536/x", "etcd://a,/x",
+          "etcd://user:pw@a/x", "etcd://a/x/y", "etcd://a/..", "http://a/x", "etcd://a/x\n"}) {
+        EXPECT_FALSE(ShowAddress::parse(wrong)) << wrong;
+    }
+}
+
+TEST(EtcdMessages, AreTakenOnlyAsEtcdSendsThem)
+{
+    const QByteArray kv = R"("key":"YQ==","value":"Yg==","mod_revision":"7")";
+    const QByteArray head = R"({"header":{"revision":"9"},)";
+    const auto found = etcd::readAnswer(200, head + R"("more":true,"kvs":[{)" + kv + "}]}");
+    EXPECT_EQ(found.status, Status::ok);
+    EXPECT_TRUE(found.hasMore);
+    ASSERT_EQ(found.values.size(), 1U);
+    EXPECT_EQ(found.values[0].key + found.values[0].value, "ab");
+    EXPECT_EQ(found.values[0].revision, 7);
+    const std::vector<std::tuple<int, QByteArray, Status>> answers{
+        {200, "", Status::garbage},
+        {200, "<html>", Status::garbage},
+        {200, "{}", Status::garbage},
+        {200, head + R"("kvs":{}})", Status::garbage},
+        {200, head + R"("kvs":[7]})", Status::garbage},
+        {200, head + R"("kvs":[{"key":"*","mod_revision":"7"}]})", Status::garbage},
+        {200, head + R"("kvs":[{"key":"YQ==","mod_revision":"many"}]})", Status::garbage},
+        {200, head + R"("succeeded":"yes"})", Status::garbage},
+        {200, QByteArray(100000, '['), Status::garbage},
+        {502, "{}", Status::garbage},
+        {503, R"({"error":"no leader","code":14})", Status::unreachable},
+        {400, R"({"error":"required revision has been compacted","code":11})", Status::compacted},
+        {401, R"({"error":"invalid auth token","code":16})", Status::signedOut},
+        {400, R"({"error":"space exceeded","code":8})", Status::refused},
+    };
+    for (const auto& [status, body, expected] : answers) {
+        EXPECT_EQ(etcd::readAnswer(status, body).status, expected) << body.left(80).constData();
+    }
+    const QByteArray report = R"({"result":{"header":{"revision":"9"},)";
+    const auto read =
+        etcd::readReport(report + R"("events":[{"type":"DELETE","kv":{)" + kv + "}}]}}");
+    EXPECT_EQ(read.status, Status::ok);
+    ASSERT_EQ(read.values.size(), 1U);
+    EXPECT_TRUE(read.values[0].isDeleted);
+    EXPECT_EQ(etcd::readReport(report + R"("canceled":true,"compact_revision":"3"}})").status,
+              Status::compacted);
+    EXPECT_EQ(etcd::readReport(report + R"("events":[{"kv":{}}]}})").status, Status::garbage);
+    EXPECT_EQ(etcd::readReport(R"({"error":{"grpc_code":14,"message":"x"}})").status,
+              Status::unreachable);
+}
+
+} // namespace sharedsettingstest
