@@ -69,5 +69,5 @@ mivo_deb_package(dev libmivosettingswidgets-dev libdevel
 mivo_deb_package(host mivohost sound
                  "libqt5multimedia5-plugins"
                  "small show-control application around its settings dialog\n${what}")
-set(CPACK_DEBIAN_HOST_PACKAGE_RECOMMENDS "fonts-noto-core, fonts-noto-cjk")
+set(CPACK_DEBIAN_HOST_PACKAGE_RECOMMENDS "fonts-noto-core, fonts-noto-cjk, libvulkan1")
 include(CPack)

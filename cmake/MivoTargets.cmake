@@ -2,6 +2,13 @@
 
 include(GenerateExportHeader)
 
+# What differs per system is in files of the same name: name_posix.cpp and name_win.cpp.
+if(WIN32)
+    set(MIVO_SYSTEM win)
+else()
+    set(MIVO_SYSTEM posix)
+endif()
+
 set(CMAKE_CXX_STANDARD 17)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)

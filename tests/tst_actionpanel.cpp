@@ -4,6 +4,7 @@
 #include "surface/waitingline.h"
 
 #include "support/hostlanguage.h"
+#include "support/pipe.h"
 #include "support/servicetest.h"
 
 #include <mivosettingswidgets/shortcutfile.h>
@@ -11,8 +12,6 @@
 
 #include <QtWidgets/QAction>
 #include <QtWidgets/QVBoxLayout>
-
-#include <sys/stat.h>
 
 namespace actionpaneltest {
 
@@ -285,7 +284,7 @@ TEST_F(Panel, AllBindingsGoOutIntoAFileAndComeBack)
 TEST_F(Panel, AFileThatDoesNotAnswerIsNotWaitedFor)
 {
     const QString pipe = folder.filePath("pipe");
-    ASSERT_EQ(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    MAKE_PIPE(pipe);
     WaitingLine line(panel->transfer().requests());
     window->layout()->addWidget(&line);
     panel->transfer().importFrom(pipe);

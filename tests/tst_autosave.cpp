@@ -82,17 +82,20 @@ TEST_F(AutoSaveTest, AFolderThatFailsIsToldEachTimeAndLosesNothing)
     const auto useFolder = [this](const QString& name) {
         runtime.call([&] { store->setAutoSavePath(name); });
     };
+    SKIP_WITHOUT_FULL_DISK();
     {
         const FullDisk full;
         saveAt("10:00");
         saveAt("10:01");
     }
     EXPECT_EQ(saves(), good) << "none is removed before another is there";
-    for (const char* bad : {"/proc/no/such", ""}) {
+    const QString nowhere = path("file") + "/saves";
+    writeFile(path("file"));
+    for (const QString& bad : {nowhere, QString()}) {
         useFolder(bad);
         saveUnchangedAt("10:05");
     }
-    EXPECT_EQ(failed, (QStringList{path("saves"), path("saves"), "/proc/no/such", ""}));
+    EXPECT_EQ(failed, (QStringList{path("saves"), path("saves"), nowhere, ""}));
 
     // A folder that hangs is not asked again; another one is, at once.
     useFolder(path("hangs"));

@@ -3,9 +3,37 @@
 #include "support/fulldisk.h"
 #include "support/test.h"
 
+#ifdef Q_OS_WIN
+#include <QtCore/qt_windows.h>
+
+#include <shellapi.h>
+#endif
+
 namespace autostarttest {
 
 using mivohost::Autostart;
+
+#ifdef Q_OS_WIN
+
+TEST(AutostartEntry, StartsExactlyThisProgramWithTheseArguments)
+{
+    for (const char* text :
+         {"C:\\a folder\\", "a\"b", "a\\\"b\\\\", "", "%PATH% & |", "\u5a92\u4f53"}) {
+        const QString command = QString::fromUtf8(
+            mivohost::autostartEntry({}, R"(C:\媒体\mivo host.exe)", {"--store", text, "5"}));
+        int count = 0;
+        wchar_t** parts =
+            CommandLineToArgvW(reinterpret_cast<const wchar_t*>(command.utf16()), &count);
+        QStringList taken;
+        for (int i = 0; i < count; ++i) {
+            taken.append(QString::fromWCharArray(parts[i]));
+        }
+        LocalFree(parts);
+        EXPECT_EQ(taken, (QStringList{R"(C:\媒体\mivo host.exe)", "--store", text, "5"}));
+    }
+}
+
+#else
 
 // By the rules of desktop entries: quotes around each argument, in it a backslash before ", `, $
 // and \, and %% for %; on all of that the escapes of a value: \\, \n, \t and \r.
@@ -26,6 +54,8 @@ TEST(AutostartEntry, StartsExactlyThisProgramWithTheseArguments)
     }
 }
 
+#endif
+
 TEST(Autostart, FollowsWhatTheStoreKeeps)
 {
     const LogCapture log;
@@ -40,11 +70,13 @@ TEST(Autostart, FollowsWhatTheStoreKeeps)
         autostart.emplace(runtime, *store, "/opt/mivohost", allowed, fromCopy,
                           [&](const QString& why) { failures.append(why); });
     };
-    const auto command = [&path] {
-        const QByteArray entry = readFile(path);
-        return entry.mid(entry.indexOf("Exec=") + 5).trimmed().toStdString();
+    const auto command = [] {
+        const QString entry = Autostart::entry();
+        const int value = entry.indexOf("Exec=");
+        return entry.mid(value < 0 ? 0 : value + 5).trimmed().toStdString();
     };
-    const std::string program = R"("/opt/mivohost" )";
+    const std::string program =
+        '"' + QDir::toNativeSeparators("/opt/mivohost").toStdString() + "\" ";
     const std::string withRight = program + R"("--allow-power-actions" "--start-delay" )";
 
     start({{"autoStart", 1}, {"autoStartDelayTime", 30}});
@@ -67,10 +99,18 @@ TEST(Autostart, FollowsWhatTheStoreKeeps)
     runtime.call([&] { store->setAutoStart(true); });
     runtime.call([&] { store->setAutoStart(false); });
     runtime.call([&] { store->setAutoStartDelayTime(0); });
-    EXPECT_FALSE(QFile::exists(path));
+    EXPECT_EQ(Autostart::entry(), "");
     runtime.call([&] { store->setAutoStart(true); });
     EXPECT_EQ(command(), program + R"("--start-delay" "0")") << "off and on takes the right away";
 
+    autostart.reset();
+    store->setAutoStart(false);
+    EXPECT_NE(Autostart::entry(), "") << "nobody follows any more";
+    start(store->kept.rows);
+    EXPECT_EQ(Autostart::entry(), "") << "an entry of before goes when the store says off";
+
+    runtime.call([&] { store->setAutoStart(true); });
+    SKIP_WITHOUT_FULL_DISK();
     {
         const FullDisk full;
         runtime.call([&] { store->setAutoStartDelayTime(20); });
@@ -78,12 +118,6 @@ TEST(Autostart, FollowsWhatTheStoreKeeps)
     EXPECT_EQ(failures.size(), 1);
     EXPECT_TRUE(failures.value(0).startsWith(path + ": ")) << failures.value(0).toStdString();
     EXPECT_EQ(command(), program + R"("--start-delay" "0")") << "the old one stays";
-
-    autostart.reset();
-    store->setAutoStart(false);
-    EXPECT_TRUE(QFile::exists(path)) << "nobody follows any more";
-    start(store->kept.rows);
-    EXPECT_FALSE(QFile::exists(path)) << "an entry of before goes when the store says off";
 }
 
 } // namespace autostarttest

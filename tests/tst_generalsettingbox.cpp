@@ -1,9 +1,12 @@
 #include <mivosettingswidgets/generalsettingbox.h>
 
 #include "project/programdispatch.h"
+#include "support/otherprocess.h"
 #include "support/pagetest.h"
 
 #include <mivohostapi/iprojectfilemgr.h>
+
+#include <QtCore/QProcess>
 
 namespace generalsettingboxtest {
 
@@ -248,13 +251,17 @@ TEST_F(General, TheShellEndsAPromptOnlyWhileItRuns)
     announce([this] { store.linkRestart(true); });
     EXPECT_TRUE(happened.empty());
 
-    const QTemporaryDir folder; // with a process of the shell's name
-    const QString shell = folder.filePath(QCoreApplication::applicationName() + "_Shell.exe");
-    ASSERT_TRUE(QFile::copy("/bin/sleep", shell));
+    // A process of the shell's name, beside this one, where Windows finds its libraries.
+    const QString shell = QCoreApplication::applicationDirPath() + '/'
+                          + QCoreApplication::applicationName() + "_Shell.exe";
+    QFile::remove(shell);
+    ASSERT_TRUE(QFile::copy(QCoreApplication::applicationFilePath(), shell));
     QProcess process;
-    process.start(shell, {"60"});
-    ASSERT_TRUE(process.waitForStarted());
+    process.start(shell, {"--as-sleeping"});
+    ASSERT_TRUE(process.waitForReadyRead());
+#ifdef Q_OS_UNIX
     QFile::remove(shell); // as during an update
+#endif
     const auto link = [this](auto& signal, bool now) {
         return [this, &signal, now] { runtime.call([&] { signal(now); }); };
     };
@@ -264,6 +271,17 @@ TEST_F(General, TheShellEndsAPromptOnlyWhileItRuns)
               (Words{"restart", "no restart"}));
     process.kill();
     process.waitForFinished();
+    QFile::remove(shell);
 }
+
+int sleepAWhile(const QStringList& /*arguments*/)
+{
+    std::puts("sleeping");
+    std::fflush(stdout);
+    std::this_thread::sleep_for(std::chrono::minutes(1));
+    return 0;
+}
+
+const bool isRegistered = otherProcesses().emplace("--as-sleeping", sleepAWhile).second;
 
 } // namespace generalsettingboxtest

@@ -1,6 +1,5 @@
+#include "support/pipe.h"
 #include "support/projecttest.h"
-
-#include <sys/stat.h>
 
 namespace projecttest {
 
@@ -67,7 +66,7 @@ TEST_F(ProjectTest, WhatCannotBeReadLeavesTheOpenOneAsItIs)
         EXPECT_FALSE(open(path("bad.mivo"))) << label;
         EXPECT_EQ(failures->size(), 1) << label;
     }
-    ASSERT_EQ(::mkfifo(QFile::encodeName(path("pipe.mivo")).constData(), 0600), 0);
+    MAKE_PIPE(path("pipe.mivo"));
     for (const QString& none : {path("missing.mivo"), folder.path(), path("pipe.mivo")}) {
         EXPECT_FALSE(open(none)) << none;
     }
@@ -88,6 +87,7 @@ TEST_F(ProjectTest, ASaveThatFailsIsToldAndLeavesTheFileAsItWas)
     file->play(2);
     EXPECT_FALSE(saveAs(path("missing/show.mivo")));
     EXPECT_EQ(file->state().file, path("show.mivo"));
+    SKIP_WITHOUT_FULL_DISK();
     {
         const FullDisk full;
         EXPECT_FALSE(save());

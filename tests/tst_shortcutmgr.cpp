@@ -2,12 +2,11 @@
 
 #include "kit/standardmetatypes.h"
 #include "peripherals/peripherals.h"
+#include "support/pipe.h"
 #include "support/servicetest.h"
 
 #include <mivosettingswidgets/shortcutfile.h>
 #include <mivowidgets/shortcutcover.h>
-
-#include <sys/stat.h>
 
 #include <algorithm>
 #include <random>
@@ -169,7 +168,7 @@ TEST_F(ShortCuts, AFileThatCannotBeReadIsLoggedAndPutAsideUnderAFreeName)
     }
     EXPECT_EQ(readFile(path + ".bad"), broken + ".bad");
     QFile::remove(path);
-    ASSERT_EQ(::mkfifo(QFile::encodeName(path).constData(), 0600), 0);
+    MAKE_PIPE(path);
     manager.loadShortCutInfoList(); // does not wait for what somebody writes into the pipe
 }
 

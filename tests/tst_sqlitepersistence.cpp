@@ -6,9 +6,10 @@
 #include <QtCore/QProcess>
 
 #include <sqlite3.h>
-#include <unistd.h>
 
-#include <csignal>
+#ifdef Q_OS_UNIX
+#include <unistd.h>
+#endif
 
 namespace sqlitepersistencetest {
 
@@ -165,6 +166,9 @@ TEST_F(StoreFile, KeepsItsLastThreeGoodCopiesWhateverTheClockSays)
 
 TEST_F(StoreFile, ThatLacksRightsIsRefusedWithTheReasonAndLeftAlone)
 {
+#ifdef Q_OS_WIN
+    GTEST_SKIP() << "Qt sets no rights of files on this system";
+#endif
     SqlitePersistence::open(path()).persistence->write({{"undoStep", 80}});
     const std::tuple<const char*, int, int, const char*> cases[]{
         {"no right to the file", 0x0000, 0x7777, "Permission denied"},
@@ -198,7 +202,7 @@ TEST_F(StoreFile, LosesNothingThatWasWrittenWhenTheProcessIsKilled)
         while (said.count('\n') < round * 7 && writer.waitForReadyRead()) {
             said += writer.readAll();
         }
-        ::kill(static_cast<pid_t>(writer.processId()), SIGKILL);
+        writer.kill();
         writer.waitForFinished();
         said += writer.readAll();
         known = said.contains('\n') ? said.split('\n').rbegin()[1].toInt() : known;
@@ -223,9 +227,11 @@ int runAsWriter(const QStringList& arguments)
 
 int openAsNobody(const QStringList& arguments)
 {
+#ifdef Q_OS_UNIX
     if (::geteuid() == 0 && ::setuid(65534) != 0) {
         return -1;
     }
+#endif
     const auto opened = SqlitePersistence::open(arguments.at(1));
     std::printf("%s\n", qPrintable(opened.error));
     return static_cast<int>(opened.status);

@@ -180,6 +180,10 @@ TEST(Power, GoesToTheSystemOnlyWhenAllowed)
         EXPECT_TRUE(QTest::qWaitFor([&] { return context.children().isEmpty(); }));
     };
     carry(PowerAction::shutdown, false);
+#ifdef Q_OS_WIN
+    qputenv("PATH", path);
+    GTEST_SKIP() << "the system itself is asked, and no program that a test can replace";
+#endif
     const QString said = folder.filePath("said");
     const QString program = folder.filePath("systemctl");
     writeFile(program, "#!/bin/sh\necho $1 >> '" + said.toUtf8()

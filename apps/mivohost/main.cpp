@@ -45,6 +45,10 @@
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QMessageBox>
 
+#ifdef Q_OS_WIN
+#include "system/console.h"
+#endif
+
 #include <cstdio>
 #include <map>
 #include <memory>
@@ -139,6 +143,9 @@ int runWindow(MainWindow& window, ProjectFile& project, RuntimeThread& runtime,
     QObject::connect(&ends, &EndRequests::requested, [&project] {
         project.rescue(); // now, for where the display has gone no event is handled any more
         QApplication::quit();
+    });
+    QObject::connect(qApp, &QGuiApplication::commitDataRequest, &window, [&window] {
+        EndRequests::explainDelay(window.winId(), hostText("SavingBeforeEnd"));
     });
     const TimedActions timed(
         runtime, store,
@@ -386,6 +393,9 @@ int run(const QCommandLineParser& arguments)
 
 int main(int argc, char** argv)
 {
+#ifdef Q_OS_WIN
+    useConsole();
+#endif
     if (argc > 1 && qstrcmp(argv[1], listSoundCardsOption) == 0) {
         const QCoreApplication application(argc, argv);
         return listSoundCards();

@@ -4,11 +4,10 @@
 
 #include <QtCore/QString>
 
-// The parts of isBelongToMobile() that a test can reach without hardware; not installed.
+// The parts of isBelongToMobile() that a test can reach without hardware, but on Windows, where
+// the system itself knows; not installed.
 
 namespace mivo::qutils {
-
-#ifndef Q_OS_WIN
 
 /// Whether a file system of this type, or this path in it, is one of a camera or telephone.
 MIVOQUTILS_TEST_EXPORT bool isPortableDevice(const QString& fileSystemType, const QString& path);
@@ -16,7 +15,5 @@ MIVOQUTILS_TEST_EXPORT bool isPortableDevice(const QString& fileSystemType, cons
 /// Whether a block device, as "sdb1" or "dm-0", is removable, or the disk that it is on; "sysfs" is
 /// the folder that is /sys on a running system.
 MIVOQUTILS_TEST_EXPORT bool isRemovableDisk(const QString& sysfs, const QString& device);
-
-#endif
 
 } // namespace mivo::qutils

@@ -22,14 +22,18 @@ endfunction()
 
 run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${work}/prefix)
 run(${CMAKE_COMMAND} -S ${SOURCE} -B ${work}/build -G ${GENERATOR} -DCMAKE_CXX_COMPILER=${CXX}
-    -DCMAKE_CXX_FLAGS=${FLAGS} -DCMAKE_PREFIX_PATH=${work}/prefix)
+    -DCMAKE_CXX_FLAGS=${FLAGS} -DCMAKE_PREFIX_PATH=${work}/prefix ${CROSS})
 run(${CMAKE_COMMAND} --build ${work}/build)
 set(ENV{QT_QPA_PLATFORM} offscreen)
+set(ENV{WINEPATH} "${work}/prefix/bin;$ENV{WINEPATH}")
 foreach(language en zh_cn)
     foreach(example minimal ownpage)
-        run(${work}/build/${example}/${example} ${language})
+        run(${EMULATOR} ${work}/build/${example}/${example}${SUFFIX} ${language})
     endforeach()
 endforeach()
+if(CROSS)
+    return() # no pkg-config there, and no libraries beside one another
+endif()
 
 separate_arguments(FLAGS UNIX_COMMAND "${FLAGS}")
 set(ENV{PKG_CONFIG_PATH} ${work}/prefix/${LIBDIR}/pkgconfig)

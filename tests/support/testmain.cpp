@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QtCore/QDir>
+#include <QtCore/QStandardPaths>
 #include <QtCore/QTemporaryDir>
 #include <QtWidgets/QApplication>
 
@@ -27,6 +28,9 @@ int main(int argc, char** argv)
          {"HOME", "XDG_RUNTIME_DIR", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME"}) {
         qputenv(name, home.path().toUtf8());
     }
+#ifdef Q_OS_WIN
+    QStandardPaths::setTestModeEnabled(true); // it asks the system, and not the environment
+#endif
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }

@@ -12,9 +12,14 @@
 #include <cstdio>
 #include <memory>
 #include <mutex>
+#include <string>
 
 #ifdef Q_OS_UNIX
 #include <fcntl.h>
+#else
+#include <QtCore/qt_windows.h>
+
+#include <io.h>
 #endif
 
 namespace mivohost {
@@ -62,8 +67,20 @@ void keepFromChildren(std::FILE* stream)
 #ifdef Q_OS_UNIX
     ::fcntl(::fileno(stream), F_SETFD, FD_CLOEXEC);
 #else
-    Q_UNUSED(stream)
+    SetHandleInformation(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream))),
+                         HANDLE_FLAG_INHERIT, 0);
 #endif
+}
+
+// A name as the library wants it, which depends on how it was built.
+[[maybe_unused]] void setName(std::string& name, const QString& path)
+{
+    name = path.toStdString();
+}
+
+[[maybe_unused]] void setName(std::wstring& name, const QString& path)
+{
+    name = path.toStdWString();
 }
 
 } // namespace
@@ -79,14 +96,15 @@ void startLog(const QString& file)
     QV::SpdlogApplication::instance().setLogger(logger);
     if (!file.isEmpty()) {
         try {
+            spdlog::filename_t name;
+            setName(name, file);
             spdlog::file_event_handlers handlers;
-            handlers.after_open = [](const spdlog::filename_t& name, std::FILE* stream) {
-                QFile::setPermissions(QString::fromStdString(name),
-                                      QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+            handlers.after_open = [file](const spdlog::filename_t& /*opened*/, std::FILE* stream) {
+                QFile::setPermissions(file, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
                 keepFromChildren(stream);
             };
             sinks().all->add_sink(std::make_shared<spdlog::sinks::rotating_file_sink_mt>(
-                file.toStdString(), 1 << 20, 5, false, handlers));
+                name, 1 << 20, 5, false, handlers));
             logger->set_pattern("%H:%M:%S.%e %l %v");
         } catch (const spdlog::spdlog_ex& error) {
             logger->warn("no log file: {}", error.what());

@@ -3,11 +3,10 @@
 #include "base/hostlog.h"
 #include "mivohostkit/runtimethread.h"
 
-#include <QtCore/QDir>
-#include <QtCore/QFile>
-#include <QtCore/QMap>
+#include <QtCore/QLibrary>
 
 #include <fmt/ranges.h>
+#define VK_NO_PROTOTYPES
 #include <vulkan/vulkan.h>
 
 #include <algorithm>
@@ -17,46 +16,50 @@ namespace mivohost {
 
 namespace {
 
-/// The name, with a number appended where another card has it already.
-std::string unlike(const std::vector<std::string>& taken, const std::string& name)
+/// The system's loader of drivers, which a machine may be without.
+class VulkanLoader
 {
-    std::string numbered = name;
-    for (int number = 2; std::find(taken.begin(), taken.end(), numbered) != taken.end(); ++number) {
-        numbered = name + " (" + std::to_string(number) + ')';
-    }
-    return numbered;
-}
-
-QString firstLine(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readLine(256)).trimmed()
-                                          : QString();
-}
-
-/// A device's name: what its driver calls it, else the driver and the number of the model.
-QString deviceName(const QString& device, const QString& fallback)
-{
-    const QString product = firstLine(device + "/product_name");
-    if (!product.isEmpty()) {
-        return product;
-    }
-    QMap<QString, QString> events; // lines of "KEY=value"
-    QFile file(device + "/uevent");
-    if (file.open(QIODevice::ReadOnly)) {
-        for (const QString& line : QString::fromUtf8(file.read(4096)).split('\n')) {
-            events.insert(line.section('=', 0, 0), line.section('=', 1).trimmed());
+public:
+    VulkanLoader()
+    {
+        if (!m_library.load()) {
+            hostLog()->info("no Vulkan: {}", m_library.errorString().toStdString());
         }
+        m_find =
+            reinterpret_cast<PFN_vkGetInstanceProcAddr>(m_library.resolve("vkGetInstanceProcAddr"));
     }
-    const QString name =
-        QStringLiteral("%1 %2").arg(events.value("DRIVER"), events.value("PCI_ID"));
-    return name.trimmed().isEmpty() ? fallback : name.trimmed();
-}
+
+    /// Null where it does not offer the function.
+    template <typename Function>
+    Function function(VkInstance instance, const char* name) const
+    {
+        return m_find == nullptr ? nullptr : reinterpret_cast<Function>(m_find(instance, name));
+    }
+
+private:
+#ifdef Q_OS_WIN
+    QLibrary m_library{QStringLiteral("vulkan-1")};
+#else
+    QLibrary m_library{QStringLiteral("vulkan"), 1};
+#endif
+    PFN_vkGetInstanceProcAddr m_find = nullptr;
+};
 
 } // namespace
 
+void addCard(GraphicsCardList& list, const std::string& name)
+{
+    std::string unlike = name;
+    for (int number = 2;
+         std::find(list.names.begin(), list.names.end(), unlike) != list.names.end(); ++number) {
+        unlike = name + " (" + std::to_string(number) + ')';
+    }
+    list.names.push_back(unlike);
+}
+
 GraphicsCardList vulkanGraphicsCards()
 {
+    const VulkanLoader vulkan;
     VkApplicationInfo application{};
     application.sType = VK_STRUCTURE_TYPE_APPLICATION_INFO;
     application.pApplicationName = "mivohost";
@@ -67,46 +70,29 @@ GraphicsCardList vulkanGraphicsCards()
     // Not QVulkanInstance: it belongs to the GUI thread and needs a platform plugin that supports
     // Vulkan, which the offscreen one does not.
     VkInstance instance = VK_NULL_HANDLE;
-    if (vkCreateInstance(&wanted, nullptr, &instance) != VK_SUCCESS) {
+    const auto create = vulkan.function<PFN_vkCreateInstance>(instance, "vkCreateInstance");
+    if (create == nullptr || create(&wanted, nullptr, &instance) != VK_SUCCESS) {
         return {};
     }
+    const auto devicesOf =
+        vulkan.function<PFN_vkEnumeratePhysicalDevices>(instance, "vkEnumeratePhysicalDevices");
+    const auto propertiesOf = vulkan.function<PFN_vkGetPhysicalDeviceProperties>(
+        instance, "vkGetPhysicalDeviceProperties");
     GraphicsCardList list;
     std::vector<VkPhysicalDevice> devices;
     std::uint32_t count = 0;
-    vkEnumeratePhysicalDevices(instance, &count, nullptr);
+    devicesOf(instance, &count, nullptr);
     devices.resize(count);
-    vkEnumeratePhysicalDevices(instance, &count, devices.data());
+    devicesOf(instance, &count, devices.data());
     devices.resize(count); // fewer than counted when a card was removed meanwhile
     for (VkPhysicalDevice device : devices) {
         VkPhysicalDeviceProperties properties{};
-        vkGetPhysicalDeviceProperties(device, &properties);
-        list.names.push_back(unlike(list.names, properties.deviceName));
+        propertiesOf(device, &properties);
+        addCard(list, properties.deviceName);
     }
-    vkDestroyInstance(instance, nullptr);
+    vulkan.function<PFN_vkDestroyInstance>(instance, "vkDestroyInstance")(instance, nullptr);
     if (!list.names.empty()) {
         list.inUse = list.names.front();
-    }
-    return list;
-}
-
-GraphicsCardList kernelGraphicsCards(const QString& folder)
-{
-    const QDir directory(folder);
-    QMap<int, QString> cards; // sorted by number: card2 comes before card10
-    for (const QString& entry : directory.entryList({QStringLiteral("card*")}, QDir::Dirs)) {
-        bool isNumber = false; // folders such as card0-HDMI-A-1 are sockets of a card
-        const int number = entry.mid(4).toInt(&isNumber);
-        if (isNumber) {
-            cards.insert(number, entry);
-        }
-    }
-    GraphicsCardList list;
-    for (const QString& card : std::as_const(cards)) {
-        const QString device = directory.filePath(card + "/device");
-        list.names.push_back(unlike(list.names, deviceName(device, card).toStdString()));
-        if (list.inUse.empty() || firstLine(device + "/boot_vga") == QLatin1String("1")) {
-            list.inUse = list.names.back();
-        }
     }
     return list;
 }
@@ -114,7 +100,7 @@ GraphicsCardList kernelGraphicsCards(const QString& folder)
 GraphicsCardList machineGraphicsCards()
 {
     auto list = vulkanGraphicsCards();
-    return list.names.empty() ? kernelGraphicsCards(QStringLiteral("/sys/class/drm")) : list;
+    return list.names.empty() ? systemGraphicsCards() : list;
 }
 
 GraphicsCards::GraphicsCards(RuntimeThread& runtime, Reader read)

@@ -20,16 +20,22 @@ struct GraphicsCardList
     std::string inUse; ///< empty where there is none
 };
 
+/// Adds a card, with a number where another one has that name.
+void addCard(GraphicsCardList& list, const std::string& name);
+
 /// The cards that Vulkan lists, in its order of preference; the first one is in use. Loads the
 /// drivers, which can take a second. Any thread.
 GraphicsCardList vulkanGraphicsCards();
 
 /// The cards that the kernel lists in `folder`, which has the form of Linux's /sys/class/drm. The
 /// card that the machine booted with is the one in use. Empty when the folder does not exist. Any
-/// thread.
+/// thread; not on Windows.
 GraphicsCardList kernelGraphicsCards(const QString& folder);
 
-/// The cards that Vulkan lists, or those of the kernel where Vulkan lists none. Any thread.
+/// The cards that the system lists: on Linux the kernel's. Any thread.
+GraphicsCardList systemGraphicsCards();
+
+/// The cards that Vulkan lists, or those of the system where Vulkan lists none. Any thread.
 GraphicsCardList machineGraphicsCards();
 
 /// The machine's cards, read once on a thread of its own; the list is empty until that is done.

@@ -956,6 +956,11 @@ Without an answer the copy is used in %4 seconds.</translation>
         <translation>These settings cannot be used as they are kept, and have their defaults until they are set: %1</translation>
     </message>
     <message>
+        <source>SavingBeforeEnd</source>
+        <comment>MainWindow</comment>
+        <translation>Settings and the project are being saved.</translation>
+    </message>
+    <message>
         <source>ChangeLost</source>
         <comment>MainWindow</comment>
         <translation>“%1” is now %3, set by %4, which was faster than your change to %2</translation>

@@ -956,6 +956,11 @@
         <translation>以下设置的保存值无法使用，在重新设置之前采用默认值：%1</translation>
     </message>
     <message>
+        <source>SavingBeforeEnd</source>
+        <comment>MainWindow</comment>
+        <translation>正在保存设置和项目。</translation>
+    </message>
+    <message>
         <source>ChangeLost</source>
         <comment>MainWindow</comment>
         <translation>“%1”现为 %3，由 %4 设置，先于您将其改为 %2 的操作</translation>

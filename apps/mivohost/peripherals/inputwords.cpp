@@ -3,16 +3,13 @@
 #include "base/hosttext.h"
 #include "peripherals/artnet.h"
 #include "peripherals/midimessage.h"
-
-#include <lo/lo.h>
+#include "peripherals/oscmessage.h"
 
 #include <QtCore/QStringList>
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstring>
-#include <memory>
 
 namespace mivohost {
 
@@ -56,47 +53,38 @@ QString controllerWords(int number, int channel, int value)
     return hasName ? words.arg(hostText("Controller/" + QString::number(number))) : words;
 }
 
-/// An argument stands where the message has it, aligned to four bytes.
-template <typename T>
-T valueOf(const void* argument)
+QString argumentWords(const OscArgument& argument)
 {
-    T value;
-    std::memcpy(&value, argument, sizeof value);
-    return value;
-}
-
-QString argumentWords(char type, void* argument)
-{
-    const auto* text = static_cast<const char*>(argument);
-    switch (type) {
-    case LO_INT32:
-        return QStringLiteral("int %1").arg(valueOf<std::int32_t>(argument));
-    case LO_INT64:
-        return QStringLiteral("int64 %1").arg(valueOf<qint64>(argument));
-    case LO_FLOAT:
-        return QStringLiteral("float %1").arg(static_cast<double>(valueOf<float>(argument)));
-    case LO_DOUBLE:
-        return QStringLiteral("double %1").arg(valueOf<double>(argument));
-    case LO_STRING:
-    case LO_SYMBOL:
-        return QStringLiteral("string \"%1\"").arg(QString::fromUtf8(text));
-    case LO_TRUE:
+    const std::string_view bytes = argument.bytes;
+    switch (argument.type) {
+    case 'i':
+        return QStringLiteral("int %1").arg(numberOf<std::int32_t>(bytes));
+    case 'h':
+        return QStringLiteral("int64 %1").arg(numberOf<qint64>(bytes));
+    case 'f':
+        return QStringLiteral("float %1").arg(static_cast<double>(numberOf<float>(bytes)));
+    case 'd':
+        return QStringLiteral("double %1").arg(numberOf<double>(bytes));
+    case 's':
+    case 'S':
+        return QStringLiteral("string \"%1\"")
+            .arg(QString::fromUtf8(bytes.data(), static_cast<int>(bytes.size())));
+    case 'T':
         return QStringLiteral("true");
-    case LO_FALSE:
+    case 'F':
         return QStringLiteral("false");
-    case LO_NIL:
+    case 'N':
         return QStringLiteral("nil");
-    case LO_INFINITUM:
+    case 'I':
         return QStringLiteral("impulse");
-    case LO_CHAR:
-        return QStringLiteral("char %1").arg(
-            QChar(static_cast<ushort>(valueOf<std::int32_t>(argument))));
-    case LO_BLOB:
-        return QStringLiteral("blob (%1)").arg(lo_blob_datasize(static_cast<lo_blob>(argument)));
-    case LO_MIDI:
-        return QStringLiteral("midi ") + hexText({text, 4});
+    case 'c':
+        return QStringLiteral("char %1").arg(QChar(numberOf<std::uint32_t>(bytes) & 0xFFFF));
+    case 'b':
+        return QStringLiteral("blob (%1)").arg(bytes.size());
+    case 'm':
+        return QStringLiteral("midi ") + hexText({bytes.data(), static_cast<int>(bytes.size())});
     default:
-        return {QLatin1Char(type)};
+        return {QLatin1Char(argument.type)};
     }
 }
 
@@ -150,19 +138,17 @@ QString oscWords(const QByteArray& bytes, int size)
             .arg(size)
             .arg(printable(QString::fromUtf8(bytes.constData())));
     }
-    // The library checks that path, types and arguments lie within the bytes, and copies them.
-    const std::unique_ptr<void, decltype(&lo_message_free)> message(
-        lo_message_deserialise(const_cast<char*>(bytes.constData()), static_cast<std::size_t>(size),
-                               nullptr),
-        &lo_message_free);
-    if (message == nullptr) {
+    const auto arguments =
+        oscArguments({bytes.constData(), static_cast<std::size_t>(std::max(size, 0))});
+    if (!arguments) {
         return hostText("OscNone").arg(size);
     }
-    const char* const types = lo_message_get_types(message.get());
-    lo_arg** const arguments = lo_message_get_argv(message.get());
     QStringList words;
-    for (int i = 0; i < lo_message_get_argc(message.get()) && i < mostCharacters; ++i) {
-        words.append(argumentWords(types[i], arguments[i]));
+    for (const OscArgument& argument : *arguments) {
+        words.append(argumentWords(argument));
+        if (words.size() == mostCharacters) {
+            break;
+        }
     }
     const QString gap = words.isEmpty() ? QString() : QStringLiteral("  ");
     return printable(QString::fromUtf8(bytes.constData()) + gap + words.join(QStringLiteral(", ")));

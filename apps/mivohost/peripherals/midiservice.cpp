@@ -14,7 +14,7 @@
 #include <regex>
 #include <stdexcept>
 
-#ifdef __GNUC__
+#ifdef Q_OS_UNIX
 // Weak: JACK's library is loaded only where RtMidi uses it.
 extern "C" __attribute__((weak)) void jack_set_error_function(void (*function)(const char*));
 #endif
@@ -34,7 +34,7 @@ std::atomic<int> jackErrors{0};
 /// JACK's library reports the loss of its server through this function only.
 void countJackErrors()
 {
-#ifdef __GNUC__
+#ifdef Q_OS_UNIX
     if (jack_set_error_function != nullptr) {
         jack_set_error_function([](const char* /*message*/) { ++jackErrors; });
     }

@@ -1,15 +1,11 @@
 #include "peripherals/oscmessage.h"
 
-#include <lo/lo.h>
-
 #include <QtCore/QString>
 #include <QtCore/QtEndian>
 
 #include <fmt/format.h>
 
 #include <cstdint>
-#include <memory>
-#include <string_view>
 #include <utility>
 
 namespace mivohost {
@@ -18,39 +14,103 @@ namespace {
 
 constexpr int deepest = 8; // of bundles in bundles
 
+/// The text that the bytes begin with. It and the zeros behind it, at least one, fill units of 4
+/// bytes; `bytes` goes behind them.
+std::optional<std::string_view> takeText(std::string_view& bytes)
+{
+    const std::size_t length = bytes.find('\0');
+    const std::size_t filled = (length / 4 + 1) * 4;
+    if (length == std::string_view::npos || filled > bytes.size()
+        || bytes.substr(length, filled - length).find_first_not_of('\0')
+               != std::string_view::npos) {
+        return std::nullopt;
+    }
+    const auto text = bytes.substr(0, length);
+    bytes.remove_prefix(filled);
+    return text;
+}
+
+std::optional<std::string_view> takeBytes(std::string_view& bytes, std::size_t length)
+{
+    if (length > bytes.size()) {
+        return std::nullopt;
+    }
+    const auto taken = bytes.substr(0, length);
+    bytes.remove_prefix(length);
+    return taken;
+}
+
+std::optional<std::string_view> takeBlob(std::string_view& bytes)
+{
+    const auto length = takeBytes(bytes, 4);
+    const auto blob = length ? takeBytes(bytes, numberOf<std::uint32_t>(*length)) : std::nullopt;
+    const auto filler = blob ? takeBytes(bytes, (4 - blob->size() % 4) % 4) : std::nullopt;
+    return filler && filler->find_first_not_of('\0') == std::string_view::npos ? blob
+                                                                               : std::nullopt;
+}
+
+std::optional<std::string_view> takeArgument(char type, std::string_view& bytes)
+{
+    switch (type) {
+    case 'i':
+    case 'f':
+    case 'c':
+    case 'm':
+        return takeBytes(bytes, 4);
+    case 'h':
+    case 'd':
+    case 't':
+        return takeBytes(bytes, 8);
+    case 's':
+    case 'S':
+        return takeText(bytes);
+    case 'b':
+        return takeBlob(bytes);
+    case 'T':
+    case 'F':
+    case 'N':
+    case 'I':
+        return std::string_view();
+    default:
+        return std::nullopt;
+    }
+}
+
 /// Text of an argument, and whether it is a button's release.
 using Value = std::pair<std::string, bool>;
 
 template <typename Number>
-Value valueOf(Number number)
+Value valueOf(std::string_view bytes)
 {
+    const auto number = numberOf<Number>(bytes);
     return {fmt::format("{}", number), number == Number(0)};
 }
 
-Value textValue(const char* text)
+Value textValue(std::string_view text)
 {
-    const QString value = QString::fromUtf8(text);
-    return {text, value == QLatin1String("0")
-                      || value.compare(QLatin1String("false"), Qt::CaseInsensitive) == 0};
+    const QString value = QString::fromUtf8(text.data(), static_cast<int>(text.size()));
+    return {std::string(text),
+            value == QLatin1String("0")
+                || value.compare(QLatin1String("false"), Qt::CaseInsensitive) == 0};
 }
 
-Value firstOf(const char* types, lo_arg** arguments)
+Value valueOf(const OscArgument& argument)
 {
-    switch (types[0]) {
-    case LO_INT32:
-        return valueOf(arguments[0]->i);
-    case LO_INT64:
-        return valueOf(arguments[0]->h);
-    case LO_FLOAT:
-        return valueOf(arguments[0]->f);
-    case LO_DOUBLE:
-        return valueOf(arguments[0]->d);
-    case LO_STRING:
-    case LO_SYMBOL:
-        return textValue(&arguments[0]->s);
-    case LO_TRUE:
+    switch (argument.type) {
+    case 'i':
+        return valueOf<std::int32_t>(argument.bytes);
+    case 'h':
+        return valueOf<qint64>(argument.bytes);
+    case 'f':
+        return valueOf<float>(argument.bytes);
+    case 'd':
+        return valueOf<double>(argument.bytes);
+    case 's':
+    case 'S':
+        return textValue(argument.bytes);
+    case 'T':
         return {"true", false};
-    case LO_FALSE:
+    case 'F':
         return {"false", true};
     default:
         return {};
@@ -61,14 +121,11 @@ using Take = std::function<void(const OscMessage&)>;
 
 std::size_t parseMessage(const char* bytes, std::size_t size, const Take& take)
 {
-    // The library checks that path, types and arguments lie within the bytes, and copies them.
-    const std::unique_ptr<void, decltype(&lo_message_free)> message(
-        lo_message_deserialise(const_cast<char*>(bytes), size, nullptr), &lo_message_free);
-    if (message == nullptr) {
+    const auto arguments = oscArguments({bytes, size});
+    if (!arguments) {
         return 1;
     }
-    auto [value, isRelease] =
-        firstOf(lo_message_get_types(message.get()), lo_message_get_argv(message.get()));
+    auto [value, isRelease] = arguments->empty() ? Value() : valueOf(arguments->front());
     take({bytes, std::move(value), isRelease, {bytes, size}});
     return 0;
 }
@@ -94,6 +151,24 @@ std::size_t parse(const char* bytes, std::size_t size, int depth, const Take& ta
 }
 
 } // namespace
+
+std::optional<std::vector<OscArgument>> oscArguments(std::string_view message)
+{
+    const auto path = takeText(message);
+    const auto types = path ? takeText(message) : std::nullopt;
+    if (!types || types->substr(0, 1) != ",") {
+        return std::nullopt;
+    }
+    std::vector<OscArgument> arguments;
+    for (const char type : types->substr(1)) {
+        const auto bytes = takeArgument(type, message);
+        if (!bytes) {
+            return std::nullopt;
+        }
+        arguments.push_back({type, *bytes});
+    }
+    return message.empty() ? std::optional(std::move(arguments)) : std::nullopt;
+}
 
 std::size_t parseOsc(const char* bytes, std::size_t size, const Take& take)
 {

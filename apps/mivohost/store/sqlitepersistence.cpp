@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -174,7 +175,7 @@ std::unique_ptr<SqlitePersistence> SqlitePersistence::openLocked(const QString& 
         return persistence;
     }
     if (QFileInfo(path).isDir()) { // SQLite would say that it cannot be written
-        result.error = qt_error_string(EISDIR);
+        result.error = QString::fromStdString(std::generic_category().message(EISDIR));
         return persistence;
     }
     result.error = missingPart(path, !copiesOf(path).empty());

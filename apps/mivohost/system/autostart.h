@@ -13,7 +13,8 @@ namespace mivohost {
 class RuntimeThread;
 class SettingsStore;
 
-/// A freedesktop autostart entry that starts `program` with `arguments`, literally.
+/// What starts `program` with `arguments`, literally: a freedesktop autostart entry, on Windows a
+/// command line. UTF-8.
 QByteArray autostartEntry(const QString& name, const QString& program,
                           const QStringList& arguments);
 
@@ -43,10 +44,17 @@ public:
     Autostart(const Autostart&) = delete;
     Autostart& operator=(const Autostart&) = delete;
 
-    /// Where the entry is kept, named after the application.
+    /// Where the entry is kept, named after the application: a file, on Windows a value of the
+    /// registry.
     static QString entryPath();
+    /// What is kept there; empty without one.
+    static QString entry();
 
 private:
+    /// Empty, or why it did not work.
+    static QString setEntry(const QString& program, const QStringList& arguments);
+    static QString removeEntry();
+
     void apply();
 
     RuntimeThread& m_runtime;

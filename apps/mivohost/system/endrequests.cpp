@@ -2,18 +2,7 @@
 
 #include "base/hostlog.h"
 
-#include <QtCore/QSocketNotifier>
-
 #include <cstdlib>
-#include <utility>
-
-#ifdef Q_OS_UNIX
-#include <fcntl.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <csignal>
-#endif
 
 namespace mivohost {
 
@@ -31,71 +20,19 @@ void atExit()
     }
 }
 
-#ifdef Q_OS_UNIX
-
-constexpr int endSignals[] = {SIGTERM, SIGINT, SIGHUP};
-int pipeEnds[2] = {-1, -1};
-
-void onSignal(int number)
-{
-    const int error = errno;
-    const auto byte = static_cast<char>(number);
-    [[maybe_unused]] const ssize_t written = ::write(pipeEnds[1], &byte, 1);
-    errno = error;
-}
-
-#endif
-
 } // namespace
 
 EndRequests::EndRequests()
 {
     alive = this;
     [[maybe_unused]] static const int registered = std::atexit(atExit);
-#ifdef Q_OS_UNIX
-    if (::pipe2(pipeEnds, O_CLOEXEC | O_NONBLOCK) != 0) {
-        hostLog()->warn("signals end the program at once: no pipe");
-        return;
-    }
-    auto* notifier = new QSocketNotifier(pipeEnds[0], QSocketNotifier::Read, this);
-    connect(notifier, &QSocketNotifier::activated, this, [this] {
-        char number = 0;
-        if (::read(pipeEnds[0], &number, 1) == 1) {
-            hostLog()->info("ending by signal {}", static_cast<int>(number));
-            emit requested();
-        }
-    });
-    for (const int number : endSignals) {
-        struct sigaction action
-        {
-        };
-        ::sigaction(number, nullptr, &action);
-        if (action.sa_handler != SIG_IGN) {
-            action.sa_handler = onSignal;
-            action.sa_flags = SA_RESTART | static_cast<int>(SA_RESETHAND);
-            ::sigaction(number, &action, nullptr);
-        }
-    }
-#endif
+    watch();
 }
 
 EndRequests::~EndRequests()
 {
+    unwatch();
     alive = nullptr;
-#ifdef Q_OS_UNIX
-    for (const int number : endSignals) {
-        struct sigaction action
-        {
-        };
-        ::sigaction(number, nullptr, &action);
-        if (action.sa_handler == onSignal) {
-            ::signal(number, SIG_DFL);
-        }
-    }
-    for (int& end : pipeEnds) {
-        ::close(std::exchange(end, -1));
-    }
-#endif
 }
 
 } // namespace mivohost

@@ -1,13 +1,16 @@
 #pragma once
 
 #include <QtCore/QObject>
+#include <QtCore/QString>
+#include <QtGui/qwindowdefs.h>
 
 namespace mivohost {
 
 /// Tells that the program is to end though nobody has closed its window: by SIGTERM, SIGINT or
-/// SIGHUP, or because the display has gone. One at a time, on the GUI thread.
+/// SIGHUP, on Windows by Ctrl+C or the end of its console, or because the display has gone. One at
+/// a time, on the GUI thread.
 ///
-/// A second signal ends the program at once. A signal that the program was started to ignore stays
+/// A second one ends the program at once. A signal that the program was started to ignore stays
 /// ignored.
 class EndRequests : public QObject
 {
@@ -17,10 +20,18 @@ public:
     EndRequests();
     ~EndRequests() override;
 
+    /// When the user's session is about to end: has the system show beside the program's name why
+    /// it takes so long, until the window goes.
+    static void explainDelay(WId window, const QString& reason);
+
 signals:
     /// The last moment to save something without asking. When the display has gone the program ends
     /// as soon as the slots return, and no event is handled any more.
     void requested();
+
+private:
+    void watch();
+    void unwatch();
 };
 
 } // namespace mivohost

@@ -61,8 +61,8 @@ bool Listener::apply(ListeningPorts::Port port)
         // The system would choose one that nobody knows.
         failure = reasonText(QStringLiteral("0 is no port"));
     } else if (requested.open && isTcp) {
-        failure = m_tcp.listen(QHostAddress::Any, requested.port) ? QString()
-                                                                  : reasonText(m_tcp.errorString());
+        const QString reason = listenAlone(m_tcp, requested.port);
+        failure = reason.isEmpty() ? QString() : reasonText(reason);
     } else if (requested.open
                && !m_udp.bind(QHostAddress::Any, requested.port,
                               QAbstractSocket::DontShareAddress)) {

@@ -13,6 +13,10 @@ namespace mivohost {
 
 class RuntimeThread;
 
+/// Listens at all addresses, at a port that no other program can take as well. Returns why it
+/// failed, or an empty text.
+QString listenAlone(QTcpServer& server, quint16 port);
+
 /// Opens and closes the listening ports as the store requests, and reports the results. A port that
 /// is taken is tried again until it is free or another request comes. What arrives is read and
 /// dropped: the ports belong to the host's remote control, which is not here.

@@ -98,7 +98,7 @@ void Looks::takeSetting(const QString& group, const QString& key, const QDBusVar
     }
 }
 
-#else
+#elif !defined(Q_OS_WIN)
 
 void Looks::askDesktop() {}
 

@@ -2,8 +2,6 @@
 
 #include "base/hostlog.h"
 
-#include <QtCore/QProcess>
-
 #include <cstdio>
 
 namespace mivohost {
@@ -22,35 +20,10 @@ void carryOut(PowerAction action, bool allowed, QObject* context,
         return;
     }
     logger->info(shutdown ? "shutting down the machine" : "restarting the machine");
-    auto* process = new QProcess(context);
-    const auto fail = [process, failed](const QString& reason) {
-        hostLog()->error("{} failed: {}", process->program().toStdString(), reason.toStdString());
+    askSystem(action, context, [failed](const QString& reason) {
+        hostLog()->error("the system does not do so: {}", reason.toStdString());
         failed(reason);
-        process->deleteLater();
-    };
-    QObject::connect(process, &QProcess::errorOccurred, context,
-                     [process, fail](QProcess::ProcessError error) {
-                         if (error == QProcess::FailedToStart) {
-                             fail(process->errorString());
-                         }
-                     });
-    QObject::connect(process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), context,
-                     [process, fail](int code, QProcess::ExitStatus status) {
-                         if (code != 0 || status != QProcess::NormalExit) {
-                             fail(
-                                 QString::fromLocal8Bit(process->readAllStandardError()).trimmed());
-                         } else {
-                             process->deleteLater();
-                         }
-                     });
-#ifdef Q_OS_WIN
-    process->start(QStringLiteral("shutdown"),
-                   {shutdown ? QStringLiteral("/s") : QStringLiteral("/r"), QStringLiteral("/t"),
-                    QStringLiteral("0")});
-#else
-    process->start(QStringLiteral("systemctl"),
-                   {shutdown ? QStringLiteral("poweroff") : QStringLiteral("reboot")});
-#endif
+    });
 }
 
 } // namespace mivohost

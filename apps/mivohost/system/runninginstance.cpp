@@ -9,6 +9,10 @@
 #include <QtCore/QThread>
 #include <QtNetwork/QLocalSocket>
 
+#ifdef Q_OS_WIN
+#include <QtCore/qt_windows.h>
+#endif
+
 #include <algorithm>
 
 namespace mivohost {
@@ -51,6 +55,10 @@ RunningInstance::RunningInstance(const QString& folder)
 
 bool RunningInstance::show(const QString& folder, int milliseconds)
 {
+#ifdef Q_OS_WIN
+    // Only a program that somebody has just started may let another one come to the front.
+    AllowSetForegroundWindow(ASFW_ANY);
+#endif
     QElapsedTimer elapsed;
     elapsed.start();
     const auto left = [&] {

@@ -1,0 +1,63 @@
+#include "system/endrequests.h"
+
+#include "base/hostlog.h"
+
+#include <QtCore/qt_windows.h>
+
+#include <mutex>
+
+namespace mivohost {
+
+namespace {
+
+std::mutex mutex; // the system calls on a thread of its own
+EndRequests* watching = nullptr;
+bool isAsked = false;
+
+BOOL WINAPI onControl(DWORD event)
+{
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        if (watching == nullptr || isAsked) {
+            return FALSE; // the system ends the program
+        }
+        isAsked = true;
+        QMetaObject::invokeMethod(
+            watching,
+            [event, requests = watching] {
+                hostLog()->info("ending by the console's event {}", event);
+                emit requests->requested();
+            },
+            Qt::QueuedConnection);
+    }
+    if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) {
+        Sleep(INFINITE); // the program is ended when this returns
+    }
+    return TRUE;
+}
+
+} // namespace
+
+void EndRequests::watch()
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    watching = this;
+    isAsked = false;
+    SetConsoleCtrlHandler(onControl, TRUE);
+}
+
+void EndRequests::unwatch()
+{
+    SetConsoleCtrlHandler(onControl, FALSE);
+    const std::lock_guard<std::mutex> lock(mutex);
+    watching = nullptr;
+}
+
+void EndRequests::explainDelay(WId window, const QString& reason)
+{
+    // Taken back with the window.
+    ShutdownBlockReasonCreate(reinterpret_cast<HWND>(window),
+                              reinterpret_cast<const wchar_t*>(reason.utf16()));
+}
+
+} // namespace mivohost

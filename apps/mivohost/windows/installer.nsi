@@ -1,0 +1,90 @@
+; Installs for the user who runs it, without an administrator. scripts/windows --package calls it.
+Target amd64-unicode
+!include FileFunc.nsh
+!include LogicLib.nsh
+
+!define UNINSTALL "Software\Microsoft\Windows\CurrentVersion\Uninstall\mivohost"
+
+Name "mivohost"
+OutFile "${SETUP}"
+RequestExecutionLevel user
+SetCompressor /SOLID lzma
+Icon "mivo.ico"
+UninstallIcon "mivo.ico"
+InstallDir "$LOCALAPPDATA\Programs\mivohost"
+InstallDirRegKey HKCU "${UNINSTALL}" InstallLocation
+VIProductVersion "${VERSION}.0"
+VIAddVersionKey ProductName "mivohost"
+VIAddVersionKey FileDescription "mivohost"
+VIAddVersionKey FileVersion "${VERSION}"
+VIAddVersionKey LegalCopyright ""
+
+Page directory
+Page instfiles
+UninstPage uninstConfirm
+UninstPage instfiles
+
+LoadLanguageFile "${NSISDIR}\Contrib\Language files\English.nlf"
+LoadLanguageFile "${NSISDIR}\Contrib\Language files\SimpChinese.nlf"
+LangString InUse 1033 "mivohost is running. Close it, and try again."
+LangString InUse 2052 "mivohost 正在运行。请先将其关闭，然后重试。"
+LangString RemoveSettings 1033 "Remove your settings, shortcuts and saved projects of mivohost as well?"
+LangString RemoveSettings 2052 "是否同时删除 mivohost 的设置、快捷键和自动保存的项目？"
+
+; Its file cannot be written while the program runs.
+!macro WaitForEnd
+    ${Do}
+        ClearErrors
+        ${IfNot} ${FileExists} "$INSTDIR\mivohost.exe"
+            ${ExitDo}
+        ${EndIf}
+        FileOpen $0 "$INSTDIR\mivohost.exe" a
+        ${IfNot} ${Errors}
+            FileClose $0
+            ${ExitDo}
+        ${EndIf}
+        MessageBox MB_RETRYCANCEL|MB_ICONEXCLAMATION "$(InUse)" /SD IDCANCEL IDRETRY +2
+        Abort
+    ${Loop}
+!macroend
+
+Section
+    !insertmacro WaitForEnd
+    ; What an older version had and this one has not; settings stay.
+    ${If} ${FileExists} "$INSTDIR\uninstall.exe"
+        ExecWait '"$INSTDIR\uninstall.exe" /S /upgrade _?=$INSTDIR'
+    ${EndIf}
+    SetOutPath "$INSTDIR"
+    File /r "${STAGE}/*"
+    WriteUninstaller "$INSTDIR\uninstall.exe"
+    CreateShortcut "$SMPROGRAMS\mivohost.lnk" "$INSTDIR\mivohost.exe"
+    WriteRegStr HKCU "${UNINSTALL}" DisplayName "mivohost"
+    WriteRegStr HKCU "${UNINSTALL}" DisplayVersion "${VERSION}"
+    WriteRegStr HKCU "${UNINSTALL}" DisplayIcon "$INSTDIR\mivohost.exe"
+    WriteRegStr HKCU "${UNINSTALL}" InstallLocation "$INSTDIR"
+    WriteRegStr HKCU "${UNINSTALL}" UninstallString '"$INSTDIR\uninstall.exe"'
+    WriteRegStr HKCU "${UNINSTALL}" QuietUninstallString '"$INSTDIR\uninstall.exe" /S'
+    WriteRegDWORD HKCU "${UNINSTALL}" NoModify 1
+    WriteRegDWORD HKCU "${UNINSTALL}" NoRepair 1
+SectionEnd
+
+Section Uninstall
+    !insertmacro WaitForEnd
+    !include "${FILES}"
+    Delete "$INSTDIR\uninstall.exe"
+    ${GetParameters} $1
+    ClearErrors
+    ${GetOptions} $1 "/upgrade" $2
+    ${IfNot} ${Errors}
+        Return
+    ${EndIf}
+    RMDir "$INSTDIR" ; unless it holds something else
+    Delete "$SMPROGRAMS\mivohost.lnk"
+    DeleteRegKey HKCU "${UNINSTALL}"
+    DeleteRegValue HKCU "Software\Microsoft\Windows\CurrentVersion\Run" mivohost
+    MessageBox MB_YESNO|MB_ICONQUESTION|MB_DEFBUTTON2 "$(RemoveSettings)" /SD IDNO IDNO keep
+    RMDir /r "$APPDATA\mivo\mivohost"
+    RMDir /r "$APPDATA\mivo\mivohost_Display"
+    RMDir "$APPDATA\mivo"
+keep:
+SectionEnd

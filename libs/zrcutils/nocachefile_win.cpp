@@ -1,0 +1,157 @@
+#include "zrcutils/nocachefile_p.h"
+#include "zrcutils/winsystem.h"
+
+#include <algorithm>
+#include <chrono>
+#include <thread>
+#include <vector>
+
+namespace fs = std::filesystem;
+
+namespace zrcutils {
+
+namespace {
+
+/// How long it is tried to replace a file that another program holds, as one that looks for viruses
+/// or makes backups does for a moment.
+constexpr std::chrono::milliseconds heldFor(1000);
+
+std::error_code systemError(DWORD code)
+{
+    return {static_cast<int>(code), std::system_category()};
+}
+
+class Handle
+{
+public:
+    explicit Handle(HANDLE handle) : m_handle(handle) {}
+    ~Handle()
+    {
+        if (isValid()) {
+            ::CloseHandle(m_handle);
+        }
+    }
+    Handle(const Handle&) = delete;
+    Handle& operator=(const Handle&) = delete;
+
+    bool isValid() const { return m_handle != INVALID_HANDLE_VALUE; }
+    operator HANDLE() const { return m_handle; }
+
+private:
+    HANDLE m_handle;
+};
+
+/// Where the links of a path lead; the path itself where nothing is at their end.
+std::wstring followLinks(const std::wstring& path)
+{
+    const Handle file(::CreateFileW(path.c_str(), 0,
+                                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                    OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+    if (!file.isValid()) {
+        return path;
+    }
+    std::wstring real(32768, L'\0'); // the system's longest path
+    const DWORD length = ::GetFinalPathNameByHandleW(
+        file, real.data(), static_cast<DWORD>(real.size()), FILE_NAME_NORMALIZED);
+    real.resize(length < real.size() ? length : 0);
+    return real.empty() ? path : real;
+}
+
+bool writeAll(HANDLE file, const std::string& content)
+{
+    for (std::size_t done = 0; done < content.size();) {
+        const auto part =
+            static_cast<DWORD>(std::min<std::size_t>(content.size() - done, 1U << 30));
+        DWORD count = 0;
+        if (!::WriteFile(file, content.data() + done, part, &count, nullptr) || count == 0) {
+            return false;
+        }
+        done += count;
+    }
+    return ::FlushFileBuffers(file);
+}
+
+/// Who may open the file, as it was said for the one that it replaces. Not every file system can.
+void keepAccess(const std::wstring& from, HANDLE to)
+{
+    DWORD size = 0;
+    ::GetFileSecurityW(from.c_str(), DACL_SECURITY_INFORMATION, nullptr, 0, &size);
+    std::vector<unsigned char> descriptor(size);
+    if (size > 0
+        && ::GetFileSecurityW(from.c_str(), DACL_SECURITY_INFORMATION, descriptor.data(), size,
+                              &size)) {
+        ::SetKernelObjectSecurity(to, DACL_SECURITY_INFORMATION, descriptor.data());
+    }
+}
+
+/// Gives an open file another one's name and place.
+bool renameOpen(HANDLE file, const std::wstring& target)
+{
+    const std::size_t bytes = target.size() * sizeof(wchar_t);
+    std::vector<unsigned char> buffer(sizeof(FILE_RENAME_INFO) + bytes);
+    auto* info = reinterpret_cast<FILE_RENAME_INFO*>(buffer.data());
+    info->ReplaceIfExists = TRUE;
+    info->FileNameLength = static_cast<DWORD>(bytes);
+    std::copy(target.begin(), target.end(), info->FileName);
+    const auto end = std::chrono::steady_clock::now() + heldFor;
+    while (!::SetFileInformationByHandle(file, FileRenameInfo, info,
+                                         static_cast<DWORD>(buffer.size()))) {
+        const DWORD code = ::GetLastError();
+        // What is held is refused in either way.
+        if ((code != ERROR_SHARING_VIOLATION && code != ERROR_ACCESS_DENIED)
+            || std::chrono::steady_clock::now() > end) {
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        ::SetLastError(code);
+    }
+    return true;
+}
+
+} // namespace
+
+// A new file may be opened by whom the folder says.
+std::error_code replace(const fs::path& path, const std::string& content,
+                        NoCacheFile::Access /*access*/)
+{
+    const std::wstring named = longPath(path.u8string());
+    if (named.empty()) {
+        return systemError(ERROR_INVALID_NAME);
+    }
+    const std::wstring target = followLinks(named);
+    const DWORD attributes = ::GetFileAttributesW(target.c_str());
+    const bool exists = attributes != INVALID_FILE_ATTRIBUTES;
+    if (exists && (attributes & FILE_ATTRIBUTE_DIRECTORY)) {
+        return systemError(ERROR_CANNOT_MAKE);
+    }
+    if (exists && (attributes & FILE_ATTRIBUTE_READONLY)) {
+        return systemError(ERROR_ACCESS_DENIED);
+    }
+    // Shared with nobody until it is in its place: so removeLeftovers() of another process leaves
+    // it.
+    const fs::path temporary = temporaryFor(target);
+    const Handle file(::CreateFileW(
+        temporary.c_str(), GENERIC_WRITE | DELETE | WRITE_DAC, 0, nullptr, CREATE_NEW,
+        exists ? attributes & FILE_ATTRIBUTE_HIDDEN : FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!file.isValid()) {
+        return systemError(::GetLastError());
+    }
+    if (exists) {
+        keepAccess(target, file);
+    }
+    if (!writeAll(file, content) || !renameOpen(file, target)) {
+        const std::error_code error = systemError(::GetLastError());
+        FILE_DISPOSITION_INFO removal{TRUE};
+        ::SetFileInformationByHandle(file, FileDispositionInfo, &removal, sizeof removal);
+        return error;
+    }
+    ::FlushFileBuffers(file); // its new name, too
+    return {};
+}
+
+void removeUnlessWritten(const fs::path& temporary)
+{
+    ::DeleteFileW(temporary.c_str());
+}
+
+} // namespace zrcutils
