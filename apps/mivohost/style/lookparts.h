@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QtGui/QIcon>
 #include <QtWidgets/QAbstractSpinBox>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QScrollArea>
@@ -37,5 +38,15 @@ inline QFont titleFont(QFont font)
     font.setWeight(QFont::Bold);
     return font;
 }
+
+/// One of the style's; "check" for ":/mivo/style/icons/check.svg".
+QIcon iconNamed(const char* name);
+void drawIcon(QPainter& painter, const QRect& rect, const char* name);
+
+/// Up to the middle of a border of that width.
+void drawGround(QPainter& painter, const QRect& rect, const QColor& ground, int radius,
+                qreal border = 0);
+void drawFrame(QPainter& painter, const QRect& rect, const QColor& ground, const QColor& border,
+               int radius);
 
 } // namespace mivo::style

@@ -1,94 +1,41 @@
 #include "lookstyle.h"
 
+#include "looknames.h"
 #include "lookparts.h"
 
-#include <QtGui/QIcon>
 #include <QtGui/QPainter>
-#include <QtGui/QPainterPath>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QGroupBox>
+#include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
+#include <QtWidgets/QMenu>
 #include <QtWidgets/QPushButton>
-
-#include <map>
-#include <string>
+#include <QtWidgets/QScrollBar>
 
 namespace mivo::style {
 
 namespace {
 
-/// Up to the middle of a border of that width.
-void drawGround(QPainter& painter, const QRect& rect, const QColor& ground, int radius,
-                qreal border = 0)
-{
-    painter.save();
-    painter.setRenderHint(QPainter::Antialiasing);
-    const qreal half = border / 2;
-    QPainterPath inside;
-    inside.addRoundedRect(QRectF(rect).adjusted(half, half, -half, -half), radius - half,
-                          radius - half);
-    painter.fillPath(inside, ground);
-    painter.restore();
-}
-
-void drawFrame(QPainter& painter, const QRect& rect, const QColor& ground, const QColor& border,
-               int radius)
-{
-    painter.save();
-    painter.setRenderHint(QPainter::Antialiasing);
-    if (ground.alpha() > 0) {
-        drawGround(painter, rect, ground, radius, line);
-    }
-    if (border.alpha() > 0) {
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(border);
-        const QRect straight = rect.adjusted(radius, radius, -radius, -radius);
-        if (straight.width() > 0) {
-            painter.drawRect(straight.left(), rect.top(), straight.width(), line);
-            painter.drawRect(straight.left(), rect.bottom(), straight.width(), line);
-        }
-        if (straight.height() > 0) {
-            painter.drawRect(rect.left(), straight.top(), line, straight.height());
-            painter.drawRect(rect.right(), straight.top(), line, straight.height());
-        }
-        painter.setBrush(Qt::NoBrush);
-        painter.setPen(QPen(border, line, Qt::SolidLine, Qt::SquareCap));
-        const qreal size = 2 * radius - line;
-        QRectF corner(rect.left() + line / 2.0, rect.top() + line / 2.0, size, size);
-        const qreal across = rect.width() - 2 * radius;
-        const qreal down = rect.height() - 2 * radius;
-        // As style sheets draw them: two arcs a corner, of an eighth of a circle each.
-        constexpr struct
-        {
-            bool isRight, isBottom;
-            int start, span;
-        } arcs[]{{true, true, 270, 45},   {true, true, 315, 45},    {false, true, 180, 45},
-                 {false, true, 270, -45}, {false, false, 135, -45}, {false, false, 135, 45},
-                 {true, false, 45, -45},  {true, false, 45, 45}};
-        for (const auto& arc : arcs) {
-            const QPointF place(arc.isRight ? across : 0, arc.isBottom ? down : 0);
-            painter.drawArc(corner.translated(place), arc.start * 16, arc.span * 16);
-        }
-    }
-    painter.restore();
-}
-
-void drawIcon(QPainter& painter, const QRect& rect, const char* name)
-{
-    static std::map<std::string, QIcon> icons; // each is read from its file once
-    QIcon& icon = icons[name];
-    if (icon.isNull()) {
-        icon = QIcon(QStringLiteral(":/mivo/style/icons/%1.svg").arg(QLatin1String(name)));
-    }
-    icon.paint(&painter, rect);
-}
-
 /// Whether it is drawn by drawSurface().
 bool isSurface(const QWidget& widget)
 {
     return isScrollArea(&widget) || widget.objectName() == QLatin1String("settingBox")
-           || (!widget.dynamicPropertyNames().isEmpty()
-               && widget.property("style").toString().startsWith(QLatin1String("BG")));
+           || styleOf(&widget).startsWith(QLatin1String("BG"));
+}
+
+/// An invalid colour takes the last one back.
+void setTextColor(QWidget& widget, QPalette::ColorRole role, const QColor& color)
+{
+    QPalette palette = widget.palette();
+    if (color.isValid()) {
+        palette.setColor(role, color);
+    } else if (widget.testAttribute(Qt::WA_SetPalette)
+               && palette.isBrushSet(QPalette::Active, role)) {
+        palette.resolve(palette.resolve() & ~(1U << role));
+    } else {
+        return;
+    }
+    widget.setPalette(palette);
 }
 
 } // namespace
@@ -125,17 +72,91 @@ void LookStyle::polish(QWidget* widget)
     QProxyStyle::polish(widget);
     if (const auto* edit = qobject_cast<QLineEdit*>(widget)) {
         if (edit->isReadOnly() && !isPart(edit)) {
-            QPalette quiet = edit->palette();
-            quiet.setColor(QPalette::Text, color("a3b0bd"));
-            widget->setPalette(quiet);
+            setTextColor(*widget, QPalette::Text, color("a3b0bd"));
         }
         widget->setAttribute(Qt::WA_Hover); // as Fusion does for the other controls
+    } else if (auto* label = qobject_cast<QLabel*>(widget)) {
+        polishLabel(*label);
+    } else if (auto* button = qobject_cast<QPushButton*>(widget)) {
+        polishButton(*button);
+    } else if (qobject_cast<QScrollBar*>(widget) != nullptr) {
+        widget->setAttribute(Qt::WA_OpaquePaintEvent, false); // only its handle is drawn
     }
     if (isSurface(*widget)) {
         widget->setAttribute(Qt::WA_StyledBackground);
+    } else if (auto* menu = qobject_cast<QMenu*>(widget)) {
+        // It is polished with the window around it, and most are never opened.
+        connect(menu, &QMenu::aboutToShow, this, [this, menu] { giveRules(*menu); });
+    } else if (widget->minimumSize() == widget->maximumSize()) {
+        widget->installEventFilter(this); // nothing is laid out by its rules
     } else {
         giveRules(*widget);
     }
+}
+
+void LookStyle::unpolish(QWidget* widget)
+{
+    widget->removeEventFilter(this);
+    disconnect(widget, nullptr, this, nullptr);
+    for (const auto role : {QPalette::Text, QPalette::WindowText, QPalette::ButtonText}) {
+        setTextColor(*widget, role, {});
+    }
+    QProxyStyle::unpolish(widget);
+}
+
+void LookStyle::polishLabel(QLabel& label) const
+{
+    const LabelLook* look = lookOf(label);
+    if (look == nullptr) {
+        return;
+    }
+    if (look->color != nullptr) {
+        setTextColor(label, QPalette::WindowText, color(look->color));
+    }
+    if (look->isBold || look->fontSize > 0) {
+        QFont font;
+        if (look->isBold) {
+            font.setWeight(QFont::Bold);
+        }
+        if (isWithin(label, "mivo::settings::StageSettingBox")) {
+            font.setPixelSize(12); // fixed narrow by the page
+        } else if (look->fontSize > 0) {
+            font.setPixelSize(look->fontSize);
+        }
+        label.setFont(font);
+    }
+    if (look->icon != nullptr) {
+        label.setAttribute(Qt::WA_StyledBackground); // draws the icon
+    }
+    if (!look->margins.isNull()) {
+        label.setFrameStyle(label.frameStyle()); // asks for its margins anew
+    }
+}
+
+void LookStyle::polishButton(QPushButton& button) const
+{
+    const ButtonKind kind = kindOf(&button);
+    if (kind == ButtonKind::assist) {
+        setTextColor(button, QPalette::ButtonText, color("a3b0bd"));
+    } else if (kind == ButtonKind::tip) {
+        const bool isWarning = button.objectName() == QLatin1String("shareSpaceTips");
+        setTextColor(button, QPalette::ButtonText, color(isWarning ? "f0b35a" : "a3b0bd"));
+        if (button.icon().isNull()) {
+            button.setIcon(iconNamed(isWarning ? "warning" : "info"));
+        }
+    } else if (kind == ButtonKind::section && button.property("dimmed").toBool()) {
+        setTextColor(button, QPalette::ButtonText, color("7d8894"));
+    }
+}
+
+/// Before the first painting of a widget that waits for its rules.
+bool LookStyle::eventFilter(QObject* object, QEvent* event)
+{
+    if (event->type() == QEvent::Paint) {
+        object->removeEventFilter(this);
+        giveRules(*qobject_cast<QWidget*>(object));
+    }
+    return QProxyStyle::eventFilter(object, event);
 }
 
 /// Called again by a sheet that it sets.
@@ -162,25 +183,6 @@ void LookStyle::giveRules(QWidget& widget) const
 
 // --- What is drawn ---
 
-void LookStyle::drawButton(const QStyleOptionButton& button, QPainter& painter) const
-{
-    QColor ground = button.palette.color(QPalette::Button);
-    QColor border = color("46515d");
-    const bool isEnabled = button.state & State_Enabled;
-    if (ground == color("323a43")) { // else a style sheet or the palette has another for all states
-        ground = !isEnabled                                 ? color("272d34")
-                 : button.state & (State_Sunken | State_On) ? color("2c5f91")
-                 : button.state & State_MouseOver           ? color("3b4550")
-                                                            : ground;
-    }
-    if (!isEnabled) {
-        border = color("343d46");
-    } else if (button.state & State_HasFocus) {
-        border = color("6db1f2");
-    }
-    drawFrame(painter, button.rect, ground, border, 4);
-}
-
 void LookStyle::drawIndicator(const QStyleOption& option, QPainter& painter, bool isRadio) const
 {
     const bool isChecked = option.state & State_On;
@@ -204,7 +206,10 @@ void LookStyle::drawOption(const QStyleOptionButton& button, QPainter& painter,
                            const QWidget* widget, bool isRadio) const
 {
     if (button.state & State_HasFocus) {
-        drawFrame(painter, button.rect, Qt::transparent, color("6db1f2"), 4);
+        const QRect rect = isRadio
+                               ? proxy()->subElementRect(SE_RadioButtonFocusRect, &button, widget)
+                               : button.rect;
+        drawFrame(painter, rect, Qt::transparent, color("6db1f2"), 4);
     }
     QStyleOptionButton part = button;
     part.rect = proxy()->subElementRect(isRadio ? SE_RadioButtonIndicator : SE_CheckBoxIndicator,
@@ -276,17 +281,30 @@ void LookStyle::drawGroup(const QStyleOptionGroupBox& group, QPainter& painter,
     }
 }
 
+void LookStyle::drawLabelIcon(const QLabel& label, const QRect& rect, QPainter& painter) const
+{
+    const LabelLook* look = lookOf(label);
+    if (look != nullptr && look->icon != nullptr) {
+        // Of a dialog, which has a property for what it says.
+        drawIcon(painter, rect, label.property("kind").toInt() == 2 ? "warning" : look->icon);
+    }
+}
+
 bool LookStyle::drawSurface(const QStyleOption& option, QPainter& painter,
                             const QWidget* widget) const
 {
     if (widget == nullptr || !isSurface(*widget)) {
         return false;
     }
-    const QString style = widget->property("style").toString();
+    const QString style = styleOf(widget);
     if (style == QLatin1String("BG1")) {
         painter.fillRect(option.rect, color("3a434d"));
     } else if (style == QLatin1String("BG3") || isScrollArea(widget)) {
-        painter.fillRect(option.rect, color("20252b"));
+        const QColor ground = color("20252b");
+        const QColor before = option.palette.color(widget->backgroundRole());
+        if (!widget->autoFillBackground() || before != ground) { // else it is there
+            painter.fillRect(option.rect, ground);
+        }
     } else if (widget->inherits("mivo::settings::VirtualMappingWidget")) {
         drawFrame(painter, option.rect, color("272d34"), color("3a434d"), 4);
     } else {
@@ -304,6 +322,10 @@ void LookStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opti
         drawIndicator(*option, *painter, element == PE_IndicatorRadioButton);
         return;
     case PE_Widget:
+        if (const auto* label = qobject_cast<const QLabel*>(widget)) {
+            drawLabelIcon(*label, option->rect, *painter);
+            return;
+        }
         if (drawSurface(*option, *painter, widget)) {
             return;
         }
@@ -350,16 +372,11 @@ void LookStyle::drawControl(ControlElement element, const QStyleOption* option, 
         case CE_PushButtonBevel:
             if (!(button->features & QStyleOptionButton::Flat)
                 || (button->state & (State_Sunken | State_On))) {
-                drawButton(*button, *painter);
+                drawButton(*button, *painter, kindOf(widget));
             }
             return;
         case CE_PushButtonLabel:
-            if ((button->state & State_Enabled) && (button->state & (State_Sunken | State_On))
-                && button->palette.color(QPalette::ButtonText)
-                       == QApplication::palette().color(QPalette::ButtonText)) {
-                part.palette.setBrush(QPalette::ButtonText, part.palette.highlightedText());
-            }
-            QProxyStyle::drawControl(element, &part, painter, widget);
+            drawButtonText(part, *painter, widget);
             return;
         case CE_CheckBox:
         case CE_RadioButton:
@@ -403,6 +420,16 @@ void LookStyle::drawComplexControl(ComplexControl control, const QStyleOptionCom
             const QRect arrow = proxy()->subControlRect(control, combo, SC_ComboBoxArrow, widget);
             drawIcon(*painter, alignedRect(combo->direction, Qt::AlignCenter, {12, 12}, arrow),
                      combo->state & State_Enabled ? "down" : "down-disabled");
+        }
+    } else if (const auto* bar = qstyleoption_cast<const QStyleOptionSlider*>(option);
+               bar != nullptr && control == CC_ScrollBar) {
+        if (bar->subControls & SC_ScrollBarSlider) {
+            const QRect handle = proxy()->subControlRect(control, bar, SC_ScrollBarSlider, widget);
+            const bool isBelowPointer = (bar->state & State_Enabled)
+                                        && (bar->state & State_MouseOver)
+                                        && (bar->activeSubControls & SC_ScrollBarSlider);
+            drawGround(*painter, handle.adjusted(1, 1, -1, -1),
+                       color(isBelowPointer ? "6b7886" : "46515d"), 4);
         }
     } else if (const auto* group = plainGroup(option)) {
         drawGroup(*group, *painter, widget);
