@@ -3,6 +3,7 @@
 #include <QtGui/QIcon>
 #include <QtGui/QPainter>
 #include <QtGui/QPainterPath>
+#include <QtGui/QPixmapCache>
 
 #include <map>
 #include <string>
@@ -19,26 +20,19 @@ QIcon iconNamed(const char* name)
     return icon;
 }
 
-void drawGround(QPainter& painter, const QRect& rect, const QColor& ground, int radius,
-                qreal border)
-{
-    painter.save();
-    painter.setRenderHint(QPainter::Antialiasing);
-    const qreal half = border / 2;
-    QPainterPath inside;
-    inside.addRoundedRect(QRectF(rect).adjusted(half, half, -half, -half), radius - half,
-                          radius - half);
-    painter.fillPath(inside, ground);
-    painter.restore();
-}
+namespace {
 
-void drawFrame(QPainter& painter, const QRect& rect, const QColor& ground, const QColor& border,
-               int radius)
+void paintFrame(QPainter& painter, const QRect& rect, const QColor& ground, const QColor& border,
+                int radius)
 {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
-    if (ground.alpha() > 0) {
-        drawGround(painter, rect, ground, radius, line);
+    if (ground.alpha() > 0) { // up to the middle of the border
+        const qreal half = border.alpha() > 0 ? line / 2.0 : 0;
+        QPainterPath inside;
+        inside.addRoundedRect(QRectF(rect).adjusted(half, half, -half, -half), radius - half,
+                              radius - half);
+        painter.fillPath(inside, ground);
     }
     if (border.alpha() > 0) {
         painter.setPen(Qt::NoPen);
@@ -72,6 +66,66 @@ void drawFrame(QPainter& painter, const QRect& rect, const QColor& ground, const
         }
     }
     painter.restore();
+}
+
+/// The smallest one of its kind: its four corners. Each kind is painted once.
+QPixmap smallestFrame(const QColor& ground, const QColor& border, int radius, int corner, int scale)
+{
+    QString key = QStringLiteral("mivo-frame");
+    for (const uint part : {ground.rgba(), border.rgba(), uint(radius), uint(scale)}) {
+        key += QChar(ushort(part >> 16));
+        key += QChar(ushort(part));
+    }
+    QPixmap frame;
+    if (!QPixmapCache::find(key, &frame)) {
+        const int size = 2 * corner;
+        frame = QPixmap(size * scale, size * scale);
+        frame.setDevicePixelRatio(scale);
+        frame.fill(Qt::transparent);
+        QPainter painter(&frame);
+        paintFrame(painter, {0, 0, size, size}, ground, border, radius);
+        painter.end();
+        QPixmapCache::insert(key, frame);
+    }
+    return frame;
+}
+
+} // namespace
+
+void drawFrame(QPainter& painter, const QRect& rect, const QColor& ground, const QColor& border,
+               int radius)
+{
+    const qreal ratio = painter.device()->devicePixelRatioF();
+    const int scale = qRound(ratio);
+    const int corner = radius + line; // the ends of its arcs reach so far
+    if (!qFuzzyCompare(ratio, scale) || painter.worldTransform().type() > QTransform::TxTranslate
+        || rect.width() < 2 * corner || rect.height() < 2 * corner) {
+        paintFrame(painter, rect, ground, border, radius);
+        return;
+    }
+    const QPixmap frame = smallestFrame(ground, border, radius, corner, scale);
+    const QRect across = rect.adjusted(corner, 0, -corner, 0); // without the corners
+    const QRect down = rect.adjusted(0, corner, 0, -corner);
+    const QSize size(corner, corner);
+    for (const bool isRight : {false, true}) {
+        for (const bool isBottom : {false, true}) {
+            const QPoint place(isRight ? across.right() + 1 : rect.left(),
+                               isBottom ? down.bottom() + 1 : rect.top());
+            const QPoint source(isRight ? corner : 0, isBottom ? corner : 0);
+            painter.drawPixmap(QRect(place, size), frame, QRect(source * scale, size * scale));
+        }
+    }
+    if (ground.alpha() > 0) {
+        painter.fillRect(across, ground);
+        painter.fillRect(down.left(), down.top(), corner, down.height(), ground);
+        painter.fillRect(across.right() + 1, down.top(), corner, down.height(), ground);
+    }
+    if (border.alpha() > 0) {
+        painter.fillRect(across.left(), rect.top(), across.width(), line, border);
+        painter.fillRect(across.left(), rect.bottom(), across.width(), line, border);
+        painter.fillRect(rect.left(), down.top(), line, down.height(), border);
+        painter.fillRect(rect.right(), down.top(), line, down.height(), border);
+    }
 }
 
 void drawIcon(QPainter& painter, const QRect& rect, const char* name)

@@ -43,9 +43,7 @@ inline QFont titleFont(QFont font)
 QIcon iconNamed(const char* name);
 void drawIcon(QPainter& painter, const QRect& rect, const char* name);
 
-/// Up to the middle of a border of that width.
-void drawGround(QPainter& painter, const QRect& rect, const QColor& ground, int radius,
-                qreal border = 0);
+/// With rounded corners; without a border, or empty, where the colour is transparent.
 void drawFrame(QPainter& painter, const QRect& rect, const QColor& ground, const QColor& border,
                int radius);
 

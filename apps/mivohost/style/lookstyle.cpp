@@ -308,7 +308,8 @@ bool LookStyle::drawSurface(const QStyleOption& option, QPainter& painter,
     } else if (widget->inherits("mivo::settings::VirtualMappingWidget")) {
         drawFrame(painter, option.rect, color("272d34"), color("3a434d"), 4);
     } else {
-        drawGround(painter, option.rect, color("272d34"), style == QLatin1String("BG4") ? 4 : 6);
+        drawFrame(painter, option.rect, color("272d34"), Qt::transparent,
+                  style == QLatin1String("BG4") ? 4 : 6);
     }
     return true;
 }
@@ -428,8 +429,8 @@ void LookStyle::drawComplexControl(ComplexControl control, const QStyleOptionCom
             const bool isBelowPointer = (bar->state & State_Enabled)
                                         && (bar->state & State_MouseOver)
                                         && (bar->activeSubControls & SC_ScrollBarSlider);
-            drawGround(*painter, handle.adjusted(1, 1, -1, -1),
-                       color(isBelowPointer ? "6b7886" : "46515d"), 4);
+            drawFrame(*painter, handle.adjusted(1, 1, -1, -1),
+                      color(isBelowPointer ? "6b7886" : "46515d"), Qt::transparent, 4);
         }
     } else if (const auto* group = plainGroup(option)) {
         drawGroup(*group, *painter, widget);
