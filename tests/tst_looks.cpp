@@ -22,6 +22,7 @@
 
 #include <QtWidgets/QListWidget>
 #include <QtWidgets/QMenu>
+#include <QtWidgets/QPlainTextEdit>
 #include <QtWidgets/QScrollArea>
 #include <QtWidgets/QStackedWidget>
 
@@ -270,6 +271,28 @@ TEST(Looks, FollowThePaletteAndTheDirectionUnlessOneIsChosen)
     useLook(std::nullopt);
     EXPECT_EQ(failure.palette().color(QPalette::WindowText),
               QApplication::palette().color(QPalette::WindowText));
+}
+
+TEST(Looks, GiveRulesWhenTheyAreNeeded)
+{
+    useLook(Look::dark);
+    QWidget window;
+    window.resize(200, 100);
+    QPlainTextEdit hidden(&window);
+    hidden.hide();
+    QPlainTextEdit fixed(&window);
+    fixed.setFixedSize(100, 50);
+    fixed.move(0, 1000); // below what is seen
+    window.show();
+    QTest::qWait(20);
+    for (QPlainTextEdit* edit : {&hidden, &fixed}) {
+        EXPECT_TRUE(edit->styleSheet().isEmpty());
+        edit->move(0, 0);
+        edit->show();
+        QTest::qWait(20);
+        EXPECT_TRUE(edit->styleSheet().contains("#15181c"));
+    }
+    useLook(std::nullopt);
 }
 
 TEST(Looks, LeaveSheetsOfOtherMakersTheLastWord)

@@ -8,8 +8,9 @@
 namespace mivo::style {
 
 void LookStyle::drawButton(const QStyleOptionButton& button, QPainter& painter,
-                           ButtonKind kind) const
+                           const QWidget* widget) const
 {
+    const ButtonKind kind = kindOf(widget);
     QColor ground = button.palette.color(QPalette::Button);
     const bool isOwn = ground == color("323a43"); // else a sheet or the palette has another
     if (kind == ButtonKind::section && isOwn) {
@@ -33,6 +34,10 @@ void LookStyle::drawButton(const QStyleOptionButton& button, QPainter& painter,
     } else if (!isEnabled) {
         border = color("343d46");
     }
+    if (kind == ButtonKind::action || kind == ButtonKind::editedAction) {
+        drawAction(button, painter, ground, border, widget);
+        return;
+    }
     drawFrame(painter, button.rect, ground, border, 4);
     if (kind == ButtonKind::picker) {
         drawIcon(painter, button.rect.marginsRemoved(aroundText(kind)), "pick");
@@ -41,6 +46,20 @@ void LookStyle::drawButton(const QStyleOptionButton& button, QPainter& painter,
         drawIcon(painter,
                  alignedRect(button.direction, Qt::AlignRight | Qt::AlignVCenter, {12, 12}, place),
                  "down");
+    }
+}
+
+void LookStyle::drawAction(const QStyleOptionButton& button, QPainter& painter,
+                           const QColor& ground, const QColor& border, const QWidget* widget) const
+{
+    const QColor shown = widget->property("flash").toBool() ? color("6db1f2") : ground;
+    if (widget->property("found").toBool()) {
+        constexpr int width = 2;
+        drawFrame(painter, button.rect, color("f0b35a"), Qt::transparent, 4);
+        drawFrame(painter, button.rect.adjusted(width, width, -width, -width), shown,
+                  Qt::transparent, 2);
+    } else {
+        drawFrame(painter, button.rect, shown, border, 4);
     }
 }
 

@@ -80,11 +80,20 @@ ButtonKind kindOf(const QWidget* button)
         return *named;
     }
     const QString style = styleOf(button);
-    return style == QLatin1String("settingBtn")                            ? ButtonKind::section
-           : style == QLatin1String("assist")                              ? ButtonKind::assist
-           : isWithin(*button, "mivo::settings::DisplayControlSettingBox") ? ButtonKind::low
-           : isWithin(*button, "mivo::settings::DeviceSettingWidget")      ? ButtonKind::narrow
-                                                                           : ButtonKind::plain;
+    if (style == QLatin1String("settingBtn")) {
+        return ButtonKind::section;
+    }
+    if (style == QLatin1String("assist")) {
+        return ButtonKind::assist;
+    }
+    if (style == QLatin1String("action")) {
+        return button->property("editing").toBool() ? ButtonKind::editedAction : ButtonKind::action;
+    }
+    if (isWithin(*button, "mivo::settings::DisplayControlSettingBox")) {
+        return ButtonKind::low;
+    }
+    return isWithin(*button, "mivo::settings::DeviceSettingWidget") ? ButtonKind::narrow
+                                                                    : ButtonKind::plain;
 }
 
 QMargins aroundText(ButtonKind kind)
@@ -102,6 +111,10 @@ QMargins aroundText(ButtonKind kind)
         return {1, 1, 1, 1};
     case ButtonKind::withMenu:
         return {9, 3, 21, 3};
+    case ButtonKind::action:
+        return {5, 5, 5, 5};
+    case ButtonKind::editedAction:
+        return {5, 5, 5, 21}; // what triggers it stands below
     case ButtonKind::plain:
     case ButtonKind::assist:
         break;

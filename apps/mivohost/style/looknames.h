@@ -25,6 +25,8 @@ enum class ButtonKind {
     tip,      // a text with an icon before it
     picker,   // an icon
     withMenu, // that hangs below it
+    action,   // of the host
+    editedAction,
 };
 
 ButtonKind kindOf(const QWidget* button);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "looknames.h"
+
 #include <QtGui/QIcon>
 #include <QtWidgets/QAbstractSpinBox>
 #include <QtWidgets/QComboBox>
@@ -31,6 +33,13 @@ inline const QStyleOptionGroupBox* plainGroup(const QStyleOption* option)
 inline bool isScrollArea(const QWidget* widget)
 {
     return qobject_cast<const QScrollArea*>(widget) != nullptr;
+}
+
+/// Whether LookStyle::drawSurface() draws it.
+inline bool isSurface(const QWidget& widget)
+{
+    return isScrollArea(&widget) || widget.objectName() == QLatin1String("settingBox")
+           || styleOf(&widget).startsWith(QLatin1String("BG"));
 }
 
 inline QFont titleFont(QFont font)

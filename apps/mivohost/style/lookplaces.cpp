@@ -1,6 +1,5 @@
 #include "lookstyle.h"
 
-#include "looknames.h"
 #include "lookparts.h"
 
 #include <QtWidgets/QCheckBox>

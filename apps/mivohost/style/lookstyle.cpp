@@ -1,6 +1,5 @@
 #include "lookstyle.h"
 
-#include "looknames.h"
 #include "lookparts.h"
 
 #include <QtGui/QPainter>
@@ -8,37 +7,9 @@
 #include <QtWidgets/QGroupBox>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
-#include <QtWidgets/QMenu>
 #include <QtWidgets/QPushButton>
-#include <QtWidgets/QScrollBar>
 
 namespace mivo::style {
-
-namespace {
-
-/// Whether it is drawn by drawSurface().
-bool isSurface(const QWidget& widget)
-{
-    return isScrollArea(&widget) || widget.objectName() == QLatin1String("settingBox")
-           || styleOf(&widget).startsWith(QLatin1String("BG"));
-}
-
-/// An invalid colour takes the last one back.
-void setTextColor(QWidget& widget, QPalette::ColorRole role, const QColor& color)
-{
-    QPalette palette = widget.palette();
-    if (color.isValid()) {
-        palette.setColor(role, color);
-    } else if (widget.testAttribute(Qt::WA_SetPalette)
-               && palette.isBrushSet(QPalette::Active, role)) {
-        palette.resolve(palette.resolve() & ~(1U << role));
-    } else {
-        return;
-    }
-    widget.setPalette(palette);
-}
-
-} // namespace
 
 LookStyle::LookStyle(Look look, const QString& sheet)
     : QProxyStyle(QStringLiteral("fusion")), m_look(look), m_rules(sheet)
@@ -66,122 +37,6 @@ QPalette LookStyle::palette(Look look)
     palette.setColor(QPalette::HighlightedText, Qt::white);
     return palette;
 }
-
-void LookStyle::polish(QWidget* widget)
-{
-    QProxyStyle::polish(widget);
-    if (const auto* edit = qobject_cast<QLineEdit*>(widget)) {
-        if (edit->isReadOnly() && !isPart(edit)) {
-            setTextColor(*widget, QPalette::Text, color("a3b0bd"));
-        }
-        widget->setAttribute(Qt::WA_Hover); // as Fusion does for the other controls
-    } else if (auto* label = qobject_cast<QLabel*>(widget)) {
-        polishLabel(*label);
-    } else if (auto* button = qobject_cast<QPushButton*>(widget)) {
-        polishButton(*button);
-    } else if (qobject_cast<QScrollBar*>(widget) != nullptr) {
-        widget->setAttribute(Qt::WA_OpaquePaintEvent, false); // only its handle is drawn
-    }
-    if (isSurface(*widget)) {
-        widget->setAttribute(Qt::WA_StyledBackground);
-    } else if (auto* menu = qobject_cast<QMenu*>(widget)) {
-        // It is polished with the window around it, and most are never opened.
-        connect(menu, &QMenu::aboutToShow, this, [this, menu] { giveRules(*menu); });
-    } else if (widget->minimumSize() == widget->maximumSize()) {
-        widget->installEventFilter(this); // nothing is laid out by its rules
-    } else {
-        giveRules(*widget);
-    }
-}
-
-void LookStyle::unpolish(QWidget* widget)
-{
-    widget->removeEventFilter(this);
-    disconnect(widget, nullptr, this, nullptr);
-    for (const auto role : {QPalette::Text, QPalette::WindowText, QPalette::ButtonText}) {
-        setTextColor(*widget, role, {});
-    }
-    QProxyStyle::unpolish(widget);
-}
-
-void LookStyle::polishLabel(QLabel& label) const
-{
-    const LabelLook* look = lookOf(label);
-    if (look == nullptr) {
-        return;
-    }
-    if (look->color != nullptr) {
-        setTextColor(label, QPalette::WindowText, color(look->color));
-    }
-    if (look->isBold || look->fontSize > 0) {
-        QFont font;
-        if (look->isBold) {
-            font.setWeight(QFont::Bold);
-        }
-        if (isWithin(label, "mivo::settings::StageSettingBox")) {
-            font.setPixelSize(12); // fixed narrow by the page
-        } else if (look->fontSize > 0) {
-            font.setPixelSize(look->fontSize);
-        }
-        label.setFont(font);
-    }
-    if (look->icon != nullptr) {
-        label.setAttribute(Qt::WA_StyledBackground); // draws the icon
-    }
-    if (!look->margins.isNull()) {
-        label.setFrameStyle(label.frameStyle()); // asks for its margins anew
-    }
-}
-
-void LookStyle::polishButton(QPushButton& button) const
-{
-    const ButtonKind kind = kindOf(&button);
-    if (kind == ButtonKind::assist) {
-        setTextColor(button, QPalette::ButtonText, color("a3b0bd"));
-    } else if (kind == ButtonKind::tip) {
-        const bool isWarning = button.objectName() == QLatin1String("shareSpaceTips");
-        setTextColor(button, QPalette::ButtonText, color(isWarning ? "f0b35a" : "a3b0bd"));
-        if (button.icon().isNull()) {
-            button.setIcon(iconNamed(isWarning ? "warning" : "info"));
-        }
-    } else if (kind == ButtonKind::section && button.property("dimmed").toBool()) {
-        setTextColor(button, QPalette::ButtonText, color("7d8894"));
-    }
-}
-
-/// Before the first painting of a widget that waits for its rules.
-bool LookStyle::eventFilter(QObject* object, QEvent* event)
-{
-    if (event->type() == QEvent::Paint) {
-        object->removeEventFilter(this);
-        giveRules(*qobject_cast<QWidget*>(object));
-    }
-    return QProxyStyle::eventFilter(object, event);
-}
-
-/// Called again by a sheet that it sets.
-void LookStyle::giveRules(QWidget& widget) const
-{
-    constexpr const char* given = "rulesOfLook";
-    const QString before = widget.property(given).toString();
-    QString rules = m_rules.rulesFor(widget);
-    if (!rules.isEmpty()) {
-        // A widget's sheet goes before those around it: these have to stand in it, too.
-        QString around;
-        for (const QWidget* outer = widget.parentWidget(); outer; outer = outer->parentWidget()) {
-            around.prepend(outer->styleSheet().mid(outer->property(given).toString().size()));
-        }
-        rules += around;
-    }
-    const QString sheet = widget.styleSheet();
-    const QString wanted = rules + (sheet.startsWith(before) ? sheet.mid(before.size()) : sheet);
-    if (wanted != sheet) {
-        widget.setProperty(given, rules);
-        widget.setStyleSheet(wanted);
-    }
-}
-
-// --- What is drawn ---
 
 void LookStyle::drawIndicator(const QStyleOption& option, QPainter& painter, bool isRadio) const
 {
@@ -373,7 +228,7 @@ void LookStyle::drawControl(ControlElement element, const QStyleOption* option, 
         case CE_PushButtonBevel:
             if (!(button->features & QStyleOptionButton::Flat)
                 || (button->state & (State_Sunken | State_On))) {
-                drawButton(*button, *painter, kindOf(widget));
+                drawButton(*button, *painter, widget);
             }
             return;
         case CE_PushButtonLabel:

@@ -19,9 +19,10 @@ namespace mivo::style {
 QColor colorOf(Look look, const char* dark);
 
 /// Draws surfaces, controls and what has a name (looknames.h), and gives widgets the rules of the
-/// style sheet that are about them: menus when they open, what has a fixed size before it is first
-/// painted. The sheets of a page and of a widget go before these rules where they are as specific,
-/// and colors of theirs or of a palette before those that are drawn here. GUI thread.
+/// style sheet that are about them: menus when they open, what is hidden when it is shown, what has
+/// a fixed size before it is first painted. The sheets of a page and of a widget go before these
+/// rules where they are as specific, and colors of theirs or of a palette before those that are
+/// drawn here. GUI thread.
 class LookStyle : public QProxyStyle
 {
 public:
@@ -58,7 +59,10 @@ private:
     void polishLabel(QLabel& label) const;
     void polishButton(QPushButton& button) const;
 
-    void drawButton(const QStyleOptionButton& button, QPainter& painter, ButtonKind kind) const;
+    void drawButton(const QStyleOptionButton& button, QPainter& painter,
+                    const QWidget* widget) const;
+    void drawAction(const QStyleOptionButton& button, QPainter& painter, const QColor& ground,
+                    const QColor& border, const QWidget* widget) const;
     void drawSection(const QStyleOptionButton& button, QPainter& painter) const;
     void drawButtonText(QStyleOptionButton& button, QPainter& painter, const QWidget* widget) const;
     void drawLabelIcon(const QLabel& label, const QRect& rect, QPainter& painter) const;
