@@ -11,6 +11,7 @@ import xml.etree.ElementTree
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 LANGUAGES = ROOT / "apps/mivohost/languages"
 SHEET = ROOT / "apps/mivohost/style/mivo.qss"
+STYLE_NAMES = ROOT / "apps/mivohost/style/looknames.cpp"
 # What the host puts on widgets of its own.
 HOST = ROOT / "apps/mivohost"
 LIBRARIES = [ROOT / "libs/mivosettingswidgets", ROOT / "libs/mivowidgets"]
@@ -90,11 +91,13 @@ def style_tables():
             literal = re.fullmatch(LITERAL + r"\)?", value)
             text = f'[{name}="{literal[1]}"]' if literal else f"[{name}]"
             properties[text].add(file.stem)
-    host_names = "".join(content for _, content in sources([HOST]))
+    host_names = "".join(content for file, content in sources([HOST]) if file != STYLE_NAMES)
     sheet = re.sub(r"\{.*?\}", "", SHEET.read_text(encoding="utf-8"), flags=re.DOTALL)
-    for name in sorted(set(re.findall(r"\w#(\w+)", sheet))):
-        if name not in names and f'"{name}"' not in host_names:
-            errors.append(f"{SHEET.name}: #{name}: no widget has this name")
+    styled = re.findall(r'\{"(\w+)", ', STYLE_NAMES.read_text(encoding="utf-8"))
+    for file, found in [(SHEET, re.findall(r"#(\w+)[\s:,{]", sheet)), (STYLE_NAMES, styled)]:
+        for name in sorted(set(found)):
+            if name not in names and f'"{name}"' not in host_names:
+                errors.append(f"{file.name}: #{name}: no widget has this name")
     for name, value in sorted(set(re.findall(r'\[(\w+)="(\w+)"\]', sheet))):
         known = {f'[{name}="{value}"]', f"[{name}]"} & properties.keys()
         if name == "style" and not known and f'"{value}"' not in host_names:

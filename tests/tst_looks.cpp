@@ -21,6 +21,8 @@
 #include <mivowidgets/colordialog.h>
 
 #include <QtWidgets/QListWidget>
+#include <QtWidgets/QMenu>
+#include <QtWidgets/QPlainTextEdit>
 #include <QtWidgets/QScrollArea>
 #include <QtWidgets/QStackedWidget>
 
@@ -51,6 +53,10 @@ double contrast(QRgb one, QRgb other)
     const auto [darker, lighter] = std::minmax({luminance(one), luminance(other)});
     return (lighter + 0.05) / (darker + 0.05);
 }
+
+constexpr QPalette::ColorRole textRoles[]{QPalette::WindowText, QPalette::Text,
+                                          QPalette::ButtonText, QPalette::PlaceholderText,
+                                          QPalette::HighlightedText};
 
 class Contrast : public ::testing::TestWithParam<Look>
 {
@@ -121,6 +127,18 @@ protected:
     /// At first the texts are seen, then what lies behind them.
     void look(QWidget& window)
     {
+        if (isBehind) {
+            const auto widgets = window.findChildren<QWidget*>();
+            for (QWidget* widget : widgets) { // the colours of texts that the look gives them
+                QPalette palette = widget->palette();
+                for (const auto role : textRoles) {
+                    if (palette.resolve() & (1U << role)) {
+                        palette.setColor(role, Qt::transparent);
+                    }
+                }
+                widget->setPalette(palette);
+            }
+        }
         QImage picture;
         QImage before;
         for (int i = 0; i < 20 && (i < 2 || picture != before); ++i) {
@@ -186,8 +204,7 @@ TEST_P(Contrast, LetsEveryTextBeRead)
         palettes.emplace_back(type, QApplication::palette(type));
     }
     for (auto& [type, palette] : palettes) {
-        for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText,
-                                QPalette::PlaceholderText, QPalette::HighlightedText}) {
+        for (const auto role : textRoles) {
             palette.setColor(role, Qt::transparent);
         }
         QApplication::setPalette(palette, type);
@@ -200,21 +217,42 @@ TEST_P(Contrast, LetsEveryTextBeRead)
 
 INSTANTIATE_TEST_SUITE_P(Looks, Contrast, ::testing::Values(Look::dark, Look::light));
 
+namespace {
+
+QColor pixelOf(QWidget& widget, int x, int y)
+{
+    return widget.grab().toImage().pixelColor(x, y);
+}
+
+} // namespace
+
 TEST(Looks, FollowThePaletteAndTheDirectionUnlessOneIsChosen)
 {
     useLook(std::nullopt);
-    QPushButton button;
+    QPushButton button("Section");
     button.setProperty("style", "settingBtn");
-    button.ensurePolished();
-    const auto expectLight = [&button](bool isLight) {
+    button.setCheckable(true);
+    button.setChecked(true);
+    button.resize(120, 30);
+    QLabel failure("A failure");
+    failure.setObjectName("portFailure");
+    QMenu menu;
+    const auto expectLight = [&](bool isLight) {
         EXPECT_EQ(QApplication::palette().color(QPalette::Text).name(),
                   isLight ? "#1b2229" : "#d9e0e8");
-        EXPECT_EQ(button.styleSheet().contains("#cbd3db"), isLight); // below the pointer
+        EXPECT_EQ(pixelOf(button, 60, 2).name(), isLight ? "#2c5f91" : "#24405b");
+        failure.ensurePolished();
+        EXPECT_EQ(failure.palette().color(QPalette::WindowText).name(),
+                  isLight ? "#8a4f00" : "#f0b35a");
+        menu.ensurePolished();
+        emit menu.aboutToShow(); // as it does when it is opened
+        EXPECT_EQ(menu.styleSheet().contains("#e4e8ed"), isLight);
     };
     {
         const Looks chosen("light");
         QApplication::setPalette(QPalette(Qt::black));
-        EXPECT_TRUE(button.styleSheet().contains("#cbd3db"));
+        failure.ensurePolished();
+        EXPECT_EQ(failure.palette().color(QPalette::WindowText).name(), "#8a4f00");
         const Looks desktops("system");
         expectLight(false);
         QApplication::setPalette(QPalette(Qt::lightGray));
@@ -222,11 +260,38 @@ TEST(Looks, FollowThePaletteAndTheDirectionUnlessOneIsChosen)
     }
     const Looks dark("dark");
     expectLight(false);
-    EXPECT_TRUE(button.styleSheet().contains("padding: 0 8px 0 13px;"));
+    const QString bar = "#6db1f2";
+    EXPECT_EQ(pixelOf(button, 2, 15).name(), bar);
     QGuiApplication::setLayoutDirection(Qt::RightToLeft);
-    EXPECT_TRUE(button.styleSheet().contains("border-right: 3px"));
-    EXPECT_TRUE(button.styleSheet().contains("padding: 0 13px 0 8px;"));
+    EXPECT_NE(pixelOf(button, 2, 15).name(), bar);
+    EXPECT_EQ(pixelOf(button, 117, 15).name(), bar);
+    emit menu.aboutToShow();
+    EXPECT_TRUE(menu.styleSheet().contains("padding: 4px 12px 4px 24px;"));
     QGuiApplication::setLayoutDirection(Qt::LeftToRight);
+    useLook(std::nullopt);
+    EXPECT_EQ(failure.palette().color(QPalette::WindowText),
+              QApplication::palette().color(QPalette::WindowText));
+}
+
+TEST(Looks, GiveRulesWhenTheyAreNeeded)
+{
+    useLook(Look::dark);
+    QWidget window;
+    window.resize(200, 100);
+    QPlainTextEdit hidden(&window);
+    hidden.hide();
+    QPlainTextEdit fixed(&window);
+    fixed.setFixedSize(100, 50);
+    fixed.move(0, 1000); // below what is seen
+    window.show();
+    QTest::qWait(20);
+    for (QPlainTextEdit* edit : {&hidden, &fixed}) {
+        EXPECT_TRUE(edit->styleSheet().isEmpty());
+        edit->move(0, 0);
+        edit->show();
+        QTest::qWait(20);
+        EXPECT_TRUE(edit->styleSheet().contains("#15181c"));
+    }
     useLook(std::nullopt);
 }
 
@@ -234,19 +299,29 @@ TEST(Looks, LeaveSheetsOfOtherMakersTheLastWord)
 {
     QWidget page;
     page.setStyleSheet("QPushButton, QPushButton[style=\"assist\"] { background: #804020; }"
-                       "QListWidget { color: #ff8080; }");
+                       "QListWidget, QLabel { color: #ff8080; }");
     QPushButton plain(&page);
-    QPushButton named(&page);
-    named.setProperty("style", "assist"); // for which the look has a transparent ground
+    QPushButton quiet(&page);
+    quiet.setProperty("style", "assist"); // for which the look has a transparent ground
+    QPushButton section(&page);
+    section.setProperty("style", "settingBtn");
+    section.setCheckable(true);
+    section.setChecked(true);
+    QPushButton fixed(&page);
+    fixed.setFixedSize(60, 30);
     QListWidget list(&page);
+    QLabel failure(&page);
+    failure.setObjectName("portFailure");
     for (const auto look : {Look::dark, Look::light}) {
         useLook(look);
-        for (QPushButton* button : {&plain, &named}) {
+        for (QPushButton* button : {&plain, &quiet, &section, &fixed}) {
             button->resize(60, 30);
-            EXPECT_EQ(button->grab().toImage().pixelColor(8, 8).name(), "#804020");
+            EXPECT_EQ(pixelOf(*button, 8, 8).name(), "#804020");
         }
         list.ensurePolished();
+        failure.ensurePolished();
         EXPECT_EQ(list.palette().color(QPalette::Text).name(), "#ff8080");
+        EXPECT_EQ(failure.palette().color(QPalette::WindowText).name(), "#ff8080");
         EXPECT_EQ(list.palette().color(QPalette::Base).name(),
                   look == Look::dark ? "#15181c" : "#ffffff");
     }

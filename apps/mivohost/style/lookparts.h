@@ -1,5 +1,8 @@
 #pragma once
 
+#include "looknames.h"
+
+#include <QtGui/QIcon>
 #include <QtWidgets/QAbstractSpinBox>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QScrollArea>
@@ -32,10 +35,25 @@ inline bool isScrollArea(const QWidget* widget)
     return qobject_cast<const QScrollArea*>(widget) != nullptr;
 }
 
+/// Whether LookStyle::drawSurface() draws it.
+inline bool isSurface(const QWidget& widget)
+{
+    return isScrollArea(&widget) || widget.objectName() == QLatin1String("settingBox")
+           || styleOf(&widget).startsWith(QLatin1String("BG"));
+}
+
 inline QFont titleFont(QFont font)
 {
     font.setWeight(QFont::Bold);
     return font;
 }
+
+/// One of the style's; "check" for ":/mivo/style/icons/check.svg".
+QIcon iconNamed(const char* name);
+void drawIcon(QPainter& painter, const QRect& rect, const char* name);
+
+/// With rounded corners; without a border, or empty, where the colour is transparent.
+void drawFrame(QPainter& painter, const QRect& rect, const QColor& ground, const QColor& border,
+               int radius);
 
 } // namespace mivo::style

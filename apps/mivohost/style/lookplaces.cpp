@@ -3,6 +3,7 @@
 #include "lookparts.h"
 
 #include <QtWidgets/QCheckBox>
+#include <QtWidgets/QLabel>
 #include <QtWidgets/QRadioButton>
 
 #include <algorithm>
@@ -15,17 +16,61 @@ constexpr int indicatorSize = 16;
 constexpr int labelSpacing = 8;
 constexpr int spinButtonWidth = 16;
 constexpr int dropDownWidth = 20;
-constexpr int titleHeight = 26;                // above the frame of a group box
-const QPoint titlePlace(2, 3);                 // within a group box
-const QMargins aroundButtonText(13, 4, 13, 4); // border and padding, as in all of these
-const QMargins aroundFieldText(7, 3, 7, 3);
+constexpr int titleHeight = 26; // above the frame of a group box
+const QPoint titlePlace(2, 3);  // within a group box
+constexpr int scrollBarWidth = 10;
+constexpr int shortestHandle = 34;
+const QMargins aroundFieldText(7, 3, 7, 3); // border and padding, as in all of these
 const QMargins aroundSpinText(7, 3, 1, 3);
 const QMargins aroundOption(1, 3, 5, 3);
+constexpr int radioGap = 12;
 
 QSize grownBy(const QMargins& margins, const QSize& size)
 {
     return {size.width() + margins.left() + margins.right(),
             size.height() + margins.top() + margins.bottom()};
+}
+
+QMargins aroundOptionOf(const QWidget* widget)
+{
+    // A page sets its radio buttons without a gap.
+    return qobject_cast<const QRadioButton*>(widget) != nullptr
+                   && isWithin(*widget, "mivo::settings::DisplayControlSettingBox")
+               ? aroundOption + QMargins(radioGap, 0, 0, 0)
+               : aroundOption;
+}
+
+/// As style sheets have it: without lines at the ends.
+QRect partOf(const QStyleOptionSlider& bar, QStyle::SubControl part)
+{
+    const QRect& all = bar.rect;
+    const bool isHorizontal = bar.orientation == Qt::Horizontal;
+    const int most = isHorizontal ? all.width() : all.height();
+    int length = most;
+    if (bar.maximum > bar.minimum) {
+        const qint64 range = qint64(bar.maximum) - bar.minimum;
+        length = static_cast<int>(qint64(bar.pageStep) * most / (range + bar.pageStep));
+        length = std::min(std::max(length, shortestHandle), most);
+    }
+    const int start = QStyle::sliderPositionFromValue(bar.minimum, bar.maximum, bar.sliderPosition,
+                                                      most - length, bar.upsideDown);
+    const auto from = [&](int place, int size) {
+        return isHorizontal ? QStyle::visualRect(
+                   bar.direction, all, {all.left() + place, all.top(), size, all.height()})
+                            : QRect(all.left(), all.top() + place, all.width(), size);
+    };
+    switch (part) {
+    case QStyle::SC_ScrollBarGroove:
+        return all;
+    case QStyle::SC_ScrollBarSlider:
+        return from(start, length);
+    case QStyle::SC_ScrollBarSubPage:
+        return from(0, start);
+    case QStyle::SC_ScrollBarAddPage:
+        return from(start + length, most - start - length);
+    default:
+        return {};
+    }
 }
 
 } // namespace
@@ -36,19 +81,25 @@ QRect LookStyle::subElementRect(SubElement element, const QStyleOption* option,
     const auto visual = [option](const QRect& rect) {
         return visualRect(option->direction, option->rect, rect);
     };
-    const auto optionContents = [option] { return option->rect.marginsRemoved(aroundOption); };
+    const auto optionContents = [&] { return option->rect.marginsRemoved(aroundOptionOf(widget)); };
     switch (element) {
     case SE_PushButtonContents:
-        return option->rect.marginsRemoved(aroundButtonText);
+        return visual(option->rect.marginsRemoved(aroundText(kindOf(widget))));
     case SE_ShapedFrameContents:
         if (isScrollArea(widget)) {
             return option->rect;
         }
+        if (const auto* label = qobject_cast<const QLabel*>(widget)) {
+            if (const LabelLook* look = lookOf(*label)) {
+                return visual(option->rect.marginsRemoved(look->margins));
+            }
+        }
         break;
     case SE_PushButtonBevel:
-    case SE_RadioButtonFocusRect:
     case SE_RadioButtonClickRect:
         return option->rect;
+    case SE_RadioButtonFocusRect:
+        return visual(option->rect.marginsRemoved(aroundOptionOf(widget) - aroundOption));
     case SE_LineEditContents:
         if (!isPart(widget)) {
             return option->rect.marginsRemoved(aroundFieldText);
@@ -118,6 +169,9 @@ QRect LookStyle::subControlRect(ComplexControl control, const QStyleOptionComple
         default:
             break;
         }
+    } else if (const auto* bar = qstyleoption_cast<const QStyleOptionSlider*>(option);
+               bar != nullptr && control == CC_ScrollBar) {
+        return partOf(*bar, part);
     } else if (const auto* group = plainGroup(option)) {
         const QRect frame = rect.adjusted(0, titleHeight, 0, 0);
         const QFontMetrics metrics(titleFont(widget != nullptr ? widget->font() : font()));
@@ -143,11 +197,11 @@ QSize LookStyle::sizeFromContents(ContentsType type, const QStyleOption* option,
 {
     switch (type) {
     case CT_PushButton:
-        return grownBy(aroundButtonText, contents);
+        return grownBy(aroundText(kindOf(widget)), contents);
     case CT_CheckBox:
     case CT_RadioButton:
-        return grownBy(aroundOption, {contents.width() + indicatorSize + labelSpacing,
-                                      std::max(contents.height(), indicatorSize)});
+        return grownBy(aroundOptionOf(widget), {contents.width() + indicatorSize + labelSpacing,
+                                                std::max(contents.height(), indicatorSize)});
     case CT_LineEdit:
         return isPart(widget) ? contents : grownBy(aroundFieldText, contents);
     case CT_ComboBox: // 2 more, as there were where this was a style sheet
@@ -194,6 +248,10 @@ int LookStyle::pixelMetric(PixelMetric metric, const QStyleOption* option,
             return labelSpacing;
         }
         break;
+    case PM_ScrollBarExtent:
+        return scrollBarWidth;
+    case PM_ScrollBarSliderMin:
+        return shortestHandle;
     case PM_ToolTipLabelFrameWidth:
         return 7;
     default:

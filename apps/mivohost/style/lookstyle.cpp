@@ -2,96 +2,14 @@
 
 #include "lookparts.h"
 
-#include <QtGui/QIcon>
 #include <QtGui/QPainter>
-#include <QtGui/QPainterPath>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QGroupBox>
+#include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
 
-#include <map>
-#include <string>
-
 namespace mivo::style {
-
-namespace {
-
-/// Up to the middle of a border of that width.
-void drawGround(QPainter& painter, const QRect& rect, const QColor& ground, int radius,
-                qreal border = 0)
-{
-    painter.save();
-    painter.setRenderHint(QPainter::Antialiasing);
-    const qreal half = border / 2;
-    QPainterPath inside;
-    inside.addRoundedRect(QRectF(rect).adjusted(half, half, -half, -half), radius - half,
-                          radius - half);
-    painter.fillPath(inside, ground);
-    painter.restore();
-}
-
-void drawFrame(QPainter& painter, const QRect& rect, const QColor& ground, const QColor& border,
-               int radius)
-{
-    painter.save();
-    painter.setRenderHint(QPainter::Antialiasing);
-    if (ground.alpha() > 0) {
-        drawGround(painter, rect, ground, radius, line);
-    }
-    if (border.alpha() > 0) {
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(border);
-        const QRect straight = rect.adjusted(radius, radius, -radius, -radius);
-        if (straight.width() > 0) {
-            painter.drawRect(straight.left(), rect.top(), straight.width(), line);
-            painter.drawRect(straight.left(), rect.bottom(), straight.width(), line);
-        }
-        if (straight.height() > 0) {
-            painter.drawRect(rect.left(), straight.top(), line, straight.height());
-            painter.drawRect(rect.right(), straight.top(), line, straight.height());
-        }
-        painter.setBrush(Qt::NoBrush);
-        painter.setPen(QPen(border, line, Qt::SolidLine, Qt::SquareCap));
-        const qreal size = 2 * radius - line;
-        QRectF corner(rect.left() + line / 2.0, rect.top() + line / 2.0, size, size);
-        const qreal across = rect.width() - 2 * radius;
-        const qreal down = rect.height() - 2 * radius;
-        // As style sheets draw them: two arcs a corner, of an eighth of a circle each.
-        constexpr struct
-        {
-            bool isRight, isBottom;
-            int start, span;
-        } arcs[]{{true, true, 270, 45},   {true, true, 315, 45},    {false, true, 180, 45},
-                 {false, true, 270, -45}, {false, false, 135, -45}, {false, false, 135, 45},
-                 {true, false, 45, -45},  {true, false, 45, 45}};
-        for (const auto& arc : arcs) {
-            const QPointF place(arc.isRight ? across : 0, arc.isBottom ? down : 0);
-            painter.drawArc(corner.translated(place), arc.start * 16, arc.span * 16);
-        }
-    }
-    painter.restore();
-}
-
-void drawIcon(QPainter& painter, const QRect& rect, const char* name)
-{
-    static std::map<std::string, QIcon> icons; // each is read from its file once
-    QIcon& icon = icons[name];
-    if (icon.isNull()) {
-        icon = QIcon(QStringLiteral(":/mivo/style/icons/%1.svg").arg(QLatin1String(name)));
-    }
-    icon.paint(&painter, rect);
-}
-
-/// Whether it is drawn by drawSurface().
-bool isSurface(const QWidget& widget)
-{
-    return isScrollArea(&widget) || widget.objectName() == QLatin1String("settingBox")
-           || (!widget.dynamicPropertyNames().isEmpty()
-               && widget.property("style").toString().startsWith(QLatin1String("BG")));
-}
-
-} // namespace
 
 LookStyle::LookStyle(Look look, const QString& sheet)
     : QProxyStyle(QStringLiteral("fusion")), m_look(look), m_rules(sheet)
@@ -120,67 +38,6 @@ QPalette LookStyle::palette(Look look)
     return palette;
 }
 
-void LookStyle::polish(QWidget* widget)
-{
-    QProxyStyle::polish(widget);
-    if (const auto* edit = qobject_cast<QLineEdit*>(widget)) {
-        if (edit->isReadOnly() && !isPart(edit)) {
-            QPalette quiet = edit->palette();
-            quiet.setColor(QPalette::Text, color("a3b0bd"));
-            widget->setPalette(quiet);
-        }
-        widget->setAttribute(Qt::WA_Hover); // as Fusion does for the other controls
-    }
-    if (isSurface(*widget)) {
-        widget->setAttribute(Qt::WA_StyledBackground);
-    } else {
-        giveRules(*widget);
-    }
-}
-
-/// Called again by a sheet that it sets.
-void LookStyle::giveRules(QWidget& widget) const
-{
-    constexpr const char* given = "rulesOfLook";
-    const QString before = widget.property(given).toString();
-    QString rules = m_rules.rulesFor(widget);
-    if (!rules.isEmpty()) {
-        // A widget's sheet goes before those around it: these have to stand in it, too.
-        QString around;
-        for (const QWidget* outer = widget.parentWidget(); outer; outer = outer->parentWidget()) {
-            around.prepend(outer->styleSheet().mid(outer->property(given).toString().size()));
-        }
-        rules += around;
-    }
-    const QString sheet = widget.styleSheet();
-    const QString wanted = rules + (sheet.startsWith(before) ? sheet.mid(before.size()) : sheet);
-    if (wanted != sheet) {
-        widget.setProperty(given, rules);
-        widget.setStyleSheet(wanted);
-    }
-}
-
-// --- What is drawn ---
-
-void LookStyle::drawButton(const QStyleOptionButton& button, QPainter& painter) const
-{
-    QColor ground = button.palette.color(QPalette::Button);
-    QColor border = color("46515d");
-    const bool isEnabled = button.state & State_Enabled;
-    if (ground == color("323a43")) { // else a style sheet or the palette has another for all states
-        ground = !isEnabled                                 ? color("272d34")
-                 : button.state & (State_Sunken | State_On) ? color("2c5f91")
-                 : button.state & State_MouseOver           ? color("3b4550")
-                                                            : ground;
-    }
-    if (!isEnabled) {
-        border = color("343d46");
-    } else if (button.state & State_HasFocus) {
-        border = color("6db1f2");
-    }
-    drawFrame(painter, button.rect, ground, border, 4);
-}
-
 void LookStyle::drawIndicator(const QStyleOption& option, QPainter& painter, bool isRadio) const
 {
     const bool isChecked = option.state & State_On;
@@ -204,7 +61,10 @@ void LookStyle::drawOption(const QStyleOptionButton& button, QPainter& painter,
                            const QWidget* widget, bool isRadio) const
 {
     if (button.state & State_HasFocus) {
-        drawFrame(painter, button.rect, Qt::transparent, color("6db1f2"), 4);
+        const QRect rect = isRadio
+                               ? proxy()->subElementRect(SE_RadioButtonFocusRect, &button, widget)
+                               : button.rect;
+        drawFrame(painter, rect, Qt::transparent, color("6db1f2"), 4);
     }
     QStyleOptionButton part = button;
     part.rect = proxy()->subElementRect(isRadio ? SE_RadioButtonIndicator : SE_CheckBoxIndicator,
@@ -276,21 +136,35 @@ void LookStyle::drawGroup(const QStyleOptionGroupBox& group, QPainter& painter,
     }
 }
 
+void LookStyle::drawLabelIcon(const QLabel& label, const QRect& rect, QPainter& painter) const
+{
+    const LabelLook* look = lookOf(label);
+    if (look != nullptr && look->icon != nullptr) {
+        // Of a dialog, which has a property for what it says.
+        drawIcon(painter, rect, label.property("kind").toInt() == 2 ? "warning" : look->icon);
+    }
+}
+
 bool LookStyle::drawSurface(const QStyleOption& option, QPainter& painter,
                             const QWidget* widget) const
 {
     if (widget == nullptr || !isSurface(*widget)) {
         return false;
     }
-    const QString style = widget->property("style").toString();
+    const QString style = styleOf(widget);
     if (style == QLatin1String("BG1")) {
         painter.fillRect(option.rect, color("3a434d"));
     } else if (style == QLatin1String("BG3") || isScrollArea(widget)) {
-        painter.fillRect(option.rect, color("20252b"));
+        const QColor ground = color("20252b");
+        const QColor before = option.palette.color(widget->backgroundRole());
+        if (!widget->autoFillBackground() || before != ground) { // else it is there
+            painter.fillRect(option.rect, ground);
+        }
     } else if (widget->inherits("mivo::settings::VirtualMappingWidget")) {
         drawFrame(painter, option.rect, color("272d34"), color("3a434d"), 4);
     } else {
-        drawGround(painter, option.rect, color("272d34"), style == QLatin1String("BG4") ? 4 : 6);
+        drawFrame(painter, option.rect, color("272d34"), Qt::transparent,
+                  style == QLatin1String("BG4") ? 4 : 6);
     }
     return true;
 }
@@ -304,6 +178,10 @@ void LookStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opti
         drawIndicator(*option, *painter, element == PE_IndicatorRadioButton);
         return;
     case PE_Widget:
+        if (const auto* label = qobject_cast<const QLabel*>(widget)) {
+            drawLabelIcon(*label, option->rect, *painter);
+            return;
+        }
         if (drawSurface(*option, *painter, widget)) {
             return;
         }
@@ -350,16 +228,11 @@ void LookStyle::drawControl(ControlElement element, const QStyleOption* option, 
         case CE_PushButtonBevel:
             if (!(button->features & QStyleOptionButton::Flat)
                 || (button->state & (State_Sunken | State_On))) {
-                drawButton(*button, *painter);
+                drawButton(*button, *painter, widget);
             }
             return;
         case CE_PushButtonLabel:
-            if ((button->state & State_Enabled) && (button->state & (State_Sunken | State_On))
-                && button->palette.color(QPalette::ButtonText)
-                       == QApplication::palette().color(QPalette::ButtonText)) {
-                part.palette.setBrush(QPalette::ButtonText, part.palette.highlightedText());
-            }
-            QProxyStyle::drawControl(element, &part, painter, widget);
+            drawButtonText(part, *painter, widget);
             return;
         case CE_CheckBox:
         case CE_RadioButton:
@@ -403,6 +276,16 @@ void LookStyle::drawComplexControl(ComplexControl control, const QStyleOptionCom
             const QRect arrow = proxy()->subControlRect(control, combo, SC_ComboBoxArrow, widget);
             drawIcon(*painter, alignedRect(combo->direction, Qt::AlignCenter, {12, 12}, arrow),
                      combo->state & State_Enabled ? "down" : "down-disabled");
+        }
+    } else if (const auto* bar = qstyleoption_cast<const QStyleOptionSlider*>(option);
+               bar != nullptr && control == CC_ScrollBar) {
+        if (bar->subControls & SC_ScrollBarSlider) {
+            const QRect handle = proxy()->subControlRect(control, bar, SC_ScrollBarSlider, widget);
+            const bool isBelowPointer = (bar->state & State_Enabled)
+                                        && (bar->state & State_MouseOver)
+                                        && (bar->activeSubControls & SC_ScrollBarSlider);
+            drawFrame(*painter, handle.adjusted(1, 1, -1, -1),
+                      color(isBelowPointer ? "6b7886" : "46515d"), Qt::transparent, 4);
         }
     } else if (const auto* group = plainGroup(option)) {
         drawGroup(*group, *painter, widget);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "looknames.h"
 #include "mivostyle/style.h"
 #include "sheetrules.h"
 
@@ -9,15 +10,19 @@
 #include <QtWidgets/QProxyStyle>
 #include <QtWidgets/QStyleOption>
 
+class QLabel;
+class QPushButton;
+
 namespace mivo::style {
 
 /// In a look, what is "rrggbb" in the dark one.
 QColor colorOf(Look look, const char* dark);
 
-/// Draws surfaces and the controls of which a dialog has many, and gives other widgets the rules of
-/// the style sheet that are about them. The sheets of a page and of a widget go before these rules
-/// where they are as specific, and colors of theirs or of a palette before those that are drawn
-/// here. GUI thread.
+/// Draws surfaces, controls and what has a name (looknames.h), and gives widgets the rules of the
+/// style sheet that are about them: menus when they open, what is hidden when it is shown, what has
+/// a fixed size before it is first painted. The sheets of a page and of a widget go before these
+/// rules where they are as specific, and colors of theirs or of a palette before those that are
+/// drawn here. GUI thread.
 class LookStyle : public QProxyStyle
 {
 public:
@@ -29,6 +34,9 @@ public:
 
     void polish(QWidget* widget) override;
     using QProxyStyle::polish;
+    void unpolish(QWidget* widget) override;
+    using QProxyStyle::unpolish;
+    bool eventFilter(QObject* object, QEvent* event) override;
 
     void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                        const QWidget* widget) const override;
@@ -48,7 +56,16 @@ public:
                   QStyleHintReturn* more) const override;
 
 private:
-    void drawButton(const QStyleOptionButton& button, QPainter& painter) const;
+    void polishLabel(QLabel& label) const;
+    void polishButton(QPushButton& button) const;
+
+    void drawButton(const QStyleOptionButton& button, QPainter& painter,
+                    const QWidget* widget) const;
+    void drawAction(const QStyleOptionButton& button, QPainter& painter, const QColor& ground,
+                    const QColor& border, const QWidget* widget) const;
+    void drawSection(const QStyleOptionButton& button, QPainter& painter) const;
+    void drawButtonText(QStyleOptionButton& button, QPainter& painter, const QWidget* widget) const;
+    void drawLabelIcon(const QLabel& label, const QRect& rect, QPainter& painter) const;
     void drawIndicator(const QStyleOption& option, QPainter& painter, bool isRadio) const;
     void drawOption(const QStyleOptionButton& button, QPainter& painter, const QWidget* widget,
                     bool isRadio) const;

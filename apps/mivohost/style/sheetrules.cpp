@@ -1,5 +1,7 @@
 #include "sheetrules.h"
 
+#include "looknames.h"
+
 #include <QtCore/QRegularExpression>
 #include <QtCore/QVariant>
 #include <QtWidgets/QWidget>
@@ -14,15 +16,6 @@ namespace {
 QByteArray className(QString inSheet)
 {
     return inSheet.replace(QLatin1String("--"), QLatin1String("::")).toLatin1();
-}
-
-bool isWithin(const QWidget& widget, const QByteArray& type)
-{
-    const QWidget* outer = widget.parentWidget();
-    while (outer != nullptr && !outer->inherits(type.constData())) {
-        outer = outer->parentWidget();
-    }
-    return outer != nullptr;
 }
 
 } // namespace
@@ -77,8 +70,8 @@ QString SheetRules::rulesFor(const QWidget& widget) const
     if (!widget.objectName().isEmpty()) {
         add(m_byName, widget.objectName());
     }
-    if (!widget.dynamicPropertyNames().isEmpty()) {
-        add(m_byStyle, widget.property("style").toString());
+    if (const QString style = styleOf(&widget); !style.isEmpty()) {
+        add(m_byStyle, style);
     }
     for (const QMetaObject* type = widget.metaObject(); type != nullptr;
          type = type->superClass()) {

@@ -71,15 +71,10 @@ QString lightened(const QString& sheet)
     });
 }
 
-/// Qt turns around alignments and the places of parts of a control, but no margins and borders.
+/// Qt turns around alignments and the places of parts of a control, but no margins.
 QString mirrored(const QString& sheet)
 {
-    const QString sides = replaced(
-        sheet, QStringLiteral("((?:margin|padding|border)-)(left|right)"), [](const Match& match) {
-            return match.captured(1)
-                   + QLatin1String(match.captured(2) == QLatin1String("left") ? "right" : "left");
-        });
-    return replaced(sides, QStringLiteral("((?:margin|padding): \\S+ )(\\S+)( \\S+ )([^\\s;]+);"),
+    return replaced(sheet, QStringLiteral("((?:margin|padding): \\S+ )(\\S+)( \\S+ )([^\\s;]+);"),
                     [](const Match& match) {
                         return match.captured(1) + match.captured(4) + match.captured(3)
                                + match.captured(2) + ';';
