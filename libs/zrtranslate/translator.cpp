@@ -1,6 +1,6 @@
 #include "zrtranslate/translator.h"
 
-#include <QtCore/QByteArrayList>
+#include <QtCore/QByteArray>
 #include <QtCore/QSet>
 #include <QtCore/QTranslator>
 
@@ -45,23 +45,42 @@ public:
         }
     }
 
-    /// A text's catalogue, context and key, in UTF-8.
-    using Name = QByteArrayList;
-
-    static QString find(const Files& files, const Name& name)
+    /// A catalogue's context, and those of its keys that had a text; as many as the files have at
+    /// most. In UTF-8, as the files are.
+    struct Context
     {
-        for (const auto& texts : files) {
-            QString text =
-                texts->translate(name[0].constData(), name[2].constData(), name[1].constData());
-            if (!text.isEmpty()) {
-                return text;
+        QString catalogue;
+        QString name;
+        QByteArray catalogueBytes = catalogue.toUtf8();
+        QByteArray nameBytes = name.toUtf8();
+        QSet<QByteArray> found{};
+
+        QString find(const Files& files, const QByteArray& key) const
+        {
+            for (const auto& texts : files) {
+                QString text = texts->translate(catalogueBytes.constData(), key.constData(),
+                                                nameBytes.constData());
+                if (!text.isEmpty()) {
+                    return text;
+                }
+            }
+            return {};
+        }
+    };
+
+    Context& contextOf(const QString& catalogue, const QString& name)
+    {
+        for (Context& context : contexts) { // hardly ever more than one
+            if (context.name == name && context.catalogue == catalogue) {
+                return context;
             }
         }
-        return {};
+        contexts.push_back({catalogue, name});
+        return contexts.back();
     }
 
     QSet<QString> loaded;
-    QSet<Name> found; // as many as the files have at most
+    std::vector<Context> contexts; // of which a text was looked up
     Languages languages;
     const Files* active = nullptr;
     QString requested;
@@ -109,10 +128,11 @@ QString Translator::translate(const QString& catalogue, const QString& context,
         return key;
     }
     if (m_impl->active) {
-        const Impl::Name name{catalogue.toUtf8(), context.toUtf8(), key.toUtf8()};
-        QString text = Impl::find(*m_impl->active, name);
+        Impl::Context& texts = m_impl->contextOf(catalogue, context);
+        const QByteArray bytes = key.toUtf8();
+        QString text = texts.find(*m_impl->active, bytes);
         if (!text.isEmpty()) {
-            m_impl->found.insert(name);
+            texts.found.insert(bytes);
             return text;
         }
     }
@@ -128,12 +148,14 @@ QHash<QString, QStringList> Translator::otherTexts() const
     if (!m_impl->active) {
         return others;
     }
-    for (const Impl::Name& name : std::as_const(m_impl->found)) {
-        const QString shown = Impl::find(*m_impl->active, name);
-        for (const auto& [language, files] : m_impl->languages) {
-            const QString text = Impl::find(files, name);
-            if (!shown.isEmpty() && !text.isEmpty() && text != shown) {
-                others[shown].append(text);
+    for (const Impl::Context& context : m_impl->contexts) {
+        for (const QByteArray& key : context.found) {
+            const QString shown = context.find(*m_impl->active, key);
+            for (const auto& [language, files] : m_impl->languages) {
+                const QString text = context.find(files, key);
+                if (!shown.isEmpty() && !text.isEmpty() && text != shown) {
+                    others[shown].append(text);
+                }
             }
         }
     }

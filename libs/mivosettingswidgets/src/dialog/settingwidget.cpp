@@ -5,6 +5,7 @@
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QEvent>
+#include <QtCore/QPointer>
 #include <QtCore/QVariant>
 #include <QtWidgets/QAccessibleWidget>
 #include <QtWidgets/QScrollBar>
@@ -19,15 +20,53 @@ namespace mivo::settings {
 namespace {
 
 /// Qt posts each new widget an event that polishes it, even when it is hidden. Without that event
-/// it is polished when it is first shown, which makes the start of the program faster.
-void polishWhenShown(QWidget* widget)
+/// it is polished when it is first shown, which makes the start of the program faster. Takes these
+/// events from pages as they come, since the removal of one searches all that is posted.
+class PolishRequestFilter : public QObject
 {
-    QCoreApplication::removePostedEvents(widget, QEvent::PolishRequest);
-    const auto children = widget->findChildren<QWidget*>();
-    for (QWidget* child : children) {
-        QCoreApplication::removePostedEvents(child, QEvent::PolishRequest);
+public:
+    /// Until all that is posted now has come.
+    static void filterPosted()
+    {
+        static QPointer<PolishRequestFilter> filter;
+        if (filter == nullptr || !filter->m_filters) {
+            filter = new PolishRequestFilter;
+            QCoreApplication::postEvent(filter, new QEvent(QEvent::User), Qt::LowEventPriority);
+        }
     }
-}
+
+    bool eventFilter(QObject* object, QEvent* event) override
+    {
+        return m_filters && event->type() == QEvent::PolishRequest && isInPage(object);
+    }
+
+protected:
+    bool event(QEvent* event) override
+    {
+        if (event->type() == QEvent::User) {
+            m_filters = false;
+            deleteLater();
+            return true;
+        }
+        return QObject::event(event);
+    }
+
+private:
+    PolishRequestFilter() : QObject(QCoreApplication::instance())
+    {
+        parent()->installEventFilter(this);
+    }
+
+    static bool isInPage(const QObject* object)
+    {
+        while (object != nullptr && qobject_cast<const ISettingBox*>(object) == nullptr) {
+            object = object->parent();
+        }
+        return object != nullptr;
+    }
+
+    bool m_filters = true;
+};
 
 /// For screen readers the section is an area with a name, as it takes the focus to be scrolled.
 QAccessibleInterface* makeInterface(const QString& className, QObject* object)
@@ -53,18 +92,37 @@ public:
         column->addStretch(1);
     }
 
-    /// Sets the tab order of the pages from top to bottom, after a page was inserted at `position`.
-    void orderTabStops(int position) const
+    /// Sets the tab order of the pages from top to bottom, after a page with these stops was
+    /// inserted at `position`.
+    void orderTabStops(int position, const std::vector<QWidget*>& stops) const
     {
-        QWidget* previous = nullptr;
-        for (int i = std::max(0, position - 1); i < column->count() - 1; ++i) {
-            for (QWidget* stop : tabStops(column->itemAt(i)->widget(), content)) {
-                if (previous != nullptr && i >= position) {
+        QWidget* previous =
+            position > 0 ? lastTabStop(column->itemAt(position - 1)->widget()) : nullptr;
+        const bool areOthersBehind = previous != nullptr;
+        const auto append = [&previous](const std::vector<QWidget*>& next) {
+            for (QWidget* stop : next) {
+                if (previous != nullptr) {
                     QWidget::setTabOrder(previous, stop);
                 }
                 previous = stop;
             }
+        };
+        append(stops);
+        for (int i = position + 1; !areOthersBehind && i < column->count() - 1; ++i) {
+            append(tabStops(column->itemAt(i)->widget(), content));
         }
+    }
+
+    /// The last of tabStops(page, content), or null; it stands near the end as a rule.
+    QWidget* lastTabStop(const QWidget* page) const
+    {
+        QWidget* stop = content->previousInFocusChain();
+        while (stop != content
+               && ((stop->focusPolicy() & Qt::TabFocus) == 0 || stop->focusProxy() != nullptr
+                   || !page->isAncestorOf(stop))) {
+            stop = stop->previousInFocusChain();
+        }
+        return stop != content ? stop : nullptr;
     }
 
     SettingWidget* owner;
@@ -92,12 +150,13 @@ void SettingWidget::insertSettingsBox(ISettingBox* box, int index) const
         index = m_impl->column->count() - 1;
     }
     ensurePolished(); // now, while it is cheap: polishing a parent polishes all of its children
-    polishWhenShown(box);
+    PolishRequestFilter::filterPosted();
     // Kept on purpose: a second page with a key is placed, but not recorded.
     const auto place = m_impl->order.emplace(index, box).first;
     const auto position = static_cast<int>(std::distance(m_impl->order.begin(), place));
+    const auto stops = tabStops(box, box); // now, while the chain is its own as a rule
     m_impl->column->insertWidget(position, box);
-    m_impl->orderTabStops(position);
+    m_impl->orderTabStops(position, stops);
     connect(box, &ISettingBox::sigTitleTextChanged, this, &SettingWidget::sigTitleTextChanged);
     connect(box, &QObject::destroyed, m_impl.get(), [this, index, box] {
         const auto held = m_impl->order.find(index);

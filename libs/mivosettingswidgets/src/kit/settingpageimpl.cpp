@@ -112,11 +112,17 @@ void SettingPageImplBase::addText(const char* key, QAbstractButton* button, cons
 void SettingPageImplBase::addItemTexts(QComboBox* combo, const std::vector<const char*>& keys)
 {
     for (int item = 0; item < static_cast<int>(keys.size()); ++item) {
+        const char* key = keys[static_cast<std::size_t>(item)];
+        const auto set = [combo, item](const QString& translated) {
+            combo->setItemText(item, translated);
+        };
         if (item == combo->count()) {
-            combo->addItem(QString());
+            const auto name = QString::fromLatin1(key);
+            combo->addItem(text(name));
+            m_texts.push_back({name, set});
+        } else {
+            addText(key, set);
         }
-        addText(keys[static_cast<std::size_t>(item)],
-                [combo, item](const QString& translated) { combo->setItemText(item, translated); });
     }
 }
 

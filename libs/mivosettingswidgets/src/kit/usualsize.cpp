@@ -13,6 +13,7 @@ namespace mivo::settings {
 
 namespace {
 
+constexpr int noSize = -1;
 constexpr int textMargins = 5; // what an edit keeps free beside its text, and the cursor
 
 /// Where the style draws the text of a control of the size `within`; it may leave more than that.
@@ -65,28 +66,36 @@ QStringList textsOf(const QWidget* control)
     return {control->property("text").toString()}; // as edits and buttons have
 }
 
-/// What a widget needs so that its text is not cut; at most its size hint.
-QSize neededBy(const QWidget* widget)
+/// What a widget needs so that its text is not cut; at most its size hint. `usual` says which of
+/// width and height are asked for; texts are measured no further than that needs, as it takes time.
+QSize neededBy(const QWidget* widget, const QSize& usual)
 {
     const QSize hint = widget->sizeHint();
+    const auto suffices = [&](const QSize& size) {
+        return (usual.width() == noSize || size.width() >= hint.width())
+               && (usual.height() == noSize || size.height() >= hint.height());
+    };
+    if (suffices(usual)) {
+        return usual;
+    }
     const QFontMetrics metrics = widget->fontMetrics();
     const bool isEdit = qobject_cast<const QAbstractSpinBox*>(widget) != nullptr
                         || qobject_cast<const QComboBox*>(widget) != nullptr
                         || qobject_cast<const QLineEdit*>(widget) != nullptr;
     if (!isEdit && qobject_cast<const QPushButton*>(widget) == nullptr) {
-        const QString text = widget->property("text").toString();
+        const QString text =
+            usual.height() == noSize ? QString() : widget->property("text").toString();
         return text.isEmpty() ? hint : QSize(hint.width(), metrics.size(0, text).height());
     }
     const QRect roomy(0, 0, 1000, 100);
-    const QSize around = roomy.size() - textArea(widget, roomy).size();
-    QSize text(0, metrics.height());
-    const auto texts = textsOf(widget);
-    for (const QString& line : texts) {
-        text = text.expandedTo(metrics.size(Qt::TextSingleLine, line));
-    }
+    QSize around = roomy.size() - textArea(widget, roomy).size();
     // A button's text may reach into the padding above and below it.
-    const QSize needed =
-        text + (isEdit ? around + QSize(textMargins, 0) : QSize(around.width(), 0));
+    around = isEdit ? around + QSize(textMargins, 0) : QSize(around.width(), 0);
+    QSize needed = around + QSize(0, metrics.height());
+    const auto texts = textsOf(widget);
+    for (auto line = texts.begin(); line != texts.end() && !suffices(needed); ++line) {
+        needed = needed.expandedTo(around + metrics.size(Qt::TextSingleLine, *line));
+    }
     return needed.boundedTo(hint);
 }
 
@@ -97,20 +106,21 @@ void fitUsualSizes(QWidget* page)
     auto widgets = page->findChildren<QWidget*>();
     widgets.append(page); // last: its size depends on theirs
     for (QWidget* widget : qAsConst(widgets)) {
-        if (widget->dynamicPropertyNames().isEmpty()) {
-            continue; // as most of them; property() is slow
-        }
-        const QVariant width = widget->property(usualWidth);
-        const QVariant height = widget->property(usualHeight);
-        if (!width.isValid() && !height.isValid()) {
+        const auto names = widget->dynamicPropertyNames(); // few; property() is slow
+        const auto usual = [&](const char* name) {
+            const bool has = std::find(names.begin(), names.end(), name) != names.end();
+            return has ? widget->property(name).toInt() : noSize;
+        };
+        const QSize size(usual(usualWidth), usual(usualHeight));
+        if (size == QSize(noSize, noSize)) {
             continue;
         }
-        const QSize needed = neededBy(widget);
-        if (width.isValid()) {
-            widget->setFixedWidth(std::max(width.toInt(), needed.width()));
+        const QSize needed = size.expandedTo(neededBy(widget, size));
+        if (size.width() != noSize) {
+            widget->setFixedWidth(needed.width());
         }
-        if (height.isValid()) {
-            widget->setFixedHeight(std::max(height.toInt(), needed.height()));
+        if (size.height() != noSize) {
+            widget->setFixedHeight(needed.height());
         }
     }
     if (page->layout() != nullptr) {

@@ -30,11 +30,17 @@ namespace {
 constexpr std::chrono::milliseconds writeDelay{100};
 constexpr int longestMonth = 31;
 
-QString dayText(int day)
+/// The numbers of days from the first to the last, as they are said.
+QStringList dayTexts(int first, int last)
 {
     const QString word = text(QStringLiteral("Day"));
-    const QString number = QString::number(day);
-    return isEnglish() ? joined({word, number}) : joined({number, word});
+    const bool isWordFirst = isEnglish();
+    QStringList texts;
+    for (int day = first; day <= last; ++day) {
+        const QString number = QString::number(day);
+        texts.append(isWordFirst ? joined({word, number}) : joined({number, word}));
+    }
+    return texts;
 }
 
 } // namespace
@@ -121,8 +127,10 @@ void RestartRow::addTexts(SettingPageImpl& page)
     page.addText(
         "Day",
         [this](const QString& /*word*/) {
-            for (int day = 1; day < m_day->count(); ++day) {
-                m_day->setItemText(day, dayText(day));
+            int day = 0;
+            const QStringList days = dayTexts(1, m_day->count() - 1);
+            for (const QString& text : days) {
+                m_day->setItemText(++day, text);
             }
         },
         "-");
@@ -143,9 +151,7 @@ void RestartRow::show(const STMivoTimedAutomaticRestartSettings& info)
     // The list of days stays that of the month before; kept on purpose. A day that it lacks is
     // added, so that it is shown and not lost with the next edit.
     showIndex(m_month, info.monthIndex);
-    for (int day = m_day->count(); day <= std::min(info.dayIndex, longestMonth); ++day) {
-        m_day->addItem(dayText(day));
-    }
+    m_day->addItems(dayTexts(m_day->count(), std::min(info.dayIndex, longestMonth)));
     showIndex(m_day, info.dayIndex);
     showTime(m_time, info.time);
     showWhetherItComes();
@@ -166,10 +172,7 @@ void RestartRow::fillDays(int month)
     const QSignalBlocker blocker(m_day);
     const int chosen = m_day->currentIndex();
     m_day->clear();
-    m_day->addItem(text(QStringLiteral("EveryDay")));
-    for (int day = 1; day <= days; ++day) {
-        m_day->addItem(dayText(day));
-    }
+    m_day->addItems(QStringList(text(QStringLiteral("EveryDay"))) + dayTexts(1, days));
     m_day->setCurrentIndex(qBound(0, chosen, days));
     showWhetherItComes();
 }
