@@ -22,6 +22,8 @@ QIcon iconNamed(const char* name)
 
 namespace {
 
+constexpr int outside = 1; // the arcs touch it
+
 void paintFrame(QPainter& painter, const QRect& rect, const QColor& ground, const QColor& border,
                 int radius)
 {
@@ -78,12 +80,12 @@ QPixmap smallestFrame(const QColor& ground, const QColor& border, int radius, in
     }
     QPixmap frame;
     if (!QPixmapCache::find(key, &frame)) {
-        const int size = 2 * corner;
+        const int size = 2 * (corner + outside);
         frame = QPixmap(size * scale, size * scale);
         frame.setDevicePixelRatio(scale);
         frame.fill(Qt::transparent);
         QPainter painter(&frame);
-        paintFrame(painter, {0, 0, size, size}, ground, border, radius);
+        paintFrame(painter, {outside, outside, 2 * corner, 2 * corner}, ground, border, radius);
         painter.end();
         QPixmapCache::insert(key, frame);
     }
@@ -106,12 +108,12 @@ void drawFrame(QPainter& painter, const QRect& rect, const QColor& ground, const
     const QPixmap frame = smallestFrame(ground, border, radius, corner, scale);
     const QRect across = rect.adjusted(corner, 0, -corner, 0); // without the corners
     const QRect down = rect.adjusted(0, corner, 0, -corner);
-    const QSize size(corner, corner);
+    const QSize size(corner + outside, corner + outside);
     for (const bool isRight : {false, true}) {
         for (const bool isBottom : {false, true}) {
-            const QPoint place(isRight ? across.right() + 1 : rect.left(),
-                               isBottom ? down.bottom() + 1 : rect.top());
-            const QPoint source(isRight ? corner : 0, isBottom ? corner : 0);
+            const QPoint place(isRight ? across.right() + 1 : rect.left() - outside,
+                               isBottom ? down.bottom() + 1 : rect.top() - outside);
+            const QPoint source(isRight ? size.width() : 0, isBottom ? size.height() : 0);
             painter.drawPixmap(QRect(place, size), frame, QRect(source * scale, size * scale));
         }
     }
