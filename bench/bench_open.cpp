@@ -7,6 +7,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <atomic>
 
 namespace {
@@ -60,8 +61,9 @@ void wholeFloor(benchmark::State& state, bool styled)
 {
     prepare(styled);
     const opening::Recipe recipe = opening::makeRecipe();
+    const auto texts = opening::loadTexts();
     for (auto _ : state) {
-        state.SetIterationTime(opening::secondsToOpenRaw(recipe));
+        state.SetIterationTime(opening::secondsToOpenRaw(recipe, *texts));
     }
 }
 
@@ -80,9 +82,10 @@ void constructFloor(benchmark::State& state)
 {
     prepare(false);
     const opening::Recipe recipe = opening::makeRecipe();
+    const auto texts = opening::loadTexts();
     measure(
         state, [] { return opening::RawDialog(); },
-        [&](opening::RawDialog& raw) { raw = opening::makeRaw(recipe); });
+        [&](opening::RawDialog& raw) { raw = opening::makeRaw(recipe, *texts); });
 }
 
 void construct(benchmark::State& state)
@@ -107,29 +110,76 @@ int hopsOfBinding()
     return host.runtime.hops - before;
 }
 
-/// As many reads over a bare thread, each handed to a raw control through the event loop.
+/// Shows what was read, by its number, in its share of the controls of a raw dialog.
+class RawBinding : public QObject
+{
+    Q_OBJECT
+
+public:
+    std::vector<std::vector<std::pair<QWidget*, QVariant>>> shares;
+
+public slots:
+    void show(int read)
+    {
+        for (const auto& [control, value] : shares[static_cast<std::size_t>(read)]) {
+            opening::showRawValue(control, value);
+        }
+    }
+};
+
+struct BoundRaw
+{
+    opening::RawDialog raw;
+    std::unique_ptr<RawBinding> binding;
+    std::vector<sigslot::scoped_connection> connections;
+};
+
+/// A raw dialog that was just made: as many calls over a bare thread as the pages need, of which
+/// one for each page connects to signals of the store, and the others read a value each. What was
+/// read is queued by the name of a slot, and shown in its share of the controls.
 void bindFloor(benchmark::State& state)
 {
     prepare(false);
-    const int hops = hopsOfBinding();
-    std::vector<std::unique_ptr<QDoubleSpinBox>> controls;
-    for (int i = 0; i < hops; ++i) {
-        controls.push_back(std::make_unique<QDoubleSpinBox>());
-    }
+    const opening::Recipe recipe = opening::makeRecipe();
+    const opening::Recipe bound = opening::makeRecipe(QStringLiteral("en"), true);
+    const auto texts = opening::loadTexts();
+    const auto isPage = [](const opening::RawPart& part) { return part.kind == "page"; };
+    const auto pages =
+        static_cast<std::size_t>(std::count_if(recipe.begin(), recipe.end(), isPage));
+    const std::size_t reads = static_cast<std::size_t>(hopsOfBinding()) - pages;
     BareThread thread;
     TestStore store;
-    int value = 0;
-    measure(
-        state, [] { return 0; },
-        [&](int) {
-            value = (value + 1) % 99;
-            for (const auto& control : controls) {
-                const double read = value + thread.call([&store] { return store.getUndoStep(); });
-                QMetaObject::invokeMethod(control.get(), "setValue", Qt::QueuedConnection,
-                                          Q_ARG(double, read));
+    std::vector<sigslot::signal<const int>> changed(reads);
+    const auto makeUnbound = [&] {
+        BoundRaw made{opening::makeRaw(recipe, *texts), std::make_unique<RawBinding>(), {}};
+        made.binding->shares.resize(reads);
+        for (std::size_t i = 0; i < bound.size(); ++i) {
+            if (bound[i].value.isValid()) {
+                made.binding->shares[i % reads].emplace_back(made.raw.parts[i], bound[i].value);
             }
-            QApplication::processEvents();
-        });
+        }
+        QApplication::processEvents();
+        return made;
+    };
+    measure(state, makeUnbound, [&](BoundRaw& made) {
+        RawBinding* binding = made.binding.get();
+        const auto queue = [binding](int read) {
+            QMetaObject::invokeMethod(binding, "show", Qt::QueuedConnection, Q_ARG(int, read));
+        };
+        for (std::size_t page = 1; page <= pages; ++page) {
+            thread.call([&] {
+                while (made.connections.size() < page * reads / pages) {
+                    made.connections.emplace_back(changed[made.connections.size()].connect(queue));
+                }
+                return 0;
+            });
+        }
+        for (std::size_t read = 0; read < reads; ++read) {
+            benchmark::DoNotOptimize(thread.call([&store] { return store.getUndoStep(); }));
+            queue(static_cast<int>(read));
+        }
+        QApplication::processEvents();
+    });
 }
 
 void bind(benchmark::State& state)
@@ -156,10 +206,11 @@ void frameFloor(benchmark::State& state, bool again)
 {
     prepare(false);
     const opening::Recipe recipe = opening::makeRecipe();
+    const auto texts = opening::loadTexts();
     measure(
         state,
         [&] {
-            auto raw = opening::makeRaw(recipe);
+            auto raw = opening::makeRaw(recipe, *texts);
             if (again) {
                 opening::drawFirstFrame(*raw.dialog);
                 raw.dialog->close();
@@ -212,12 +263,15 @@ void languageFloor(benchmark::State& state)
 {
     prepare(false);
     const opening::Recipe english = opening::makeRecipe();
-    useHostLanguage("zh_cn");
-    const opening::Recipe chinese = opening::makeRecipe();
-    const auto raw = opening::makeRaw(english);
+    const opening::Recipe chinese = opening::makeRecipe(QStringLiteral("zh_cn"));
+    const auto englishTexts = opening::loadTexts();
+    const auto chineseTexts = opening::loadTexts(QStringLiteral("zh_cn"));
+    const auto raw = opening::makeRaw(english, *englishTexts);
     opening::drawFirstFrame(*raw.dialog);
-    measureSwitch(
-        state, [&](bool toChinese) { opening::setRawTexts(raw, toChinese ? chinese : english); });
+    measureSwitch(state, [&](bool toChinese) {
+        opening::setRawTexts(raw, toChinese ? chinese : english,
+                             toChinese ? *chineseTexts : *englishTexts);
+    });
 }
 
 void language(benchmark::State& state)
@@ -261,3 +315,5 @@ const bool added = [] {
 }();
 
 } // namespace
+
+#include "bench_open.moc"

@@ -15,7 +15,7 @@ opening::Recipe recipeFromElsewhere()
     QProcess other;
     other.start(QApplication::applicationFilePath(), {"--recipe"});
     other.waitForFinished();
-    return QString::fromUtf8(other.readAllStandardOutput()).split('\n');
+    return opening::fromLine(other.readAllStandardOutput());
 }
 
 } // namespace
@@ -30,13 +30,13 @@ int main(int argc, char** argv)
     const QApplication application(argc, argv);
     double seconds = 0;
     if (variant == "--recipe") {
-        useHostLanguage("en");
-        std::fputs(opening::makeRecipe().join('\n').toUtf8().constData(), stdout);
+        std::fputs(opening::toLine(opening::makeRecipe()).constData(), stdout);
         return 0;
     }
     if (variant == "floor") {
         const opening::Recipe recipe = recipeFromElsewhere();
-        seconds = opening::secondsToOpenRaw(recipe);
+        const auto texts = opening::loadTexts();
+        seconds = opening::secondsToOpenRaw(recipe, *texts);
     } else if (variant == "ours") {
         useHostLanguage("en");
         mivohost::RuntimeThread runtime;

@@ -28,7 +28,8 @@ using namespace mivo::settings;
 
 struct ManyPages
 {
-    ManyPages(mivohost::RuntimeThread& itsRuntime, TestStore& itsStore, int count)
+    ManyPages(mivohost::RuntimeThread& itsRuntime, TestStore& itsStore, int count,
+              const QString& language = QStringLiteral("en"))
         : runtime(itsRuntime), store(itsStore)
     {
         dialog.loadLanguageFiles(mivo::style::languageFiles());
@@ -42,9 +43,9 @@ struct ManyPages
                   &ManyPages::add<DeviceSettingWidget>, &ManyPages::add<DisplayControlSettingBox>,
                   &ManyPages::add<CodecControlSettingBox>, &ManyPages::add<AudioSettingBox>}) {
                 if (static_cast<int>(pages.size()) == count) {
-                    dialog.switchLanguage(QStringLiteral("en"));
+                    dialog.switchLanguage(language);
                     for (ISettingBox* page : pages) {
-                        page->switchLanguage(QStringLiteral("en"));
+                        page->switchLanguage(language);
                     }
                     return;
                 }
@@ -75,7 +76,7 @@ opening::Recipe recipeFromElsewhere(const QString& count)
     QProcess other;
     other.start(QApplication::applicationFilePath(), {"recipe/" + count});
     other.waitForFinished(-1);
-    return QString::fromUtf8(other.readAllStandardOutput()).split('\n');
+    return opening::fromLine(other.readAllStandardOutput());
 }
 
 } // namespace
@@ -94,25 +95,31 @@ int main(int argc, char** argv)
     const QString count = variant.section('/', 1);
     if (kind == "floor") {
         const opening::Recipe recipe = recipeFromElsewhere(count);
-        return once::measure([&recipe] {
-            auto raw = opening::makeRaw(recipe);
+        const auto texts = opening::loadTexts();
+        return once::measure([&recipe, &texts] {
+            auto raw = opening::makeRaw(recipe, *texts);
             opening::drawFirstFrame(*raw.dialog);
             return raw;
         });
     }
-    useHostLanguage("en");
     mivohost::RuntimeThread runtime;
     TestStore store;
-    const auto open = [&] { return std::make_unique<ManyPages>(runtime, store, count.toInt()); };
     if (kind == "recipe") {
-        const auto many = open();
-        QApplication::processEvents(); // values show
-        const QString recipe = opening::recipeOf(many->dialog, many->pages).join('\n');
-        std::fputs(recipe.toUtf8().constData(), stdout);
+        const auto recipeIn = [&](const QString& language) {
+            useHostLanguage(language);
+            const ManyPages many(runtime, store, count.toInt(), language);
+            QApplication::processEvents(); // values show
+            return opening::recipeOf(many.dialog, many.pages);
+        };
+        const auto keys = recipeIn({});
+        auto recipe = recipeIn(QStringLiteral("en"));
+        opening::takeKeys(recipe, keys);
+        std::fputs(opening::toLine(recipe).constData(), stdout);
         return 0;
     }
+    useHostLanguage("en");
     return once::measure([&] {
-        auto many = open();
+        auto many = std::make_unique<ManyPages>(runtime, store, count.toInt());
         opening::drawFirstFrame(many->dialog);
         return many;
     });

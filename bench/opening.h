@@ -1,7 +1,7 @@
 #pragma once
 
 #include "mivohostkit/runtimethread.h"
-#include "rawcontrols.h"
+#include "rawdialog.h"
 #include "support/hostlanguage.h"
 #include "support/teststore.h"
 #include "surface/settingsview.h"
@@ -11,120 +11,41 @@
 
 #include <QtCore/QElapsedTimer>
 #include <QtWidgets/QApplication>
-#include <QtWidgets/QDialog>
-#include <QtWidgets/QHBoxLayout>
-#include <QtWidgets/QScrollArea>
-#include <QtWidgets/QStackedWidget>
 
 #include <memory>
 
-/// Opening the settings dialog, ours and the floor: a plain QDialog with a QStackedWidget and as
-/// many raw Qt controls, of the same kinds and with the same style sheets of their own, in as many
-/// sections, which scroll, and group boxes.
+/// Opening the settings dialog, ours and its floor.
 namespace opening {
 
-/// What the floor is made of: for each page its section, title and controls. One line an entry,
-/// "kind<TAB>text<TAB>style sheet", so that it can be handed to another process.
-using Recipe = QStringList;
-
-inline Recipe recipeOf(const mivo::settings::SettingsDialog& dialog,
-                       const std::vector<mivo::settings::ISettingBox*>& pages)
-{
-    Recipe recipe;
-    const auto* stack = dialog.findChild<QStackedWidget*>();
-    for (int i = 0; i < stack->count(); ++i) {
-        recipe.append("section\t");
-        for (const auto* page : pages) {
-            if (!stack->widget(i)->isAncestorOf(page)) {
-                continue;
-            }
-            recipe.append("page\t" + page->title());
-            const auto children = page->findChildren<QWidget*>();
-            for (const QWidget* child : children) {
-                recipe.append(entryOf(child));
-            }
-        }
-    }
-    return recipe;
-}
-
-inline Recipe makeRecipe()
+/// The recipe of the dialog with all pages, in a language of the host.
+inline Recipe makeRecipe(const QString& language = QStringLiteral("en"), bool showsValues = false)
 {
     mivohost::RuntimeThread runtime;
     TestStore store;
-    mivohost::SettingsView view(runtime, store, nullptr);
-    return recipeOf(view.dialog(), view.pages());
+    const auto recipeIn = [&](const QString& itsLanguage) {
+        useHostLanguage(itsLanguage);
+        mivohost::SettingsView view(runtime, store, nullptr);
+        if (showsValues) {
+            QApplication::processEvents();
+        }
+        return recipeOf(view.dialog(), view.pages());
+    };
+    const Recipe keys = recipeIn({});
+    Recipe recipe = recipeIn(language);
+    takeKeys(recipe, keys);
+    return recipe;
 }
 
-struct RawDialog
+/// The host's texts in the language of that name, as a bare QTranslator has them.
+inline std::unique_ptr<QTranslator> loadTexts(const QString& language = QStringLiteral("en"))
 {
-    std::unique_ptr<QDialog> dialog = std::make_unique<QDialog>();
-    std::vector<QWidget*> controls; // by the recipe's entries; some are null
-};
-
-inline RawDialog makeRaw(const Recipe& recipe)
-{
-    RawDialog raw;
-    auto& dialog = raw.dialog;
-    dialog->setFixedSize(1080, 800);
-    auto* row = new QHBoxLayout(dialog.get());
-    auto* navigation = new QVBoxLayout;
-    auto* stack = new QStackedWidget;
-    row->addLayout(navigation);
-    row->addWidget(stack);
-    QVBoxLayout* section = nullptr;
-    QVBoxLayout* page = nullptr;
-    for (const QString& line : recipe) {
-        const QString kind = line.section('\t', 0, 0);
-        const QString text = line.section('\t', 1, 1);
-        const QString sheet = line.section('\t', 2);
-        if (kind == "section") {
-            navigation->addWidget(new QPushButton(QStringLiteral("Section")));
-            auto* widget = new QWidget;
-            section = new QVBoxLayout(widget);
-            auto* area = new QScrollArea;
-            area->setWidgetResizable(true);
-            area->setWidget(widget);
-            stack->addWidget(area);
-            raw.controls.push_back(nullptr);
-        } else if (kind == "page") {
-            auto* box = new QGroupBox(text);
-            page = new QVBoxLayout(box);
-            section->addWidget(box);
-            raw.controls.push_back(box);
-        } else {
-            QWidget* control = makeRawControl(kind, text);
-            if (control != nullptr) {
-                page->addWidget(control);
-                if (!sheet.isEmpty()) {
-                    control->setStyleSheet(sheet);
-                }
-            }
-            raw.controls.push_back(control);
+    auto texts = std::make_unique<QTranslator>();
+    for (const QString& file : mivo::style::languageFiles()) {
+        if (texts->load(file) && texts->language().toLower() == language) {
+            break;
         }
     }
-    return raw;
-}
-
-/// Sets every text to that of a recipe in another language.
-inline void setRawTexts(const RawDialog& raw, const Recipe& recipe)
-{
-    for (std::size_t i = 0; i < raw.controls.size(); ++i) {
-        QWidget* control = raw.controls[i];
-        const QString text = recipe[static_cast<int>(i)].section('\t', 1, 1);
-        if (auto* label = qobject_cast<QLabel*>(control)) {
-            label->setText(text);
-        } else if (auto* button = qobject_cast<QAbstractButton*>(control)) {
-            button->setText(text);
-        } else if (auto* box = qobject_cast<QGroupBox*>(control)) {
-            box->setTitle(text);
-        } else if (auto* combo = qobject_cast<QComboBox*>(control)) {
-            const QStringList items = text.split('|');
-            for (int item = 0; item < items.size(); ++item) {
-                combo->setItemText(item, items[item]);
-            }
-        }
-    }
+    return texts;
 }
 
 class PaintWatch : public QObject
@@ -171,10 +92,10 @@ inline double secondsToOpenOurs(mivohost::RuntimeThread& runtime, TestStore& sto
     });
 }
 
-inline double secondsToOpenRaw(const Recipe& recipe)
+inline double secondsToOpenRaw(const Recipe& recipe, const QTranslator& texts)
 {
     return secondsFor([&] {
-        auto raw = makeRaw(recipe);
+        auto raw = makeRaw(recipe, texts);
         drawFirstFrame(*raw.dialog);
         return raw;
     });

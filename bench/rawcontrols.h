@@ -34,51 +34,51 @@ inline QString rawKind(const QWidget* control)
     return {};
 }
 
-inline QWidget* makeRawControl(const QString& kind, const QString& text)
+inline QWidget* makeRawControl(const QString& kind, const QString& text, QWidget* parent = nullptr)
 {
     if (kind == "QLabel") {
-        return new QLabel(text);
+        return new QLabel(text, parent);
     }
     if (kind == "QCheckBox") {
-        return new QCheckBox(text);
+        return new QCheckBox(text, parent);
     }
     if (kind == "QRadioButton") {
-        return new QRadioButton(text);
+        return new QRadioButton(text, parent);
     }
     if (kind == "QPushButton") {
-        return new QPushButton(text);
+        return new QPushButton(text, parent);
     }
     if (kind == "QDoubleSpinBox") {
-        return new QDoubleSpinBox;
+        return new QDoubleSpinBox(parent);
     }
     if (kind == "QListWidget") {
-        return new QListWidget;
+        return new QListWidget(parent);
     }
     if (kind == "QTimeEdit") {
-        return new QTimeEdit;
+        return new QTimeEdit(parent);
     }
     if (kind == "QLineEdit") {
-        return new QLineEdit;
+        return new QLineEdit(parent);
     }
     if (kind == "QPlainTextEdit") {
-        return new QPlainTextEdit;
+        return new QPlainTextEdit(parent);
     }
     if (kind == "QTableView") {
-        return new QTableView;
+        return new QTableView(parent);
     }
     if (kind == "QTableWidget") {
-        return new QTableWidget(0, 3);
+        return new QTableWidget(0, 3, parent);
     }
     if (kind == "QToolButton") {
-        auto* button = new QToolButton;
+        auto* button = new QToolButton(parent);
         button->setText(text);
         return button;
     }
     if (kind == "QTreeWidget") {
-        return new QTreeWidget;
+        return new QTreeWidget(parent);
     }
     if (kind == "QComboBox") {
-        auto* combo = new QComboBox;
+        auto* combo = new QComboBox(parent);
         combo->addItems(text.split('|'));
         return combo;
     }

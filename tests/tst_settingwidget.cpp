@@ -49,4 +49,25 @@ TEST(SettingWidget, PlacesPagesByTheRankOfTheirKeys)
     }
 }
 
+TEST(SettingWidget, TabGoesThroughThePagesFromTopToBottom)
+{
+    for (const auto& keys : {std::vector{1, 2, 3}, {3, 2, 1}, {1, 3, 2}, {2, 3, 1}}) {
+        SettingWidget section;
+        for (const int key : keys) {
+            auto* page = new PlainPage(QString::number(key));
+            page->layout()->addWidget(new QLineEdit(QString::number(key) + '\''));
+            section.insertSettingsBox(page, key);
+        }
+        QStringList stops;
+        const QWidget* content = section.widget();
+        for (const QWidget* next = content->nextInFocusChain(); next != content;
+             next = next->nextInFocusChain()) {
+            if (const auto* edit = qobject_cast<const QLineEdit*>(next)) {
+                stops.append(edit->text());
+            }
+        }
+        EXPECT_EQ(stops.join(' '), "1 1' 2 2' 3 3'") << keys[0] << keys[1] << keys[2];
+    }
+}
+
 } // namespace settingwidgettest

@@ -5,6 +5,8 @@
 #include "mivohostapi/shortcuttypes.h"
 #include "mivohostapi/soundcardrecords.h"
 
+#include <QtCore/QByteArray>
+#include <QtCore/QMetaObject>
 #include <QtCore/QMetaType>
 #include <QtCore/QString>
 #include <QtGui/QColor>
@@ -80,13 +82,17 @@ template <>
 inline constexpr const char* queuedTypeText<STDeviceSoundCardVisibleInfo> =
     "const STDeviceSoundCardVisibleInfo&";
 
-/// Registers the type under the name that its text has, before it is queued first. Any thread.
+/// The type text in the form in which Qt compares it, which saves it a second search for each call;
+/// registers the type under it first. Any thread.
 template <typename T>
-void registerQueuedType()
+const char* queuedTypeName()
 {
     static_assert(queuedTypeText<T> != nullptr, "a type that is queued needs its text");
-    static const int registered = qRegisterMetaType<T>(queuedTypeText<T>);
-    Q_UNUSED(registered)
+    static const QByteArray name = [] {
+        qRegisterMetaType<T>(queuedTypeText<T>);
+        return QMetaObject::normalizedType(queuedTypeText<T>);
+    }();
+    return name.constData();
 }
 
 } // namespace mivo::settings

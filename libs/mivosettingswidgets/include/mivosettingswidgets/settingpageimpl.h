@@ -256,9 +256,8 @@ protected:
     template <typename... T>
     void queue(const char* slot, const T&... values)
     {
-        (registerQueuedType<T>(), ...);
         QMetaObject::invokeMethod(this, slot, Qt::QueuedConnection,
-                                  QGenericArgument(queuedTypeText<T>, &values)...);
+                                  QGenericArgument(queuedTypeName<T>(), &values)...);
     }
 
 private:
