@@ -19,6 +19,7 @@
 #include <benchmark/benchmark.h>
 
 #include <QtCore/QAbstractItemModel>
+#include <QtCore/QSet>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QLabel>
@@ -96,9 +97,11 @@ public:
     {
         const auto combos = page->findChildren<mivo::widgets::ComboBox*>();
         for (auto* combo : combos) {
-            if (!combo->property("isCounted").toBool()) {
-                combo->setProperty("isCounted", true);
+            if (!counted.contains(combo)) {
+                counted.insert(combo);
                 ++lists;
+                QObject::connect(combo, &QObject::destroyed,
+                                 [this, combo] { counted.remove(combo); });
                 QObject::connect(combo->model(), &QAbstractItemModel::modelReset,
                                  [this] { ++lists; });
             }
@@ -148,6 +151,7 @@ public:
 
     mivohost::RuntimeThread runtime;
     TestStore store;
+    QSet<const QObject*> counted; // no property of theirs: the page looks at widgets that have one
     QScrollArea area;
     mivo::settings::AudioSettingBox* page = nullptr;
     int lists = 0;
@@ -240,6 +244,27 @@ public:
     {
         delete m_rows.back().widget;
         m_rows.pop_back();
+    }
+
+    /// Its cards are free then: every other box offers one more.
+    void deleteRowWithCards()
+    {
+        deleteRow();
+        for (const auto& row : m_rows) {
+            for (const auto& box : row.boxes) {
+                box.second->insertItem(mappingCount - 1, m_texts[mappingCount - 1]);
+            }
+        }
+    }
+
+    void makeRowWithCards()
+    {
+        for (const auto& row : m_rows) {
+            for (const auto& box : row.boxes) {
+                box.second->removeItem(mappingCount - 1);
+            }
+        }
+        makeRow();
     }
 
     void fillBoxes()
@@ -435,8 +460,8 @@ const bool added = [] {
         {"hidden", hideDevice, showDevice, &RawPage::hideBoxes, &RawPage::showBoxes},
         {"shown", showDevice, hideDevice, &RawPage::showBoxes, &RawPage::hideBoxes},
         {"mapping_added", addMapping, deleteMapping, &RawPage::makeRow, &RawPage::deleteRow},
-        {"mapping_deleted", deleteMapping, addMappingWithCards, &RawPage::deleteRow,
-         &RawPage::makeRow},
+        {"mapping_deleted", deleteMapping, addMappingWithCards, &RawPage::deleteRowWithCards,
+         &RawPage::makeRowWithCards},
     };
     const auto add = [](const std::string& name, auto function, int iterations = 10) {
         benchmark::RegisterBenchmark(("soundcards_" + name).c_str(), function)

@@ -88,7 +88,7 @@ configure() {
 }
 
 # build DIR [TARGET...]: shows ninja's own progress on a terminal, else a line each half minute.
-build() {
+build() (
     local dir=$1 log status=0
     shift
     local command=(cmake --build "$dir" ${1:+--target "$@"})
@@ -99,6 +99,8 @@ build() {
     log=$(mktemp)
     "${command[@]}" >"$log" 2>&1 &
     local builder=$! waited=0
+    # In the background it ignores Ctrl+C.
+    trap 'kill "$builder"; wait "$builder"; rm -f "$log"; exit 130' INT TERM
     while kill -0 "$builder" 2>/dev/null; do
         sleep 1
         if ((++waited % 30 == 0)); then
@@ -112,7 +114,7 @@ build() {
         fail "building $(basename "$dir") failed"
     }
     rm -f "$log"
-}
+)
 
 # configure_and_build PRESET [TARGET...]: configures once, and again when MIVO_WERROR asks for
 # another value. The caller stays in its folder.

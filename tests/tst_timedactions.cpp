@@ -131,6 +131,15 @@ TEST_F(Timed, AsksWhenTheStoresSchedulesAreDue)
               "warning|timed shutdown of 2026-05-11 12:30:01 was missed by 5399 s and is skipped");
 }
 
+TEST_F(Timed, LooksByItselfOnceAScheduleIsEnabled)
+{
+    runtime.call([this] {
+        store.setTimedShutdownSettings({true, 0, "12:00:00"});
+        now = at("2026-05-04 12:00:00");
+    });
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !takeAsked().empty(); }));
+}
+
 TEST_F(Timed, PromptsThatAreOpenAtOnceMeanOneAction)
 {
     runtime.call([this] {

@@ -40,10 +40,11 @@ public:
 std::string logged(const QVariant& value)
 {
     constexpr int longest = 200;
-    const QString text = value.toString().replace(QLatin1Char('\n'), QLatin1Char('|'));
+    const QString text = value.toString();
+    const QString line = text.left(longest).replace(QLatin1Char('\n'), QLatin1Char('|'));
     return (text.size() <= longest
-                ? text
-                : QStringLiteral("%1... (%2 characters)").arg(text.left(longest)).arg(text.size()))
+                ? line
+                : QStringLiteral("%1... (%2 characters)").arg(line).arg(text.size()))
         .toStdString();
 }
 

@@ -4,6 +4,8 @@
 #include "mivohostkit/soundcardmappings_p.h"
 
 #include <algorithm>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
 
 namespace mivohost {
@@ -221,12 +223,16 @@ const mivo::settings::STSoundCardMappingsInfo& SoundCardMappings::all()
         for (const auto& [device, cards] : m_devices) {
             m_all->devices.append(cards);
         }
+        std::unordered_map<std::string_view, STDeviceSoundCards*> places;
+        for (STDeviceSoundCards& device : m_all->devices) {
+            places.emplace(device.device, &device);
+        }
         for (const auto& mapping : m_kept.mappings) {
             for (const auto& chosen : mapping.soundCards) {
-                auto* device = findBy(m_all->devices, &STDeviceSoundCards::device, chosen.device);
-                auto* card = device == nullptr
-                                 ? nullptr
-                                 : findBy(device->soundCards, &STSoundCardInfo::id, chosen.id);
+                const auto device = places.find(chosen.device);
+                auto* card = device == places.end() ? nullptr
+                                                    : findBy(device->second->soundCards,
+                                                             &STSoundCardInfo::id, chosen.id);
                 if (card != nullptr) {
                     card->chosenIn = mapping.id;
                 }
@@ -270,6 +276,9 @@ void SoundCardMappings::adopt(const QString& text)
         if (old == nullptr) {
             m_store.soundCardMappingAdded(mapping);
             continue;
+        }
+        if (*old == mapping) {
+            continue; // as most are: to look for what differs takes long
         }
         for (const auto& change : changesBetween(*old, mapping)) {
             m_store.soundCardMappingChanged(change);

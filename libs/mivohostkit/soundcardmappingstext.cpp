@@ -6,6 +6,7 @@
 #include <QtCore/QJsonObject>
 
 #include <set>
+#include <utility>
 
 namespace mivohost {
 
@@ -57,14 +58,18 @@ STSoundCardMappingInfo fromJson(const QJsonObject& object)
     return mapping;
 }
 
-/// Whether `mapping` can stand behind those that are there.
-bool canFollow(const SoundCardMappingList& mappings, const STSoundCardMappingInfo& mapping)
+/// The cards that mappings have chosen, by their devices and ids.
+using ChosenCards = std::set<std::pair<std::string, std::string>>;
+
+/// Whether `mapping` can stand behind those that are there; adds its cards to `chosen`.
+bool canFollow(const SoundCardMappingList& mappings, const STSoundCardMappingInfo& mapping,
+               ChosenCards& chosen)
 {
     std::set<std::string> devices;
     const bool cardsFit =
         std::all_of(mapping.soundCards.begin(), mapping.soundCards.end(), [&](const auto& card) {
             return !card.id.empty() && card.channels > 0 && devices.insert(card.device).second
-                   && !isChosenElsewhere(mappings, mapping, card);
+                   && chosen.emplace(card.device, card.id).second;
         });
     return cardsFit && mappings.size() < mostSoundCardMappings
            && mayBeNamed(mappings, mapping, mapping.name)
@@ -104,12 +109,13 @@ std::optional<SoundCardMappings::Kept> SoundCardMappings::parsed(const QString& 
         return std::nullopt;
     }
     const QJsonArray mappings = root[QLatin1String("mappings")].toArray();
+    ChosenCards chosen;
     for (const QJsonValue& value : mappings) {
-        const STSoundCardMappingInfo mapping = fromJson(value.toObject());
-        if (!canFollow(kept.mappings, mapping)) {
+        STSoundCardMappingInfo mapping = fromJson(value.toObject());
+        if (!canFollow(kept.mappings, mapping, chosen)) {
             return std::nullopt;
         }
-        kept.mappings.push_back(mapping);
+        kept.mappings.push_back(std::move(mapping));
     }
     kept.nextId = std::max(numberIn(root, "nextId"),
                            (kept.mappings.empty() ? 0 : kept.mappings.back().id) + 1);

@@ -123,7 +123,7 @@ TimedActions::TimedActions(RuntimeThread& runtime, SettingsStore& store, CarryOu
     });
     connect(&m_tick, &QTimer::timeout, this,
             [this] { m_runtime.post([this] { look(); }, __FILE__, __LINE__, "look"); });
-    m_tick.start(tickMilliseconds);
+    m_tick.setInterval(tickMilliseconds);
 }
 
 TimedActions::~TimedActions()
@@ -140,10 +140,18 @@ TimedActions::~TimedActions()
 void TimedActions::look()
 {
     const QDateTime now = m_clock();
-    if (isDue(m_shutdown, now, Schedule(m_store.getTimedShutdownSettings()))) {
+    const Schedule shutdown(m_store.getTimedShutdownSettings());
+    const Schedule restart(m_store.getTimedAutomaticRestartSettings());
+    const bool ticks = shutdown.enabled || restart.enabled;
+    if (std::exchange(m_ticks, ticks) != ticks) {
+        QMetaObject::invokeMethod(
+            &m_tick, [this, ticks] { ticks ? m_tick.start() : m_tick.stop(); },
+            Qt::QueuedConnection);
+    }
+    if (isDue(m_shutdown, now, shutdown)) {
         m_store.timedShutdownCount(secondsToDecide);
     }
-    if (isDue(m_restart, now, Schedule(m_store.getTimedAutomaticRestartSettings()))) {
+    if (isDue(m_restart, now, restart)) {
         m_store.timedAutomaticRestartCount(secondsToDecide);
     }
 }

@@ -70,8 +70,8 @@ private:
 /// when the operator has decided so. Of several prompts that are open at once one action is carried
 /// out: no second one until a schedule is due again, or the first one has failed.
 ///
-/// Made and destroyed on the GUI thread, whose event loop ticks; everything else happens on the
-/// runtime thread. `runtime` and `store` must outlive it.
+/// Made and destroyed on the GUI thread, whose event loop ticks while a schedule is enabled;
+/// everything else happens on the runtime thread. `runtime` and `store` must outlive it.
 class TimedActions : public QObject
 {
     Q_OBJECT
@@ -107,7 +107,8 @@ private:
     QTimer m_tick{this};
     Kind m_shutdown{PowerAction::shutdown, "shutdown", {}};
     Kind m_restart{PowerAction::restart, "restart", {}};
-    bool m_isCarriedOut = false;                    // one of them, since one was due last
+    bool m_ticks = false;        // whether a schedule was enabled at the last look
+    bool m_isCarriedOut = false; // one of them, since one was due last
     std::vector<sigslot::connection> m_connections; // runtime thread
 };
 

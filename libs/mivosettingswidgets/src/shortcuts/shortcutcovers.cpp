@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <memory_resource>
 #include <string_view>
 
 namespace mivo::settings {
@@ -25,9 +26,18 @@ QString textOf(const Texts& texts, const Key& key)
 /// The texts for covers that are found by their types, and for those found by their paths.
 struct Texts
 {
-    std::unordered_map<int, const std::string*> byType;
-    std::unordered_map<std::string, const std::string*> byPath;
+    std::pmr::monotonic_buffer_resource memory; // of all at once: the texts are thrown away soon
+    std::pmr::unordered_map<int, const std::string*> byType{&memory};
+    std::pmr::unordered_map<std::string, const std::string*> byPath{&memory};
 };
+
+/// False also where both are the same, but not ASCII alone.
+bool isSameAscii(const QString& text, const std::string& bytes)
+{
+    return std::equal(
+        text.begin(), text.end(), bytes.begin(), bytes.end(),
+        [](QChar character, char byte) { return byte >= 0 && character == QLatin1Char(byte); });
+}
 
 } // namespace
 
@@ -40,6 +50,14 @@ void ShortCutCovers::remove(ShortCutCover* cover)
 {
     m_byIndex.remove(cover);
     m_byPath.remove(cover);
+}
+
+QList<ShortCutCover*> ShortCutCovers::all() const
+{
+    QList<Cover*> covers;
+    std::copy(m_byIndex.begin(), m_byIndex.end(), std::back_inserter(covers));
+    std::copy(m_byPath.begin(), m_byPath.end(), std::back_inserter(covers));
+    return covers;
 }
 
 ShortCutCover* ShortCutCovers::of(int type, const std::string& path) const
@@ -95,7 +113,7 @@ void ShortCutCovers::takeTexts(STLinkShortCutInfo& table) const
 }
 
 template <typename Key, typename OfItem, typename OfCover>
-void ShortCutCovers::takeTexts(const QSet<Cover*>& covers, std::vector<STShortCutItem>& items,
+void ShortCutCovers::takeTexts(const Set& covers, std::vector<STShortCutItem>& items,
                                OfItem keyOfItem, OfCover keyOfCover)
 {
     struct Place
@@ -103,7 +121,8 @@ void ShortCutCovers::takeTexts(const QSet<Cover*>& covers, std::vector<STShortCu
         std::size_t last = 0; // the index of the last entry with that key
         bool hasCover = false;
     };
-    std::unordered_map<Key, Place> places(items.size());
+    std::pmr::monotonic_buffer_resource memory;
+    std::pmr::unordered_map<Key, Place> places(items.size(), &memory);
     for (std::size_t i = 0; i < items.size(); ++i) {
         places[keyOfItem(items[i])].last = i;
     }
@@ -130,7 +149,9 @@ void ShortCutCovers::takeTexts(const QSet<Cover*>& covers, std::vector<STShortCu
         if (item.path != cover->getShortCutPath()) { // a key that refers to it stays good
             item.path = cover->getShortCutPath();
         }
-        item.shortCutStr = shown.toStdString();
+        if (!isSameAscii(shown, item.shortCutStr)) {
+            item.shortCutStr = shown.toStdString();
+        }
     }
     // Of several entries with one key the cover shows the last one. The others are removed, as no
     // cover could clear them.

@@ -4,8 +4,8 @@
 #include "mivohostapi/shortcuttypes.h"
 
 #include <QtCore/QList>
-#include <QtCore/QSet>
 
+#include <list>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -30,7 +30,7 @@ public:
     {
         return m_byIndex.contains(cover) || m_byPath.contains(cover);
     }
-    QList<Cover*> all() const { return (m_byIndex + m_byPath).values(); }
+    QList<Cover*> all() const;
 
     /// Calls it with every cover; it may insert and remove covers.
     template <typename Function>
@@ -59,12 +59,40 @@ public:
     bool isAnyBound(EnumPeripheralShortCutType kind) const;
 
 private:
-    template <typename Key, typename OfItem, typename OfCover>
-    static void takeTexts(const QSet<Cover*>& covers, std::vector<STShortCutItem>& items,
-                          OfItem keyOfItem, OfCover keyOfCover);
+    /// A set that is walked in the order of insertion, which is about that in which the covers lie
+    /// in memory: in any other order, 10,000 of them take twice as long.
+    class Set
+    {
+    public:
+        void insert(Cover* cover)
+        {
+            if (!contains(cover)) {
+                m_places.emplace(cover, m_covers.insert(m_covers.end(), cover));
+            }
+        }
+        void remove(Cover* cover)
+        {
+            const auto found = m_places.find(cover);
+            if (found != m_places.end()) {
+                m_covers.erase(found->second);
+                m_places.erase(found);
+            }
+        }
+        bool contains(Cover* cover) const { return m_places.count(cover) != 0; }
+        auto begin() const { return m_covers.begin(); }
+        auto end() const { return m_covers.end(); }
 
-    QSet<Cover*> m_byIndex;
-    QSet<Cover*> m_byPath;
+    private:
+        std::list<Cover*> m_covers;
+        std::unordered_map<Cover*, std::list<Cover*>::iterator> m_places;
+    };
+
+    template <typename Key, typename OfItem, typename OfCover>
+    static void takeTexts(const Set& covers, std::vector<STShortCutItem>& items, OfItem keyOfItem,
+                          OfCover keyOfCover);
+
+    Set m_byIndex;
+    Set m_byPath;
 };
 
 } // namespace mivo::settings

@@ -1,5 +1,6 @@
 #include "soundcards/mappingeditors.h"
 
+#include "mivosettingswidgets/controls.h"
 #include "mivosettingswidgets/virtualmappingwidget.h"
 
 #include <QtWidgets/QVBoxLayout>

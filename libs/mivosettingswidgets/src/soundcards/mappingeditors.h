@@ -1,7 +1,6 @@
 #pragma once
 
 #include "mivohostapi/soundcardrecords.h"
-#include "mivosettingswidgets/controls.h"
 #include "mivosettingswidgets/storeaccess.h"
 
 #include <QtCore/QObject>
@@ -54,7 +53,6 @@ public:
     template <typename Change>
     void forEach(Change change)
     {
-        const LayoutPause pause(m_column);
         for (const auto& [id, editor] : m_editors) {
             change(*editor);
         }

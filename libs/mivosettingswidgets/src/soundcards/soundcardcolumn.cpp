@@ -86,31 +86,28 @@ bool replace(Value& value, const Value& next)
     return isOther;
 }
 
-/// Sets `offered` to those of `cards` that the mapping may choose; returns whether that changed it.
-bool replaceOffers(std::vector<STSoundCardInfo>& offered, const std::vector<STSoundCardInfo>& cards,
-                   std::uint64_t mapping)
+/// Those of `cards` that the mapping may choose.
+std::vector<const STSoundCardInfo*> offersOf(const std::vector<STSoundCardInfo>& cards,
+                                             std::uint64_t mapping)
 {
-    std::vector<const STSoundCardInfo*> free;
-    free.reserve(cards.size());
+    std::vector<const STSoundCardInfo*> offers;
+    offers.reserve(cards.size());
     for (const STSoundCardInfo& card : cards) {
         if (card.chosenIn == 0 || card.chosenIn == mapping) {
-            free.push_back(&card);
+            offers.push_back(&card);
         }
     }
-    const bool isSame = std::equal(
-        free.begin(), free.end(), offered.begin(), offered.end(),
-        [](const STSoundCardInfo* one, const STSoundCardInfo& other) { return *one == other; });
-    if (!isSame) {
-        offered.resize(free.size()); // keeps the elements, whose strings need no new memory
-        std::transform(free.begin(), free.end(), offered.begin(),
-                       [](const STSoundCardInfo* card) { return *card; });
-    }
-    return !isSame;
+    return offers;
 }
 
-std::optional<STChosenSoundCard> optionalOf(const STChosenSoundCard* card)
+/// The same for a choice, which may be none.
+bool replace(std::optional<STChosenSoundCard>& value, const STChosenSoundCard* next)
 {
-    return card == nullptr ? std::nullopt : std::optional(*card);
+    const bool isOther = next == nullptr ? value.has_value() : !value || !(*value == *next);
+    if (isOther) {
+        value = next == nullptr ? std::nullopt : std::optional(*next);
+    }
+    return isOther;
 }
 
 bool contains(const std::vector<std::string>& ids, const std::string& id)
@@ -143,17 +140,38 @@ void SoundCardColumn::setCards(const STDeviceSoundCards& known, std::uint64_t ma
     m_hasCards = !known.soundCards.empty();
     bool isOther = !m_isShown;
     isOther |= replace(m_caption, known.caption.empty() ? device : known.caption);
-    isOther |= replaceOffers(m_offered, known.soundCards, mapping);
-    isOther |= replace(m_chosen, optionalOf(chosen));
+    isOther |= replace(m_chosen, chosen);
+    const auto offers = offersOf(known.soundCards, mapping);
+    const auto isSame = [](const STSoundCardInfo* one, const STSoundCardInfo& other) {
+        return *one == other;
+    };
+    const auto [card, place] =
+        std::mismatch(offers.begin(), offers.end(), m_offered.begin(), m_offered.end(), isSame);
+    const bool hasNew = card != offers.end();
+    if (!isOther && hasNew && !(m_chosen && m_chosen->id == (*card)->id)
+        && std::equal(card + 1, offers.end(), place, m_offered.end(), isSame)) {
+        // One more, as everywhere when a mapping is deleted: the others stay in the list.
+        const int item = static_cast<int>(place - m_offered.begin()) + 1; // behind "None"
+        const QSignalBlocker blocker(m_combo);
+        m_texts->insertRow(item);
+        m_texts->setData(m_texts->index(item), QString::fromStdString((*card)->caption));
+        m_offered.insert(place, **card);
+    } else if (hasNew || place != m_offered.end()) {
+        isOther = true;
+        m_offered.resize(offers.size()); // keeps the elements, whose strings need no new memory
+        std::transform(offers.begin(), offers.end(), m_offered.begin(),
+                       [](const STSoundCardInfo* offer) { return *offer; });
+    }
     if (isOther) {
         showAll();
     }
+    m_isAsSet = true;
 }
 
 void SoundCardColumn::setChosen(const STChosenSoundCard* chosen)
 {
     if (!defersChange()) {
-        m_chosen = optionalOf(chosen);
+        replace(m_chosen, chosen);
         showAll(); // even if nothing changed: the box may show a request that was refused
     }
 }
@@ -167,6 +185,7 @@ void SoundCardColumn::translate()
 
 bool SoundCardColumn::defersChange()
 {
+    m_isAsSet = false;
     m_isOutdated |= m_isListOpen;
     return m_isListOpen;
 }
@@ -354,7 +373,7 @@ void SoundCardColumn::choose(int item)
     if (m_isShown && soundCard.id == (m_chosen ? m_chosen->id : std::string())) {
         return;
     }
-    m_isShown = false; // until the answer, the box shows the request
+    m_isShown = m_isAsSet = false; // until the answer, the box shows the request
     emit changeRequested(device.empty() ? mivo::SoundCardChangeLocalCard
                                         : mivo::SoundCardChangeClusterCard,
                          soundCard);
@@ -371,7 +390,7 @@ void SoundCardColumn::markPairs()
         soundCard.channelPairs = m_marks[pair]->isChecked() ? soundCard.channelPairs | bit
                                                             : soundCard.channelPairs & ~bit;
     }
-    m_isShown = false;
+    m_isShown = m_isAsSet = false;
     emit changeRequested(mivo::SoundCardChangeChannels, soundCard);
 }
 

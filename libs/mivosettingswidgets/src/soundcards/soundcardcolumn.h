@@ -36,6 +36,8 @@ public:
     /// one, if any.
     void setCards(const STDeviceSoundCards& known, std::uint64_t mapping,
                   const velorn::mediadispatch::STChosenSoundCard* chosen);
+    /// Whether another setCards() with the same cards and choice would change nothing.
+    bool isAsSet() const { return m_isAsSet; }
     void setChosen(const velorn::mediadispatch::STChosenSoundCard* chosen);
 
     /// Offers the chosen card again if it is one of these.
@@ -84,6 +86,7 @@ private:
     std::optional<velorn::mediadispatch::STChosenSoundCard> m_chosen;
     bool m_hasCards = false; // whether the device has any card, free or taken
     bool m_isShown = false;  // whether the controls show exactly the caption, offers and choice
+    bool m_isAsSet = false;  // and nothing was set, asked for or put off since setCards()
     bool m_isListOpen = false;
     bool m_isOutdated = false;
 

@@ -1,9 +1,10 @@
 #include "mivosettingswidgets/virtualmappingwidget.h"
 
 #include "mivohostapi/imivosettings.h"
-#include "mivosettingswidgets/controls.h"
 #include "mivosettingswidgets/storeaccess.h"
 #include "mivosettingswidgets/texts.h"
+#include "soundcards/knowndevices.h"
+#include "soundcards/layoutspause.h"
 #include "soundcards/soundcardcolumn.h"
 
 #include <mivowidgets/alertlabel.h>
@@ -18,8 +19,6 @@
 
 #include <algorithm>
 #include <optional>
-#include <string_view>
-#include <unordered_map>
 #include <utility>
 
 namespace mivo::settings {
@@ -34,7 +33,6 @@ using velorn::mediadispatch::STSoundCardMappingInfo;
 namespace {
 
 constexpr int columnsInRow = 3;
-
 SoundCardColumn* findColumn(const std::vector<SoundCardColumn*>& columns, const std::string& device)
 {
     const auto found =
@@ -97,6 +95,7 @@ private:
     QGridLayout* m_grid;
     std::vector<SoundCardColumn*> m_columns; // this machine first
     std::vector<SoundCardColumn*> m_placed;  // the visible ones, as they stand in the grid
+    QVector<STDeviceSoundCards> m_devices;   // of the last reset
 };
 
 VirtualMappingWidget::Impl::Impl(VirtualMappingWidget* editor,
@@ -134,7 +133,6 @@ VirtualMappingWidget::Impl::Impl(VirtualMappingWidget* editor,
     editor->setFocusProxy(m_name);
     translate();
     showName();
-
     connect(m_name, &EditBox::editingFinished, this, &Impl::slotNameEdited);
     connect(m_name, &EditBox::textEdited, m_nameTip, &QLabel::hide);
     connect(m_delete, &PushButton::clicked, this, &Impl::slotDelete);
@@ -162,13 +160,12 @@ SoundCardColumn* VirtualMappingWidget::Impl::makeColumn(const std::string& devic
     connect(column, &SoundCardColumn::outdated, m_owner,
             [this] { m_owner->resetSoundCardWidget(); });
     column->move(0, m_owner->height()); // out of sight until the layout has placed it
-    column->show();
+    showColumn(column, true);
     return column;
 }
 
 void VirtualMappingWidget::Impl::resetColumns(const STSoundCardMappingsInfo& known)
 {
-    const LayoutPause pause(m_owner->layout());
     const auto before = std::exchange(m_columns, {});
     const auto add = [&](const std::string& device) {
         SoundCardColumn* same = findColumn(before, device);
@@ -198,7 +195,7 @@ void VirtualMappingWidget::Impl::deleteColumns(const std::vector<std::string>& d
             return column->device.empty()
                    || std::find(devices.begin(), devices.end(), column->device) == devices.end();
         });
-    std::for_each(gone, m_columns.end(), [this](SoundCardColumn* column) { retire(column); });
+    std::for_each(gone, m_columns.end(), [this](auto* column) { retire(column); });
     m_columns.erase(gone, m_columns.end());
     placeColumns();
 }
@@ -221,37 +218,41 @@ void VirtualMappingWidget::Impl::moveFocusToNameFrom(const QWidget* leaving)
 
 void VirtualMappingWidget::Impl::showColumn(SoundCardColumn* column, bool visible)
 {
-    if (!visible) {
+    if (visible && column->isHidden()) {
+        const LayoutsPause pause(m_owner);
+        column->show();
+    } else if (!visible && !column->isHidden()) {
         moveFocusToNameFrom(column);
+        column->hide();
     }
-    column->setVisible(visible);
 }
 
 void VirtualMappingWidget::Impl::resetOffers(const STSoundCardMappingsInfo& known)
 {
-    const LayoutPause pause(m_owner->layout());
     if (m_columns.empty()) {
         resetColumns(known);
     }
+    bool isOther = false; // what is chosen
     for (const auto& mapping : known.mappings) {
         if (mapping.id == m_info.id) {
+            isOther = m_info.soundCards != mapping.soundCards;
             m_info.soundCards = mapping.soundCards;
             if (std::exchange(m_info.name, mapping.name) != mapping.name) {
                 showName(); // renamed while the page had no store
             }
         }
     }
-    std::unordered_map<std::string_view, const STDeviceSoundCards*> devices;
-    for (const auto& device : known.devices) {
-        devices.emplace(device.device, &device);
-    }
     static const STDeviceSoundCards none;
+    const auto& devices = compareDevices(std::exchange(m_devices, known.devices), known.devices);
     for (SoundCardColumn* column : m_columns) {
         const auto found = devices.find(column->device);
-        const bool isKnown = found != devices.end();
-        column->setCards(isKnown ? *found->second : none, m_info.id, chosenOn(column->device));
-        if (isKnown) {
-            showColumn(column, found->second->visible);
+        const auto* device = found == devices.end() ? nullptr : &found->second;
+        if (isOther || device == nullptr || device->isOther || !column->isAsSet()) {
+            column->setCards(device == nullptr ? none : *device->cards, m_info.id,
+                             chosenOn(column->device));
+        }
+        if (device != nullptr) {
+            showColumn(column, device->cards->visible);
         }
     }
     placeColumns();
