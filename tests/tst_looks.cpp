@@ -222,6 +222,8 @@ TEST(Looks, FollowThePaletteAndTheDirectionUnlessOneIsChosen)
     }
     const Looks dark("dark");
     expectLight(false);
+    QApplication::setPalette(QPalette(Qt::lightGray));
+    EXPECT_EQ(QApplication::palette("QDialog").color(QPalette::Window).name(), "#1a1e23");
     EXPECT_TRUE(button.styleSheet().contains("padding: 0 8px 0 13px;"));
     QGuiApplication::setLayoutDirection(Qt::RightToLeft);
     EXPECT_TRUE(button.styleSheet().contains("border-right: 3px"));
