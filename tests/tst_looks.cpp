@@ -268,6 +268,8 @@ TEST(Looks, FollowThePaletteAndTheDirectionUnlessOneIsChosen)
     emit menu.aboutToShow();
     EXPECT_TRUE(menu.styleSheet().contains("padding: 4px 12px 4px 24px;"));
     QGuiApplication::setLayoutDirection(Qt::LeftToRight);
+    QApplication::setPalette(QPalette(Qt::lightGray)); // as another desktop's colours
+    EXPECT_EQ(QApplication::palette("QDialog").color(QPalette::Window).name(), "#1a1e23");
     useLook(std::nullopt);
     EXPECT_EQ(failure.palette().color(QPalette::WindowText),
               QApplication::palette().color(QPalette::WindowText));

@@ -23,6 +23,7 @@
 #include "surface/settingsview.h"
 #include "surface/showbar.h"
 #include "system/autostart.h"
+#include "system/console.h"
 #include "system/endrequests.h"
 #include "system/listener.h"
 #include "system/looks.h"
@@ -44,10 +45,6 @@
 #include <QtCore/QTimer>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QMessageBox>
-
-#ifdef Q_OS_WIN
-#include "system/console.h"
-#endif
 
 #include <cstdio>
 #include <map>
@@ -75,7 +72,7 @@ void printQtMessage(QtMsgType type, const QMessageLogContext& context, const QSt
 /// Says on the standard error, and to a person at a screen, why the program does not start.
 ExitCode refuse(ExitCode code, const QString& message, bool withWindow)
 {
-    std::fprintf(stderr, "mivohost: %s\n", qPrintable(message));
+    std::fprintf(stderr, "mivohost: %s\n", message.toUtf8().constData());
     if (withWindow) {
         QMessageBox::critical(nullptr, QStringLiteral("mivohost"), message);
     }
@@ -139,13 +136,10 @@ int runWindow(MainWindow& window, ProjectFile& project, RuntimeThread& runtime,
         autostart.emplace(runtime, store, QCoreApplication::applicationFilePath(), allowed,
                           storeIsCopy, notify("AutostartFailed"));
     }
-    const EndRequests ends;
+    const EndRequests ends(window);
     QObject::connect(&ends, &EndRequests::requested, [&project] {
         project.rescue(); // now, for where the display has gone no event is handled any more
         QApplication::quit();
-    });
-    QObject::connect(qApp, &QGuiApplication::commitDataRequest, &window, [&window] {
-        EndRequests::explainDelay(window.winId(), hostText("SavingBeforeEnd"));
     });
     const TimedActions timed(
         runtime, store,
@@ -393,9 +387,7 @@ int run(const QCommandLineParser& arguments)
 
 int main(int argc, char** argv)
 {
-#ifdef Q_OS_WIN
     useConsole();
-#endif
     if (argc > 1 && qstrcmp(argv[1], listSoundCardsOption) == 0) {
         const QCoreApplication application(argc, argv);
         return listSoundCards();

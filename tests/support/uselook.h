@@ -15,8 +15,8 @@ inline void useLook(std::optional<mivo::style::Look> look)
     if (look) {
         mivo::style::apply(*look);
     } else {
+        QApplication::setStyle(QStringLiteral("fusion"));
         QApplication::setFont(plain);
         QApplication::setPalette(QPalette());
-        QApplication::setStyle(QStringLiteral("fusion"));
     }
 }

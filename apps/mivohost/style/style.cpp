@@ -109,14 +109,21 @@ void apply(Look look, const QString& sheet)
     ofAreas.setColor(QPalette::Window, colorOf(look, "20252b"));
     QPalette ofTips = palette;
     ofTips.setColor(QPalette::ToolTipText, colorOf(look, "d9e0e8"));
-    QApplication::setFont(LookStyle::font());
+    const auto setGrounds = [ofWindows, ofAreas] {
+        for (const char* type : {"QDialog", "QMainWindow"}) {
+            QApplication::setPalette(ofWindows, type);
+        }
+        QApplication::setPalette(ofAreas, "QScrollArea");
+    };
     QApplication::setPalette(palette);
-    for (const char* type : {"QDialog", "QMainWindow"}) {
-        QApplication::setPalette(ofWindows, type);
-    }
-    QApplication::setPalette(ofAreas, "QScrollArea");
+    setGrounds();
     QToolTip::setPalette(ofTips);
-    QApplication::setStyle(new LookStyle(look, sheet));
+    auto* style = new LookStyle(look, sheet);
+    // A change of the desktop's colours takes back the palettes of single types.
+    QObject::connect(qGuiApp, &QGuiApplication::paletteChanged, style, setGrounds);
+    QApplication::setStyle(style);
+    // After the style, which brings the desktop's fonts of single types.
+    QApplication::setFont(LookStyle::font());
 }
 
 QString styleSheet(Look look, Qt::LayoutDirection direction)

@@ -3,6 +3,7 @@
 #include <QtCore/qt_windows.h>
 
 #include <cstdio>
+#include <cstdlib>
 
 namespace mivohost {
 
@@ -13,6 +14,10 @@ void useConsole()
     if ((hasOutput && hasErrors) || !AttachConsole(ATTACH_PARENT_PROCESS)) {
         return;
     }
+    // What this program prints is UTF-8; the console is given back as it was.
+    static const UINT codePage = GetConsoleOutputCP();
+    SetConsoleOutputCP(CP_UTF8);
+    std::atexit([] { SetConsoleOutputCP(codePage); });
     if (!hasOutput) {
         std::freopen("CONOUT$", "w", stdout);
     }

@@ -1,6 +1,10 @@
 #include "system/endrequests.h"
 
 #include "base/hostlog.h"
+#include "base/hosttext.h"
+
+#include <QtGui/QGuiApplication>
+#include <QtWidgets/QWidget>
 
 #include <cstdlib>
 
@@ -22,11 +26,13 @@ void atExit()
 
 } // namespace
 
-EndRequests::EndRequests()
+EndRequests::EndRequests(const QWidget& window)
 {
     alive = this;
     [[maybe_unused]] static const int registered = std::atexit(atExit);
     watch();
+    connect(qGuiApp, &QGuiApplication::commitDataRequest, this,
+            [&window] { explainDelay(window.winId(), hostText("SavingBeforeEnd")); });
 }
 
 EndRequests::~EndRequests()

@@ -4,6 +4,8 @@
 #include <QtCore/QString>
 #include <QtGui/qwindowdefs.h>
 
+class QWidget;
+
 namespace mivohost {
 
 /// Tells that the program is to end though nobody has closed its window: by SIGTERM, SIGINT or
@@ -17,12 +19,10 @@ class EndRequests : public QObject
     Q_OBJECT
 
 public:
-    EndRequests();
+    /// Beside the name of `window`, which outlives it, the system shows why the end of the session
+    /// waits for this program.
+    explicit EndRequests(const QWidget& window);
     ~EndRequests() override;
-
-    /// When the user's session is about to end: has the system show beside the program's name why
-    /// it takes so long, until the window goes.
-    static void explainDelay(WId window, const QString& reason);
 
 signals:
     /// The last moment to save something without asking. When the display has gone the program ends
@@ -32,6 +32,8 @@ signals:
 private:
     void watch();
     void unwatch();
+    /// The session is about to end. What is shown is taken back with the window.
+    static void explainDelay(WId window, const QString& reason);
 };
 
 } // namespace mivohost

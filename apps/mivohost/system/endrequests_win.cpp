@@ -55,7 +55,6 @@ void EndRequests::unwatch()
 
 void EndRequests::explainDelay(WId window, const QString& reason)
 {
-    // Taken back with the window.
     ShutdownBlockReasonCreate(reinterpret_cast<HWND>(window),
                               reinterpret_cast<const wchar_t*>(reason.utf16()));
 }
