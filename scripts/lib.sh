@@ -4,12 +4,12 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
 packages_build="g++ cmake ninja-build ccache qtbase5-dev qttools5-dev qttools5-dev-tools
     libqt5svg5 libsqlite3-dev libspdlog-dev libfmt-dev libboost-dev rapidjson-dev
-    pkg-config librtmidi-dev libjack-jackd2-dev libvulkan-dev qtmultimedia5-dev libqt5multimedia5-plugins
+    pkg-config librtmidi-dev libjack-jackd2-dev liblo-dev libvulkan-dev qtmultimedia5-dev libqt5multimedia5-plugins
     fonts-noto-core fonts-noto-cjk"
-packages_test="libgtest-dev python3 liblo-dev liblo-tools jackd2 mesa-vulkan-drivers
+packages_test="libgtest-dev python3 liblo-tools jackd2 mesa-vulkan-drivers
     pulseaudio pulseaudio-utils xvfb xdotool x11-utils x11-xkb-utils at-spi2-core python3-pyatspi dbus-daemon
     etcd-server etcd-client openssl"
-packages_bench="libbenchmark-dev liblo-dev python3 git"
+packages_bench="libbenchmark-dev python3 git"
 packages_plots="gnuplot-nox python3"
 packages_clang="clang llvm libclang-rt-14-dev"
 packages_package="chrpath file gzip lintian python3"
@@ -17,7 +17,7 @@ packages_windows="g++-mingw-w64-x86-64-posix dpkg-dev make"
 packages_wine="wine64 xvfb python3"
 packages_installer="nsis unzip zip"
 packages_abi="abigail-tools"
-packages_check="clang clang-format clang-tidy git libbenchmark-dev liblo-dev python3"
+packages_check="clang clang-format clang-tidy git libbenchmark-dev python3"
 packages_docs="doxygen python3"
 
 fail() {

@@ -55,20 +55,19 @@ QString controllerWords(int number, int channel, int value)
 
 QString argumentWords(const OscArgument& argument)
 {
-    const std::string_view bytes = argument.bytes;
+    const auto bytes = [&argument] { return std::get<std::string>(argument.value); };
     switch (argument.type) {
     case 'i':
-        return QStringLiteral("int %1").arg(numberOf<std::int32_t>(bytes));
+        return QStringLiteral("int %1").arg(std::get<std::int32_t>(argument.value));
     case 'h':
-        return QStringLiteral("int64 %1").arg(numberOf<qint64>(bytes));
+        return QStringLiteral("int64 %1").arg(qint64{std::get<std::int64_t>(argument.value)});
     case 'f':
-        return QStringLiteral("float %1").arg(static_cast<double>(numberOf<float>(bytes)));
+        return QStringLiteral("float %1").arg(static_cast<double>(std::get<float>(argument.value)));
     case 'd':
-        return QStringLiteral("double %1").arg(numberOf<double>(bytes));
+        return QStringLiteral("double %1").arg(std::get<double>(argument.value));
     case 's':
     case 'S':
-        return QStringLiteral("string \"%1\"")
-            .arg(QString::fromUtf8(bytes.data(), static_cast<int>(bytes.size())));
+        return QStringLiteral("string \"%1\"").arg(QString::fromStdString(bytes()));
     case 'T':
         return QStringLiteral("true");
     case 'F':
@@ -78,11 +77,12 @@ QString argumentWords(const OscArgument& argument)
     case 'I':
         return QStringLiteral("impulse");
     case 'c':
-        return QStringLiteral("char %1").arg(QChar(numberOf<std::uint32_t>(bytes) & 0xFFFF));
+        return QStringLiteral("char %1").arg(
+            QChar(static_cast<ushort>(std::get<std::int32_t>(argument.value))));
     case 'b':
-        return QStringLiteral("blob (%1)").arg(bytes.size());
+        return QStringLiteral("blob (%1)").arg(bytes().size());
     case 'm':
-        return QStringLiteral("midi ") + hexText({bytes.data(), static_cast<int>(bytes.size())});
+        return QStringLiteral("midi ") + hexText(QByteArray::fromStdString(bytes()));
     default:
         return {QLatin1Char(argument.type)};
     }
@@ -139,16 +139,14 @@ QString oscWords(const QByteArray& bytes, int size)
             .arg(printable(QString::fromUtf8(bytes.constData())));
     }
     const auto arguments =
-        oscArguments({bytes.constData(), static_cast<std::size_t>(std::max(size, 0))});
+        oscArguments({bytes.constData(), static_cast<std::size_t>(std::max(size, 0))},
+                     std::size_t{mostCharacters});
     if (!arguments) {
         return hostText("OscNone").arg(size);
     }
     QStringList words;
     for (const OscArgument& argument : *arguments) {
         words.append(argumentWords(argument));
-        if (words.size() == mostCharacters) {
-            break;
-        }
     }
     const QString gap = words.isEmpty() ? QString() : QStringLiteral("  ");
     return printable(QString::fromUtf8(bytes.constData()) + gap + words.join(QStringLiteral(", ")));

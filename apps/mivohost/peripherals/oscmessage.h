@@ -1,12 +1,12 @@
 #pragma once
 
-#include <QtCore/QtEndian>
-
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <variant>
 #include <vector>
 
 namespace mivohost {
@@ -20,24 +20,17 @@ struct OscMessage
     std::string_view bytes; ///< the whole message, within the datagram
 };
 
-/// An argument of a message, by the letter of its type. The bytes are within the message: those of
-/// a number, those of a text or a blob without what surrounds them, or none.
+/// An argument of a message: the letter of its type and its value, without one for what the letter
+/// says alone. A character is a number, a blob or a MIDI message its bytes.
 struct OscArgument
 {
     char type;
-    std::string_view bytes;
+    std::variant<std::monostate, std::int32_t, std::int64_t, float, double, std::string> value;
 };
 
-/// The value of a number's bytes.
-template <typename Number>
-Number numberOf(std::string_view bytes)
-{
-    return qFromBigEndian<Number>(bytes.data());
-}
-
-/// The arguments of a message that is whole; nothing where it is none, also when bytes are left
-/// over or the type of an argument is unknown. Any thread.
-std::optional<std::vector<OscArgument>> oscArguments(std::string_view message);
+/// The first arguments of a message, `most` at most; nothing where it is none that is whole, also
+/// where the type of an argument is unknown. Any thread.
+std::optional<std::vector<OscArgument>> oscArguments(std::string_view message, std::size_t most);
 
 /// Calls `take` with each message of a datagram. Bundles are taken apart at once, whatever their
 /// time. Returns how many parts of the datagram are no message. Any thread.
