@@ -225,7 +225,7 @@ TEST_F(Panel, AllBindingsGoOutIntoAFileAndComeBack)
     EXPECT_EQ(toldOf(&BindingsTransfer::exportTo, file), "");
     EXPECT_TRUE(QFile::permissions(file) & QFile::ReadOther) << "as other files of the user";
     EXPECT_EQ(toldOf(&BindingsTransfer::exportTo, folder.path()),
-              "ShortcutsNotExported " + folder.path());
+              "ShortcutsNotExported " + QDir::toNativeSeparators(folder.path()));
     const auto all = [this] {
         QStringList texts;
         for (const auto* each : {cover(mute), cover(take)}) {
@@ -317,7 +317,8 @@ TEST_F(Panel, WhatCannotBeReadSavedOrOpenedIsToldAndTriedAgain)
     EXPECT_EQ(triggered(), "Stage/Take by F6") << "it holds meanwhile";
     hideKeysFolder(false);
     EXPECT_TRUE(QTest::qWaitFor([this] { return told.size() > 1; }, 10000));
-    EXPECT_EQ(told.join('|'), "KeysNotWritten " + shortCutFilePath() + "|KeysWritten");
+    EXPECT_EQ(told.join('|'),
+              "KeysNotWritten " + QDir::toNativeSeparators(shortCutFilePath()) + "|KeysWritten");
     EXPECT_EQ(kept().size(), 2U);
 
     told.clear();
@@ -338,7 +339,7 @@ TEST_F(Panel, WhatCannotBeReadSavedOrOpenedIsToldAndTriedAgain)
     start();
     QApplication::processEvents();
     const QString aside = shortCutFilePath() + ".bad";
-    EXPECT_EQ(told, QStringList{"KeysPutAside " + aside});
+    EXPECT_EQ(told, QStringList{"KeysPutAside " + QDir::toNativeSeparators(aside)});
     EXPECT_TRUE(QFile::remove(aside));
 }
 

@@ -133,8 +133,9 @@ TEST_F(Row, TellsOfWhatCouldNotBeRemoved)
     }
     // No more than ten, since the tip must fit on the screen.
     const QString ten = incomplete.notRemoved.mid(0, 10).join('\n') + "\nClearMore";
-    for (const auto& [result, tip] : {std::pair(refused, QString("ClearRefused|/kept|2")),
-                                      std::pair(incomplete, "ClearIncomplete|" + ten + "|2")}) {
+    for (const auto& [result, tip] :
+         {std::pair(refused, "ClearRefused|" + QDir::toNativeSeparators("/kept|2")),
+          std::pair(incomplete, "ClearIncomplete|" + ten + "|2")}) {
         dependencies.clear = [result = result](const QString&, const auto&) { return result; };
         make("/kept");
         watch.tips.clear();

@@ -202,11 +202,13 @@ TEST_F(Window, ExportsTheSectionsThatAreTicked)
         sections.accept();
     });
     window.transfer().chooseExport();
-    EXPECT_TRUE(says("The settings have been exported to " + path.toStdString()));
+    EXPECT_TRUE(
+        says("The settings have been exported to " + QDir::toNativeSeparators(path).toStdString()));
     EXPECT_TRUE(readFile(path).contains("\"settings\": {\n        \"undoStep\": 50\n    }"))
         << readFile(path).constData();
     window.transfer().exportTo(folder.path(), {SettingsFile::Section::undo});
-    EXPECT_TRUE(says("The settings were not exported: " + folder.path().toStdString()));
+    EXPECT_TRUE(says("The settings were not exported: "
+                     + QDir::toNativeSeparators(folder.path()).toStdString()));
 }
 
 TEST_F(Window, KeepsAllSettingsInAFileBeforeASectionIsPutBack)
@@ -236,7 +238,8 @@ TEST_F(Window, KeepsAllSettingsInAFileBeforeASectionIsPutBack)
     QDir().mkpath(QFileInfo(kept.path()).path());
     writeFile(kept.path()); // a file in place of the folder
     EXPECT_EQ(putBack(), 81);
-    EXPECT_TRUE(told.contains(kept.path() + "/settings-")) << told.toStdString();
+    EXPECT_TRUE(told.contains(QDir::toNativeSeparators(kept.path() + "/settings-")))
+        << told.toStdString();
     QFile::remove(kept.path());
     QDir().mkpath(kept.path());
     for (int i = 10; i < 22; ++i) {
@@ -245,7 +248,7 @@ TEST_F(Window, KeepsAllSettingsInAFileBeforeASectionIsPutBack)
     EXPECT_EQ(putBack(), 50);
     EXPECT_EQ(kept.entryList(QDir::Files).size(), 10);
     const QString file = kept.filePath(kept.entryList(QDir::Files, QDir::Time).at(0));
-    EXPECT_TRUE(told.contains(file)) << told.toStdString();
+    EXPECT_TRUE(told.contains(QDir::toNativeSeparators(file))) << told.toStdString();
     EXPECT_TRUE(readFile(file).contains("\"undoStep\": 81"));
 }
 

@@ -73,6 +73,24 @@ struct OscInput : OscService
     explicit OscInput(std::uint16_t port) { OscService::setInfo({true, port}); }
 };
 
+/// Whether each address of the loopback is a sender of its own; under Wine all are the first one.
+bool hasManySenders()
+{
+    const QHostAddress second("127.0.0.2");
+    QUdpSocket from;
+    QUdpSocket to;
+    EXPECT_TRUE(from.bind(second) && to.bind(QHostAddress::LocalHost));
+    from.writeDatagram("x", QHostAddress::LocalHost, to.localPort());
+    EXPECT_TRUE(QTest::qWaitFor([&to] { return to.hasPendingDatagrams(); }));
+    return to.receiveDatagram().senderAddress() == second;
+}
+
+#define SKIP_WITH_ONE_SENDER()                                                                     \
+    if (!hasManySenders()) {                                                                       \
+        GTEST_SKIP() << "this system's loopback has one address of senders";                       \
+    }                                                                                              \
+    static_assert(true)
+
 /// A service that receives datagrams, and what it tells.
 template <typename Service>
 class Input : public ::testing::Test
@@ -202,6 +220,7 @@ TEST_F(Dmx, AChannelIsLearnedAndTriggersOnItsWayUpThroughItsMiddle)
 
 TEST_F(Dmx, TheInputIsOneUniverseFromItsOffsetAndAnswersThePollOfAConsole)
 {
+    SKIP_WITH_ONE_SENDER();
     service.setInfo({true, "舞台舞台舞台", 10, 2, 3});
     service.bind({187, "a", "DMX 1"});
     service.bind({188, "b", "DMX 502"});
@@ -232,6 +251,7 @@ TEST_F(Dmx, TheInputIsOneUniverseFromItsOffsetAndAnswersThePollOfAConsole)
 
 TEST_F(Dmx, TheHighestLevelOfAtMostFourSendersHolds)
 {
+    SKIP_WITH_ONE_SENDER();
     service.bind({187, "a", "DMX 12"});
     play({{artDmx(0, 0), {}},
           {artDmx(12, 255), {}, "127.0.0.2"}, // it begins with that

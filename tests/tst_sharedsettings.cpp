@@ -261,6 +261,7 @@ TEST_F(Shared, WhatIsSetOnAChangeOfAnotherIsBasedOnIt)
 
 TEST_F(Shared, WhatTheFileDoesNotTakeIsToldAndHoldsOnlyWhereEtcdHasItAlready)
 {
+    SKIP_WITHOUT_FULL_DISK();
     settings->setConnected(true);
     {
         const FullDisk full;

@@ -1,7 +1,13 @@
 #include "devices/soundcardlister.h"
 #include "devices/soundcards.h"
 
+#include "support/files.h"
+#include "support/otherprocess.h"
 #include "support/test.h"
+
+#include <chrono>
+#include <iostream>
+#include <thread>
 
 using namespace mivohost;
 
@@ -22,13 +28,25 @@ Shown shown(const SoundCards& sound)
 
 /// A lister that tells what stands in a file: each start takes the first line, and the last one is
 /// told for ever. "hang" says nothing, "fail" ends at once, "noise" is said as it stands.
-const QString lister = R"(line=$(head -n 1 "$0")
-[ $(wc -l < "$0") -lt 2 ] || sed -i 1d "$0"
-case $line in
-    hang) exec sleep 60 ;;
-    fail) exit 3 ;;
-    *) printf '%s\n' "$line"; sleep 0.05 ;;
-esac)";
+int tellLine(const QStringList& arguments)
+{
+    const QByteArray lines = readFile(arguments.at(1));
+    const QByteArray line = lines.left(lines.indexOf('\n') + 1);
+    if (line.size() < lines.size()) {
+        writeFile(arguments.at(1), lines.mid(line.size()));
+    }
+    if (line == "fail\n") {
+        return 3;
+    }
+    if (line == "hang\n") {
+        std::this_thread::sleep_for(std::chrono::minutes(1));
+    }
+    std::cout << line.constData() << std::flush;
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    return 0;
+}
+
+const bool isRegistered = otherProcesses().emplace("--as-lister", tellLine).second;
 
 } // namespace
 
@@ -102,7 +120,9 @@ TEST(SoundCards, AreWhatTheListerSaysAndStayWhileItFails)
     for (const auto& [what, lines, expected, warnings] : cases) {
         const LogCapture log;
         writeFile(folder.filePath("lines"), lines);
-        SoundCards sound({"sh", {"-c", lister, folder.filePath("lines")}, 1000});
+        SoundCards sound({QCoreApplication::applicationFilePath(),
+                          {"--as-lister", folder.filePath("lines")},
+                          5000});
         std::vector<Shown> announced;
         QObject::connect(&sound, &SoundCards::changed, [&] { announced.push_back(shown(sound)); });
         const auto isAnnounced = [&, all = expected.size()] { return announced.size() == all; };

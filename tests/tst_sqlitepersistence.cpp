@@ -62,7 +62,9 @@ TEST_F(StoreFile, BelongsToOneAndKeepsNothingInOneThatWasReplaced)
     const QString moved = path() + ".moved";
     for (const bool isReplaced : {false, true}) {
         EXPECT_TRUE(opened.persistence->write({{"undoStep", 80}}));
-        QFile::rename(path(), moved);
+        if (!QFile::rename(path(), moved)) {
+            GTEST_SKIP() << "this system replaces no file that is open";
+        }
         EXPECT_TRUE(!isReplaced || QFile::copy(moved, path()));
         EXPECT_FALSE(opened.persistence->write({{"undoStep", 81}})) << isReplaced;
         EXPECT_FALSE(opened.persistence->lastError().isEmpty());

@@ -15,6 +15,7 @@ struct FileTask::Shared
     std::condition_variable ended;
     FileTask* receiver; // null once it is gone
     Completion completion;
+    std::thread thread; // until it has started
 };
 
 FileTask::FileTask(std::chrono::milliseconds deadline, QObject* parent)
@@ -41,7 +42,13 @@ bool FileTask::run(std::function<Completion()> work)
     }
     m_shared = std::make_shared<Shared>();
     m_shared->receiver = this;
-    std::thread([shared = m_shared, work = std::move(work)]() mutable {
+    const std::lock_guard starting(m_shared->mutex);
+    m_shared->thread = std::thread([shared = m_shared, work = std::move(work)]() mutable {
+        {
+            // By itself: in MinGW's library a thread that is detached while it ends is freed twice.
+            const std::lock_guard started(shared->mutex);
+            shared->thread.detach();
+        }
         Completion completion = work();
         work = nullptr;
         const std::lock_guard lock(shared->mutex);
@@ -50,7 +57,7 @@ bool FileTask::run(std::function<Completion()> work)
             QMetaObject::invokeMethod(shared->receiver, &FileTask::complete, Qt::QueuedConnection);
         }
         shared->ended.notify_all();
-    }).detach();
+    });
     m_slow.start(std::chrono::milliseconds(500));
     m_overdue.start(m_deadline);
     return true;

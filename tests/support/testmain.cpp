@@ -28,15 +28,25 @@ int main(int argc, char** argv)
          {"HOME", "XDG_RUNTIME_DIR", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME"}) {
         qputenv(name, home.path().toUtf8());
     }
-#ifdef Q_OS_WIN
-    QStandardPaths::setTestModeEnabled(true); // it asks the system, and not the environment
-#endif
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
     ::testing::InitGoogleTest(&argc, argv);
     QApplication application(argc, argv);
+#ifdef Q_OS_WIN
+    // The system is asked for folders, and not the environment: folders of this process alone.
+    QStandardPaths::setTestModeEnabled(true);
+    QCoreApplication::setApplicationName(
+        QStringLiteral("mivotests-%1").arg(QCoreApplication::applicationPid()));
+#endif
     const int result = RUN_ALL_TESTS();
+#ifdef Q_OS_WIN
+    for (const auto& [kind, suffix] : {std::pair(QStandardPaths::AppDataLocation, ""),
+                                       {QStandardPaths::AppDataLocation, "_Display"},
+                                       {QStandardPaths::AppLocalDataLocation, ""}}) {
+        QDir(QStandardPaths::writableLocation(kind) + suffix).removeRecursively();
+    }
+#endif
     if (::testing::UnitTest::GetInstance()->test_to_run_count() == 0) {
         std::cerr << "no test has that name\n";
         return 1;
