@@ -109,8 +109,8 @@ TEST(Autostart, FollowsWhatTheStoreKeeps)
     start(store->kept.rows);
     EXPECT_EQ(Autostart::entry(), "") << "an entry of before goes when the store says off";
 
-    runtime.call([&] { store->setAutoStart(true); });
     SKIP_WITHOUT_FULL_DISK();
+    runtime.call([&] { store->setAutoStart(true); });
     {
         const FullDisk full;
         runtime.call([&] { store->setAutoStartDelayTime(20); });

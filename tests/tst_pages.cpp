@@ -337,7 +337,10 @@ TEST_P(Pages, HaveRoomForTheirTextsWithoutAStyleSheetInAnyFont)
                                  || qobject_cast<QRadioButton*>(widget) != nullptr;
             const QSize needed = widget->fontMetrics().size(0, text);
             EXPECT_GE(widget->width(), needed.width() + (hasMark ? 16 : 0)) << text;
-            EXPECT_GE(widget->height(), std::min(needed.height(), widget->fontMetrics().height()))
+            // Fusion makes the field of a spin box a pixel less high than a line.
+            const int cut = widget->objectName() == "qt_spinbox_lineedit" ? 1 : 0;
+            EXPECT_GE(widget->height(),
+                      std::min(needed.height(), widget->fontMetrics().height()) - cut)
                 << text;
         }
     }

@@ -85,6 +85,19 @@ bool hasManySenders()
     return to.receiveDatagram().senderAddress() == second;
 }
 
+/// Whether a socket at one address of the loopback also hears what goes to another, as under Wine.
+bool hearsOtherAddresses()
+{
+    const QHostAddress second("127.0.0.2");
+    QUdpSocket from;
+    QUdpSocket to;
+    EXPECT_TRUE(to.bind(second));
+    from.writeDatagram("other", QHostAddress::LocalHost, to.localPort());
+    from.writeDatagram("own", second, to.localPort());
+    EXPECT_TRUE(QTest::qWaitFor([&to] { return to.hasPendingDatagrams(); }));
+    return to.receiveDatagram().data() == "other";
+}
+
 #define SKIP_WITH_ONE_SENDER()                                                                     \
     if (!hasManySenders()) {                                                                       \
         GTEST_SKIP() << "this system's loopback has one address of senders";                       \
@@ -299,12 +312,19 @@ TEST_F(Osc, MessagesAndBundlesTriggerTheirActionsAndAllElseIsIgnored)
           {deep, {}}});
     service.setLocked(true);
     play({{message(output), {}}});
-    service.setLocked(false);
-    service.setAddress(QHostAddress(QString(address = "127.0.0.2")));
-    play({{message(output), {}}, {message(output), {used}, "127.0.0.1", "127.0.0.2"}});
     EXPECT_EQ(service.bindings().front(), (SDeviceBindInfo{187, output, output}));
     service.learn(211, "/Peripherals/group/one");
     EXPECT_EQ(told.take(), Names{"211 /Peripherals/group/one /Peripherals/group/one bound"});
+}
+
+TEST_F(Osc, MessagesToAnotherAddressThanItsOwnAreNotHeard)
+{
+    if (hearsOtherAddresses()) {
+        GTEST_SKIP() << "this system hears all addresses of the loopback at each of them";
+    }
+    service.setAddress(QHostAddress(QString(address = "127.0.0.2")));
+    play({{message(output), {}},
+          {message(output), {"187 " + output + ' '}, "127.0.0.1", "127.0.0.2"}});
 }
 
 TEST(PeripheralsOfHost, WriteWhatChangesAndReadItBackOnTheNextStart)

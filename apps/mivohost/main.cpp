@@ -407,8 +407,6 @@ int main(int argc, char** argv)
                        "running program; 3 they cannot be opened or kept; 4 a file cannot be "
                        "written; 5 a file cannot be read or is no settings file; 6 something in it "
                        "was not taken."));
-    arguments.addHelpOption();
-    arguments.addVersionOption();
     arguments.addOptions({
         {QStringLiteral("settings"), QStringLiteral("Open the settings dialog at once.")},
         {QStringLiteral("pictures"),
@@ -435,8 +433,9 @@ int main(int argc, char** argv)
     });
     addSettingsOptions(arguments);
     ShowSetup::addOptions(arguments);
-    arguments.process(application);
-
+    if (const auto code = parseCommandLine(arguments)) {
+        return *code;
+    }
     loadLanguages();
     const bool drawing = arguments.isSet(QStringLiteral("pictures"));
     const QString look = arguments.value(QStringLiteral("look"));

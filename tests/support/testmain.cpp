@@ -5,6 +5,7 @@
 #include <QtCore/QDir>
 #include <QtCore/QStandardPaths>
 #include <QtCore/QTemporaryDir>
+#include <QtGui/QFont>
 #include <QtWidgets/QApplication>
 
 #include <iostream>
@@ -32,8 +33,17 @@ int main(int argc, char** argv)
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
     ::testing::InitGoogleTest(&argc, argv);
+#ifdef Q_OS_WIN
+    // Without a screen only the fonts of one folder are known there, and without any all letters
+    // are boxes.
+    qputenv("QT_QPA_FONTDIR",
+            QStandardPaths::writableLocation(QStandardPaths::FontsLocation).toLocal8Bit());
+#endif
     QApplication application(argc, argv);
 #ifdef Q_OS_WIN
+    QFont font = QApplication::font();
+    font.setFamilies({QStringLiteral("Segoe UI"), QStringLiteral("Noto Sans")});
+    QApplication::setFont(font);
     // The system is asked for folders, and not the environment: folders of this process alone.
     QStandardPaths::setTestModeEnabled(true);
     QCoreApplication::setApplicationName(

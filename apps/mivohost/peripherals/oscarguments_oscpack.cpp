@@ -58,10 +58,12 @@ std::optional<std::vector<OscArgument>> oscArguments(std::string_view message, s
         // It checks that path, types and arguments lie within the bytes.
         const osc::ReceivedMessage read(osc::ReceivedPacket(
             message.data(), static_cast<osc::osc_bundle_element_size_t>(message.size())));
-        if (read.TypeTags() == nullptr) { // as the oldest senders leave them out
-            return std::nullopt;
-        }
         std::vector<OscArgument> arguments;
+        if (read.TypeTags() == nullptr) {
+            // No types at all, as the oldest senders leave them out, or a list without any.
+            const std::size_t path = (message.find('\0') / 4 + 1) * 4;
+            return message.size() > path ? std::optional(arguments) : std::nullopt;
+        }
         for (auto argument = read.ArgumentsBegin();
              argument != read.ArgumentsEnd() && arguments.size() < most; ++argument) {
             arguments.push_back(argumentOf(*argument));

@@ -2,6 +2,10 @@
 
 #include <QtCore/QtGlobal>
 
+#include <optional>
+
+class QCommandLineParser;
+
 namespace mivohost {
 
 /// A program with windows gets no console on Windows: what it prints is to be seen in the one from
@@ -11,5 +15,10 @@ void useConsole();
 #else
 inline void useConsole() {}
 #endif
+
+/// Parses the program's command line. Help, version and what is wrong are printed, and the program
+/// ends with the code that is returned. In place of QCommandLineParser::process(), which on Windows
+/// shows them in a box, and waits, where output goes into a file.
+std::optional<int> parseCommandLine(QCommandLineParser& arguments);
 
 } // namespace mivohost

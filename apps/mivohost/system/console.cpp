@@ -1,0 +1,31 @@
+#include "system/console.h"
+
+#include "base/exitcode.h"
+
+#include <QtCore/QCommandLineParser>
+#include <QtCore/QCoreApplication>
+
+#include <cstdio>
+
+namespace mivohost {
+
+std::optional<int> parseCommandLine(QCommandLineParser& arguments)
+{
+    const QCommandLineOption help = arguments.addHelpOption();
+    const QCommandLineOption version = arguments.addVersionOption();
+    if (!arguments.parse(QCoreApplication::arguments())) {
+        std::fprintf(stderr, "mivohost: %s\n", arguments.errorText().toUtf8().constData());
+        return badArgument;
+    }
+    if (arguments.isSet(help)) {
+        std::fputs(arguments.helpText().toUtf8().constData(), stdout);
+        return finished;
+    }
+    if (arguments.isSet(version)) {
+        std::printf("mivohost %s\n", qPrintable(QCoreApplication::applicationVersion()));
+        return finished;
+    }
+    return std::nullopt;
+}
+
+} // namespace mivohost
