@@ -113,6 +113,7 @@ TEST_F(Row, ClearsWhatIsInTheFolderAfterAYesOnly)
     const QString file = folder.filePath("目录.txt");
     writeFile(file);
     make(folder.path());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !row->space->text().isEmpty(); }));
     QSignalSpy checked(row, &FolderRow::spaceChecked);
     pressClear(TipDialog::cancelled);
     QTest::qWait(20);
