@@ -39,13 +39,13 @@ ClearResult clearFolder(const QString& path, const std::function<bool(int remove
         result.refused = true;
         return result;
     }
-    const auto walker = FolderWalker::make();
-    if (!walker->open(path)) {
+    FolderWalker walker;
+    if (!walker.open(path)) {
         result.notRemoved << QDir::toNativeSeparators(path);
         return result;
     }
     // Again, for what was really opened.
-    const QString root = walker->openedPath();
+    const QString root = walker.openedPath();
     if (!mayBeCleared(root)) {
         result.refused = true;
         return result;
@@ -56,7 +56,7 @@ ClearResult clearFolder(const QString& path, const std::function<bool(int remove
         levels.back().incomplete = true;
         result.notRemoved << fullPath(root, levels, name);
     };
-    if (!walker->list(levels.back().left)) {
+    if (!walker.list(levels.back().left)) {
         result.notRemoved << root;
     }
     while (true) {
@@ -66,18 +66,18 @@ ClearResult clearFolder(const QString& path, const std::function<bool(int remove
         if (!levels.back().left.empty()) {
             name = std::move(levels.back().left.back());
             levels.back().left.pop_back();
-            outcome = walker->remove(name);
-            if (outcome == Outcome::folder && walker->enter(name)) {
+            outcome = walker.remove(name);
+            if (outcome == Outcome::folder && walker.enter(name)) {
                 levels.push_back({std::move(name), {}, false});
                 // What could not be listed keeps the folder from being removed, and so is named.
-                walker->list(levels.back().left);
+                walker.list(levels.back().left);
                 continue;
             }
             if (outcome == Outcome::folder) {
-                outcome = walker->removeFolder(name);
+                outcome = walker.removeFolder(name);
             }
         } else if (levels.size() > 1) {
-            if (!walker->leave()) {
+            if (!walker.leave()) {
                 levels.front().left.push_back(std::move(levels[1].name));
                 levels.resize(1);
                 continue;
@@ -86,7 +86,7 @@ ClearResult clearFolder(const QString& path, const std::function<bool(int remove
             explained = levels.back().incomplete;
             levels.pop_back();
             levels.back().incomplete |= explained;
-            outcome = walker->removeFolder(name);
+            outcome = walker.removeFolder(name);
         } else {
             break;
         }

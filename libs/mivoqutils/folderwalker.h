@@ -17,28 +17,29 @@ public:
 
     enum class Outcome { removed, gone, failed, folder };
 
-    /// The system's.
-    static std::unique_ptr<FolderWalker> make();
-
-    FolderWalker() = default;
-    virtual ~FolderWalker() = default;
+    FolderWalker();
+    ~FolderWalker();
     Q_DISABLE_COPY(FolderWalker)
 
     /// Goes to the folder that the path leads to, through links too.
-    virtual bool open(const QString& path) = 0;
+    bool open(const QString& path);
     /// Where the opened folder really is.
-    virtual QString openedPath() const = 0;
+    QString openedPath() const;
     /// Appends what is in the current folder; false when that is not all.
-    virtual bool list(std::vector<Name>& names) const = 0;
+    bool list(std::vector<Name>& names) const;
     /// Removes an entry of the current folder that is no folder; "folder" when it may be one.
-    virtual Outcome remove(const Name& name) const = 0;
+    Outcome remove(const Name& name) const;
     /// Removes an empty folder.
-    virtual Outcome removeFolder(const Name& name) const = 0;
+    Outcome removeFolder(const Name& name) const;
     /// Goes into a folder of the current one; not through a link, nor into another file system.
-    virtual bool enter(const Name& name) = 0;
+    bool enter(const Name& name);
     /// Goes back to where enter() came from. When the current folder was moved elsewhere, it goes
     /// to the opened folder and returns false.
-    virtual bool leave() = 0;
+    bool leave();
+
+private:
+    struct State; // what the system opens a folder as
+    std::unique_ptr<State> m_state;
 };
 
 } // namespace mivo::qutils

@@ -16,58 +16,53 @@ namespace {
 
 constexpr int openAsFolder = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
 
-class Walker : public FolderWalker
+} // namespace
+
+struct FolderWalker::State
 {
-public:
-    ~Walker() override;
-
-    bool open(const QString& path) override;
-    QString openedPath() const override;
-    bool list(std::vector<Name>& names) const override;
-    Outcome remove(const Name& name) const override;
-    Outcome removeFolder(const Name& name) const override;
-    bool enter(const Name& name) override;
-    bool leave() override;
-
-private:
     using Identity = std::pair<dev_t, ino_t>;
-    int m_opened = -1;
-    int m_folder = -1;
-    std::vector<Identity> m_above; // not kept open: nesting has no limit, open files have
-    Identity m_identity;
-};
+    int opened = -1;
+    int folder = -1;
+    std::vector<Identity> above; // not kept open: nesting has no limit, open files have
+    Identity identity;
 
-Walker::~Walker()
-{
-    for (const int folder : {m_opened, m_folder}) {
-        if (folder >= 0) {
-            ::close(folder);
+    ~State()
+    {
+        for (const int descriptor : {opened, folder}) {
+            if (descriptor >= 0) {
+                ::close(descriptor);
+            }
         }
     }
-}
+};
 
-bool Walker::open(const QString& path)
+FolderWalker::FolderWalker() : m_state(std::make_unique<State>()) {}
+
+FolderWalker::~FolderWalker() = default;
+
+bool FolderWalker::open(const QString& path)
 {
-    m_opened = ::open(QFile::encodeName(path).constData(), openAsFolder);
-    m_folder = ::fcntl(m_opened, F_DUPFD_CLOEXEC, 0);
+    m_state->opened = ::open(QFile::encodeName(path).constData(), openAsFolder);
+    m_state->folder = ::fcntl(m_state->opened, F_DUPFD_CLOEXEC, 0);
     struct stat status;
-    if (m_folder < 0 || ::fstat(m_folder, &status) != 0) {
+    if (m_state->folder < 0 || ::fstat(m_state->folder, &status) != 0) {
         return false;
     }
-    m_identity = {status.st_dev, status.st_ino};
+    m_state->identity = {status.st_dev, status.st_ino};
     return true;
 }
 
-QString Walker::openedPath() const
+QString FolderWalker::openedPath() const
 {
     std::error_code error;
     return QFile::decodeName(
-        std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(m_folder), error).c_str());
+        std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(m_state->folder), error)
+            .c_str());
 }
 
-bool Walker::list(std::vector<Name>& names) const
+bool FolderWalker::list(std::vector<Name>& names) const
 {
-    const int folder = ::fcntl(m_folder, F_DUPFD_CLOEXEC, 0); // the reader closes its own
+    const int folder = ::fcntl(m_state->folder, F_DUPFD_CLOEXEC, 0); // the reader closes its own
     DIR* reader = folder < 0 ? nullptr : ::fdopendir(folder);
     if (!reader) {
         if (folder >= 0) {
@@ -88,26 +83,26 @@ bool Walker::list(std::vector<Name>& names) const
     return all;
 }
 
-FolderWalker::Outcome Walker::remove(const Name& name) const
+FolderWalker::Outcome FolderWalker::remove(const Name& name) const
 {
-    if (::unlinkat(m_folder, name.c_str(), 0) == 0) {
+    if (::unlinkat(m_state->folder, name.c_str(), 0) == 0) {
         return Outcome::removed;
     }
     // The error for a folder depends on the file system; enter() tells.
     return errno == ENOENT ? Outcome::gone : Outcome::folder;
 }
 
-FolderWalker::Outcome Walker::removeFolder(const Name& name) const
+FolderWalker::Outcome FolderWalker::removeFolder(const Name& name) const
 {
-    if (::unlinkat(m_folder, name.c_str(), AT_REMOVEDIR) == 0) {
+    if (::unlinkat(m_state->folder, name.c_str(), AT_REMOVEDIR) == 0) {
         return Outcome::removed;
     }
     return errno == ENOENT ? Outcome::gone : Outcome::failed;
 }
 
-bool Walker::enter(const Name& name)
+bool FolderWalker::enter(const Name& name)
 {
-    const int folder = ::openat(m_folder, name.c_str(), openAsFolder | O_NOFOLLOW);
+    const int folder = ::openat(m_state->folder, name.c_str(), openAsFolder | O_NOFOLLOW);
     if (folder < 0) {
         return false;
     }
@@ -115,44 +110,37 @@ bool Walker::enter(const Name& name)
     struct stat parent;
     struct statx more = {};
     // ".." is asked beforehand, since without the right to search the folder there is no way back.
-    if (::fstat(folder, &status) != 0 || status.st_dev != m_identity.first
+    if (::fstat(folder, &status) != 0 || status.st_dev != m_state->identity.first
         || ::fstatat(folder, "..", &parent, 0) != 0
-        || Identity(parent.st_dev, parent.st_ino) != m_identity
+        || State::Identity(parent.st_dev, parent.st_ino) != m_state->identity
         || (::statx(folder, "", AT_EMPTY_PATH, STATX_TYPE, &more) == 0
             && (more.stx_attributes & STATX_ATTR_MOUNT_ROOT))) {
         ::close(folder);
         return false;
     }
-    ::close(std::exchange(m_folder, folder));
-    m_above.push_back(std::exchange(m_identity, {status.st_dev, status.st_ino}));
+    ::close(std::exchange(m_state->folder, folder));
+    m_state->above.push_back(std::exchange(m_state->identity, {status.st_dev, status.st_ino}));
     return true;
 }
 
-bool Walker::leave()
+bool FolderWalker::leave()
 {
     // Not for reading, which may have been forbidden meanwhile; it has been listed already.
-    int folder = ::openat(m_folder, "..", O_PATH | O_DIRECTORY | O_CLOEXEC);
+    int folder = ::openat(m_state->folder, "..", O_PATH | O_DIRECTORY | O_CLOEXEC);
     struct stat status;
     const bool back = folder >= 0 && ::fstat(folder, &status) == 0
-                      && Identity(status.st_dev, status.st_ino) == m_above.back();
+                      && State::Identity(status.st_dev, status.st_ino) == m_state->above.back();
     if (!back) {
         if (folder >= 0) {
             ::close(folder);
         }
-        folder = ::fcntl(m_opened, F_DUPFD_CLOEXEC, 0);
-        m_above.resize(1);
+        folder = ::fcntl(m_state->opened, F_DUPFD_CLOEXEC, 0);
+        m_state->above.resize(1);
     }
-    ::close(std::exchange(m_folder, folder));
-    m_identity = m_above.back();
-    m_above.pop_back();
+    ::close(std::exchange(m_state->folder, folder));
+    m_state->identity = m_state->above.back();
+    m_state->above.pop_back();
     return back;
-}
-
-} // namespace
-
-std::unique_ptr<FolderWalker> FolderWalker::make()
-{
-    return std::make_unique<Walker>();
 }
 
 } // namespace mivo::qutils

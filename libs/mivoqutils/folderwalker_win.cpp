@@ -5,35 +5,23 @@
 
 namespace mivo::qutils {
 
-namespace {
-
-class Walker : public FolderWalker
+struct FolderWalker::State
 {
-public:
-    ~Walker() override;
-
-    bool open(const QString& path) override;
-    QString openedPath() const override;
-    bool list(std::vector<Name>& names) const override;
-    Outcome remove(const Name& name) const override;
-    Outcome removeFolder(const Name& name) const override;
-    bool enter(const Name& name) override;
-    bool leave() override;
-
-private:
     // The handles do not share deletion: while they are open nothing above can be replaced.
-    std::vector<HANDLE> m_folders;
-    std::vector<std::wstring> m_paths; // of the same folders, in the form without a limit
+    std::vector<HANDLE> folders;
+    std::vector<std::wstring> paths; // of the same folders, in the form without a limit
 };
 
-Walker::~Walker()
+FolderWalker::FolderWalker() : m_state(std::make_unique<State>()) {}
+
+FolderWalker::~FolderWalker()
 {
-    while (!m_folders.empty()) {
-        Walker::leave();
+    while (!m_state->folders.empty()) {
+        leave();
     }
 }
 
-bool Walker::open(const QString& path)
+bool FolderWalker::open(const QString& path)
 {
     const HANDLE folder = CreateFileW(QDir::toNativeSeparators(path).toStdWString().c_str(),
                                       FILE_LIST_DIRECTORY, FILE_SHARE_READ | FILE_SHARE_WRITE,
@@ -45,22 +33,22 @@ bool Walker::open(const QString& path)
     const DWORD length = GetFinalPathNameByHandleW(
         folder, real.data(), static_cast<DWORD>(real.size()), FILE_NAME_NORMALIZED);
     real.resize(length < real.size() ? length : 0);
-    m_folders.push_back(folder);
-    m_paths.push_back(real);
+    m_state->folders.push_back(folder);
+    m_state->paths.push_back(real);
     return !real.empty();
 }
 
-QString Walker::openedPath() const
+QString FolderWalker::openedPath() const
 {
-    const QString path = QString::fromStdWString(m_paths.front());
+    const QString path = QString::fromStdWString(m_state->paths.front());
     const QString share = R"(\\?\UNC\)";
     return path.startsWith(share) ? R"(\\)" + path.mid(share.size()) : path.mid(4);
 }
 
-bool Walker::list(std::vector<Name>& names) const
+bool FolderWalker::list(std::vector<Name>& names) const
 {
     WIN32_FIND_DATAW entry;
-    const HANDLE search = FindFirstFileW((m_paths.back() + L"\\*").c_str(), &entry);
+    const HANDLE search = FindFirstFileW((m_state->paths.back() + L"\\*").c_str(), &entry);
     if (search == INVALID_HANDLE_VALUE) {
         return false;
     }
@@ -75,9 +63,9 @@ bool Walker::list(std::vector<Name>& names) const
     return all;
 }
 
-FolderWalker::Outcome Walker::remove(const Name& name) const
+FolderWalker::Outcome FolderWalker::remove(const Name& name) const
 {
-    const std::wstring path = m_paths.back() + L'\\' + name;
+    const std::wstring path = m_state->paths.back() + L'\\' + name;
     WIN32_FIND_DATAW entry;
     const HANDLE search = FindFirstFileW(path.c_str(), &entry);
     if (search == INVALID_HANDLE_VALUE) {
@@ -98,9 +86,9 @@ FolderWalker::Outcome Walker::remove(const Name& name) const
                                                                                  : Outcome::failed;
 }
 
-FolderWalker::Outcome Walker::removeFolder(const Name& name) const
+FolderWalker::Outcome FolderWalker::removeFolder(const Name& name) const
 {
-    const std::wstring path = m_paths.back() + L'\\' + name;
+    const std::wstring path = m_state->paths.back() + L'\\' + name;
     const DWORD attributes = GetFileAttributesW(path.c_str());
     if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY)) {
         SetFileAttributesW(path.c_str(), attributes & ~DWORD{FILE_ATTRIBUTE_READONLY});
@@ -111,9 +99,9 @@ FolderWalker::Outcome Walker::removeFolder(const Name& name) const
     return GetLastError() == ERROR_FILE_NOT_FOUND ? Outcome::gone : Outcome::failed;
 }
 
-bool Walker::enter(const Name& name)
+bool FolderWalker::enter(const Name& name)
 {
-    const std::wstring path = m_paths.back() + L'\\' + name;
+    const std::wstring path = m_state->paths.back() + L'\\' + name;
     const HANDLE folder = CreateFileW(
         path.c_str(), FILE_LIST_DIRECTORY, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
         OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
@@ -128,24 +116,17 @@ bool Walker::enter(const Name& name)
         CloseHandle(folder);
         return false;
     }
-    m_folders.push_back(folder);
-    m_paths.push_back(path);
+    m_state->folders.push_back(folder);
+    m_state->paths.push_back(path);
     return true;
 }
 
-bool Walker::leave()
+bool FolderWalker::leave()
 {
-    CloseHandle(m_folders.back());
-    m_folders.pop_back();
-    m_paths.pop_back();
+    CloseHandle(m_state->folders.back());
+    m_state->folders.pop_back();
+    m_state->paths.pop_back();
     return true;
-}
-
-} // namespace
-
-std::unique_ptr<FolderWalker> FolderWalker::make()
-{
-    return std::make_unique<Walker>();
 }
 
 } // namespace mivo::qutils

@@ -55,7 +55,9 @@ QString controllerWords(int number, int channel, int value)
 
 QString argumentWords(const OscArgument& argument)
 {
-    const auto bytes = [&argument] { return std::get<std::string>(argument.value); };
+    const auto bytes = [&argument]() -> const std::string& {
+        return std::get<std::string>(argument.value);
+    };
     switch (argument.type) {
     case 'i':
         return QStringLiteral("int %1").arg(std::get<std::int32_t>(argument.value));

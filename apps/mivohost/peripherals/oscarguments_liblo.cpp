@@ -36,8 +36,7 @@ OscArgument argumentOf(char type, lo_arg* argument)
     case LO_SYMBOL:
         return {type, std::string(bytes)};
     case LO_BLOB: {
-        const auto* blob = reinterpret_cast<lo_blob>(argument);
-        const auto size = static_cast<std::size_t>(lo_blob_datasize(const_cast<lo_blob>(blob)));
+        const std::size_t size = lo_blob_datasize(reinterpret_cast<lo_blob>(argument));
         return {type, std::string(bytes + sizeof(std::uint32_t), size)};
     }
     case LO_MIDI:

@@ -113,16 +113,13 @@ void SettingPageImplBase::addItemTexts(QComboBox* combo, const std::vector<const
 {
     for (int item = 0; item < static_cast<int>(keys.size()); ++item) {
         const char* key = keys[static_cast<std::size_t>(item)];
-        const auto set = [combo, item](const QString& translated) {
-            combo->setItemText(item, translated);
-        };
-        if (item == combo->count()) {
-            const auto name = QString::fromLatin1(key);
-            combo->addItem(text(name));
-            m_texts.push_back({name, set});
-        } else {
-            addText(key, set);
-        }
+        addText(key, [combo, item](const QString& translated) {
+            if (item == combo->count()) {
+                combo->addItem(translated);
+            } else {
+                combo->setItemText(item, translated);
+            }
+        });
     }
 }
 
