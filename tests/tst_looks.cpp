@@ -25,6 +25,7 @@
 #include <QtWidgets/QPlainTextEdit>
 #include <QtWidgets/QScrollArea>
 #include <QtWidgets/QStackedWidget>
+#include <QtWidgets/QTreeWidget>
 
 #include <cmath>
 #include <deque>
@@ -225,6 +226,28 @@ QColor pixelOf(QWidget& widget, int x, int y)
 }
 
 } // namespace
+
+TEST(Looks, LeaveWhatTheHostSays)
+{
+    useLook(Look::light);
+    const QColor wanted("#804020");
+    QLabel label;
+    QPalette palette;
+    palette.setColor(QPalette::WindowText, wanted);
+    label.setPalette(palette);
+    QWidget surface;
+    surface.setProperty("style", "BG4");
+    QTreeWidget tree; // whose header has rules, which the other sheet does not have
+    for (QWidget* widget :
+         {static_cast<QWidget*>(&label), &surface, static_cast<QWidget*>(&tree)}) {
+        widget->resize(120, 80);
+        widget->show();
+    }
+    mivo::style::apply(Look::dark, "QWidget[style=\"BG4\"] { background: #804020; }");
+    EXPECT_EQ(pixelOf(surface, 5, 5), wanted);
+    EXPECT_EQ(label.palette().color(QPalette::WindowText), wanted);
+    useLook(std::nullopt);
+}
 
 TEST(Looks, FollowThePaletteAndTheDirectionUnlessOneIsChosen)
 {

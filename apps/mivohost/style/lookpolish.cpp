@@ -30,15 +30,29 @@ bool isPutAway(const QWidget& widget)
     return each != nullptr && !each->isWindow();
 }
 
-/// An invalid colour takes the last one back.
+constexpr const char* rulesGiven = "rulesOfLook";
+
+/// Without the rules of the look before it.
+QString ownSheet(const QWidget& widget)
+{
+    const QString sheet = widget.styleSheet();
+    const QString before = widget.property(rulesGiven).toString();
+    return sheet.startsWith(before) ? sheet.mid(before.size()) : sheet;
+}
+
+/// An invalid color takes the last one that was given here back.
 void setTextColor(QWidget& widget, QPalette::ColorRole role, const QColor& color)
 {
+    constexpr const char* given = "colorsOfLook"; // a bit for each role
+    const uint before = widget.property(given).toUInt();
+    const uint bit = 1U << role;
     QPalette palette = widget.palette();
     if (color.isValid()) {
         palette.setColor(role, color);
-    } else if (widget.testAttribute(Qt::WA_SetPalette)
-               && palette.isBrushSet(QPalette::Active, role)) {
-        palette.resolve(palette.resolve() & ~(1U << role));
+        widget.setProperty(given, before | bit);
+    } else if ((before & bit) != 0) {
+        palette.resolve(palette.resolve() & ~bit);
+        widget.setProperty(given, before & ~bit);
     } else {
         return;
     }
@@ -64,7 +78,8 @@ void LookStyle::polish(QWidget* widget)
     }
     if (isSurface(*widget)) {
         widget->setAttribute(Qt::WA_StyledBackground);
-    } else if (auto* menu = qobject_cast<QMenu*>(widget)) {
+    }
+    if (auto* menu = qobject_cast<QMenu*>(widget)) {
         // It is polished with the window around it, and most are never opened.
         connect(menu, &QMenu::aboutToShow, this, [this, menu] { giveRules(*menu); });
     } else if (hasFixedSize(*widget) || isPutAway(*widget)) {
@@ -147,21 +162,23 @@ bool LookStyle::eventFilter(QObject* object, QEvent* event)
 /// Called again by a sheet that it sets.
 void LookStyle::giveRules(QWidget& widget) const
 {
-    constexpr const char* given = "rulesOfLook";
-    const QString before = widget.property(given).toString();
     QString rules = m_rules.rulesFor(widget);
     if (!rules.isEmpty()) {
         // A widget's sheet goes before those around it: these have to stand in it, too.
         QString around;
         for (const QWidget* outer = widget.parentWidget(); outer; outer = outer->parentWidget()) {
-            around.prepend(outer->styleSheet().mid(outer->property(given).toString().size()));
+            around.prepend(ownSheet(*outer));
         }
         rules += around;
     }
-    const QString sheet = widget.styleSheet();
-    const QString wanted = rules + (sheet.startsWith(before) ? sheet.mid(before.size()) : sheet);
-    if (wanted != sheet) {
-        widget.setProperty(given, rules);
+    const QString own = ownSheet(widget);
+    if (rules.isEmpty() && own.isEmpty() && !widget.styleSheet().isEmpty()) {
+        rules =
+            QStringLiteral(" "); // with an empty sheet Qt deletes the style that is polishing it
+    }
+    const QString wanted = rules + own;
+    if (wanted != widget.styleSheet()) {
+        widget.setProperty(rulesGiven, rules);
         widget.setStyleSheet(wanted);
     }
 }

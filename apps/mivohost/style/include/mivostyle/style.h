@@ -26,9 +26,10 @@ MIVOSTYLE_EXPORT void apply(Look look, Qt::LayoutDirection direction = Qt::LeftT
 
 /// @{
 /// The style sheet of a look, and the look with such a sheet that a host has changed. It has what
-/// is rarely shown; the style draws the rest, where such a sheet has no rule of its own. A rule of
-/// it does not change the size of a widget that has a fixed one. With a layout from right to left,
-/// what it gives for one side holds for the other.
+/// is rarely shown; the style draws the rest, where such a sheet has no rule of its own. A selector
+/// names one class, object name or property, with at most one class around it; rules with any other
+/// selector are left out. A rule does not change the size of a widget that has a fixed one. With a
+/// layout from right to left, what it gives for one side holds for the other.
 MIVOSTYLE_EXPORT void apply(Look look, const QString& sheet);
 MIVOSTYLE_EXPORT QString styleSheet(Look look, Qt::LayoutDirection direction = Qt::LeftToRight);
 /// @}
