@@ -54,6 +54,19 @@ Section
     ${If} ${FileExists} "$INSTDIR\uninstall.exe"
         ExecWait '"$INSTDIR\uninstall.exe" /S /upgrade _?=$INSTDIR'
     ${EndIf}
+    ; One that was installed into another folder.
+    ReadRegStr $3 HKCU "${UNINSTALL}" InstallLocation
+    ${If} $3 != ""
+    ${AndIf} $3 != $INSTDIR
+    ${AndIf} ${FileExists} "$3\uninstall.exe"
+        ExecWait '"$3\uninstall.exe" /S /upgrade _?=$3' $4
+        ${If} $4 <> 0 ; it runs there
+            MessageBox MB_ICONEXCLAMATION "$(InUse)" /SD IDOK
+            Abort
+        ${EndIf}
+        Delete "$3\uninstall.exe" ; which could not while it ran
+        RMDir "$3"
+    ${EndIf}
     SetOutPath "$INSTDIR"
     File /r "${STAGE}/*"
     WriteUninstaller "$INSTDIR\uninstall.exe"
@@ -81,7 +94,14 @@ Section Uninstall
     RMDir "$INSTDIR" ; unless it holds something else
     Delete "$SMPROGRAMS\mivohost.lnk"
     DeleteRegKey HKCU "${UNINSTALL}"
-    DeleteRegValue HKCU "Software\Microsoft\Windows\CurrentVersion\Run" mivohost
+    ; Not the start at log-on of a copy that stands elsewhere.
+    StrCpy $4 '"$INSTDIR\mivohost.exe"'
+    StrLen $5 $4
+    ReadRegStr $3 HKCU "Software\Microsoft\Windows\CurrentVersion\Run" mivohost
+    StrCpy $3 $3 $5
+    ${If} $3 == $4
+        DeleteRegValue HKCU "Software\Microsoft\Windows\CurrentVersion\Run" mivohost
+    ${EndIf}
     MessageBox MB_YESNO|MB_ICONQUESTION|MB_DEFBUTTON2 "$(RemoveSettings)" /SD IDNO IDNO keep
     RMDir /r "$APPDATA\mivo\mivohost"
     RMDir /r "$APPDATA\mivo\mivohost_Display"
