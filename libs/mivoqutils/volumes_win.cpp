@@ -20,7 +20,8 @@ bool isBelongToMobile(const QString& path)
         // Such as a card reader without a card.
         root = absolute.left(3).toStdWString();
     }
-    return GetDriveTypeW(root.c_str()) == DRIVE_REMOVABLE;
+    const UINT type = GetDriveTypeW(root.c_str());
+    return type == DRIVE_REMOVABLE || type == DRIVE_CDROM;
 }
 
 } // namespace mivo::qutils

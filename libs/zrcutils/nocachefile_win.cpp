@@ -130,9 +130,16 @@ std::error_code replace(const fs::path& path, const std::string& content,
     // Shared with nobody until it is in its place: so removeLeftovers() of another process leaves
     // it.
     const fs::path temporary = temporaryFor(target);
-    const Handle file(::CreateFileW(
-        temporary.c_str(), GENERIC_WRITE | DELETE | WRITE_DAC, 0, nullptr, CREATE_NEW,
-        exists ? attributes & FILE_ATTRIBUTE_HIDDEN : FILE_ATTRIBUTE_NORMAL, nullptr));
+    const auto make = [&](DWORD moreRights) {
+        return ::CreateFileW(
+            temporary.c_str(), GENERIC_WRITE | DELETE | moreRights, 0, nullptr, CREATE_NEW,
+            exists ? attributes & FILE_ATTRIBUTE_HIDDEN : FILE_ATTRIBUTE_NORMAL, nullptr);
+    };
+    HANDLE made = make(exists ? WRITE_DAC : 0);
+    if (made == INVALID_HANDLE_VALUE && exists && ::GetLastError() == ERROR_ACCESS_DENIED) {
+        made = make(0); // a share on which nobody may say who opens a file: the folder says it
+    }
+    const Handle file(made);
     if (!file.isValid()) {
         return systemError(::GetLastError());
     }

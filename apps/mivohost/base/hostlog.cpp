@@ -48,6 +48,19 @@ private:
     QObject* m_view;
 };
 
+/// Where nobody reads any more, which some systems tell, the other sinks go on.
+class ConsoleSink : public spdlog::sinks::stderr_sink_mt
+{
+public:
+    void log(const spdlog::details::log_msg& message) override
+    {
+        try {
+            spdlog::sinks::stderr_sink_mt::log(message);
+        } catch (const spdlog::spdlog_ex&) {
+        }
+    }
+};
+
 struct Sinks
 {
     std::shared_ptr<spdlog::sinks::dist_sink_mt> all =
@@ -87,7 +100,7 @@ void keepFromChildren(std::FILE* stream)
 
 void startLog(const QString& file)
 {
-    const auto console = std::make_shared<spdlog::sinks::stderr_sink_mt>();
+    const auto console = std::make_shared<ConsoleSink>();
     console->set_level(file.isEmpty() ? spdlog::level::warn : spdlog::level::info);
     sinks().all->add_sink(console);
     auto logger = std::make_shared<spdlog::logger>("mivohost", sinks().all);

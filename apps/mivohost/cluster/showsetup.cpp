@@ -53,7 +53,7 @@ QString machineId(const QDir& data, QString& error)
     const QString id = QUuid::createUuid().toString(QUuid::WithoutBraces);
     std::error_code code;
     if (!NoCacheFile::saveToFile(file.fileName().toStdString(), id.toStdString(), code)) {
-        error = file.fileName() + QStringLiteral(": ") + QString::fromStdString(code.message());
+        error = file.fileName() + QStringLiteral(": ") + qt_error_string(code.value());
     }
     return id;
 }

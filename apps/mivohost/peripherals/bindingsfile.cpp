@@ -124,26 +124,23 @@ QString importBindings(const std::string& json, ShortCutMgr& manager, Peripheral
     auto keys = wanted.keys.indexShortCutList;
     keys.insert(keys.end(), wanted.keys.pathShortCutList.begin(),
                 wanted.keys.pathShortCutList.end());
-    // First the new keys are written beside the old file. Then only the store can fail, and in that
-    // case the old bindings of devices are restored.
     const auto file = std::filesystem::u8path(mivo::settings::shortCutFilePath().toStdString());
-    auto imported = file;
-    imported += ".import";
+    const std::string content = mivo::settings::formatShortCuts(keys);
+    // First beside the old file, which shows that there is room. What fails after that has the old
+    // bindings of devices restored.
+    auto trial = file;
+    trial += ".import";
     std::error_code problem;
-    if (!NoCacheFile::saveToFile(imported.u8string(), mivo::settings::formatShortCuts(keys))) {
+    if (!NoCacheFile::saveToFile(trial.u8string(), content)) {
         return hostText("BindingsNotSaved");
     }
     const auto midi = peripherals.midi().bindings();
     const auto dmx = peripherals.dmx().bindings();
     bindDevices(wanted.midi, wanted.dmx, manager, peripherals);
-    bool isStored = peripherals.areBindingsStored();
-    if (isStored) {
-        std::filesystem::rename(imported, file, problem);
-        isStored = !problem;
-    }
-    if (!isStored) {
+    const bool isStored = peripherals.areBindingsStored();
+    std::filesystem::remove(trial, problem);
+    if (!isStored || !NoCacheFile::saveToFile(file.u8string(), content)) {
         bindDevices(midi, dmx, manager, peripherals);
-        std::filesystem::remove(imported, problem);
         return hostText("BindingsNotSaved");
     }
     manager.shortCutInfoSave(wanted.keys);

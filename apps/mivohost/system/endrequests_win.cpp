@@ -40,15 +40,17 @@ BOOL WINAPI onControl(DWORD event)
 
 void EndRequests::watch()
 {
-    const std::lock_guard<std::mutex> lock(mutex);
-    watching = this;
-    isAsked = false;
-    SetConsoleCtrlHandler(onControl, TRUE);
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        watching = this;
+        isAsked = false;
+    }
+    // It stays: taking it back waits for it, and it does not return when the console closes.
+    [[maybe_unused]] static const BOOL registered = SetConsoleCtrlHandler(onControl, TRUE);
 }
 
 void EndRequests::unwatch()
 {
-    SetConsoleCtrlHandler(onControl, FALSE);
     const std::lock_guard<std::mutex> lock(mutex);
     watching = nullptr;
 }
