@@ -197,6 +197,7 @@ TEST_F(FindAction, ASheetHasEveryKindAndMarksConflicts)
     EXPECT_TRUE(save("sheet.pdf").startsWith("%PDF-"));
     QSignalSpy failed(panel.get(), &ActionPanel::failed);
     save("missing/sheet.pdf");
+    EXPECT_TRUE(save("SHEET.HTM").startsWith("<"));
     SKIP_WITHOUT_FULL_DISK();
     {
         const FullDisk full;

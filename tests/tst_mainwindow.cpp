@@ -2,6 +2,9 @@
 
 #include "base/hosttext.h"
 #include "peripherals/peripherals.h"
+#include "surface/actionpanel.h"
+#include "surface/actiontools.h"
+#include "surface/bindingsheet.h"
 #include "surface/importdialog.h"
 #include "surface/settingstexts.h"
 #include "system/tray.h"
@@ -117,6 +120,13 @@ TEST_F(Window, ShowsAFailureUntilItIsDismissedAndKeepsEachMessage)
     });
     EXPECT_TRUE(QTest::qWaitFor([&] { return notice->isVisible(); }));
     EXPECT_TRUE(notice->text().contains("disk full"));
+
+    BindingSheet& sheet = window.actions().tools().sheet();
+    sheet.openWindow();
+    sheet.saveTo(path("missing/sheet.pdf"));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return notice->text().contains("sheet.pdf"); }));
+    EXPECT_TRUE(sheet.findChild<QLabel*>("sheetState")->text().contains("sheet.pdf"))
+        << "which says so itself, too";
 }
 
 TEST_F(Window, ImportsTheSettingsThatAreTicked)

@@ -94,6 +94,7 @@ protected:
     mivohost::RuntimeThread runtime;
     TestStore store; // with all below: runtime thread
     QDateTime now = at("2026-05-04 11:59:00");
+    int looks = 0;
     std::vector<std::string> asked;
     std::string done;
     std::function<void()> lastFailed;
@@ -103,7 +104,10 @@ protected:
             done += action == PowerAction::shutdown ? 'S' : 'R';
             lastFailed = failed;
         },
-        [this] { return now; });
+        [this] {
+            ++looks;
+            return now;
+        });
 };
 
 TEST_F(Timed, AsksWhenTheStoresSchedulesAreDue)
@@ -138,6 +142,11 @@ TEST_F(Timed, LooksByItselfOnceAScheduleIsEnabled)
         now = at("2026-05-04 12:00:00");
     });
     EXPECT_TRUE(QTest::qWaitFor([this] { return !takeAsked().empty(); }));
+    runtime.call([this] { store.setTimedShutdownSettings({false, 0, "12:00:00"}); });
+    QTest::qWait(50); // the stop is queued
+    runtime.call([this] { looks = 0; });
+    QTest::qWait(1200);
+    EXPECT_EQ(runtime.call([this] { return looks; }), 0) << "nor any longer";
 }
 
 TEST_F(Timed, PromptsThatAreOpenAtOnceMeanOneAction)

@@ -20,6 +20,7 @@
 #include "surface/mainwindow.h"
 #include "surface/pictures.h"
 #include "surface/settingscommand.h"
+#include "surface/settingstexts.h"
 #include "surface/settingsview.h"
 #include "surface/showbar.h"
 #include "system/autostart.h"
@@ -351,8 +352,7 @@ int run(const QCommandLineParser& arguments)
         }
         const QStringList unusable = runtime.call([&store] { return store->unusable(); });
         if (!unusable.isEmpty()) {
-            window.showNotice(QStringLiteral("SettingsNotUsed"),
-                              unusable.join(QStringLiteral(", ")));
+            window.showNotice(QStringLiteral("SettingsNotUsed"), settingsText(unusable));
         }
         if (!copyError.isEmpty()) {
             window.showNotice(QStringLiteral("StoreCopyFailed"), copyError);

@@ -1637,7 +1637,7 @@ Open them now?</translation>
     <message>
         <source>ShortcutsNotExported</source>
         <comment>MainWindow</comment>
-        <translation>The shortcuts could not be written to “%1”.</translation>
+        <translation>The shortcuts could not be written. %1</translation>
     </message>
     <message>
         <source>ShortcutsExportedLate</source>

@@ -1637,7 +1637,7 @@
     <message>
         <source>ShortcutsNotExported</source>
         <comment>MainWindow</comment>
-        <translation>快捷键无法写入“%1”。</translation>
+        <translation>快捷键无法写入。%1</translation>
     </message>
     <message>
         <source>ShortcutsExportedLate</source>

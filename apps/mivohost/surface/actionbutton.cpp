@@ -70,8 +70,9 @@ void ActionButton::setFound(bool on)
 void ActionButton::setState(const char* name, bool on)
 {
     setProperty(name, on);
-    style()->unpolish(this); // the style sheet knows the property
+    style()->unpolish(this); // the look knows the property
     style()->polish(this);
+    update();
 }
 
 } // namespace mivohost

@@ -417,7 +417,7 @@ bool ActionPanel::confirm(const char* question, const char* button)
 
 void ActionPanel::clearAll()
 {
-    if (confirm("ClearShortcutsQuestion", "ClearShortcuts")) {
+    if (confirm("ClearShortcutsQuestion", "ClearShortcuts") && !m_locked) {
         m_manager.slotClearShortCut(true, kind());
         showState();
     }
@@ -441,7 +441,7 @@ void ActionPanel::exportAll()
 void ActionPanel::importAll()
 {
     const QString path = askForBindings(false);
-    if (!path.isEmpty() && confirm("ImportShortcutsQuestion", "ImportShortcuts")) {
+    if (!path.isEmpty() && confirm("ImportShortcutsQuestion", "ImportShortcuts") && !m_locked) {
         m_transfer.importFrom(path);
     }
 }

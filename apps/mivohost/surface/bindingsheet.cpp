@@ -8,6 +8,7 @@
 #include <mivosettingswidgets/shortcutmgr.h>
 
 #include <QtCore/QDir>
+#include <QtCore/QFileInfo>
 #include <QtWidgets/QHeaderView>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
@@ -128,7 +129,9 @@ void BindingSheet::askAndSave(const QString& suffix)
 void BindingSheet::saveTo(const QString& path)
 {
     const QString html = bindingsHtml(m_filter);
-    const QByteArray content = path.endsWith('.' + htmlSuffix) ? html.toUtf8() : pdfOf(html);
+    const bool isHtml =
+        QFileInfo(path).suffix().startsWith(QLatin1String("htm"), Qt::CaseInsensitive);
+    const QByteArray content = isHtml ? html.toUtf8() : pdfOf(html);
     const QString shown = QDir::toNativeSeparators(path);
     const auto fail = [this, shown](const QString& reason) {
         const QString problem = QStringLiteral("%1: %2").arg(shown, reasonText(reason));

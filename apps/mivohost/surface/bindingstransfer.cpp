@@ -19,8 +19,10 @@ BindingsTransfer::BindingsTransfer(mivo::settings::ShortCutMgr& manager, Periphe
 
 void BindingsTransfer::exportTo(const QString& path)
 {
-    const auto fail = [this, path](const QString& /*reason*/) {
-        emit failed(QStringLiteral("ShortcutsNotExported"), QDir::toNativeSeparators(path));
+    const auto fail = [this, path](const QString& reason) {
+        emit failed(
+            QStringLiteral("ShortcutsNotExported"),
+            QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(path), reasonText(reason)));
     };
     m_requests.start(
         {path, QStringLiteral("SavingProject"), fail},

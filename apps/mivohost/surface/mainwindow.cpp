@@ -262,7 +262,7 @@ void MainWindow::showNotice(const QString& key, const QString& argument)
 {
     m_noticeKey = key;
     m_noticeArgument = argument;
-    setTexts();
+    showNoticeText();
     m_notice->show();
     m_dismiss->show();
     post(velorn::msgcenter::MsgWarning, m_notice->text());
@@ -331,13 +331,18 @@ void MainWindow::setTexts()
     m_programs->setAccessibleName(m_programsLabel->text()); // Qt relates no views to labels
     m_logLabel->setText(hostText("Log"));
     m_messagePanel->setTexts();
-    if (!m_noticeKey.isEmpty()) {
-        m_notice->setText(hostText(m_noticeKey).arg(reasonText(m_noticeArgument)));
-    }
+    showNoticeText();
     if (m_tray) {
         m_tray->setTexts();
     }
     showProject();
+}
+
+void MainWindow::showNoticeText()
+{
+    if (!m_noticeKey.isEmpty()) {
+        m_notice->setText(hostText(m_noticeKey).arg(reasonText(m_noticeArgument)));
+    }
 }
 
 void MainWindow::showProject()

@@ -89,6 +89,7 @@ private:
     void post(velorn::msgcenter::EnumMsgKind kind, const QString& text);
     void chooseLanguage(int index);
     void setTexts();
+    void showNoticeText();
     void showProject();
 
     void openProject();

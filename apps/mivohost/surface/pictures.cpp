@@ -26,19 +26,10 @@ namespace mivohost {
 
 namespace {
 
-QScrollArea* sectionOf(QWidget* page)
-{
-    QWidget* ancestor = page;
-    while (ancestor != nullptr && qobject_cast<QScrollArea*>(ancestor) == nullptr) {
-        ancestor = ancestor->parentWidget();
-    }
-    return qobject_cast<QScrollArea*>(ancestor);
-}
-
 /// Chooses the page's section as a person does, by its button, and scrolls to the page.
 void showPage(QWidget* dialog, QWidget* page)
 {
-    auto* section = sectionOf(page);
+    auto* section = areaOf(page);
     auto* sections = dialog->findChild<QStackedWidget*>();
     const auto buttons = dialog->findChildren<QPushButton*>();
     int id = sections->indexOf(section);

@@ -30,7 +30,8 @@ namespace {
 constexpr int buttonHeight = 24;
 constexpr int pageMargin = 20; // of the section's column
 
-/// Finds the section of a page by what it stands in.
+} // namespace
+
 QScrollArea* areaOf(QWidget* page)
 {
     QWidget* ancestor = page;
@@ -39,8 +40,6 @@ QScrollArea* areaOf(QWidget* page)
     }
     return qobject_cast<QScrollArea*>(ancestor);
 }
-
-} // namespace
 
 /// A dot at the corner of each control that differs, over all of a section.
 class DifferenceMarks : public QWidget

@@ -21,6 +21,9 @@ namespace mivohost {
 class DifferenceMarks;
 class RuntimeThread;
 
+/// The section that a page stands in.
+QScrollArea* areaOf(QWidget* page);
+
 /// Puts settings back to their defaults out of the settings dialog: a control that differs has a
 /// mark, and "Put back to ..." in its context menu; a section has "Put this section back" at its
 /// end and in the context menu of its button. GUI thread.

@@ -198,6 +198,15 @@ QString settingText(const QString& name)
     return key ? settingText(*key) : name;
 }
 
+QString settingsText(const QStringList& names)
+{
+    QStringList texts;
+    for (const QString& name : names) {
+        texts.append(settingText(name));
+    }
+    return texts.join(QStringLiteral(", "));
+}
+
 QString valueText(const QString& name, const QVariant& kept)
 {
     const auto key = keyOf(name);

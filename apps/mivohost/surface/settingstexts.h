@@ -16,6 +16,9 @@ QString valueText(SettingsFile::Key key, const QVariant& value);
 QString settingText(const QString& name);
 QString valueText(const QString& name, const QVariant& kept);
 
+/// The settings of these names, as one text.
+QString settingsText(const QStringList& names);
+
 /// Why a setting of a file is not taken.
 QString refusedText(const SettingsFile::Refused& refused);
 /// Why a file could not be read.

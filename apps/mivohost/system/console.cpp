@@ -17,7 +17,7 @@ std::optional<int> parseCommandLine(QCommandLineParser& arguments)
         std::fprintf(stderr, "mivohost: %s\n", arguments.errorText().toUtf8().constData());
         return badArgument;
     }
-    if (arguments.isSet(help)) {
+    if (arguments.isSet(help) || arguments.isSet(QStringLiteral("help-all"))) {
         std::fputs(arguments.helpText().toUtf8().constData(), stdout);
         return finished;
     }

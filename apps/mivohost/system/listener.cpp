@@ -3,6 +3,7 @@
 #include "base/hostlog.h"
 #include "base/hosttext.h"
 #include "mivohostkit/runtimethread.h"
+#include "peripherals/udpinput.h"
 
 #include <QtNetwork/QNetworkProxy>
 #include <QtNetwork/QTcpSocket>
@@ -23,7 +24,7 @@ Listener::Listener(RuntimeThread& runtime, SettingsStore& store)
     });
     connect(&m_udp, &QUdpSocket::readyRead, this, [this] {
         char byte = 0;
-        while (m_udp.hasPendingDatagrams()) {
+        for (int i = 0; i < UdpInput::readAtOnce && m_udp.hasPendingDatagrams(); ++i) {
             m_udp.readDatagram(&byte, 1); // drops the rest
         }
     });
