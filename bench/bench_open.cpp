@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <functional>
 
 namespace {
 
@@ -101,42 +102,95 @@ void construct(benchmark::State& state)
 
 // --- Binding: from a store that is there until all values show ---
 
-int hopsOfBinding()
+/// Counts the calls that are queued to objects.
+class CallCount : public QObject
+{
+public:
+    bool eventFilter(QObject* /*object*/, QEvent* event) override
+    {
+        calls += event->type() == QEvent::MetaCall ? 1 : 0;
+        return false;
+    }
+
+    std::size_t calls = 0;
+};
+
+/// What binding the dialog takes.
+struct BindingCount
+{
+    std::size_t hops;
+    std::size_t connections;
+    std::size_t calls; ///< queued, of which each shows one of the store's values
+};
+
+BindingCount countBinding()
 {
     Ours host;
     SettingsView view(host.runtime, nullptr);
+    QApplication::processEvents();
+    CallCount count;
+    QApplication::instance()->installEventFilter(&count);
     const int before = host.runtime.hops;
     view.bind(host.store);
-    return host.runtime.hops - before;
+    const int hops = host.runtime.hops - before;
+    QApplication::processEvents();
+    return {static_cast<std::size_t>(hops), host.store.connections(), count.calls};
 }
 
-/// Shows what was read, by its number, in its share of the controls of a raw dialog.
-class RawBinding : public QObject
+template <typename Value>
+std::function<void(IMivoSettings&)> reads(Value (IMivoSettings::*getter)())
 {
-    Q_OBJECT
+    return [getter](IMivoSettings& store) { benchmark::DoNotOptimize((store.*getter)()); };
+}
 
-public:
-    std::vector<std::vector<std::pair<QWidget*, QVariant>>> shares;
+/// A raw dialog that was just made, and what each of the store's values is shown in.
+struct BoundRaw
+{
+    using Share = std::vector<std::pair<QWidget*, QVariant>>;
 
-public slots:
-    void show(int read)
+    opening::RawDialog raw;
+    std::vector<Share> shares;
+    std::vector<sigslot::scoped_connection> connections;
+
+    void queue(std::size_t value)
     {
-        for (const auto& [control, value] : shares[static_cast<std::size_t>(read)]) {
-            opening::showRawValue(control, value);
-        }
+        const auto show = [&share = shares[value]] {
+            for (const auto& [control, shown] : share) {
+                opening::showRawValue(control, shown);
+            }
+        };
+        QMetaObject::invokeMethod(raw.dialog.get(), show, Qt::QueuedConnection);
     }
 };
 
-struct BoundRaw
-{
-    opening::RawDialog raw;
-    std::unique_ptr<RawBinding> binding;
-    std::vector<sigslot::scoped_connection> connections;
+using S = IMivoSettings;
+
+/// What the pages read.
+const std::vector<std::function<void(S&)>> readsOfPages = {
+    reads(&S::getAutoStartSettings),
+    reads(&S::getTimedShutdownSettings),
+    reads(&S::getTimedAutomaticRestartSettings),
+    reads(&S::getProjectFileSettings),
+    reads(&S::getFileInfoSettings),
+    reads(&S::getCanvasColor),
+    reads(&S::getOutputColor),
+    reads(&S::getUndoStep),
+    reads(&S::getAutoSyncResources),
+    reads(&S::getResourceSettings),
+    reads(&S::getPPTSysSettings),
+    reads(&S::getTcpPort),
+    reads(&S::getUdpPort),
+    reads(&S::getDisplayControlSettings),
+    reads(&S::getFadeInTime),
+    reads(&S::getFadeOutTime),
+    reads(&S::getGraphicsCard),
+    reads(&S::getDisplayTechnologyStandard),
+    reads(&S::getDynamicRangeConfig),
 };
 
-/// A raw dialog that was just made: as many calls over a bare thread as the pages need, of which
-/// one for each page connects to signals of the store, and the others read a value each. What was
-/// read is queued by the name of a slot, and shown in its share of the controls.
+/// As many calls over a bare thread as the pages need: one for each page connects to signals of the
+/// store, and the others read a record or value each. As many signals are connected and as many
+/// values queued as by the pages, and the values are shown in the same controls.
 void bindFloor(benchmark::State& state)
 {
     prepare(false);
@@ -146,37 +200,45 @@ void bindFloor(benchmark::State& state)
     const auto isPage = [](const opening::RawPart& part) { return part.kind == "page"; };
     const auto pages =
         static_cast<std::size_t>(std::count_if(recipe.begin(), recipe.end(), isPage));
-    const std::size_t reads = static_cast<std::size_t>(hopsOfBinding()) - pages;
+    const BindingCount count = countBinding();
+    const std::size_t reads = readsOfPages.size();
+    if (count.hops != pages + reads) {
+        state.SkipWithError("the pages do not read what the floor reads");
+    }
     BareThread thread;
     TestStore store;
-    std::vector<sigslot::signal<const int>> changed(reads);
+    std::vector<sigslot::signal<const int>> changed(count.connections);
     const auto makeUnbound = [&] {
-        BoundRaw made{opening::makeRaw(recipe, *texts), std::make_unique<RawBinding>(), {}};
-        made.binding->shares.resize(reads);
+        BoundRaw made{opening::makeRaw(recipe, *texts), {}, {}};
+        made.shares.resize(count.calls);
+        made.connections.reserve(count.connections);
         for (std::size_t i = 0; i < bound.size(); ++i) {
             if (bound[i].value.isValid()) {
-                made.binding->shares[i % reads].emplace_back(made.raw.parts[i], bound[i].value);
+                made.shares[i % count.calls].emplace_back(made.raw.parts[i], bound[i].value);
             }
         }
         QApplication::processEvents();
         return made;
     };
     measure(state, makeUnbound, [&](BoundRaw& made) {
-        RawBinding* binding = made.binding.get();
-        const auto queue = [binding](int read) {
-            QMetaObject::invokeMethod(binding, "show", Qt::QueuedConnection, Q_ARG(int, read));
-        };
+        const auto queue = [&made](int value) { made.queue(static_cast<std::size_t>(value)); };
         for (std::size_t page = 1; page <= pages; ++page) {
             thread.call([&] {
-                while (made.connections.size() < page * reads / pages) {
+                while (made.connections.size() < page * changed.size() / pages) {
                     made.connections.emplace_back(changed[made.connections.size()].connect(queue));
                 }
                 return 0;
             });
         }
-        for (std::size_t read = 0; read < reads; ++read) {
-            benchmark::DoNotOptimize(thread.call([&store] { return store.getUndoStep(); }));
-            queue(static_cast<int>(read));
+        std::size_t queued = 0;
+        for (std::size_t i = 0; i < reads; ++i) {
+            thread.call([&] {
+                readsOfPages[i](store);
+                return 0;
+            });
+            while (queued < (i + 1) * count.calls / reads) {
+                made.queue(queued++);
+            }
         }
         QApplication::processEvents();
     });
@@ -197,7 +259,7 @@ void bind(benchmark::State& state)
             view->bind(host.store);
             QApplication::processEvents();
         });
-    state.counters["hops"] = hopsOfBinding();
+    state.counters["hops"] = static_cast<double>(countBinding().hops);
 }
 
 // --- The first frame, and showing again what was closed ---
@@ -315,5 +377,3 @@ const bool added = [] {
 }();
 
 } // namespace
-
-#include "bench_open.moc"

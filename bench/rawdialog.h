@@ -111,7 +111,9 @@ inline RawPart partOf(const QWidget* control)
     } else if (const auto* time = qobject_cast<const QTimeEdit*>(control)) {
         part.format = time->displayFormat();
     }
-    part.value = valueOf(control);
+    if (control->parentWidget()->isEnabled()) { // else of a service that is not there
+        part.value = valueOf(control);
+    }
     return part;
 }
 

@@ -1,3 +1,4 @@
+#include <mivosettingswidgets/queuedtypes.h>
 #include <mivosettingswidgets/storeaccess.h>
 
 #include "support/pagecases.h"
@@ -377,6 +378,26 @@ TEST(StoreAccess, LetsFailuresReachTheCaller)
     runtime.takePosted();
     runtime.call([&] { callInRuntime(&runtime, "", 1, "f", [] {}); });
     EXPECT_TRUE(runtime.takePosted().empty()) << "straight through on the runtime thread";
+}
+
+TEST(QueuedCalls, FindTheSlotOfTheClassByNameAndTypes)
+{
+    const QtLog log;
+    QLabel label;
+    QLineEdit edit;
+    for (int round = 0; round < 2; ++round) { // searched, then known
+        queueCall(&label, "setText", QStringLiteral("text"));
+        queueCall(&edit, "setText", QStringLiteral("another class"));
+        queueCall(&label, "setNum", 2.5);
+        settleEvents();
+        EXPECT_EQ(edit.text(), "another class");
+        EXPECT_EQ(label.text(), "2.5");
+        queueCall(&label, "setNum", 7);
+        queueCall(&label, "setNum", QString());
+        settleEvents();
+        EXPECT_EQ(label.text(), "7");
+        EXPECT_NE(QtLog::take().find("No such method QLabel::setNum(QString)"), std::string::npos);
+    }
 }
 
 } // namespace pagestest

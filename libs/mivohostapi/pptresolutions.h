@@ -36,6 +36,6 @@ inline QSize pptResolution(int key)
         return {};
     }
     const QString& text = found->second;
-    return {text.section(QLatin1Char('*'), 0, 0).toInt(),
-            text.section(QLatin1Char('*'), 1).toInt()};
+    const int separator = text.indexOf(QLatin1Char('*'));
+    return {text.leftRef(separator).toInt(), text.midRef(separator + 1).toInt()};
 }

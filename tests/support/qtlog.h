@@ -2,6 +2,7 @@
 
 #include <QtCore/QStringList>
 
+#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -20,8 +21,9 @@ private:
     static inline QStringList s_lines;
     QtMessageHandler m_previous = qInstallMessageHandler(
         [](QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
-            if (type == QtWarningMsg
-                && (message.startsWith("--") || message.startsWith("_settings"))) {
+            const auto begins = [&message](const char* start) { return message.startsWith(start); };
+            const auto starts = {"--", "_settings", "QMetaObject::invokeMethod"};
+            if (type == QtWarningMsg && std::any_of(starts.begin(), starts.end(), begins)) {
                 s_lines.append(message);
             }
         });

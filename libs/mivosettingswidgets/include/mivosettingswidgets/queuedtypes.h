@@ -4,15 +4,18 @@
 #include "mivohostapi/settingsrecords.h"
 #include "mivohostapi/shortcuttypes.h"
 #include "mivohostapi/soundcardrecords.h"
+#include "mivosettingswidgets/export.h"
 
-#include <QtCore/QByteArray>
+#include <QtCore/QByteArrayList>
 #include <QtCore/QMetaObject>
 #include <QtCore/QMetaType>
+#include <QtCore/QObject>
 #include <QtCore/QString>
 #include <QtGui/QColor>
 
 #include <cstdint>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace mivo::widgets {
@@ -93,6 +96,46 @@ const char* queuedTypeName()
         return QMetaObject::normalizedType(queuedTypeText<T>);
     }();
     return name.constData();
+}
+
+/// The types of all arguments, as they stand in a signature; always the same object. Any thread.
+template <typename... T>
+const QByteArray& queuedParameters()
+{
+    static const QByteArray parameters =
+        '(' + QByteArrayList({queuedTypeName<T>()...}).join(',') + ')';
+    return parameters;
+}
+
+/// The index of a class's slot by its name and the queuedParameters(), as of indexOfMethod(): -1
+/// where there is none. What was found is kept, so the library that holds the class stays loaded.
+/// Any thread.
+MIVOSETTINGSWIDGETS_EXPORT int indexOfSlot(const QMetaObject* type, const char* name,
+                                           const QByteArray& parameters);
+
+/// Calls the slot of that name with `values` from the event loop; Qt warns of one that there is
+/// not. Any thread.
+template <typename... T>
+void queueCall(QObject* receiver, const char* slot, const T&... values)
+{
+    const int index = indexOfSlot(receiver->metaObject(), slot, queuedParameters<T...>());
+    if (index == -1) {
+        QMetaObject::invokeMethod(receiver, slot, Qt::QueuedConnection,
+                                  QGenericArgument(queuedTypeName<T>(), &values)...);
+        return;
+    }
+    // What Qt itself does for a slot by its name, without looking up the slot and its types again.
+    QMetaObject::invokeMethod(
+        receiver,
+        [receiver, index, kept = std::make_tuple(values...)] {
+            const auto call = [receiver, index](const T&... each) {
+                void* arguments[] = {nullptr,
+                                     const_cast<void*>(static_cast<const void*>(&each))...};
+                QMetaObject::metacall(receiver, QMetaObject::InvokeMetaMethod, index, arguments);
+            };
+            std::apply(call, kept);
+        },
+        Qt::QueuedConnection);
 }
 
 } // namespace mivo::settings

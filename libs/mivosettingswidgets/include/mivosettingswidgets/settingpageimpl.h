@@ -256,8 +256,7 @@ protected:
     template <typename... T>
     void queue(const char* slot, const T&... values)
     {
-        QMetaObject::invokeMethod(this, slot, Qt::QueuedConnection,
-                                  QGenericArgument(queuedTypeName<T>(), &values)...);
+        queueCall(this, slot, values...);
     }
 
 private:

@@ -2,6 +2,7 @@
 
 #include "mivosettingswidgets/controls.h"
 #include "mivosettingswidgets/export.h"
+#include "mivosettingswidgets/queuedtypes.h"
 
 #include <mivowidgets/checkbox.h>
 
@@ -16,10 +17,7 @@ public:
     using CheckBox::CheckBox;
 
     /// Has the value shown from the event loop. Any thread.
-    void queueChecked(bool on)
-    {
-        QMetaObject::invokeMethod(this, "setChecked", Qt::QueuedConnection, Q_ARG(bool, on));
-    }
+    void queueChecked(bool on) { queueCall(this, "setChecked", on); }
 
 public Q_SLOTS:
     /// Shows a value of the store: of the signals only shown() is emitted, so that the value is not

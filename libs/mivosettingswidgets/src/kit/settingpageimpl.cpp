@@ -25,6 +25,7 @@ void SettingPageImplBase::connectFollowed()
         if (std::exchange(m_unset, false)) {
             m_connections.clear();
         }
+        m_connections.reserve(m_connections.size() + m_followed.size());
         for (const auto& connectTo : m_followed) {
             m_connections.emplace_back(connectTo());
         }

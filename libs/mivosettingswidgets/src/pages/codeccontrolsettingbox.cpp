@@ -12,6 +12,8 @@
 
 #include <array>
 #include <optional>
+#include <utility>
+#include <vector>
 
 namespace mivo::settings {
 
@@ -116,6 +118,7 @@ private:
     ComboBox* m_card = new ComboBox(owner);
     ComboBox* m_range = new ComboBox(owner);
     ComboBox* m_bitDepth = new ComboBox(owner);
+    std::vector<std::uint32_t> m_shownDepths; // that can be chosen
     ComboBox* m_standard = new ComboBox(owner);
     QLabel* m_restartIcon = new QLabel;
     QLabel* m_restartText = new QLabel;
@@ -259,11 +262,15 @@ void CodecControlSettingBox::Impl::onDisplayTechnologyStandardsComBoxChanged()
 
 void CodecControlSettingBox::Impl::showBitDepths(std::uint32_t rangeMode)
 {
+    const auto depths = bitDepths(rangeMode);
     const QSignalBlocker blocker(m_bitDepth);
-    m_bitDepth->clear();
-    for (const std::uint32_t depth : bitDepths(rangeMode)) {
-        m_bitDepth->addItem(QLatin1String(textOfBitDepth(depth)));
+    if (std::exchange(m_shownDepths, depths) != depths) {
+        m_bitDepth->clear();
+        for (const std::uint32_t depth : depths) {
+            m_bitDepth->addItem(QLatin1String(textOfBitDepth(depth)));
+        }
     }
+    m_bitDepth->setCurrentIndex(0);
 }
 
 void CodecControlSettingBox::Impl::setDynamicRange(const DynamicRangeConfig& dynamicRangeConfig)

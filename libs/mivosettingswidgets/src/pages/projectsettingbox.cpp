@@ -41,10 +41,7 @@ public:
     void onIntervalChanged(int minutes) { queue("setAutoSaveProjectFilesInterval", minutes); }
     void onMaxNumChanged(int saves) { queue("setAutoSaveProjectFilesMaxNum", saves); }
     void onStoredPathChanged(const QString& path) { queue("setAutoSavePath", path); }
-    void onProgramsChanged()
-    {
-        QMetaObject::invokeMethod(this, "updateDefaultPlayBtnText", Qt::QueuedConnection);
-    }
+    void onProgramsChanged() { queue("updateDefaultPlayBtnText"); }
 
     std::weak_ptr<IProgramDispatch> programDispatch;
     QString checkIconPath;

@@ -341,18 +341,17 @@ void StageSettingBox::Impl::ColorRow::show(const QColor& color)
 
 QString StageSettingBox::Impl::ColorRow::color() const
 {
-    QString text = QStringLiteral("#");
-    for (const SpinEditBox* box : channels) {
-        text += QStringLiteral("%1").arg(static_cast<int>(box->value()), 2, 16, QLatin1Char('0'));
-    }
-    return text;
+    const auto value = [this](Channel channel) {
+        return static_cast<int>(channels[channel]->value());
+    };
+    return QColor(value(red), value(green), value(blue)).name();
 }
 
 void StageSettingBox::Impl::ColorRow::refresh()
 {
     const QString shown = color();
     hexEdit->setText(shown);
-    const QString style = "QPushButton{background-color:" + shown + ";}";
+    const QString style = QStringLiteral("QPushButton{background-color:%1;}").arg(shown);
     if (picker->styleSheet() != style) { // setting one is slow, even the same one
         picker->setStyleSheet(style);
     }
