@@ -139,6 +139,7 @@ TEST(InputWords, SayWhatCameIn)
         {{"/b\0\0,bhd\0\0\0\0\0\0\0\1x\0\0\0\0\0\0\0\0\0\0\7\x3f\xe0\0\0\0\0\0\0", 36},
          "/b  blob (1), int64 7, double 0.5"},
         {{"/c\0\0,cm\0\0\0\0A\0\x90\x3c\x64", 16}, "/c  char A, midi 00 90 3C 64"},
+        {{"/b\0\0,b\0\0\0\0\0\x7f", 12}, "No message of OSC (12 bytes)"},
         {"junk", "No message of OSC (4 bytes)"}};
     for (const auto& [bytes, words] : osc) {
         EXPECT_EQ(oscWords(bytes, bytes.size()), words);

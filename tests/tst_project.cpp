@@ -154,7 +154,14 @@ TEST_F(ProjectTest, AnEndThatNobodyWasAskedAboutLosesNothing)
     file->play(9);
     file->rescue();
     file->rescue();
-    ASSERT_EQ(savesOf("show-*.mivo").size(), 1);
+    EXPECT_EQ(savesOf("show-*.mivo").size(), 1);
+    const auto kept = [this] {
+        return runtime.call([this] { return store->getUnsavedProject(); });
+    };
+    file->goOn();
+    EXPECT_EQ(kept(), "");
+    file->rescue();
+    ASSERT_EQ(savesOf("show-*.mivo").size(), 2) << "unsaved as before";
 
     const auto restart = [this] {
         start(QVariantHash(store->kept.rows));
@@ -162,7 +169,7 @@ TEST_F(ProjectTest, AnEndThatNobodyWasAskedAboutLosesNothing)
         QTest::qWait(50);
         return found.value(0).value(0).toString();
     };
-    EXPECT_EQ(restart(), path("saves/" + savesOf("*").value(0)));
+    EXPECT_EQ(restart(), path("saves/" + savesOf("*").value(1)));
     file->openUnsaved();
     EXPECT_TRUE(
         QTest::qWaitFor([this] { return playing() == -1 && !file->requests().isWaiting(); }));
@@ -174,6 +181,10 @@ TEST_F(ProjectTest, AnEndThatNobodyWasAskedAboutLosesNothing)
     file->rescue();
     const QString own = restart();
     EXPECT_TRUE(own.contains("/projectbackups/unnamed-")) << own.toStdString();
+    file->play(1);
+    file->rescue();
+    file->goOn();
+    EXPECT_EQ(kept(), own) << "nobody has answered yet";
     EXPECT_TRUE(QFile::remove(own));
     file->forgetUnsaved();
     EXPECT_EQ(restart(), "");

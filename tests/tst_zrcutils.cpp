@@ -81,8 +81,8 @@ TEST_F(Utils, AFileIsReplacedAsAWholeOrNotAtAll)
     EXPECT_TRUE(folderWritePermission(deep.toStdString()));
 
     fs::create_directory(root / "folder");
-    for (const fs::path& no :
-         {root / "no such" / "file", root / "folder", root / "NUL", root / "a?"}) {
+    for (const fs::path& no : {root / "no such" / "file", root / "folder", root / "NUL",
+                               root / "a?", fs::u8path(root.u8string() + "/a:b")}) {
         EXPECT_FALSE(save(no, "x")) << no;
     }
     EXPECT_EQ(std::distance(fs::directory_iterator(root), {}), 3) << "something was left behind";

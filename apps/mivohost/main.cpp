@@ -30,6 +30,7 @@
 #include "system/looks.h"
 #include "system/power.h"
 #include "system/runninginstance.h"
+#include "system/sleepwatch.h"
 #include "system/timedactions.h"
 #include "zrcutils/nocachefile.h"
 
@@ -95,19 +96,6 @@ std::map<SettingsStore::Key, QVariant> defaultFolders(const QDir& data)
             {Key::sharePath, data.filePath(QStringLiteral("sharedfolder"))}};
 }
 
-/// The number that an option has, or 0 without the option. Nothing if it is another than `low` to
-/// `high`.
-std::optional<int> numberOf(const QCommandLineParser& arguments, const QString& option, int low,
-                            int high)
-{
-    if (!arguments.isSet(option)) {
-        return 0;
-    }
-    bool isNumber = false;
-    const int number = arguments.value(option).toInt(&isNumber);
-    return isNumber && number >= low && number <= high ? std::optional(number) : std::nullopt;
-}
-
 /// Lets the event loop run so long.
 void wait(int seconds)
 {
@@ -119,8 +107,8 @@ void wait(int seconds)
 
 /// The program with its window, from here to its end.
 int runWindow(MainWindow& window, ProjectFile& project, RuntimeThread& runtime,
-              SettingsStore& store, Synchroniser* synchroniser, bool storeIsCopy,
-              const QCommandLineParser& arguments, int simulatedDevices)
+              SettingsStore& store, Peripherals& peripherals, Synchroniser* synchroniser,
+              bool storeIsCopy, const QCommandLineParser& arguments, int simulatedDevices)
 {
     const auto notify = [&window](const char* key) {
         return [&window, key = QString::fromLatin1(key)](const QString& reason) {
@@ -141,6 +129,19 @@ int runWindow(MainWindow& window, ProjectFile& project, RuntimeThread& runtime,
     QObject::connect(&ends, &EndRequests::requested, [&project] {
         project.rescue(); // now, for where the display has gone no event is handled any more
         QApplication::quit();
+    });
+    const SleepWatch sleep(window);
+    QObject::connect(&sleep, &SleepWatch::goingToSleep, [&project] {
+        hostLog()->info("the machine goes to sleep");
+        project.rescue(); // it may run out of power
+    });
+    QObject::connect(&sleep, &SleepWatch::awake, [&project, &peripherals, synchroniser] {
+        hostLog()->info("the machine is awake");
+        project.goOn();
+        peripherals.reopen();
+        if (synchroniser != nullptr) {
+            synchroniser->reconnect();
+        }
     });
     const TimedActions timed(
         runtime, store,
@@ -374,9 +375,9 @@ int run(const QCommandLineParser& arguments)
                     refuse(notWritten, QStringLiteral("cannot write pictures to ") + folder, false);
             }
         } else {
-            code =
-                runWindow(window, project, runtime, *store, synchroniser ? &*synchroniser : nullptr,
-                          damaged, arguments, *simulatedDevices);
+            code = runWindow(window, project, runtime, *store, peripherals,
+                             synchroniser ? &*synchroniser : nullptr, damaged, arguments,
+                             *simulatedDevices);
         }
     }
     runtime.call([&store] { store.reset(); });

@@ -30,7 +30,12 @@ std::wstring longPath(const std::string& path)
     if (full.compare(0, 4, LR"(\\.\)") == 0) {
         return {};
     }
-    if (full.compare(0, 4, LR"(\\?\)") == 0) {
+    const bool isLong = full.compare(0, 4, LR"(\\?\)") == 0;
+    // Behind the one of the drive, a colon names a part of another file, which no listing shows.
+    if (full.find(L':', isLong ? 6 : 2) != std::wstring::npos) {
+        return {};
+    }
+    if (isLong) {
         return full;
     }
     return full.compare(0, 2, LR"(\\)") == 0 ? LR"(\\?\UNC)" + full.substr(1) : LR"(\\?\)" + full;

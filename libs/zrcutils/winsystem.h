@@ -13,7 +13,8 @@
 namespace zrcutils {
 
 /// The absolute path of one in UTF-8, in the form that has no limit of MAX_PATH. Empty for what is
-/// no path, and for a device such as NUL, which may take any name and any byte.
+/// no path, for a device such as NUL, which may take any name and any byte, and for a named stream
+/// of a file.
 std::wstring longPath(const std::string& path);
 
 /// The system's words for one of its codes, UTF-8.

@@ -74,6 +74,12 @@ void ShowLink::send(const std::vector<SentChange>& batch)
     });
 }
 
+void ShowLink::reconnect()
+{
+    m_failures = 0;
+    fail(QStringLiteral("the machine has slept"));
+}
+
 void ShowLink::readAgain(const QString& reason)
 {
     m_revision = 0;

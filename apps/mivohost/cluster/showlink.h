@@ -31,6 +31,10 @@ public:
     /// Answered unless the connection is lost.
     void send(const std::vector<SentChange>& batch);
 
+    /// Connects anew at once, as after the machine has slept: a connection that looks alive may be
+    /// dead, and a pause has lasted long enough.
+    void reconnect();
+
     /// Has all be read again, after a pause.
     void readAgain(const QString& reason);
 

@@ -129,6 +129,11 @@ Synchroniser::~Synchroniser()
     m_runtime.call([] {}); // what the link has posted is done
 }
 
+void Synchroniser::reconnect()
+{
+    QMetaObject::invokeMethod(m_link, &ShowLink::reconnect, Qt::QueuedConnection);
+}
+
 QByteArray Synchroniser::prefixOf(const QString& show)
 {
     return "/mivo/1/" + show.toUtf8() + '/';

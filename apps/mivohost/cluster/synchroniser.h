@@ -41,6 +41,9 @@ public:
     /// Begins, once whoever shares something has told what this machine has.
     void start() { m_thread.start(); }
 
+    /// See ShowLink.
+    void reconnect();
+
     /// The first key and those behind it up to etcd::endOf(): all keys of a show.
     static QByteArray prefixOf(const QString& show);
 

@@ -220,6 +220,14 @@ void MidiService::setEnabled(bool on)
     enabledChanged(on);
 }
 
+void MidiService::reopen()
+{
+    if (m_enabled) {
+        m_inputs.clear();
+        look();
+    }
+}
+
 std::vector<SMIDIDevInfo> MidiService::devices() const
 {
     return m_devices;

@@ -39,6 +39,8 @@ public:
 
     void setEnabled(bool on) override;
     bool isEnabled() const override { return m_enabled; }
+    /// Opens all inputs anew: one that was away unseen is listed as before, but sends nothing.
+    void reopen();
     std::vector<mivo::peripheralcontrol::SMIDIDevInfo> devices() const override;
 
     /// Gets every message of a device but clock, active sensing and system exclusive; borrowed.

@@ -63,9 +63,7 @@ Peripherals::Peripherals(RuntimeThread& runtime, SettingsStore& store, const Kep
 void Peripherals::apply(const Kept& kept)
 {
     if (kept.listenAddress != m_listenAddress) {
-        m_listenAddress = kept.listenAddress;
-        m_osc.setAddress(QHostAddress(m_listenAddress));
-        m_dmx.setAddress(QHostAddress(m_listenAddress));
+        listenAt(kept.listenAddress);
     }
     m_midi.setEnabled(kept.midiEnabled);
     if (!(kept.osc == m_osc.info())) {
@@ -81,11 +79,22 @@ void Peripherals::reload()
     apply(m_runtime.call([this] { return Kept::of(m_store); }));
 }
 
-void Peripherals::setListenAddress(const QString& address)
+void Peripherals::reopen()
+{
+    m_midi.reopen();
+    listenAt(m_listenAddress);
+}
+
+void Peripherals::listenAt(const QString& address)
 {
     m_listenAddress = address;
     m_osc.setAddress(QHostAddress(address));
     m_dmx.setAddress(QHostAddress(address));
+}
+
+void Peripherals::setListenAddress(const QString& address)
+{
+    listenAt(address);
     writing(m_runtime, m_store, &SettingsStore::setListenAddress)(address);
 }
 

@@ -29,6 +29,9 @@ public:
     /// The manager must go first, or is told by the services that they go.
     void giveTo(mivo::settings::ShortCutMgr& manager);
 
+    /// Opens all inputs anew, as after the machine has slept: network cards may have other numbers.
+    void reopen();
+
     /// The address of this machine at which OSC and DMX listen; empty for all.
     const QString& listenAddress() const { return m_listenAddress; }
     void setListenAddress(const QString& address);
@@ -48,6 +51,7 @@ private:
 
     Peripherals(RuntimeThread& runtime, SettingsStore& store, const Kept& kept);
     void apply(const Kept& kept);
+    void listenAt(const QString& address);
 
     RuntimeThread& m_runtime;
     SettingsStore& m_store;

@@ -294,7 +294,19 @@ void ProjectFile::rescue()
     const QString file = m_autoSave->saveAtTheEnd();
     if (!file.isEmpty()) {
         m_settledRevision = revision;
+        if (!m_unsavedBefore) {
+            m_unsavedBefore = unsavedProject();
+        }
         m_runtime.call([&] { m_store.setUnsavedProject(file); });
+    }
+}
+
+void ProjectFile::goOn()
+{
+    if (m_unsavedBefore) {
+        m_settledRevision = -1;
+        m_runtime.call([this] { m_store.setUnsavedProject(*m_unsavedBefore); });
+        m_unsavedBefore.reset();
     }
 }
 

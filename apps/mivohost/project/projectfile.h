@@ -12,6 +12,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace mivohost {
@@ -89,6 +90,10 @@ public:
     /// touches no widget. The next start offers what was saved.
     void rescue();
 
+    /// The program goes on after a rescue(), as when the machine has slept: its changes are unsaved
+    /// as before, and what rescue() saved is not offered.
+    void goOn();
+
     /// Opens what unsavedFound() told of, as unsaved changes of its project, or forgets it.
     void openUnsaved();
     void forgetUnsaved();
@@ -132,6 +137,7 @@ private:
     mivo::qutils::FileTask m_check;
     QStringList m_missing;
     int m_settledRevision = -1;                     // its changes are discarded or rescued
+    std::optional<QString> m_unsavedBefore;         // what was to be offered before rescue()
     std::vector<sigslot::connection> m_connections; // runtime thread
 };
 

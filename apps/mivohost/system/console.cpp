@@ -28,4 +28,15 @@ std::optional<int> parseCommandLine(QCommandLineParser& arguments)
     return std::nullopt;
 }
 
+std::optional<int> numberOf(const QCommandLineParser& arguments, const QString& option, int low,
+                            int high)
+{
+    if (!arguments.isSet(option)) {
+        return 0;
+    }
+    bool isNumber = false;
+    const int number = arguments.value(option).toInt(&isNumber);
+    return isNumber && number >= low && number <= high ? std::optional(number) : std::nullopt;
+}
+
 } // namespace mivohost

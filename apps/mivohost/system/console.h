@@ -5,6 +5,7 @@
 #include <optional>
 
 class QCommandLineParser;
+class QString;
 
 namespace mivohost {
 
@@ -20,5 +21,10 @@ inline void useConsole() {}
 /// ends with the code that is returned. In place of QCommandLineParser::process(), which on Windows
 /// shows them in a box, and waits, where output goes into a file.
 std::optional<int> parseCommandLine(QCommandLineParser& arguments);
+
+/// The number that an option has, or 0 without the option. Nothing if it is another than `low` to
+/// `high`.
+std::optional<int> numberOf(const QCommandLineParser& arguments, const QString& option, int low,
+                            int high);
 
 } // namespace mivohost

@@ -28,7 +28,7 @@ LoadLanguageFile "${NSISDIR}\Contrib\Language files\English.nlf"
 LoadLanguageFile "${NSISDIR}\Contrib\Language files\SimpChinese.nlf"
 LangString InUse 1033 "mivohost is running. Close it, and try again."
 LangString InUse 2052 "mivohost 正在运行。请先将其关闭，然后重试。"
-LangString RemoveSettings 1033 "Remove your settings, shortcuts and saved projects of mivohost as well?"
+LangString RemoveSettings 1033 "Remove the settings, shortcuts and automatically saved projects of mivohost as well?"
 LangString RemoveSettings 2052 "是否同时删除 mivohost 的设置、快捷键和自动保存的项目？"
 
 ; Its file cannot be written while the program runs.
