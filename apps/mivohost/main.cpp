@@ -127,16 +127,14 @@ int runWindow(MainWindow& window, ProjectFile& project, RuntimeThread& runtime,
     }
     const EndRequests ends(window);
     QObject::connect(&ends, &EndRequests::requested, [&project] {
-        project.rescue(); // now, for where the display has gone no event is handled any more
+        project.rescue(); // now, as without a display no event is handled any more
         QApplication::quit();
     });
+    QObject::connect(&ends, &EndRequests::sessionEnds, &project, &ProjectFile::rescue);
+    QObject::connect(&ends, &EndRequests::sessionGoesOn, &project, &ProjectFile::goOn);
     const SleepWatch sleep(window);
-    QObject::connect(&sleep, &SleepWatch::goingToSleep, [&project] {
-        hostLog()->info("the machine goes to sleep");
-        project.rescue(); // it may run out of power
-    });
+    QObject::connect(&sleep, &SleepWatch::goingToSleep, &project, &ProjectFile::rescue);
     QObject::connect(&sleep, &SleepWatch::awake, [&project, &peripherals, synchroniser] {
-        hostLog()->info("the machine is awake");
         project.goOn();
         peripherals.reopen();
         if (synchroniser != nullptr) {

@@ -278,12 +278,8 @@ void MainWindow::closeEvent(QCloseEvent* event)
     const auto [start, files] = m_runtime.call([this] {
         return std::pair(m_store.getAutoStartSettings(), m_store.getProjectFileSettings());
     });
-    const bool hides = !m_quitting
-                       && hidesOnClose(start.closeSoftWareMinimize, m_tray && m_tray->isThere(),
-                                       qApp->isSavingSession());
-    if (qApp->isSavingSession()) {
-        m_project.rescue(); // nobody may be there to be asked
-    } else if (!hides && !files.notPromptForSave && !std::exchange(m_projectLeft, false)) {
+    const bool hides = !m_quitting && start.closeSoftWareMinimize && m_tray && m_tray->isThere();
+    if (!hides && !files.notPromptForSave && !std::exchange(m_projectLeft, false)) {
         event->ignore();
         leaveProject([this] {
             m_project.discardChanges();

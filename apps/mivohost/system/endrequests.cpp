@@ -31,8 +31,12 @@ EndRequests::EndRequests(const QWidget& window)
     alive = this;
     [[maybe_unused]] static const int registered = std::atexit(atExit);
     watch();
-    connect(qGuiApp, &QGuiApplication::commitDataRequest, this,
-            [&window] { explainDelay(window.winId(), hostText("SavingBeforeEnd")); });
+    // Else Qt closes the windows that are shown, and so the program, though that may be called off.
+    QGuiApplication::setFallbackSessionManagementEnabled(false);
+    connect(qGuiApp, &QGuiApplication::commitDataRequest, this, [this, &window] {
+        explainDelay(window.winId(), hostText("SavingBeforeEnd"));
+        emit sessionEnds();
+    });
 }
 
 EndRequests::~EndRequests()

@@ -28,11 +28,15 @@ signals:
     /// The last moment to save something without asking. When the display has gone the program ends
     /// as soon as the slots return, and no event is handled any more.
     void requested();
+    /// The session is to end and waits for the slots, though another program or the user may still
+    /// call that off. When it has ended the program is quit, or is there no more.
+    void sessionEnds();
+    /// It does not end after all. Only Windows tells.
+    void sessionGoesOn();
 
 private:
     void watch();
     void unwatch();
-    /// The session is about to end. What is shown is taken back with the window.
     static void explainDelay(WId window, const QString& reason);
 };
 

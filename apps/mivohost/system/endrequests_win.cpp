@@ -1,8 +1,7 @@
 #include "system/endrequests.h"
 
 #include "base/hostlog.h"
-
-#include <QtCore/qt_windows.h>
+#include "system/windowsmessages.h"
 
 #include <mutex>
 
@@ -47,6 +46,12 @@ void EndRequests::watch()
     }
     // It stays: taking it back waits for it, and it does not return when the console closes.
     [[maybe_unused]] static const BOOL registered = SetConsoleCtrlHandler(onControl, TRUE);
+    new WindowsMessages(this, [this](const MSG& message) {
+        if (message.message == WM_ENDSESSION && message.wParam == FALSE
+            && ShutdownBlockReasonDestroy(message.hwnd)) {
+            emit sessionGoesOn();
+        }
+    });
 }
 
 void EndRequests::unwatch()

@@ -19,8 +19,8 @@ public:
     explicit SleepWatch(const QWidget& window);
 
 signals:
-    /// It sleeps when the slots return, but does not wait long for them: Windows two seconds, Linux
-    /// five, unless it is set otherwise. May come twice.
+    /// It may run out of power meanwhile. It sleeps when the slots return, but does not wait long
+    /// for them: Windows two seconds, Linux five, unless it is set otherwise. May come twice.
     void goingToSleep();
     /// May come twice, and after no goingToSleep() where the battery was empty. Devices and
     /// networks may need some seconds more.

@@ -1,5 +1,6 @@
 #include "system/sleepwatch.h"
 
+#include "base/hostlog.h"
 #include "base/hosttext.h"
 
 #if MIVO_HAS_DBUS
@@ -14,6 +15,7 @@ namespace mivohost {
 
 void SleepWatch::take(bool isGoing)
 {
+    hostLog()->info("the machine {}", isGoing ? "goes to sleep" : "is awake");
     if (isGoing) {
         emit goingToSleep();
         m_request.reset();

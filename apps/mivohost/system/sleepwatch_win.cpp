@@ -1,4 +1,6 @@
 #include "system/sleepwatch.h"
+
+#include "base/hostlog.h"
 #include "system/windowsmessages.h"
 
 #include <QtCore/QLibrary>
@@ -34,6 +36,7 @@ SleepWatch::SleepWatch(const QWidget& window)
 
 void SleepWatch::take(bool isGoing)
 {
+    hostLog()->info("the machine {}", isGoing ? "goes to sleep" : "is awake");
     isGoing ? emit goingToSleep() : emit awake();
 }
 

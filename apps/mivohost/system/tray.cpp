@@ -4,11 +4,6 @@
 
 namespace mivohost {
 
-bool hidesOnClose(bool minimiseOnClose, bool hasTray, bool sessionEnds)
-{
-    return minimiseOnClose && hasTray && !sessionEnds;
-}
-
 Tray::Tray()
     : m_show(m_menu.addAction(QString())), m_settings(m_menu.addAction(QString())),
       m_quit(m_menu.addAction(QString())),

@@ -6,9 +6,6 @@
 
 namespace mivohost {
 
-/// Whether closing the main window hides it to the tray instead of ending the program.
-bool hidesOnClose(bool minimiseOnClose, bool hasTray, bool sessionEnds);
-
 /// The program's icon in the system's tray, with a menu; nothing where there is no tray. GUI
 /// thread.
 class Tray : public QObject
