@@ -1,5 +1,6 @@
-// The shortcut file beside bare RapidJSON that reads and writes the same records; covers beside the
-// calls that they consist of; the check for conflicts beside a cover that asks a hash; OSC from the
+// The shortcut file beside bare RapidJSON that reads and writes the same records; texts on covers
+// beside a hash in which each cover looks its own up; a file of duplicates beside the same by hand;
+// the check for conflicts beside a cover that asks a hash; OSC from the
 // network to the manager's signal beside a bare server that counts.
 
 #include "peripherals/oscservice.h"
