@@ -1,5 +1,6 @@
-// The shortcut file beside bare RapidJSON that reads and writes the same records; covers beside the
-// calls that they consist of; the check for conflicts beside a cover that asks a hash; OSC from the
+// The shortcut file beside bare RapidJSON that reads and writes the same records; texts on covers
+// beside a hash in which each cover looks its own up; a file of duplicates beside the same by hand;
+// the check for conflicts beside a cover that asks a hash; OSC from the
 // network to the manager's signal beside a bare server that counts.
 
 #include "peripherals/oscservice.h"
@@ -24,6 +25,8 @@
 #include <QtWidgets/QWidget>
 
 #include <atomic>
+#include <filesystem>
+#include <fstream>
 #include <map>
 #include <memory>
 #include <thread>
@@ -135,9 +138,13 @@ void coversFloor(benchmark::State& state)
 {
     Bound bound(static_cast<std::size_t>(state.range(0)));
     for (auto _ : state) {
-        for (int i = 0; i < bound.covers.size(); ++i) {
-            bound.covers[i]->shortCutStrChanged(
-                QString::fromStdString(bound.items[static_cast<std::size_t>(i)].shortCutStr));
+        std::unordered_map<int, const std::string*> texts; // covers come in any order
+        texts.reserve(bound.items.size());
+        for (const STShortCutItem& item : bound.items) {
+            texts[item.type] = &item.shortCutStr;
+        }
+        for (ShortCutCover* cover : bound.covers) {
+            cover->shortCutStrChanged(QString::fromStdString(*texts[cover->getShortCutIndex()]));
         }
         NoCacheFile::saveToFile(bound.path.toStdString(),
                                 mivo::settings::formatShortCuts(bound.items));
@@ -175,10 +182,34 @@ Items manyOfFewTypes(std::size_t count)
 
 void duplicatesFloor(benchmark::State& state)
 {
+    Bound bound(47);
+    const std::string path = bound.path.toStdString();
     const auto text =
         mivo::settings::formatShortCuts(manyOfFewTypes(static_cast<std::size_t>(state.range(0))));
     for (auto _ : state) {
-        benchmark::DoNotOptimize(mivo::settings::parseShortCuts(text).data());
+        NoCacheFile::saveToFile(path, text);
+        std::string content(std::filesystem::file_size(path), '\0');
+        std::ifstream(path, std::ios::binary)
+            .read(content.data(), static_cast<std::streamsize>(content.size()));
+        BareHandler handler;
+        rapidjson::StringStream stream(content.c_str());
+        rapidjson::Reader().Parse(stream, handler);
+        handler.items.pop_back(); // begun, but never read
+        std::unordered_map<int, const STShortCutItem*> last;
+        for (const STShortCutItem& item : handler.items) {
+            last[item.type] = &item;
+        }
+        for (ShortCutCover* cover : bound.covers) {
+            cover->shortCutStrChanged(
+                QString::fromStdString(last.at(cover->getShortCutIndex())->shortCutStr));
+        }
+        Items kept;
+        for (const STShortCutItem& item : handler.items) {
+            if (last[item.type] == &item) {
+                kept.push_back(item);
+            }
+        }
+        NoCacheFile::saveToFile(path, mivo::settings::formatShortCuts(kept));
     }
 }
 

@@ -218,6 +218,7 @@ TEST_F(ShortCuts, AKeyIsKnownToBeHeldThroughEveryChangeOfTheEntries)
         const STLinkShortCutInfo info = manager.linkShortCutInfo();
         Row all = info.indexShortCutList;
         all.insert(all.end(), info.pathShortCutList.begin(), info.pathShortCutList.end());
+        EXPECT_EQ(info.shortCutInfoList, all) << step << ": what the file holds";
         for (int key = 0; key < 5; ++key) {
             const std::string keys = "F" + std::to_string(key);
             const auto first = std::find_if(all.begin(), all.end(), [&keys](const auto& entry) {

@@ -76,6 +76,24 @@ bool canFollow(const SoundCardMappingList& mappings, const STSoundCardMappingInf
            && mapping.id > (mappings.empty() ? 0 : mappings.back().id);
 }
 
+std::optional<SoundCardMappingList> mappingsIn(const QJsonObject& root)
+{
+    if (!root[QLatin1String("mappings")].isArray()) {
+        return std::nullopt;
+    }
+    const QJsonArray values = root[QLatin1String("mappings")].toArray();
+    SoundCardMappingList mappings;
+    ChosenCards chosen;
+    for (const QJsonValue& value : values) {
+        STSoundCardMappingInfo mapping = fromJson(value.toObject());
+        if (!canFollow(mappings, mapping, chosen)) {
+            return std::nullopt;
+        }
+        mappings.push_back(std::move(mapping));
+    }
+    return mappings;
+}
+
 } // namespace
 
 bool isChosenElsewhere(const SoundCardMappingList& mappings, const STSoundCardMappingInfo& mapping,
@@ -100,26 +118,22 @@ bool mayBeNamed(const SoundCardMappingList& mappings, const STSoundCardMappingIn
 
 std::optional<SoundCardMappings::Kept> SoundCardMappings::parsed(const QString& text)
 {
-    Kept kept;
     if (text.isEmpty()) {
-        return kept;
+        return Kept();
     }
-    const QJsonObject root = QJsonDocument::fromJson(text.toUtf8()).object();
-    if (!root[QLatin1String("mappings")].isArray()) {
-        return std::nullopt;
-    }
-    const QJsonArray mappings = root[QLatin1String("mappings")].toArray();
-    ChosenCards chosen;
-    for (const QJsonValue& value : mappings) {
-        STSoundCardMappingInfo mapping = fromJson(value.toObject());
-        if (!canFollow(kept.mappings, mapping, chosen)) {
-            return std::nullopt;
+    // The store asks whether a text is valid and has it adopted then: it is parsed once for both.
+    thread_local QString lastText;
+    thread_local std::optional<Kept> last;
+    if (text != lastText) {
+        lastText = text;
+        last.reset();
+        const QJsonObject root = QJsonDocument::fromJson(text.toUtf8()).object();
+        if (auto mappings = mappingsIn(root)) {
+            const std::uint64_t highest = mappings->empty() ? 0 : mappings->back().id;
+            last = Kept{std::move(*mappings), std::max(numberIn(root, "nextId"), highest + 1)};
         }
-        kept.mappings.push_back(std::move(mapping));
     }
-    kept.nextId = std::max(numberIn(root, "nextId"),
-                           (kept.mappings.empty() ? 0 : kept.mappings.back().id) + 1);
-    return kept;
+    return last;
 }
 
 QString SoundCardMappings::written(const Kept& kept)

@@ -69,7 +69,7 @@ void KeyTable::load()
 {
     m_lists.indexShortCutList.clear();
     m_lists.pathShortCutList.clear();
-    forgetHolders();
+    noteChange();
     m_fileIsUnreadable = false;
     const CallSite site("loadShortCutInfoList");
     try {
@@ -96,12 +96,14 @@ void KeyTable::load()
 
 std::string KeyTable::save()
 {
-    // Assigned one by one, the entries keep the memory of their texts.
     Items& items = m_lists.shortCutInfoList;
-    items.resize(m_lists.indexShortCutList.size() + m_lists.pathShortCutList.size());
-    std::copy(m_lists.pathShortCutList.begin(), m_lists.pathShortCutList.end(),
-              std::copy(m_lists.indexShortCutList.begin(), m_lists.indexShortCutList.end(),
-                        items.begin()));
+    if (!std::exchange(m_isListed, true)) {
+        // Assigned one by one, the entries keep the memory of their texts.
+        items.resize(m_lists.indexShortCutList.size() + m_lists.pathShortCutList.size());
+        std::copy(m_lists.pathShortCutList.begin(), m_lists.pathShortCutList.end(),
+                  std::copy(m_lists.indexShortCutList.begin(), m_lists.indexShortCutList.end(),
+                            items.begin()));
+    }
     const CallSite site("saveShortCutInfoList");
     std::filesystem::path aside;
     try {
@@ -124,8 +126,9 @@ void KeyTable::put(EnumShortCutType type, const std::string& path, const std::st
 {
     const auto taken = takeOut(
         listOf(module), [&](const STShortCutItem& item) { return matches(item, type, path); });
+    m_isListed = false;
     if (!taken.empty()) {
-        forgetHolders();
+        noteChange();
     }
     (module == ShortCutModuleIndex ? m_lists.indexShortCutList : m_lists.pathShortCutList)
         .push_back({type, path, keys});
@@ -141,7 +144,7 @@ bool KeyTable::remove(EnumShortCutType type, const std::string& path, ShortCutMo
         return false;
     }
     items.erase(found);
-    forgetHolders();
+    noteChange();
     return true;
 }
 
@@ -159,7 +162,7 @@ std::vector<STShortCutItem> KeyTable::takeHoldersOf(const std::string& keys)
             *items, [&keys](const STShortCutItem& item) { return item.shortCutStr == keys; });
         holders.insert(holders.end(), taken.begin(), taken.end());
     }
-    forgetHolders();
+    noteChange();
     return holders;
 }
 

@@ -14,17 +14,21 @@ class KeyTable
 {
 public:
     const STLinkShortCutInfo& lists() const { return m_lists; }
-    /// Lets `change` do what it will with the lists.
+    /// Lets `change` do what it will with the lists; it returns whether it has changed any.
     template <typename Change>
     void edit(Change change)
     {
-        change(m_lists);
-        forgetHolders();
+        if (change(m_lists)) {
+            noteChange();
+        }
     }
     /// Replaces the lists, and returns what they were.
     STLinkShortCutInfo exchange(STLinkShortCutInfo lists)
     {
-        edit([&lists](STLinkShortCutInfo& held) { std::swap(held, lists); });
+        edit([&lists](STLinkShortCutInfo& held) {
+            std::swap(held, lists);
+            return true;
+        });
         return lists;
     }
 
@@ -74,11 +78,16 @@ private:
     {
         return module != ShortCutModulePath ? m_lists.indexShortCutList : m_lists.pathShortCutList;
     }
-    void forgetHolders() { m_indexHolders = m_pathHolders = {}; }
+    void noteChange()
+    {
+        m_indexHolders = m_pathHolders = {};
+        m_isListed = false;
+    }
 
     STLinkShortCutInfo m_lists;
     mutable Holders m_indexHolders;
     mutable Holders m_pathHolders;
+    bool m_isListed = false; // whether shortCutInfoList holds what the other two lists do
     bool m_fileIsUnreadable = false;
 };
 

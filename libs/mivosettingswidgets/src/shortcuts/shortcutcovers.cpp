@@ -101,19 +101,20 @@ void ShortCutCovers::pushTexts(const STLinkShortCutInfo& table) const
     }
 }
 
-void ShortCutCovers::takeTexts(STLinkShortCutInfo& table) const
+bool ShortCutCovers::takeTexts(STLinkShortCutInfo& table) const
 {
-    takeTexts<int>(
+    const bool isIndexOther = takeTexts<int>(
         m_byIndex, table.indexShortCutList, [](const STShortCutItem& item) { return item.type; },
         [](const Cover& cover) { return cover.getShortCutIndex(); });
-    takeTexts<std::string_view>(
+    const bool isPathOther = takeTexts<std::string_view>(
         m_byPath, table.pathShortCutList,
         [](const STShortCutItem& item) { return std::string_view(item.path); },
         [](const Cover& cover) { return std::string_view(cover.getShortCutPath()); });
+    return isIndexOther || isPathOther;
 }
 
 template <typename Key, typename OfItem, typename OfCover>
-void ShortCutCovers::takeTexts(const Set& covers, std::vector<STShortCutItem>& items,
+bool ShortCutCovers::takeTexts(const Set& covers, std::vector<STShortCutItem>& items,
                                OfItem keyOfItem, OfCover keyOfCover)
 {
     struct Place
@@ -127,6 +128,7 @@ void ShortCutCovers::takeTexts(const Set& covers, std::vector<STShortCutItem>& i
         places[keyOfItem(items[i])].last = i;
     }
     const bool areAllDifferent = places.size() == items.size();
+    bool isOther = !areAllDifferent;
     std::vector<STShortCutItem> added; // not yet to `items`, as keys refer to these
     for (const ShortCutCover* cover : covers) {
         const QString shown = cover->getShortCutStr();
@@ -145,12 +147,15 @@ void ShortCutCovers::takeTexts(const Set& covers, std::vector<STShortCutItem>& i
         }
         const std::size_t at = found->second.last;
         STShortCutItem& item = at < items.size() ? items[at] : added[at - items.size()];
+        isOther |= item.type != cover->getShortCutIndex();
         item.type = cover->getShortCutIndex();
         if (item.path != cover->getShortCutPath()) { // a key that refers to it stays good
             item.path = cover->getShortCutPath();
+            isOther = true;
         }
         if (!isSameAscii(shown, item.shortCutStr)) {
             item.shortCutStr = shown.toStdString();
+            isOther = true;
         }
     }
     // Of several entries with one key the cover shows the last one. The others are removed, as no
@@ -166,6 +171,7 @@ void ShortCutCovers::takeTexts(const Set& covers, std::vector<STShortCutItem>& i
         items = std::move(kept);
     }
     items.insert(items.end(), added.begin(), added.end());
+    return isOther || !added.empty();
 }
 
 void ShortCutCovers::showBindings(EnumPeripheralShortCutType kind,

@@ -49,8 +49,8 @@ public:
     /// Shows on every cover the keys of its entry; none where it has no entry.
     void pushTexts(const STLinkShortCutInfo& table) const;
     /// Writes the keys that covers show into the table, with the covers' paths; adds entries where
-    /// there are none.
-    void takeTexts(STLinkShortCutInfo& table) const;
+    /// there are none. False when the table already says all that.
+    bool takeTexts(STLinkShortCutInfo& table) const;
 
     /// Shows on the covers which controls of that kind of device are bound to them.
     static void showBindings(EnumPeripheralShortCutType kind,
@@ -88,7 +88,7 @@ private:
     };
 
     template <typename Key, typename OfItem, typename OfCover>
-    static void takeTexts(const Set& covers, std::vector<STShortCutItem>& items, OfItem keyOfItem,
+    static bool takeTexts(const Set& covers, std::vector<STShortCutItem>& items, OfItem keyOfItem,
                           OfCover keyOfCover);
 
     Set m_byIndex;

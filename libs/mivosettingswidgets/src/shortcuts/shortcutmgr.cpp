@@ -69,7 +69,8 @@ void ShortCutMgr::setAllShortCutStr()
 
 void ShortCutMgr::setProgramShortCutInfo()
 {
-    m_impl->keys.edit([this](STLinkShortCutInfo& lists) { m_impl->covers.takeTexts(lists); });
+    m_impl->keys.edit(
+        [this](STLinkShortCutInfo& lists) { return m_impl->covers.takeTexts(lists); });
 }
 
 void ShortCutMgr::setBindShortCutAndCover(const QList<ShortCutCover*>& covers)

@@ -142,30 +142,52 @@ void SoundCardColumn::setCards(const STDeviceSoundCards& known, std::uint64_t ma
     isOther |= replace(m_caption, known.caption.empty() ? device : known.caption);
     isOther |= replace(m_chosen, chosen);
     const auto offers = offersOf(known.soundCards, mapping);
-    const auto isSame = [](const STSoundCardInfo* one, const STSoundCardInfo& other) {
-        return *one == other;
-    };
-    const auto [card, place] =
-        std::mismatch(offers.begin(), offers.end(), m_offered.begin(), m_offered.end(), isSame);
-    const bool hasNew = card != offers.end();
-    if (!isOther && hasNew && !(m_chosen && m_chosen->id == (*card)->id)
-        && std::equal(card + 1, offers.end(), place, m_offered.end(), isSame)) {
-        // One more, as everywhere when a mapping is deleted: the others stay in the list.
-        const int item = static_cast<int>(place - m_offered.begin()) + 1; // behind "None"
-        const QSignalBlocker blocker(m_combo);
-        m_texts->insertRow(item);
-        m_texts->setData(m_texts->index(item), QString::fromStdString((*card)->caption));
-        m_offered.insert(place, **card);
-    } else if (hasNew || place != m_offered.end()) {
-        isOther = true;
+    if (isOther || !adaptOffers(offers)) {
         m_offered.resize(offers.size()); // keeps the elements, whose strings need no new memory
         std::transform(offers.begin(), offers.end(), m_offered.begin(),
                        [](const STSoundCardInfo* offer) { return *offer; });
-    }
-    if (isOther) {
         showAll();
     }
     m_isAsSet = true;
+}
+
+bool SoundCardColumn::adaptOffers(const std::vector<const STSoundCardInfo*>& offers)
+{
+    const auto isChosen = [this](const STSoundCardInfo& card) {
+        return m_chosen && card.id == m_chosen->id;
+    };
+    constexpr std::ptrdiff_t few = 2;
+    const auto more =
+        static_cast<std::ptrdiff_t>(offers.size()) - static_cast<std::ptrdiff_t>(m_offered.size());
+    if (std::abs(more) > few) {
+        return false;
+    }
+    const QSignalBlocker blocker(m_combo);
+    auto next = offers.begin();
+    for (std::size_t at = 0; next != offers.end() || at < m_offered.size();) {
+        const int item = static_cast<int>(at) + 1; // behind "None"
+        const auto place = m_offered.begin() + static_cast<std::ptrdiff_t>(at);
+        const auto isSame = [&place](const STSoundCardInfo* offer) { return *offer == *place; };
+        if (place != m_offered.end() && std::none_of(next, offers.end(), isSame)) {
+            if (isChosen(*place)) {
+                return false;
+            }
+            m_texts->removeRow(item);
+            m_offered.erase(place);
+            continue;
+        }
+        if (place == m_offered.end() || !isSame(*next)) {
+            if (isChosen(**next)) {
+                return false;
+            }
+            m_texts->insertRow(item);
+            m_texts->setData(m_texts->index(item), QString::fromStdString((*next)->caption));
+            m_offered.insert(place, **next);
+        }
+        ++next;
+        ++at;
+    }
+    return true;
 }
 
 void SoundCardColumn::setChosen(const STChosenSoundCard* chosen)

@@ -72,6 +72,9 @@ protected:
 
 private:
     bool isOffered(const std::string& id) const;
+    /// Offers these, by adding and removing the few items that differ. False, with something half
+    /// done, when all has to be shown anew: more differ, or the chosen card does.
+    bool adaptOffers(const std::vector<const STSoundCardInfo*>& offers);
     /// Whether the list is open, so that the caller must not change anything now.
     bool defersChange();
     void setListOpen(bool isOpen);

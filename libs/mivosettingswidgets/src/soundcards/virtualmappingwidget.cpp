@@ -263,17 +263,17 @@ void VirtualMappingWidget::Impl::placeColumns()
     std::vector<SoundCardColumn*> shown;
     std::copy_if(m_columns.begin(), m_columns.end(), std::back_inserter(shown),
                  [](const SoundCardColumn* column) { return !column->isHidden(); });
-    if (shown == m_placed) {
-        return;
+    const auto first = std::mismatch(m_placed.begin(), m_placed.end(), shown.begin(), shown.end());
+    for (auto column = first.first; column != m_placed.end(); ++column) {
+        delete m_grid->takeAt(m_grid->count() - 1);
     }
-    while (m_grid->count() > 0) {
-        delete m_grid->takeAt(0);
+    for (auto column = first.second; column != shown.end(); ++column) {
+        const int place = m_grid->count();
+        // addWidget() would look for it in all layouts of the editor, which takes long.
+        m_grid->addItem(new QWidgetItem(*column), place / columnsInRow, place % columnsInRow, 1, 1,
+                        Qt::AlignTop);
     }
     m_placed = std::move(shown);
-    for (SoundCardColumn* column : m_placed) {
-        const int place = m_grid->count();
-        m_grid->addWidget(column, place / columnsInRow, place % columnsInRow, Qt::AlignTop);
-    }
 }
 
 void VirtualMappingWidget::Impl::orderTabStops(const SoundCardColumn* column)
