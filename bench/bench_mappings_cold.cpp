@@ -57,8 +57,8 @@ std::unique_ptr<QScrollArea> shown(QWidget* page)
 
 std::unique_ptr<QScrollArea> makeFloor(int mappings, int devices)
 {
-    QStringList texts;
-    for (int card = 0; card < cardCount; ++card) {
+    QStringList texts{"None"};
+    for (int card = 0; card < cardCount - mappings + 1; ++card) { // the others are taken
         texts.append(QString::fromStdString(cardName(card)));
     }
     auto* page = new QWidget;
