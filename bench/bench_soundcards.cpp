@@ -4,8 +4,7 @@
 // lists of combo boxes were made for it, those of new boxes included. The initial set until it is
 // first seen and until the last box is made, which takes several turns of the loop; also with the
 // cards of this machine alone. The floor is a page of as many raw controls in the same look, on
-// which the same boxes are filled, made or hidden. Nothing changes on it when nothing of a cluster
-// has, so that has no floor.
+// which the same boxes are filled, made or hidden.
 
 #include "mivohostkit/runtimethread.h"
 #include "support/hostlanguage.h"
@@ -29,6 +28,8 @@
 #include <QtWidgets/QVBoxLayout>
 
 #include <algorithm>
+#include <array>
+#include <atomic>
 #include <chrono>
 #include <functional>
 #include <optional>
@@ -37,6 +38,7 @@
 namespace {
 
 using mivo::STSoundCardChangeInfo;
+using mivo::settings::STDeviceSoundCards;
 using mivo::settings::STSoundCardInfo;
 
 constexpr int mappingCount = 20;
@@ -69,10 +71,11 @@ double timeOf(const std::function<void()>& what)
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-class LargePage
+/// The store, and the thread that it lives on.
+class Mappings
 {
 public:
-    explicit LargePage(int lastDevice = deviceCount)
+    explicit Mappings(int lastDevice = deviceCount)
     {
         useLook(mivo::style::Look::dark);
         useHostLanguage("en");
@@ -87,6 +90,29 @@ public:
                 }
             }
         });
+    }
+
+    /// On the runtime thread.
+    void choose(std::uint64_t mapping, int device, int card)
+    {
+        store.changeSoundCardMappingRequested(STSoundCardChangeInfo{
+            mapping,
+            device == 0 ? mivo::SoundCardChangeLocalCard : mivo::SoundCardChangeClusterCard,
+            {},
+            {deviceName(device), cardId(card), {}, 2, 1}});
+    }
+
+    std::uint64_t lastMapping() { return store.getSoundCardMappings().mappings.back().id; }
+
+    mivohost::RuntimeThread runtime;
+    TestStore store;
+};
+
+class LargePage : public Mappings
+{
+public:
+    explicit LargePage(int lastDevice = deviceCount) : Mappings(lastDevice)
+    {
         makePage();
         runtime.call([this] { store.soundCards().announceMappings(); });
         finish();
@@ -121,18 +147,6 @@ public:
         settle();
     }
 
-    /// On the runtime thread.
-    void choose(std::uint64_t mapping, int device, int card)
-    {
-        store.changeSoundCardMappingRequested(STSoundCardChangeInfo{
-            mapping,
-            device == 0 ? mivo::SoundCardChangeLocalCard : mivo::SoundCardChangeClusterCard,
-            {},
-            {deviceName(device), cardId(card), {}, 2, 1}});
-    }
-
-    std::uint64_t lastMapping() { return store.getSoundCardMappings().mappings.back().id; }
-
     static void settle() { QApplication::processEvents(); }
     /// Until all is laid out and painted, which may take more than one turn.
     static void settleWhole() { QApplication::processEvents(QEventLoop::AllEvents, 1000); }
@@ -151,8 +165,6 @@ public:
         return taken;
     }
 
-    mivohost::RuntimeThread runtime;
-    TestStore store;
     QSet<const QObject*> counted; // no property of theirs: the page looks at widgets that have one
     QScrollArea area;
     mivo::settings::AudioSettingBox* page = nullptr;
@@ -174,7 +186,7 @@ void inTurns(benchmark::State& state, const std::function<double()>& one,
 }
 
 /// Runs on the runtime thread.
-using Change = void (*)(LargePage& large);
+using Change = void (*)(Mappings& large);
 
 void measure(benchmark::State& state, Change one, Change other)
 {
@@ -275,27 +287,24 @@ public:
         makeRow();
     }
 
-    /// One mapping takes another card: its old one is offered by the others, and its new one is
-    /// not.
-    void chooseOther() { swapCards(1, 5); }
-    void chooseFirst() { swapCards(5, 1); }
-
-    void removeCard()
+    /// Fills the boxes of each device of which other cards are offered.
+    void show(const QVector<STDeviceSoundCards>& devices)
     {
-        for (const auto& row : m_rows) {
-            row.boxes[changed].second->removeItem(m_texts.size() - 1);
+        for (int device = 0; device < devices.size(); ++device) {
+            const auto& cards = devices[device].soundCards;
+            auto& shown = m_shown[static_cast<std::size_t>(device)];
+            const auto isSame = [](const STSoundCardInfo& one, const STSoundCardInfo& other) {
+                return one == other && one.chosenIn == other.chosenIn;
+            };
+            if (std::equal(cards.begin(), cards.end(), shown.begin(), shown.end(), isSame)) {
+                continue;
+            }
+            shown = cards;
+            for (std::size_t row = 0; row < m_rows.size(); ++row) {
+                fill(*m_rows[row].boxes[static_cast<std::size_t>(device)].second, cards, row + 1);
+            }
         }
     }
-    void addCard()
-    {
-        for (const auto& row : m_rows) {
-            row.boxes[changed].second->addItem(m_texts.last());
-        }
-    }
-
-    /// A device that is away keeps its boxes, with what is chosen there.
-    void emptyBoxes() { fill(m_texts.mid(0, 2)); }
-    void fillBoxes() { fill(m_texts); }
 
     void hideBoxes() { setBoxesVisible(false); }
     void showBoxes() { setBoxesVisible(true); }
@@ -308,26 +317,23 @@ private:
         std::vector<std::pair<QWidget*, QComboBox*>> boxes;
     };
 
-    void swapCards(int freed, int taken)
+    static void fill(QComboBox& box, const std::vector<STSoundCardInfo>& cards,
+                     std::uint64_t mapping)
     {
-        constexpr std::size_t chooser = 6;
-        for (std::size_t row = 0; row < m_rows.size(); ++row) {
-            QComboBox* box = m_rows[row].boxes[changed].second;
-            if (row == chooser) {
-                box->setCurrentIndex(taken);
-            } else {
-                box->removeItem(taken);
-                box->insertItem(freed, m_texts[freed]);
+        const QSignalBlocker blocker(box);
+        QStringList texts{"None"};
+        int chosen = 0;
+        for (const STSoundCardInfo& card : cards) {
+            if (card.chosenIn == mapping) {
+                chosen = texts.size();
+            }
+            if (card.chosenIn == 0 || card.chosenIn == mapping) {
+                texts.append(QString::fromStdString(card.caption));
             }
         }
-    }
-
-    void fill(const QStringList& texts)
-    {
-        for (const auto& row : m_rows) {
-            row.boxes[changed].second->clear();
-            row.boxes[changed].second->addItems(texts);
-        }
+        box.clear();
+        box.addItems(texts);
+        box.setCurrentIndex(chosen);
     }
 
     /// Those behind it close the gap, or make room.
@@ -361,6 +367,7 @@ private:
     QScrollArea m_area;
     static constexpr int changed = 3; // the device
 
+    std::array<std::vector<STSoundCardInfo>, deviceCount + 1> m_shown; // of each device
     QStringList m_texts{"None"};
     QVBoxLayout* m_column = nullptr;
     std::vector<Row> m_rows;
@@ -386,6 +393,54 @@ void measureFloor(benchmark::State& state, void (RawPage::*one)(), void (RawPage
             (page.*other)();
             LargePage::settleWhole();
         });
+}
+
+/// A page that reads the store at each notification, as one has to that is to show what there is.
+void measureFollowing(benchmark::State& state, Change one, Change other)
+{
+    Mappings all;
+    RawPage page;
+    page.makePage();
+    page.makeRows();
+    const auto read = [&] {
+        page.show(all.runtime.call([&all] { return all.store.getSoundCardMappings(); }).devices);
+    };
+    std::atomic<bool> isAsked{false};
+    const auto ask = [&](const auto&...) {
+        if (!isAsked.exchange(true)) {
+            const auto readOnce = [&] {
+                isAsked = false;
+                read();
+            };
+            QMetaObject::invokeMethod(qApp, readOnce, Qt::QueuedConnection);
+        }
+    };
+    std::vector<sigslot::connection> connections;
+    all.runtime.call([&] {
+        connections.emplace_back(all.store.soundCardMappingChanged.connect(ask));
+        connections.emplace_back(all.store.soundCardEnabled.connect(ask));
+        connections.emplace_back(all.store.soundCardDisabled.connect(ask));
+        connections.emplace_back(all.store.clusterNodeSoundCardsChanged.connect(ask));
+    });
+    const auto tell = [&all](Change change) { all.runtime.call([&] { change(all); }); };
+    read();
+    tell(other);
+    LargePage::settleWhole();
+    inTurns(
+        state,
+        [&] {
+            tell(one);
+            return timeOf(LargePage::settleWhole);
+        },
+        [&] {
+            tell(other);
+            LargePage::settleWhole();
+        });
+    all.runtime.call([&] {
+        for (auto& connection : connections) {
+            connection.disconnect();
+        }
+    });
 }
 
 void initialFloor(benchmark::State& state)
@@ -425,56 +480,56 @@ void initial(benchmark::State& state, int lastDevice, bool whole)
     state.counters["longest"] = longest * 1000;
 }
 
-void setCards(LargePage& large, int count)
+void setCards(Mappings& large, int count)
 {
     large.store.soundCards().setDeviceSoundCards(deviceName(3), "", cards(count));
 }
 
-void chooseOther(LargePage& large)
+void chooseOther(Mappings& large)
 {
     large.choose(7, 3, 27);
 }
-void chooseFirst(LargePage& large)
+void chooseFirst(Mappings& large)
 {
     large.choose(7, 3, 7);
 }
-void removeCard(LargePage& large)
+void removeCard(Mappings& large)
 {
     setCards(large, cardCount - 1);
 }
-void addCard(LargePage& large)
+void addCard(Mappings& large)
 {
     setCards(large, cardCount);
 }
-void announceCluster(LargePage& large)
+void announceCluster(Mappings& large)
 {
     large.store.clusterNodeSoundCardsChanged();
 }
-void doNothing(LargePage& /*large*/) {}
-void removeDevice(LargePage& large)
+void doNothing(Mappings& /*large*/) {}
+void removeDevice(Mappings& large)
 {
     large.store.soundCards().removeDevice(deviceName(3));
 }
-void hideDevice(LargePage& large)
+void hideDevice(Mappings& large)
 {
     large.store.soundCards().setDeviceVisible(deviceName(3), false);
 }
-void showDevice(LargePage& large)
+void showDevice(Mappings& large)
 {
     large.store.soundCards().setDeviceVisible(deviceName(3), true);
 }
-void addMapping(LargePage& large)
+void addMapping(Mappings& large)
 {
     large.store.addSoundCardMappingRequested(velorn::mediadispatch::STSoundCardMappingInfo());
 }
-void addMappingWithCards(LargePage& large)
+void addMappingWithCards(Mappings& large)
 {
     addMapping(large);
     for (int device = 0; device <= deviceCount; ++device) {
         large.choose(large.lastMapping(), device, mappingCount);
     }
 }
-void deleteMapping(LargePage& large)
+void deleteMapping(Mappings& large)
 {
     large.store.changeSoundCardMappingRequested(
         STSoundCardChangeInfo{large.lastMapping(), mivo::SoundCardChangeDeletion, {}, {}});
@@ -486,15 +541,15 @@ const bool added = [] {
         const char* name;
         Change one;
         Change other;
-        void (RawPage::*raw)();
+        void (RawPage::*raw)(); // null: the floor reads the store, too
         void (RawPage::*rawOther)();
     } changes[]{
-        {"card_chosen", chooseOther, chooseFirst, &RawPage::chooseOther, &RawPage::chooseFirst},
-        {"card_gone", removeCard, addCard, &RawPage::removeCard, &RawPage::addCard},
-        {"card_back", addCard, removeCard, &RawPage::addCard, &RawPage::removeCard},
+        {"card_chosen", chooseOther, chooseFirst, nullptr, nullptr},
+        {"card_gone", removeCard, addCard, nullptr, nullptr},
+        {"card_back", addCard, removeCard, nullptr, nullptr},
         {"cluster", announceCluster, doNothing, nullptr, nullptr},
-        {"device_gone", removeDevice, addCard, &RawPage::emptyBoxes, &RawPage::fillBoxes},
-        {"device_back", addCard, removeDevice, &RawPage::fillBoxes, &RawPage::emptyBoxes},
+        {"device_gone", removeDevice, addCard, nullptr, nullptr},
+        {"device_back", addCard, removeDevice, nullptr, nullptr},
         {"hidden", hideDevice, showDevice, &RawPage::hideBoxes, &RawPage::showBoxes},
         {"shown", showDevice, hideDevice, &RawPage::showBoxes, &RawPage::hideBoxes},
         {"mapping_added", addMapping, deleteMapping, &RawPage::makeRow, &RawPage::deleteRow},
@@ -516,11 +571,13 @@ const bool added = [] {
         "initial/ours", [](benchmark::State& state) { initial(state, deviceCount, true); }, few);
     add("initial_local/ours", [](benchmark::State& state) { initial(state, 0, true); });
     for (const auto& change : changes) {
-        if (change.raw != nullptr) {
-            add(change.name + std::string("/floor"), [change](benchmark::State& state) {
+        add(change.name + std::string("/floor"), [change](benchmark::State& state) {
+            if (change.raw != nullptr) {
                 measureFloor(state, change.raw, change.rawOther);
-            });
-        }
+            } else {
+                measureFollowing(state, change.one, change.other);
+            }
+        });
         add(change.name + std::string("/ours"),
             [change](benchmark::State& state) { measure(state, change.one, change.other); });
     }
