@@ -5,6 +5,7 @@
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
 
+#include <mutex>
 #include <set>
 #include <utility>
 
@@ -122,8 +123,11 @@ std::optional<SoundCardMappings::Kept> SoundCardMappings::parsed(const QString& 
         return Kept();
     }
     // The store asks whether a text is valid and has it adopted then: it is parsed once for both.
-    thread_local QString lastText;
-    thread_local std::optional<Kept> last;
+    // Not for each thread: MinGW destroys such objects behind the memory that they are in.
+    static std::mutex mutex;
+    static QString lastText;
+    static std::optional<Kept> last;
+    const std::lock_guard lock(mutex);
     if (text != lastText) {
         lastText = text;
         last.reset();
