@@ -99,6 +99,10 @@ protected:
         auto& dialog = window.settings().dialog();
         dialog.show();
         dialog.findChild<QPushButton*>("addMapping")->click();
+        for (int i = 0; i < 2; ++i) { // until the pages have what they have asked for
+            runtime.call([] {});
+            QApplication::processEvents();
+        }
         for (auto* label : dialog.findChildren<mivo::widgets::AlertLabel*>()) {
             label->setText("A failure");
             label->show();
