@@ -27,6 +27,7 @@
 #include <QtWidgets/QStackedWidget>
 #include <QtWidgets/QTreeWidget>
 
+#include <algorithm>
 #include <cmath>
 #include <deque>
 #include <iostream>
@@ -99,10 +100,11 @@ protected:
         auto& dialog = window.settings().dialog();
         dialog.show();
         dialog.findChild<QPushButton*>("addMapping")->click();
-        for (int i = 0; i < 2; ++i) { // until the pages have what they have asked for
-            runtime.call([] {});
-            QApplication::processEvents();
-        }
+        const auto buttons = dialog.findChildren<QPushButton*>("putBackSection");
+        EXPECT_TRUE(QTest::qWaitFor([&buttons] {
+            return std::any_of(buttons.begin(), buttons.end(),
+                               [](const auto* button) { return !button->isHidden(); });
+        })) << "the controls that differ are marked";
         for (auto* label : dialog.findChildren<mivo::widgets::AlertLabel*>()) {
             label->setText("A failure");
             label->show();

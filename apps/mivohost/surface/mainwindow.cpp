@@ -287,7 +287,8 @@ void MainWindow::closeEvent(QCloseEvent* event)
             QMetaObject::invokeMethod(this, &MainWindow::quit, Qt::QueuedConnection);
         });
         return;
-    } else if (!hides) {
+    }
+    if (!hides) {
         m_project.discardChanges();
     }
     if (m_settings) {
