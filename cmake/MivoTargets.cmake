@@ -59,6 +59,10 @@ function(mivo_target target)
     endif()
     target_compile_definitions(${target} PRIVATE QT_NO_CAST_TO_ASCII QT_NO_CAST_FROM_BYTEARRAY
                                                  QT_NO_FOREACH)
+    if(WIN32)
+        # <windows.h> brings sockets of its own, which <winsock2.h> behind it is refused for.
+        target_compile_definitions(${target} PRIVATE WIN32_LEAN_AND_MEAN NOMINMAX)
+    endif()
 endfunction()
 
 # mivo_precompile(TARGET [header...]): the widget headers and more for the target.

@@ -2,10 +2,6 @@
 
 // What the Windows parts of this library share; not installed.
 
-#ifndef NOMINMAX
-#define NOMINMAX
-#endif
-#define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 
 #include <string>

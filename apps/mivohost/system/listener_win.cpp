@@ -1,7 +1,6 @@
-#include <winsock2.h> // before what includes windows.h
-
 #include "system/listener.h"
 
+#include <winsock2.h>
 #include <ws2ipdef.h>
 
 namespace mivohost {
