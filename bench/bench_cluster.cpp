@@ -254,9 +254,9 @@ void ours(benchmark::State& state)
     const double nodes = static_cast<double>(followers.size() + 1);
     state.counters["memory_each"] = (memory() - before) / nodes;
     double requests = Server::instance().requests();
-    idle(10);
+    idle(5);
     state.counters["idle_requests_each_per_s"] =
-        (Server::instance().requests() - requests) / nodes / 10;
+        (Server::instance().requests() - requests) / nodes / 5;
     requests = Server::instance().requests();
     int value = 0;
     for (auto _ : state) {
@@ -312,13 +312,13 @@ BENCHMARK(floor)
     ->Arg(10)
     ->Arg(100)
     ->UseManualTime()
-    ->Iterations(100);
-BENCHMARK(ours)->Name("cluster/ours")->Arg(1)->Arg(10)->Arg(100)->UseManualTime()->Iterations(100);
+    ->Iterations(20);
+BENCHMARK(ours)->Name("cluster/ours")->Arg(1)->Arg(10)->Arg(100)->UseManualTime()->Iterations(20);
 BENCHMARK(startWithKeys)
     ->Name("cluster/start")
     ->Arg(10000)
     ->UseRealTime()
-    ->Iterations(5)
+    ->Iterations(1)
     ->Unit(benchmark::kMillisecond);
 
 } // namespace

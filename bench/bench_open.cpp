@@ -150,6 +150,7 @@ struct BoundRaw
 
     opening::RawDialog raw;
     std::vector<Share> shares;
+    std::vector<std::function<sigslot::connection()>> signals_;
     std::vector<sigslot::scoped_connection> connections;
 
     void queue(std::size_t value)
@@ -189,7 +190,7 @@ const std::vector<std::function<void(S&)>> readsOfPages = {
 };
 
 /// As many calls over a bare thread as the pages need: one for each page connects to signals of the
-/// store, and the others read a record or value each. As many signals are connected and as many
+/// store, and the others read a record or value each. The same signals are connected and as many
 /// values queued as by the pages, and the values are shown in the same controls.
 void bindFloor(benchmark::State& state)
 {
@@ -207,25 +208,34 @@ void bindFloor(benchmark::State& state)
     }
     BareThread thread;
     TestStore store;
-    std::vector<sigslot::signal<const int>> changed(count.connections);
     const auto makeUnbound = [&] {
-        BoundRaw made{opening::makeRaw(recipe, *texts), {}, {}};
-        made.shares.resize(count.calls);
-        made.connections.reserve(count.connections);
+        auto made = std::make_unique<BoundRaw>();
+        made->raw = opening::makeRaw(recipe, *texts);
+        made->shares.resize(count.calls);
+        store.visitSignals([&made = *made](auto& signal) {
+            const std::size_t value = made.signals_.size() % made.shares.size();
+            made.signals_.emplace_back([&made, &signal, value] {
+                return signal.connect([&made, value](const auto&...) { made.queue(value); });
+            });
+        });
+        if (made->signals_.size() != count.connections) {
+            state.SkipWithError("the pages do not follow each signal once");
+        }
+        made->connections.reserve(count.connections);
         for (std::size_t i = 0; i < bound.size(); ++i) {
             if (bound[i].value.isValid()) {
-                made.shares[i % count.calls].emplace_back(made.raw.parts[i], bound[i].value);
+                made->shares[i % count.calls].emplace_back(made->raw.parts[i], bound[i].value);
             }
         }
         QApplication::processEvents();
         return made;
     };
-    measure(state, makeUnbound, [&](BoundRaw& made) {
-        const auto queue = [&made](int value) { made.queue(static_cast<std::size_t>(value)); };
+    measure(state, makeUnbound, [&](std::unique_ptr<BoundRaw>& bare) {
+        BoundRaw& made = *bare;
         for (std::size_t page = 1; page <= pages; ++page) {
             thread.call([&] {
-                while (made.connections.size() < page * changed.size() / pages) {
-                    made.connections.emplace_back(changed[made.connections.size()].connect(queue));
+                while (made.connections.size() < page * made.signals_.size() / pages) {
+                    made.connections.emplace_back(made.signals_[made.connections.size()]());
                 }
                 return 0;
             });

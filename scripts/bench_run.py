@@ -30,7 +30,7 @@ TO_MICROSECONDS = {"ns": 1e-3, "us": 1.0, "ms": 1e3, "s": 1e6}
 OF_EACH_RUN = re.compile(  # what is left is a counter of the benchmark's own
     r".*(name|_index|_time|_per_second|time_unit|run_type|repetitions|iterations|threads)$"
 )
-GROWTH = ("bench_pages_cold", "bench_shortcutfile_cold", "bench_mappings_cold")
+GROWTH = ("bench_pages_cold", "bench_shortcutfile_cold", "bench_mappings_cold", "bench_cluster")
 FEWEST, MOST = 3, 15  # runs of a family
 SHORT = 2  # seconds of a run
 LONGEST_START = 60  # seconds until the first frame
