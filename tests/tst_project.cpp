@@ -163,12 +163,6 @@ TEST_F(ProjectTest, AnEndThatNobodyWasAskedAboutLosesNothing)
     file->rescue();
     ASSERT_EQ(savesOf("show-*.mivo").size(), 2) << "unsaved as before";
 
-    const auto restart = [this] {
-        start(QVariantHash(store->kept.rows));
-        QSignalSpy found(file.get(), &ProjectFile::unsavedFound);
-        QTest::qWait(50);
-        return found.value(0).value(0).toString();
-    };
     EXPECT_EQ(restart(), path("saves/" + savesOf("*").value(1)));
     file->openUnsaved();
     EXPECT_TRUE(
@@ -188,6 +182,30 @@ TEST_F(ProjectTest, AnEndThatNobodyWasAskedAboutLosesNothing)
     EXPECT_TRUE(QFile::remove(own));
     file->forgetUnsaved();
     EXPECT_EQ(restart(), "");
+}
+
+TEST_F(ProjectTest, WhatEndsHaveLeftStaysUntilSomebodyDecides)
+{
+    start({{"autoSavePath", path("saves")}, {"autoSaveProjectFilesMaxNum", 1}});
+    const auto playAndEnd = [this](qint64 program) {
+        file->play(program);
+        file->rescue();
+        return path("saves/" + savesOf("unnamed-*.mivo").last());
+    };
+    playAndEnd(3);
+    ASSERT_TRUE(saveAs(path("show.mivo"))); // it did not end
+    EXPECT_EQ(restart(), "") << "the file is newer";
+
+    const QString first = playAndEnd(2);
+    EXPECT_EQ(restart(), first);
+    file->play(3);
+    file->saveCompleted();
+    EXPECT_TRUE(ended([this](const auto& done) { file->afterSaves([done] { done(true); }); }));
+    EXPECT_TRUE(QFile::exists(first)) << "one automatic save stays, and this";
+    const QString second = playAndEnd(1);
+    EXPECT_EQ(restart(), second);
+    file->forgetUnsaved();
+    EXPECT_EQ(restart(), first);
 }
 
 TEST_F(ProjectTest, ASaveThatNobodyWatchesEndsAmongTheAutomaticSaves)

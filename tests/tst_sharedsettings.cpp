@@ -52,7 +52,7 @@ protected:
         ASSERT_TRUE(opened.persistence->keepOutbox());
         settings = std::make_unique<SharedSettings>(
             std::move(opened.persistence),
-            SharedSettings::Identity{"/s/", "a", "Machine a", {"language"}});
+            SharedSettings::Identity{"/s/", "a", "Machine a", {"language"}, {}});
         settings->watch([this](const QString& name, const QVariant& value) {
             shown.append(name + '=' + value.toString());
         });

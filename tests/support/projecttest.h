@@ -67,6 +67,15 @@ protected:
         EXPECT_TRUE(QTest::qWaitFor([this] { return !file->requests().isWaiting(); }));
     }
 
+    /// Starts once more with what the store holds: the automatic save that is offered then.
+    QString restart()
+    {
+        start(QVariantHash(store->kept.rows));
+        QSignalSpy found(file.get(), &ProjectFile::unsavedFound);
+        QTest::qWait(50);
+        return found.value(0).value(0).toString();
+    }
+
     QString path(const QString& name) const { return folder.filePath(name); }
     QString makeFile(const QString& name, const Project& project = smallShow()) const
     {

@@ -14,6 +14,7 @@
 #include <exception>
 #include <filesystem>
 #include <set>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -53,7 +54,7 @@ Bindings bindingsOf(const std::string& json)
 {
     Bindings bindings;
     std::set<std::string> sequences;
-    std::set<std::pair<int, std::string>> actions;
+    std::set<std::tuple<const Infos*, int, std::string>> actions; // of keys, MIDI or DMX each
     for (STShortCutItem& item : mivo::settings::parseShortCuts(json)) {
         const auto action =
             std::find_if(peripheralActions.begin(), peripheralActions.end(),
@@ -61,22 +62,22 @@ Bindings bindingsOf(const std::string& json)
         if (action != peripheralActions.end()) {
             item.path = action->path; // the type identifies it; a file may have another path
         }
-        if (MidiService::isControl(item.shortCutStr)) {
-            bindings.midi.push_back({item.type, item.path, item.shortCutStr});
-            continue;
-        }
-        if (DmxService::isControl(item.shortCutStr)) {
-            bindings.dmx.push_back({item.type, item.path, item.shortCutStr});
-            continue;
-        }
-        const std::string sequence = bindableKeys(item.shortCutStr);
-        const std::pair identity(static_cast<int>(item.type), item.path);
+        Infos* const device = MidiService::isControl(item.shortCutStr)  ? &bindings.midi
+                              : DmxService::isControl(item.shortCutStr) ? &bindings.dmx
+                                                                        : nullptr;
+        const std::string sequence =
+            device == nullptr ? bindableKeys(item.shortCutStr) : item.shortCutStr;
+        const std::tuple identity(device, static_cast<int>(item.type), item.path);
         if (sequence.empty() || sequences.count(sequence) > 0 || actions.count(identity) > 0) {
             hostLog()->warn("\"{}\" cannot be bound to {}", item.shortCutStr, item.path);
             continue;
         }
         sequences.insert(sequence);
         actions.insert(identity);
+        if (device != nullptr) {
+            device->push_back({item.type, item.path, sequence});
+            continue;
+        }
         item.shortCutStr = sequence;
         (item.type == ShortCutOfPath ? bindings.keys.pathShortCutList
                                      : bindings.keys.indexShortCutList)

@@ -74,6 +74,7 @@ void KeyTable::load()
     const CallSite site("loadShortCutInfoList");
     try {
         const auto path = shortCutFile();
+        m_fileIsUnreadable = true; // also where nobody can tell whether it is there
         m_fileIsUnreadable = std::filesystem::exists(path);
         const auto content = contentOf(path);
         if (!content) {
@@ -106,13 +107,14 @@ std::string KeyTable::save()
     }
     const CallSite site("saveShortCutInfoList");
     std::filesystem::path aside;
+    m_isWritten = false;
     try {
         const auto path = shortCutFile();
         if (m_fileIsUnreadable) {
             aside = putAside(path);
             m_fileIsUnreadable = false;
         }
-        NoCacheFile::saveToFile(path.u8string(), formatShortCuts(items));
+        m_isWritten = NoCacheFile::saveToFile(path.u8string(), formatShortCuts(items));
     } catch (const std::filesystem::filesystem_error& error) {
         logAt(spdlog::level::err, site, "filesystem_error error msg: {}", error.what());
     } catch (const std::exception& error) {
