@@ -170,7 +170,8 @@ int runWindow(MainWindow& window, ProjectFile& project, RuntimeThread& runtime,
             };
             QMetaObject::invokeMethod(
                 &window, [&project, act] { project.afterSaves(act); }, Qt::QueuedConnection);
-        });
+        },
+        notify("TimedActionCalledOff"));
 
     const Listener listener(runtime, store);
     QObject::connect(&listener, &Listener::failed, &window, &MainWindow::showNotice);

@@ -94,11 +94,6 @@ protected:
     {
         return ended([&](const ProjectFile::Done& done) { file->saveAs(name, done); });
     }
-    bool logged(const std::string& line) const
-    {
-        const auto lines = log.lines();
-        return std::find(lines.begin(), lines.end(), line) != lines.end();
-    }
     qint64 playing() const { return file->state().playing; }
     QStringList savesOf(const QString& pattern) const
     {

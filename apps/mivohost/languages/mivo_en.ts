@@ -1480,6 +1480,11 @@ Open them now?</translation>
         <translation>The machine could not be shut down or restarted: %1</translation>
     </message>
     <message>
+        <source>TimedActionCalledOff</source>
+        <comment>MainWindow</comment>
+        <translation>The shutdown or restart timed for %1 was called off: the machine slept through its count-down.</translation>
+    </message>
+    <message>
         <source>FadeTimesApplied</source>
         <comment>MainWindow</comment>
         <translation>Programs whose fade times were changed: %1</translation>

@@ -1480,6 +1480,11 @@
         <translation>无法关闭或重新启动计算机：%1</translation>
     </message>
     <message>
+        <source>TimedActionCalledOff</source>
+        <comment>MainWindow</comment>
+        <translation>定时于 %1 的关机或重新启动已取消：计算机在倒计时期间处于睡眠状态。</translation>
+    </message>
+    <message>
         <source>FadeTimesApplied</source>
         <comment>MainWindow</comment>
         <translation>已更改淡入淡出时间的节目数：%1</translation>

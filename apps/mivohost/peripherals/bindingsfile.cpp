@@ -12,7 +12,6 @@
 
 #include <algorithm>
 #include <exception>
-#include <filesystem>
 #include <set>
 #include <tuple>
 #include <utility>
@@ -125,22 +124,18 @@ QString importBindings(const std::string& json, ShortCutMgr& manager, Peripheral
     auto keys = wanted.keys.indexShortCutList;
     keys.insert(keys.end(), wanted.keys.pathShortCutList.begin(),
                 wanted.keys.pathShortCutList.end());
-    const auto file = std::filesystem::u8path(mivo::settings::shortCutFilePath().toStdString());
-    const std::string content = mivo::settings::formatShortCuts(keys);
-    // First beside the old file, which shows that there is room. What fails after that has the old
-    // bindings of devices restored.
-    auto trial = file;
-    trial += ".import";
+    // Beside the old file at first, which shows that there is room. What fails after that has the
+    // old bindings of devices restored.
     std::error_code problem;
-    if (!NoCacheFile::saveToFile(trial.u8string(), content)) {
+    NoCacheFile::Replacement file(mivo::settings::shortCutFilePath().toStdString(),
+                                  mivo::settings::formatShortCuts(keys), problem);
+    if (problem) {
         return hostText("BindingsNotSaved");
     }
     const auto midi = peripherals.midi().bindings();
     const auto dmx = peripherals.dmx().bindings();
     bindDevices(wanted.midi, wanted.dmx, manager, peripherals);
-    const bool isStored = peripherals.areBindingsStored();
-    std::filesystem::remove(trial, problem);
-    if (!isStored || !NoCacheFile::saveToFile(file.u8string(), content)) {
+    if (!peripherals.areBindingsStored() || !file.commit(problem)) {
         bindDevices(midi, dmx, manager, peripherals);
         return hostText("BindingsNotSaved");
     }

@@ -1,7 +1,6 @@
 #include "project/projectfile.h"
 
 #include "base/hostlog.h"
-#include "base/hosttext.h"
 #include "mivohostkit/runtimethread.h"
 #include "mivohostkit/settingsstore.h"
 #include "project/autosave.h"
@@ -58,7 +57,7 @@ ProjectFile::~ProjectFile()
 
 void ProjectFile::fail(const char* key, const QString& path, const QString& reason)
 {
-    emit failed(QString::fromLatin1(key), QStringLiteral("%1: %2").arg(path, reasonText(reason)));
+    emit failed(QString::fromLatin1(key), fileProblem(path, reason));
 }
 
 void ProjectFile::start()
