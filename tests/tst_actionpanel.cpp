@@ -263,6 +263,8 @@ TEST_F(Panel, AllBindingsGoOutIntoAFileAndComeBack)
                      R"({"type":210,"path":"","shortCutStr":"Shift + Ctrl + F7"},)"
                      R"({"type":210,"path":"x","shortCutStr":"F4"},)"
                      R"({"type":189,"path":"","shortCutStr":"DMX 9"},)"
+                     R"({"type":210,"path":"","shortCutStr":"DMX 9"},)"
+                     R"({"type":189,"path":"","shortCutStr":"DMX 10"},)"
                      R"({"type":9999,"path":"c","shortCutStr":"F9"},)"
                      R"({"type":187,"path":"","shortCutStr":"F9"},)"
                      R"({"type":211,"path":"/Peripherals/group/one","shortCutStr":"F8"}]})"),

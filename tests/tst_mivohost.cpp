@@ -47,6 +47,7 @@ TEST_F(Host, TheSecondOfAUserShowsTheFirstOrSaysSoAndStops)
     const QStringList options{"--allow-power-actions", "--start-delay", "1", "--print-settings"};
     EXPECT_EQ(run(options + QStringList{"--store", otherStore()}), 0);
     EXPECT_EQ(run({"--start-delay", "301", "--print-settings"}), 1);
+    EXPECT_EQ(run({"--print-settings", "--pictures", folder.path()}), 1);
     EXPECT_EQ(run({"--help-all"}), 0);
     EXPECT_TRUE(output.contains("--print-settings"));
 }

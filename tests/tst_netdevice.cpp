@@ -59,8 +59,14 @@ TEST_F(Network, APortIsOpenedAndClosedByItsButtonsAndSaysWhyItIsNot)
         EXPECT_TRUE(isOpen(false)) << row;
         EXPECT_EQ(failure(row)->text(), "taken");
         EXPECT_TRUE(failure(row)->isVisible()) << row;
+        typeInto(port, "7001");
+        EXPECT_EQ(store.held(key), "1|7001") << "it is to be open still";
+        announce([&] {
+            (row == tcp ? store.tcpPortChanged : store.udpPortChanged)(STPortInfo{false, 7001});
+            (row == tcp ? store.tcpPortFailed : store.udpPortFailed)(std::string("taken"));
+        });
         control<PushButton>(2 * row + 1)->click();
-        EXPECT_EQ(store.held(key), "0|7000");
+        EXPECT_EQ(store.held(key), "0|7001");
         EXPECT_FALSE(failure(row)->isVisible()) << "an earlier attempt's";
     }
 }

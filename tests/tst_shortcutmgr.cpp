@@ -2,6 +2,7 @@
 
 #include "kit/standardmetatypes.h"
 #include "peripherals/peripherals.h"
+#include "support/fulldisk.h"
 #include "support/pipe.h"
 #include "support/servicetest.h"
 
@@ -167,8 +168,27 @@ TEST_F(ShortCuts, AFileThatCannotBeReadIsLoggedAndPutAsideUnderAFreeName)
     }
     EXPECT_EQ(readFile(path + ".bad"), broken + ".bad");
     QFile::remove(path);
+    if (QFile::link(path, path) && QFile::symLinkTarget(path) == path) {
+        manager.loadShortCutInfoList();
+        EXPECT_TRUE(QFile::remove(path));
+        writeFile(path, formatShortCuts({item(187, outputPath, "F1")}).c_str());
+        manager.saveShortCutInfoList();
+        EXPECT_EQ(told.size(), 1) << "nobody could tell what was there";
+    }
+    QFile::remove(path);
     MAKE_PIPE(path);
     manager.loadShortCutInfoList(); // does not wait for what somebody writes into the pipe
+}
+
+TEST_F(ShortCuts, ATableThatCannotBeWrittenHoldsWhatIsWanted)
+{
+    SKIP_WITHOUT_FULL_DISK();
+    writeFile(path, formatShortCuts({item(187, outputPath, "F1")}).c_str());
+    manager.loadShortCutInfoList();
+    const FullDisk full;
+    manager.shortCutInfoSave({{item(187, outputPath, "F5")}, {item(211, groupPath, "F6")}, {}});
+    EXPECT_EQ(output->getShortCutStr(), "F5");
+    EXPECT_EQ(manager.linkShortCutInfo().pathShortCutList, (Row{item(211, groupPath, "F6")}));
 }
 
 TEST_F(ShortCuts, AKeyThatAnotherActionHoldsMovesOnlyWhenThatIsConfirmed)
@@ -392,6 +412,7 @@ TEST_F(ShortCuts, CoversAndServicesMayGoAtAnyTime)
     manager.slotLockScreenChanged(true);
     EXPECT_FALSE(midi.locked);
     manager.setMidiMgr(&midi);
+    EXPECT_TRUE(midi.locked) << "as all others";
     manager.setDmxMgr(&dmx);
     open(PeripheralDmx);
     mute->setFocus();

@@ -186,6 +186,21 @@ TEST_F(Mappings, AChangeFromElsewhereIsAnnouncedPieceByPiece)
                      "changed2; 4; ; d; b; B; 4; 1; ; ", "added3; 0; Output 3; ; "}));
 }
 
+TEST_F(Mappings, AnImportedChoiceShowsItsDeviceAndHasTheCardsChannels)
+{
+    open();
+    add();
+    cards->setDeviceSoundCards("d", "Hall", {{"a", "A", 8}});
+    takeTold();
+    store->change("soundCardMappings",
+                  R"({"nextId":2,"mappings":[{"id":1,"name":"A","soundCards":[)"
+                  R"({"device":"d","id":"a","caption":"A","channels":2,"channelPairs":1},)"
+                  R"({"device":"e","id":"b","caption":"B","channels":2,"channelPairs":1}]}]})");
+    EXPECT_EQ(takeTold().front(), "cluster") << "a device that nobody has set";
+    change(1, SoundCardChangeChannels, {"d", "a", {}, 0, 9});
+    EXPECT_EQ(mappings()[0].soundCards[0], (STChosenSoundCard{"d", "a", "A", 8, 9}));
+}
+
 TEST_F(Mappings, CardsThatComeAndGoAreAnnounced)
 {
     open();
