@@ -10,9 +10,6 @@
 #include <mivosettingswidgets/shortcutfile.h>
 #include <mivowidgets/shortcutcover.h>
 
-#include <QtWidgets/QAction>
-#include <QtWidgets/QVBoxLayout>
-
 namespace actionpaneltest {
 
 using namespace mivohost;
@@ -85,14 +82,6 @@ protected:
         cover(type)->setFocus();
         press(key, modifiers);
         panel->setEditing(false);
-        goToWindow();
-    }
-
-    void clearAll(EnumPeripheralShortCutType kind, TipDialog::Result answer)
-    {
-        chooseItem(control<QComboBox>("shortcutKind"), kind);
-        whenModal<TipDialog>([answer](TipDialog& question) { question.done(answer); });
-        control("clearShortcuts")->click();
         goToWindow();
     }
 
@@ -238,7 +227,10 @@ TEST_F(Panel, AllBindingsGoOutIntoAFileAndComeBack)
     const QString bound = "Ctrl + F5||DMX 12||CC 7 ch 1 (X \"1\")||1";
     for (const auto answer : {TipDialog::cancelled, TipDialog::accepted}) {
         for (const auto kind : {PeripheralKeyboard, PeripheralMidi, PeripheralDmx}) {
-            clearAll(kind, answer);
+            chooseItem(control<QComboBox>("shortcutKind"), kind);
+            whenModal<TipDialog>([answer](auto& question) { question.done(answer); });
+            control("clearShortcuts")->click();
+            goToWindow();
         }
         EXPECT_EQ(all(), answer == TipDialog::accepted ? "||||||0" : bound);
     }

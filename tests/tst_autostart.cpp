@@ -116,7 +116,7 @@ TEST(Autostart, FollowsWhatTheStoreKeeps)
         runtime.call([&] { store->setAutoStartDelayTime(20); });
     }
     EXPECT_EQ(failures.size(), 1);
-    EXPECT_TRUE(failures.value(0).startsWith(path + ": ")) << failures.value(0).toStdString();
+    EXPECT_TRUE(failures.value(0).startsWith(path + ": ")) << failures.value(0);
     EXPECT_EQ(command(), program + R"("--start-delay" "0")") << "the old one stays";
 }
 

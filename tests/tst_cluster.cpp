@@ -6,7 +6,6 @@
 #include "surface/showbar.h"
 
 #include "support/etcdserver.h"
-#include "support/files.h"
 #include "support/hostlanguage.h"
 #include "support/node.h"
 #include "support/program.h"
@@ -14,10 +13,6 @@
 
 #include <mivosettingswidgets/shortcutfile.h>
 #include <mivosettingswidgets/shortcutmgr.h>
-
-#include <QtCore/QElapsedTimer>
-#include <QtWidgets/QLabel>
-#include <QtWidgets/QPushButton>
 
 #include <csignal>
 
@@ -177,10 +172,7 @@ TEST_F(Cluster, WhatIsCompactedWhileAMachineIsAwayIsReadWhenItComesBack)
     ASSERT_TRUE(proxy.listen(QHostAddress::LocalHost, port));
     EXPECT_TRUE(b.shows(69));
     EXPECT_TRUE(b.isConnected());
-    const auto lines = log.lines();
-    EXPECT_TRUE(std::any_of(lines.begin(), lines.end(), [](const std::string& line) {
-        return line.find("read again") != std::string::npos;
-    }));
+    EXPECT_NE(log.count("read again"), 0);
 }
 
 TEST_F(Cluster, AWatchThatStaysSilentIsNoticed)
@@ -196,6 +188,9 @@ TEST_F(Cluster, AWatchThatStaysSilentIsNoticed)
     a.set(77);
     EXPECT_TRUE(b.shows(77));
     EXPECT_TRUE(b.becomes([&] { return b.state().server == servers.host(0); }));
+    b.synchroniser().reconnect(); // as after a sleep: what was connected then is not trusted
+    EXPECT_TRUE(b.becomes([&] { return !b.state().isConnected; }));
+    EXPECT_TRUE(b.isConnected());
 }
 
 TEST_F(Cluster, GarbageIsAnErrorAndAnotherServerIsAsked)
@@ -255,27 +250,25 @@ TEST_F(Cluster, ChangesWaitWhileAServerIsFullOrRefusesTheUserAndNoPasswordIsLogg
     b.start(login);
     EXPECT_TRUE(a.isConnected());
     EXPECT_TRUE(b.shows(89));
-    for (const std::string& line : log.lines()) {
-        EXPECT_EQ(line.find("Secret"), std::string::npos) << line;
-    }
+    EXPECT_EQ(log.count("Secret"), 0);
 }
 
 TEST_F(Cluster, OnlyAServerWithAValidCertificateIsBelieved)
 {
     QTemporaryDir folder;
-    const auto make = [&](const QString& command) {
-        QProcess process;
-        process.setWorkingDirectory(folder.path());
-        process.start("sh", {"-c", command});
-        process.waitForFinished(30000);
-        ASSERT_EQ(process.exitCode(), 0) << process.readAllStandardError().constData();
-    };
-    make("openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:P-256 -nodes -subj /CN=ca -days 2"
+    QProcess process;
+    process.setWorkingDirectory(folder.path());
+    process.start(
+        "sh",
+        {"-c",
+         "openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:P-256 -nodes -subj /CN=ca -days 2"
          " -keyout ca.key -out ca.pem && openssl req -newkey ec -pkeyopt"
          " ec_paramgen_curve:P-256 -nodes -subj /CN=server -keyout key.pem -out csr.pem &&"
          " echo subjectAltName=IP:127.0.0.1 > ext && for days in 2 -1; do openssl x509 -req -in"
          " csr.pem -CA ca.pem -CAkey ca.key -CAcreateserial -days $days -extfile ext -out"
-         " cert$days.pem; done");
+         " cert$days.pem; done"});
+    process.waitForFinished(30000);
+    ASSERT_EQ(process.exitCode(), 0) << process.readAllStandardError().constData();
     const QByteArray ca = readFile(folder.filePath("ca.pem"));
     for (const auto& [days, authorities, isValid] :
          {std::tuple("2", ca, true), std::tuple("2", QByteArray(), false),
@@ -323,7 +316,7 @@ TEST_F(Cluster, AMachineIsSeenWithItsCardsUntilItStopsAndIsKnownUntilItIsForgott
     EXPECT_TRUE(b.becomes([&] { return otherVersions == QStringList{"c 99.1"}; }));
     QString error;
     forgetMachine("a", b.setupWith(hosts), error);
-    EXPECT_TRUE(error.contains("is connected")) << error.toStdString();
+    EXPECT_TRUE(error.contains("is connected")) << error;
     QElapsedTimer elapsed;
     elapsed.start();
     a.stop();
@@ -334,7 +327,7 @@ TEST_F(Cluster, AMachineIsSeenWithItsCardsUntilItStopsAndIsKnownUntilItIsForgott
     EXPECT_EQ(error, "");
     EXPECT_TRUE(b.becomes([&] { return cards() == -1; }));
     forgetMachine("a", b.setupWith(hosts), error);
-    EXPECT_TRUE(error.contains("no machine")) << error.toStdString();
+    EXPECT_TRUE(error.contains("no machine")) << error;
 }
 
 TEST_F(Cluster, KeysOfActionsAreSharedEachForItself)
@@ -369,7 +362,7 @@ TEST_F(Cluster, KeysOfActionsAreSharedEachForItself)
     }
     EXPECT_TRUE(a.becomes([&] {
         return keys() == QStringList{"211 a/b:c=Ctrl + M", "211 new=Ctrl + M", "5 =Ctrl + K"};
-    })) << keys().join(';').toStdString();
+    })) << keys().join(';');
     info = manager.linkShortCutInfo();
     info.indexShortCutList.clear();
     manager.shortCutInfoSave(info);
@@ -396,16 +389,15 @@ TEST_F(Cluster, ProgramsShareAShowAndAMachineIsReplaced)
     }
     Program first(homes[0].path(), store + QStringList{"--settings", "--machine-name", "alpha"});
     Program second(homes[1].path(), store + QStringList{"--machine-name", "beta"});
-    ASSERT_TRUE(first.says("settings dialog open")) << first.output().constData();
+    ASSERT_TRUE(first.says("settings dialog open"));
     Program third(homes[2].path(), store + QStringList{"--machine-name", "gamma"});
     for (Program* other : {&second, &third}) {
-        ASSERT_TRUE(other->says("connected to")) << other->output().constData();
+        ASSERT_TRUE(other->says("connected to"));
     }
     first.reachUndoSteps();
     first.press("Up Return");
     for (Program* other : {&second, &third}) {
-        EXPECT_TRUE(other->says("setting undoStep = 51 by machine alpha"))
-            << other->output().constData();
+        EXPECT_TRUE(other->says("setting undoStep = 51 by machine alpha"));
     }
     second.kill();
     EXPECT_EQ(run(3, {"--adopt", "beta"}), "0 settings taken over: 1\n");

@@ -3,8 +3,6 @@
 #include "mivohostapi/imediaoutput.h"
 #include "support/pagetest.h"
 
-#include <set>
-
 namespace codeccontroltest {
 
 using mivo::mediaoutput::STOutputConfig;

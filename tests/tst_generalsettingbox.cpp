@@ -1,12 +1,10 @@
 #include <mivosettingswidgets/generalsettingbox.h>
 
+#include "pages/countdownprompt.h"
 #include "project/programdispatch.h"
-#include "support/otherprocess.h"
 #include "support/pagetest.h"
 
 #include <mivohostapi/iprojectfilemgr.h>
-
-#include <QtCore/QProcess>
 
 namespace generalsettingboxtest {
 
@@ -190,6 +188,21 @@ TEST_F(General, ACountDownThatRunsOutReportsTwice)
     EXPECT_EQ(happened, (Words{"restart", "no restart"}));
 }
 
+TEST(CountdownPrompt, IsCalledOffWhereTheMachineSleptThroughItsEnd)
+{
+    for (const auto& [asleep, isMissed] : {std::pair(10000, false), {10001, true}}) {
+        qint64 now = 0;
+        int runOut = 0;
+        mivo::settings::CountdownPrompt prompt(
+            {"ShutdownCountdownText", "CancelShutdown", "ImmediateShutdown", "ShutdownCancelText"},
+            [&] { runOut += prompt.tick(); }, [&now] { return now; });
+        QTimer::singleShot(0, [&now, ms = asleep] { now += ms; });
+        EXPECT_EQ(prompt.count(nullptr, 1), TipDialog::dismissed);
+        EXPECT_EQ(prompt.isMissed(), isMissed);
+        EXPECT_EQ(runOut, isMissed ? 0 : 1);
+    }
+}
+
 TEST_F(General, ARestartWaitsForTheShutdownPromptAndGoesOnWhenThatIsCancelled)
 {
     bind();
@@ -238,11 +251,11 @@ TEST_F(General, TheRuntimeMayStopWhileAPromptIsOpenAndAnEditWaits)
 {
     bind();
     restart->click();
-    const auto stopAndAccept = [this] {
+    const auto outcome = ask(store.timedShutdownCount, 30, [this] {
         runtime.stop();
         accept();
-    };
-    EXPECT_EQ(ask(store.timedShutdownCount, 30, stopAndAccept), Words());
+    });
+    EXPECT_EQ(outcome, Words());
 }
 
 TEST_F(General, TheShellEndsAPromptOnlyWhileItRuns)
@@ -256,9 +269,11 @@ TEST_F(General, TheShellEndsAPromptOnlyWhileItRuns)
                           + QCoreApplication::applicationName() + "_Shell.exe";
     QFile::remove(shell);
     ASSERT_TRUE(QFile::copy(QCoreApplication::applicationFilePath(), shell));
-    QProcess process;
-    process.start(shell, {"--as-sleeping"});
-    ASSERT_TRUE(process.waitForReadyRead());
+    const QTemporaryDir folder;
+    writeFile(folder.filePath("lines"), "hang\n");
+    QProcess process; // does what is at hand: a lister of sound cards that hangs
+    process.start(shell, {"--as-lister", folder.filePath("lines")});
+    ASSERT_TRUE(process.waitForStarted());
 #ifdef Q_OS_UNIX
     QFile::remove(shell); // as during an update
 #endif
@@ -273,15 +288,5 @@ TEST_F(General, TheShellEndsAPromptOnlyWhileItRuns)
     process.waitForFinished();
     QFile::remove(shell);
 }
-
-int sleepAWhile(const QStringList& /*arguments*/)
-{
-    std::puts("sleeping");
-    std::fflush(stdout);
-    std::this_thread::sleep_for(std::chrono::minutes(1));
-    return 0;
-}
-
-const bool isRegistered = otherProcesses().emplace("--as-sleeping", sleepAWhile).second;
 
 } // namespace generalsettingboxtest

@@ -1,28 +1,18 @@
 #include "surface/inputmonitor.h"
 
-#include "mivohostkit/settingsstore.h"
 #include "peripherals/inputwords.h"
 #include "peripherals/peripherals.h"
 #include "support/hostlanguage.h"
 #include "support/servicetest.h"
 
-#include <QtGui/QClipboard>
-#include <QtWidgets/QTableView>
-
 namespace inputmonitortest {
 
 using namespace mivohost;
 
-namespace {
-
 const QByteArray take("/Peripherals/Stage/Take\0,i\0\0\0\0\0\1", 32);
 
-/// Levels of universe 0:3:0.
-QByteArray artDmx(const QByteArray& levels)
-{
-    QByteArray bytes("Art-Net\0\x00\x50\x00\x0e\x00\x00\x30\x00\x00", 17);
-    return bytes.append(char(levels.size())).append(levels);
-}
+/// Before four levels of universe 0:3:0.
+const QByteArray artDmx("Art-Net\0\x00\x50\x00\x0e\x00\x00\x30\x00\x00\x04", 18);
 
 class Monitor : public ::testing::Test
 {
@@ -69,8 +59,6 @@ protected:
     InputMonitor monitor{peripherals};
     const int port = freeUdpPort();
 };
-
-} // namespace
 
 TEST(InputTapTest, AFloodDropsTheOldestAndCountsThem)
 {
@@ -194,7 +182,7 @@ TEST_F(Monitor, ShowsWhatComesInAndWhatItTriggers)
     put(PeripheralMidi, "\xb0\x07\x3f");
     put(PeripheralMidi, "\xb0\x08\x01");
     for (const char* levels : {"\0\0\0\0", "\xff\0\x80\0", "\xff\0\x80\0", "\xff\0\x33\0"}) {
-        put(PeripheralDmx, artDmx({levels, 4})); // the third repeats the second
+        put(PeripheralDmx, artDmx + QByteArray(levels, 4)); // the third repeats the second
     }
     QByteArray bundle("#bundle\0\0\0\0\0\0\0\0\1\0\0\0\x08/a\0\0,\0\0\0\0\0\0\x20", 32);
     bundle.append(take);

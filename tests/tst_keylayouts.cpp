@@ -4,8 +4,6 @@
 #include "support/test.h"
 #include "support/xscreen.h"
 
-#include <QtCore/QStandardPaths>
-
 #include <iostream>
 
 namespace keylayoutstest {
@@ -43,7 +41,7 @@ int pressKeys(const QStringList& arguments)
         QProcess::execute("setxkbmap", {"-layout", argument.section(':', 0, 0)});
         QProcess::execute("xdotool", ("key " + argument.section(':', 1) + " F12").split(' '));
         EXPECT_TRUE(QTest::qWaitFor([&] { return listener.pressed.contains("F12"); }));
-        std::cout << listener.pressed.toStdString() << std::endl;
+        std::cout << listener.pressed << std::endl;
     }
     return 0;
 }

@@ -1,6 +1,5 @@
 #include "system/looks.h"
 
-#include "mivohostkit/runtimethread.h"
 #include "peripherals/peripherals.h"
 #include "project/projectfile.h"
 #include "surface/actionpanel.h"
@@ -20,26 +19,15 @@
 #include <mivowidgets/alertlabel.h>
 #include <mivowidgets/colordialog.h>
 
-#include <QtWidgets/QListWidget>
-#include <QtWidgets/QMenu>
-#include <QtWidgets/QPlainTextEdit>
-#include <QtWidgets/QScrollArea>
-#include <QtWidgets/QStackedWidget>
-#include <QtWidgets/QTreeWidget>
-
-#include <algorithm>
 #include <cmath>
 #include <deque>
 #include <iostream>
 #include <map>
-#include <utility>
 
 namespace lookstest {
 
 using mivo::style::Look;
 using namespace mivohost;
-
-namespace {
 
 double luminance(QRgb color)
 {
@@ -196,8 +184,6 @@ protected:
     double faintestDisabled = 21;
 };
 
-} // namespace
-
 TEST_P(Contrast, LetsEveryTextBeRead)
 {
     useLook(GetParam());
@@ -225,14 +211,10 @@ TEST_P(Contrast, LetsEveryTextBeRead)
 
 INSTANTIATE_TEST_SUITE_P(Looks, Contrast, ::testing::Values(Look::dark, Look::light));
 
-namespace {
-
 QColor pixelOf(QWidget& widget, int x, int y)
 {
     return widget.grab().toImage().pixelColor(x, y);
 }
-
-} // namespace
 
 TEST(Looks, LeaveWhatTheHostSays)
 {

@@ -14,10 +14,6 @@
 
 #include <mivosettingswidgets/settingsdialog.h>
 
-#include <QtWidgets/QDialogButtonBox>
-#include <QtWidgets/QMenuBar>
-#include <QtWidgets/QMessageBox>
-
 namespace projecttest {
 
 using mivo::widgets::TipDialog;
@@ -177,9 +173,8 @@ TEST_F(Window, ImportsTheSettingsThatAreTicked)
     dialog = chosen();
     changes = dialog->findChild<QTreeWidget*>("importChanges");
     const auto tick = [changes](const char* name, Qt::CheckState state) {
-        changes->findItems(name, Qt::MatchExactly | Qt::MatchRecursive)
-            .at(0)
-            ->setCheckState(0, state);
+        const auto items = changes->findItems(name, Qt::MatchExactly | Qt::MatchRecursive);
+        items.at(0)->setCheckState(0, state);
     };
     tick("Undo steps", Qt::Unchecked);
     tick("Use OSC", Qt::Checked);
@@ -248,8 +243,7 @@ TEST_F(Window, KeepsAllSettingsInAFileBeforeASectionIsPutBack)
     QDir().mkpath(QFileInfo(kept.path()).path());
     writeFile(kept.path()); // a file in place of the folder
     EXPECT_EQ(putBack(), 81);
-    EXPECT_TRUE(told.contains(QDir::toNativeSeparators(kept.path() + "/settings-")))
-        << told.toStdString();
+    EXPECT_TRUE(told.contains(QDir::toNativeSeparators(kept.path() + "/settings-"))) << told;
     QFile::remove(kept.path());
     QDir().mkpath(kept.path());
     for (int i = 10; i < 22; ++i) {
@@ -258,7 +252,7 @@ TEST_F(Window, KeepsAllSettingsInAFileBeforeASectionIsPutBack)
     EXPECT_EQ(putBack(), 50);
     EXPECT_EQ(kept.entryList(QDir::Files).size(), 10);
     const QString file = kept.filePath(kept.entryList(QDir::Files, QDir::Time).at(0));
-    EXPECT_TRUE(told.contains(QDir::toNativeSeparators(file))) << told.toStdString();
+    EXPECT_TRUE(told.contains(QDir::toNativeSeparators(file))) << told;
     EXPECT_TRUE(readFile(file).contains("\"undoStep\": 81"));
 }
 
@@ -287,7 +281,7 @@ TEST_F(Window, HasEveryTextInTheLanguageThatIsChosen)
         for (const char* key :
              {"ProjectNotOpened", "ProjectNotSaved", "AutomaticSaveFailed", "AutostartFailed",
               "PowerActionFailed", "SettingNotSaved", "ShortcutsNotExported",
-              "ShortcutsNotImported", "SettingsExportedLate"}) {
+              "ShortcutsNotImported", "SettingsExportedLate", "TimedActionCalledOff"}) {
             EXPECT_TRUE(hostText(key).contains("%1")) << key;
         }
         for (const char* reason :

@@ -4,8 +4,6 @@
 #include "support/hostlanguage.h"
 #include "support/test.h"
 
-#include <QtWidgets/QTableWidget>
-
 namespace messagecentretest {
 
 using namespace mivohost;

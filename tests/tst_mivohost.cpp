@@ -35,7 +35,7 @@ TEST_F(Host, TheSecondOfAUserShowsTheFirstOrSaysSoAndStops)
     ASSERT_TRUE(first.says("settings dialog open"));
     Program second(folder.path(), {"--store", otherStore()});
     ASSERT_TRUE(second.hasScreen());
-    EXPECT_TRUE(second.says("are in use by another mivohost")) << second.output().constData();
+    EXPECT_TRUE(second.says("are in use by another mivohost"));
     second.press("Return");
     ASSERT_TRUE(second.ends()) << "the message is closed by Return, and the program with it";
     EXPECT_EQ(second.exitCode(), 2);
@@ -85,7 +85,7 @@ TEST_F(Host, TakesSettingsAlongToAnotherMachine)
     for (const QStringList& wrong : {QStringList{"--import", file, "--export", file},
                                      {"--dry-run", "--export", file},
                                      {"--export", file, "--sections", "undo,nothing"}}) {
-        EXPECT_EQ(on(wrong), 1) << wrong.join(' ').toStdString();
+        EXPECT_EQ(on(wrong), 1) << wrong.join(' ');
     }
 }
 
@@ -98,8 +98,7 @@ TEST_F(Host, DrawsEveryPageInEveryLanguage)
     for (QString name : drawn) {
         const QImage english(pictures.filePath(name));
         const QImage chinese(pictures.filePath(name.replace("-en", "-zh_cn")));
-        EXPECT_TRUE(!english.isNull() && !chinese.isNull() && english != chinese)
-            << name.toStdString();
+        EXPECT_TRUE(!english.isNull() && !chinese.isNull() && english != chinese) << name;
     }
     EXPECT_EQ(run({"--pictures", "/proc/no/such"}), 4);
 }
@@ -110,10 +109,10 @@ TEST_F(Host, ASettingIsFoundChangedAndPutBackByKeysAlone)
     ASSERT_TRUE(program.says("settings dialog open"));
     ASSERT_TRUE(program.hasScreen());
     program.press("ctrl+f u n d o space s t e p s Return Down ctrl+a 8 1 Return");
-    EXPECT_TRUE(program.says("setting undoStep = 81")) << program.output().constData();
+    EXPECT_TRUE(program.says("setting undoStep = 81"));
     QTest::qWait(1500); // it is seen to differ
     program.press("Menu Up Return");
-    EXPECT_TRUE(program.says("setting undoStep = 50")) << program.output().constData();
+    EXPECT_TRUE(program.says("setting undoStep = 50"));
 }
 
 TEST_F(Host, SeesItsSoundCardsComeAndGo)
@@ -125,10 +124,9 @@ TEST_F(Host, SeesItsSoundCardsComeAndGo)
     Program program(folder.path());
     EXPECT_TRUE(isUp(program));
     server.load("right", 8);
-    EXPECT_TRUE(program.says("sound card there: right (8 channels)"))
-        << program.output().constData();
+    EXPECT_TRUE(program.says("sound card there: right (8 channels)"));
     server.unloadAll();
-    EXPECT_TRUE(program.says("sound card gone: right")) << program.output().constData();
+    EXPECT_TRUE(program.says("sound card gone: right"));
 }
 
 TEST_F(Host, StartsAsItsSettingsSayAndSavesBeforeAScheduledRestart)
@@ -142,14 +140,14 @@ TEST_F(Host, StartsAsItsSettingsSayAndSavesBeforeAScheduledRestart)
     home.keep("timedAutomaticRestart", "1|0|0|" + soon);
     Program program(folder.path());
     ASSERT_TRUE(program.hasScreen());
-    EXPECT_TRUE(program.says("playing program Six")) << program.output().constData();
+    EXPECT_TRUE(program.says("playing program Six"));
     // The window is there when it takes keys: the programs have the focus from the start.
     program.press("Down Return");
-    EXPECT_TRUE(program.says("playing program Five")) << program.output().constData();
-    ASSERT_TRUE(program.says("is due")) << program.output().constData();
+    EXPECT_TRUE(program.says("playing program Five"));
+    ASSERT_TRUE(program.says("is due"));
     QTest::qWait(1500);          // the prompt opens
     program.press("Tab Return"); // from the button that cancels to the other one
-    EXPECT_TRUE(program.says("would restart the machine now")) << program.output().constData();
+    EXPECT_TRUE(program.says("would restart the machine now"));
     EXPECT_EQ(home.lastPlayed(), 5);
     const QString entry = folder.filePath("config/autostart/mivohost.desktop");
     EXPECT_TRUE(readFile(entry).contains("\"--start-delay\" \"0\"\n"));
@@ -168,7 +166,7 @@ TEST_F(Host, AKeyAndOscTriggerAlsoAfterARestart)
         Program program(folder.path());
         ASSERT_TRUE(isUp(program));
         program.press("ctrl+e");
-        ASSERT_TRUE(program.says("editing shortcuts: Keys")) << program.output().constData();
+        ASSERT_TRUE(program.says("editing shortcuts: Keys"));
         program.press("F5"); // of the first action
         EXPECT_TRUE(program.says("keys of /Peripherals/Global/OutputSwitch: F5"));
         program.press("Escape");
@@ -183,14 +181,5 @@ TEST_F(Host, AKeyAndOscTriggerAlsoAfterARestart)
     EXPECT_EQ(QUdpSocket().writeDatagram(take, QHostAddress::LocalHost, port), take.size());
     EXPECT_TRUE(again.says("action Stage/Take by 1"));
     again.press("ctrl+shift+m");
-    EXPECT_TRUE(again.says("input monitor open")) << again.output().constData();
-    QUdpSocket().writeDatagram(QByteArray("/other\0\0,\0\0\0", 12), QHostAddress::LocalHost, port);
-    QUdpSocket().writeDatagram(take, QHostAddress::LocalHost, port);
-    EXPECT_TRUE(again.says("action Stage/Take by 1"));
-    again.press("ctrl+c");
-    EXPECT_TRUE(again.says("inputs copied: 2")) << again.output().constData();
-    again.press("ctrl+f");
-    again.press("t a k e Return ctrl+c");
-    EXPECT_TRUE(again.says("inputs copied: 1")) << again.output().constData();
-    again.press("Escape");
+    EXPECT_TRUE(again.says("input monitor open"));
 }

@@ -3,8 +3,6 @@
 
 #include "support/test.h"
 
-#include <QtCore/QDirIterator>
-#include <QtCore/QProcess>
 #include <QtCore/qt_windows.h>
 
 namespace mivoqutilstest {
@@ -70,14 +68,14 @@ TEST_F(Folders, AreNotClearedWhereTheyAreRootsOrHoldTheHome)
     const QString drive = home.left(3);
     for (const QString& may :
          {work, work + '/', QDir::toNativeSeparators(work), work.toUpper(), work + "/../outside"}) {
-        EXPECT_TRUE(mayBeCleared(may)) << may.toStdString();
+        EXPECT_TRUE(mayBeCleared(may)) << may;
     }
     for (const QString& no :
          {QString(), QString("work"), drive, drive.left(2), drive.toLower(), QString("/"),
           QString("\\"), home, home.toUpper(), QFileInfo(home).path(), work + "/missing",
           R"(\\?\)" + QDir::toNativeSeparators(work), QString(R"(\\.\C:)"),
           QString("//no-such-server/share"), QString("::{20D04FE0-3AEA-1069-A2D8-08002B30309D}")}) {
-        EXPECT_FALSE(mayBeCleared(no)) << no.toStdString();
+        EXPECT_FALSE(mayBeCleared(no)) << no;
     }
     writeFile(work + "/file");
     EXPECT_FALSE(mayBeCleared(work + "/file"));
@@ -121,7 +119,7 @@ TEST_F(Folders, AreMobileOnARemovableDriveOrWithoutADrive)
     EXPECT_TRUE(isBelongToMobile("::{20D04FE0-3AEA-1069-A2D8-08002B30309D}"));
     for (const QString& fixed :
          {QString(), work, work + "/not/there", QString("//no-such-server/share/x")}) {
-        EXPECT_FALSE(isBelongToMobile(fixed)) << fixed.toStdString();
+        EXPECT_FALSE(isBelongToMobile(fixed)) << fixed;
     }
 }
 

@@ -3,8 +3,6 @@
 #include "project/programdispatch.h"
 #include "support/pagetest.h"
 
-#include <set>
-
 namespace projectsettingboxtest {
 
 using namespace mivo::mediadispatch;

@@ -8,18 +8,9 @@
 #include <mivosettingswidgets/settingsdialog.h>
 #include <mivosettingswidgets/undosettingbox.h>
 
-#include <QtGui/QContextMenuEvent>
-#include <QtWidgets/QMenu>
-#include <QtWidgets/QStackedWidget>
-
-#include <algorithm>
-#include <map>
-
 namespace putbacktest {
 
 using mivo::widgets::TipDialog;
-
-namespace {
 
 class PutBackTest : public ::testing::Test
 {
@@ -68,8 +59,6 @@ protected:
     bool keeps = true;
     int asked = 0;
 };
-
-} // namespace
 
 TEST_F(PutBackTest, EveryControlThatDiffersIsKnownWithItsDefaultInWords)
 {

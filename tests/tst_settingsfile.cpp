@@ -2,11 +2,8 @@
 
 #include "store/sqlitepersistence.h"
 
-#include "support/files.h"
 #include "support/fulldisk.h"
 #include "support/test.h"
-
-#include <QtCore/QTemporaryDir>
 
 #include <rapidjson/document.h>
 #include <rapidjson/schema.h>
@@ -18,8 +15,6 @@ using mivohost::SettingsStore;
 using mivohost::SqlitePersistence;
 using Key = SettingsStore::Key;
 using Section = SettingsStore::Section;
-
-namespace {
 
 /// A value unlike its default for every setting that is taken along.
 QVariantHash otherRows()
@@ -68,8 +63,6 @@ QString imported(SettingsStore& store, const SettingsFile& file)
     }
     return store.setAll(values);
 }
-
-} // namespace
 
 TEST(SettingsFiles, TakeEverySettingAlongAsTheSchemaSays)
 {

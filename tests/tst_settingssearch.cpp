@@ -7,25 +7,19 @@
 
 #include <mivosettingswidgets/undosettingbox.h>
 
-#include <QtWidgets/QButtonGroup>
-#include <QtWidgets/QFormLayout>
-#include <QtWidgets/QLabel>
-#include <QtWidgets/QListWidget>
-#include <QtWidgets/QMenu>
-#include <QtWidgets/QScrollArea>
-#include <QtWidgets/QStackedWidget>
-#include <QtWidgets/QTabWidget>
-
 namespace settingssearchtest {
 
 using namespace mivo::settings;
 
-namespace {
-
 class Search : public ::testing::Test
 {
 protected:
-    Search() { dialog.enableSearch(); }
+    Search()
+    {
+        dialog.enableSearch();
+        line = dialog.findChild<QLineEdit*>("settingsSearch");
+        status = dialog.findChild<QLabel*>("settingsSearchStatus");
+    }
 
     void open()
     {
@@ -70,14 +64,7 @@ protected:
     SettingsDialog dialog;
     QLineEdit* line = nullptr;
     QLabel* status = nullptr;
-    void SetUp() override
-    {
-        line = dialog.findChild<QLineEdit*>("settingsSearch");
-        status = dialog.findChild<QLabel*>("settingsSearchStatus");
-    }
 };
-
-} // namespace
 
 TEST_F(Search, FindsEveryKindOfTextHoweverItIsWritten)
 {

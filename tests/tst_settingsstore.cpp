@@ -62,19 +62,6 @@ TEST_F(Store, EveryRecordStartsWithItsDefaultsAndOutlivesARestart)
                    SAddDMXInfo{true, "a|b", 15, 6, 7}, SAddOSCInfo{true, 16}));
     EXPECT_EQ(store->getTcpPort(), (STPortInfo{true, 13}));
     EXPECT_EQ(store->getUdpPort(), (STPortInfo{false, 14}));
-
-    auto copy = make();
-    copy->setTimedShutdownSettings(store->getTimedShutdownSettings());
-    copy->setTimedAutomaticRestartSettings(store->getTimedAutomaticRestartSettings());
-    copy->setDynamicRangeConfig(store->getDynamicRangeConfig());
-    copy->setTcpPort(store->getTcpPort());
-    copy->setUdpPort(store->getUdpPort());
-    copy->setDmxInfo(store->getDmxInfo());
-    copy->setOscInfo(store->getOscInfo());
-    EXPECT_EQ(copy->kept.rows.size(), 7);
-    for (auto row = copy->kept.rows.begin(); row != copy->kept.rows.end(); ++row) {
-        EXPECT_EQ(*row, rows[row.key()]);
-    }
 }
 
 TEST_F(Store, CorrectsWhatIsBeyondItsRangeAndAnnouncesWhatItHolds)

@@ -6,17 +6,11 @@
 #include "support/fulldisk.h"
 #include "support/test.h"
 
-#include <QtCore/QCommandLineParser>
-#include <QtCore/QJsonDocument>
-#include <QtCore/QTemporaryDir>
-
 namespace sharedsettingstest {
 
 using namespace mivohost;
 using etcd::KeyValue;
 using Status = etcd::Answer::Status;
-
-namespace {
 
 QByteArray json(const QByteArray& value, const QByteArray& machine = "b")
 {
@@ -52,7 +46,7 @@ protected:
         ASSERT_TRUE(opened.persistence->keepOutbox());
         settings = std::make_unique<SharedSettings>(
             std::move(opened.persistence),
-            SharedSettings::Identity{"/s/", "a", "Machine a", {"language"}});
+            SharedSettings::Identity{"/s/", "a", "Machine a", {"language"}, {}});
         settings->watch([this](const QString& name, const QVariant& value) {
             shown.append(name + '=' + value.toString());
         });
@@ -94,8 +88,6 @@ protected:
     QStringList shown;
 };
 
-} // namespace
-
 TEST_F(Shared, AChangeWaitsAlsoThroughARestartUntilItIsInEtcd)
 {
     EXPECT_TRUE(settings->write({{"undoStep", 80}}));
@@ -123,7 +115,7 @@ TEST_F(Shared, AChangeWaitsAlsoThroughARestartUntilItIsInEtcd)
     settings->takeAnswer(again, written(8));
     start();
     EXPECT_EQ(waiting, 0);
-    EXPECT_TRUE(told.isEmpty()) << told.join(';').toStdString();
+    EXPECT_TRUE(told.isEmpty()) << told.join(';');
 }
 
 TEST_F(Shared, WhatEtcdHasInsteadOfAChangeDecidesWhatBecomesOfIt)
@@ -206,7 +198,7 @@ TEST_F(Shared, WhatOthersChangeIsTakenOverOnceAndInOrder)
     EXPECT_EQ(shown, QStringList{"undoStep=75"});
     settings->takeChanges({deleted});
     EXPECT_EQ(takeSent(), QStringList{"/s/show/undoStep=75@0"}) << "the show gets it again";
-    EXPECT_TRUE(told.isEmpty()) << told.join(';').toStdString();
+    EXPECT_TRUE(told.isEmpty()) << told.join(';');
 }
 
 TEST_F(Shared, AllThatEtcdHasIsComparedWithAllThatIsHere)
@@ -316,13 +308,8 @@ TEST(ShowAddress, IsTakenApartAndRefusedWhereItIsWrong)
 TEST(ShowSetup, IsRefusedWhereAFileOfItCannotBeUsed)
 {
     const QTemporaryDir folder;
-    const auto keep = [&folder](const QString& name, const QByteArray& content) {
-        QFile file(folder.filePath(name));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(content);
-    };
-    keep("login", "ann \r\nse cret\r\n");
-    keep("empty", {});
+    writeFile(folder.filePath("login"), "ann \r\nse cret\r\n");
+    writeFile(folder.filePath("empty"));
     const auto read = [&folder](const QStringList& options, QString& error) {
         QCommandLineParser arguments;
         arguments.addOption({"store", {}, "show"});
@@ -336,14 +323,14 @@ TEST(ShowSetup, IsRefusedWhereAFileOfItCannotBeUsed)
         EXPECT_FALSE(
             read({"--store=etcds://a/show", "--store-ca=" + folder.filePath(authorities), login},
                  error));
-        EXPECT_TRUE(error.startsWith(folder.filePath(authorities) + ": ")) << error.toStdString();
+        EXPECT_TRUE(error.startsWith(folder.filePath(authorities) + ": ")) << error;
     }
     QString error;
     EXPECT_FALSE(read({login}, error)); // no show
     EXPECT_FALSE(error.isEmpty());
     error.clear();
     const auto setup = read({"--store=etcd://a/show", login, "--machine-name=left"}, error);
-    ASSERT_TRUE(setup) << error.toStdString();
+    ASSERT_TRUE(setup) << error;
     EXPECT_EQ(setup->servers.user + '/' + setup->servers.password, "ann/se cret");
     EXPECT_EQ(setup->name, "left");
     EXPECT_EQ(read({"--store=etcd://a/show"}, error)->machine, setup->machine);

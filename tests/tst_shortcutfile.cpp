@@ -3,8 +3,6 @@
 
 #include "support/test.h"
 
-#include <QtCore/QStandardPaths>
-
 namespace shortcutfiletest {
 
 using namespace mivo::settings;

@@ -8,7 +8,6 @@
 #include <mivosettingswidgets/shortcutfile.h>
 #include <mivowidgets/shortcutcover.h>
 
-#include <algorithm>
 #include <random>
 
 namespace shortcutmgrtest {

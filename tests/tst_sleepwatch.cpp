@@ -2,13 +2,9 @@
 
 #include "support/test.h"
 
-#include <QtWidgets/QWidget>
-
 #ifdef Q_OS_WIN
-#include <QtCore/QAbstractEventDispatcher>
 #include <QtCore/qt_windows.h>
 #elif MIVO_HAS_DBUS
-#include <QtCore/QProcess>
 #include <QtDBus/QtDBus>
 
 #include <fcntl.h>
@@ -21,120 +17,90 @@ using mivohost::SleepWatch;
 
 #ifdef Q_OS_WIN
 
-/// What the system tells its windows.
-struct Machine
+TEST(SleepWatch, IsToldByItsOwnWindow)
 {
-    static constexpr bool isThere = true;
-    void say(bool isGoing)
-    {
-        const WId other = window.winId() + 1;
-        for (const WId each : {window.winId(), other}) {
+    const QWidget window;
+    const SleepWatch watch(window);
+    QSignalSpy going(&watch, &SleepWatch::goingToSleep);
+    QSignalSpy awake(&watch, &SleepWatch::awake);
+    for (const auto what : {WPARAM(PBT_APMSUSPEND), WPARAM(PBT_APMRESUMEAUTOMATIC)}) {
+        for (const WId each : {window.winId(), window.winId() + 1}) {
             MSG message{};
             message.hwnd = reinterpret_cast<HWND>(each);
             message.message = WM_POWERBROADCAST;
-            message.wParam = isGoing ? PBT_APMSUSPEND : PBT_APMRESUMEAUTOMATIC;
+            message.wParam = what;
             QAbstractEventDispatcher::instance()->filterNativeEvent("windows_generic_MSG", &message,
                                                                     nullptr);
         }
+        EXPECT_EQ(going.size(), 1);
+        EXPECT_EQ(awake.size(), what == PBT_APMRESUMEAUTOMATIC ? 1 : 0);
     }
-    static bool waits() { return true; }
-    static bool sleeps() { return true; }
-
-    QWidget window;
-};
+}
 
 #elif MIVO_HAS_DBUS
 
-/// The login manager, on a system bus of its own.
+/// The login manager. Whoever asks to be waited for gets one end of a pipe, and closes it.
 class Machine : public QObject
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.login1.Manager")
 
 public:
-    Machine()
+    bool isHeld() const
     {
-        m_daemon.start("dbus-daemon", {"--session", "--nofork", "--print-address"});
-        m_daemon.waitForReadyRead();
-        const QByteArray address = m_daemon.readLine().trimmed();
-        qputenv("DBUS_SYSTEM_BUS_ADDRESS", address);
-        auto bus = QDBusConnection::connectToBus(address, "machine");
-        isThere = bus.registerService("org.freedesktop.login1")
-                  && bus.registerObject("/org/freedesktop/login1", this,
-                                        QDBusConnection::ExportAllSlots
-                                            | QDBusConnection::ExportAllSignals);
-    }
-    ~Machine() override
-    {
-        m_daemon.kill();
-        m_daemon.waitForFinished();
+        char byte = 0;
+        return ::read(end, &byte, 1) < 0;
     }
 
-    void say(bool isGoing) { emit PrepareForSleep(isGoing); }
-    /// Whether somebody is waited for; it takes a moment to be asked.
-    bool waits()
-    {
-        return QTest::qWaitFor([this] { return m_end >= 0; }) && !isClosed();
-    }
-    bool sleeps()
-    {
-        return QTest::qWaitFor([this] { return isClosed(); }) && ::close(m_end) == 0
-               && (m_end = -1);
-    }
-
-    bool isThere = false;
-    QWidget window;
+    int end = -1; // the other one
 
 public slots:
-    QDBusUnixFileDescriptor Inhibit(const QString& what, const QString&, const QString&,
-                                    const QString& mode)
+    QDBusUnixFileDescriptor Inhibit(const QString& what, const QString& /*who*/,
+                                    const QString& /*why*/, const QString& mode)
     {
         EXPECT_EQ(what + ' ' + mode, "sleep delay");
         int ends[2];
         EXPECT_EQ(::pipe2(ends, O_CLOEXEC | O_NONBLOCK), 0);
-        const QDBusUnixFileDescriptor held(ends[1]);
-        ::close(ends[1]);
-        m_end = ends[0];
+        end = ends[0];
+        QDBusUnixFileDescriptor held;
+        held.giveFileDescriptor(ends[1]);
         return held;
     }
 
 signals:
     void PrepareForSleep(bool isGoing);
-
-private:
-    bool isClosed() const
-    {
-        char byte = 0;
-        return ::read(m_end, &byte, 1) == 0;
-    }
-
-    QProcess m_daemon;
-    int m_end = -1;
 };
-
-#endif
-
-#if defined(Q_OS_WIN) || MIVO_HAS_DBUS
 
 TEST(SleepWatch, IsToldEachTimeAndHoldsTheMachineMeanwhile)
 {
+    QProcess daemon;
+    daemon.start("dbus-daemon", {"--session", "--nofork", "--print-address"});
+    daemon.waitForReadyRead();
+    const QByteArray address = daemon.readLine().trimmed();
+    qputenv("DBUS_SYSTEM_BUS_ADDRESS", address);
+    auto bus = QDBusConnection::connectToBus(address, "machine");
     Machine machine;
-    if (!machine.isThere) {
+    if (!bus.registerService("org.freedesktop.login1")
+        || !bus.registerObject("/org/freedesktop/login1", &machine,
+                               QDBusConnection::ExportAllSlots
+                                   | QDBusConnection::ExportAllSignals)) {
         GTEST_SKIP() << "no bus";
     }
-    const SleepWatch watch(machine.window);
+    const QWidget window;
+    const SleepWatch watch(window);
     QStringList told;
     QObject::connect(&watch, &SleepWatch::goingToSleep,
-                     [&] { told += machine.waits() ? "waits" : "too late"; });
+                     [&] { told += machine.isHeld() ? "held" : "too late"; });
     QObject::connect(&watch, &SleepWatch::awake, [&] { told += "awake"; });
     for (int night = 0; night < 2; ++night) {
-        ASSERT_TRUE(machine.waits());
-        machine.say(true);
-        EXPECT_TRUE(machine.sleeps());
-        machine.say(false);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return machine.end >= 0; })) << "asked to wait";
+        emit machine.PrepareForSleep(true);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !machine.isHeld(); }));
+        ::close(std::exchange(machine.end, -1));
+        emit machine.PrepareForSleep(false);
     }
     EXPECT_TRUE(QTest::qWaitFor([&] { return told.size() == 4; }));
-    EXPECT_EQ(told, (QStringList{"waits", "awake", "waits", "awake"}));
+    EXPECT_EQ(told, (QStringList{"held", "awake", "held", "awake"}));
 }
 
 #endif

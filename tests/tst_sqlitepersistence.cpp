@@ -3,8 +3,6 @@
 #include "support/otherprocess.h"
 #include "support/test.h"
 
-#include <QtCore/QProcess>
-
 #include <sqlite3.h>
 
 #ifdef Q_OS_UNIX
@@ -43,11 +41,10 @@ TEST_F(StoreFile, IsMadeWithItsFolderAndReadAgain)
     const QString deep = folder.filePath(QStringLiteral("a/设置/settings.sqlite"));
     {
         auto opened = SqlitePersistence::open(deep);
-        ASSERT_EQ(opened.status, Status::opened) << opened.error.toStdString();
+        ASSERT_EQ(opened.status, Status::opened) << opened.error;
         EXPECT_TRUE(opened.persistence->write({{"undoStep", 80}}));
         EXPECT_TRUE(opened.persistence->write({{"undoStep", 81}}));
-        EXPECT_TRUE(opened.persistence->write({{"language", QStringLiteral("zh_cn")}}));
-        EXPECT_TRUE(opened.persistence->write({{"fadeInTime", 0.1 + 0.2}}));
+        EXPECT_TRUE(opened.persistence->write({{"language", "zh_cn"}, {"fadeInTime", 0.1 + 0.2}}));
     }
     auto again = SqlitePersistence::open(deep);
     ASSERT_EQ(again.status, Status::opened);
@@ -117,7 +114,7 @@ TEST_F(StoreFile, ThatIsDamagedIsRecoveredFromItsNewestGoodCopyAndKept)
             damage();
             const auto before = files();
             auto opened = SqlitePersistence::open(path());
-            EXPECT_EQ(opened.status, status) << opened.error.toStdString();
+            EXPECT_EQ(opened.status, status) << opened.error;
             EXPECT_EQ(opened.error.isEmpty(), status == Status::opened);
             EXPECT_EQ(opened.copyTime.isValid(), hasCopy && status == Status::damaged);
             if (status != Status::opened) {
@@ -128,7 +125,7 @@ TEST_F(StoreFile, ThatIsDamagedIsRecoveredFromItsNewestGoodCopyAndKept)
                 EXPECT_EQ(opened.status, status);
                 EXPECT_EQ(files(), before);
             } else {
-                ASSERT_TRUE(opened.persistence) << opened.error.toStdString();
+                ASSERT_TRUE(opened.persistence) << opened.error;
                 const int held = opened.persistence->loadAll().value("undoStep").toInt();
                 EXPECT_EQ(held, status == Status::opened ? 81 : hasCopy ? 80 : 0);
                 EXPECT_TRUE(opened.persistence->write({{"undoStep", 82}}));
@@ -209,7 +206,7 @@ TEST_F(StoreFile, LosesNothingThatWasWrittenWhenTheProcessIsKilled)
         said += writer.readAll();
         known = said.contains('\n') ? said.split('\n').rbegin()[1].toInt() : known;
         auto opened = SqlitePersistence::open(path());
-        ASSERT_EQ(opened.status, Status::opened) << opened.error.toStdString();
+        ASSERT_EQ(opened.status, Status::opened) << opened.error;
         EXPECT_GE(opened.persistence->loadAll().value("count").toInt(), known);
     }
     EXPECT_GT(known, 0);

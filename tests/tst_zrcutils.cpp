@@ -4,8 +4,6 @@
 #include "support/otherprocess.h"
 #include "support/test.h"
 
-#include <QtCore/QProcess>
-
 #include <filesystem>
 #ifdef Q_OS_WIN
 #include <QtCore/qt_windows.h>

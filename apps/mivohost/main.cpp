@@ -48,6 +48,7 @@
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QMessageBox>
 
+#include <algorithm>
 #include <cstdio>
 #include <map>
 #include <memory>
@@ -70,6 +71,22 @@ void printQtMessage(QtMsgType type, const QMessageLogContext& context, const QSt
         defaultHandler(type, context, text);
     }
 }
+
+#ifdef Q_OS_LINUX
+/// Whether the command line asks for something that opens no window.
+bool isWindowless(int argc, char** argv)
+{
+    const auto is = [](const QByteArray& argument) {
+        static const QByteArrayList options = {"h",        "help",           "help-all", "v",
+                                               "version",  "print-settings", "export",   "import",
+                                               "pictures", "adopt",          "forget"};
+        const int dashes = argument.startsWith("--") ? 2 : 1;
+        return argument.startsWith('-')
+               && options.contains(argument.mid(dashes).split('=').first());
+    };
+    return std::any_of(argv + 1, argv + argc, is);
+}
+#endif
 
 /// Says on the standard error, and to a person at a screen, why the program does not start.
 ExitCode refuse(ExitCode code, const QString& message, bool withWindow)
@@ -153,7 +170,8 @@ int runWindow(MainWindow& window, ProjectFile& project, RuntimeThread& runtime,
             };
             QMetaObject::invokeMethod(
                 &window, [&project, act] { project.afterSaves(act); }, Qt::QueuedConnection);
-        });
+        },
+        notify("TimedActionCalledOff"));
 
     const Listener listener(runtime, store);
     QObject::connect(&listener, &Listener::failed, &window, &MainWindow::showNotice);
@@ -209,7 +227,14 @@ int run(const QCommandLineParser& arguments)
         return refuse(badArgument, command.problem, false);
     }
     const bool drawing = arguments.isSet(QStringLiteral("pictures"));
-    const bool withWindow = !command.isGiven && !drawing && !ShowSetup::isCommand(arguments);
+    if (int(command.isGiven) + int(drawing) + ShowSetup::commandCount(arguments) > 1) {
+        return refuse(badArgument,
+                      QStringLiteral("only one of --pictures, --adopt, --forget and the commands "
+                                     "for settings"),
+                      false);
+    }
+    const bool withWindow =
+        !command.isGiven && !drawing && !ShowSetup::commandCount(arguments) == 0;
     const QDir data(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation));
     const QString ownPath = data.filePath(QStringLiteral("settings.sqlite"));
     QString path = ownPath;
@@ -392,6 +417,11 @@ int main(int argc, char** argv)
         return listSoundCards();
     }
     defaultHandler = qInstallMessageHandler(printQtMessage);
+#ifdef Q_OS_LINUX
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM") && isWindowless(argc, argv)) {
+        qputenv("QT_QPA_PLATFORM", "offscreen"); // needs no display
+    }
+#endif
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QApplication application(argc, argv);

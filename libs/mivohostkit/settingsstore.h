@@ -267,7 +267,8 @@ public:
     /// @}
 
     /// @{
-    /// The automatic save that holds the changes which the last end left unsaved; empty: none.
+    /// The automatic saves that hold the changes which earlier ends left unsaved, a line each, the
+    /// newest first; empty: none.
     void setUnsavedProject(const QString& file) { set(Key::unsavedProject, file); }
     QString getUnsavedProject() const { return value(Key::unsavedProject).toString(); }
     /// @}

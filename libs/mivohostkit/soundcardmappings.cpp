@@ -255,16 +255,21 @@ void SoundCardMappings::adopt(const QString& text)
     }
     const auto before = shown(std::exchange(m_kept, *next).mappings);
     m_all.reset();
-    if (m_devices.empty()) {
-        // At the start the host has not set any device yet: those with a chosen card have no cards.
-        for (const auto& mapping : m_kept.mappings) {
-            for (const auto& card : mapping.soundCards) {
-                m_devices.try_emplace(card.device, STDeviceSoundCards{card.device, {}, {}});
+    // Devices that the host has not set, as at the start, have no cards but the chosen one.
+    bool isNew = false;
+    for (const auto& mapping : m_kept.mappings) {
+        for (const auto& card : mapping.soundCards) {
+            if (m_devices.try_emplace(card.device, STDeviceSoundCards{card.device, {}, {}})
+                    .second) {
+                isNew = true;
                 if (!card.device.empty()) {
                     m_away.insert(card.device);
                 }
             }
         }
+    }
+    if (isNew) {
+        m_store.clusterNodeSoundCardsChanged();
     }
     for (const auto& mapping : before) {
         if (findBy(next->mappings, &STSoundCardMappingInfo::id, mapping.id) == nullptr) {
@@ -339,6 +344,10 @@ void SoundCardMappings::onChangeRequested(const STSoundCardChangeInfo& request)
         break;
     case mivo::SoundCardChangeChannels:
         if (chosen != nullptr && chosen->id == request.soundCard.id) {
+            if (const auto* card = findCard(device, chosen->id)) {
+                chosen->caption = card->caption;
+                chosen->channels = card->channels; // an imported text may say others
+            }
             const std::uint32_t pairs = pairsOf(chosen->channels);
             chosen->channelPairs =
                 (chosen->channelPairs & ~pairs) | (request.soundCard.channelPairs & pairs);

@@ -37,13 +37,30 @@ fs::path zrcutils::temporaryFor(const fs::path& target)
     return folderOf(target) / name;
 }
 
+NoCacheFile::Replacement::Replacement(const std::string& path, const std::string& content,
+                                      std::error_code& error, Access access)
+{
+    error.clear();
+    if (path.empty() || path.find('\0') != std::string::npos) {
+        error = std::make_error_code(std::errc::invalid_argument);
+    } else {
+        m_temporary = zrcutils::writeTemporary(fs::u8path(path), content, access, error);
+    }
+}
+
+NoCacheFile::Replacement::~Replacement() = default;
+
+bool NoCacheFile::Replacement::commit(std::error_code& error)
+{
+    error = m_temporary->takePlace();
+    return !error;
+}
+
 bool NoCacheFile::saveToFile(const std::string& path, const std::string& content,
                              std::error_code& error, Access access)
 {
-    error = path.empty() || path.find('\0') != std::string::npos
-                ? std::make_error_code(std::errc::invalid_argument)
-                : zrcutils::replace(fs::u8path(path), content, access);
-    return !error;
+    Replacement replacement(path, content, error, access);
+    return !error && replacement.commit(error);
 }
 
 bool NoCacheFile::saveToFile(const std::string& path, const std::string& content)

@@ -2,8 +2,13 @@
 
 #include "zrcutils/export.h"
 
+#include <memory>
 #include <string>
 #include <system_error>
+
+namespace zrcutils {
+class Temporary;
+}
 
 /// Files whose content outlives a power cut. Paths are in UTF-8. Any thread; takes as long as the
 /// disk does.
@@ -24,6 +29,26 @@ public:
     static bool saveToFile(const std::string& path, const std::string& content,
                            std::error_code& error, Access access = Access::owner);
     static bool saveToFile(const std::string& path, const std::string& content);
+
+    /// saveToFile() in two steps, for what else is to happen only when there is room for the file.
+    class ZRCUTILS_EXPORT Replacement
+    {
+    public:
+        /// The content is on the device, beside the file. `error` says why not, as above.
+        Replacement(const std::string& path, const std::string& content, std::error_code& error,
+                    Access access = Access::owner);
+        /// Removes the content, unless it is in its place.
+        ~Replacement();
+        Replacement(const Replacement&) = delete;
+        Replacement& operator=(const Replacement&) = delete;
+
+        /// Has the content take the file's place, once and only after success above; takes long
+        /// where another program holds the file. False: the file is as it was.
+        bool commit(std::error_code& error);
+
+    private:
+        std::unique_ptr<zrcutils::Temporary> m_temporary;
+    };
 
     /// Removes what killed writers left in this folder: ".<name>.<6 characters>.saving". The file
     /// of a writer that still runs stays, also on another thread or in another process.

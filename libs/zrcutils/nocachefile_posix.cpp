@@ -92,45 +92,76 @@ void flushFolder(const fs::path& folder)
     }
 }
 
+class Written : public Temporary
+{
+public:
+    Written(const fs::path& name, const fs::path& target, int file)
+        : m_name(name), m_target(target), m_file(file)
+    {}
+    ~Written() override
+    {
+        if (!m_isInPlace) {
+            ::unlink(m_name.c_str());
+        }
+    }
+
+    std::error_code takePlace() override
+    {
+        if (::rename(m_name.c_str(), m_target.c_str()) != 0) {
+            return lastError();
+        }
+        m_isInPlace = true;
+        flushFolder(folderOf(m_target));
+        return {};
+    }
+
+private:
+    fs::path m_name;
+    fs::path m_target;
+    Descriptor m_file; // locked
+    bool m_isInPlace = false;
+};
+
 } // namespace
 
-std::error_code replace(const fs::path& path, const std::string& content,
-                        NoCacheFile::Access access)
+std::unique_ptr<Temporary> writeTemporary(const fs::path& path, const std::string& content,
+                                          NoCacheFile::Access access, std::error_code& error)
 {
+    const auto fail = [&error](const std::error_code& why) {
+        error = why;
+        return nullptr;
+    };
     const fs::path target = followLinks(path);
     struct stat old
     {
     };
     const bool exists = ::stat(target.c_str(), &old) == 0;
     if (!exists && errno != ENOENT) {
-        return lastError();
+        return fail(lastError());
     }
     if (exists && !S_ISREG(old.st_mode)) {
-        return std::make_error_code(S_ISDIR(old.st_mode) ? std::errc::is_a_directory
-                                                         : std::errc::invalid_argument);
+        return fail(std::make_error_code(S_ISDIR(old.st_mode) ? std::errc::is_a_directory
+                                                              : std::errc::invalid_argument));
     }
     if (exists && ::faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0) {
-        return lastError();
+        return fail(lastError());
     }
     const bool forOwner = exists || access == NoCacheFile::Access::owner;
-    fs::path temporary;
-    const Descriptor file(openTemporary(target, forOwner ? 0600 : 0666, temporary));
+    fs::path name;
+    const int file = openTemporary(target, forOwner ? 0600 : 0666, name);
     if (file < 0) {
-        return lastError();
+        return fail(lastError());
     }
+    auto written = std::make_unique<Written>(name, target, file);
     if (exists) {
         const bool inGroup = ::fchown(file, static_cast<uid_t>(-1), old.st_gid) == 0;
         // Some file systems refuse; the file is then readable for its owner only.
         static_cast<void>(::fchmod(file, old.st_mode & (inGroup ? 0777 : 0707)));
     }
-    if (!writeAll(file, content) || ::fsync(file) != 0
-        || ::rename(temporary.c_str(), target.c_str()) != 0) {
-        const std::error_code error = lastError();
-        ::unlink(temporary.c_str());
-        return error;
+    if (!writeAll(file, content) || ::fsync(file) != 0) {
+        return fail(lastError());
     }
-    flushFolder(folderOf(target));
-    return {};
+    return written;
 }
 
 void removeUnlessWritten(const fs::path& temporary)

@@ -108,24 +108,56 @@ bool renameOpen(HANDLE file, const std::wstring& target)
     return true;
 }
 
+class Written : public Temporary
+{
+public:
+    Written(const std::wstring& target, HANDLE file) : m_target(target), m_file(file) {}
+    ~Written() override
+    {
+        if (!m_isInPlace) {
+            FILE_DISPOSITION_INFO removal{TRUE};
+            ::SetFileInformationByHandle(m_file, FileDispositionInfo, &removal, sizeof removal);
+        }
+    }
+
+    std::error_code takePlace() override
+    {
+        if (!renameOpen(m_file, m_target)) {
+            return systemError(::GetLastError());
+        }
+        m_isInPlace = true;
+        ::FlushFileBuffers(m_file); // its new name, too
+        return {};
+    }
+
+private:
+    std::wstring m_target;
+    Handle m_file;
+    bool m_isInPlace = false;
+};
+
 } // namespace
 
 // A new file may be opened by whom the folder says.
-std::error_code replace(const fs::path& path, const std::string& content,
-                        NoCacheFile::Access /*access*/)
+std::unique_ptr<Temporary> writeTemporary(const fs::path& path, const std::string& content,
+                                          NoCacheFile::Access /*access*/, std::error_code& error)
 {
+    const auto fail = [&error](DWORD code) {
+        error = systemError(code);
+        return nullptr;
+    };
     const std::wstring named = longPath(path.u8string());
     if (named.empty()) {
-        return systemError(ERROR_INVALID_NAME);
+        return fail(ERROR_INVALID_NAME);
     }
     const std::wstring target = followLinks(named);
     const DWORD attributes = ::GetFileAttributesW(target.c_str());
     const bool exists = attributes != INVALID_FILE_ATTRIBUTES;
     if (exists && (attributes & FILE_ATTRIBUTE_DIRECTORY)) {
-        return systemError(ERROR_CANNOT_MAKE);
+        return fail(ERROR_CANNOT_MAKE);
     }
     if (exists && (attributes & FILE_ATTRIBUTE_READONLY)) {
-        return systemError(ERROR_ACCESS_DENIED);
+        return fail(ERROR_ACCESS_DENIED);
     }
     // Shared with nobody until it is in its place: so removeLeftovers() of another process leaves
     // it.
@@ -135,25 +167,21 @@ std::error_code replace(const fs::path& path, const std::string& content,
             temporary.c_str(), GENERIC_WRITE | DELETE | moreRights, 0, nullptr, CREATE_NEW,
             exists ? attributes & FILE_ATTRIBUTE_HIDDEN : FILE_ATTRIBUTE_NORMAL, nullptr);
     };
-    HANDLE made = make(exists ? WRITE_DAC : 0);
-    if (made == INVALID_HANDLE_VALUE && exists && ::GetLastError() == ERROR_ACCESS_DENIED) {
-        made = make(0); // a share on which nobody may say who opens a file: the folder says it
+    HANDLE file = make(exists ? WRITE_DAC : 0);
+    if (file == INVALID_HANDLE_VALUE && exists && ::GetLastError() == ERROR_ACCESS_DENIED) {
+        file = make(0); // a share on which nobody may say who opens a file: the folder says it
     }
-    const Handle file(made);
-    if (!file.isValid()) {
-        return systemError(::GetLastError());
+    if (file == INVALID_HANDLE_VALUE) {
+        return fail(::GetLastError());
     }
+    auto written = std::make_unique<Written>(target, file);
     if (exists) {
         keepAccess(target, file);
     }
-    if (!writeAll(file, content) || !renameOpen(file, target)) {
-        const std::error_code error = systemError(::GetLastError());
-        FILE_DISPOSITION_INFO removal{TRUE};
-        ::SetFileInformationByHandle(file, FileDispositionInfo, &removal, sizeof removal);
-        return error;
+    if (!writeAll(file, content)) {
+        return fail(::GetLastError());
     }
-    ::FlushFileBuffers(file); // its new name, too
-    return {};
+    return written;
 }
 
 void removeUnlessWritten(const fs::path& temporary)

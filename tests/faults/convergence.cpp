@@ -4,11 +4,6 @@
 
 #include "base/hostlog.h"
 
-#include <QtCore/QElapsedTimer>
-#include <QtCore/QJsonDocument>
-#include <QtCore/QJsonObject>
-#include <QtCore/QRandomGenerator>
-
 #include <cstdio>
 
 // Three machines that change the same settings while machines and servers end and hang at random.
@@ -61,10 +56,7 @@ int runAsMachine(const QStringList& arguments)
     return QApplication::exec();
 }
 
-const bool isRegistered = [] {
-    otherProcesses()["--as-machine"] = runAsMachine;
-    return true;
-}();
+const bool isRegistered = otherProcesses().emplace("--as-machine", runAsMachine).second;
 
 using Setting = std::pair<QByteArray, QByteArray>; // name and value
 
@@ -143,10 +135,7 @@ TEST(Soak, DISABLED_MachinesAgreeAndNoAcknowledgedChangeDisappearsUntold)
         machines[static_cast<std::size_t>(i)].name = QString::number(i);
         machines[static_cast<std::size_t>(i)].start(servers.hosts(), changes);
     }
-    int kills = 0;
-    int hangs = 0;
-    int serverKills = 0;
-    int serverHangs = 0;
+    std::map<const char*, int> counts; // of what was done
     QElapsedTimer elapsed;
     elapsed.start();
     const auto wait = [&](int most) {
@@ -166,26 +155,26 @@ TEST(Soak, DISABLED_MachinesAgreeAndNoAcknowledgedChangeDisappearsUntold)
             machine.kill();
             wait(3000);
             machine.start(servers.hosts(), changes);
-            ++kills;
+            ++counts["kills of machines"];
             break;
         case 1:
             machine.signal(SIGSTOP);
             wait(9000);
             machine.signal(SIGCONT);
-            ++hangs;
+            ++counts["hangs of machines"];
             break;
         case 2:
             servers.act(QStringLiteral("hang %1").arg(which));
             wait(6000);
             servers.act(QStringLiteral("continue %1").arg(which));
-            ++serverHangs;
+            ++counts["hangs of servers"];
             break;
         default: {
             const bool isAll = random.bounded(10) == 0;
             servers.act(isAll ? "kill all" : QStringLiteral("kill %1").arg(which));
             wait(6000);
             servers.act("start all");
-            serverKills += isAll ? 3 : 1;
+            counts["kills of servers"] += isAll ? 3 : 1;
         }
         }
     }
@@ -200,9 +189,6 @@ TEST(Soak, DISABLED_MachinesAgreeAndNoAcknowledgedChangeDisappearsUntold)
 
     // What each setting was in etcd, in its order, and what it is.
     QProcess watch;
-    auto environment = QProcessEnvironment::systemEnvironment();
-    environment.insert("ETCDCTL_API", "3");
-    watch.setProcessEnvironment(environment);
     watch.start("etcdctl", {"--endpoints", servers.host(0), "watch", "--prefix", "--rev", "1",
                             "/mivo/1/Show-1/show/"});
     QTest::qWait(5000);
@@ -230,7 +216,7 @@ TEST(Soak, DISABLED_MachinesAgreeAndNoAcknowledgedChangeDisappearsUntold)
         ASSERT_TRUE(opened.persistence);
         for (const auto& [name, value] : last) {
             EXPECT_EQ(opened.persistence->loadAll().value(name).toByteArray(), value)
-                << machine.name.toStdString() << ' ' << name.constData();
+                << machine.name << ' ' << name.constData();
         }
         // A change that was replaced here by the next one, before it was sent, has not disappeared.
         std::map<QByteArray, QByteArray> replacedByNext;
@@ -240,8 +226,8 @@ TEST(Soak, DISABLED_MachinesAgreeAndNoAcknowledgedChangeDisappearsUntold)
                                  || machine.lost.count(change->setting) != 0
                                  || replacedByNext[name] == value;
             EXPECT_TRUE(isKnown || !change->isAcknowledged)
-                << machine.name.toStdString() << ": " << name.constData() << " = "
-                << value.constData() << " has disappeared";
+                << machine.name << ": " << name.constData() << " = " << value.constData()
+                << " has disappeared";
             if (isKnown || change->isAcknowledged) {
                 replacedByNext[name] = change->before;
             }
@@ -249,11 +235,11 @@ TEST(Soak, DISABLED_MachinesAgreeAndNoAcknowledgedChangeDisappearsUntold)
         acknowledged += machine.acknowledged;
         told += machine.lost.size();
     }
-    std::printf("%lld s: 3 machines, %d acknowledged changes of which %zu were told as lost, %d "
-                "kills and %d hangs of machines, %d kills and %d hangs of servers; %s\n",
-                elapsed.elapsed() / 1000, acknowledged, told, kills, hangs, serverKills,
-                serverHangs,
-                HasFailure() ? "FAILED"
-                             : "all machines agree with etcd, and no acknowledged change "
-                               "disappeared untold");
+    for (const auto& [what, count] : counts) {
+        std::printf("%d %s, ", count, what);
+    }
+    std::printf("%d acknowledged changes of 3 machines, of which %zu were told as lost, in %lld s: "
+                "%s\n",
+                acknowledged, told, elapsed.elapsed() / 1000,
+                HasFailure() ? "FAILED" : "all agree with etcd, and none disappeared untold");
 }

@@ -6,8 +6,6 @@
 #include "support/program.h"
 #include "support/test.h"
 
-#include <QtCore/QDirIterator>
-
 #include <sched.h>
 #include <sys/mount.h>
 
@@ -84,8 +82,8 @@ private:
 /// Whether the program shows its main window and takes keys.
 inline testing::AssertionResult isUp(Program& program)
 {
-    return testing::AssertionResult(program.hasScreen() && program.says("main window open"))
-           << program.output().constData();
+    return program.hasScreen() ? program.says("main window open")
+                               : testing::AssertionFailure() << "no screen";
 }
 
 /// The first word of a field of a process's file, such as "VmRSS:" of "/proc/1/status".

@@ -2,9 +2,6 @@
 
 #include "support/soundserver.h"
 
-#include <QtCore/QElapsedTimer>
-#include <QtCore/QRandomGenerator>
-
 #include <csignal>
 #include <cstdio>
 
@@ -82,7 +79,7 @@ TEST(Soak, DISABLED_EveryAcknowledgedWriteIsThereOrWasTold)
             ++counts["damaged files"];
             writeFile(home.store(), random.bounded(2) == 0 ? QByteArray() : QByteArray(9000, 'x'));
             auto recovered = SqlitePersistence::recover(home.store());
-            ASSERT_TRUE(recovered.persistence) << recovered.error.toStdString();
+            ASSERT_TRUE(recovered.persistence) << recovered.error;
             ASSERT_TRUE(recovered.copyTime.isValid());
             known = copied;
             for (const QString& aside : recovered.aside) { // the disk is small

@@ -2,10 +2,6 @@
 
 #include "support/test.h"
 
-#include <QtCore/QDir>
-#include <QtCore/QProcess>
-#include <QtCore/QStandardPaths>
-#include <QtCore/QTemporaryDir>
 #include <QtNetwork/QHostAddress>
 #include <QtNetwork/QTcpServer>
 #include <QtNetwork/QTcpSocket>
@@ -22,6 +18,7 @@ public:
     explicit EtcdServers(int members, QStringList arguments = {})
         : m_arguments(std::move(arguments)), m_members(static_cast<std::size_t>(members))
     {
+        qputenv("ETCDCTL_API", "3");
         QStringList all;
         for (Member& member : m_members) {
             member.client = freePort();
@@ -79,21 +76,13 @@ public:
     QByteArray ctl(const QStringList& arguments, int i = 0)
     {
         QProcess process;
-        auto environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("ETCDCTL_API", "3");
-        process.setProcessEnvironment(environment);
         process.setProcessChannelMode(QProcess::MergedChannels);
         process.start("etcdctl", QStringList{"--endpoints", host(i)} + arguments);
         process.waitForFinished(20000);
         return process.exitCode() == 0 ? process.readAllStandardOutput() : QByteArray();
     }
     /// Has the members drop what was before the present revision.
-    void compact()
-    {
-        const QByteArray status = ctl({"endpoint", "status", "-w", "fields"});
-        const int at = status.indexOf("\"Revision\" : ") + 13;
-        EXPECT_FALSE(ctl({"compact", status.mid(at).split('\n')[0].trimmed()}).isEmpty());
-    }
+    void compact() { EXPECT_FALSE(ctl({"compact", field("Revision")}).isEmpty()); }
     static quint16 freePort()
     {
         QTcpServer server;
@@ -102,6 +91,13 @@ public:
     }
 
 private:
+    /// What a member says of its state.
+    QByteArray field(const QByteArray& name, int i = 0)
+    {
+        const QByteArray status = ctl({"endpoint", "status", "-w", "fields"}, i);
+        const int at = status.indexOf('"' + name + "\" : ");
+        return status.mid(at).split('\n')[0].split(':').last().trimmed();
+    }
     /// Begins to start it with what it had before.
     void start(int i)
     {
@@ -122,11 +118,7 @@ private:
     int leader()
     {
         for (int i = 0; i < static_cast<int>(m_members.size()); ++i) {
-            const QByteArray status = ctl({"endpoint", "status", "-w", "fields"}, i);
-            const auto field = [&status](const char* name) {
-                return status.mid(status.indexOf(name)).split('\n')[0].split(':').last();
-            };
-            if (field("\"MemberID\"") == field("\"Leader\"")) {
+            if (field("MemberID", i) == field("Leader", i)) {
                 return i;
             }
         }

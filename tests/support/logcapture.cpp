@@ -4,6 +4,7 @@
 
 #include <spdlog/pattern_formatter.h>
 
+#include <algorithm>
 #include <regex>
 
 LogCapture::LogCapture()
@@ -19,6 +20,14 @@ LogCapture::~LogCapture()
 std::vector<std::string> LogCapture::lines() const
 {
     return m_sink->last_formatted();
+}
+
+std::ptrdiff_t LogCapture::count(const std::string& part) const
+{
+    const auto all = lines();
+    return std::count_if(all.begin(), all.end(), [&part](const std::string& line) {
+        return line.find(part) != std::string::npos;
+    });
 }
 
 testing::AssertionResult LogCapture::hasOnly(const std::string& start) const

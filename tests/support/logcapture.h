@@ -16,6 +16,8 @@ public:
     ~LogCapture();
 
     std::vector<std::string> lines() const;
+    /// How many lines have `part` in them.
+    std::ptrdiff_t count(const std::string& part) const;
     /// Whether there is one line, which begins like that.
     testing::AssertionResult hasOnly(const std::string& start) const;
     /// Those since the last call, without the number of the source line that ends a warning.

@@ -5,9 +5,6 @@
 
 #include "support/test.h"
 
-#include <QtCore/QDir>
-#include <QtCore/QTemporaryDir>
-
 /// A machine of the show as the program makes it, but for its windows.
 class Node
 {
@@ -28,7 +25,7 @@ public:
             ASSERT_TRUE(opened.persistence);
             QString error;
             auto shared = setup.share(std::move(opened.persistence), {}, error);
-            ASSERT_TRUE(shared) << error.toStdString();
+            ASSERT_TRUE(shared) << error;
             m_shared = shared.get();
             store = std::make_unique<mivohost::SettingsStore>(std::move(shared));
         });
@@ -70,20 +67,17 @@ public:
     void setAgain(const mivohost::LostChange& change) { m_synchroniser->setAgain(change); }
     const mivohost::Synchroniser::State& state() const { return m_synchroniser->state(); }
 
-    ::testing::AssertionResult becomes(const std::function<bool()>& isSo, int most = 30000)
+    testing::AssertionResult becomes(const std::function<bool()>& isSo, int most = 30000)
     {
-        return QTest::qWaitFor(isSo, most) ? ::testing::AssertionSuccess()
-                                           : ::testing::AssertionFailure()
-                                                 << m_name.toStdString() << ": " << undoStep()
-                                                 << ", connected " << state().isConnected
-                                                 << ", waiting " << state().waiting << ", "
-                                                 << state().reason.toStdString();
+        return testing::AssertionResult(QTest::qWaitFor(isSo, most))
+               << m_name << ": " << undoStep() << ", connected " << state().isConnected
+               << ", waiting " << state().waiting << ", " << state().reason;
     }
-    ::testing::AssertionResult shows(int undoStep)
+    testing::AssertionResult shows(int undoStep)
     {
         return becomes([&] { return this->undoStep() == undoStep; });
     }
-    ::testing::AssertionResult isConnected()
+    testing::AssertionResult isConnected()
     {
         return becomes([this] { return state().isConnected && state().waiting == 0; });
     }

@@ -24,15 +24,14 @@ PageCase pageCase(bool keepsStoreWhenUnset, const MissingLines& missing, std::si
                   std::size_t followed, std::vector<ControlCase> controls,
                   const char* qtWarning = nullptr)
 {
-    PageCase page{Page::staticMetaObject.className(),
-                  keepsStoreWhenUnset,
-                  missing,
-                  getters,
-                  followed,
-                  std::move(controls),
-                  qtWarning};
-    page.make = [] { return new Page; };
-    return page;
+    return {Page::staticMetaObject.className(),
+            keepsStoreWhenUnset,
+            missing,
+            getters,
+            followed,
+            std::move(controls),
+            qtWarning,
+            [] { return new Page; }};
 }
 
 const MissingLines logsNoStore{"sharedSettings is nullptr!|setSettings",
@@ -137,11 +136,6 @@ ControlCase color(const char* setting, int index, const char* initial, const cha
             "#123abc", typing("#123ABC"),        writeSlot};
 }
 
-QVariant standardRange(const QVariant& depth)
-{
-    return "0|" + depth.toString().remove("bit");
-}
-
 } // namespace
 
 const std::vector<PageCase>& pageCases()
@@ -192,7 +186,7 @@ const std::vector<PageCase>& pageCases()
               choosingLast,
               "processDisplayConfigChange",
               {0, 0},
-              standardRange}}),
+              [](const QVariant& depth) { return "0|" + depth.toString().remove("bit"); }}}),
         pageCase<ResPlayControlSettingBox>(
             true, logsNoStore, 1, 1, {duration("pictureDuration", 5000, "onDurationTimeChanged")}),
         pageCase<ProjectSettingBox>(

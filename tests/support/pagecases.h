@@ -5,9 +5,6 @@
 #include <QtCore/QVariant>
 
 #include <functional>
-#include <string>
-#include <utility>
-#include <vector>
 
 /// One control of a page, its setting, and what a person does to it.
 struct ControlCase
@@ -48,7 +45,7 @@ struct PageCase
     std::size_t signals_;              ///< store signals that are followed
     std::vector<ControlCase> controls; ///< none where the store has to announce them first
     const char* qtWarning;             ///< in place of our log's, where a store is missing
-    std::function<mivo::settings::SettingPage*()> make = nullptr;
+    std::function<mivo::settings::SettingPage*()> make;
 };
 
 const std::vector<PageCase>& pageCases();

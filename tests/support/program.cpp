@@ -81,7 +81,7 @@ void Program::reachUndoSteps()
     press(QStringList(QVector<QString>(tabs, "Tab").toList()).join(' '));
 }
 
-bool Program::hasSaid(const QByteArray& text, int most)
+testing::AssertionResult Program::hasSaid(const QByteArray& text, int most)
 {
     QElapsedTimer elapsed;
     elapsed.start();
@@ -89,12 +89,12 @@ bool Program::hasSaid(const QByteArray& text, int most)
            && (m_process.state() != QProcess::NotRunning || m_process.bytesAvailable() > 0)) {
         m_process.waitForReadyRead(200);
     }
-    return m_said.contains(text);
+    return testing::AssertionResult(m_said.contains(text)) << m_said.constData();
 }
 
-bool Program::says(const QByteArray& text, int most)
+testing::AssertionResult Program::says(const QByteArray& text, int most)
 {
-    const bool said = hasSaid(text, most);
+    auto said = hasSaid(text, most);
     if (said) {
         m_said.remove(0, m_said.indexOf(text) + text.size());
     }

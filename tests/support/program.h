@@ -2,6 +2,8 @@
 
 #include "support/xscreen.h"
 
+#include <gtest/gtest.h>
+
 /// That of a user whose files are in `home`.
 QProcessEnvironment environmentOf(const QString& home, const QString& platform);
 
@@ -22,10 +24,11 @@ public:
     void reachUndoSteps();
 
     /// Waits until the program has said `text`, from where the last call left off; `most` in ms.
-    bool says(const QByteArray& text, int most = 20000);
+    /// Else a test shows what it said.
+    testing::AssertionResult says(const QByteArray& text, int most = 20000);
 
     /// Whether it says or has said `text`, in the part that no call of says() has passed.
-    bool hasSaid(const QByteArray& text, int most = 20000);
+    testing::AssertionResult hasSaid(const QByteArray& text, int most = 20000);
 
     bool ends() { return m_process.waitForFinished(20000); }
     int exitCode() const { return m_process.exitCode(); }

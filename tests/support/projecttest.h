@@ -67,6 +67,15 @@ protected:
         EXPECT_TRUE(QTest::qWaitFor([this] { return !file->requests().isWaiting(); }));
     }
 
+    /// Starts once more with what the store holds: the automatic save that is offered then.
+    QString restart()
+    {
+        start(QVariantHash(store->kept.rows));
+        QSignalSpy found(file.get(), &ProjectFile::unsavedFound);
+        QTest::qWait(50);
+        return found.value(0).value(0).toString();
+    }
+
     QString path(const QString& name) const { return folder.filePath(name); }
     QString makeFile(const QString& name, const Project& project = smallShow()) const
     {
@@ -84,11 +93,6 @@ protected:
     bool saveAs(const QString& name)
     {
         return ended([&](const ProjectFile::Done& done) { file->saveAs(name, done); });
-    }
-    bool logged(const std::string& line) const
-    {
-        const auto lines = log.lines();
-        return std::find(lines.begin(), lines.end(), line) != lines.end();
     }
     qint64 playing() const { return file->state().playing; }
     QStringList savesOf(const QString& pattern) const

@@ -7,8 +7,6 @@
 
 #include <QtNetwork/QUdpSocket>
 
-#include <mutex>
-
 using Names = std::vector<std::string>;
 
 inline mivohost::BindingTable::Setup setupFor(bool (*isControl)(const std::string&))

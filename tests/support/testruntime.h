@@ -4,9 +4,6 @@
 
 #include <atomic>
 #include <mutex>
-#include <string>
-#include <utility>
-#include <vector>
 
 /// The reference host's runtime, with answers that a test chooses and a record of what is posted.
 class TestRuntime : public mivohost::RuntimeThread

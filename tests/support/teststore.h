@@ -2,10 +2,7 @@
 
 #include "mivohostkit/settingsstore.h"
 
-#include <memory>
-#include <string>
 #include <thread>
-#include <vector>
 
 /// Settings in memory: records every write, fails on demand, and can be changed from elsewhere.
 class MemoryPersistence : public mivohost::SettingsPersistence

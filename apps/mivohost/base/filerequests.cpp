@@ -1,5 +1,7 @@
 #include "base/filerequests.h"
 
+#include "base/hosttext.h"
+
 #include <zrcutils/nocachefile.h>
 
 #include <QtCore/QDir>
@@ -48,6 +50,11 @@ QString saveFile(const QString& path, const std::string& content)
     std::error_code error;
     NoCacheFile::saveToFile(path.toStdString(), content, error, NoCacheFile::Access::umask);
     return error ? qt_error_string(error.value()) : QString();
+}
+
+QString fileProblem(const QString& path, const QString& reason)
+{
+    return QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(path), reasonText(reason));
 }
 
 FileRequests::FileRequests(PathObserver observer) : m_observer(std::move(observer)) {}

@@ -175,7 +175,7 @@ int SharedSettings::adopt(const std::vector<etcd::KeyValue>& values, QString& er
     for (const etcd::KeyValue& there : values) {
         const QString name = QString::fromUtf8(there.key.mid(there.key.lastIndexOf('/') + 1));
         const auto value = decode(there.value);
-        if (value && m_identity.own.contains(name)) {
+        if (value && m_identity.own.contains(name) && !m_identity.notAdopted.contains(name)) {
             adopted.insert(name, value->value);
         }
     }

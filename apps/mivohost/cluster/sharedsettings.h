@@ -55,10 +55,11 @@ public:
 
     struct Identity
     {
-        QByteArray prefix; ///< of all keys of the show; ends with '/'
-        QString machine;   ///< its id, which no other one has and which never changes
-        QString name;      ///< what a person calls it
-        QSet<QString> own; ///< names of settings that each machine has for itself
+        QByteArray prefix;        ///< of all keys of the show; ends with '/'
+        QString machine;          ///< its id, which no other one has and which never changes
+        QString name;             ///< what a person calls it
+        QSet<QString> own;        ///< names of settings that each machine has for itself
+        QSet<QString> notAdopted; ///< of these, what is of no use to another machine
     };
     struct Listener
     {

@@ -83,9 +83,10 @@ void ShowSetup::addOptions(QCommandLineParser& arguments)
     });
 }
 
-bool ShowSetup::isCommand(const QCommandLineParser& arguments)
+int ShowSetup::commandCount(const QCommandLineParser& arguments)
 {
-    return arguments.isSet(QStringLiteral("adopt")) || arguments.isSet(QStringLiteral("forget"));
+    return int(arguments.isSet(QStringLiteral("adopt")))
+           + int(arguments.isSet(QStringLiteral("forget")));
 }
 
 std::optional<ShowSetup> ShowSetup::read(const QCommandLineParser& arguments, const QDir& data,
@@ -148,7 +149,11 @@ std::unique_ptr<SharedSettings> ShowSetup::share(std::unique_ptr<SqlitePersisten
     bool isKept = local->keepOutbox();
     if (isKept && local->loadAll().isEmpty() && QFile::exists(ownPath)) {
         const auto own = SqlitePersistence::open(ownPath);
-        const QVariantHash rows = own.persistence ? own.persistence->loadAll() : QVariantHash();
+        if (!own.persistence) { // a start without the show says more, and puts it right
+            error = QStringLiteral("%1: %2").arg(ownPath, own.error);
+            return nullptr;
+        }
+        const QVariantHash rows = own.persistence->loadAll();
         std::vector<SqlitePersistence::Update> updates;
         for (auto row = rows.begin(); row != rows.end(); ++row) {
             updates.push_back({row.key(), 0, row.value()});
@@ -159,7 +164,8 @@ std::unique_ptr<SharedSettings> ShowSetup::share(std::unique_ptr<SqlitePersisten
         error = local->lastError();
         return nullptr;
     }
-    SharedSettings::Identity identity{Synchroniser::prefixOf(show), machine, name, {}};
+    SharedSettings::Identity identity{Synchroniser::prefixOf(show), machine, name, {}, {}};
+    identity.notAdopted = {QStringLiteral("recentProjectFiles"), QStringLiteral("unsavedProject")};
     for (const auto& setting : SettingsStore().all()) {
         if (setting.scope == SettingsStore::Scope::machine) {
             identity.own.insert(setting.name);

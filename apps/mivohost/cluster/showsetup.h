@@ -27,8 +27,8 @@ struct ShowSetup
     /// Its options of the command line.
     static void addOptions(QCommandLineParser& arguments);
 
-    /// Whether there is to be no window.
-    static bool isCommand(const QCommandLineParser& arguments);
+    /// How many commands there are, which open no window.
+    static int commandCount(const QCommandLineParser& arguments);
 
     /// From the command line and the environment, whose password it removes. Files that it names
     /// are read, for ten seconds at most. Nothing without a show, and where `error` says why.

@@ -1031,6 +1031,11 @@ Without an answer the copy is used in %4 seconds.</translation>
         <translation>Show “%1”: connected to %2</translation>
     </message>
     <message>
+        <source>NoCardWithAddress</source>
+        <comment>MainWindow</comment>
+        <translation>no network card has the address %1</translation>
+    </message>
+    <message>
         <source>ShowReason</source>
         <comment>MainWindow</comment>
         <translation> (%1: %2)</translation>
@@ -1473,6 +1478,11 @@ Open them now?</translation>
         <source>PowerActionFailed</source>
         <comment>MainWindow</comment>
         <translation>The machine could not be shut down or restarted: %1</translation>
+    </message>
+    <message>
+        <source>TimedActionCalledOff</source>
+        <comment>MainWindow</comment>
+        <translation>The shutdown or restart timed for %1 was called off: the machine slept through its count-down.</translation>
     </message>
     <message>
         <source>FadeTimesApplied</source>
@@ -2408,6 +2418,56 @@ Open them now?</translation>
         <source>MediaProperty/MediaNext</source>
         <comment>MainWindow</comment>
         <translation>Next</translation>
+    </message>
+    <message>
+        <source>no answer in time</source>
+        <comment>Reason</comment>
+        <translation>no answer in time</translation>
+    </message>
+    <message>
+        <source>an answer without end</source>
+        <comment>Reason</comment>
+        <translation>an answer without end</translation>
+    </message>
+    <message>
+        <source>the server has ended the watch</source>
+        <comment>Reason</comment>
+        <translation>the server has ended the watch</translation>
+    </message>
+    <message>
+        <source>a report of the watch has no end</source>
+        <comment>Reason</comment>
+        <translation>a report of the watch has no end</translation>
+    </message>
+    <message>
+        <source>the machine has slept</source>
+        <comment>Reason</comment>
+        <translation>the machine has slept</translation>
+    </message>
+    <message>
+        <source>everything is read again</source>
+        <comment>Reason</comment>
+        <translation>everything is read again</translation>
+    </message>
+    <message>
+        <source>more keys than a show has</source>
+        <comment>Reason</comment>
+        <translation>more keys than a show has</translation>
+    </message>
+    <message>
+        <source>the answer is not one of etcd</source>
+        <comment>Reason</comment>
+        <translation>the answer is not one of etcd</translation>
+    </message>
+    <message>
+        <source>Connection refused</source>
+        <comment>Reason</comment>
+        <translation>Connection refused</translation>
+    </message>
+    <message>
+        <source>Network unreachable</source>
+        <comment>Reason</comment>
+        <translation>Network unreachable</translation>
     </message>
     <message>
         <source>0 is no port</source>

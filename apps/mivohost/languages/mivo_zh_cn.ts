@@ -1031,6 +1031,11 @@
         <translation>演出“%1”：已连接到 %2</translation>
     </message>
     <message>
+        <source>NoCardWithAddress</source>
+        <comment>MainWindow</comment>
+        <translation>没有网卡具有地址 %1</translation>
+    </message>
+    <message>
         <source>ShowReason</source>
         <comment>MainWindow</comment>
         <translation>（%1：%2）</translation>
@@ -1473,6 +1478,11 @@
         <source>PowerActionFailed</source>
         <comment>MainWindow</comment>
         <translation>无法关闭或重新启动计算机：%1</translation>
+    </message>
+    <message>
+        <source>TimedActionCalledOff</source>
+        <comment>MainWindow</comment>
+        <translation>定时于 %1 的关机或重新启动已取消：计算机在倒计时期间处于睡眠状态。</translation>
     </message>
     <message>
         <source>FadeTimesApplied</source>
@@ -2408,6 +2418,56 @@
         <source>MediaProperty/MediaNext</source>
         <comment>MainWindow</comment>
         <translation>下一个</translation>
+    </message>
+    <message>
+        <source>no answer in time</source>
+        <comment>Reason</comment>
+        <translation>没有及时响应</translation>
+    </message>
+    <message>
+        <source>an answer without end</source>
+        <comment>Reason</comment>
+        <translation>响应过长</translation>
+    </message>
+    <message>
+        <source>the server has ended the watch</source>
+        <comment>Reason</comment>
+        <translation>服务器已结束监视</translation>
+    </message>
+    <message>
+        <source>a report of the watch has no end</source>
+        <comment>Reason</comment>
+        <translation>监视报告过长</translation>
+    </message>
+    <message>
+        <source>the machine has slept</source>
+        <comment>Reason</comment>
+        <translation>本机曾进入睡眠</translation>
+    </message>
+    <message>
+        <source>everything is read again</source>
+        <comment>Reason</comment>
+        <translation>正在重新读取全部设置</translation>
+    </message>
+    <message>
+        <source>more keys than a show has</source>
+        <comment>Reason</comment>
+        <translation>键的数量超过一场演出所能有的</translation>
+    </message>
+    <message>
+        <source>the answer is not one of etcd</source>
+        <comment>Reason</comment>
+        <translation>响应不是来自 etcd</translation>
+    </message>
+    <message>
+        <source>Connection refused</source>
+        <comment>Reason</comment>
+        <translation>连接被拒绝</translation>
+    </message>
+    <message>
+        <source>Network unreachable</source>
+        <comment>Reason</comment>
+        <translation>网络不可达</translation>
     </message>
     <message>
         <source>0 is no port</source>

@@ -12,8 +12,8 @@
 
 #include <algorithm>
 #include <exception>
-#include <filesystem>
 #include <set>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -53,7 +53,7 @@ Bindings bindingsOf(const std::string& json)
 {
     Bindings bindings;
     std::set<std::string> sequences;
-    std::set<std::pair<int, std::string>> actions;
+    std::set<std::tuple<const Infos*, int, std::string>> actions; // of keys, MIDI or DMX each
     for (STShortCutItem& item : mivo::settings::parseShortCuts(json)) {
         const auto action =
             std::find_if(peripheralActions.begin(), peripheralActions.end(),
@@ -61,22 +61,22 @@ Bindings bindingsOf(const std::string& json)
         if (action != peripheralActions.end()) {
             item.path = action->path; // the type identifies it; a file may have another path
         }
-        if (MidiService::isControl(item.shortCutStr)) {
-            bindings.midi.push_back({item.type, item.path, item.shortCutStr});
-            continue;
-        }
-        if (DmxService::isControl(item.shortCutStr)) {
-            bindings.dmx.push_back({item.type, item.path, item.shortCutStr});
-            continue;
-        }
-        const std::string sequence = bindableKeys(item.shortCutStr);
-        const std::pair identity(static_cast<int>(item.type), item.path);
+        Infos* const device = MidiService::isControl(item.shortCutStr)  ? &bindings.midi
+                              : DmxService::isControl(item.shortCutStr) ? &bindings.dmx
+                                                                        : nullptr;
+        const std::string sequence =
+            device == nullptr ? bindableKeys(item.shortCutStr) : item.shortCutStr;
+        const std::tuple identity(device, static_cast<int>(item.type), item.path);
         if (sequence.empty() || sequences.count(sequence) > 0 || actions.count(identity) > 0) {
             hostLog()->warn("\"{}\" cannot be bound to {}", item.shortCutStr, item.path);
             continue;
         }
         sequences.insert(sequence);
         actions.insert(identity);
+        if (device != nullptr) {
+            device->push_back({item.type, item.path, sequence});
+            continue;
+        }
         item.shortCutStr = sequence;
         (item.type == ShortCutOfPath ? bindings.keys.pathShortCutList
                                      : bindings.keys.indexShortCutList)
@@ -124,22 +124,18 @@ QString importBindings(const std::string& json, ShortCutMgr& manager, Peripheral
     auto keys = wanted.keys.indexShortCutList;
     keys.insert(keys.end(), wanted.keys.pathShortCutList.begin(),
                 wanted.keys.pathShortCutList.end());
-    const auto file = std::filesystem::u8path(mivo::settings::shortCutFilePath().toStdString());
-    const std::string content = mivo::settings::formatShortCuts(keys);
-    // First beside the old file, which shows that there is room. What fails after that has the old
-    // bindings of devices restored.
-    auto trial = file;
-    trial += ".import";
+    // Beside the old file at first, which shows that there is room. What fails after that has the
+    // old bindings of devices restored.
     std::error_code problem;
-    if (!NoCacheFile::saveToFile(trial.u8string(), content)) {
+    NoCacheFile::Replacement file(mivo::settings::shortCutFilePath().toStdString(),
+                                  mivo::settings::formatShortCuts(keys), problem);
+    if (problem) {
         return hostText("BindingsNotSaved");
     }
     const auto midi = peripherals.midi().bindings();
     const auto dmx = peripherals.dmx().bindings();
     bindDevices(wanted.midi, wanted.dmx, manager, peripherals);
-    const bool isStored = peripherals.areBindingsStored();
-    std::filesystem::remove(trial, problem);
-    if (!isStored || !NoCacheFile::saveToFile(file.u8string(), content)) {
+    if (!peripherals.areBindingsStored() || !file.commit(problem)) {
         bindDevices(midi, dmx, manager, peripherals);
         return hostText("BindingsNotSaved");
     }

@@ -2,7 +2,6 @@
 
 #include "base/hostlog.h"
 
-#include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
 
@@ -101,12 +100,11 @@ BindingTable::use(const std::string& control, bool triggers, bool teaches)
     if (m_learning && teaches) {
         const Action action = *std::exchange(m_learning, std::nullopt);
         const BindInfo info{action.first, action.second, control};
-        if (held == m_actions.end()) {
-            put(action, control);
-            save();
-        } else if (held->second != action) {
+        if (held != m_actions.end() && held->second != action) {
             return {Outcome::refused, info};
         }
+        put(action, control);
+        save();
         return {Outcome::learned, info};
     }
     if (!triggers || m_locked || held == m_actions.end()) {
@@ -143,18 +141,17 @@ void BindingTable::restore(const std::string& kept)
         return;
     }
     const auto document = QJsonDocument::fromJson(QByteArray::fromStdString(kept));
-    int dropped = document.isArray() ? 0 : 1;
     for (const QJsonValue value : document.array()) {
         const QJsonObject entry = value.toObject();
         const std::string control = entry[controlKey].toString().toStdString();
         if (entry[typeKey].isDouble() && entry[pathKey].isString() && m_setup.isControl(control)) {
             put({entry[typeKey].toInt(), entry[pathKey].toString().toStdString()}, control);
         } else {
-            ++dropped;
+            m_unread.append(value);
         }
     }
-    if (dropped > 0) {
-        hostLog()->warn("{} bindings of controls could not be read: {}", dropped, kept);
+    if (!m_unread.isEmpty() || !document.isArray()) {
+        hostLog()->warn("bindings of controls could not be read: {}", kept);
     }
 }
 
@@ -185,6 +182,9 @@ std::string BindingTable::textOfAll() const
         entries.append(QJsonObject{{typeKey, action.first},
                                    {pathKey, QString::fromStdString(action.second)},
                                    {controlKey, QString::fromStdString(control)}});
+    }
+    for (const QJsonValue unread : m_unread) {
+        entries.append(unread);
     }
     return QJsonDocument(entries).toJson(QJsonDocument::Compact).toStdString();
 }

@@ -2,7 +2,7 @@
 
 #include "mivohostapi/peripherals.h"
 
-#include <QtCore/QtGlobal>
+#include <QtCore/QJsonArray>
 
 #include <atomic>
 #include <functional>
@@ -27,7 +27,8 @@ public:
     {
         /// Whether a text names a control of this kind; a binding to another text is refused.
         bool (*isControl)(const std::string& text) = nullptr;
-        /// What was last saved, or empty. What cannot be read of it is dropped and logged.
+        /// What was last saved, or empty. What is not understood of it, as of a later version, is
+        /// logged, and saved again as it is.
         std::string kept;
         /// Keeps all bindings as one text. Called after each change, on the thread that made it, in
         /// the order of the changes; it must not call the table.
@@ -91,6 +92,7 @@ private:
     std::unordered_map<std::string, Action> m_actions; // by control
     std::map<Action, std::string> m_controls;          // by action
     std::optional<Action> m_learning;
+    QJsonArray m_unread; // kept for who understands them
     bool m_finding = false;
     std::optional<BindInfo> m_found;
     int m_deferredSaves = 0; // objects of DeferredSave

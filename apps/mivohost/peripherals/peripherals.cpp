@@ -4,6 +4,8 @@
 #include "mivohostkit/settingsstore.h"
 #include "mivosettingswidgets/shortcutmgr.h"
 
+#include <map>
+
 namespace mivohost {
 
 using mivo::peripheralcontrol::SAddDMXInfo;
@@ -27,17 +29,30 @@ struct Peripherals::Kept
 
 namespace {
 
-/// A function that has the store keep a value, from any thread.
-template <typename Value>
-auto writing(RuntimeThread& runtime, SettingsStore& store, void (SettingsStore::*set)(Value))
+/// A table that never had a binding has no text in the store.
+bool isStored(const BindingTable& table, const std::string& text)
 {
-    return [&runtime, &store, set](const std::decay_t<Value>& value) {
-        runtime.post([&store, set, value] { (store.*set)(value); }, __FILE__, __LINE__,
-                     "Peripherals");
-    };
+    return table.text() == text || (text.empty() && table.bindings().empty());
 }
 
 } // namespace
+
+/// A function that has the store keep a value, from any thread.
+template <typename Value, typename Held>
+auto Peripherals::writing(void (SettingsStore::*set)(Value), Held (SettingsStore::*get)() const,
+                          void (Peripherals::*onFailure)())
+{
+    return [this, set, get, onFailure](const std::decay_t<Value>& value) {
+        const auto write = [this, set, get, onFailure, value] {
+            (m_store.*set)(value);
+            if (!((m_store.*get)() == value)) {
+                QMetaObject::invokeMethod(
+                    &m_retry, [this, onFailure] { (this->*onFailure)(); }, Qt::QueuedConnection);
+            }
+        };
+        m_runtime.post(write, __FILE__, __LINE__, "Peripherals");
+    };
+}
 
 Peripherals::Peripherals(RuntimeThread& runtime, SettingsStore& store)
     : Peripherals(runtime, store, runtime.call([&store] { return Kept::of(store); }))
@@ -46,17 +61,59 @@ Peripherals::Peripherals(RuntimeThread& runtime, SettingsStore& store)
 Peripherals::Peripherals(RuntimeThread& runtime, SettingsStore& store, const Kept& kept)
     : m_runtime(runtime), m_store(store),
       m_midi({MidiService::isControl, kept.midiBindings,
-              writing(runtime, store, &SettingsStore::setMidiBindings)}),
+              writing(&SettingsStore::setMidiBindings, &SettingsStore::getMidiBindings,
+                      &Peripherals::retryLater)}),
       m_dmx({DmxService::isControl, kept.dmxBindings,
-             writing(runtime, store, &SettingsStore::setDmxBindings)})
+             writing(&SettingsStore::setDmxBindings, &SettingsStore::getDmxBindings,
+                     &Peripherals::retryLater)})
 {
+    m_retry.setSingleShot(true);
+    m_retry.setInterval(5000);
+    const auto retry = [this] {
+        m_runtime.post([this] { keepBindings(); }, __FILE__, __LINE__, "Peripherals");
+    };
+    QObject::connect(&m_retry, &QTimer::timeout, &m_retry, retry);
     m_midi.setTap(m_tap);
     m_osc.setTap(m_tap);
     m_dmx.setTap(m_tap);
     apply(kept);
-    m_midi.enabledChanged.connect(writing(runtime, store, &SettingsStore::setMidiEnabled));
-    m_osc.infoChanged.connect(writing(runtime, store, &SettingsStore::setOscInfo));
-    m_dmx.infoChanged.connect(writing(runtime, store, &SettingsStore::setDmxInfo));
+    m_midi.enabledChanged.connect(writing(&SettingsStore::setMidiEnabled,
+                                          &SettingsStore::getMidiEnabled, &Peripherals::reload));
+    m_osc.infoChanged.connect(
+        writing(&SettingsStore::setOscInfo, &SettingsStore::getOscInfo, &Peripherals::reload));
+    m_dmx.infoChanged.connect(
+        writing(&SettingsStore::setDmxInfo, &SettingsStore::getDmxInfo, &Peripherals::reload));
+}
+
+Peripherals::~Peripherals()
+{
+    m_runtime.call([this, isDue = m_retry.isActive()] { // also waits for one that was posted
+        if (isDue) {
+            keepBindings();
+        }
+    });
+}
+
+Peripherals::Flush::~Flush()
+{
+    runtime.call([] {});
+}
+
+void Peripherals::keepBindings()
+{
+    std::map<SettingsStore::Key, QVariant> missing;
+    const auto add = [&](SettingsStore::Key key, const BindingTable& table,
+                         const std::string& kept) {
+        if (!isStored(table, kept)) {
+            missing[key] = QString::fromStdString(table.text());
+        }
+    };
+    add(SettingsStore::Key::midiBindings, m_midi.table(), m_store.getMidiBindings());
+    add(SettingsStore::Key::dmxBindings, m_dmx.table(), m_store.getDmxBindings());
+    if (!missing.empty() && !m_store.setAll(missing).isEmpty()) { // which has been told
+        QMetaObject::invokeMethod(
+            &m_retry, [this] { retryLater(); }, Qt::QueuedConnection);
+    }
 }
 
 /// What is as it was stays open.
@@ -95,15 +152,12 @@ void Peripherals::listenAt(const QString& address)
 void Peripherals::setListenAddress(const QString& address)
 {
     listenAt(address);
-    writing(m_runtime, m_store, &SettingsStore::setListenAddress)(address);
+    writing(&SettingsStore::setListenAddress, &SettingsStore::getListenAddress,
+            &Peripherals::reload)(address);
 }
 
 bool Peripherals::areBindingsStored() const
 {
-    // A table that never had a binding has no text in the store.
-    const auto isStored = [](const BindingTable& table, const std::string& text) {
-        return table.text() == text || (text.empty() && table.bindings().empty());
-    };
     const auto [midi, dmx] = m_runtime.call(
         [this] { return std::pair(m_store.getMidiBindings(), m_store.getDmxBindings()); });
     return isStored(m_midi.table(), midi) && isStored(m_dmx.table(), dmx);

@@ -5,6 +5,8 @@
 #include "peripherals/midiservice.h"
 #include "peripherals/oscservice.h"
 
+#include <QtCore/QTimer>
+
 namespace mivo::settings {
 class ShortCutMgr;
 }
@@ -15,13 +17,17 @@ class RuntimeThread;
 class SettingsStore;
 
 /// The host's services for controllers, with the settings and bindings that the store keeps. GUI
-/// thread. Runtime and store are borrowed: the store must live until the runtime has run what was
-/// posted to it before this object went.
+/// thread. Runtime and store are borrowed and must outlive it.
 class Peripherals
 {
 public:
     /// Reads the store and opens what is enabled. What changes from now on is written to the store.
+    /// Bindings that it cannot keep are tried again until it does; anything else goes back to what
+    /// it keeps.
     Peripherals(RuntimeThread& runtime, SettingsStore& store);
+    /// Tries once more where that is due.
+    ~Peripherals();
+    Q_DISABLE_COPY_MOVE(Peripherals)
 
     /// Takes over what the store holds, but for the bindings, after somebody else has changed it.
     void reload();
@@ -48,14 +54,27 @@ public:
 
 private:
     struct Kept;
+    /// Waits for what was posted, after the services, which still may post, have gone.
+    struct Flush
+    {
+        RuntimeThread& runtime;
+        ~Flush();
+    };
 
     Peripherals(RuntimeThread& runtime, SettingsStore& store, const Kept& kept);
     void apply(const Kept& kept);
     void listenAt(const QString& address);
+    template <typename Value, typename Held>
+    auto writing(void (SettingsStore::*set)(Value), Held (SettingsStore::*get)() const,
+                 void (Peripherals::*onFailure)());
+    void retryLater() { m_retry.start(); }
+    void keepBindings(); // runtime thread
 
     RuntimeThread& m_runtime;
     SettingsStore& m_store;
     QString m_listenAddress;
+    QTimer m_retry; // runs while the store lacks bindings
+    Flush m_flush{m_runtime};
     InputTap m_tap;
     MidiService m_midi;
     OscService m_osc;

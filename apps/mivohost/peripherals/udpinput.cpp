@@ -22,7 +22,7 @@ int cardOf(const QHostAddress& address)
             }
         }
     }
-    return 0;
+    return -1;
 }
 
 } // namespace
@@ -30,11 +30,14 @@ int cardOf(const QHostAddress& address)
 UdpInput::UdpInput(Setup setup) : m_setup(std::move(setup)), m_retry([this] { return tryToOpen(); })
 {
     QObject::connect(&m_socket, &QUdpSocket::readyRead, &m_socket, [this] { m_setup.read(); });
+    m_look.setInterval(2000);
+    QObject::connect(&m_look, &QTimer::timeout, &m_look, [this] { lookForCard(); });
 }
 
 void UdpInput::open(std::uint16_t port)
 {
     m_socket.close();
+    m_look.stop();
     m_port = port;
     m_retry.start();
 }
@@ -42,6 +45,7 @@ void UdpInput::open(std::uint16_t port)
 void UdpInput::close()
 {
     m_socket.close();
+    m_look.stop();
     m_retry.stop();
     m_port = 0;
     setFailure({});
@@ -63,17 +67,36 @@ bool UdpInput::tryToOpen()
     const auto mode = m_setup.isShared ? QUdpSocket::ShareAddress | QUdpSocket::ReuseAddressHint
                                        : QUdpSocket::BindMode(QUdpSocket::DontShareAddress);
     m_card = isFiltered ? cardOf(m_address) : 0;
-    std::string problem;
-    if (isFiltered && m_card == 0) {
-        problem = "no network card has the address " + m_address.toString().toStdString();
+    QString problem;
+    if (m_card == -1) {
+        problem = noCardText();
     } else if (!m_socket.bind(m_address.isNull() || isFiltered ? QHostAddress(QHostAddress::AnyIPv4)
                                                                : m_address,
                               m_port, mode)) {
-        problem = reasonText(m_socket.errorString()).toStdString();
+        problem = reasonText(m_socket.errorString());
         m_socket.close();
+    } else if (isFiltered) {
+        m_look.start();
     }
-    setFailure(problem.empty() ? problem : fmt::format("UDP {}: {}", m_port, problem));
-    return problem.empty();
+    setProblem(problem);
+    return problem.isEmpty();
+}
+
+void UdpInput::lookForCard()
+{
+    m_card = cardOf(m_address);
+    setProblem(m_card == -1 ? noCardText() : QString());
+}
+
+QString UdpInput::noCardText() const
+{
+    return hostText("NoCardWithAddress").arg(m_address.toString());
+}
+
+void UdpInput::setProblem(const QString& problem)
+{
+    setFailure(problem.isEmpty() ? std::string()
+                                 : fmt::format("UDP {}: {}", m_port, problem.toStdString()));
 }
 
 void UdpInput::setFailure(const std::string& failure)

@@ -2,6 +2,7 @@
 
 #include "base/portretry.h"
 
+#include <QtCore/QTimer>
 #include <QtNetwork/QHostAddress>
 #include <QtNetwork/QNetworkDatagram>
 #include <QtNetwork/QUdpSocket>
@@ -51,12 +52,16 @@ public:
 
 private:
     bool tryToOpen();
+    void lookForCard();
+    QString noCardText() const;
+    void setProblem(const QString& problem);
     void setFailure(const std::string& failure);
 
     const Setup m_setup;
     std::uint16_t m_port = 0; // 0 while it is closed
     QHostAddress m_address;
-    int m_card = 0; // the network card that has the address; 0 for all
+    int m_card = 0; // the network card that has the address; 0 for all, -1 where none has it now
+    QTimer m_look;  // while one card alone is listened to: it may go, and come back as another
     std::string m_failure;
     QUdpSocket m_socket;
     PortRetry m_retry;

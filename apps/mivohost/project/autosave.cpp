@@ -51,8 +51,12 @@ AutomaticSave AutoSave::snapshot(const QDateTime& now) const
 {
     const ProgramDispatch::State& state = m_dispatch->state();
     const STProjectFileSettingsInfo settings = m_store.getProjectFileSettings();
-    return {settings.autoSavePath, settings.autoSaveProjectFilesMaxNum, state.project, state.file,
-            now};
+    return {settings.autoSavePath,
+            settings.autoSaveProjectFilesMaxNum,
+            state.project,
+            state.file,
+            now,
+            m_store.getUnsavedProject().split('\n', Qt::SkipEmptyParts)};
 }
 
 void AutoSave::save(const QDateTime& now)

@@ -115,6 +115,11 @@ AutomaticSaveResult saveAutomatically(AutomaticSave save)
     NoCacheFile::removeLeftovers(save.folder.toStdString());
     OwnSaves saves = ownSaves(folder, name, mark);
     saves.good.removeOne(fileName()); // stays, also where a clock was set back
+    for (const QString& spared : std::as_const(save.spared)) {
+        if (QFileInfo(spared).absoluteDir() == folder) {
+            saves.good.removeOne(QFileInfo(spared).fileName());
+        }
+    }
     while (saves.good.size() >= save.kept) {
         QFile::remove(folder.filePath(saves.good.takeFirst()));
     }

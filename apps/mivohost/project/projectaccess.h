@@ -30,6 +30,7 @@ struct AutomaticSave
     Project project;
     QString file; ///< the project's own; empty where it has none
     QDateTime now;
+    QStringList spared; ///< complete paths: automatic saves that stay in any case
 };
 struct AutomaticSaveResult
 {

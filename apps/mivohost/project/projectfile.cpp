@@ -1,7 +1,6 @@
 #include "project/projectfile.h"
 
 #include "base/hostlog.h"
-#include "base/hosttext.h"
 #include "mivohostkit/runtimethread.h"
 #include "mivohostkit/settingsstore.h"
 #include "project/autosave.h"
@@ -58,7 +57,7 @@ ProjectFile::~ProjectFile()
 
 void ProjectFile::fail(const char* key, const QString& path, const QString& reason)
 {
-    emit failed(QString::fromLatin1(key), QStringLiteral("%1: %2").arg(path, reasonText(reason)));
+    emit failed(QString::fromLatin1(key), fileProblem(path, reason));
 }
 
 void ProjectFile::start()
@@ -69,9 +68,9 @@ void ProjectFile::start()
         m_runtime.call([this] { return m_store.getProjectFileSettings().openRecentFiles; });
     const QStringList recent = keptRecentFiles();
     const auto offer = [this](bool /*done*/) {
-        const QString unsaved = unsavedProject();
-        if (!unsaved.isEmpty()) {
-            emit unsavedFound(unsaved);
+        m_offered = unsavedProjects().value(0);
+        if (!m_offered.isEmpty()) {
+            emit unsavedFound(m_offered);
         }
     };
     if (openLast && !recent.isEmpty()) {
@@ -207,6 +206,9 @@ void ProjectFile::saveAs(const QString& file, const Done& done)
                 emit told(QStringLiteral("ProjectSavedLate"), path);
             }
             refresh();
+            if (!m_state.modified) {
+                goOn(); // what was saved before an end that did not come is older
+            }
             addRecentFile(path);
             return true;
         });
@@ -280,6 +282,7 @@ void ProjectFile::afterSaves(std::function<void()> then)
 
 void ProjectFile::discardChanges()
 {
+    goOn();
     refresh();
     m_settledRevision = m_state.revision;
 }
@@ -288,45 +291,62 @@ void ProjectFile::rescue()
 {
     const auto [modified, revision] = m_runtime.call(
         [this] { return std::pair(m_dispatch->state().modified, m_dispatch->state().revision); });
-    if (!modified || revision == m_settledRevision) {
+    if (!modified) {
+        goOn();
+        return;
+    }
+    if (revision == m_settledRevision) {
         return;
     }
     const QString file = m_autoSave->saveAtTheEnd();
     if (!file.isEmpty()) {
         m_settledRevision = revision;
-        if (!m_unsavedBefore) {
-            m_unsavedBefore = unsavedProject();
-        }
-        m_runtime.call([&] { m_store.setUnsavedProject(file); });
+        QStringList files = unsavedProjects();
+        files.removeAll(m_rescued);
+        files.prepend(file);
+        setUnsavedProjects(files.mid(0, mostUnsaved));
+        m_rescued = file;
     }
 }
 
 void ProjectFile::goOn()
 {
-    if (m_unsavedBefore) {
+    if (!m_rescued.isEmpty()) {
         m_settledRevision = -1;
-        m_runtime.call([this] { m_store.setUnsavedProject(*m_unsavedBefore); });
-        m_unsavedBefore.reset();
+        dropUnsaved(std::exchange(m_rescued, {}));
     }
 }
 
-QString ProjectFile::unsavedProject() const
+QStringList ProjectFile::unsavedProjects() const
 {
-    return m_runtime.call([this] { return m_store.getUnsavedProject(); });
+    return m_runtime.call([this] { return m_store.getUnsavedProject(); })
+        .split('\n', Qt::SkipEmptyParts);
+}
+
+void ProjectFile::setUnsavedProjects(const QStringList& files)
+{
+    m_runtime.call([this, text = files.join('\n')] { m_store.setUnsavedProject(text); });
 }
 
 void ProjectFile::openUnsaved()
 {
-    openAs(unsavedProject(), true, [this](bool done) {
+    openAs(m_offered, true, [this, file = m_offered](bool done) {
         if (done) {
-            forgetUnsaved();
+            dropUnsaved(file);
         }
     });
 }
 
 void ProjectFile::forgetUnsaved()
 {
-    m_runtime.call([this] { m_store.setUnsavedProject({}); });
+    dropUnsaved(m_offered);
+}
+
+void ProjectFile::dropUnsaved(const QString& file)
+{
+    QStringList files = unsavedProjects();
+    files.removeAll(file);
+    setUnsavedProjects(files);
 }
 
 void ProjectFile::refresh()

@@ -12,7 +12,6 @@
 
 #include <functional>
 #include <memory>
-#include <optional>
 #include <vector>
 
 namespace mivohost {
@@ -33,6 +32,7 @@ class ProjectFile : public QObject, public mivo::projectfilemgr::IProjectFileMgr
 
 public:
     static constexpr int mostRecentFiles = 8;
+    static constexpr int mostUnsaved = 8;
 
     /// Called once on the GUI thread, from the event loop; `done` is false after a failed().
     using Done = std::function<void(bool done)>;
@@ -87,14 +87,16 @@ public:
 
     /// Before an end of the program that nobody was asked about: saves a modified project among the
     /// automatic saves, or where that fails in the program's own folder. Returns within 5 s, and
-    /// touches no widget. The next start offers what was saved.
+    /// touches no widget. The next start offers what was saved, unless the project is saved or
+    /// discarded after all.
     void rescue();
 
     /// The program goes on after a rescue(), as when the machine has slept: its changes are unsaved
     /// as before, and what rescue() saved is not offered.
     void goOn();
 
-    /// Opens what unsavedFound() told of, as unsaved changes of its project, or forgets it.
+    /// Opens what unsavedFound() told of, as unsaved changes of its project, or forgets it. What
+    /// ends before left is offered at the starts after that.
     void openUnsaved();
     void forgetUnsaved();
 
@@ -117,7 +119,11 @@ private:
     template <typename Work, typename Finish>
     void run(const QString& path, bool saves, const Done& done, Work work, Finish finish);
     void openAs(const QString& file, bool unsaved, const Done& done);
-    QString unsavedProject() const;
+
+    /// Automatic saves with changes that nobody has decided on, the newest first.
+    QStringList unsavedProjects() const;
+    void setUnsavedProjects(const QStringList& files);
+    void dropUnsaved(const QString& file);
 
     /// Also those that are not there now: their drive may come later.
     QStringList keptRecentFiles() const;
@@ -137,7 +143,8 @@ private:
     mivo::qutils::FileTask m_check;
     QStringList m_missing;
     int m_settledRevision = -1;                     // its changes are discarded or rescued
-    std::optional<QString> m_unsavedBefore;         // what was to be offered before rescue()
+    QString m_rescued;                              // what rescue() of this run has saved
+    QString m_offered;                              // what unsavedFound() told of
     std::vector<sigslot::connection> m_connections; // runtime thread
 };
 

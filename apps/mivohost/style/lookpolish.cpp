@@ -173,8 +173,8 @@ void LookStyle::giveRules(QWidget& widget) const
     }
     const QString own = ownSheet(widget);
     if (rules.isEmpty() && own.isEmpty() && !widget.styleSheet().isEmpty()) {
-        rules =
-            QStringLiteral(" "); // with an empty sheet Qt deletes the style that is polishing it
+        // With an empty sheet Qt deletes the style that is polishing it.
+        rules = QStringLiteral(" ");
     }
     const QString wanted = rules + own;
     if (wanted != widget.styleSheet()) {

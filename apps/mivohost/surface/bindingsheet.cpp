@@ -6,6 +6,7 @@
 #include "surface/waitingline.h"
 
 #include <mivosettingswidgets/shortcutmgr.h>
+#include <mivowidgets/findkeys.h>
 
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
@@ -13,7 +14,6 @@
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
-#include <QtWidgets/QShortcut>
 #include <QtWidgets/QTableView>
 #include <QtWidgets/QVBoxLayout>
 
@@ -69,10 +69,7 @@ BindingSheet::BindingSheet(const ShortCutMgr& manager, Peripherals& peripherals,
         m_filter.setText(text);
         showState({});
     });
-    connect(new QShortcut(QKeySequence::Find, this), &QShortcut::activated, m_text, [this] {
-        m_text->setFocus(Qt::ShortcutFocusReason);
-        m_text->selectAll();
-    });
+    mivo::widgets::goToByFindKeys(*m_text, *this);
     connect(m_pdf, &QPushButton::clicked, this, [this] { askAndSave(pdfSuffix); });
     connect(m_html, &QPushButton::clicked, this, [this] { askAndSave(htmlSuffix); });
     connect(&manager, &ShortCutMgr::signalShortCutSave, this, &BindingSheet::refill);
@@ -133,8 +130,8 @@ void BindingSheet::saveTo(const QString& path)
         QFileInfo(path).suffix().startsWith(QLatin1String("htm"), Qt::CaseInsensitive);
     const QByteArray content = isHtml ? html.toUtf8() : pdfOf(html);
     const QString shown = QDir::toNativeSeparators(path);
-    const auto fail = [this, shown](const QString& reason) {
-        const QString problem = QStringLiteral("%1: %2").arg(shown, reasonText(reason));
+    const auto fail = [this, path](const QString& reason) {
+        const QString problem = fileProblem(path, reason);
         showState(hostText("ShortcutsNotExported").arg(problem));
         emit failed(QStringLiteral("ShortcutsNotExported"), problem);
     };

@@ -3,8 +3,6 @@
 #include "base/hosttext.h"
 #include "peripherals/bindingsfile.h"
 
-#include <QtCore/QDir>
-
 namespace mivohost {
 
 namespace {
@@ -20,9 +18,7 @@ BindingsTransfer::BindingsTransfer(mivo::settings::ShortCutMgr& manager, Periphe
 void BindingsTransfer::exportTo(const QString& path)
 {
     const auto fail = [this, path](const QString& reason) {
-        emit failed(
-            QStringLiteral("ShortcutsNotExported"),
-            QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(path), reasonText(reason)));
+        emit failed(QStringLiteral("ShortcutsNotExported"), fileProblem(path, reason));
     };
     m_requests.start(
         {path, QStringLiteral("SavingProject"), fail},

@@ -9,6 +9,7 @@
 #include "surface/plaintable.h"
 
 #include <mivowidgets/combobox.h>
+#include <mivowidgets/findkeys.h>
 
 #include <QtCore/QLocale>
 #include <QtGui/QClipboard>
@@ -19,7 +20,6 @@
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QScrollBar>
-#include <QtWidgets/QShortcut>
 #include <QtWidgets/QTableView>
 #include <QtWidgets/QVBoxLayout>
 
@@ -108,10 +108,7 @@ void InputMonitor::addConnections()
     connect(m_pause, &QPushButton::toggled, this, &InputMonitor::showState);
     connect(m_copy, &QPushButton::clicked, this, &InputMonitor::copy);
     connect(m_clear, &QPushButton::clicked, this, &InputMonitor::clear);
-    connect(new QShortcut(QKeySequence::Find, this), &QShortcut::activated, m_text, [this] {
-        m_text->setFocus(Qt::ShortcutFocusReason);
-        m_text->selectAll();
-    });
+    mivo::widgets::goToByFindKeys(*m_text, *this);
     // Who reads what came before has it stay where it is.
     connect(&m_model, &QAbstractItemModel::rowsRemoved, m_view,
             [this](const QModelIndex& /*parent*/, int first, int last) {

@@ -65,9 +65,7 @@ ExitCode exportSettings(const QCommandLineParser& arguments, RuntimeThread& runt
         path, runtime.call([&] { return SettingsFile::write(store, sectionsOf(arguments)); }));
     return error.isEmpty()
                ? finished
-               : fail(
-                   notWritten,
-                   hostText("SettingsNotExported").arg(QStringLiteral("%1: %2").arg(path, error)));
+               : fail(notWritten, hostText("SettingsNotExported").arg(fileProblem(path, error)));
 }
 
 ExitCode importSettings(const QCommandLineParser& arguments, RuntimeThread& runtime,

@@ -116,9 +116,8 @@ void SettingsTransfer::chooseExport()
 void SettingsTransfer::exportTo(const QString& path, const std::set<Section>& sections)
 {
     const QString shown = QDir::toNativeSeparators(path);
-    const auto fail = [this, shown](const QString& reason) {
-        emit failed(QStringLiteral("SettingsNotExported"),
-                    QStringLiteral("%1: %2").arg(shown, reasonText(reason)));
+    const auto fail = [this, path](const QString& reason) {
+        emit failed(QStringLiteral("SettingsNotExported"), fileProblem(path, reason));
     };
     m_requests.start(
         {path, QStringLiteral("SavingProject"), fail}, [path, content = m_runtime.call([&] {
@@ -143,9 +142,7 @@ void SettingsTransfer::keepAll(
                              QDateTime::currentDateTime(),
                              QStringLiteral("'/keptsettings/settings-'yyyyMMdd-hhmmsszzz'.json'"));
     const QString shown = QDir::toNativeSeparators(path);
-    const auto fail = [kept, shown](const QString& reason) {
-        kept({}, QStringLiteral("%1: %2").arg(shown, reasonText(reason)));
-    };
+    const auto fail = [kept, path](const QString& reason) { kept({}, fileProblem(path, reason)); };
     m_requests.start(
         {path, QStringLiteral("SavingProject"), fail}, [path, content = m_runtime.call([&] {
             const auto all = SettingsFile::sections();

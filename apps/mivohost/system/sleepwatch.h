@@ -30,7 +30,8 @@ private slots:
     void take(bool isGoing);
 
 private:
-    void askForDelay();
+    /// Has the machine wait for goingToSleep() when it sleeps next, or lets it sleep now.
+    void holdSleep(bool hold);
 
     std::shared_ptr<void> m_request; // to be told, or waited for, while it is there
 };

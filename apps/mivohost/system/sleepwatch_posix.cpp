@@ -1,6 +1,5 @@
 #include "system/sleepwatch.h"
 
-#include "base/hostlog.h"
 #include "base/hosttext.h"
 
 #if MIVO_HAS_DBUS
@@ -12,18 +11,6 @@
 #endif
 
 namespace mivohost {
-
-void SleepWatch::take(bool isGoing)
-{
-    hostLog()->info("the machine {}", isGoing ? "goes to sleep" : "is awake");
-    if (isGoing) {
-        emit goingToSleep();
-        m_request.reset();
-    } else {
-        askForDelay();
-        emit awake();
-    }
-}
 
 #if MIVO_HAS_DBUS
 
@@ -39,12 +26,16 @@ SleepWatch::SleepWatch(const QWidget& /*window*/)
 {
     QDBusConnection::systemBus().connect(login, loginPath, loginManager,
                                          QStringLiteral("PrepareForSleep"), this, SLOT(take(bool)));
-    askForDelay();
+    holdSleep(true);
 }
 
 /// The machine does not sleep before what the answer has is closed, or its time is over.
-void SleepWatch::askForDelay()
+void SleepWatch::holdSleep(bool hold)
 {
+    if (!hold) {
+        m_request.reset();
+        return;
+    }
     auto question =
         QDBusMessage::createMethodCall(login, loginPath, loginManager, QStringLiteral("Inhibit"));
     question << QStringLiteral("sleep") << QStringLiteral("mivohost")
@@ -64,7 +55,7 @@ void SleepWatch::askForDelay()
 
 SleepWatch::SleepWatch(const QWidget& /*window*/) {}
 
-void SleepWatch::askForDelay() {}
+void SleepWatch::holdSleep(bool /*hold*/) {}
 
 #endif
 

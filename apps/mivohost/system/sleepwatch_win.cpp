@@ -1,6 +1,5 @@
 #include "system/sleepwatch.h"
 
-#include "base/hostlog.h"
 #include "system/windowsmessages.h"
 
 #include <QtCore/QLibrary>
@@ -34,10 +33,6 @@ SleepWatch::SleepWatch(const QWidget& window)
     }
 }
 
-void SleepWatch::take(bool isGoing)
-{
-    hostLog()->info("the machine {}", isGoing ? "goes to sleep" : "is awake");
-    isGoing ? emit goingToSleep() : emit awake();
-}
+void SleepWatch::holdSleep(bool /*hold*/) {} // it waits while the message is handled
 
 } // namespace mivohost

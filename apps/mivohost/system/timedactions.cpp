@@ -8,6 +8,7 @@
 #include <QtCore/QPointer>
 
 #include <algorithm>
+#include <cstdlib>
 #include <utility>
 
 namespace mivohost {
@@ -16,6 +17,8 @@ namespace {
 
 constexpr int secondsToDecide = 60;
 constexpr int tickMilliseconds = 1000;
+constexpr int sleepSeconds = 10; // without a tick, at the least: the machine slept
+constexpr int wakeSeconds = 3;   // in which what it slept through is called off; nobody is so quick
 constexpr int daysLookedBack = 31; // for a deadline that was missed
 
 QTime timeOfDay(const std::string& text)
@@ -105,8 +108,9 @@ std::optional<DeadlineWatch::Deadline> DeadlineWatch::look(const QDateTime& now,
 }
 
 TimedActions::TimedActions(RuntimeThread& runtime, SettingsStore& store, CarryOut carryOut,
-                           Clock clock)
-    : m_runtime(runtime), m_store(store), m_carryOut(std::move(carryOut)), m_clock(std::move(clock))
+                           CalledOff calledOff, Clock clock)
+    : m_runtime(runtime), m_store(store), m_carryOut(std::move(carryOut)),
+      m_calledOff(std::move(calledOff)), m_clock(std::move(clock))
 {
     m_runtime.call([this] {
         // Looked at with every edit, so that a time which has just passed is not due.
@@ -137,9 +141,19 @@ TimedActions::~TimedActions()
     });
 }
 
-void TimedActions::look()
+QDateTime TimedActions::readClock()
 {
     const QDateTime now = m_clock();
+    const QDateTime before = std::exchange(m_lastRead, now);
+    if (before.isValid() && before.secsTo(now) >= sleepSeconds) {
+        m_awake = now;
+    }
+    return now;
+}
+
+void TimedActions::look()
+{
+    const QDateTime now = readClock();
     const Schedule shutdown(m_store.getTimedShutdownSettings());
     const Schedule restart(m_store.getTimedAutomaticRestartSettings());
     const bool ticks = shutdown.enabled || restart.enabled;
@@ -162,11 +176,13 @@ bool TimedActions::isDue(Kind& kind, const QDateTime& now, const Schedule& sched
     if (!deadline) {
         return false;
     }
-    const std::string wall =
-        QLocale::c().toString(deadline->wall, QStringLiteral("yyyy-MM-dd hh:mm:ss")).toStdString();
+    const QString time =
+        QLocale::c().toString(deadline->wall, QStringLiteral("yyyy-MM-dd hh:mm:ss"));
+    const std::string wall = time.toStdString();
     const auto logger = hostLog();
     if (deadline->due) {
         m_isCarriedOut = false;
+        kind.due = time;
         logger->info("timed {} of {} is due", kind.name, wall);
     } else {
         logger->warn("timed {} of {} was missed by {} s and is skipped", kind.name, wall,
@@ -189,6 +205,10 @@ void TimedActions::decide(const Kind& kind, bool now)
                                      __LINE__, "carryOut");
             }
         });
+    } else if (std::abs(readClock().secsTo(m_awake)) <= wakeSeconds) {
+        hostLog()->warn("timed {} of {} is called off: the machine slept through its count-down",
+                        kind.name, kind.due.toStdString());
+        m_calledOff(kind.due);
     } else {
         hostLog()->info("timed {} is not carried out: cancelled by the operator", kind.name);
     }

@@ -82,8 +82,12 @@ public:
     /// thread and at any time, so that an action can be decided again.
     using CarryOut = std::function<void(PowerAction action, const std::function<void()>& failed)>;
 
+    /// Called on the runtime thread where the prompt of an action was called off, as the machine
+    /// slept through its count-down: the time for which the action was.
+    using CalledOff = std::function<void(const QString& time)>;
+
     TimedActions(RuntimeThread& runtime, SettingsStore& store, CarryOut carryOut,
-                 Clock clock = &QDateTime::currentDateTime);
+                 CalledOff calledOff, Clock clock = &QDateTime::currentDateTime);
     ~TimedActions() override;
 
     /// Looks at the clock, as each tick does. Runtime thread.
@@ -95,18 +99,24 @@ private:
         PowerAction action;
         const char* name;
         DeadlineWatch watch;
+        QString due; // the last time for which it was asked for
     };
 
     bool isDue(Kind& kind, const QDateTime& now, const Schedule& schedule);
     void decide(const Kind& kind, bool now);
+    /// The clock, which also tells when the machine slept.
+    QDateTime readClock();
 
     RuntimeThread& m_runtime;
     SettingsStore& m_store;
     CarryOut m_carryOut;
+    CalledOff m_calledOff;
     Clock m_clock;
+    QDateTime m_lastRead;                                  // of the clock
+    QDateTime m_awake = QDateTime::fromMSecsSinceEpoch(0); // when it was first read after a sleep
     QTimer m_tick{this};
-    Kind m_shutdown{PowerAction::shutdown, "shutdown", {}};
-    Kind m_restart{PowerAction::restart, "restart", {}};
+    Kind m_shutdown{PowerAction::shutdown, "shutdown", {}, {}};
+    Kind m_restart{PowerAction::restart, "restart", {}, {}};
     bool m_ticks = false;        // whether a schedule was enabled at the last look
     bool m_isCarriedOut = false; // one of them, since one was due last
     std::vector<sigslot::connection> m_connections; // runtime thread

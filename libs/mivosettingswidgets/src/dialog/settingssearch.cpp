@@ -5,13 +5,13 @@
 #include "mivosettingswidgets/texts.h"
 
 #include <mivowidgets/editbox.h>
+#include <mivowidgets/findkeys.h>
 
 #include <QtCore/QCoreApplication>
 #include <QtGui/QKeyEvent>
 #include <QtWidgets/QAbstractItemView>
 #include <QtWidgets/QButtonGroup>
 #include <QtWidgets/QScrollArea>
-#include <QtWidgets/QShortcut>
 #include <QtWidgets/QStackedWidget>
 #include <QtWidgets/QStyle>
 #include <QtWidgets/QTabWidget>
@@ -74,11 +74,7 @@ SettingsSearch::SettingsSearch(QWidget* dialog, QVBoxLayout* navigation, QButton
     panel->setFocusPolicy(Qt::NoFocus);
     m_buttons->button(0)->setFocus(); // the dialog opens as it does without a search
 
-    auto* shortcut = new QShortcut(QKeySequence::Find, m_dialog);
-    connect(shortcut, &QShortcut::activated, m_line, [this] {
-        m_line->setFocus(Qt::ShortcutFocusReason);
-        m_line->selectAll();
-    });
+    mivo::widgets::goToByFindKeys(*m_line, *m_dialog);
     connect(m_line, &QLineEdit::textChanged, this, &SettingsSearch::changed);
     connect(m_sections, &QStackedWidget::currentChanged, this, &SettingsSearch::showHits);
     // Qt does not tell of a new text in a section that is not shown, and pages need not either.

@@ -56,6 +56,7 @@ public:
     void unsetSettings() override
     {
         SettingPageImpl::unsetSettings();
+        m_isAdding = false;
         sharedSettings = nullptr;
         for (VirtualMappingWidget* editor : shownEditors()) {
             editor->setSettings(nullptr);
@@ -351,10 +352,11 @@ void AudioSettingBox::Impl::slotAddMapping()
         warn("slotAddMapping", "setting is null");
         return;
     }
-    m_isAdding = true;
-    submit([](MivoSettings* store,
-              const STSoundCardMappingInfo& info) { store->addSoundCardMappingRequested(info); },
-           STSoundCardMappingInfo());
+    m_isAdding = submit(
+        [](MivoSettings* store, const STSoundCardMappingInfo& info) {
+            store->addSoundCardMappingRequested(info);
+        },
+        STSoundCardMappingInfo());
 }
 
 void AudioSettingBox::Impl::slotMappingInfoChanged(const STSoundCardChangeInfo& change)

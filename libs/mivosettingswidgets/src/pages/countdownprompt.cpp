@@ -10,8 +10,9 @@ namespace mivo::settings {
 
 using mivo::widgets::TipDialog;
 
-CountdownPrompt::CountdownPrompt(const CountdownKeys& keys, std::function<void()> onTick)
-    : m_keys(keys), m_onTick(std::move(onTick))
+CountdownPrompt::CountdownPrompt(const CountdownKeys& keys, std::function<void()> onTick,
+                                 Clock clock)
+    : m_keys(keys), m_onTick(std::move(onTick)), m_clock(std::move(clock))
 {
     m_timer.setInterval(1000);
     m_timer.setTimerType(Qt::PreciseTimer);
@@ -31,6 +32,8 @@ std::optional<int> CountdownPrompt::count(QWidget* parent, int seconds)
     }
     const QPointer<TipDialog> dialog = m_dialog;
     m_secondsLeft = seconds;
+    m_lastTick = m_clock();
+    m_isMissed = false;
     m_timer.start();
     m_onTick();
     if (wasOpen) {
@@ -49,6 +52,13 @@ std::optional<int> CountdownPrompt::count(QWidget* parent, int seconds)
 bool CountdownPrompt::tick()
 {
     if (!m_dialog) {
+        return false;
+    }
+    constexpr int slack = 10; // seconds by which a tick may be late without a sleep
+    const qint64 now = m_clock();
+    m_isMissed = now - std::exchange(m_lastTick, now) > (qint64{m_secondsLeft} + slack) * 1000;
+    if (m_isMissed) {
+        dismiss();
         return false;
     }
     m_dialog->setTipText(text());

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "mivosettingswidgets/export.h"
+
+#include <QtCore/QDateTime>
 #include <QtCore/QPointer>
 #include <QtCore/QString>
 #include <QtCore/QTimer>
@@ -24,20 +27,28 @@ struct CountdownKeys
     const char* assist;
 };
 
-/// A modal prompt that counts seconds down. GUI thread.
-class CountdownPrompt
+/// A modal prompt that counts seconds down, unless the machine sleeps through its end. GUI thread.
+class MIVOSETTINGSWIDGETS_TEST_EXPORT CountdownPrompt
 {
 public:
+    using Clock = std::function<qint64()>; // milliseconds, also of those that the machine sleeps
+
     /// `onTick` runs at the start and then each second, and is to call tick().
-    CountdownPrompt(const CountdownKeys& keys, std::function<void()> onTick);
+    CountdownPrompt(const CountdownKeys& keys, std::function<void()> onTick,
+                    Clock clock = &QDateTime::currentMSecsSinceEpoch);
 
     /// Counts `seconds` down to zero and returns how the prompt ended, a TipDialog::Result; a
-    /// count-down that ran out dismisses it. Runs an event loop. Nothing is returned when the
-    /// prompt was open already, which then counts anew, or when `parent` is gone, and this with it.
+    /// count-down that ran out dismisses it, and so does one that was missed. Runs an event loop.
+    /// Nothing is returned when the prompt was open already, which then counts anew, or when
+    /// `parent` is gone, and this with it.
     std::optional<int> count(QWidget* parent, int seconds);
 
     /// Shows the next second while the prompt is open; true when the count-down has run out.
     bool tick();
+
+    /// Whether the last count-down had its end while the machine slept, so that nobody could
+    /// decide.
+    bool isMissed() const { return m_isMissed; }
 
     void dismiss();
 
@@ -46,9 +57,12 @@ private:
 
     CountdownKeys m_keys;
     std::function<void()> m_onTick;
+    Clock m_clock;
     QPointer<mivo::widgets::TipDialog> m_dialog;
     QTimer m_timer;
     int m_secondsLeft = 0;
+    qint64 m_lastTick = 0; // by m_clock
+    bool m_isMissed = false;
 };
 
 } // namespace mivo::settings

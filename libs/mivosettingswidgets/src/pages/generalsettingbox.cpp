@@ -386,7 +386,8 @@ void GeneralSettingBox::Impl::showTimedShutdownCount(int seconds)
         return;
     }
     m_shutdownActive = false;
-    const bool isRestartDue = std::exchange(m_restartPending, false);
+    const bool isRestartDue =
+        std::exchange(m_restartPending, false) && !m_shutdownPrompt.isMissed();
     if (isRestartDue && *result != TipDialog::accepted) {
         const QPointer<Impl> self(this);
         // The constant has nothing to do with the store's seconds; kept on purpose.

@@ -61,8 +61,8 @@ public slots:
     void getUDPPortInfo(const bool open, const uint16_t port) { m_udp.show(open, port); }
     void setTCPPortInfo(const bool open, const uint16_t port) { m_tcp.show(open, port); }
     void setUDPPortInfo(const bool open, const uint16_t port) { m_udp.show(open, port); }
-    void setTCPFailure(const std::string& reason) { m_tcp.failure->setReason(reason); }
-    void setUDPFailure(const std::string& reason) { m_udp.failure->setReason(reason); }
+    void setTCPFailure(const std::string& reason) { m_tcp.showFailure(reason); }
+    void setUDPFailure(const std::string& reason) { m_udp.showFailure(reason); }
     void setDmxData(const SAddDMXInfo& info);
     void setDmxEnable(bool on) { showValue(m_useDmx, on); }
     void setDmxFailure(const std::string& reason) { m_dmxFailure->setReason(reason); }

@@ -50,4 +50,10 @@ void PortRow::show(bool isOpen, int number)
     }
 }
 
+void PortRow::showFailure(const std::string& reason)
+{
+    isRequested |= !reason.empty(); // what could not be opened is to be opened still
+    failure->setReason(reason);
+}
+
 } // namespace mivo::settings

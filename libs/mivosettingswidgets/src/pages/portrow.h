@@ -27,6 +27,7 @@ struct PortRow
     PortRow();
 
     void show(bool isOpen, int number);
+    void showFailure(const std::string& reason);
 
     QLabel* label = new QLabel;
     mivo::widgets::SpinEditBox* port;

@@ -119,6 +119,7 @@ void DeviceBindings::clear(EnumPeripheralShortCutType kind)
 
 void DeviceBindings::setLocked(bool locked)
 {
+    m_isLocked = locked;
     for (const auto kind : deviceKinds) {
         if (Peripheral* asked = service(kind)) {
             asked->setLocked(locked);

@@ -51,6 +51,9 @@ public:
             return false;
         }
         borrowed.reset(service);
+        if (m_isLocked) {
+            service->setLocked(true);
+        }
         // Called on any thread, also during the destructor of this.
         borrowed.follow(service->controlMessage,
                         [mailbox = m_mailbox, kind](int action, const std::string& path,
@@ -98,6 +101,7 @@ private:
 
     std::vector<PendingBinding> m_pending;
     PeripheralMailbox::Pointer m_mailbox;
+    bool m_isLocked = false;
 };
 
 } // namespace mivo::settings

@@ -77,6 +77,7 @@ void KeyTable::load()
     const CallSite site("loadShortCutInfoList");
     try {
         const auto path = shortCutFile();
+        m_fileIsUnreadable = true; // also where nobody can tell whether it is there
         m_fileIsUnreadable = std::filesystem::exists(path);
         const auto content = contentOf(path);
         if (!content) {
@@ -127,13 +128,15 @@ std::string KeyTable::save()
     listAll();
     const CallSite site("saveShortCutInfoList");
     std::filesystem::path aside;
+    m_isWritten = false;
     try {
         const auto path = shortCutFile();
         if (m_fileIsUnreadable) {
             aside = putAside(path);
             m_fileIsUnreadable = false;
         }
-        NoCacheFile::saveToFile(path.u8string(), formatShortCuts(m_lists.shortCutInfoList));
+        m_isWritten =
+            NoCacheFile::saveToFile(path.u8string(), formatShortCuts(m_lists.shortCutInfoList));
     } catch (const std::filesystem::filesystem_error& error) {
         logAt(spdlog::level::err, site, "filesystem_error error msg: {}", error.what());
     } catch (const std::exception& error) {

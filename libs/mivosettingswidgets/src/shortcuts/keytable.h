@@ -55,9 +55,11 @@ public:
     /// is logged, and the next save puts the file aside.
     void load();
 
-    /// Writes the file. Errors of the file system are logged; the result of the write is not looked
-    /// at. Returns the path to which a file that could not be read was renamed, or nothing.
+    /// Writes the file. Errors of the file system are logged, and the table stays as it is. Returns
+    /// the path to which a file that could not be read was renamed, or nothing.
     std::string save();
+    /// Whether the last save() could write.
+    bool isWritten() const { return m_isWritten; }
 
     /// Adds an entry, and removes all others of that type and path.
     void put(EnumShortCutType type, const std::string& path, const std::string& keys,
@@ -109,6 +111,7 @@ private:
         false; // it is to, but nobody has asked for it since the file was read
     unsigned m_state = 0;
     bool m_fileIsUnreadable = false;
+    bool m_isWritten = false;
 };
 
 } // namespace mivo::settings

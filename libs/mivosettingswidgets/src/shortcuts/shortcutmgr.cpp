@@ -48,7 +48,9 @@ void ShortCutMgr::shortCutInfoSave(const STLinkShortCutInfo& info)
     m_impl->clearKeys(Impl::Write::no);
     m_impl->keys.exchange(std::move(wanted));
     m_impl->save();
-    m_impl->keys.load();
+    if (m_impl->keys.isWritten()) { // else the file holds the table before
+        m_impl->keys.load();
+    }
     setAllShortCutStr();
     const STLinkShortCutInfo held = linkShortCutInfo();
     const QPointer<ShortCutMgr> self(this); // a slot may end it

@@ -263,7 +263,8 @@ std::vector<QWidget*> SoundCardColumn::tabStops() const
 void SoundCardColumn::changeEvent(QEvent* event)
 {
     QWidget::changeEvent(event);
-    if (event->type() == QEvent::StyleChange || event->type() == QEvent::FontChange) {
+    if (event->type() == QEvent::StyleChange || event->type() == QEvent::FontChange
+        || event->type() == QEvent::LayoutDirectionChange) {
         placeMarks();
     }
 }
@@ -335,7 +336,7 @@ void SoundCardColumn::showMarks(std::uint32_t channels)
         m_marks[pair]->setAccessibleDescription(m_combo->accessibleName());
         showValue(m_marks[pair], ((m_chosen->channelPairs >> pair) & 1U) != 0);
     }
-    const bool isHintOther = playsNowhere != (m_hint != nullptr);
+    bool isHintOther = playsNowhere != (m_hint != nullptr);
     if (isHintOther && playsNowhere) {
         m_hint = new mivo::widgets::AlertLabel(this);
         m_hint->setObjectName(QStringLiteral("soundCardPlaysNowhere"));
@@ -344,7 +345,9 @@ void SoundCardColumn::showMarks(std::uint32_t channels)
         delete std::exchange(m_hint, nullptr);
     }
     if (m_hint != nullptr) {
-        m_hint->setText(text(QStringLiteral("SoundCardPlaysNowhere")));
+        const QString hint = text(QStringLiteral("SoundCardPlaysNowhere"));
+        isHintOther |= hint != m_hint->text();
+        m_hint->setText(hint);
     }
     if (before != pairs || isHintOther) {
         placeMarks();
