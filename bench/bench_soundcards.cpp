@@ -4,7 +4,8 @@
 // lists of combo boxes were made for it, those of new boxes included. The initial set until it is
 // first seen and until the last box is made, which takes several turns of the loop; also with the
 // cards of this machine alone. The floor is a page of as many raw controls in the same look, on
-// which the same boxes are filled, made or hidden.
+// which the same boxes are filled, made or hidden: of the same size and with the same texts, so
+// that as many of them are seen and painted.
 
 #include "mivohostkit/runtimethread.h"
 #include "support/hostlanguage.h"
@@ -228,6 +229,8 @@ public:
     {
         auto* page = new QWidget;
         m_column = new QVBoxLayout(page);
+        m_column->setContentsMargins(20, 24, 20, 24);
+        m_column->setSpacing(12);
         m_area.setWidget(page);
         m_area.setWidgetResizable(true);
         m_area.resize(1000, 700);
@@ -246,12 +249,22 @@ public:
     {
         auto* row = new QWidget;
         auto* layout = new QVBoxLayout(row);
+        layout->setContentsMargins(12, 12, 12, 12);
+        layout->setSpacing(12);
         auto* line = new QHBoxLayout;
+        line->setSpacing(8);
+        auto* name = new QLineEdit(QStringLiteral("Output %1").arg(m_rows.size() + 1));
+        name->setFixedSize(240, 24);
+        auto* remove = new QPushButton("Delete");
+        remove->setFixedHeight(24);
         line->addWidget(new QLabel("Name"));
-        line->addWidget(new QLineEdit);
-        line->addWidget(new QPushButton("Delete"));
+        line->addWidget(name);
+        line->addStretch();
+        line->addWidget(remove);
         layout->addLayout(line);
         auto* grid = new QGridLayout;
+        grid->setSpacing(12);
+        grid->setColumnStretch(3, 1);
         layout->addLayout(grid);
         m_rows.push_back({row, grid, {}});
         for (int device = 0; device <= deviceCount; ++device) {
@@ -353,13 +366,20 @@ private:
 
     void makeBox(Row& row)
     {
+        const int place = static_cast<int>(row.boxes.size());
         auto* widget = new QWidget;
         auto* column = new QVBoxLayout(widget);
+        column->setContentsMargins(0, 0, 0, 0);
+        column->setSpacing(4);
+        auto* label =
+            new QLabel(place == 0 ? "This machine" : QString::fromStdString(deviceName(place)));
+        label->setFixedSize(240, 20);
         auto* combo = new QComboBox;
+        combo->setFixedSize(240, 26);
         combo->addItems(m_texts);
-        column->addWidget(new QLabel("Device"));
+        combo->setCurrentIndex(1); // most mappings have a card on each device
+        column->addWidget(label);
         column->addWidget(combo);
-        const int place = static_cast<int>(row.boxes.size());
         row.grid->addWidget(widget, place / 3, place % 3);
         row.boxes.emplace_back(widget, combo);
     }

@@ -180,6 +180,30 @@ TEST_F(Audio, OddAnnouncementsAreTakenAsTheyCome)
     request(1, mivo::SoundCardChangeName, "First");
     EXPECT_EQ(name(0)->text(), "First") << "... and the first one stays the one";
     EXPECT_EQ(name(1)->text(), "Output 1");
+    setCards("10.0.0.2", {{"d", "Delta", 2}});
+    const auto shown = columnsOf(editors()[0]);
+    const std::function<void()> notKept[]{
+        [&] {
+            store.deviceSoundCardVisibleChanged(STDeviceSoundCardVisibleInfo{"10.0.0.2", false});
+        },
+        [&] { store.clusterDeviceSoundCardsDeleted(std::vector<std::string>{"10.0.0.2"}); },
+        [&] {
+            store.soundCardMappingChanged(
+                STSoundCardChangeInfo{1, mivo::SoundCardChangeName, "Other", {}});
+        },
+    };
+    for (const auto& change : notKept) {
+        announce([&] { store.clusterNodeSoundCardsChanged(); });
+        announce(change);
+        announce([&] { store.clusterNodeSoundCardsChanged(); });
+        EXPECT_EQ(columnsOf(editors()[0]), shown) << &change - notKept << ": the store keeps all";
+        EXPECT_EQ(name(0)->text(), "First");
+    }
+    runtime.refuses = true;
+    choose(combo(0), "Beta");
+    runtime.refuses = false;
+    announce([&] { store.clusterNodeSoundCardsChanged(); });
+    EXPECT_EQ(columnsOf(editors()[0]), shown) << "the store was not told";
     runtime.refuses = true;
     announce([&] { store.soundCardMappingAdded(STSoundCardMappingInfo{9, 0, "Late", {}}); });
     announce([&] { store.clusterNodeSoundCardsChanged(); });

@@ -150,6 +150,41 @@ TEST_F(ShortCuts, AreReadSplitAndWrittenInOrder)
     EXPECT_EQ(kept(), (Row{unknown, item(189, mutePath, "F4"), ofPath}));
 }
 
+TEST_F(ShortCuts, AllEntriesAreAsReadOrWrittenLast)
+{
+    const Row read{item(187, "", "F9"), item(187, "a", "F1"), item(211, groupPath, "F2")};
+    const auto all = [this] { return manager.linkShortCutInfo().shortCutInfoList; };
+    writeFile(path, formatShortCuts(read).c_str());
+    manager.loadShortCutInfoList();
+    output->shortCutStrChanged("F1");
+    manager.setProgramShortCutInfo();
+    EXPECT_EQ(all(), read) << "two entries have become one, but are not saved";
+    manager.loadShortCutInfoList();
+    writeFile(path, "{");
+    manager.loadShortCutInfoList();
+    EXPECT_EQ(all(), read) << "nothing could be read";
+}
+
+TEST_F(ShortCuts, WhatChangesWhileTheTextsArePutOnTheCoversIsKept)
+{
+    manager.setAllShortCutStr();
+    std::function<void()> change = [this] { mute->shortCutStrChanged("F7"); };
+    QObject::connect(&manager, &ShortCutMgr::signalClearShortCutState, [&change] { change(); });
+    manager.setAllShortCutStr();
+    EXPECT_EQ(keys(), "|F7|");
+    change = [this] { manager.loadShortCutInfoList(); };
+    writeFile(path, "");
+    manager.setAllShortCutStr();
+    EXPECT_EQ(keys(), "|F7|") << "the covers tell what the table has lost";
+    change = [this] {
+        group = new ShortCutCover("/Peripherals/group/new", group->parentWidget());
+        group->shortCutStrChanged("F8");
+        manager.setBindShortCutAndCover({group});
+    };
+    manager.setAllShortCutStr();
+    EXPECT_EQ(keys(), "|F7|F8");
+}
+
 TEST_F(ShortCuts, AFileThatCannotBeReadIsLoggedAndPutAsideUnderAFreeName)
 {
     QSignalSpy told(&manager, &ShortCutMgr::signalShortCutFilePutAside);

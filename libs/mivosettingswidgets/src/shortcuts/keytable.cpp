@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <optional>
 #include <utility>
 
@@ -67,10 +68,12 @@ std::filesystem::path shortCutFile()
 
 void KeyTable::load()
 {
+    listAll(); // it stays as it was when the file cannot be read
     m_lists.indexShortCutList.clear();
     m_lists.pathShortCutList.clear();
     noteChange();
     m_fileIsUnreadable = false;
+    Items items;
     const CallSite site("loadShortCutInfoList");
     try {
         const auto path = shortCutFile();
@@ -80,7 +83,7 @@ void KeyTable::load()
         if (!content) {
             return; // a first run
         }
-        m_lists.shortCutInfoList = parseShortCuts(*content);
+        items = parseShortCuts(*content);
         m_fileIsUnreadable = false;
     } catch (const std::filesystem::filesystem_error& error) {
         logAt(spdlog::level::err, site, "filesystem_error error msg: {}", error.what());
@@ -89,22 +92,40 @@ void KeyTable::load()
         logAt(spdlog::level::err, site, "std::exception error msg: {}", error.what());
         return;
     }
-    for (const STShortCutItem& item : m_lists.shortCutInfoList) {
-        (item.type == ShortCutOfPath ? m_lists.pathShortCutList : m_lists.indexShortCutList)
-            .push_back(item);
+    const auto isOfType = [](const STShortCutItem& item) { return item.type != ShortCutOfPath; };
+    if (std::is_partitioned(items.begin(), items.end(), isOfType)) { // as save() writes them
+        const auto paths = std::partition_point(items.begin(), items.end(), isOfType);
+        m_lists.pathShortCutList.assign(std::make_move_iterator(paths),
+                                        std::make_move_iterator(items.end()));
+        items.erase(paths, items.end());
+        m_lists.indexShortCutList = std::move(items);
+        m_isListDue = true;
+        return;
     }
+    m_lists.shortCutInfoList = std::move(items);
+    for (const STShortCutItem& item : m_lists.shortCutInfoList) {
+        (isOfType(item) ? m_lists.indexShortCutList : m_lists.pathShortCutList).push_back(item);
+    }
+}
+
+void KeyTable::listAll() const
+{
+    if (!std::exchange(m_isListDue, false)) {
+        return;
+    }
+    m_isListed = true;
+    Items& items = m_lists.shortCutInfoList;
+    // Assigned one by one, the entries keep the memory of their texts.
+    items.resize(m_lists.indexShortCutList.size() + m_lists.pathShortCutList.size());
+    std::copy(m_lists.pathShortCutList.begin(), m_lists.pathShortCutList.end(),
+              std::copy(m_lists.indexShortCutList.begin(), m_lists.indexShortCutList.end(),
+                        items.begin()));
 }
 
 std::string KeyTable::save()
 {
-    Items& items = m_lists.shortCutInfoList;
-    if (!std::exchange(m_isListed, true)) {
-        // Assigned one by one, the entries keep the memory of their texts.
-        items.resize(m_lists.indexShortCutList.size() + m_lists.pathShortCutList.size());
-        std::copy(m_lists.pathShortCutList.begin(), m_lists.pathShortCutList.end(),
-                  std::copy(m_lists.indexShortCutList.begin(), m_lists.indexShortCutList.end(),
-                            items.begin()));
-    }
+    m_isListDue = !m_isListed;
+    listAll();
     const CallSite site("saveShortCutInfoList");
     std::filesystem::path aside;
     m_isWritten = false;
@@ -114,7 +135,8 @@ std::string KeyTable::save()
             aside = putAside(path);
             m_fileIsUnreadable = false;
         }
-        m_isWritten = NoCacheFile::saveToFile(path.u8string(), formatShortCuts(items));
+        m_isWritten =
+            NoCacheFile::saveToFile(path.u8string(), formatShortCuts(m_lists.shortCutInfoList));
     } catch (const std::filesystem::filesystem_error& error) {
         logAt(spdlog::level::err, site, "filesystem_error error msg: {}", error.what());
     } catch (const std::exception& error) {
@@ -126,9 +148,11 @@ std::string KeyTable::save()
 void KeyTable::put(EnumShortCutType type, const std::string& path, const std::string& keys,
                    ShortCutModuleType module)
 {
+    listAll();
     const auto taken = takeOut(
         listOf(module), [&](const STShortCutItem& item) { return matches(item, type, path); });
     m_isListed = false;
+    ++m_state;
     if (!taken.empty()) {
         noteChange();
     }
@@ -138,6 +162,7 @@ void KeyTable::put(EnumShortCutType type, const std::string& path, const std::st
 
 bool KeyTable::remove(EnumShortCutType type, const std::string& path, ShortCutModuleType module)
 {
+    listAll();
     auto& items = listOf(module);
     const auto found = std::find_if(items.begin(), items.end(), [&](const STShortCutItem& item) {
         return matches(item, type, path);
@@ -158,6 +183,7 @@ const STShortCutItem* KeyTable::holderOf(const std::string& keys) const
 
 std::vector<STShortCutItem> KeyTable::takeHoldersOf(const std::string& keys)
 {
+    listAll();
     std::vector<STShortCutItem> holders;
     for (Items* items : {&m_lists.indexShortCutList, &m_lists.pathShortCutList}) {
         const auto taken = takeOut(

@@ -13,11 +13,25 @@ namespace mivo::settings {
 class KeyTable
 {
 public:
-    const STLinkShortCutInfo& lists() const { return m_lists; }
+    const STLinkShortCutInfo& lists() const
+    {
+        listAll();
+        return m_lists;
+    }
+    /// The same for who does not look at shortCutInfoList, which may not have been filled yet.
+    const STLinkShortCutInfo& splitLists() const { return m_lists; }
+    /// Another number after each change of the entries.
+    unsigned state() const { return m_state; }
+
+    /// What comes right behind an edit(). With a save, what shortCutInfoList held before is lost.
+    enum class Next { anything, save };
     /// Lets `change` do what it will with the lists; it returns whether it has changed any.
     template <typename Change>
-    void edit(Change change)
+    void edit(Change change, Next next = Next::anything)
     {
+        if (next != Next::save) {
+            listAll();
+        }
         if (change(m_lists)) {
             noteChange();
         }
@@ -84,12 +98,18 @@ private:
     {
         m_indexHolders = m_pathHolders = {};
         m_isListed = false;
+        ++m_state;
     }
+    /// Fills shortCutInfoList where that is due.
+    void listAll() const;
 
-    STLinkShortCutInfo m_lists;
+    mutable STLinkShortCutInfo m_lists;
     mutable Holders m_indexHolders;
     mutable Holders m_pathHolders;
-    bool m_isListed = false; // whether shortCutInfoList holds what the other two lists do
+    mutable bool m_isListed = false; // whether shortCutInfoList holds what the other two lists do
+    mutable bool m_isListDue =
+        false; // it is to, but nobody has asked for it since the file was read
+    unsigned m_state = 0;
     bool m_fileIsUnreadable = false;
     bool m_isWritten = false;
 };

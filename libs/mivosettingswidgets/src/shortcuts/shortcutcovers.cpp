@@ -39,6 +39,20 @@ bool isSameAscii(const QString& text, const std::string& bytes)
         [](QChar character, char byte) { return byte >= 0 && character == QLatin1Char(byte); });
 }
 
+struct ByType
+{
+    using Value = int;
+    static int of(const STShortCutItem& item) { return item.type; }
+    static int of(const ShortCutCover& cover) { return cover.getShortCutIndex(); }
+};
+
+struct ByPath
+{
+    using Value = std::string_view;
+    static Value of(const STShortCutItem& item) { return item.path; }
+    static Value of(const ShortCutCover& cover) { return cover.getShortCutPath(); }
+};
+
 } // namespace
 
 void ShortCutCovers::insert(ShortCutCover* cover)
@@ -55,8 +69,11 @@ void ShortCutCovers::remove(ShortCutCover* cover)
 QList<ShortCutCover*> ShortCutCovers::all() const
 {
     QList<Cover*> covers;
-    std::copy(m_byIndex.begin(), m_byIndex.end(), std::back_inserter(covers));
-    std::copy(m_byPath.begin(), m_byPath.end(), std::back_inserter(covers));
+    for (const Set* set : {&m_byIndex, &m_byPath}) {
+        for (const Set::Entry& entry : *set) {
+            covers.append(entry.cover);
+        }
+    }
     return covers;
 }
 
@@ -65,57 +82,72 @@ ShortCutCover* ShortCutCovers::of(int type, const std::string& path) const
     const bool isOfPath = type == ShortCutOfPath;
     const std::string name = reportedPath(path);
     const auto& covers = isOfPath ? m_byPath : m_byIndex;
-    const auto found = std::find_if(covers.begin(), covers.end(), [&](const ShortCutCover* cover) {
-        return isOfPath ? reportedPath(cover->getPeripheralShortCutPath()) == name
-                        : cover->getShortCutIndex() == type;
+    const auto found = std::find_if(covers.begin(), covers.end(), [&](const Set::Entry& entry) {
+        return isOfPath ? reportedPath(entry.cover->getPeripheralShortCutPath()) == name
+                        : entry.cover->getShortCutIndex() == type;
     });
-    return found == covers.end() ? nullptr : *found;
+    return found == covers.end() ? nullptr : found->cover;
 }
 
 std::unordered_map<std::string, ShortCutCover*> ShortCutCovers::byReportedPath() const
 {
     std::unordered_map<std::string, ShortCutCover*> covers;
-    for (ShortCutCover* cover : m_byPath) {
-        covers[reportedPath(cover->getPeripheralShortCutPath())] = cover;
+    for (const Set::Entry& entry : m_byPath) {
+        covers[reportedPath(entry.cover->getPeripheralShortCutPath())] = entry.cover;
     }
     return covers;
 }
 
-void ShortCutCovers::pushTexts(const STLinkShortCutInfo& table) const
+void ShortCutCovers::pushTexts(const STLinkShortCutInfo& table, unsigned state)
 {
-    Texts texts;
-    texts.byType.reserve(table.indexShortCutList.size());
-    texts.byPath.reserve(table.pathShortCutList.size());
-    for (const STShortCutItem& item : table.indexShortCutList) {
-        texts.byType[item.type] = &item.shortCutStr;
+    const bool isIndexSame = pushTexts<ByType>(m_byIndex, table.indexShortCutList);
+    const bool isPathSame = pushTexts<ByPath>(m_byPath, table.pathShortCutList);
+    m_pushed = isIndexSame && isPathSame ? std::optional(state) : std::nullopt;
+}
+
+template <typename Key>
+bool ShortCutCovers::pushTexts(Set& covers, const std::vector<STShortCutItem>& items)
+{
+    std::pmr::monotonic_buffer_resource memory; // of all at once: it is thrown away soon
+    std::pmr::unordered_map<typename Key::Value, const STShortCutItem*> last(items.size(), &memory);
+    for (const STShortCutItem& item : items) {
+        last[Key::of(item)] = &item;
     }
-    for (const STShortCutItem& item : table.pathShortCutList) {
-        texts.byPath[item.path] = &item.shortCutStr;
+    bool isSame = last.size() == items.size();
+    for (auto& [cover, pushed] : covers) {
+        const auto found = last.find(Key::of(*cover));
+        if (found == last.end()) {
+            pushed = QString();
+        } else {
+            const STShortCutItem& item = *found->second;
+            pushed = QString::fromStdString(item.shortCutStr);
+            isSame &= item.type == cover->getShortCutIndex()
+                      && item.path == cover->getShortCutPath()
+                      && isSameAscii(pushed, item.shortCutStr);
+        }
+        cover->shortCutStrChanged(pushed);
     }
-    for (ShortCutCover* cover : m_byIndex) {
-        cover->shortCutStrChanged(
-            textOf(texts.byType, static_cast<int>(cover->getShortCutIndex())));
-    }
-    for (ShortCutCover* cover : m_byPath) {
-        cover->shortCutStrChanged(textOf(texts.byPath, cover->getShortCutPath()));
-    }
+    return isSame;
+}
+
+bool ShortCutCovers::isAsPushed(unsigned state) const
+{
+    const auto isSame = [](const Set::Entry& entry) {
+        return entry.cover->getShortCutStr() == entry.pushed;
+    };
+    return m_pushed == state && std::all_of(m_byIndex.begin(), m_byIndex.end(), isSame)
+           && std::all_of(m_byPath.begin(), m_byPath.end(), isSame);
 }
 
 bool ShortCutCovers::takeTexts(STLinkShortCutInfo& table) const
 {
-    const bool isIndexOther = takeTexts<int>(
-        m_byIndex, table.indexShortCutList, [](const STShortCutItem& item) { return item.type; },
-        [](const Cover& cover) { return cover.getShortCutIndex(); });
-    const bool isPathOther = takeTexts<std::string_view>(
-        m_byPath, table.pathShortCutList,
-        [](const STShortCutItem& item) { return std::string_view(item.path); },
-        [](const Cover& cover) { return std::string_view(cover.getShortCutPath()); });
+    const bool isIndexOther = takeTexts<ByType>(m_byIndex, table.indexShortCutList);
+    const bool isPathOther = takeTexts<ByPath>(m_byPath, table.pathShortCutList);
     return isIndexOther || isPathOther;
 }
 
-template <typename Key, typename OfItem, typename OfCover>
-bool ShortCutCovers::takeTexts(const Set& covers, std::vector<STShortCutItem>& items,
-                               OfItem keyOfItem, OfCover keyOfCover)
+template <typename Key>
+bool ShortCutCovers::takeTexts(const Set& covers, std::vector<STShortCutItem>& items)
 {
     struct Place
     {
@@ -123,16 +155,17 @@ bool ShortCutCovers::takeTexts(const Set& covers, std::vector<STShortCutItem>& i
         bool hasCover = false;
     };
     std::pmr::monotonic_buffer_resource memory;
-    std::pmr::unordered_map<Key, Place> places(items.size(), &memory);
+    std::pmr::unordered_map<typename Key::Value, Place> places(items.size(), &memory);
     for (std::size_t i = 0; i < items.size(); ++i) {
-        places[keyOfItem(items[i])].last = i;
+        places[Key::of(items[i])].last = i;
     }
     const bool areAllDifferent = places.size() == items.size();
     bool isOther = !areAllDifferent;
     std::vector<STShortCutItem> added; // not yet to `items`, as keys refer to these
-    for (const ShortCutCover* cover : covers) {
+    for (const Set::Entry& entry : covers) {
+        const ShortCutCover* cover = entry.cover;
         const QString shown = cover->getShortCutStr();
-        const auto found = places.find(keyOfCover(*cover));
+        const auto found = places.find(Key::of(*cover));
         if (found != places.end()) {
             found->second.hasCover = true;
         }
@@ -140,7 +173,7 @@ bool ShortCutCovers::takeTexts(const Set& covers, std::vector<STShortCutItem>& i
             continue;
         }
         if (found == places.end()) {
-            places[keyOfCover(*cover)] = {items.size() + added.size(), true};
+            places[Key::of(*cover)] = {items.size() + added.size(), true};
             added.push_back(
                 {cover->getShortCutIndex(), cover->getShortCutPath(), shown.toStdString()});
             continue;
@@ -163,7 +196,7 @@ bool ShortCutCovers::takeTexts(const Set& covers, std::vector<STShortCutItem>& i
     if (!areAllDifferent) {
         std::size_t at = 0;
         const auto isHidden = [&](const STShortCutItem& item) {
-            const Place& place = places[keyOfItem(item)];
+            const Place& place = places[Key::of(item)];
             return at++ != place.last && place.hasCover;
         };
         std::vector<STShortCutItem> kept;
@@ -196,8 +229,8 @@ void ShortCutCovers::showBindings(EnumPeripheralShortCutType kind,
 
 bool ShortCutCovers::isAnyBound(EnumPeripheralShortCutType kind) const
 {
-    const auto isBound = [kind](const ShortCutCover* cover) {
-        return !cover->keyText(kind).isEmpty();
+    const auto isBound = [kind](const Set::Entry& entry) {
+        return !entry.cover->keyText(kind).isEmpty();
     };
     return std::any_of(m_byIndex.begin(), m_byIndex.end(), isBound)
            || std::any_of(m_byPath.begin(), m_byPath.end(), isBound);

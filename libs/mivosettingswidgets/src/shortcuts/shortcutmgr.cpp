@@ -63,16 +63,15 @@ void ShortCutMgr::shortCutInfoSave(const STLinkShortCutInfo& info)
 
 void ShortCutMgr::setAllShortCutStr()
 {
-    m_impl->covers.pushTexts(m_impl->keys.lists());
+    m_impl->pushTexts();
     emit signalClearShortCutState(m_impl->keys.isEmpty());
-    setProgramShortCutInfo();
+    m_impl->takeTexts(KeyTable::Next::save);
     m_impl->save();
 }
 
 void ShortCutMgr::setProgramShortCutInfo()
 {
-    m_impl->keys.edit(
-        [this](STLinkShortCutInfo& lists) { return m_impl->covers.takeTexts(lists); });
+    m_impl->takeTexts(KeyTable::Next::anything);
 }
 
 void ShortCutMgr::setBindShortCutAndCover(const QList<ShortCutCover*>& covers)

@@ -28,6 +28,13 @@ void ShortCutMgr::Impl::save()
     emit m_manager->signalShortCutSave(keys.lists());
 }
 
+void ShortCutMgr::Impl::takeTexts(KeyTable::Next next)
+{
+    if (!covers.isAsPushed(keys.state())) {
+        keys.edit([this](STLinkShortCutInfo& lists) { return covers.takeTexts(lists); }, next);
+    }
+}
+
 void ShortCutMgr::Impl::onSaveShortCutInfoList(bool isSave)
 {
     if (isSave) {

@@ -30,18 +30,7 @@ using mivo::widgets::TipDialog;
 using velorn::mediadispatch::STChosenSoundCard;
 using velorn::mediadispatch::STSoundCardMappingInfo;
 
-namespace {
-
 constexpr int columnsInRow = 3;
-SoundCardColumn* findColumn(const std::vector<SoundCardColumn*>& columns, const std::string& device)
-{
-    const auto found =
-        std::find_if(columns.begin(), columns.end(),
-                     [&](const SoundCardColumn* column) { return column->device == device; });
-    return found == columns.end() ? nullptr : *found;
-}
-
-} // namespace
 
 class VirtualMappingWidget::Impl : public QObject
 {
@@ -55,16 +44,13 @@ public:
     {
         return readIfThere(zrRuntime, site, &IMivoSettings::getSoundCardMappings, sharedSettings);
     }
-    void resetColumns(const STSoundCardMappingsInfo& known);
-    void resetOffers(const STSoundCardMappingsInfo& known);
+    void resetAll(const STSoundCardMappingsInfo& known);
+    void resetOffers(const STSoundCardMappingsInfo& known, bool withColumns = false);
     void deleteColumns(const std::vector<std::string>& devices);
     void placeColumns();
     void showColumn(SoundCardColumn* column, bool visible);
     void translate();
-    SoundCardColumn* columnOf(const std::string& device) const
-    {
-        return findColumn(m_columns, device);
-    }
+    auto* columnOf(const std::string& device) const { return findColumn(m_columns, device); }
     void refresh(const STSoundCardChangeInfo& change);
 
     MivoSettings* sharedSettings;
@@ -75,6 +61,7 @@ public slots:
     void slotDelete();
 
 private:
+    void resetColumns(const STSoundCardMappingsInfo& known);
     SoundCardColumn* makeColumn(const std::string& device);
     void retire(SoundCardColumn* column);
     /// For a widget that is about to disappear: Qt would pass its focus on to the next device's
@@ -95,7 +82,8 @@ private:
     QGridLayout* m_grid;
     std::vector<SoundCardColumn*> m_columns; // this machine first
     std::vector<SoundCardColumn*> m_placed;  // the visible ones, as they stand in the grid
-    QVector<STDeviceSoundCards> m_devices;   // of the last reset
+    STSoundCardMappingsInfo m_known;         // of the last reset
+    bool m_isReset = false; // with its columns, and nothing but these themselves changed since
 };
 
 VirtualMappingWidget::Impl::Impl(VirtualMappingWidget* editor,
@@ -164,6 +152,14 @@ SoundCardColumn* VirtualMappingWidget::Impl::makeColumn(const std::string& devic
     return column;
 }
 
+void VirtualMappingWidget::Impl::resetAll(const STSoundCardMappingsInfo& known)
+{
+    if (!m_isReset || !m_known.mappings.isSharedWith(known.mappings)
+        || !m_known.devices.isSharedWith(known.devices) || !areAsSet(m_columns)) {
+        resetOffers(known, true);
+    }
+}
+
 void VirtualMappingWidget::Impl::resetColumns(const STSoundCardMappingsInfo& known)
 {
     const auto before = std::exchange(m_columns, {});
@@ -227,9 +223,10 @@ void VirtualMappingWidget::Impl::showColumn(SoundCardColumn* column, bool visibl
     }
 }
 
-void VirtualMappingWidget::Impl::resetOffers(const STSoundCardMappingsInfo& known)
+void VirtualMappingWidget::Impl::resetOffers(const STSoundCardMappingsInfo& known, bool withColumns)
 {
-    if (m_columns.empty()) {
+    withColumns |= m_columns.empty();
+    if (withColumns) {
         resetColumns(known);
     }
     bool isOther = false; // what is chosen
@@ -243,7 +240,7 @@ void VirtualMappingWidget::Impl::resetOffers(const STSoundCardMappingsInfo& know
         }
     }
     static const STDeviceSoundCards none;
-    const auto& devices = compareDevices(std::exchange(m_devices, known.devices), known.devices);
+    const auto& devices = compareDevices(std::exchange(m_known, known).devices, known.devices);
     for (SoundCardColumn* column : m_columns) {
         const auto found = devices.find(column->device);
         const auto* device = found == devices.end() ? nullptr : &found->second;
@@ -256,10 +253,12 @@ void VirtualMappingWidget::Impl::resetOffers(const STSoundCardMappingsInfo& know
         }
     }
     placeColumns();
+    m_isReset = withColumns && !isOther; // the columns depend on what is chosen
 }
 
 void VirtualMappingWidget::Impl::placeColumns()
 {
+    m_isReset = false;
     std::vector<SoundCardColumn*> shown;
     std::copy_if(m_columns.begin(), m_columns.end(), std::back_inserter(shown),
                  [](const SoundCardColumn* column) { return !column->isHidden(); });
@@ -311,6 +310,7 @@ void VirtualMappingWidget::Impl::showName()
 
 void VirtualMappingWidget::Impl::refresh(const STSoundCardChangeInfo& change)
 {
+    m_isReset = false;
     if (change.kind == SoundCardChangeName) {
         m_info.name = change.name;
         showName();
@@ -402,8 +402,7 @@ void VirtualMappingWidget::resetSoundCardWidget()
 
 void VirtualMappingWidget::resetSoundCardWidget(const STSoundCardMappingsInfo& known)
 {
-    m_impl->resetColumns(known);
-    m_impl->resetOffers(known);
+    m_impl->resetAll(known);
 }
 
 void VirtualMappingWidget::refreshMappingInfo(const STSoundCardChangeInfo& change)
