@@ -7,6 +7,7 @@
 #include "surface/bindingsheet.h"
 #include "surface/importdialog.h"
 #include "surface/settingstexts.h"
+#include "surface/showfitting.h"
 #include "system/tray.h"
 
 #include "support/hostlanguage.h"
@@ -14,6 +15,7 @@
 
 #include <mivosettingswidgets/settingsdialog.h>
 
+#include <QtGui/QScreen>
 #include <QtWidgets/QDialogButtonBox>
 #include <QtWidgets/QMenuBar>
 #include <QtWidgets/QMessageBox>
@@ -326,6 +328,17 @@ TEST_F(Window, HasEveryTextInTheLanguageThatIsChosen)
     EXPECT_EQ(missing, QStringList());
     EXPECT_EQ(runtime.call([this] { return store->getLanguage(); }), "zh_cn");
     EXPECT_EQ(window.findChild<QLabel*>("playing")->text(), "正在播放：Doors open");
+}
+
+TEST(ShowFitting, KeepsAWindowWithinItsScreen)
+{
+    for (const QPoint& position : {QPoint(0, 0), QPoint(700, -50)}) {
+        QWidget wide;
+        wide.resize(5000, 300);
+        wide.move(position);
+        mivohost::showFitting(wide);
+        EXPECT_TRUE(wide.screen()->availableGeometry().contains(wide.frameGeometry()));
+    }
 }
 
 } // namespace projecttest
