@@ -1,5 +1,7 @@
 #include "system/listener.h"
 
+#include "base/hosttext.h"
+
 #include "support/test.h"
 
 namespace listenertest {
@@ -49,6 +51,10 @@ TEST_F(Ports, AreOpenedAndThoseThatAreTakenAreTriedAgainUntilAnotherRequest)
     EXPECT_TRUE(QTest::qWaitFor([&] { return runtime.call([&] { return reasons.size() > 3; }); }))
         << "a page that comes later is told as well";
     EXPECT_EQ(failed.size(), 2) << "and the operator once";
+    for (const QList<QVariant>& each : failed) {
+        EXPECT_TRUE(each.at(1).toString().endsWith(
+            mivohost::reasonText("The bound address is already in use")));
+    }
     EXPECT_EQ(runtime.call([&] { return store.kept.rows; }), kept) << "it stays requested";
     tcp.close();
     udp.close();

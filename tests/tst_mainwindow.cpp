@@ -7,12 +7,15 @@
 #include "surface/bindingsheet.h"
 #include "surface/importdialog.h"
 #include "surface/settingstexts.h"
+#include "surface/showfitting.h"
 #include "system/tray.h"
 
 #include "support/hostlanguage.h"
 #include "support/projecttest.h"
 
 #include <mivosettingswidgets/settingsdialog.h>
+
+#include <QtGui/QScreen>
 
 namespace projecttest {
 
@@ -320,6 +323,17 @@ TEST_F(Window, HasEveryTextInTheLanguageThatIsChosen)
     EXPECT_EQ(missing, QStringList());
     EXPECT_EQ(runtime.call([this] { return store->getLanguage(); }), "zh_cn");
     EXPECT_EQ(window.findChild<QLabel*>("playing")->text(), "正在播放：Doors open");
+}
+
+TEST(ShowFitting, KeepsAWindowWithinItsScreen)
+{
+    for (const QPoint& position : {QPoint(0, 0), QPoint(700, -50)}) {
+        QWidget wide;
+        wide.resize(5000, 300);
+        wide.move(position);
+        mivohost::showFitting(wide);
+        EXPECT_TRUE(wide.screen()->availableGeometry().contains(wide.frameGeometry()));
+    }
 }
 
 } // namespace projecttest

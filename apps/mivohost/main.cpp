@@ -23,6 +23,7 @@
 #include "surface/settingstexts.h"
 #include "surface/settingsview.h"
 #include "surface/showbar.h"
+#include "surface/showfitting.h"
 #include "system/autostart.h"
 #include "system/console.h"
 #include "system/endrequests.h"
@@ -209,7 +210,7 @@ int runWindow(MainWindow& window, ProjectFile& project, RuntimeThread& runtime,
     QApplication::setQuitOnLastWindowClosed(false);
     QObject::connect(&window, &MainWindow::closed, &QApplication::quit);
     window.showTray();
-    window.show();
+    showFitting(window);
     hostLog()->info("main window open");
     window.settings(); // there from the start: its pages ask about the timed actions
     if (arguments.isSet(QStringLiteral("settings"))) {
@@ -353,11 +354,13 @@ int run(const QCommandLineParser& arguments)
         }
         return std::make_unique<SettingsStore>(std::move(persistence), defaultFolders(data));
     });
-
     int code = finished;
     if (command.isGiven) {
         code = runSettingsCommand(arguments, runtime, *store);
     } else {
+        const QString kept = runtime.call([&store] { return store->getLanguage(); });
+        const QString language = kept.isEmpty() ? systemLanguage() : kept;
+        switchTexts(language); // before what may fail, and tell of it
         ProjectFile project(runtime, *store);
         Peripherals peripherals(runtime, *store);
         GraphicsCards cards(runtime);
@@ -365,8 +368,7 @@ int run(const QCommandLineParser& arguments)
         services.cards = &cards;
         services.outputs = std::make_shared<PhysicsOutputs>();
         MainWindow window(runtime, *store, project, peripherals, services);
-        const QString language = runtime.call([&store] { return store->getLanguage(); });
-        window.switchLanguage(language.isEmpty() ? systemLanguage() : language);
+        window.switchLanguage(language);
         if (damaged) {
             const QString aside = opened.aside.join(QStringLiteral(", "));
             const bool fromCopy = opened.copyTime.isValid();

@@ -7,6 +7,8 @@
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QLocale>
+#include <QtCore/QPointer>
+#include <QtCore/QTranslator>
 
 #include <algorithm>
 #include <iterator>
@@ -30,6 +32,17 @@ QString systemLanguage()
 {
     return QLocale::system().language() == QLocale::Chinese ? QStringLiteral("zh_cn")
                                                             : QStringLiteral("en");
+}
+
+void switchTexts(const QString& language)
+{
+    static QPointer<QTranslator> qtTexts; // and the reasons; goes with the application
+    SettingWdigetTranslateManager::instance().translator().switchLanguage(language);
+    if (!qtTexts) {
+        qtTexts = new QTranslator(QCoreApplication::instance());
+        QCoreApplication::installTranslator(qtTexts);
+    }
+    qtTexts->load(QStringLiteral(":/mivo/languages/mivo_%1.qm").arg(language));
 }
 
 QString hostText(const QString& key)

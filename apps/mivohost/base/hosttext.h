@@ -10,6 +10,10 @@ void loadLanguages();
 /// English, unless the system's is Chinese.
 QString systemLanguage();
 
+/// Puts all texts into this language: the host's, those of Qt's own dialogs, and the reasons why
+/// something failed. What is shown already keeps its texts. GUI thread.
+void switchTexts(const QString& language);
+
 /// The text of the host's own catalogue in the language in force. GUI thread.
 QString hostText(const QString& key);
 inline QString hostText(const char* key)

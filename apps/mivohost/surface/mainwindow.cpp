@@ -145,7 +145,6 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
         });
     });
     attachLogView(m_log);
-    QCoreApplication::installTranslator(&m_qtTexts);
 }
 
 MainWindow::~MainWindow()
@@ -248,8 +247,7 @@ void MainWindow::quit()
 
 void MainWindow::switchLanguage(const QString& language)
 {
-    SettingWdigetTranslateManager::instance().translator().switchLanguage(language);
-    m_qtTexts.load(QStringLiteral(":/mivo/languages/mivo_%1.qm").arg(language));
+    switchTexts(language);
     if (m_settings) {
         m_settings->switchLanguage(language);
     }

@@ -5,7 +5,6 @@
 #include "surface/settingstransfer.h"
 #include "surface/settingsview.h"
 
-#include <QtCore/QTranslator>
 #include <QtWidgets/QMainWindow>
 
 #include <functional>
@@ -130,7 +129,6 @@ private:
     MessagePanel* m_messagePanel;
     QString m_noticeKey;
     QString m_noticeArgument;
-    QTranslator m_qtTexts; // of Qt's own dialogs
     bool m_quitting = false;
     bool m_projectLeft = false; // the user has been asked
     std::unique_ptr<SettingsView> m_settings;

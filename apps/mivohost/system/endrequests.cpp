@@ -34,6 +34,7 @@ EndRequests::EndRequests(const QWidget& window)
     // Else Qt closes the windows that are shown, and so the program, though that may be called off.
     QGuiApplication::setFallbackSessionManagementEnabled(false);
     connect(qGuiApp, &QGuiApplication::commitDataRequest, this, [this, &window] {
+        m_sessionEnds = true;
         explainDelay(window.winId(), hostText("SavingBeforeEnd"));
         emit sessionEnds();
     });

@@ -38,6 +38,8 @@ private:
     void watch();
     void unwatch();
     static void explainDelay(WId window, const QString& reason);
+
+    bool m_sessionEnds = false; // asked for, and not called off
 };
 
 } // namespace mivohost

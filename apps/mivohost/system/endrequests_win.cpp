@@ -4,6 +4,7 @@
 #include "system/windowsmessages.h"
 
 #include <mutex>
+#include <utility>
 
 namespace mivohost {
 
@@ -47,9 +48,11 @@ void EndRequests::watch()
     // It stays: taking it back waits for it, and it does not return when the console closes.
     [[maybe_unused]] static const BOOL registered = SetConsoleCtrlHandler(onControl, TRUE);
     new WindowsMessages(this, [this](const MSG& message) {
-        if (message.message == WM_ENDSESSION && message.wParam == FALSE
-            && ShutdownBlockReasonDestroy(message.hwnd)) {
-            emit sessionGoesOn();
+        if (message.message == WM_ENDSESSION && message.wParam == FALSE) {
+            ShutdownBlockReasonDestroy(message.hwnd);
+            if (std::exchange(m_sessionEnds, false)) { // each window is told
+                emit sessionGoesOn();
+            }
         }
     });
 }

@@ -37,7 +37,14 @@ QString listenAlone(QTcpServer& server, quint16 port)
     }
     const int code = WSAGetLastError();
     closesocket(socket);
-    return qt_error_string(code);
+    switch (code) { // as Qt says it, on both systems
+    case WSAEADDRINUSE:
+        return QStringLiteral("The bound address is already in use");
+    case WSAEACCES:
+        return QStringLiteral("The address is protected");
+    default:
+        return qt_error_string(code);
+    }
 }
 
 } // namespace mivohost

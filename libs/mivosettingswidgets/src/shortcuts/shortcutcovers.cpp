@@ -58,6 +58,7 @@ struct ByPath
 void ShortCutCovers::insert(ShortCutCover* cover)
 {
     (cover->getShortCutType() == ShortCutModuleIndex ? m_byIndex : m_byPath).insert(cover);
+    m_pushed.reset(); // this one shows what it did before
 }
 
 void ShortCutCovers::remove(ShortCutCover* cover)
