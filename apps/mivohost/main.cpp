@@ -234,8 +234,7 @@ int run(const QCommandLineParser& arguments)
                                      "for settings"),
                       false);
     }
-    const bool withWindow =
-        !command.isGiven && !drawing && !ShowSetup::commandCount(arguments) == 0;
+    const bool withWindow = !command.isGiven && !drawing && ShowSetup::commandCount(arguments) == 0;
     const QDir data(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation));
     const QString ownPath = data.filePath(QStringLiteral("settings.sqlite"));
     QString path = ownPath;

@@ -87,16 +87,25 @@ Peripherals::Peripherals(RuntimeThread& runtime, SettingsStore& store, const Kep
 
 Peripherals::~Peripherals()
 {
-    m_runtime.call([this, isDue = m_retry.isActive()] { // also waits for one that was posted
-        if (isDue) {
-            keepBindings();
-        }
-    });
+    if (m_retry.isActive()) {
+        flush([this] { keepBindings(); });
+    } else {
+        flush([] {}); // it may be at it
+    }
 }
 
 Peripherals::Flush::~Flush()
 {
-    runtime.call([] {});
+    owner.flush([] {});
+}
+
+/// Has `last` done behind what was posted, unless the runtime has stopped, and waits for that.
+template <typename Work>
+void Peripherals::flush(Work last)
+{
+    if (m_runtime.canInvoke(__FILE__, __LINE__, "Peripherals")) {
+        m_runtime.call(last);
+    }
 }
 
 void Peripherals::keepBindings()

@@ -57,7 +57,7 @@ private:
     /// Waits for what was posted, after the services, which still may post, have gone.
     struct Flush
     {
-        RuntimeThread& runtime;
+        Peripherals& owner;
         ~Flush();
     };
 
@@ -69,12 +69,14 @@ private:
                  void (Peripherals::*onFailure)());
     void retryLater() { m_retry.start(); }
     void keepBindings(); // runtime thread
+    template <typename Work>
+    void flush(Work last);
 
     RuntimeThread& m_runtime;
     SettingsStore& m_store;
     QString m_listenAddress;
     QTimer m_retry; // runs while the store lacks bindings
-    Flush m_flush{m_runtime};
+    Flush m_flush{*this};
     InputTap m_tap;
     MidiService m_midi;
     OscService m_osc;
