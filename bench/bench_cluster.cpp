@@ -306,13 +306,7 @@ void startWithKeys(benchmark::State& state)
     }
 }
 
-BENCHMARK(floor)
-    ->Name("cluster/floor")
-    ->Arg(1)
-    ->Arg(10)
-    ->Arg(100)
-    ->UseManualTime()
-    ->Iterations(20);
+BENCHMARK(floor)->Name("cluster/floor")->Arg(1)->Arg(10)->Arg(100)->UseManualTime()->Iterations(20);
 BENCHMARK(ours)->Name("cluster/ours")->Arg(1)->Arg(10)->Arg(100)->UseManualTime()->Iterations(20);
 BENCHMARK(startWithKeys)
     ->Name("cluster/start")

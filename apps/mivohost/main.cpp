@@ -49,7 +49,6 @@
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QMessageBox>
 
-#include <algorithm>
 #include <cstdio>
 #include <map>
 #include <memory>
@@ -61,33 +60,6 @@ using namespace mivohost;
 namespace {
 
 constexpr const char* listSoundCardsOption = "--list-sound-cards"; // the first one, or not at all
-
-QtMessageHandler defaultHandler = nullptr;
-
-/// Prints Qt's messages but those on what a screen without a window manager cannot do: they come
-/// for each window, and nobody can do anything about it.
-void printQtMessage(QtMsgType type, const QMessageLogContext& context, const QString& text)
-{
-    if (!text.startsWith(QLatin1String("This plugin does not support "))) {
-        defaultHandler(type, context, text);
-    }
-}
-
-#ifdef Q_OS_LINUX
-/// Whether the command line asks for something that opens no window.
-bool isWindowless(int argc, char** argv)
-{
-    const auto is = [](const QByteArray& argument) {
-        static const QByteArrayList options = {"h",        "help",           "help-all", "v",
-                                               "version",  "print-settings", "export",   "import",
-                                               "pictures", "adopt",          "forget"};
-        const int dashes = argument.startsWith("--") ? 2 : 1;
-        return argument.startsWith('-')
-               && options.contains(argument.mid(dashes).split('=').first());
-    };
-    return std::any_of(argv + 1, argv + argc, is);
-}
-#endif
 
 /// Says on the standard error, and to a person at a screen, why the program does not start.
 ExitCode refuse(ExitCode code, const QString& message, bool withWindow)
@@ -417,12 +389,8 @@ int main(int argc, char** argv)
         const QCoreApplication application(argc, argv);
         return listSoundCards();
     }
-    defaultHandler = qInstallMessageHandler(printQtMessage);
-#ifdef Q_OS_LINUX
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM") && isWindowless(argc, argv)) {
-        qputenv("QT_QPA_PLATFORM", "offscreen"); // needs no display
-    }
-#endif
+    dropIdleMessages();
+    useNoDisplayForCommands(argc, argv);
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QApplication application(argc, argv);

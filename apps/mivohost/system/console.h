@@ -17,6 +17,13 @@ void useConsole();
 inline void useConsole() {}
 #endif
 
+/// From now on Qt's messages on what a screen without a window manager cannot do are not printed:
+/// they come for each window, and nobody can do anything about it.
+void dropIdleMessages();
+
+/// On Linux, lets a command that opens no window do without a display. Before the QApplication.
+void useNoDisplayForCommands(int argc, char** argv);
+
 /// Parses the program's command line. Help, version and what is wrong are printed, and the program
 /// ends with the code that is returned. In place of QCommandLineParser::process(), which on Windows
 /// shows them in a box, and waits, where output goes into a file.
