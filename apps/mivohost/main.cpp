@@ -325,6 +325,7 @@ int run(const QCommandLineParser& arguments)
         }
         return std::make_unique<SettingsStore>(std::move(persistence), defaultFolders(data));
     });
+
     int code = finished;
     if (command.isGiven) {
         code = runSettingsCommand(arguments, runtime, *store);

@@ -42,7 +42,10 @@ void switchTexts(const QString& language)
         qtTexts = new QTranslator(QCoreApplication::instance());
         QCoreApplication::installTranslator(qtTexts);
     }
-    qtTexts->load(QStringLiteral(":/mivo/languages/mivo_%1.qm").arg(language));
+    const QString file = QStringLiteral(":/mivo/languages/mivo_%1.qm").arg(language);
+    if (qtTexts->filePath() != file) { // else all widgets would be told of another language
+        qtTexts->load(file);
+    }
 }
 
 QString hostText(const QString& key)
