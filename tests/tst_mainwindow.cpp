@@ -6,8 +6,8 @@
 #include "surface/actiontools.h"
 #include "surface/bindingsheet.h"
 #include "surface/importdialog.h"
+#include "surface/screenfit.h"
 #include "surface/settingstexts.h"
-#include "surface/showfitting.h"
 #include "system/tray.h"
 
 #include "support/hostlanguage.h"
@@ -325,15 +325,31 @@ TEST_F(Window, HasEveryTextInTheLanguageThatIsChosen)
     EXPECT_EQ(window.findChild<QLabel*>("playing")->text(), "正在播放：Doors open");
 }
 
-TEST(ShowFitting, KeepsAWindowWithinItsScreen)
+TEST(ScreenFit, BringsWindowsOntoTheirScreen)
 {
+    const mivohost::ScreenFit screenFit;
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    const auto shown = [&screen](QWidget& window, QPoint position) {
+        window.move(position);
+        window.show();
+        QApplication::processEvents();
+        window.hide();
+        return screen.contains(window.frameGeometry());
+    };
+    QWidget wide;
+    QDialog fixed;
+    wide.resize(5000, 300);
+    fixed.setFixedSize(300, 5000);
     for (const QPoint& position : {QPoint(0, 0), QPoint(700, -50)}) {
-        QWidget wide;
-        wide.resize(5000, 300);
-        wide.move(position);
-        mivohost::showFitting(wide);
-        EXPECT_TRUE(wide.screen()->availableGeometry().contains(wide.frameGeometry()));
+        EXPECT_TRUE(shown(wide, position));
+        EXPECT_TRUE(shown(fixed, position));
+        EXPECT_EQ(fixed.minimumSize(), fixed.maximumSize());
     }
+    QDialog small;
+    small.setFixedSize(200, 100);
+    EXPECT_TRUE(shown(small, {50, 60}));
+    EXPECT_EQ(small.pos(), QPoint(50, 60));
+    EXPECT_EQ(small.size(), QSize(200, 100));
 }
 
 } // namespace projecttest

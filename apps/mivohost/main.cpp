@@ -19,11 +19,11 @@
 #include "surface/askforcopy.h"
 #include "surface/mainwindow.h"
 #include "surface/pictures.h"
+#include "surface/screenfit.h"
 #include "surface/settingscommand.h"
 #include "surface/settingstexts.h"
 #include "surface/settingsview.h"
 #include "surface/showbar.h"
-#include "surface/showfitting.h"
 #include "system/autostart.h"
 #include "system/console.h"
 #include "system/endrequests.h"
@@ -182,7 +182,8 @@ int runWindow(MainWindow& window, ProjectFile& project, RuntimeThread& runtime,
     QApplication::setQuitOnLastWindowClosed(false);
     QObject::connect(&window, &MainWindow::closed, &QApplication::quit);
     window.showTray();
-    showFitting(window);
+    const ScreenFit screenFit;
+    window.show();
     hostLog()->info("main window open");
     window.settings(); // there from the start: its pages ask about the timed actions
     if (arguments.isSet(QStringLiteral("settings"))) {
