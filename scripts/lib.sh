@@ -19,6 +19,7 @@ packages_installer="nsis unzip zip"
 packages_abi="abigail-tools"
 packages_check="clang clang-format clang-tidy git libbenchmark-dev python3"
 packages_docs="doxygen python3"
+packages_fresh="git debootstrap xvfb xdotool util-linux"
 
 fail() {
     echo "$(basename "$0"): $1" >&2
