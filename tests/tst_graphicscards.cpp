@@ -39,21 +39,62 @@ TEST(GraphicsCards, AreReadBesideTheRuntimeThreadAndAnnouncedOnIt)
     LogCapture log;
     TestRuntime runtime;
     std::promise<void> slow;
-    GraphicsCards cards(runtime, [&slow] {
+    GraphicsCards cards(runtime, [&slow](const auto&) {
         slow.get_future().wait();
         return GraphicsCardList{{"First", "Second"}, "First"};
     });
     std::thread::id announcedOn;
     cards.graphicsCardsChanged.connect([&] { announcedOn = std::this_thread::get_id(); });
+    cards.wait(); // for nothing: they are not read yet
+    cards.start();
     EXPECT_TRUE(runtime.call([&] { return cards.graphicsCards(); }).empty());
     slow.set_value();
     cards.wait();
     EXPECT_EQ(announcedOn, runtime.thread());
     EXPECT_EQ(cards.graphicsCards(), (Names{"First", "Second"}));
     EXPECT_EQ(cards.graphicsCardInUse(), "First");
-    GraphicsCards(runtime, [] { return GraphicsCardList(); }).wait();
+    GraphicsCards none(runtime, [](const auto&) { return GraphicsCardList(); });
+    none.start();
+    none.wait();
     EXPECT_EQ(log.lines(),
               (Names{"info|graphics cards: First, Second", "warning|no graphics card found"}));
+}
+
+TEST(GraphicsCards, AreListedByAProcessThatMayFailOrHang)
+{
+    const std::atomic<bool> isWanted{true};
+    const QTemporaryDir folder;
+    const auto listed = [&](const QByteArray& line, int longest) {
+        writeFile(folder.filePath("lines"), line + '\n');
+        return listedGraphicsCards(QCoreApplication::applicationFilePath(),
+                                   {"--as-lister", folder.filePath("lines")}, isWanted, longest);
+    };
+    const auto good = listed(R"({"inUse":"声卡 2","names":["Card","声卡 2"]})", 30000);
+    EXPECT_EQ(good.names, (Names{"Card", "声卡 2"}));
+    EXPECT_EQ(good.inUse, "声卡 2");
+    for (const char* line : {"fail", "noise", "hang"}) {
+        EXPECT_EQ(listed(line, 1000).names, systemGraphicsCards().names) << line;
+    }
+    EXPECT_EQ(listedGraphicsCards(folder.filePath("none"), {}, isWanted).names,
+              systemGraphicsCards().names);
+}
+
+TEST(GraphicsCards, AreNotWaitedForAtTheEnd)
+{
+    TestRuntime runtime;
+    const QTemporaryDir folder;
+    writeFile(folder.filePath("lines"), "hang\n");
+    QElapsedTimer time;
+    {
+        GraphicsCards cards(runtime, [&folder](const auto& isWanted) {
+            return listedGraphicsCards(QCoreApplication::applicationFilePath(),
+                                       {"--as-lister", folder.filePath("lines")}, isWanted);
+        });
+        cards.graphicsCardsChanged.connect([] { ADD_FAILURE(); });
+        cards.start();
+        time.start();
+    }
+    EXPECT_LT(time.elapsed(), 15000); // a lister is given up after twenty seconds
 }
 
 } // namespace graphicscardstest

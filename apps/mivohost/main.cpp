@@ -49,6 +49,7 @@
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QMessageBox>
 
+#include <atomic>
 #include <cstdio>
 #include <map>
 #include <memory>
@@ -59,7 +60,9 @@ using namespace mivohost;
 
 namespace {
 
-constexpr const char* listSoundCardsOption = "--list-sound-cards"; // the first one, or not at all
+// The first one, or not at all.
+constexpr const char* listSoundCardsOption = "--list-sound-cards";
+constexpr const char* listGraphicsCardsOption = "--list-graphics-cards";
 
 /// Says on the standard error, and to a person at a screen, why the program does not start.
 ExitCode refuse(ExitCode code, const QString& message, bool withWindow)
@@ -336,7 +339,10 @@ int run(const QCommandLineParser& arguments)
         switchTexts(language); // before what may fail, and tell of it
         ProjectFile project(runtime, *store);
         Peripherals peripherals(runtime, *store);
-        GraphicsCards cards(runtime);
+        GraphicsCards cards(runtime, [](const std::atomic<bool>& isWanted) {
+            return listedGraphicsCards(QCoreApplication::applicationFilePath(),
+                                       {QString::fromLatin1(listGraphicsCardsOption)}, isWanted);
+        });
         SettingsServices services;
         services.cards = &cards;
         services.outputs = std::make_shared<PhysicsOutputs>();
@@ -366,6 +372,7 @@ int run(const QCommandLineParser& arguments)
         }
         project.start();
         if (drawing) {
+            cards.start();
             cards.wait();
             const QString folder = arguments.value(QStringLiteral("pictures"));
             if (!drawPictures(window, peripherals.tap(), folder)) {
@@ -373,6 +380,8 @@ int run(const QCommandLineParser& arguments)
                     refuse(notWritten, QStringLiteral("cannot write pictures to ") + folder, false);
             }
         } else {
+            // As the sound cards, behind the first frame.
+            QTimer::singleShot(0, &window, [&cards] { cards.start(); });
             code = runWindow(window, project, runtime, *store, peripherals,
                              synchroniser ? &*synchroniser : nullptr, damaged, arguments,
                              *simulatedDevices);
@@ -391,6 +400,9 @@ int main(int argc, char** argv)
         const QCoreApplication application(argc, argv);
         return listSoundCards();
     }
+    if (argc > 1 && qstrcmp(argv[1], listGraphicsCardsOption) == 0) {
+        return listGraphicsCards();
+    }
     dropIdleMessages();
     useNoDisplayForCommands(argc, argv);
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
@@ -401,36 +413,7 @@ int main(int argc, char** argv)
     QApplication::setApplicationVersion(QStringLiteral(MIVO_VERSION));
 
     QCommandLineParser arguments;
-    arguments.setApplicationDescription(
-        QStringLiteral("Reference host of the settings library mivosettingswidgets.\n"
-                       "Exit codes: 0 done; 1 a wrong option; 2 the settings are in use, as by the "
-                       "running program; 3 they cannot be opened or kept; 4 a file cannot be "
-                       "written; 5 a file cannot be read or is no settings file; 6 something in it "
-                       "was not taken."));
-    arguments.addOptions({
-        {QStringLiteral("settings"), QStringLiteral("Open the settings dialog at once.")},
-        {QStringLiteral("pictures"),
-         QStringLiteral("Draw every page with its defaults in every language into PNG files, then "
-                        "end."),
-         QStringLiteral("folder")},
-        {QStringLiteral("look"),
-         QStringLiteral("Be dark or light; system follows the desktop, and pictures are dark."),
-         QStringLiteral("dark|light|system"), QStringLiteral("system")},
-        {QStringLiteral("store"),
-         QStringLiteral("Use this settings file, or share the settings of a show with other "
-                        "machines: etcd://HOST[:PORT][,HOST[:PORT]...]/SHOW, encrypted with "
-                        "etcds://. Leave the start at log-on as it is."),
-         QStringLiteral("file")},
-        {QStringLiteral("start-delay"),
-         QStringLiteral("Wait so long before anything is opened, 0 to 300."),
-         QStringLiteral("seconds")},
-        {QStringLiteral("simulate-devices"),
-         QStringLiteral("Play a cluster of so many devices that come and go, 1 to %1.")
-             .arg(ClusterSimulator::mostDevices),
-         QStringLiteral("number")},
-        {QStringLiteral("allow-power-actions"),
-         QStringLiteral("Let timed actions really shut down or restart the machine.")},
-    });
+    addProgramOptions(arguments);
     addSettingsOptions(arguments);
     ShowSetup::addOptions(arguments);
     if (const auto code = parseCommandLine(arguments)) {

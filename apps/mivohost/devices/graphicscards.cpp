@@ -3,13 +3,19 @@
 #include "base/hostlog.h"
 #include "mivohostkit/runtimethread.h"
 
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
 #include <QtCore/QLibrary>
+#include <QtCore/QProcess>
 
 #include <fmt/ranges.h>
 #define VK_NO_PROTOTYPES
 #include <vulkan/vulkan.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdio>
 #include <utility>
 
 namespace mivohost {
@@ -44,6 +50,9 @@ private:
 #endif
     PFN_vkGetInstanceProcAddr m_find = nullptr;
 };
+
+const QString namesKey = QStringLiteral("names");
+const QString inUseKey = QStringLiteral("inUse");
 
 } // namespace
 
@@ -97,31 +106,85 @@ GraphicsCardList vulkanGraphicsCards()
     return list;
 }
 
-GraphicsCardList machineGraphicsCards()
+int listGraphicsCards()
 {
     auto list = vulkanGraphicsCards();
-    return list.names.empty() ? systemGraphicsCards() : list;
+    if (list.names.empty()) {
+        list = systemGraphicsCards();
+    }
+    QJsonArray names;
+    for (const std::string& name : list.names) {
+        names.append(QString::fromStdString(name));
+    }
+    const QJsonObject cards{{namesKey, names}, {inUseKey, QString::fromStdString(list.inUse)}};
+    const QByteArray line = QJsonDocument(cards).toJson(QJsonDocument::Compact) + '\n';
+    const auto size = static_cast<std::size_t>(line.size());
+    return std::fwrite(line.constData(), 1, size, stdout) == size && std::fflush(stdout) == 0 ? 0
+                                                                                              : 1;
+}
+
+GraphicsCardList listedGraphicsCards(const QString& program, const QStringList& arguments,
+                                     const std::atomic<bool>& isWanted, int longest)
+{
+    constexpr int look = 100; // milliseconds
+    QProcess process;
+    process.setStandardInputFile(QProcess::nullDevice());
+    process.setStandardErrorFile(QProcess::nullDevice()); // drivers are talkative
+    process.start(program, arguments, QIODevice::ReadOnly);
+    for (int waited = 0; isWanted && waited < longest && !process.waitForFinished(look);
+         waited += look) {
+        if (process.state() == QProcess::NotRunning) {
+            break; // it could not be started
+        }
+    }
+    if (process.state() != QProcess::NotRunning) {
+        process.kill();
+        process.waitForFinished(look);
+    }
+    if (!isWanted) {
+        return {};
+    }
+    const QJsonObject cards = QJsonDocument::fromJson(process.readAllStandardOutput()).object();
+    GraphicsCardList list;
+    for (const auto& name : cards.value(namesKey).toArray()) {
+        list.names.push_back(name.toString().toStdString());
+    }
+    if (list.names.empty()) {
+        hostLog()->warn("no list of graphics cards: {}", process.errorString().toStdString());
+        return systemGraphicsCards();
+    }
+    list.inUse = cards.value(inUseKey).toString().toStdString();
+    return list;
 }
 
 GraphicsCards::GraphicsCards(RuntimeThread& runtime, Reader read)
-    : m_runtime(runtime), m_reading([this, read = std::move(read)] {
-          GraphicsCardList list = read();
-          const auto logger = hostLog();
-          if (list.names.empty()) {
-              logger->warn("no graphics card found");
-              return;
-          }
-          logger->info("graphics cards: {}", fmt::join(list.names, ", "));
-          m_runtime.call([this, &list] {
-              m_list = std::move(list);
-              graphicsCardsChanged();
-          });
-      })
+    : m_runtime(runtime), m_read(std::move(read))
 {}
 
 GraphicsCards::~GraphicsCards()
 {
+    m_isWanted = false;
     wait();
+}
+
+void GraphicsCards::start()
+{
+    m_reading = std::thread([this] {
+        GraphicsCardList list = m_read(m_isWanted);
+        if (!m_isWanted) {
+            return;
+        }
+        const auto logger = hostLog();
+        if (list.names.empty()) {
+            logger->warn("no graphics card found");
+            return;
+        }
+        logger->info("graphics cards: {}", fmt::join(list.names, ", "));
+        m_runtime.call([this, &list] {
+            m_list = std::move(list);
+            graphicsCardsChanged();
+        });
+    });
 }
 
 void GraphicsCards::wait()

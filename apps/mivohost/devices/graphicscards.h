@@ -3,7 +3,9 @@
 #include "mivohostapi/imediaoutput.h"
 
 #include <QtCore/QString>
+#include <QtCore/QStringList>
 
+#include <atomic>
 #include <functional>
 #include <string>
 #include <thread>
@@ -35,8 +37,17 @@ GraphicsCardList kernelGraphicsCards(const QString& folder);
 /// The cards that the system lists: on Linux the kernel's. Any thread.
 GraphicsCardList systemGraphicsCards();
 
-/// The cards that Vulkan lists, or those of the system where Vulkan lists none. Any thread.
-GraphicsCardList machineGraphicsCards();
+/// Runs in a process of its own: writes the cards that Vulkan lists, or else those of the system,
+/// to the standard output as a line of JSON. Returns the exit code.
+///
+/// In a process of its own, because drivers take much memory, crash, or never return.
+int listGraphicsCards();
+
+/// What such a process lists, or the system where that fails, lists nothing or takes longer than
+/// `longest` milliseconds. Nothing once `isWanted` is no longer set. Any thread; waits for the
+/// process.
+GraphicsCardList listedGraphicsCards(const QString& program, const QStringList& arguments,
+                                     const std::atomic<bool>& isWanted, int longest = 20000);
 
 /// The machine's cards, read once on a thread of its own; the list is empty until that is done.
 ///
@@ -44,21 +55,25 @@ GraphicsCardList machineGraphicsCards();
 class GraphicsCards : public mivo::mediaoutput::IRenderFacade
 {
 public:
-    using Reader = std::function<GraphicsCardList()>;
+    using Reader = std::function<GraphicsCardList(const std::atomic<bool>& isWanted)>;
 
     /// `runtime` must outlive it.
-    explicit GraphicsCards(RuntimeThread& runtime, Reader read = machineGraphicsCards);
+    GraphicsCards(RuntimeThread& runtime, Reader read);
     ~GraphicsCards() override;
 
     std::vector<std::string> graphicsCards() const override { return m_list.names; }
     std::string graphicsCardInUse() const override { return m_list.inUse; }
 
-    /// Returns when the cards have been read and announced. On the thread that made it.
+    /// Starts to read, once. On the thread that made it, as wait().
+    void start();
+    /// Returns when the cards have been read and announced, or at once where they are not read.
     void wait();
 
 private:
     RuntimeThread& m_runtime;
+    Reader m_read;
     GraphicsCardList m_list; // runtime thread
+    std::atomic<bool> m_isWanted{true};
     std::thread m_reading;
 };
 

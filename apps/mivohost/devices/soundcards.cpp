@@ -72,7 +72,7 @@ SoundCards::SoundCards(Lister lister) : m_lister(std::move(lister))
     });
     connect(&m_timer, &QTimer::timeout, this,
             [this] { m_process.state() == QProcess::NotRunning ? start() : m_process.kill(); });
-    start();
+    m_timer.start(0); // behind the first frame, with which it would share the processor
 }
 
 SoundCards::~SoundCards()

@@ -1,6 +1,7 @@
 #include "system/console.h"
 
 #include "base/exitcode.h"
+#include "devices/clustersimulator.h"
 
 #include <QtCore/QByteArrayList>
 #include <QtCore/QCommandLineParser>
@@ -46,6 +47,40 @@ void useNoDisplayForCommands([[maybe_unused]] int argc, [[maybe_unused]] char** 
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
 #endif
+}
+
+void addProgramOptions(QCommandLineParser& arguments)
+{
+    arguments.setApplicationDescription(
+        QStringLiteral("Reference host of the settings library mivosettingswidgets.\n"
+                       "Exit codes: 0 done; 1 a wrong option; 2 the settings are in use, as by the "
+                       "running program; 3 they cannot be opened or kept; 4 a file cannot be "
+                       "written; 5 a file cannot be read or is no settings file; 6 something in it "
+                       "was not taken."));
+    arguments.addOptions({
+        {QStringLiteral("settings"), QStringLiteral("Open the settings dialog at once.")},
+        {QStringLiteral("pictures"),
+         QStringLiteral("Draw every page with its defaults in every language into PNG files, then "
+                        "end."),
+         QStringLiteral("folder")},
+        {QStringLiteral("look"),
+         QStringLiteral("Be dark or light; system follows the desktop, and pictures are dark."),
+         QStringLiteral("dark|light|system"), QStringLiteral("system")},
+        {QStringLiteral("store"),
+         QStringLiteral("Use this settings file, or share the settings of a show with other "
+                        "machines: etcd://HOST[:PORT][,HOST[:PORT]...]/SHOW, encrypted with "
+                        "etcds://. Leave the start at log-on as it is."),
+         QStringLiteral("file")},
+        {QStringLiteral("start-delay"),
+         QStringLiteral("Wait so long before anything is opened, 0 to 300."),
+         QStringLiteral("seconds")},
+        {QStringLiteral("simulate-devices"),
+         QStringLiteral("Play a cluster of so many devices that come and go, 1 to %1.")
+             .arg(ClusterSimulator::mostDevices),
+         QStringLiteral("number")},
+        {QStringLiteral("allow-power-actions"),
+         QStringLiteral("Let timed actions really shut down or restart the machine.")},
+    });
 }
 
 std::optional<int> parseCommandLine(QCommandLineParser& arguments)

@@ -24,6 +24,9 @@ void dropIdleMessages();
 /// On Linux, lets a command that opens no window do without a display. Before the QApplication.
 void useNoDisplayForCommands(int argc, char** argv);
 
+/// What the program is, and its options that no other file adds.
+void addProgramOptions(QCommandLineParser& arguments);
+
 /// Parses the program's command line. Help, version and what is wrong are printed, and the program
 /// ends with the code that is returned. In place of QCommandLineParser::process(), which on Windows
 /// shows them in a box, and waits, where output goes into a file.
