@@ -21,11 +21,11 @@ void loadLanguages()
     for (const QString& file : mivo::style::languageFiles()) {
         translator.load(file);
     }
-    translator.switchLanguage(systemLanguage());
     translator.setMissingTextHandler(
         [](const QString& /*catalogue*/, const QString& /*context*/, const QString& key) {
             hostLog()->warn("no text for {}", key.toStdString());
         });
+    switchTexts(systemLanguage());
 }
 
 QString systemLanguage()

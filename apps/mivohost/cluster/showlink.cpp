@@ -108,7 +108,7 @@ void ShowLink::readPage(const QByteArray& from, qint64 revision, int before)
         if (answer.status != Status::ok) {
             fail(answer.error);
         } else if (count > mostKeys || (answer.hasMore && answer.values.empty())) {
-            fail(QStringLiteral("more keys than a show has"));
+            fail(QStringLiteral("more settings than a show may have"));
         } else {
             const qint64 first = revision == 0 ? answer.revision : revision;
             emit pageRead({answer.values, revision == 0, !answer.hasMore});

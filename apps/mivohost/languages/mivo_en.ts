@@ -1782,7 +1782,7 @@ Open them now?</translation>
     <message>
         <source>LockedByControl</source>
         <comment>MainWindow</comment>
-        <translation>The screen was locked by a key or a controller. Only its button unlocks it.</translation>
+        <translation>The screen is locked. Only the button “Lock” in this window unlocks it.</translation>
     </message>
     <message>
         <source>LockedHint</source>
@@ -2440,6 +2440,51 @@ Open them now?</translation>
         <translation>a report of the watch has no end</translation>
     </message>
     <message>
+        <source>database or disk is full</source>
+        <comment>Reason</comment>
+        <translation>the disk is full</translation>
+    </message>
+    <message>
+        <source>attempt to write a readonly database</source>
+        <comment>Reason</comment>
+        <translation>the settings file is read-only</translation>
+    </message>
+    <message>
+        <source>disk I/O error</source>
+        <comment>Reason</comment>
+        <translation>the disk cannot be read or written</translation>
+    </message>
+    <message>
+        <source>unable to open database file</source>
+        <comment>Reason</comment>
+        <translation>the settings file cannot be opened</translation>
+    </message>
+    <message>
+        <source>database is locked</source>
+        <comment>Reason</comment>
+        <translation>the settings file is in use</translation>
+    </message>
+    <message>
+        <source>Permission denied</source>
+        <comment>Reason</comment>
+        <translation>no permission</translation>
+    </message>
+    <message>
+        <source>Too many open files</source>
+        <comment>Reason</comment>
+        <translation>too many files are open</translation>
+    </message>
+    <message>
+        <source>No such file or directory</source>
+        <comment>Reason</comment>
+        <translation>there is no such file or folder</translation>
+    </message>
+    <message>
+        <source>No space left on device</source>
+        <comment>Reason</comment>
+        <translation>the disk is full</translation>
+    </message>
+    <message>
         <source>the machine has slept</source>
         <comment>Reason</comment>
         <translation>the machine has slept</translation>
@@ -2450,9 +2495,9 @@ Open them now?</translation>
         <translation>everything is read again</translation>
     </message>
     <message>
-        <source>more keys than a show has</source>
+        <source>more settings than a show may have</source>
         <comment>Reason</comment>
-        <translation>more keys than a show has</translation>
+        <translation>more settings than a show may have</translation>
     </message>
     <message>
         <source>the answer is not one of etcd</source>

@@ -1677,7 +1677,7 @@
     <message>
         <source>FindByPressing</source>
         <comment>MainWindow</comment>
-        <translation>按触发方式查找</translation>
+        <translation>按下按键或控制器来查找</translation>
     </message>
     <message>
         <source>FindHint</source>
@@ -1782,7 +1782,7 @@
     <message>
         <source>LockedByControl</source>
         <comment>MainWindow</comment>
-        <translation>屏幕已被按键或控制器锁定，只能用其按钮解锁。</translation>
+        <translation>屏幕已锁定，只能用本窗口中的“锁定”按钮解锁。</translation>
     </message>
     <message>
         <source>LockedHint</source>
@@ -2440,6 +2440,51 @@
         <translation>监视报告过长</translation>
     </message>
     <message>
+        <source>database or disk is full</source>
+        <comment>Reason</comment>
+        <translation>磁盘空间不足</translation>
+    </message>
+    <message>
+        <source>attempt to write a readonly database</source>
+        <comment>Reason</comment>
+        <translation>设置文件为只读</translation>
+    </message>
+    <message>
+        <source>disk I/O error</source>
+        <comment>Reason</comment>
+        <translation>磁盘读写错误</translation>
+    </message>
+    <message>
+        <source>unable to open database file</source>
+        <comment>Reason</comment>
+        <translation>无法打开设置文件</translation>
+    </message>
+    <message>
+        <source>database is locked</source>
+        <comment>Reason</comment>
+        <translation>设置文件正被占用</translation>
+    </message>
+    <message>
+        <source>Permission denied</source>
+        <comment>Reason</comment>
+        <translation>没有权限</translation>
+    </message>
+    <message>
+        <source>Too many open files</source>
+        <comment>Reason</comment>
+        <translation>打开的文件过多</translation>
+    </message>
+    <message>
+        <source>No such file or directory</source>
+        <comment>Reason</comment>
+        <translation>没有此文件或文件夹</translation>
+    </message>
+    <message>
+        <source>No space left on device</source>
+        <comment>Reason</comment>
+        <translation>磁盘空间不足</translation>
+    </message>
+    <message>
         <source>the machine has slept</source>
         <comment>Reason</comment>
         <translation>本机曾进入睡眠</translation>
@@ -2450,9 +2495,9 @@
         <translation>正在重新读取全部设置</translation>
     </message>
     <message>
-        <source>more keys than a show has</source>
+        <source>more settings than a show may have</source>
         <comment>Reason</comment>
-        <translation>键的数量超过一场演出所能有的</translation>
+        <translation>设置数量超过一场演出的上限</translation>
     </message>
     <message>
         <source>the answer is not one of etcd</source>
@@ -2573,6 +2618,21 @@
         <source>written by a later version</source>
         <comment>Reason</comment>
         <translation>由更高版本写入</translation>
+    </message>
+</context>
+<context>
+    <name>QAbstractSpinBox</name>
+    <message>
+        <source>&amp;Select All</source>
+        <translation>全选(&amp;S)</translation>
+    </message>
+    <message>
+        <source>&amp;Step up</source>
+        <translation>增大(&amp;U)</translation>
+    </message>
+    <message>
+        <source>Step &amp;down</source>
+        <translation>减小(&amp;D)</translation>
     </message>
 </context>
 <context>
@@ -2851,6 +2911,37 @@ Do you want to delete it anyway?</source>
     </message>
 </context>
 <context>
+    <name>QLineEdit</name>
+    <message>
+        <source>&amp;Undo</source>
+        <translation>撤销(&amp;U)</translation>
+    </message>
+    <message>
+        <source>&amp;Redo</source>
+        <translation>重做(&amp;R)</translation>
+    </message>
+    <message>
+        <source>Cu&amp;t</source>
+        <translation>剪切(&amp;T)</translation>
+    </message>
+    <message>
+        <source>&amp;Copy</source>
+        <translation>复制(&amp;C)</translation>
+    </message>
+    <message>
+        <source>&amp;Paste</source>
+        <translation>粘贴(&amp;P)</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>删除</translation>
+    </message>
+    <message>
+        <source>Select All</source>
+        <translation>全选</translation>
+    </message>
+</context>
+<context>
     <name>QPlatformTheme</name>
     <message>
         <source>OK</source>
@@ -2875,6 +2966,92 @@ Do you want to delete it anyway?</source>
     <message>
         <source>&amp;No</source>
         <translation>否(&amp;N)</translation>
+    </message>
+</context>
+<context>
+    <name>QScrollBar</name>
+    <message>
+        <source>Scroll here</source>
+        <translation>滚动到此处</translation>
+    </message>
+    <message>
+        <source>Left edge</source>
+        <translation>左边缘</translation>
+    </message>
+    <message>
+        <source>Top</source>
+        <translation>顶部</translation>
+    </message>
+    <message>
+        <source>Right edge</source>
+        <translation>右边缘</translation>
+    </message>
+    <message>
+        <source>Bottom</source>
+        <translation>底部</translation>
+    </message>
+    <message>
+        <source>Page left</source>
+        <translation>向左翻页</translation>
+    </message>
+    <message>
+        <source>Page up</source>
+        <translation>向上翻页</translation>
+    </message>
+    <message>
+        <source>Page right</source>
+        <translation>向右翻页</translation>
+    </message>
+    <message>
+        <source>Page down</source>
+        <translation>向下翻页</translation>
+    </message>
+    <message>
+        <source>Scroll left</source>
+        <translation>向左滚动</translation>
+    </message>
+    <message>
+        <source>Scroll up</source>
+        <translation>向上滚动</translation>
+    </message>
+    <message>
+        <source>Scroll right</source>
+        <translation>向右滚动</translation>
+    </message>
+    <message>
+        <source>Scroll down</source>
+        <translation>向下滚动</translation>
+    </message>
+</context>
+<context>
+    <name>QWidgetTextControl</name>
+    <message>
+        <source>&amp;Undo</source>
+        <translation>撤销(&amp;U)</translation>
+    </message>
+    <message>
+        <source>&amp;Redo</source>
+        <translation>重做(&amp;R)</translation>
+    </message>
+    <message>
+        <source>Cu&amp;t</source>
+        <translation>剪切(&amp;T)</translation>
+    </message>
+    <message>
+        <source>&amp;Copy</source>
+        <translation>复制(&amp;C)</translation>
+    </message>
+    <message>
+        <source>&amp;Paste</source>
+        <translation>粘贴(&amp;P)</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>删除</translation>
+    </message>
+    <message>
+        <source>Select All</source>
+        <translation>全选</translation>
     </message>
 </context>
 </TS>
