@@ -113,7 +113,6 @@ void KeyTable::listAll() const
     if (!std::exchange(m_isListDue, false)) {
         return;
     }
-    m_isListed = true;
     Items& items = m_lists.shortCutInfoList;
     // Assigned one by one, the entries keep the memory of their texts.
     items.resize(m_lists.indexShortCutList.size() + m_lists.pathShortCutList.size());
@@ -124,7 +123,7 @@ void KeyTable::listAll() const
 
 std::string KeyTable::save()
 {
-    m_isListDue = !m_isListed;
+    m_isListDue = true;
     listAll();
     const CallSite site("saveShortCutInfoList");
     std::filesystem::path aside;
@@ -151,7 +150,6 @@ void KeyTable::put(EnumShortCutType type, const std::string& path, const std::st
     listAll();
     const auto taken = takeOut(
         listOf(module), [&](const STShortCutItem& item) { return matches(item, type, path); });
-    m_isListed = false;
     ++m_state;
     if (!taken.empty()) {
         noteChange();
