@@ -2,6 +2,7 @@
 
 #include "mivosettingswidgets/shortcutfile.h"
 #include "mivosettingswidgets/storeaccess.h"
+#include "zrcutils/heldfile.h"
 #include "zrcutils/nocachefile.h"
 
 #include <algorithm>
@@ -32,7 +33,11 @@ std::optional<std::string> contentOf(const std::filesystem::path& path)
     std::error_code error;
     std::ifstream file;
     if (!std::filesystem::is_other(path, error)) { // opening a pipe waits for its writer
-        file.open(path, std::ios::binary);
+        // Without the keys of a file that is held for a moment, the next save would lose them.
+        zrcutils::tryWhileHeld(zrcutils::heldFor, [&] {
+            file.open(path, std::ios::binary);
+            return file.is_open() || !std::filesystem::exists(path, error);
+        });
     }
     if (!file.is_open()) {
         return {};
