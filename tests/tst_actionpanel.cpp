@@ -115,6 +115,7 @@ protected:
         (panel->transfer().*transfer)(path);
         EXPECT_TRUE(
             QTest::qWaitFor([this] { return !panel->transfer().requests().isWaiting(); }, 20000));
+        QApplication::processEvents(); // what is told of the file of the keys comes later
         return told.join('|');
     }
     QString toldOfImport(const char* json)

@@ -103,6 +103,19 @@ TEST(Autostart, FollowsWhatTheStoreKeeps)
     runtime.call([&] { store->setAutoStart(true); });
     EXPECT_EQ(command(), program + R"("--start-delay" "0")") << "off and on takes the right away";
 
+#ifdef Q_OS_WIN
+    const BYTE off[12] = {3}; // as the system's list of such programs puts it
+    RegSetKeyValueW(HKEY_CURRENT_USER,
+                    LR"(Software\Microsoft\Windows\CurrentVersion\Explorer\StartupApproved\Run)",
+                    QCoreApplication::applicationName().toStdWString().c_str(), REG_BINARY, off,
+                    sizeof off);
+    runtime.call([&] { store->setAutoStartDelayTime(1); });
+    runtime.call([&] { store->setAutoStart(false); });
+    runtime.call([&] { store->setAutoStart(true); });
+    EXPECT_EQ(failures, QStringList("switched off in the system's list of startup apps"))
+        << "until somebody switches it off and on here";
+#endif
+
     autostart.reset();
     store->setAutoStart(false);
     EXPECT_NE(Autostart::entry(), "") << "nobody follows any more";

@@ -121,6 +121,18 @@ TEST_F(Folders, AreMobileOnARemovableDriveOrWithoutADrive)
          {QString(), work, work + "/not/there", QString("//no-such-server/share/x")}) {
         EXPECT_FALSE(isBelongToMobile(fixed)) << fixed;
     }
+    wchar_t roots[512];
+    GetLogicalDriveStringsW(512, roots);
+    bool isAnyMobile = false;
+    for (const wchar_t* root = roots; *root != L'\0'; root += wcslen(root) + 1) {
+        const UINT type = GetDriveTypeW(root);
+        const bool isMobile = type == DRIVE_REMOVABLE || type == DRIVE_CDROM;
+        EXPECT_EQ(isBelongToMobile(QString::fromWCharArray(root) + "x"), isMobile) << *root;
+        isAnyMobile |= isMobile;
+    }
+    if (!isAnyMobile) {
+        GTEST_SKIP() << "no removable drive here";
+    }
 }
 
 } // namespace mivoqutilstest

@@ -10,6 +10,9 @@
 #include <mivowidgets/shortcutcover.h>
 
 #include <random>
+#ifdef Q_OS_WIN
+#include <QtCore/qt_windows.h>
+#endif
 
 namespace shortcutmgrtest {
 
@@ -214,6 +217,21 @@ TEST_F(ShortCuts, AFileThatCannotBeReadIsLoggedAndPutAsideUnderAFreeName)
     MAKE_PIPE(path);
     manager.loadShortCutInfoList(); // does not wait for what somebody writes into the pipe
 }
+
+#ifdef Q_OS_WIN
+TEST_F(ShortCuts, AFileThatIsHeldForAMomentIsRead)
+{
+    writeFile(path, formatShortCuts({item(187, outputPath, "F1")}).c_str());
+    std::thread other([held = CreateFileW(path.toStdWString().c_str(), GENERIC_READ, 0, nullptr,
+                                          OPEN_EXISTING, 0, nullptr)] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        CloseHandle(held);
+    });
+    manager.loadShortCutInfoList();
+    other.join();
+    EXPECT_EQ(manager.linkShortCutInfo().indexShortCutList.size(), 1U);
+}
+#endif
 
 TEST_F(ShortCuts, ATableThatCannotBeWrittenHoldsWhatIsWanted)
 {

@@ -53,6 +53,23 @@ TEST_F(StoreFile, IsMadeWithItsFolderAndReadAgain)
     EXPECT_EQ(QFileInfo(deep + "-wal").size(), 0) << "reading needs no room on the disk";
 }
 
+#ifdef Q_OS_WIN // where a file that is open cannot be renamed
+TEST_F(StoreFile, IsMadeThoughAProgramLooksAtEachNewFile)
+{
+    std::atomic<bool> isMade{false};
+    std::thread other([&] {
+        QFile file(path() + ".new");
+        while (!file.open(QIODevice::ReadOnly) && !isMade) {
+        }
+        EXPECT_TRUE(file.isOpen());
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    });
+    EXPECT_EQ(SqlitePersistence::open(path()).status, Status::opened);
+    isMade = true;
+    other.join();
+}
+#endif
+
 TEST_F(StoreFile, BelongsToOneAndKeepsNothingInOneThatWasReplaced)
 {
     auto opened = SqlitePersistence::open(path());

@@ -54,15 +54,21 @@ TEST_F(Utils, AFileIsReplacedAsAWholeOrNotAtAll)
         return CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0,
                            nullptr);
     };
-    HANDLE held = hold();
-    std::thread other([held] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(200));
-        CloseHandle(held);
-    });
-    EXPECT_TRUE(save(path, "kept")) << error.message();
-    other.join();
-    held = hold();
+    for (const auto& [access, time] :
+         {std::pair(NoCacheFile::Access::owner, 50), std::pair(NoCacheFile::Access::umask, 600)}) {
+        std::thread other([held = hold(), time = std::chrono::milliseconds(time)] {
+            std::this_thread::sleep_for(time);
+            CloseHandle(held);
+        });
+        EXPECT_TRUE(NoCacheFile::saveToFile(path.u8string(), "kept", error, access))
+            << error.message();
+        other.join();
+    }
+    const HANDLE held = hold();
+    QElapsedTimer timer;
+    timer.start();
     EXPECT_FALSE(save(path, "lost"));
+    EXPECT_LT(timer.elapsed(), 900) << "a window waits for it";
     CloseHandle(held);
     SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY);
     EXPECT_FALSE(save(path, "lost"));

@@ -395,6 +395,7 @@ int run(const QCommandLineParser& arguments)
 
 int main(int argc, char** argv)
 {
+    useNoSystemBoxes();
     useConsole();
     if (argc > 1 && qstrcmp(argv[1], listSoundCardsOption) == 0) {
         const QCoreApplication application(argc, argv);

@@ -26,8 +26,7 @@ QString fullPath(const QString& root, const std::vector<Level>& levels, const Na
         below += levels[level].name + std::filesystem::path::preferred_separator;
     }
     below += name;
-    return root + QDir::separator()
-           + QString::fromStdString(std::filesystem::path(below).u8string());
+    return root + QDir::separator() + FolderWalker::textOf(below);
 }
 
 } // namespace

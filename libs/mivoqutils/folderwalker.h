@@ -15,6 +15,9 @@ class FolderWalker
 public:
     using Name = std::filesystem::path::string_type;
 
+    /// A name as people read it, also one that is no text.
+    static QString textOf(const Name& name);
+
     enum class Outcome { removed, gone, failed, folder };
 
     FolderWalker();

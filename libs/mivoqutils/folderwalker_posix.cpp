@@ -36,6 +36,11 @@ struct FolderWalker::State
     }
 };
 
+QString FolderWalker::textOf(const Name& name)
+{
+    return QString::fromStdString(name);
+}
+
 FolderWalker::FolderWalker() : m_state(std::make_unique<State>()) {}
 
 FolderWalker::~FolderWalker() = default;

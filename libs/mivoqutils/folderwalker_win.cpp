@@ -12,6 +12,11 @@ struct FolderWalker::State
     std::vector<std::wstring> paths; // of the same folders, in the form without a limit
 };
 
+QString FolderWalker::textOf(const Name& name)
+{
+    return QString::fromStdWString(name);
+}
+
 FolderWalker::FolderWalker() : m_state(std::make_unique<State>()) {}
 
 FolderWalker::~FolderWalker()

@@ -53,6 +53,9 @@ NoCacheFile::Replacement::~Replacement() = default;
 bool NoCacheFile::Replacement::commit(std::error_code& error)
 {
     error = m_temporary->takePlace();
+    if (!error) {
+        m_temporary.reset(); // lets go of the file, which may be replaced again at once
+    }
     return !error;
 }
 

@@ -1,9 +1,8 @@
+#include "zrcutils/heldfile.h"
 #include "zrcutils/nocachefile_p.h"
 #include "zrcutils/winsystem.h"
 
 #include <algorithm>
-#include <chrono>
-#include <thread>
 #include <vector>
 
 namespace fs = std::filesystem;
@@ -12,9 +11,9 @@ namespace zrcutils {
 
 namespace {
 
-/// How long it is tried to replace a file that another program holds, as one that looks for viruses
-/// or makes backups does for a moment.
-constexpr std::chrono::milliseconds heldFor(1000);
+/// The program's own files are replaced on the thread of its windows, and again where that fails;
+/// those that the user saves somewhere on threads of their own.
+constexpr std::chrono::milliseconds ownHeldFor(200);
 
 std::error_code systemError(DWORD code)
 {
@@ -84,8 +83,8 @@ void keepAccess(const std::wstring& from, HANDLE to)
     }
 }
 
-/// Gives an open file another one's name and place.
-bool renameOpen(HANDLE file, const std::wstring& target)
+/// Gives an open file another one's name and place. Returns the system's code.
+DWORD renameOpen(HANDLE file, const std::wstring& target, std::chrono::milliseconds most)
 {
     const std::size_t bytes = target.size() * sizeof(wchar_t);
     std::vector<unsigned char> buffer(sizeof(FILE_RENAME_INFO) + bytes);
@@ -93,25 +92,22 @@ bool renameOpen(HANDLE file, const std::wstring& target)
     info->ReplaceIfExists = TRUE;
     info->FileNameLength = static_cast<DWORD>(bytes);
     std::copy(target.begin(), target.end(), info->FileName);
-    const auto end = std::chrono::steady_clock::now() + heldFor;
-    while (!::SetFileInformationByHandle(file, FileRenameInfo, info,
-                                         static_cast<DWORD>(buffer.size()))) {
-        const DWORD code = ::GetLastError();
-        // What is held is refused in either way.
-        if ((code != ERROR_SHARING_VIOLATION && code != ERROR_ACCESS_DENIED)
-            || std::chrono::steady_clock::now() > end) {
-            return false;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        ::SetLastError(code);
-    }
-    return true;
+    DWORD code = ERROR_SUCCESS;
+    tryWhileHeld(most, [&] {
+        const bool isDone = ::SetFileInformationByHandle(file, FileRenameInfo, info,
+                                                         static_cast<DWORD>(buffer.size()));
+        code = isDone ? ERROR_SUCCESS : ::GetLastError();
+        return !isHeld(code);
+    });
+    return code;
 }
 
 class Written : public Temporary
 {
 public:
-    Written(const std::wstring& target, HANDLE file) : m_target(target), m_file(file) {}
+    Written(const std::wstring& target, HANDLE file, std::chrono::milliseconds most)
+        : m_target(target), m_file(file), m_most(most)
+    {}
     ~Written() override
     {
         if (!m_isInPlace) {
@@ -122,8 +118,8 @@ public:
 
     std::error_code takePlace() override
     {
-        if (!renameOpen(m_file, m_target)) {
-            return systemError(::GetLastError());
+        if (const DWORD code = renameOpen(m_file, m_target, m_most)) {
+            return systemError(code);
         }
         m_isInPlace = true;
         ::FlushFileBuffers(m_file); // its new name, too
@@ -133,6 +129,7 @@ public:
 private:
     std::wstring m_target;
     Handle m_file;
+    std::chrono::milliseconds m_most; // to wait for who holds the target
     bool m_isInPlace = false;
 };
 
@@ -140,7 +137,7 @@ private:
 
 // A new file may be opened by whom the folder says.
 std::unique_ptr<Temporary> writeTemporary(const fs::path& path, const std::string& content,
-                                          NoCacheFile::Access /*access*/, std::error_code& error)
+                                          NoCacheFile::Access access, std::error_code& error)
 {
     const auto fail = [&error](DWORD code) {
         error = systemError(code);
@@ -174,7 +171,8 @@ std::unique_ptr<Temporary> writeTemporary(const fs::path& path, const std::strin
     if (file == INVALID_HANDLE_VALUE) {
         return fail(::GetLastError());
     }
-    auto written = std::make_unique<Written>(target, file);
+    auto written = std::make_unique<Written>(
+        target, file, access == NoCacheFile::Access::owner ? ownHeldFor : heldFor);
     if (exists) {
         keepAccess(target, file);
     }

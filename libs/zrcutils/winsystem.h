@@ -13,6 +13,13 @@ namespace zrcutils {
 /// of a file.
 std::wstring longPath(const std::string& path);
 
+/// Whether a file could not be renamed, replaced or removed as another program holds it; the system
+/// says the latter where there is no right, too.
+constexpr bool isHeld(DWORD code)
+{
+    return code == ERROR_SHARING_VIOLATION || code == ERROR_ACCESS_DENIED;
+}
+
 /// The system's words for one of its codes, UTF-8.
 std::string systemText(DWORD code);
 

@@ -88,7 +88,7 @@ void keepFromChildren(std::FILE* stream)
 // A name as the library wants it, which depends on how it was built.
 [[maybe_unused]] void setName(std::string& name, const QString& path)
 {
-    name = path.toStdString();
+    name = QFile::encodeName(path).toStdString();
 }
 
 [[maybe_unused]] void setName(std::wstring& name, const QString& path)

@@ -2590,6 +2590,11 @@ Open them now?</translation>
         <translation>too deeply nested</translation>
     </message>
     <message>
+        <source>switched off in the system's list of startup apps</source>
+        <comment>Reason</comment>
+        <translation>switched off in the system's list of startup apps</translation>
+    </message>
+    <message>
         <source>no right to write to it</source>
         <comment>Reason</comment>
         <translation>no right to write to it</translation>

@@ -2590,6 +2590,11 @@
         <translation>嵌套过深</translation>
     </message>
     <message>
+        <source>switched off in the system's list of startup apps</source>
+        <comment>Reason</comment>
+        <translation>已在系统的启动应用列表中禁用</translation>
+    </message>
+    <message>
         <source>no right to write to it</source>
         <comment>Reason</comment>
         <translation>没有写入权限</translation>

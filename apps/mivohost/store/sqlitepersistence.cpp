@@ -16,6 +16,9 @@
 
 #ifdef Q_OS_UNIX
 #include <sys/stat.h>
+#else
+#include "zrcutils/heldfile.h"
+#include "zrcutils/winsystem.h"
 #endif
 
 namespace mivohost {
@@ -92,8 +95,21 @@ QString makeFile(const QString& path, sqlite3* source)
 /// Renames a file to a free name. Returns why it failed, or an empty text.
 QString rename(const QString& from, const QString& to)
 {
+#ifdef Q_OS_WIN
+    // Qt would copy a file that is held for a moment, into a name at which nothing partial may be.
+    DWORD code = ERROR_SUCCESS;
+    zrcutils::tryWhileHeld(zrcutils::heldFor, [&] {
+        const bool isDone = MoveFileExW(QDir::toNativeSeparators(from).toStdWString().c_str(),
+                                        QDir::toNativeSeparators(to).toStdWString().c_str(),
+                                        MOVEFILE_WRITE_THROUGH);
+        code = isDone ? ERROR_SUCCESS : GetLastError();
+        return !zrcutils::isHeld(code);
+    });
+    return code == ERROR_SUCCESS ? QString() : qt_error_string(static_cast<int>(code));
+#else
     QFile file(from);
     return file.rename(to) ? QString() : file.errorString();
+#endif
 }
 
 /// What is to be put aside when the file at `path` is damaged.

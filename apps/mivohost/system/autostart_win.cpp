@@ -3,6 +3,7 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
 #include <QtCore/QSettings>
+#include <QtCore/qt_windows.h>
 
 namespace mivohost {
 
@@ -14,6 +15,31 @@ QSettings runKey()
 {
     return {QStringLiteral("HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Run"),
             QSettings::NativeFormat};
+}
+
+/// What the user has said of the entry in the system's own list of such programs. The system goes
+/// by it, and keeps it when the entry goes.
+constexpr const wchar_t* approvals =
+    LR"(Software\Microsoft\Windows\CurrentVersion\Explorer\StartupApproved\Run)";
+
+std::wstring approvalName()
+{
+    return QCoreApplication::applicationName().toStdWString();
+}
+
+bool isSwitchedOff()
+{
+    BYTE approval[12] = {}; // and since when
+    DWORD size = sizeof approval;
+    return RegGetValueW(HKEY_CURRENT_USER, approvals, approvalName().c_str(), RRF_RT_REG_BINARY,
+                        nullptr, approval, &size)
+               == ERROR_SUCCESS
+           && (approval[0] & 1) != 0;
+}
+
+void forgetApproval()
+{
+    RegDeleteKeyValueW(HKEY_CURRENT_USER, approvals, approvalName().c_str());
 }
 
 /// Empty, or that the system has refused it.
@@ -69,13 +95,20 @@ QString Autostart::setEntry(const QString& program, const QStringList& arguments
     if (command.size() > longestCommand) {
         return program + QStringLiteral(": the path is too long");
     }
+    if (entry().isEmpty()) {
+        forgetApproval(); // somebody wants it now
+    }
     QSettings run = runKey();
     run.setValue(QCoreApplication::applicationName(), command);
-    return stateOf(run);
+    const QString state = stateOf(run);
+    return state.isEmpty() && isSwitchedOff()
+               ? QStringLiteral("switched off in the system's list of startup apps")
+               : state;
 }
 
 QString Autostart::removeEntry()
 {
+    forgetApproval();
     QSettings run = runKey();
     run.remove(QCoreApplication::applicationName());
     return stateOf(run);

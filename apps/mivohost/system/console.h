@@ -17,6 +17,14 @@ void useConsole();
 inline void useConsole() {}
 #endif
 
+/// On Windows, no box of the system asks for a disk that is not in its drive, over all windows,
+/// while who looked for a file waits: that just fails. Before all else.
+#ifdef Q_OS_WIN
+void useNoSystemBoxes();
+#else
+inline void useNoSystemBoxes() {}
+#endif
+
 /// From now on Qt's messages on what a screen without a window manager cannot do are not printed:
 /// they come for each window, and nobody can do anything about it.
 void dropIdleMessages();

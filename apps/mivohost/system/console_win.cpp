@@ -26,4 +26,9 @@ void useConsole()
     }
 }
 
+void useNoSystemBoxes()
+{
+    SetErrorMode(GetErrorMode() | SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX);
+}
+
 } // namespace mivohost

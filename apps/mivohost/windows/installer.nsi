@@ -28,8 +28,8 @@ LoadLanguageFile "${NSISDIR}\Contrib\Language files\English.nlf"
 LoadLanguageFile "${NSISDIR}\Contrib\Language files\SimpChinese.nlf"
 LangString InUse 1033 "mivohost is running. Close it, and try again."
 LangString InUse 2052 "mivohost 正在运行。请先将其关闭，然后重试。"
-LangString RemoveSettings 1033 "Remove the settings, shortcuts and automatically saved projects of mivohost as well?"
-LangString RemoveSettings 2052 "是否同时删除 mivohost 的设置、快捷键和自动保存的项目？"
+LangString RemoveSettings 1033 "Remove the settings, shortcuts, logs and automatically saved projects of mivohost as well? Other files in its folders stay."
+LangString RemoveSettings 2052 "是否同时删除 mivohost 的设置、快捷键、日志和自动保存的项目？其文件夹中的其他文件将保留。"
 
 ; Its file cannot be written while the program runs.
 !macro WaitForEnd
@@ -49,15 +49,25 @@ LangString RemoveSettings 2052 "是否同时删除 mivohost 的设置、快捷�
 !macroend
 
 Section
+    ; Into a folder that holds something else goes one of our own, as names may be the same.
+    ${GetFileName} "$INSTDIR" $1
+    ${DirState} "$INSTDIR" $2
+    ${If} $1 != "mivohost"
+    ${AndIf} $2 = 1
+    ${AndIfNot} ${FileExists} "$INSTDIR\mivohost.exe"
+        StrCpy $INSTDIR "$INSTDIR\mivohost"
+    ${EndIf}
     !insertmacro WaitForEnd
     ; What an older version had and this one has not; settings stay.
-    ${If} ${FileExists} "$INSTDIR\uninstall.exe"
+    ${If} ${FileExists} "$INSTDIR\mivohost.exe"
+    ${AndIf} ${FileExists} "$INSTDIR\uninstall.exe"
         ExecWait '"$INSTDIR\uninstall.exe" /S /upgrade _?=$INSTDIR'
     ${EndIf}
     ; One that was installed into another folder.
     ReadRegStr $3 HKCU "${UNINSTALL}" InstallLocation
     ${If} $3 != ""
     ${AndIf} $3 != $INSTDIR
+    ${AndIf} ${FileExists} "$3\mivohost.exe"
     ${AndIf} ${FileExists} "$3\uninstall.exe"
         ExecWait '"$3\uninstall.exe" /S /upgrade _?=$3' $4
         ${If} $4 <> 0 ; it runs there
@@ -101,10 +111,31 @@ Section Uninstall
     StrCpy $3 $3 $5
     ${If} $3 == $4
         DeleteRegValue HKCU "Software\Microsoft\Windows\CurrentVersion\Run" mivohost
+        DeleteRegValue HKCU "Software\Microsoft\Windows\CurrentVersion\Explorer\StartupApproved\Run" mivohost
     ${EndIf}
     MessageBox MB_YESNO|MB_ICONQUESTION|MB_DEFBUTTON2 "$(RemoveSettings)" /SD IDNO IDNO keep
-    RMDir /r "$APPDATA\mivo\mivohost"
-    RMDir /r "$APPDATA\mivo\mivohost_Display"
+    ; What the program writes there, and nothing that somebody else may have put beside it.
+    StrCpy $0 "$APPDATA\mivo\mivohost"
+    Delete "$0\settings.sqlite*"
+    Delete "$0\machine-id"
+    Delete "$0\mivohost*.log"
+    Delete "$0\mivohost.lock"
+    Delete "$0\.*.saving"
+    Delete "$0\shows\*.sqlite*"
+    Delete "$0\keptsettings\settings-*.json"
+    Delete "$0\keptsettings\.*.saving"
+    Delete "$0\projectbackups\*-????????-??????.mivo"
+    Delete "$0\projectbackups\.*.saving"
+    Delete "$0_Display\shortcut.json*"
+    Delete "$0_Display\.*.saving"
+    RMDir "$0\shows"
+    RMDir "$0\keptsettings"
+    RMDir "$0\projectbackups"
+    RMDir "$0\playlog"
+    RMDir "$0\cache"
+    RMDir "$0\sharedfolder"
+    RMDir "$0"
+    RMDir "$0_Display"
     RMDir "$APPDATA\mivo"
 keep:
 SectionEnd

@@ -2,6 +2,7 @@
 
 #include "mivosettingswidgets/shortcutfile.h"
 #include "mivosettingswidgets/storeaccess.h"
+#include "zrcutils/heldfile.h"
 #include "zrcutils/nocachefile.h"
 
 #include <algorithm>
@@ -32,7 +33,11 @@ std::optional<std::string> contentOf(const std::filesystem::path& path)
     std::error_code error;
     std::ifstream file;
     if (!std::filesystem::is_other(path, error)) { // opening a pipe waits for its writer
-        file.open(path, std::ios::binary);
+        // Without the keys of a file that is held for a moment, the next save would lose them.
+        zrcutils::tryWhileHeld(zrcutils::heldFor, [&] {
+            file.open(path, std::ios::binary);
+            return file.is_open() || !std::filesystem::exists(path, error);
+        });
     }
     if (!file.is_open()) {
         return {};
@@ -113,7 +118,6 @@ void KeyTable::listAll() const
     if (!std::exchange(m_isListDue, false)) {
         return;
     }
-    m_isListed = true;
     Items& items = m_lists.shortCutInfoList;
     // Assigned one by one, the entries keep the memory of their texts.
     items.resize(m_lists.indexShortCutList.size() + m_lists.pathShortCutList.size());
@@ -124,7 +128,7 @@ void KeyTable::listAll() const
 
 std::string KeyTable::save()
 {
-    m_isListDue = !m_isListed;
+    m_isListDue = true;
     listAll();
     const CallSite site("saveShortCutInfoList");
     std::filesystem::path aside;
@@ -151,7 +155,6 @@ void KeyTable::put(EnumShortCutType type, const std::string& path, const std::st
     listAll();
     const auto taken = takeOut(
         listOf(module), [&](const STShortCutItem& item) { return matches(item, type, path); });
-    m_isListed = false;
     ++m_state;
     if (!taken.empty()) {
         noteChange();

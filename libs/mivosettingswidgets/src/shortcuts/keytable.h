@@ -18,20 +18,14 @@ public:
         listAll();
         return m_lists;
     }
-    /// The same for who does not look at shortCutInfoList, which may not have been filled yet.
-    const STLinkShortCutInfo& splitLists() const { return m_lists; }
     /// Another number after each change of the entries.
     unsigned state() const { return m_state; }
 
-    /// What comes right behind an edit(). With a save, what shortCutInfoList held before is lost.
-    enum class Next { anything, save };
     /// Lets `change` do what it will with the lists; it returns whether it has changed any.
     template <typename Change>
-    void edit(Change change, Next next = Next::anything)
+    void edit(Change change)
     {
-        if (next != Next::save) {
-            listAll();
-        }
+        listAll();
         if (change(m_lists)) {
             noteChange();
         }
@@ -51,8 +45,8 @@ public:
         return m_lists.indexShortCutList.empty() && m_lists.pathShortCutList.empty();
     }
 
-    /// Reads the file. Without one, or with one that cannot be read, the table is empty; the latter
-    /// is logged, and the next save puts the file aside.
+    /// Reads the file. Without one, or with one that cannot be read, the table is empty; what is
+    /// wrong in the latter is logged, and the next save puts the file aside.
     void load();
 
     /// Writes the file. Errors of the file system are logged, and the table stays as it is. Returns
@@ -97,7 +91,6 @@ private:
     void noteChange()
     {
         m_indexHolders = m_pathHolders = {};
-        m_isListed = false;
         ++m_state;
     }
     /// Fills shortCutInfoList where that is due.
@@ -106,9 +99,7 @@ private:
     mutable STLinkShortCutInfo m_lists;
     mutable Holders m_indexHolders;
     mutable Holders m_pathHolders;
-    mutable bool m_isListed = false; // whether shortCutInfoList holds what the other two lists do
-    mutable bool m_isListDue =
-        false; // it is to, but nobody has asked for it since the file was read
+    mutable bool m_isListDue = false; // shortCutInfoList is to hold what the other two lists do
     unsigned m_state = 0;
     bool m_fileIsUnreadable = false;
     bool m_isWritten = false;

@@ -65,13 +65,13 @@ void ShortCutMgr::setAllShortCutStr()
 {
     m_impl->pushTexts();
     emit signalClearShortCutState(m_impl->keys.isEmpty());
-    m_impl->takeTexts(KeyTable::Next::save);
+    m_impl->takeTexts();
     m_impl->save();
 }
 
 void ShortCutMgr::setProgramShortCutInfo()
 {
-    m_impl->takeTexts(KeyTable::Next::anything);
+    m_impl->takeTexts();
 }
 
 void ShortCutMgr::setBindShortCutAndCover(const QList<ShortCutCover*>& covers)

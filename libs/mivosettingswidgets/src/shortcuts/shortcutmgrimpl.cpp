@@ -28,10 +28,10 @@ void ShortCutMgr::Impl::save()
     emit m_manager->signalShortCutSave(keys.lists());
 }
 
-void ShortCutMgr::Impl::takeTexts(KeyTable::Next next)
+void ShortCutMgr::Impl::takeTexts()
 {
     if (!covers.isAsPushed(keys.state())) {
-        keys.edit([this](STLinkShortCutInfo& lists) { return covers.takeTexts(lists); }, next);
+        keys.edit([this](STLinkShortCutInfo& lists) { return covers.takeTexts(lists); });
     }
 }
 

@@ -32,9 +32,9 @@ public:
     bool projectFileLoadComplete = false;
 
     void save();
-    void pushTexts() { covers.pushTexts(keys.splitLists(), keys.state()); }
+    void pushTexts() { covers.pushTexts(keys.lists(), keys.state()); }
     /// What takeTexts() of the covers does.
-    void takeTexts(KeyTable::Next next);
+    void takeTexts();
     enum class Write { no, yes };
     void clearKeys(Write write);
     void clearPeripheral(EnumPeripheralShortCutType kind);
