@@ -39,7 +39,8 @@ configure_file(cmake/mivosettingswidgets.pc.in mivosettingswidgets.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/mivosettingswidgets.pc
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT dev)
 
-install(FILES README.md CHANGELOG.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT dev)
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR}
+        COMPONENT dev)
 install(DIRECTORY docs examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT dev)
 if(MIVO_BUILD_DOCS)
     find_package(Python3 REQUIRED COMPONENTS Interpreter)

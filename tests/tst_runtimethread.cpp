@@ -39,6 +39,7 @@ TEST(RuntimeThread, SurvivesATaskThatStopsItOrThrows)
 {
     const LogCapture log;
     RuntimeThread runtime;
+    EXPECT_EQ(runtime.call([&] { return runtime.call([] { return 1; }); }), 1);
     runtime.post([] { throw std::runtime_error("boom"); }, "file.cpp", 12, "poster");
     runtime.call([&runtime] { runtime.stop(); });
     EXPECT_FALSE(runtime.canInvoke("", 0, ""));

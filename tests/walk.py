@@ -258,7 +258,7 @@ def start_anew():
             "XDG_DATA_HOME": f"{folder}/data",
             "QT_QPA_PLATFORM": "xcb",
             "QT_XCB_GL_INTEGRATION": "none",
-            "LANG": "C.UTF-8",
+            "LC_ALL": "C.UTF-8",
             # The library for keyboards copies parts of texts that no null byte ends, as it may.
             "ASAN_OPTIONS": os.environ.get("ASAN_OPTIONS", "") + ":strict_string_checks=0",
         }

@@ -1,5 +1,4 @@
-// A host as short as it can be: all pages on a store in memory, in "en" or "zh_cn": minimal
-// [LANGUAGE]
+// A host as short as it can be: all pages on a store in memory: minimal [en|zh_cn]
 
 #include <mivohostkit/runtimethread.h>
 #include <mivohostkit/settingsstore.h>
@@ -27,7 +26,6 @@ int main(int argc, char** argv)
 
     QApplication application(argc, argv);
     mivo::style::apply(mivo::style::Look::dark);
-
     mivohost::RuntimeThread runtime; // the one thread on which the store is called
     mivohost::SettingsStore store;   // outlives the pages, and the runtime outlives both
 
@@ -56,7 +54,8 @@ int main(int argc, char** argv)
     add(new AudioSettingBox, 10);
     runtime.call([&] { store.soundCards().announceMappings(); }); // to the audio page
 
-    const QString language = application.arguments().value(1, QLocale::system().name());
+    const bool chinese = QLocale::system().language() == QLocale::Chinese;
+    const QString language = application.arguments().value(1, chinese ? "zh_cn" : "en");
     dialog.switchLanguage(language); // its own texts, and not those of the pages
     for (ISettingBox* page : pages) {
         page->switchLanguage(language);

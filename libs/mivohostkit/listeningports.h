@@ -33,12 +33,12 @@ public:
     /// The handler is called with each request, and at once for each port that was open when the
     /// program ended. Without a handler every request succeeds.
     void setHandler(Handler handler);
-    /// Keeps what is requested and has the handler carry it out; the result is announced.
+    /// Has the handler carry out what the store has kept; the result is announced.
     void request(Port port, const STPortInfo& requested);
 
-    /// How a port is now: announced, unless nothing has changed. What was requested stays saved, so
-    /// a handler may report again and again until a port is open. `reason`, in the user's language,
-    /// says why it is not.
+    /// How a port is now: announced, unless the same failed again. What was requested stays saved,
+    /// so a handler may report again and again until a port is open. `reason`, in the user's
+    /// language, says why it is not.
     void report(Port port, const STPortInfo& info, const std::string& reason = {});
 
 private:

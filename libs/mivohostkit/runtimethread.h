@@ -35,10 +35,15 @@ public:
     /// two threads must not wait at once.
     void stop();
 
-    /// Runs `work` on the runtime thread and returns its result.
+    /// Runs `work` on the runtime thread, at once when called there, and returns its result or
+    /// throws what it throws. On another thread it waits, so the runtime thread must not wait for
+    /// that one, and throws std::future_error once the runtime is stopped.
     template <typename Work>
     auto call(Work work)
     {
+        if (isInRuntimeThread()) {
+            return work();
+        }
         using Result = std::invoke_result_t<Work>;
         auto task = std::make_shared<std::packaged_task<Result()>>(std::move(work));
         auto result = task->get_future();

@@ -9,7 +9,8 @@
 
 namespace mivohost {
 
-/// Where the store keeps its settings. All operations on the runtime thread.
+/// Where the store keeps its settings. loadAll() and watch() are called while the store is
+/// constructed, on that thread, all else on the runtime thread.
 class MIVOHOSTKIT_EXPORT SettingsPersistence
 {
 public:

@@ -21,7 +21,7 @@ struct Setting;
 
 /// A complete store: each setting has a key, a default and a range, and what a setter is given
 /// beyond its range is corrected and logged. Runtime thread; constructed and destroyed there or
-/// while no page is bound.
+/// while no page is bound, but constructed there with a persistence, whose changes come there.
 class MIVOHOSTKIT_EXPORT SettingsStore : public MivoSettings
 {
 public:

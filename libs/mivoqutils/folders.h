@@ -31,6 +31,7 @@ MIVOQUTILS_EXPORT QString answeringFolder(const QString& path);
 /// whatever the path reaches it through ("..", links).
 MIVOQUTILS_EXPORT bool mayBeCleared(const QString& path);
 
+/// What clearFolder() came to.
 struct ClearResult
 {
     /// Native and complete paths of what is still there. A folder that stays only because of

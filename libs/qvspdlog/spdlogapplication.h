@@ -22,6 +22,7 @@ public:
     void setLogger(std::shared_ptr<spdlog::logger> logger);
 
 protected:
+    /// `first`, not null, is in force until setLogger().
     explicit SpdlogBase(std::shared_ptr<spdlog::logger> first);
 
 private:
@@ -34,7 +35,7 @@ private:
 class QVSPDLOG_EXPORT SpdlogApplication : public SpdlogBase
 {
 public:
-    static SpdlogApplication& instance();
+    static SpdlogApplication& instance(); ///< the only one
 
 private:
     SpdlogApplication();

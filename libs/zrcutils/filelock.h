@@ -9,6 +9,7 @@
 class ZRCUTILS_EXPORT FileLock
 {
 public:
+    /// What lock() came to.
     enum class Result {
         locked,
         inUse, ///< another one has it
@@ -24,7 +25,7 @@ public:
     /// Locks the file at `path` (UTF-8), which is made for this user alone where it is missing.
     /// Waits up to `timeout` milliseconds for another one to end. Gives up a lock held so far.
     Result lock(const std::string& path, int timeout);
-    void unlock();
+    void unlock(); ///< nothing where none is held
 
     /// The system's words, UTF-8.
     const std::string& error() const { return m_error; }

@@ -28,6 +28,7 @@ public:
     /// (folder, device, pipe). `error` says why it failed, and is cleared on success.
     static bool saveToFile(const std::string& path, const std::string& content,
                            std::error_code& error, Access access = Access::owner);
+    /// The same for the owner alone, without the reason of a failure.
     static bool saveToFile(const std::string& path, const std::string& content);
 
     /// saveToFile() in two steps, for what else is to happen only when there is room for the file.

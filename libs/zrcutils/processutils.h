@@ -4,6 +4,7 @@
 
 #include <string>
 
+/// The processes of this machine.
 class ZRCUTILS_EXPORT ProcessUtils
 {
 public:

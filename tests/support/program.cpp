@@ -35,7 +35,7 @@ QProcessEnvironment environmentOf(const QString& home, const QString& platform)
 {
     auto environment = QProcessEnvironment::systemEnvironment();
     environment.insert("QT_QPA_PLATFORM", platform);
-    environment.insert("LANG", "C.UTF-8");
+    environment.insert("LC_ALL", "C.UTF-8");
     environment.insert("XDG_CONFIG_HOME", home + "/config");
     environment.insert("XDG_DATA_HOME", home + "/data");
     return environment;

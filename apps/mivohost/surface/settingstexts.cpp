@@ -189,7 +189,8 @@ QString sectionText(Section section)
 
 QString settingText(Key key)
 {
-    return shownText(settingTexts.at(key));
+    const auto text = settingTexts.find(key);
+    return text == settingTexts.end() ? SettingsFile::nameOf(key) : shownText(text->second);
 }
 
 QString settingText(const QString& name)

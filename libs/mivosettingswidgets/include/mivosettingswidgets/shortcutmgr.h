@@ -45,7 +45,8 @@ public:
     /// Replaces the whole table, on the device and on the covers.
     void shortCutInfoSave(const STLinkShortCutInfo& info);
 
-    /// Has every cover show its entry's text.
+    /// Has every cover show its entry's text, then takes over what the covers hold and writes the
+    /// file. Only after loadShortCutInfoList(): else the keys of the file are lost.
     void setAllShortCutStr();
     /// Has the table hold what the covers show, under their paths.
     void setProgramShortCutInfo();
