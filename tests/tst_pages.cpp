@@ -130,6 +130,26 @@ TEST_P(Pages, WriteAnEditOnceOnTheRuntimeThread)
     }
 }
 
+TEST_P(Pages, WriteWhatAnAssistiveProgramChanges)
+{
+    show();
+    bind();
+    for (const ControlCase& control : controls) {
+        QWidget* changed = find(control);
+        changed->clearFocus(); // with it, a number is written when the focus leaves
+        auto* seen = QAccessible::queryAccessibleInterface(changed);
+        if (qobject_cast<QDoubleSpinBox*>(changed) != nullptr) {
+            seen->valueInterface()->setCurrentValue(control.edited);
+        } else if (seen->state().checkable) {
+            seen->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
+        } else {
+            continue;
+        }
+        settleEvents();
+        EXPECT_EQ(store.held(control.setting), control.kept(control.edited)) << control.setting;
+    }
+}
+
 TEST_P(Pages, WithoutUiSyncReadAndDropTheValuesButFollowTheStoreWithoutEcho)
 {
     for (const ControlCase& control : controls) {
