@@ -91,6 +91,9 @@ TEST_F(CodecControl, ListsTheCardsAndChoosesTheStoredOneOrTheOneInUse)
     page->updateDisplayCardInfo();
     EXPECT_EQ(card->currentText(), "Card C") << "what cannot be fetched leaves what is shown";
     runtime.refuses = false;
+    cards.inUse = "Card D";
+    announce([this] { store.change("graphicsCard", ""); });
+    EXPECT_EQ(card->currentText(), "Card D") << "put back";
     page->unsetSettings();
     EXPECT_EQ(cards.graphicsCardsChanged.slot_count(), 0U);
     EXPECT_EQ(cards.askedOn, std::set{runtime.thread()});
@@ -98,7 +101,7 @@ TEST_F(CodecControl, ListsTheCardsAndChoosesTheStoredOneOrTheOneInUse)
 
 TEST_F(CodecControl, ShowsTheBitDepthsOfARangeButWritesTheStandardOneAndTellsTheOutputs)
 {
-    bindTo("Card A");
+    bindTo("Unplugged");
     for (const auto& [mode, bits, depths] : {std::tuple(1U, 12U, "10bit 12bit = 12bit"),
                                              {1U, 8U, "10bit 12bit = 10bit"},
                                              {0U, 10U, "8bit 10bit = 10bit"},
@@ -111,13 +114,13 @@ TEST_F(CodecControl, ShowsTheBitDepthsOfARangeButWritesTheStandardOneAndTellsThe
     EXPECT_TRUE(store.kept.writes.empty());
     chooseItem(depth, 1);
     EXPECT_EQ(store.held("dynamicRangeConfig"), "0|10");
-    EXPECT_EQ(outputs->last, std::tuple("Card A", "BT.709", 0, 10U));
+    EXPECT_EQ(outputs->last, std::tuple("Unplugged", "BT.709", 0, 10U)) << "not what is shown";
 
     // What the range that is written does not allow is refused, and what is in force shown again.
     announce([this] { store.change("dynamicRangeConfig", "1|10"); });
     chooseItem(depth, 1);
     EXPECT_EQ(depth->currentText(), "12bit");
-    EXPECT_EQ(std::get<3>(outputs->last), 10U) << "what was refused";
+    EXPECT_EQ(outputs->last, std::tuple("Unplugged", "BT.709", 1, 10U)) << "it was refused";
     settleEvents();
     EXPECT_EQ(store.held("dynamicRangeConfig"), "1|10");
     EXPECT_EQ(depth->currentText(), "10bit");

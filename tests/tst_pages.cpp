@@ -130,6 +130,26 @@ TEST_P(Pages, WriteAnEditOnceOnTheRuntimeThread)
     }
 }
 
+TEST_P(Pages, WriteWhatAnAssistiveProgramChanges)
+{
+    show();
+    bind();
+    for (const ControlCase& control : controls) {
+        QWidget* changed = find(control);
+        changed->clearFocus(); // with it, a number is written when the focus leaves
+        auto* seen = QAccessible::queryAccessibleInterface(changed);
+        if (qobject_cast<QDoubleSpinBox*>(changed) != nullptr) {
+            seen->valueInterface()->setCurrentValue(control.edited);
+        } else if (seen->state().checkable) {
+            seen->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
+        } else {
+            continue;
+        }
+        settleEvents();
+        EXPECT_EQ(store.held(control.setting), control.kept(control.edited)) << control.setting;
+    }
+}
+
 TEST_P(Pages, WithoutUiSyncReadAndDropTheValuesButFollowTheStoreWithoutEcho)
 {
     for (const ControlCase& control : controls) {
@@ -315,8 +335,13 @@ TEST_P(Pages, AreWholeInBothLanguagesThereAndBackAndNameTheirControls)
 TEST_P(Pages, HaveRoomForTheirTextsWithoutAStyleSheetInAnyFont)
 {
     show();
+    bind();
+    runtime.call([this] {
+        store.change("soundCardMappings", R"({"mappings":[{"id":1,"name":"A","soundCards":[)"
+                                          R"({"device":"","id":"a","channels":32}]}]})");
+    });
     for (const auto& [language, points] :
-         {std::pair("en", 9), {"en", 12}, {"zh_cn", 9}, {"zh_cn", 12}}) {
+         {std::pair("en", 9), {"en", 12}, {"en", 18}, {"zh_cn", 9}, {"zh_cn", 12}, {"zh_cn", 18}}) {
         page->switchLanguage(language);
         QFont font = QApplication::font();
         font.setPointSize(points);
@@ -325,10 +350,12 @@ TEST_P(Pages, HaveRoomForTheirTextsWithoutAStyleSheetInAnyFont)
         EXPECT_TRUE(QTest::qWaitFor([this] {
             return page->height() >= page->layout()->totalMinimumSize().height();
         })) << points;
-        // Beside the navigation and the scroll bar of the dialog.
-        EXPECT_LE(page->minimumSizeHint().width(), 894) << language << ' ' << points;
+        if (points <= 12) { // beside the navigation and the scroll bar of the dialog
+            EXPECT_LE(page->minimumSizeHint().width(), 894) << language << ' ' << points;
+        }
         for (QWidget* widget : page->findChildren<QWidget*>()) {
-            const QString text = widget->property("text").toString();
+            const bool isCombo = qobject_cast<QComboBox*>(widget) != nullptr;
+            const QString text = widget->property(isCombo ? "currentText" : "text").toString();
             const bool isElided = widget->property("readOnly").toBool();
             if (!widget->isVisible() || text.isEmpty() || isElided
                 || widget->property("wordWrap").toBool()) {
@@ -337,7 +364,7 @@ TEST_P(Pages, HaveRoomForTheirTextsWithoutAStyleSheetInAnyFont)
             const bool hasMark = qobject_cast<QCheckBox*>(widget) != nullptr
                                  || qobject_cast<QRadioButton*>(widget) != nullptr;
             const QSize needed = widget->fontMetrics().size(0, text);
-            EXPECT_GE(widget->width(), needed.width() + (hasMark ? 16 : 0)) << text;
+            EXPECT_GE(widget->width(), isCombo ? 0 : needed.width() + (hasMark ? 16 : 0)) << text;
             // Fusion makes the field of a spin box a pixel less high than a line.
             const int cut = widget->objectName() == "qt_spinbox_lineedit" ? 1 : 0;
             EXPECT_GE(widget->height(),

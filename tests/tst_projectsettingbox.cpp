@@ -126,6 +126,11 @@ TEST_F(Project, OffersTheProgramsByGroupAndHandsOverTheChosenOne)
     EXPECT_EQ(warned(log), "sharedProgram is nullptr!|checkedProgramAction");
     EXPECT_TRUE(dispatch->state().project.defaultPlay.lastTime);
     EXPECT_EQ(opened(), "*LastTime  ProgramList Nobody() 晚会()");
+    dispatch->replace({{{"Nobody in the whole of the house", {}}}, {}}, {});
+    opened();
+    QHelpEvent hover(QEvent::ToolTip, menu()->actionGeometry(menu()->actions()[3]).center(), {});
+    QApplication::sendEvent(menu(), &hover);
+    EXPECT_EQ(QToolTip::text(), "Nobody in the whole of the house");
 
     QTest::keyPress(button(), Qt::Key_Space);
     EXPECT_TRUE(menu()->isVisible());

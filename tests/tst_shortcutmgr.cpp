@@ -323,6 +323,12 @@ TEST_F(ShortCuts, ControlsOfDevicesAreBoundMovedAndCleared)
     QApplication::processEvents();
     EXPECT_EQ(midiText(group), knob);
     EXPECT_EQ(midi.asked, "211 group:one") << "it still has the focus";
+    group->clearFocus();
+    EXPECT_EQ(midi.asked, "211 group:one") << "as when another application is in front";
+    QLineEdit search(&window);
+    search.show();
+    search.setFocus();
+    EXPECT_EQ(midi.asked, "stopped");
     EXPECT_TRUE(any.last()[1].toBool());
     const SDeviceBindInfo second{187, outputPath, knob};
     for (const auto result : {TipDialog::cancelled, TipDialog::accepted}) {
@@ -370,6 +376,9 @@ TEST_F(ShortCuts, MessagesOfDevicesReachTheHost)
     EXPECT_NE(url.last()[0].value<std::string>().find(":9001/"), std::string::npos);
     manager.slotLockScreenChanged(true);
     EXPECT_TRUE(midi.locked && dmx.locked && osc.locked);
+    told.clear();
+    dmx.controlMessage(187, outputPath, ""); // on its way already
+    EXPECT_EQ(told, Names());
 }
 
 TEST_F(ShortCuts, MessagesKeepTheirOrderWhileAnActionWaitsAndAFloodIsBounded)

@@ -184,6 +184,9 @@ TEST_F(Mappings, AChangeFromElsewhereIsAnnouncedPieceByPiece)
     EXPECT_EQ(takeTold(),
               (Lines{"changed1; 8; ; d; a; A; 4; 1; ; ", "changed2; 2; Output 2; ; ; ; 2; 1; ; ",
                      "changed2; 4; ; d; b; B; 4; 1; ; ", "added3; 0; Output 3; ; "}));
+    store->change("soundCardMappings", ""); // put back
+    add();
+    EXPECT_EQ(mappings()[0].id, 4U);
 }
 
 TEST_F(Mappings, AnImportedChoiceShowsItsDeviceAndHasTheCardsChannels)

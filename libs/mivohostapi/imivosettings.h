@@ -30,7 +30,7 @@ public:
     virtual bool getAutoSyncResources() = 0;
     /// @}
 
-    /// The kind of resource that was chosen last, and its duration.
+    /// The kind of resource that is shown first, and its duration.
     virtual STResourceSettingsInfo getResourceSettings() = 0;
 
     /// @{

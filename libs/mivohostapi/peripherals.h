@@ -77,7 +77,7 @@ public:
     virtual void setEnabled(bool on) = 0;
     virtual bool isEnabled() const = 0;
     /// @}
-    /// The devices that are connected, also while the input is disabled.
+    /// The devices that are connected; empty while the input is disabled.
     virtual std::vector<SMIDIDevInfo> devices() const = 0;
 
     /// @{

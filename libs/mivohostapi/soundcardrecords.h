@@ -43,7 +43,7 @@ enum EnumSoundCardMappingState : std::uint32_t {
 /// One mapping.
 struct STSoundCardMappingInfo
 {
-    std::uint64_t id = 0;                       ///< never given to another one; 0 in a request
+    std::uint64_t id = 0;                       ///< given once while a host runs; 0 in a request
     std::uint32_t state = SoundCardMappingKept; ///< an EnumSoundCardMappingState
     std::string name;                           ///< 1 to 64 characters, that no other one has
     std::vector<STChosenSoundCard> soundCards;  ///< at most one of each device

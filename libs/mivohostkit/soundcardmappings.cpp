@@ -249,10 +249,11 @@ bool SoundCardMappings::isValid(const QString& text)
 
 void SoundCardMappings::adopt(const QString& text)
 {
-    const auto next = parsed(text);
+    auto next = parsed(text);
     if (!next) {
         return;
     }
+    next->nextId = std::max(next->nextId, m_kept.nextId); // an older text may give ids again
     const auto before = shown(std::exchange(m_kept, *next).mappings);
     m_all.reset();
     // Devices that the host has not set, as at the start, have no cards but the chosen one.

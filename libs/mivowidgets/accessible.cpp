@@ -44,7 +44,7 @@ public:
 };
 
 /// A button that is clicked where Qt would only toggle it, which those do not notice who wait for
-/// clicks; one of an exclusive group is a radio button.
+/// clicks; one of which only one can be checked is a radio button.
 class ButtonInterface : public QAccessibleWidget
 {
 public:
@@ -53,9 +53,10 @@ public:
     QAccessible::Role role() const override
     {
         const QButtonGroup* group = button()->group();
-        return !button()->isCheckable()                 ? QAccessible::Button
-               : group != nullptr && group->exclusive() ? QAccessible::RadioButton
-                                                        : QAccessible::CheckBox;
+        const bool isOneOf = group != nullptr ? group->exclusive() : button()->autoExclusive();
+        return !button()->isCheckable() ? QAccessible::Button
+               : isOneOf                ? QAccessible::RadioButton
+                                        : QAccessible::CheckBox;
     }
 
     QAccessible::State state() const override
@@ -83,7 +84,8 @@ public:
 
     void doAction(const QString& name) override
     {
-        if (name == pressAction()) {
+        const bool toggles = name == toggleAction() && button()->isCheckable(); // as on Windows
+        if (name == pressAction() || toggles) {
             // Not within this call: a prompt may open.
             QMetaObject::invokeMethod(button(), &QAbstractButton::click, Qt::QueuedConnection);
         } else {
@@ -108,6 +110,7 @@ QAccessibleInterface* makeInterface(const QString& className, QObject* object)
         return new QAccessibleWidget(widget, QAccessible::Button);
     }
     if (className == QLatin1String("mivo::widgets::CheckBox")
+        || className == QLatin1String("QRadioButton")
         || (className == QLatin1String("mivo::widgets::PushButton")
             && static_cast<QPushButton*>(widget)->menu() == nullptr)) {
         return new ButtonInterface(widget, QAccessible::Button);

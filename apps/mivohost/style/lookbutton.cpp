@@ -103,6 +103,8 @@ void LookStyle::drawButtonText(QStyleOptionButton& button, QPainter& painter,
     }
     if (kind != ButtonKind::section && kind != ButtonKind::tip) {
         button.features &= ~QStyleOptionButton::HasMenu; // is drawn already, beside the text
+        const QMargins padding = aroundText(kind);
+        button.rect.adjust(0, -padding.top(), 0, padding.bottom()); // into which the text may reach
         QProxyStyle::drawControl(CE_PushButtonLabel, &button, &painter, widget);
         return;
     }

@@ -63,7 +63,7 @@ public:
     /// Binds a control of a device to an action, and takes it from the one that had it.
     void rebindPeripheral(EnumPeripheralShortCutType kind, int type, const std::string& oprKey,
                           const std::string& keyValue);
-    /// Has the covers show the bindings that wait for their device.
+    /// Has the covers show the bindings of paths that MIDI and DMX have made since the start.
     void updatePeripheralKeyName() const;
 
     /// @{

@@ -15,7 +15,7 @@ namespace mivo::settings {
 struct PeripheralAction
 {
     int type;              ///< an EnumShortCutType
-    std::string_view path; ///< without peripheralPrefix
+    std::string_view path; ///< with peripheralPrefix
 };
 
 inline constexpr std::string_view peripheralPrefix = "/Peripherals/";

@@ -31,6 +31,8 @@ public:
     ~FolderClearing() override;
 
     bool isRunning() const { return m_task.isRunning(); }
+    /// By its user; it may still run, and a folder that hangs keeps it running.
+    bool isCancelled() const { return *m_cancelled; }
 
 signals:
     void finished(const mivo::qutils::ClearResult& result);

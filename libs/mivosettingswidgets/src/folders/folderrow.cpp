@@ -171,7 +171,8 @@ void FolderRow::showSpace()
 void FolderRow::startClearing()
 {
     const QString folder = path();
-    if ((m_clearing && m_clearing->isRunning()) || !confirmClearing(m_page, folder)) {
+    const bool isClearing = m_clearing && m_clearing->isRunning() && !m_clearing->isCancelled();
+    if (isClearing || !confirmClearing(m_page, folder)) {
         return;
     }
     m_clearing = std::make_unique<FolderClearing>(folder, m_page, m_dependencies.clear);

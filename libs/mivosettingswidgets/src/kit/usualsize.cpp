@@ -96,6 +96,9 @@ QSize neededBy(const QWidget* widget, const QSize& usual)
     for (auto line = texts.begin(); line != texts.end() && !suffices(needed); ++line) {
         needed = needed.expandedTo(around + metrics.size(Qt::TextSingleLine, *line));
     }
+    if (qobject_cast<const QLineEdit*>(widget) != nullptr) {
+        needed.setHeight(around.height() + metrics.height()); // as Qt draws every text
+    }
     return needed.boundedTo(hint);
 }
 

@@ -91,7 +91,7 @@ public:
 
 public slots:
     void updateDisplayCardInfo();
-    void setGraphicsCard(const std::string& name) { showText(m_card, name); }
+    void setGraphicsCard(const std::string& name);
     void onGraphicsCardComBoxChanged();
     void setDisplayTechnologyStandard(const std::string& name) { showText(m_standard, name); }
     void onDisplayTechnologyStandardsComBoxChanged();
@@ -229,6 +229,13 @@ void CodecControlSettingBox::Impl::updateDisplayCardInfo()
     }
 }
 
+void CodecControlSettingBox::Impl::setGraphicsCard(const std::string& name)
+{
+    if (!showText(m_card, name) && m_card->count() > 0 && renderFacade != nullptr) {
+        showText(m_card, inRuntime([this] { return renderFacade->graphicsCardInUse(); }));
+    }
+}
+
 /// Empty without a facade, which is logged, and where the runtime refuses.
 std::optional<CodecControlSettingBox::Impl::Cards>
 CodecControlSettingBox::Impl::fetchCards(const CallSite& site)
@@ -294,12 +301,14 @@ void CodecControlSettingBox::Impl::processDisplayConfigChange()
     }
     // Always mode 0, whatever is shown; kept on purpose.
     const DynamicRangeConfig config{0, bitDepthOfText(m_bitDepth->currentText())};
-    m_outputConfig.graphicsCard = m_card->currentText().toStdString();
-    m_outputConfig.displayTechnologyStandard = m_standard->currentText().toStdString();
     const auto write = [this, config, site] {
         sharedSettings->setDynamicRangeConfig(config);
-        // The store may have refused it.
-        m_outputConfig.bitDepth = sharedSettings->getDynamicRangeConfig().bitDepth;
+        // The store may have refused it, and the card that is shown need not be the stored one.
+        const DynamicRangeConfig held = sharedSettings->getDynamicRangeConfig();
+        m_outputConfig.rangeMode = static_cast<int>(held.rangeMode);
+        m_outputConfig.bitDepth = held.bitDepth;
+        m_outputConfig.graphicsCard = sharedSettings->getGraphicsCard();
+        m_outputConfig.displayTechnologyStandard = sharedSettings->getDisplayTechnologyStandard();
         if (const auto manager = physicsOutputMgr.lock()) {
             manager->setOutputConfig(m_outputConfig);
         } else {

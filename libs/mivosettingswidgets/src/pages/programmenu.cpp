@@ -59,6 +59,7 @@ ProgramMenu::ProgramMenu(QWidget* parent) : QMenu(parent), m_lastTime(addAction(
 {
     setObjectName(QStringLiteral("groupMenu"));
     setFixedWidth(140);
+    setToolTipsVisible(true);
 }
 
 void ProgramMenu::setPrograms(const ProgramList& list, const QIcon& chosenIcon)
@@ -74,6 +75,8 @@ void ProgramMenu::setPrograms(const ProgramList& list, const QIcon& chosenIcon)
     for (const auto& group : list.groups) {
         const QString shown = fontMetrics().elidedText(group.name, Qt::ElideRight, groupTextWidth);
         QMenu* menu = addMenu(controlText(shown));
+        menu->setAccessibleName(group.name);
+        menu->menuAction()->setToolTip(shown == group.name ? QString() : tipOf(group.name));
         menu->setEnabled(!group.programs.empty());
         for (const auto& program : group.programs) {
             QAction* action = menu->addAction(controlText(program.name));
@@ -105,7 +108,8 @@ void ProgramMenu::removePrograms()
 ProgramButton::ProgramButton(QWidget* parent) : PushButton(parent), m_menu(new ProgramMenu(this))
 {
     setObjectName(QStringLiteral("openProjectFileDefaultPlayBtn"));
-    setFixedSize(140, 26);
+    setUsualWidth(this, 140);
+    setUsualHeight(this, 26);
     setMenu(m_menu);
 }
 

@@ -91,6 +91,7 @@ public:
     void unbind(EnumPeripheralShortCutType kind, int type, const std::string& path);
     void clear(EnumPeripheralShortCutType kind);
     void setLocked(bool locked);
+    bool isLocked() const { return m_isLocked; }
 
     /// What a message leads to may destroy this and its owner.
     void deliverWaiting();

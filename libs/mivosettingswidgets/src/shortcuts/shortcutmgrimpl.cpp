@@ -17,6 +17,19 @@ using mivo::peripheralcontrol::SDeviceBindInfo;
 using mivo::widgets::ShortCutCover;
 using mivo::widgets::TipDialog;
 
+ShortCutMgr::Impl::Impl(ShortCutMgr* manager)
+    : devices(this, [this](const ControlMessage& message) { emitMessage(message); }),
+      m_manager(manager)
+{
+    // Another cover with the focus asks to learn by itself. While another application is in front,
+    // as one that plays a controller, the cover is waited for.
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget* /*old*/, QWidget* focused) {
+        if (focused != nullptr && qobject_cast<ShortCutCover*>(focused) == nullptr) {
+            stopLearning();
+        }
+    });
+}
+
 // --- Keys ---
 
 void ShortCutMgr::Impl::save()
@@ -173,8 +186,7 @@ void ShortCutMgr::Impl::delProgramCoverPtr(ShortCutCover* cover)
 {
     covers.remove(cover);
     if (cover == m_learner) {
-        m_learner = nullptr;
-        devices.stopLearning();
+        stopLearning();
     }
 }
 
@@ -214,6 +226,9 @@ void ShortCutMgr::Impl::showBindings(EnumPeripheralShortCutType kind,
 
 void ShortCutMgr::Impl::emitMessage(const ControlMessage& message)
 {
+    if (devices.isLocked()) {
+        return; // it was on its way already
+    }
     const bool isRewritten =
         message.kind == PeripheralOsc && message.action == ShortCutOfPath && !message.path.empty();
     const QPointer<ShortCutMgr> manager(m_manager); // what the message leads to may end it
@@ -230,6 +245,13 @@ void ShortCutMgr::Impl::setPeripheralBind(int index, const std::string& strOprke
     currentPath = strOprkey;
     m_learner = covers.of(index, strOprkey);
     devices.learn(currentKind, index, strOprkey);
+}
+
+void ShortCutMgr::Impl::stopLearning()
+{
+    if (std::exchange(m_learner, nullptr) != nullptr) {
+        devices.stopLearning();
+    }
 }
 
 void ShortCutMgr::Impl::learnNext(const ShortCutCover* cover)

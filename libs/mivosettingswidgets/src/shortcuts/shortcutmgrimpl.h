@@ -19,10 +19,7 @@ class ShortCutMgr::Impl : public QObject
     using ShortCutCover = mivo::widgets::ShortCutCover;
 
 public:
-    explicit Impl(ShortCutMgr* manager)
-        : devices(this, [this](const ControlMessage& message) { emitMessage(message); }),
-          m_manager(manager)
-    {}
+    explicit Impl(ShortCutMgr* manager);
 
     DeviceBindings devices;
     KeyTable keys;
@@ -74,6 +71,7 @@ private slots:
 private:
     static bool confirmMove();
     void learnNext(const ShortCutCover* cover);
+    void stopLearning();
     void emitMessage(const ControlMessage& message);
 
     ShortCutMgr* m_manager;

@@ -28,7 +28,7 @@ constexpr int gap = 4;
 constexpr int columnWidth = 240;
 constexpr int labelHeight = 20; // for every script, so that the boxes of a row are level
 constexpr int comboHeight = 26;
-constexpr int marksInRow = 3;
+constexpr int mostMarksInRow = 3;
 
 /// A combo box that creates its list when it is first opened: there may be hundreds of these boxes.
 /// `listShown` is called when the list has opened, and after it was closed and a click in it has
@@ -122,12 +122,10 @@ SoundCardColumn::SoundCardColumn(std::string deviceName, QWidget* editor)
       m_combo(new CardBox(this, [this](bool isOpen) { setListOpen(isOpen); })),
       m_texts(new QStringListModel(m_combo))
 {
-    m_label->setGeometry(0, 0, columnWidth, labelHeight);
     m_label->setBuddy(m_combo);
     m_label->setTextFormat(Qt::PlainText);
-    m_combo->setGeometry(0, labelHeight + gap, columnWidth, comboHeight);
     m_combo->setModel(m_texts);
-    placeMarks();
+    placeControls();
     connect(m_combo, qOverload<int>(&ComboBox::activated), this, &SoundCardColumn::choose);
 }
 
@@ -265,7 +263,7 @@ void SoundCardColumn::changeEvent(QEvent* event)
     QWidget::changeEvent(event);
     if (event->type() == QEvent::StyleChange || event->type() == QEvent::FontChange
         || event->type() == QEvent::LayoutDirectionChange) {
-        placeMarks();
+        placeControls();
     }
 }
 
@@ -350,20 +348,31 @@ void SoundCardColumn::showMarks(std::uint32_t channels)
         m_hint->setText(hint);
     }
     if (before != pairs || isHintOther) {
-        placeMarks();
+        placeControls();
     }
     if (before != pairs) {
         emit tabStopsChanged();
     }
 }
 
-void SoundCardColumn::placeMarks()
+void SoundCardColumn::placeControls()
 {
-    int bottom = labelHeight + gap + comboHeight;
+    const int line = fontMetrics().height();
+    // A line of Chinese is up to half as high again as the font's size.
+    const int more =
+        line <= labelHeight ? 0 : std::max(line, fontInfo().pixelSize() * 3 / 2) - labelHeight;
+    m_label->setGeometry(0, 0, columnWidth, labelHeight + more);
+    m_combo->setGeometry(0, labelHeight + more + gap, columnWidth, comboHeight + more);
+    int bottom = labelHeight + gap + comboHeight + 2 * more;
+    int widest = 1;
+    for (const CheckBox* mark : m_marks) {
+        widest = std::max(widest, mark->sizeHint().width());
+    }
+    const int marksInRow = std::clamp(columnWidth / (widest + gap), 1, mostMarksInRow);
     int place = 0;
     for (CheckBox* mark : m_marks) {
         const int height = mark->sizeHint().height();
-        constexpr int width = columnWidth / marksInRow;
+        const int width = columnWidth / marksInRow;
         if (place % marksInRow == 0) {
             bottom += gap + height;
         }

@@ -83,7 +83,7 @@ private:
     void setListOpen(bool isOpen);
     void showAll();
     void showMarks(std::uint32_t channels);
-    void placeMarks();
+    void placeControls();
     void choose(int item);
     void markPairs();
 

@@ -1,6 +1,7 @@
 #include "mivosettingswidgets/virtualmappingwidget.h"
 
 #include "mivohostapi/imivosettings.h"
+#include "mivosettingswidgets/controls.h"
 #include "mivosettingswidgets/storeaccess.h"
 #include "mivosettingswidgets/texts.h"
 #include "soundcards/knowndevices.h"
@@ -97,19 +98,16 @@ VirtualMappingWidget::Impl::Impl(VirtualMappingWidget* editor,
     m_nameLabel->setBuddy(m_name);
     m_name->setObjectName(QStringLiteral("mappingName"));
     m_name->setMaxLength(longestSoundCardMappingName);
-    m_name->setFixedSize(240, 24);
+    m_name->setFixedWidth(240);
+    setUsualHeight(m_name, 24);
     m_nameTip->setObjectName(QStringLiteral("mappingNameTip"));
     m_nameTip->hide();
     m_delete->setObjectName(QStringLiteral("deleteMapping"));
     m_delete->setProperty("style", QStringLiteral("assist"));
-    m_delete->setFixedHeight(24);
+    setUsualHeight(m_delete, 24);
 
-    auto* row = new QHBoxLayout;
+    auto* row = rowOf({m_nameLabel, m_name, m_nameTip});
     row->setSpacing(8);
-    row->addWidget(m_nameLabel);
-    row->addWidget(m_name);
-    row->addWidget(m_nameTip);
-    row->addStretch();
     row->addWidget(m_delete);
     m_grid->setSpacing(12);
     m_grid->setColumnStretch(columnsInRow, 1);
