@@ -175,6 +175,27 @@ TEST_F(Cluster, WhatIsCompactedWhileAMachineIsAwayIsReadWhenItComesBack)
     EXPECT_NE(log.count("read again"), 0);
 }
 
+TEST_F(Cluster, AShowOfTheSameNameOnOtherServersIsJoinedAndNotOverwritten)
+{
+    ::EtcdServers servers(1);
+    ::EtcdServers others(1);
+    a.start(servers.hosts());
+    ASSERT_TRUE(a.isConnected());
+    for (int i = 0; i < 20; ++i) { // what it sees last is newer than all of the other show
+        servers.ctl({"put", "filler", "x"});
+    }
+    a.set(80);
+    ASSERT_TRUE(a.isConnected());
+    b.start(others.hosts());
+    b.set(90);
+    ASSERT_TRUE(b.isConnected());
+    a.start(others.hosts());
+    EXPECT_TRUE(a.isConnected());
+    EXPECT_TRUE(a.shows(90));
+    EXPECT_TRUE(b.shows(90));
+    EXPECT_TRUE(others.ctl({"get", "/mivo/1/Show-1/show/undoStep"}).contains(":90"));
+}
+
 TEST_F(Cluster, AWatchThatStaysSilentIsNoticed)
 {
     ::EtcdServers servers(1);
@@ -368,6 +389,15 @@ TEST_F(Cluster, KeysOfActionsAreSharedEachForItself)
     manager.shortCutInfoSave(info);
     EXPECT_TRUE(a.becomes([&] { return inEtcd("5:").contains(R"("value":"")"); }));
     EXPECT_TRUE(inEtcd("211:new").contains(R"("by":"b")")) << "what did not change is not written";
+    a.stop();
+    info = manager.linkShortCutInfo();
+    info.pathShortCutList.pop_back(); // in a run without the show
+    manager.shortCutInfoSave(info);
+    a.start({servers.hosts(), false, {}, {}, {}},
+            [&] { new SharedShortcuts(manager, a.synchroniser()); });
+    EXPECT_TRUE(a.becomes([&] { return keys().size() == 2 && a.lost.size() == 1; }));
+    EXPECT_EQ(a.lost.at(0).mine, "");
+    EXPECT_EQ(a.lost.at(0).theirs, "Ctrl + M");
 }
 
 TEST_F(Cluster, ProgramsShareAShowAndAMachineIsReplaced)

@@ -174,10 +174,13 @@ TEST_F(Store, AWriteThatFailsChangesNothingAndTellsEverybody)
 TEST_F(Store, FollowsChangesFromElsewhere)
 {
     auto store = make({{"undoStep", 0}});
+    QStringList told;
+    store->setFailureHandler([&told](const QString& reason) { told.append(reason); });
     for (const int step : {90, 90, 9000}) {
         store->change("undoStep", step);
     }
     EXPECT_EQ(announced, std::vector{90});
+    EXPECT_EQ(told, QStringList("undoStep cannot be 9000, as it was set elsewhere"));
     EXPECT_TRUE(store->kept.writes.empty());
     EXPECT_EQ(store->unusable(), QStringList("undoStep"));
     store->setUndoStep(90);

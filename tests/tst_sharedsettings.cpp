@@ -46,7 +46,13 @@ protected:
         ASSERT_TRUE(opened.persistence->keepOutbox());
         settings = std::make_unique<SharedSettings>(
             std::move(opened.persistence),
-            SharedSettings::Identity{"/s/", "a", "Machine a", {"language"}, {}});
+            SharedSettings::Identity{"/s/",
+                                     "a",
+                                     "Machine a",
+                                     {"language"},
+                                     {},
+                                     {"language", "undoStep", "mfps", "efps", "fadeInTime",
+                                      "fadeOutTime", "canvasColor"}});
         settings->watch([this](const QString& name, const QVariant& value) {
             shown.append(name + '=' + value.toString());
         });
@@ -196,7 +202,7 @@ TEST_F(Shared, WhatOthersChangeIsTakenOverOnceAndInOrder)
     EXPECT_TRUE(shown.isEmpty()) << "the answer has not come yet";
     settings->takeAnswer(batch, written(13));
     EXPECT_EQ(shown, QStringList{"undoStep=75"});
-    settings->takeChanges({deleted});
+    settings->takeChanges({deleted, {"/s/show/of a later version", {}, 15, true}});
     EXPECT_EQ(takeSent(), QStringList{"/s/show/undoStep=75@0"}) << "the show gets it again";
     EXPECT_TRUE(told.isEmpty()) << told.join(';');
 }
@@ -208,12 +214,13 @@ TEST_F(Shared, AllThatEtcdHasIsComparedWithAllThatIsHere)
         settings.reset();
         auto opened = SqlitePersistence::open(folder.filePath("show.sqlite"));
         for (const auto& [name, value] :
-             {std::pair("undoStep", 60), std::pair("mfps", 1), std::pair("efps", 1)}) {
+             {std::pair("undoStep", 60), std::pair("mfps", 1), std::pair("efps", 1),
+              std::pair("of a later version", 1)}) {
             ASSERT_TRUE(opened.persistence->write({{name, value}}));
         }
     }
     start();
-    settings->write({{"fadeInTime", 0.25}});
+    settings->write({{"fadeInTime", 0.25}, {"of another later version", 1}});
     settings->takePage({{there("efps", "1", 3), there("fadeInTime", "0.75", 4)}, true, false});
     settings->takePage(
         {{there("undoStep", "70", 5), there("fadeOutTime", "0.75", 6)}, false, true});
@@ -280,6 +287,71 @@ TEST_F(Shared, WhatTheFileDoesNotTakeIsToldAndHoldsOnlyWhereEtcdHasItAlready)
     EXPECT_EQ(both, (QStringList{"/s/show/mfps=1@0", "/s/show/undoStep=82@9"}));
 }
 
+TEST_F(Shared, AnotherShowOfTheSameNameIsJoinedAndNotOverwritten)
+{
+    const auto show = [](const QByteArray& id) {
+        std::vector<KeyValue> values{there("undoStep", "60", 300)};
+        if (!id.isEmpty()) {
+            values.insert(values.begin(), {"/s/id", id, 301});
+        }
+        return SharedSettings::Page{values};
+    };
+    struct Case
+    {
+        const char* before;
+        const char* now;
+        bool isOther;
+    };
+    for (const Case& one : std::vector<Case>{{"", "", false},
+                                             {"", "A", false}, // the file is of an older version
+                                             {"A", "A", false},
+                                             {"A", "B", true},
+                                             {"A", "", true}}) {
+        SCOPED_TRACE(::testing::Message() << one.before << one.now);
+        settings.reset();
+        QFile::remove(folder.filePath("show.sqlite"));
+        start();
+        settings->takePage(show(one.before));
+        settings->takeChanges({there("undoStep", "70", 5000), there("efps", "1", 5000)});
+        settings->write({{"undoStep", 80}});
+        start();
+        told.clear();
+        settings->takePage(show(one.now));
+        settings->takeChanges({there("mfps", "1", 302)});
+        EXPECT_EQ(told.join(';'), one.isOther ? "replaced undoStep" : "");
+        EXPECT_EQ(kept("undoStep"), one.isOther ? "60" : "80");
+        EXPECT_EQ(kept("mfps"), "1");
+        settings->setConnected(true);
+        EXPECT_EQ(takeSent().join(';'),
+                  one.isOther ? "/s/show/efps=1@0" : "/s/show/undoStep=80@5000;/s/show/efps=1@0");
+    }
+}
+
+TEST_F(Shared, WhatWaitsWhileTheFileTakesNothingGoesOnAfterwards)
+{
+    SKIP_WITHOUT_FULL_DISK();
+    const SharedSettings::Page other{{{"/s/id", "B", 9}}};
+    settings->takePage({{{"/s/id", "A", 9}}});
+    settings->write({{"canvasColor", QString(SharedSettings::longestValue, 'x')}});
+    {
+        const FullDisk full;
+        settings->setConnected(true);
+        EXPECT_EQ(std::exchange(told, {}), (QStringList{"too long canvasColor", "failed"}));
+        settings->setAgain({"undoStep", 80, 70, "b"});
+        EXPECT_EQ(std::exchange(told, {}), (QStringList{"failed", "lost undoStep: 80, 70 by b"}));
+        settings->shareShortcuts({{"shortcut:5:", "Ctrl + K"}}, false);
+        settings->setConnected(false);
+        settings->takePage(other);
+        settings->takeChanges({there("undoStep", "70", 9)});
+        settings->setConnected(true);
+        EXPECT_TRUE(sent.empty() && shown.isEmpty()) << "the outbox is still that of show A";
+    }
+    settings->setConnected(false);
+    settings->takePage(other);
+    settings->setConnected(true);
+    EXPECT_EQ(takeSent(), QStringList{"/s/show/shortcut:5:=Ctrl + K@0"});
+}
+
 TEST_F(Shared, AValueThatIsTooLongStaysHere)
 {
     settings->setConnected(true);
@@ -326,14 +398,27 @@ TEST(ShowSetup, IsRefusedWhereAFileOfItCannotBeUsed)
         EXPECT_TRUE(error.startsWith(folder.filePath(authorities) + ": ")) << error;
     }
     QString error;
+    qputenv("MIVO_STORE_PASSWORD", "secret");
     EXPECT_FALSE(read({login}, error)); // no show
     EXPECT_FALSE(error.isEmpty());
+    EXPECT_FALSE(qEnvironmentVariableIsSet("MIVO_STORE_PASSWORD")) << "programs would get it";
     error.clear();
     const auto setup = read({"--store=etcd://a/show", login, "--machine-name=left"}, error);
     ASSERT_TRUE(setup) << error;
     EXPECT_EQ(setup->servers.user + '/' + setup->servers.password, "ann/se cret");
     EXPECT_EQ(setup->name, "left");
     EXPECT_EQ(read({"--store=etcd://a/show"}, error)->machine, setup->machine);
+}
+
+TEST(ShowSetup, BeginsWithTheOwnSettingsAndNotWithoutThemWhereTheyAreDamaged)
+{
+    const QTemporaryDir folder;
+    const QString own = folder.filePath("settings.sqlite");
+    writeFile(own + ".copy-1");
+    QString error;
+    EXPECT_FALSE(ShowSetup().share(
+        SqlitePersistence::open(folder.filePath("show.sqlite")).persistence, own, error));
+    EXPECT_EQ(error, own + ": the file is missing");
 }
 
 TEST(EtcdMessages, AreTakenOnlyAsEtcdSendsThem)

@@ -2,10 +2,7 @@
 
 #include "base/hostlog.h"
 
-#include <QtCore/QJsonDocument>
-
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 namespace mivohost {
@@ -16,10 +13,7 @@ using Status = etcd::Answer::Status;
 
 namespace {
 
-const QLatin1String valueField("value");
-const QLatin1String machineField("by");
-const QLatin1String nameField("name");
-constexpr int longestName = 64;
+constexpr int longestId = 64;
 
 } // namespace
 
@@ -62,6 +56,10 @@ void SharedSettings::takePage(const Page& page)
 {
     if (page.isFirst) {
         m_read.clear();
+        m_isInShow = enterShow(page);
+    }
+    if (!m_isInShow) {
+        return;
     }
     Updates updates;
     for (const etcd::KeyValue& there : page.values) {
@@ -74,17 +72,55 @@ void SharedSettings::takePage(const Page& page)
     if (page.isLast) { // what this machine has and etcd has not, or not any more
         const QVariantHash rows = m_local->loadAll();
         for (auto row = rows.begin(); row != rows.end(); ++row) {
-            if (!m_read.contains(row.key()) && !m_local->outbox().isWaiting(row.key())) {
+            if (isBrought(row.key()) && !m_read.contains(row.key())
+                && !m_local->outbox().isWaiting(row.key())) {
                 updates.push_back({row.key(), 0, std::nullopt, Waiting::add});
             }
         }
         m_read.clear();
     }
     takeOver(updates);
+    if (page.isLast) {
+        shareShortcuts({}, false);
+    }
+}
+
+/// Whether the outbox is now that of the show whose first page this is. A show that has no id yet
+/// is not one that has.
+bool SharedSettings::enterShow(const Page& page)
+{
+    const auto found =
+        std::find_if(page.values.begin(), page.values.end(), [this](const etcd::KeyValue& value) {
+            return value.key == idKey(m_identity.prefix);
+        });
+    const QString id =
+        found == page.values.end() ? QString() : QString::fromUtf8(found->value.left(longestId));
+    const QString before = m_local->outbox().show();
+    if (id == before) {
+        return true;
+    }
+    keepPending();
+    m_isKept = m_local->setShow(id);
+    if (!m_isKept && m_listener.failed) {
+        m_listener.failed(m_local->lastError());
+    }
+    if (before.isEmpty()) { // what is known may be of this show
+        return true;
+    }
+    if (m_isKept) {
+        hostLog()->warn("this is another show of the same name: {} instead of {}", id.toStdString(),
+                        before.toStdString());
+        m_held.clear();
+        tellWaiting();
+    }
+    return m_isKept;
 }
 
 void SharedSettings::takeChanges(const std::vector<etcd::KeyValue>& values)
 {
+    if (!m_isInShow) {
+        return;
+    }
     Updates updates;
     QSet<QString> names; // what follows for a setting depends on what it was before
     for (const etcd::KeyValue& there : values) {
@@ -156,8 +192,15 @@ SharedSettings::Texts SharedSettings::shortcuts() const
 
 void SharedSettings::shareShortcuts(const Texts& changes, bool isFirst)
 {
-    Updates updates;
+    Texts all = std::exchange(m_unshared, {});
     for (auto change = changes.begin(); change != changes.end(); ++change) {
+        all.insert(change.key(), change.value());
+    }
+    if (all.isEmpty()) {
+        return;
+    }
+    Updates updates;
+    for (auto change = all.begin(); change != all.end(); ++change) {
         updates.push_back({change.key(), m_local->outbox().revisionOf(change.key()), change.value(),
                            isFirst ? Waiting::keep : Waiting::add});
     }
@@ -165,6 +208,9 @@ void SharedSettings::shareShortcuts(const Texts& changes, bool isFirst)
     m_pending = updates;
     announce(updates); // also to who shares them: another's change may be on its way there
     keepPending();
+    if (!m_isKept && !isFirst) {
+        m_unshared = all;
+    }
     tellWaiting();
     sendNext();
 }
@@ -174,7 +220,7 @@ int SharedSettings::adopt(const std::vector<etcd::KeyValue>& values, QString& er
     QVariantHash adopted;
     for (const etcd::KeyValue& there : values) {
         const QString name = QString::fromUtf8(there.key.mid(there.key.lastIndexOf('/') + 1));
-        const auto value = decode(there.value);
+        const auto value = SharedValue::fromJson(there.value);
         if (value && m_identity.own.contains(name) && !m_identity.notAdopted.contains(name)) {
             adopted.insert(name, value->value);
         }
@@ -190,8 +236,13 @@ void SharedSettings::setAgain(const LostChange& change)
 {
     if (write({{change.name, change.mine}})) {
         announce({{change.name, 0, change.mine}});
-    } else if (m_listener.failed) {
-        m_listener.failed(lastError());
+    } else {
+        if (m_listener.failed) {
+            m_listener.failed(lastError());
+        }
+        if (m_listener.lost) { // it still is
+            m_listener.lost(change);
+        }
     }
 }
 
@@ -210,40 +261,19 @@ QString SharedSettings::nameOf(const QByteArray& key) const
 
 QByteArray SharedSettings::encode(const QVariant& value) const
 {
-    const QJsonValue json = value.userType() == QMetaType::QString ? QJsonValue(value.toString())
-                                                                   : QJsonValue(value.toDouble());
-    return QJsonDocument(QJsonObject{{valueField, json},
-                                     {machineField, m_identity.machine},
-                                     {nameField, m_identity.name.left(longestName)}})
-        .toJson(QJsonDocument::Compact);
-}
-
-std::optional<SharedSettings::Value> SharedSettings::decode(const QByteArray& json)
-{
-    if (json.size() > longestValue) {
-        return std::nullopt;
-    }
-    const QJsonObject object = QJsonDocument::fromJson(json).object();
-    const QJsonValue value = object.value(valueField);
-    const QString machine = object.value(machineField).toString();
-    const QString name = object.value(nameField).toString().left(longestName);
-    if (value.isString()) {
-        return Value{value.toString(), machine, name};
-    }
-    if (!value.isDouble()) {
-        return std::nullopt;
-    }
-    constexpr double mostExact = 9007199254740992.; // 2^53
-    const double number = value.toDouble();
-    if (number == std::floor(number) && std::abs(number) < mostExact) {
-        return Value{static_cast<qlonglong>(number), machine, name};
-    }
-    return Value{number, machine, name};
+    return SharedValue{value, m_identity.machine, m_identity.name}.toJson();
 }
 
 bool SharedSettings::isHere(const QString& name, const QVariant& value) const
 {
     return m_local->has(name) && encode(m_local->value(name)) == encode(value);
+}
+
+/// Whether the show gets it where it has it not. Whose a setting of a later version is, only that
+/// version knows.
+bool SharedSettings::isBrought(const QString& name) const
+{
+    return m_identity.known.contains(name) || name.startsWith(shortcutPrefix);
 }
 
 /// What follows from a value in etcd for a setting that is not on its way there.
@@ -254,9 +284,9 @@ void SharedSettings::compare(const QString& name, const etcd::KeyValue& there, b
     if (m_local->outbox().isWaiting(name) || (there.revision <= seen && !isOfPage)) {
         return;
     }
-    const auto value = decode(there.value);
+    const auto value = SharedValue::fromJson(there.value);
     if (there.isDeleted) {
-        if (m_local->has(name)) { // nobody deletes settings: the show gets it again
+        if (m_local->has(name) && isBrought(name)) { // nobody deletes settings: they return
             updates.push_back({name, 0, std::nullopt, Waiting::add});
         }
     } else if (!value) {
@@ -278,7 +308,7 @@ void SharedSettings::compare(const QString& name, const etcd::KeyValue& there, b
 void SharedSettings::settle(const SentChange& sent, const etcd::KeyValue* there, Updates& updates)
 {
     const qint64 revision = there == nullptr ? 0 : there->revision;
-    const auto theirs = there == nullptr ? std::nullopt : decode(there->value);
+    const auto theirs = there == nullptr ? std::nullopt : SharedValue::fromJson(there->value);
     const bool isOther = theirs && revision != sent.write.revision;
     if (isOther && (there->value == sent.write.value || isHere(sent.name, theirs->value))) {
         // Its own, whose answer was lost, or somebody has set the same.
@@ -321,7 +351,9 @@ void SharedSettings::takeOver(const Updates& updates)
         m_listener.replaced(replaced);
     }
     tellWaiting();
-    sendNext();
+    if (m_isKept) { // else what is waiting is as before, until all is read again
+        sendNext();
+    }
 }
 
 /// Called before anything else is written: whoever is told of a change may set something.
@@ -373,6 +405,9 @@ void SharedSettings::sendNext()
     Updates tooLong;
     for (const Outbox::Change& change : m_local->outbox().oldest(mostInOneBatch)) {
         const QByteArray value = encode(m_local->value(change.key));
+        if (!isBrought(change.key)) {
+            continue; // a later version has set it, and sends it
+        }
         if (value.size() > longestValue) {
             tooLong.push_back({change.key, change.revision, std::nullopt, Waiting::remove});
             m_listener.tooLong(change.key);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cluster/etcdmessages.h"
+#include "cluster/sharedvalue.h"
 #include "mivohostkit/settingspersistence.h"
 #include "store/sqlitepersistence.h"
 
@@ -47,11 +48,15 @@ class SharedSettings : public SettingsPersistence
 public:
     static constexpr int mostInOneBatch = 50; ///< etcd takes no more than 128
     static constexpr int mostBytesInOneBatch = 512 << 10;
-    static constexpr int longestValue = 256 << 10; ///< bytes in etcd, which takes 1.5 MiB
+    static constexpr int longestValue = SharedValue::longest;
 
     /// How names begin that are no settings of the store, but keys of actions.
     static constexpr QLatin1String shortcutPrefix{"shortcut:", 9};
     using Texts = QMap<QString, QString>; ///< by name
+
+    /// Of a key at which the show has an id of its own. What a machine has seen of another show
+    /// of the same name, on another etcd, says nothing of this one.
+    static QByteArray idKey(const QByteArray& prefix) { return prefix + "id"; }
 
     struct Identity
     {
@@ -60,6 +65,7 @@ public:
         QString name;             ///< what a person calls it
         QSet<QString> own;        ///< names of settings that each machine has for itself
         QSet<QString> notAdopted; ///< of these, what is of no use to another machine
+        QSet<QString> known; ///< names of all settings of this version; it brings no other ones
     };
     struct Listener
     {
@@ -89,7 +95,7 @@ public:
     /// Whether etcd takes changes. What was sent before and is not answered is sent again.
     void setConnected(bool isConnected);
 
-    /// A part of all keys of the show, in their order.
+    /// A part of all keys of the show, in their order. The id is in the first part.
     struct Page
     {
         std::vector<etcd::KeyValue> values;
@@ -114,27 +120,22 @@ public:
     void setAgain(const LostChange& change);
 
 private:
-    struct Value
-    {
-        QVariant value;
-        QString machine; // that has set it, by its id
-        QString name;
-    };
     using Updates = std::vector<SqlitePersistence::Update>;
 
     QByteArray keyOf(const QString& name) const;
     QString nameOf(const QByteArray& key) const;
     QByteArray encode(const QVariant& value) const;
-    static std::optional<Value> decode(const QByteArray& json);
     bool isHere(const QString& name, const QVariant& value) const;
+    bool isBrought(const QString& name) const;
 
+    bool enterShow(const Page& page);
     void compare(const QString& name, const etcd::KeyValue& there, bool isOfPage,
                  Updates& updates) const;
     void settle(const SentChange& sent, const etcd::KeyValue* there, Updates& updates);
     void takeOver(const Updates& updates);
     void keepPending();
     void announce(const Updates& updates);
-    bool canSend() const { return m_isConnected && !m_isSending && m_listener.send; }
+    bool canSend() const { return m_isConnected && m_isInShow && !m_isSending && m_listener.send; }
     void sendAtOnce(const QString& name, const QVariant& value);
     void sendNext();
     void tellWaiting();
@@ -144,10 +145,12 @@ private:
     Listener m_listener;
     ChangeHandler m_handler;
     bool m_isConnected = false;
+    bool m_isInShow = true; // the outbox is that of the show, or nobody has said otherwise
     bool m_isSending = false;
     bool m_isKept = true;                     // what was written last into the file
     Updates m_pending;                        // what pages are told of, and the file has not yet
     int m_told = -1;                          // how many changes wait
+    Texts m_unshared;                         // keys of actions that the file did not take
     QSet<QString> m_read;                     // names, on the pages since the first
     std::map<QString, etcd::KeyValue> m_held; // changes of settings whose own change is on its way
 };

@@ -22,13 +22,23 @@ SharedShortcuts::SharedShortcuts(mivo::settings::ShortCutMgr& manager, Synchroni
     : QObject(&synchroniser), m_manager(manager), m_synchroniser(synchroniser), m_held(held())
 {
     const Table shared = synchroniser.shortcuts();
+    const auto tellLost = [&synchroniser](const QString& name, const QString& mine,
+                                          const QString& theirs) {
+        synchroniser.tellLost({name, mine, theirs, synchroniser.show()});
+    };
     Table added;
     for (auto key = m_held.begin(); key != m_held.end(); ++key) {
         const auto known = shared.find(key.key());
         if (known == shared.end()) {
             added.insert(key.key(), key.value());
         } else if (*known != key.value()) {
-            synchroniser.tellLost({key.key(), key.value(), *known, {}});
+            tellLost(key.key(), key.value(), *known);
+        }
+    }
+    for (auto key = shared.begin(); key != shared.end(); ++key) {
+        // A file without any may have been unreadable.
+        if (!key->isEmpty() && !m_held.isEmpty() && !m_held.contains(key.key())) {
+            tellLost(key.key(), {}, *key);
         }
     }
     synchroniser.shareShortcuts(added, shared.isEmpty());

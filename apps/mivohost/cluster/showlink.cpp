@@ -4,6 +4,7 @@
 #include "cluster/machines.h"
 
 #include <QtCore/QRandomGenerator>
+#include <QtCore/QUuid>
 
 #include <algorithm>
 #include <utility>
@@ -92,10 +93,44 @@ void ShowLink::connectToServer()
     m_client->signIn([this](const etcd::Answer& answer) {
         if (answer.status != Status::ok) {
             fail(answer.error);
+        } else {
+            readId();
+        }
+    });
+}
+
+/// The servers may be those of another show by now, whose changes do not follow what was read.
+void ShowLink::readId()
+{
+    const QByteArray key = SharedSettings::idKey(m_prefix);
+    m_client->ask(etcd::range(key, key + '\0', 1, 0), [this](const etcd::Answer& answer) {
+        if (answer.status != Status::ok) {
+            fail(answer.error);
+            return;
+        }
+        const QByteArray id = answer.values.empty() ? QByteArray() : answer.values[0].value;
+        if (std::exchange(m_id, id) != id) {
+            m_revision = 0;
+        }
+        if (answer.values.empty()) {
+            makeId();
         } else if (m_revision == 0) {
             readPage(m_prefix, 0, 0);
         } else {
             startWatch();
+        }
+    });
+}
+
+/// Of machines that come at once one makes it; all read it with the other keys. Where a user may
+/// only read, the show has none.
+void ShowLink::makeId()
+{
+    const QByteArray id = QUuid::createUuid().toByteArray(QUuid::WithoutBraces);
+    const auto request = etcd::writeAll({{SharedSettings::idKey(m_prefix), id, 0}});
+    m_client->ask(request, [this](const etcd::Answer& answer) {
+        if (!isFailure(answer)) {
+            readPage(m_prefix, 0, 0);
         }
     });
 }

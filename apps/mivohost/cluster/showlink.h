@@ -48,6 +48,8 @@ signals:
 
 private:
     void connectToServer();
+    void readId();
+    void makeId();
     void readPage(const QByteArray& from, qint64 revision, int before);
     void startWatch();
     void take(const etcd::Report& report);
@@ -64,6 +66,7 @@ private:
     std::unique_ptr<Presence> m_presence; // uses the client
     QTimer m_pause{this};
     QTimer m_check{this};
+    QByteArray m_id;       // of the show that was read; empty: it has none
     qint64 m_revision = 0; // up to which all changes are known; 0: all is to be read
     bool m_isConnected = false;
     bool m_isAsked = false; // the watch is to report a write of its own machine

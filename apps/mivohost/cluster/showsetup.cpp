@@ -92,6 +92,10 @@ int ShowSetup::commandCount(const QCommandLineParser& arguments)
 std::optional<ShowSetup> ShowSetup::read(const QCommandLineParser& arguments, const QDir& data,
                                          QString& error)
 {
+    const QString user = qEnvironmentVariable(userVariable);
+    const QString password = qEnvironmentVariable(passwordVariable);
+    qunsetenv(userVariable); // programs that are started do not get them
+    qunsetenv(passwordVariable);
     const QString store = arguments.value(QStringLiteral("store"));
     if (!ShowAddress::isOne(store)) {
         for (const char* option : {"store-ca", "store-login", "machine-name", "adopt", "forget"}) {
@@ -117,9 +121,8 @@ std::optional<ShowSetup> ShowSetup::read(const QCommandLineParser& arguments, co
             error = path + QStringLiteral(": no certificate (PEM) is in it");
         }
     }
-    setup.servers.user = qEnvironmentVariable(userVariable);
-    setup.servers.password = qEnvironmentVariable(passwordVariable);
-    qunsetenv(passwordVariable); // programs that are started do not get it
+    setup.servers.user = user;
+    setup.servers.password = password;
     if (arguments.isSet(QStringLiteral("store-login"))) {
         const QStringList lines =
             QString::fromUtf8(readNamed(arguments.value(QStringLiteral("store-login")), error))
@@ -147,7 +150,7 @@ std::unique_ptr<SharedSettings> ShowSetup::share(std::unique_ptr<SqlitePersisten
                                                  const QString& ownPath, QString& error) const
 {
     bool isKept = local->keepOutbox();
-    if (isKept && local->loadAll().isEmpty() && QFile::exists(ownPath)) {
+    if (isKept && local->loadAll().isEmpty() && !ownPath.isEmpty()) {
         const auto own = SqlitePersistence::open(ownPath);
         if (!own.persistence) { // a start without the show says more, and puts it right
             error = QStringLiteral("%1: %2").arg(ownPath, own.error);
@@ -164,9 +167,10 @@ std::unique_ptr<SharedSettings> ShowSetup::share(std::unique_ptr<SqlitePersisten
         error = local->lastError();
         return nullptr;
     }
-    SharedSettings::Identity identity{Synchroniser::prefixOf(show), machine, name, {}, {}};
+    SharedSettings::Identity identity{Synchroniser::prefixOf(show), machine, name, {}, {}, {}};
     identity.notAdopted = {QStringLiteral("recentProjectFiles"), QStringLiteral("unsavedProject")};
     for (const auto& setting : SettingsStore().all()) {
+        identity.known.insert(setting.name);
         if (setting.scope == SettingsStore::Scope::machine) {
             identity.own.insert(setting.name);
         }

@@ -30,8 +30,9 @@ struct ShowSetup
     /// How many commands there are, which open no window.
     static int commandCount(const QCommandLineParser& arguments);
 
-    /// From the command line and the environment, whose password it removes. Files that it names
-    /// are read, for ten seconds at most. Nothing without a show, and where `error` says why.
+    /// From the command line and the environment, whose user and password it removes in any case.
+    /// Files that it names are read, for ten seconds at most. Nothing without a show, and where
+    /// `error` says why.
     static std::optional<ShowSetup> read(const QCommandLineParser& arguments, const QDir& data,
                                          QString& error);
 
@@ -39,8 +40,8 @@ struct ShowSetup
     QString path(const QDir& data) const;
 
     /// The settings in that file, which is open, as those that are shared; where it is new, with
-    /// the machine's own ones at `ownPath` to begin with. Null where `error` then says why. Runtime
-    /// thread.
+    /// the machine's own ones at `ownPath` to begin with; empty: without. Null where `error` then
+    /// says why. Runtime thread.
     std::unique_ptr<SharedSettings> share(std::unique_ptr<SqlitePersistence> local,
                                           const QString& ownPath, QString& error) const;
 };

@@ -18,7 +18,12 @@ bool Outbox::open(sqlite3* database)
             .run()
         && Statement(database, "CREATE TABLE IF NOT EXISTS outbox (number INTEGER PRIMARY KEY, "
                                "key TEXT NOT NULL UNIQUE)")
-               .run();
+               .run()
+        && Statement(database, "CREATE TABLE IF NOT EXISTS show (id TEXT NOT NULL)").run();
+    Statement show(database, "SELECT id FROM show");
+    while (show.step()) {
+        m_show = show.text(0);
+    }
     Statement shared(database, "SELECT key, revision FROM shared");
     while (shared.step()) {
         m_revisions.insert(shared.text(0), shared.number(1));
@@ -29,7 +34,23 @@ bool Outbox::open(sqlite3* database)
         m_numbers.insert(waiting.text(1), waiting.number(0));
         m_next = std::max(m_next, waiting.number(0) + 1);
     }
-    return made && shared.isDone() && waiting.isDone();
+    return made && show.isDone() && shared.isDone() && waiting.isDone();
+}
+
+bool Outbox::setShow(const QString& id)
+{
+    if (!m_show.isEmpty() && m_show != id) {
+        if (!Statement(m_database, "DELETE FROM shared").run()
+            || !Statement(m_database, "DELETE FROM outbox").run()) {
+            return false;
+        }
+        m_revisions.clear();
+        m_numbers.clear();
+        m_waiting.clear();
+    }
+    m_show = id;
+    return Statement(m_database, "DELETE FROM show").run()
+           && Statement(m_database, "INSERT INTO show (id) VALUES (?)", id).run();
 }
 
 bool Outbox::set(const QString& key, qint64 revision, Waiting waiting)

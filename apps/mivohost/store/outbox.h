@@ -28,7 +28,13 @@ public:
     /// Makes the tables where there are none, and reads them. False where the database fails.
     bool open(sqlite3* database);
 
-    /// Part of a transaction that the caller has begun. After a rollback open() reads anew.
+    /// Which show these revisions and changes are of; empty: nobody has said.
+    const QString& show() const { return m_show; }
+
+    /// What is known of another show, and was to be sent there, is forgotten. This and set() are
+    /// part of a transaction that the caller has begun; after a rollback open() reads anew.
+    bool setShow(const QString& id);
+
     bool set(const QString& key, qint64 revision, Waiting waiting);
 
     qint64 revisionOf(const QString& key) const { return m_revisions.value(key); }
@@ -45,6 +51,7 @@ public:
 private:
     sqlite3* m_database = nullptr;
     qint64 m_next = 0;
+    QString m_show;
     QHash<QString, qint64> m_revisions;
     QHash<QString, qint64> m_numbers;
     std::map<qint64, QString> m_waiting; // by number

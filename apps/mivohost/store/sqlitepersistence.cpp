@@ -355,14 +355,11 @@ bool SqlitePersistence::keepOutbox()
     return false;
 }
 
-bool SqlitePersistence::update(const std::vector<Update>& updates)
+template <typename Change>
+bool SqlitePersistence::commit(Change change)
 {
     const bool isSameFile = idOf(m_path) == m_file;
-    bool isDone = isSameFile && Statement(m_database, "BEGIN IMMEDIATE").run();
-    for (auto change = updates.begin(); isDone && change != updates.end(); ++change) {
-        isDone = (!change->value || writeRow(m_database, change->key, *change->value))
-                 && (!m_outbox || m_outbox->set(change->key, change->revision, change->waiting));
-    }
+    const bool isDone = isSameFile && Statement(m_database, "BEGIN IMMEDIATE").run() && change();
     if (!isDone || !Statement(m_database, "COMMIT").run()) {
         m_error = isSameFile ? QString::fromUtf8(sqlite3_errmsg(m_database))
                              : QStringLiteral("the file was replaced or removed");
@@ -375,6 +372,25 @@ bool SqlitePersistence::update(const std::vector<Update>& updates)
         return false;
     }
     m_error.clear();
+    return true;
+}
+
+bool SqlitePersistence::setShow(const QString& id)
+{
+    return commit([&] { return m_outbox->setShow(id); });
+}
+
+bool SqlitePersistence::update(const std::vector<Update>& updates)
+{
+    const auto writeAll = [&] {
+        return std::all_of(updates.begin(), updates.end(), [this](const Update& change) {
+            return (!change.value || writeRow(m_database, change.key, *change.value))
+                   && (!m_outbox || m_outbox->set(change.key, change.revision, change.waiting));
+        });
+    };
+    if (!commit(writeAll)) {
+        return false;
+    }
     for (const Update& change : updates) {
         if (change.value) {
             m_rows.insert(change.key, *change.value);

@@ -73,6 +73,9 @@ public:
     /// care for `revision` and `waiting`.
     bool update(const std::vector<Update>& updates);
 
+    /// See Outbox. True also says that it is on the disk.
+    bool setShow(const QString& id);
+
     QVariant value(const QString& key) const { return m_rows.value(key); }
     bool has(const QString& key) const { return m_rows.contains(key); }
     QString lastError() const override { return m_error; }
@@ -88,6 +91,10 @@ private:
     static std::unique_ptr<SqlitePersistence> openLocked(const QString& path, Opened& result);
 
     static FileId idOf(const QString& path);
+
+    /// Has `change` carried out as one transaction, all of it or nothing.
+    template <typename Change>
+    bool commit(Change change);
 
     QString m_path;
     QString m_error;

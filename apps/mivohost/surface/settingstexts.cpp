@@ -217,7 +217,7 @@ QString valueText(const QString& name, const QVariant& kept)
             value.convert(setting.fallback.userType()); // a choice of two is kept as a number
         }
     }
-    return key ? valueText(*key, value) : value.toString();
+    return key ? valueText(*key, value) : partText({}, value);
 }
 
 QString valueText(Key key, const QVariant& value)
