@@ -93,6 +93,23 @@ TEST_F(Window, AsksBeforeChangesAreLost)
     EXPECT_EQ(closed.size(), 2) << "without a question, and there is no tray to hide to";
 }
 
+TEST_F(Window, OffersWhatIsUnsavedUntilSomebodyDecides)
+{
+    const QString save = path("unnamed-1.mivo");
+    runtime.call([&] { store->setUnsavedProject(save); });
+    const auto left = [&](const std::function<void(QMessageBox&)>& answer) {
+        file->start();
+        QPointer<QMessageBox> question;
+        EXPECT_TRUE(QTest::qWaitFor(
+            [&] { return question = window.findChild<QMessageBox*>("unsavedFound"); }));
+        answer(*question);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return question.isNull(); }));
+        return runtime.call([this] { return store->getUnsavedProject(); });
+    };
+    EXPECT_EQ(left([](QMessageBox& asks) { QTest::keyClick(&asks, Qt::Key_Escape); }), save);
+    EXPECT_EQ(left([](QMessageBox& asks) { asks.buttons().at(drop)->click(); }), "");
+}
+
 TEST_F(Window, ShowsAFailureUntilItIsDismissedAndKeepsEachMessage)
 {
     const QLabel* notice = nullptr;
