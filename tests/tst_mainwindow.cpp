@@ -340,6 +340,10 @@ TEST_F(Window, HasEveryTextInTheLanguageThatIsChosen)
     EXPECT_EQ(missing, QStringList());
     EXPECT_EQ(runtime.call([this] { return store->getLanguage(); }), "zh_cn");
     EXPECT_EQ(window.findChild<QLabel*>("playing")->text(), "正在播放：Doors open");
+    for (QTreeWidgetItemIterator item(window.findChild<QTreeWidget*>("programs")); *item; ++item) {
+        EXPECT_EQ((*item)->font(0).bold(), (*item)->text(0) == "Doors open");
+        EXPECT_EQ((*item)->toolTip(0).contains("淡入"), (*item)->parent() != nullptr);
+    }
 }
 
 TEST(ScreenFit, BringsWindowsOntoTheirScreen)
