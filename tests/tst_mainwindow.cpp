@@ -93,6 +93,23 @@ TEST_F(Window, AsksBeforeChangesAreLost)
     EXPECT_EQ(closed.size(), 2) << "without a question, and there is no tray to hide to";
 }
 
+TEST_F(Window, OffersWhatIsUnsavedUntilSomebodyDecides)
+{
+    const QString save = path("unnamed-1.mivo");
+    runtime.call([&] { store->setUnsavedProject(save); });
+    const auto left = [&](const std::function<void(QMessageBox&)>& answer) {
+        file->start();
+        QPointer<QMessageBox> question;
+        EXPECT_TRUE(QTest::qWaitFor(
+            [&] { return question = window.findChild<QMessageBox*>("unsavedFound"); }));
+        answer(*question);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return question.isNull(); }));
+        return runtime.call([this] { return store->getUnsavedProject(); });
+    };
+    EXPECT_EQ(left([](QMessageBox& asks) { QTest::keyClick(&asks, Qt::Key_Escape); }), save);
+    EXPECT_EQ(left([](QMessageBox& asks) { asks.buttons().at(drop)->click(); }), "");
+}
+
 TEST_F(Window, ShowsAFailureUntilItIsDismissedAndKeepsEachMessage)
 {
     const QLabel* notice = nullptr;
@@ -326,6 +343,10 @@ TEST_F(Window, HasEveryTextInTheLanguageThatIsChosen)
     EXPECT_EQ(missing, QStringList());
     EXPECT_EQ(runtime.call([this] { return store->getLanguage(); }), "zh_cn");
     EXPECT_EQ(window.findChild<QLabel*>("playing")->text(), "正在播放：Doors open");
+    for (QTreeWidgetItemIterator item(window.findChild<QTreeWidget*>("programs")); *item; ++item) {
+        EXPECT_EQ((*item)->font(0).bold(), (*item)->text(0) == "Doors open");
+        EXPECT_EQ((*item)->toolTip(0).contains("淡入"), (*item)->parent() != nullptr);
+    }
 }
 
 TEST(ScreenFit, BringsWindowsOntoTheirScreen)

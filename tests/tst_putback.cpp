@@ -170,4 +170,18 @@ TEST_F(PutBackTest, ASectionIsPutBackOnceItsSettingsAreKeptAndCanBeHadAgain)
     EXPECT_TRUE(button->isHidden());
 }
 
+TEST_F(PutBackTest, AnotherLanguageEndsARun)
+{
+    store = std::make_unique<TestStore>(QVariantHash{{"undoStep", 20}});
+    const auto settings = runtime.call([this] { return store->all(); });
+    int runs = 0;
+    mivohost::Rehearsal rehearsal([&](const auto& /*differences*/) { ++runs; });
+    rehearsal.start(settings);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return runs == 1; }));
+    rehearsal.start(settings);
+    rehearsal.translateLanguage();
+    QApplication::processEvents();
+    EXPECT_EQ(runs, 1);
+}
+
 } // namespace putbacktest

@@ -1457,7 +1457,7 @@ Without an answer the copy is used in %4 seconds.</translation>
 
 %1
 
-Open them now?</translation>
+Open them?</translation>
     </message>
     <message>
         <source>OpenUnsaved</source>
@@ -1467,7 +1467,12 @@ Open them now?</translation>
     <message>
         <source>LeaveUnsaved</source>
         <comment>MainWindow</comment>
-        <translation>Do not open</translation>
+        <translation>Discard the changes</translation>
+    </message>
+    <message>
+        <source>LaterUnsaved</source>
+        <comment>MainWindow</comment>
+        <translation>Ask again at the next start</translation>
     </message>
     <message>
         <source>AutostartFailed</source>

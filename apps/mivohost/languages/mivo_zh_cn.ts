@@ -1457,7 +1457,7 @@
 
 %1
 
-现在打开吗？</translation>
+是否打开？</translation>
     </message>
     <message>
         <source>OpenUnsaved</source>
@@ -1467,7 +1467,12 @@
     <message>
         <source>LeaveUnsaved</source>
         <comment>MainWindow</comment>
-        <translation>不打开</translation>
+        <translation>放弃这些更改</translation>
+    </message>
+    <message>
+        <source>LaterUnsaved</source>
+        <comment>MainWindow</comment>
+        <translation>下次启动时再询问</translation>
     </message>
     <message>
         <source>AutostartFailed</source>

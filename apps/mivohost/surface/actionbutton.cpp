@@ -1,6 +1,7 @@
 #include "surface/actionbutton.h"
 
 #include "base/hosttext.h"
+#include "surface/actiontext.h"
 
 #include <mivosettingswidgets/shortcuttable.h>
 #include <mivowidgets/shortcutcover.h>
@@ -34,8 +35,9 @@ ActionButton::ActionButton(int actionType, const std::string& actionPath)
 
 void ActionButton::setTexts()
 {
-    const QString name = hostText(QString::fromStdString(m_textKey));
-    setText(name);
+    setText(hostText(QString::fromStdString(m_textKey)));
+    const QString name = actionText(m_path); // with its group, whose label is elsewhere
+    setAccessibleName(name);
     setToolTip(name);
     m_cover->setClearText(hostText("ClearShortcut"));
     m_cover->setToolTip(name);

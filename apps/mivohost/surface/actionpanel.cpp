@@ -41,11 +41,6 @@ namespace {
 constexpr int columns = 8;
 constexpr int lockScreen = 208; // its type
 
-QString textOf(const std::string& key)
-{
-    return hostText(QString::fromStdString(key));
-}
-
 } // namespace
 
 ActionPanel::ActionPanel(Peripherals& peripherals)
@@ -272,7 +267,7 @@ void ActionPanel::setTexts()
     m_addressLabel->setText(hostText("ListenAddress"));
     m_address->refill();
     for (const auto& [key, label] : m_groups) {
-        label->setText(textOf(key));
+        label->setText(hostText(QString::fromStdString(key)));
     }
     for (ActionButton* action : m_actions) {
         action->setTexts();
@@ -336,7 +331,12 @@ void ActionPanel::setEditing(bool on)
     m_manager.slotShowAllShortCutCover(on, kind());
     showState();
     if (on) {
-        m_actions.front()->cover()->setFocus();
+        const auto shown = std::find_if(m_actions.begin(), m_actions.end(), [this](auto* action) {
+            return m_tools->search().matches(action->textKey());
+        });
+        if (shown != m_actions.end()) {
+            (*shown)->cover()->setFocus(); // Qt would give it to one that nobody sees as well
+        }
         hostLog()->info("editing shortcuts: {}", m_kind->currentText().toStdString());
     } else {
         hostLog()->info("end of editing shortcuts");

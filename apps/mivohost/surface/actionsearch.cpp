@@ -7,13 +7,13 @@
 #include <mivosettingswidgets/shortcutmgr.h>
 #include <mivosettingswidgets/shortcuttable.h>
 #include <mivostyle/style.h>
+#include <mivowidgets/alertlabel.h>
 #include <mivowidgets/shortcutcover.h>
 
 #include <QtCore/QFileInfo>
 #include <QtGui/QKeyEvent>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QHBoxLayout>
-#include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
 
@@ -29,7 +29,7 @@ constexpr int askEvery = 50; // ms
 
 ActionSearch::ActionSearch(const mivo::settings::ShortCutMgr& manager, Peripherals& peripherals)
     : m_manager(manager), m_peripherals(peripherals), m_text(new QLineEdit),
-      m_find(new QPushButton), m_result(new QLabel)
+      m_find(new QPushButton), m_result(new mivo::widgets::AlertLabel)
 {
     m_text->setObjectName(QStringLiteral("findAction"));
     m_text->setClearButtonEnabled(true);
@@ -38,6 +38,9 @@ ActionSearch::ActionSearch(const mivo::settings::ShortCutMgr& manager, Periphera
     m_find->setCheckable(true);
     m_result->setObjectName(QStringLiteral("foundAction"));
     m_result->setTextFormat(Qt::PlainText);
+    QSizePolicy policy = m_result->sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    m_result->setSizePolicy(policy);
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(8);
@@ -127,9 +130,9 @@ void ActionSearch::showIdle()
             return matches(
                 std::string(action.path.substr(mivo::settings::peripheralPrefix.size())));
         });
-    m_result->setText(isFinding() ? hostText("FindHint")
-                      : isAny     ? QString()
-                                  : hostText("NoActionMatches"));
+    showResult(isFinding() ? hostText("FindHint")
+               : isAny     ? QString()
+                           : hostText("NoActionMatches"));
 }
 
 bool ActionSearch::eventFilter(QObject* receiver, QEvent* event)
@@ -174,7 +177,7 @@ void ActionSearch::findKeys(const QString& keys)
         return; // only a modifier so far
     }
     if (mivo::settings::isReservedKeySequence(keys)) {
-        m_result->setText(hostText("FoundReserved").arg(keys));
+        showResult(hostText("FoundReserved").arg(keys));
         emit found(0);
         return;
     }
@@ -200,11 +203,17 @@ void ActionSearch::findControls()
     }
 }
 
+void ActionSearch::showResult(const QString& text)
+{
+    m_result->setText(text);
+    m_result->setVisible(!text.isEmpty());
+}
+
 void ActionSearch::showFound(int type, const std::string& path, const QString& control)
 {
-    m_result->setText(
-        type == 0 ? hostText("FoundFree").arg(control)
-                  : hostText("FoundAction").arg(control, actionText(actionPath(type, path))));
+    showResult(type == 0
+                   ? hostText("FoundFree").arg(control)
+                   : hostText("FoundAction").arg(control, actionText(actionPath(type, path))));
     emit found(type);
 }
 

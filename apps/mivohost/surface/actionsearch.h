@@ -11,12 +11,15 @@
 #include <string>
 #include <vector>
 
-class QLabel;
 class QLineEdit;
 class QPushButton;
 
 namespace mivo::settings {
 class ShortCutMgr;
+}
+
+namespace mivo::widgets {
+class AlertLabel;
 }
 
 namespace mivohost {
@@ -59,6 +62,7 @@ private:
     void showIdle();
     void findKeys(const QString& keys);
     void findControls();
+    void showResult(const QString& text);
     void showFound(int type, const std::string& path, const QString& control);
 
     const mivo::settings::ShortCutMgr& m_manager;
@@ -66,7 +70,7 @@ private:
     mutable std::vector<std::unique_ptr<velorn::trans::Translator>> m_languages; // one for each
     QLineEdit* m_text;
     QPushButton* m_find;
-    QLabel* m_result;
+    mivo::widgets::AlertLabel* m_result;
     QTimer m_timer;
 };
 

@@ -87,31 +87,47 @@ int BindingsModel::columnCount(const QModelIndex& parent) const
     return parent.isValid() ? 0 : columns;
 }
 
+const std::vector<std::string>& BindingsModel::controlsOf(const QModelIndex& index) const
+{
+    return m_rows[static_cast<std::size_t>(index.row())]
+        .controls[static_cast<std::size_t>(index.column())];
+}
+
+QStringList BindingsModel::conflictsOf(const QModelIndex& index) const
+{
+    QStringList conflicts;
+    for (const std::string& control : controlsOf(index)) {
+        const QString conflict = conflictOf({index.column(), control});
+        if (!conflict.isEmpty()) {
+            conflicts.append(conflict.arg(QString::fromStdString(control)));
+        }
+    }
+    return conflicts;
+}
+
 QVariant BindingsModel::data(const QModelIndex& index, int role) const
 {
     if (!index.isValid()) {
         return {};
     }
-    const Row& row = m_rows[static_cast<std::size_t>(index.row())];
-    QStringList texts;
-    QStringList conflicts;
-    for (const std::string& control : row.controls[static_cast<std::size_t>(index.column())]) {
-        const QString text = QString::fromStdString(control);
-        const QString conflict = conflictOf({index.column(), control});
-        texts.append(text);
-        conflicts.append(conflict.isEmpty() ? QString() : conflict.arg(text));
-    }
-    conflicts.removeAll({});
     switch (role) {
-    case Qt::DisplayRole:
-        return index.column() == actionColumn ? actionText(row.path)
-                                              : texts.join(QStringLiteral(", "));
+    case Qt::DisplayRole: { // which sorting asks for very often
+        if (index.column() == actionColumn) {
+            return actionText(m_rows[static_cast<std::size_t>(index.row())].path);
+        }
+        QStringList texts;
+        for (const std::string& control : controlsOf(index)) {
+            texts.append(QString::fromStdString(control));
+        }
+        return texts.join(QStringLiteral(", "));
+    }
     case Qt::DecorationRole:
-        return conflicts.isEmpty() ? QVariant()
-                                   : QIcon(QStringLiteral(":/mivo/style/icons/warning.svg"));
+        return conflictsOf(index).isEmpty()
+                   ? QVariant()
+                   : QIcon(QStringLiteral(":/mivo/style/icons/warning.svg"));
     case Qt::ToolTipRole:
     case conflictRole:
-        return conflicts.join('\n');
+        return conflictsOf(index).join('\n');
     default:
         return {};
     }

@@ -51,7 +51,9 @@ private:
 
     Row& rowOf(const std::string& path);
     void add(int column, int type, const std::string& path, const std::string& control);
+    const std::vector<std::string>& controlsOf(const QModelIndex& index) const;
     QString conflictOf(const Control& control) const;
+    QStringList conflictsOf(const QModelIndex& index) const;
 
     std::vector<Row> m_rows;
     std::unordered_map<std::string, std::size_t> m_rowOf; // by path

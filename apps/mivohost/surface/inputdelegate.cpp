@@ -3,6 +3,7 @@
 #include "surface/inputmodel.h"
 
 #include <QtGui/QPainter>
+#include <QtWidgets/QStyle>
 
 namespace mivohost {
 
@@ -21,6 +22,10 @@ void InputDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     if (isSelected) {
         painter->fillRect(option.rect, option.palette.highlight());
     }
+    // What is laid out from left to right, as the language runs.
+    const auto onItsSide = [&option](const QRect& part) {
+        return QStyle::visualRect(option.direction, option.rect, part);
+    };
     QRect rect = option.rect.adjusted(padding, 0, -padding, 0);
     const QColor colour =
         option.palette.color(isSelected ? QPalette::HighlightedText : QPalette::Text);
@@ -29,13 +34,14 @@ void InputDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                              : -1;
     if (level >= 0) {
         const QRect bar(rect.left(), rect.center().y() - 4, barWidth, 8);
+        const QRect filled(bar.topLeft(), QSize(qRound(level * barWidth), bar.height()));
         QColor ground = colour;
         ground.setAlphaF(0.2);
-        painter->fillRect(bar, ground);
-        painter->fillRect(QRect(bar.topLeft(), QSize(qRound(level * barWidth), bar.height())),
-                          colour);
+        painter->fillRect(onItsSide(bar), ground);
+        painter->fillRect(onItsSide(filled), colour);
         rect.setLeft(bar.right() + 2 * padding);
     }
+    rect = onItsSide(rect);
     painter->setPen(colour);
     const QString text = index.data().toString();
     auto laidOut = m_texts.find(text);
@@ -49,8 +55,10 @@ void InputDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     }
     const QSizeF size = laidOut->size();
     if (size.width() <= rect.width()) {
-        painter->drawStaticText(
-            QPointF(rect.left(), rect.top() + (rect.height() - size.height()) / 2), *laidOut);
+        const bool isMirrored = option.direction == Qt::RightToLeft;
+        painter->drawStaticText(QPointF(isMirrored ? rect.right() + 1 - size.width() : rect.left(),
+                                        rect.top() + (rect.height() - size.height()) / 2),
+                                *laidOut);
     } else {
         painter->drawText(rect, Qt::AlignVCenter | Qt::TextSingleLine,
                           option.fontMetrics.elidedText(text, Qt::ElideRight, rect.width()));

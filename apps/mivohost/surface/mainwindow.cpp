@@ -427,8 +427,12 @@ void MainWindow::offerUnsaved(const QString& file)
     question->setAttribute(Qt::WA_DeleteOnClose);
     question->setTextFormat(Qt::PlainText);
     QPushButton* open = question->addButton(hostText("OpenUnsaved"), QMessageBox::AcceptRole);
-    QPushButton* leave = question->addButton(hostText("LeaveUnsaved"), QMessageBox::RejectRole);
+    QPushButton* leave =
+        question->addButton(hostText("LeaveUnsaved"), QMessageBox::DestructiveRole);
     question->setDefaultButton(open);
+    // As Escape and the window's close button: decides nothing.
+    question->setEscapeButton(
+        question->addButton(hostText("LaterUnsaved"), QMessageBox::RejectRole));
     connect(open, &QPushButton::clicked, &m_project, &ProjectFile::openUnsaved);
     connect(leave, &QPushButton::clicked, &m_project, &ProjectFile::forgetUnsaved);
     question->open(); // modal for this window, without blocking the event loop here

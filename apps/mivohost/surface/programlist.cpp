@@ -2,6 +2,10 @@
 
 #include "base/hosttext.h"
 
+#include <QtCore/QSignalBlocker>
+
+#include <utility>
+
 namespace mivohost {
 
 namespace {
@@ -24,7 +28,8 @@ ProgramList::ProgramList()
 
 void ProgramList::showPrograms(const ProgramDispatch::State& state)
 {
-    if (m_shownGroups != state.project.groups) {
+    const bool hasOthers = m_shownGroups != state.project.groups;
+    if (hasOthers) {
         m_shownGroups = state.project.groups;
         const QTreeWidgetItem* current = currentItem();
         const QVariant currentId = current ? current->data(0, idRole) : QVariant();
@@ -45,18 +50,29 @@ void ProgramList::showPrograms(const ProgramDispatch::State& state)
             setCurrentItem(topLevelItem(0));
         }
     }
-    for (QTreeWidgetItemIterator item(this); *item != nullptr; ++item) {
-        const QVariant id = (*item)->data(0, idRole);
-        QFont itemFont = font();
-        itemFont.setBold(id.isValid() && id.toLongLong() == state.playing);
-        (*item)->setFont(0, itemFont);
-        if (const Project::Program* program =
-                state.project.find(id.isValid() ? id.toLongLong() : -1)) {
-            (*item)->setToolTip(0, hostText("ProgramFades")
-                                       .arg(program->fadeInTime, 0, 'f', 1)
-                                       .arg(program->fadeOutTime, 0, 'f', 1));
+    // There may be very many, and this happens at each start of one. For each change that it is
+    // told of, the view looks for the item's row.
+    const QSignalBlocker blocker(model());
+    const QString fades = hostText("ProgramFades");
+    const bool hasOtherTips = std::exchange(m_shownFades, fades) != fades || hasOthers;
+    QFont playingFont = font();
+    playingFont.setBold(true);
+    for (std::size_t g = 0; g < m_shownGroups.size(); ++g) {
+        const QTreeWidgetItem* group = topLevelItem(static_cast<int>(g));
+        for (int p = 0; p < group->childCount(); ++p) {
+            QTreeWidgetItem* leaf = group->child(p);
+            const Project::Program& program =
+                m_shownGroups[g].programs[static_cast<std::size_t>(p)];
+            leaf->setData(0, Qt::FontRole,
+                          program.id == state.playing ? QVariant(playingFont) : QVariant());
+            if (hasOtherTips) {
+                leaf->setToolTip(
+                    0,
+                    fades.arg(program.fadeInTime, 0, 'f', 1).arg(program.fadeOutTime, 0, 'f', 1));
+            }
         }
     }
+    viewport()->update();
 }
 
 } // namespace mivohost

@@ -25,6 +25,7 @@ signals:
 
 private:
     std::vector<Project::Group> m_shownGroups;
+    QString m_shownFades; // the text of their tips
 };
 
 } // namespace mivohost

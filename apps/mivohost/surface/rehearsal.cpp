@@ -114,6 +114,7 @@ void Rehearsal::makeCopies()
 
 void Rehearsal::translateLanguage()
 {
+    ++m_run; // a run that goes on would look up what is forgotten here
     m_known.clear();
     for (const Page& page : m_pages) {
         if (page.copy) {

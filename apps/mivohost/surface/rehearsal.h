@@ -51,7 +51,7 @@ public:
     /// Begins with the settings as they are now, from the event loop; ends a run that goes on.
     void start(const Settings& settings);
 
-    /// To be called when the pages have another language, before start().
+    /// To be called when the pages have another language, before start(); ends a run that goes on.
     void translateLanguage();
 
 private:
