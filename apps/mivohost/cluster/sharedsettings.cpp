@@ -85,16 +85,20 @@ void SharedSettings::takePage(const Page& page)
     }
 }
 
+QByteArray SharedSettings::idAmong(const std::vector<etcd::KeyValue>& values,
+                                   const QByteArray& prefix)
+{
+    const auto found = std::find_if(
+        values.begin(), values.end(),
+        [key = idKey(prefix)](const etcd::KeyValue& value) { return value.key == key; });
+    return found == values.end() ? QByteArray() : found->value;
+}
+
 /// Whether the outbox is now that of the show whose first page this is. A show that has no id yet
 /// is not one that has.
 bool SharedSettings::enterShow(const Page& page)
 {
-    const auto found =
-        std::find_if(page.values.begin(), page.values.end(), [this](const etcd::KeyValue& value) {
-            return value.key == idKey(m_identity.prefix);
-        });
-    const QString id =
-        found == page.values.end() ? QString() : QString::fromUtf8(found->value.left(longestId));
+    const QString id = QString::fromUtf8(idAmong(page.values, m_identity.prefix).left(longestId));
     const QString before = m_local->outbox().show();
     if (id == before) {
         return true;

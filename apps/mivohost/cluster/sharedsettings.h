@@ -57,6 +57,8 @@ public:
     /// Of a key at which the show has an id of its own. What a machine has seen of another show
     /// of the same name, on another etcd, says nothing of this one.
     static QByteArray idKey(const QByteArray& prefix) { return prefix + "id"; }
+    /// Empty where it is not among them.
+    static QByteArray idAmong(const std::vector<etcd::KeyValue>& values, const QByteArray& prefix);
 
     struct Identity
     {

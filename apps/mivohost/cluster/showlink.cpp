@@ -108,8 +108,7 @@ void ShowLink::readId()
             fail(answer.error);
             return;
         }
-        const QByteArray id = answer.values.empty() ? QByteArray() : answer.values[0].value;
-        if (std::exchange(m_id, id) != id) {
+        if (SharedSettings::idAmong(answer.values, m_prefix) != m_id) {
             m_revision = 0;
         }
         if (answer.values.empty()) {
@@ -146,6 +145,9 @@ void ShowLink::readPage(const QByteArray& from, qint64 revision, int before)
             fail(QStringLiteral("more settings than a show may have"));
         } else {
             const qint64 first = revision == 0 ? answer.revision : revision;
+            if (revision == 0) {
+                m_id = SharedSettings::idAmong(answer.values, m_prefix);
+            }
             emit pageRead({answer.values, revision == 0, !answer.hasMore});
             if (answer.hasMore) {
                 readPage(answer.values.back().key + '\0', first, count);
