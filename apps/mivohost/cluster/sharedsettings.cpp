@@ -408,10 +408,10 @@ void SharedSettings::sendNext()
     int bytes = 0;
     Updates tooLong;
     for (const Outbox::Change& change : m_local->outbox().oldest(mostInOneBatch)) {
-        const QByteArray value = encode(m_local->value(change.key));
         if (!isBrought(change.key)) {
             continue; // a later version has set it, and sends it
         }
+        const QByteArray value = encode(m_local->value(change.key));
         if (value.size() > longestValue) {
             tooLong.push_back({change.key, change.revision, std::nullopt, Waiting::remove});
             m_listener.tooLong(change.key);

@@ -66,6 +66,9 @@ void addCard(GraphicsCardList& list, const std::string& name)
     list.names.push_back(unlike);
 }
 
+namespace {
+
+/// The cards that Vulkan lists, in its order of preference; the first one is in use.
 GraphicsCardList vulkanGraphicsCards()
 {
     const VulkanLoader vulkan;
@@ -105,6 +108,8 @@ GraphicsCardList vulkanGraphicsCards()
     }
     return list;
 }
+
+} // namespace
 
 int listGraphicsCards()
 {

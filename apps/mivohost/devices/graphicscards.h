@@ -25,10 +25,6 @@ struct GraphicsCardList
 /// Adds a card, with a number where another one has that name.
 void addCard(GraphicsCardList& list, const std::string& name);
 
-/// The cards that Vulkan lists, in its order of preference; the first one is in use. Loads the
-/// drivers, which can take a second. Any thread.
-GraphicsCardList vulkanGraphicsCards();
-
 /// The cards that the kernel lists in `folder`, which has the form of Linux's /sys/class/drm. The
 /// card that the machine booted with is the one in use. Empty when the folder does not exist. Any
 /// thread; not on Windows.
