@@ -10,6 +10,8 @@
 #include <algorithm>
 #include <atomic>
 #include <functional>
+#include <tuple>
+#include <utility>
 
 namespace {
 
@@ -37,11 +39,14 @@ public:
     std::atomic<int> hops{0};
 };
 
-struct Ours
+template <typename Runtime>
+struct Hosting
 {
-    CountingRuntime runtime;
+    Runtime runtime;
     TestStore store;
 };
+
+using Ours = Hosting<mivohost::RuntimeThread>;
 
 /// Measures `step(made)` again and again, each time on what `make()` returns.
 template <typename Make, typename Step>
@@ -125,7 +130,7 @@ struct BindingCount
 
 BindingCount countBinding()
 {
-    Ours host;
+    Hosting<CountingRuntime> host;
     SettingsView view(host.runtime, nullptr);
     QApplication::processEvents();
     CallCount count;
@@ -135,12 +140,6 @@ BindingCount countBinding()
     const int hops = host.runtime.hops - before;
     QApplication::processEvents();
     return {static_cast<std::size_t>(hops), host.store.connections(), count.calls};
-}
-
-template <typename Value>
-std::function<void(IMivoSettings&)> reads(Value (IMivoSettings::*getter)())
-{
-    return [getter](IMivoSettings& store) { benchmark::DoNotOptimize((store.*getter)()); };
 }
 
 /// A raw dialog that was just made, and what each of the store's values is shown in.
@@ -153,9 +152,12 @@ struct BoundRaw
     std::vector<std::function<sigslot::connection()>> signals_;
     std::vector<sigslot::scoped_connection> connections;
 
-    void queue(std::size_t value)
+    /// Has the share of a value shown from the event loop, to which what was `read` goes along.
+    template <typename... Read>
+    void queue(std::size_t value, Read... read)
     {
-        const auto show = [&share = shares[value]] {
+        const auto show = [&share = shares[value], kept = std::make_tuple(std::move(read)...)] {
+            benchmark::DoNotOptimize(&kept);
             for (const auto& [control, shown] : share) {
                 opening::showRawValue(control, shown);
             }
@@ -164,10 +166,26 @@ struct BoundRaw
     }
 };
 
+using Read = std::function<void(BareThread&, IMivoSettings&, BoundRaw&, std::size_t value)>;
+
+/// Reads a record or value on the thread, and queues it as that value.
+template <typename Record>
+Read reads(Record (IMivoSettings::*getter)())
+{
+    return [getter](BareThread& thread, IMivoSettings& store, BoundRaw& made, std::size_t value) {
+        Record record{};
+        thread.call([&] {
+            record = (store.*getter)();
+            return 0;
+        });
+        made.queue(value, std::move(record));
+    };
+}
+
 using S = IMivoSettings;
 
 /// What the pages read.
-const std::vector<std::function<void(S&)>> readsOfPages = {
+const std::vector<Read> readsOfPages = {
     reads(&S::getAutoStartSettings),
     reads(&S::getTimedShutdownSettings),
     reads(&S::getTimedAutomaticRestartSettings),
@@ -189,9 +207,10 @@ const std::vector<std::function<void(S&)>> readsOfPages = {
     reads(&S::getDynamicRangeConfig),
 };
 
-/// As many calls over a bare thread as the pages need: one for each page connects to signals of the
-/// store, and the others read a record or value each. The same signals are connected and as many
-/// values queued as by the pages, and the values are shown in the same controls.
+/// As many calls over a bare thread as the pages need, page by page: one for each page connects to
+/// signals of the store, and the others read a record or value each. The same signals are connected
+/// and as many values queued as by the pages, of a record one with the whole of it, and the values
+/// are shown in the same controls.
 void bindFloor(benchmark::State& state)
 {
     prepare(false);
@@ -232,6 +251,8 @@ void bindFloor(benchmark::State& state)
     };
     measure(state, makeUnbound, [&](std::unique_ptr<BoundRaw>& bare) {
         BoundRaw& made = *bare;
+        std::size_t read = 0;
+        std::size_t queued = 0;
         for (std::size_t page = 1; page <= pages; ++page) {
             thread.call([&] {
                 while (made.connections.size() < page * made.signals_.size() / pages) {
@@ -239,15 +260,11 @@ void bindFloor(benchmark::State& state)
                 }
                 return 0;
             });
-        }
-        std::size_t queued = 0;
-        for (std::size_t i = 0; i < reads; ++i) {
-            thread.call([&] {
-                readsOfPages[i](store);
-                return 0;
-            });
-            while (queued < (i + 1) * count.calls / reads) {
-                made.queue(queued++);
+            for (; read < page * reads / pages; ++read) {
+                readsOfPages[read](thread, store, made, queued++);
+                while (queued < (read + 1) * count.calls / reads) {
+                    made.queue(queued++);
+                }
             }
         }
         QApplication::processEvents();

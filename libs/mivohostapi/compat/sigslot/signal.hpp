@@ -7,6 +7,7 @@
 #include <boost/signals2/signal.hpp>
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <utility>
 
@@ -94,7 +95,10 @@ public:
     }
 
 private:
-    boost::signals2::signal<void(Args...)> m_impl;
+    using Slot = std::function<void(Args...)>; // unlike Boost's own, it moves what it is given
+    boost::signals2::signal<void(Args...), boost::signals2::optional_last_value<void>, int,
+                            std::less<int>, Slot>
+        m_impl;
 };
 
 } // namespace sigslot
