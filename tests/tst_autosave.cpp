@@ -67,9 +67,33 @@ TEST_F(AutoSaveTest, KeepsTheNewestOfItsOwnAndTouchesNothingElse)
     expectBesideForeign(
         {"show-20260504-101000.mivo", "show-20260504-101500.mivo", "show-20260504-102000.mivo"});
 
+    saveAt("10:12"); // the clock went back
+    expectBesideForeign(
+        {"show-20260504-101000.mivo", "show-20260504-101200.mivo", "show-20260504-102000.mivo"});
+    saveAt("10:13");
+    saveAt("10:14");
+    expectBesideForeign(
+        {"show-20260504-101200.mivo", "show-20260504-101300.mivo", "show-20260504-101400.mivo"});
+
     runtime.call([this] { store->setAutoSaveProjectFilesMaxNum(1); });
     saveAt("11:00");
     expectBesideForeign({"show-20260504-110000.mivo"});
+    EXPECT_EQ(failed, QStringList());
+}
+
+TEST_F(AutoSaveTest, TakesNamesOfAnyLengthAndHiddenOnes)
+{
+    runtime.call([this] { store->setAutoSaveProjectFilesMaxNum(1); });
+    for (const QString& name :
+         {QString(".show"), QString(83, u'演'), 'a' + QString::fromUtf8("😀").repeated(60)}) {
+        ASSERT_TRUE(saveAs(path(name + ".mivo")));
+        saveAt("10:00");
+        saveAt("10:01");
+        ASSERT_EQ(saves().size(), 1) << name;
+        const QString saved = saves().at(0).section('-', 0, -3);
+        EXPECT_TRUE(name.startsWith(saved) && saved.size() > std::min(name.size() - 1, 75));
+        QFile::remove(path("saves/" + saves().at(0)));
+    }
     EXPECT_EQ(failed, QStringList());
 }
 

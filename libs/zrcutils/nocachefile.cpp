@@ -8,6 +8,13 @@ namespace {
 
 constexpr std::size_t randomLength = 6;
 constexpr char suffix[] = ".saving";
+constexpr std::size_t longestName = 255; // that file systems take
+
+/// Whether a character of a name goes on with this unit of it.
+bool goesOn(fs::path::value_type unit)
+{
+    return sizeof unit == 1 ? (unit & 0xc0) == 0x80 : (unit & 0xfc00) == 0xdc00;
+}
 
 bool isTemporary(const fs::path& file)
 {
@@ -27,8 +34,17 @@ fs::path zrcutils::temporaryFor(const fs::path& target)
 {
     static const char characters[] = "abcdefghijklmnopqrstuvwxyz0123456789";
     std::random_device random;
+    auto kept = target.filename().native();
+    constexpr std::size_t room = longestName - randomLength - sizeof suffix - 1; // and two dots
+    if (kept.size() > room) {
+        std::size_t end = room;
+        while (end > 0 && goesOn(kept[end])) {
+            --end;
+        }
+        kept.resize(end);
+    }
     fs::path name = ".";
-    name += target.filename();
+    name += kept;
     name += ".";
     for (std::size_t i = 0; i < randomLength; ++i) {
         name += characters[random() % (sizeof characters - 1)];

@@ -8,7 +8,8 @@ namespace zrcutils {
 
 std::filesystem::path folderOf(const std::filesystem::path& target);
 
-/// A new name beside the target. On Unix the leading dot hides it.
+/// A new name beside the target, of whose name it has as much as there is room for. On Unix the
+/// leading dot hides it.
 std::filesystem::path temporaryFor(const std::filesystem::path& target);
 
 /// A file with the new content of another one beside that. Its end removes it, unless it has taken

@@ -31,17 +31,29 @@ QString timeSuffix(const QDateTime& now)
                              time.hour(), time.minute(), time.second());
 }
 
+constexpr char suffixForm[] = "-dddddddd-dddddd.mivo";
+
 bool isTimeSuffix(const QString& text)
 {
-    const QLatin1String form("-dddddddd-dddddd.mivo");
+    const QLatin1String form(suffixForm);
     return text.size() == form.size()
            && std::equal(text.begin(), text.end(), form.begin(), [](QChar c, char place) {
                   return place == 'd' ? c >= '0' && c <= '9' : c == place;
               });
 }
 
-/// The project's automatic saves in `folder`, the oldest first; empty files are ones that a full
-/// disk left.
+/// As much of a project's name as a file's name has room for before timeSuffix().
+QString nameWithRoom(QString name)
+{
+    constexpr int longest = 256 - int(sizeof suffixForm); // bytes
+    while (name.toUtf8().size() > longest) {
+        name.chop(name.at(name.size() - 1).isLowSurrogate() ? 2 : 1);
+    }
+    return name;
+}
+
+/// The project's automatic saves in `folder`, the oldest first by their names; empty files are ones
+/// that a full disk left.
 struct OwnSaves
 {
     QStringList good;
@@ -51,7 +63,7 @@ struct OwnSaves
 OwnSaves ownSaves(const QDir& folder, const QString& name, const QString& mark)
 {
     OwnSaves saves;
-    for (const QString& file : folder.entryList(QDir::Files, QDir::Name)) {
+    for (const QString& file : folder.entryList(QDir::Files | QDir::Hidden, QDir::Name)) {
         if (!file.startsWith(name) || !isTimeSuffix(file.mid(name.size()))) {
             continue;
         }
@@ -100,8 +112,9 @@ AutomaticSaveResult saveAutomatically(AutomaticSave save)
         return {{}, QStringLiteral("no such folder")};
     }
     const QDir folder(save.folder);
-    const QString name =
-        save.file.isEmpty() ? QStringLiteral("unnamed") : QFileInfo(save.file).completeBaseName();
+    const QString name = save.file.isEmpty()
+                             ? QStringLiteral("unnamed")
+                             : nameWithRoom(QFileInfo(save.file).completeBaseName());
     const QString mark = save.file.isEmpty() ? QLatin1String("") : save.file;
     const auto fileName = [&] { return name + timeSuffix(save.now); };
     while (folder.exists(fileName())) {
@@ -114,7 +127,11 @@ AutomaticSaveResult saveAutomatically(AutomaticSave save)
     }
     NoCacheFile::removeLeftovers(save.folder.toStdString());
     OwnSaves saves = ownSaves(folder, name, mark);
-    saves.good.removeOne(fileName()); // stays, also where a clock was set back
+    saves.good.removeOne(fileName());
+    // Where the clock was set back, what bears a later time is the older.
+    std::rotate(saves.good.begin(),
+                std::upper_bound(saves.good.begin(), saves.good.end(), fileName()),
+                saves.good.end());
     for (const QString& spared : std::as_const(save.spared)) {
         if (QFileInfo(spared).absoluteDir() == folder) {
             saves.good.removeOne(QFileInfo(spared).fileName());
