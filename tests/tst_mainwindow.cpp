@@ -163,8 +163,8 @@ TEST_F(Window, ImportsTheSettingsThatAreTicked)
         EXPECT_TRUE(QTest::qWaitFor([&] { return open.isNull(); }));
     };
     writeFile(path, R"({"schema":"mivo-settings","version":1,"machine":"a","settings":{
-        "undoStep":81,"mfps":true,"blackScreenMute":true,"language":"zh_cn","later":1,
-        "osc":{"enabled":true,"port":16}}})");
+        "undoStep":81,"mfps":true,"blackScreenMute":true,"language":"zh_CN","later":1,
+        "pictureDuration":1,"osc":{"enabled":true,"port":16}}})");
     auto* dialog = chosen();
     auto* changes = dialog->findChild<QTreeWidget*>("importChanges");
     QStringList rows;
@@ -180,7 +180,7 @@ TEST_F(Window, ImportsTheSettingsThatAreTicked)
                                "0 Network  \n"
                                "0 Use OSC Off, 9000 On, 16\n"
                                "0 Program  \n"
-                               "0 Language – zh_cn");
+                               "0 Language – zh_CN");
     const auto* refused = dialog->findChild<QTreeWidget*>("importRefused");
     EXPECT_EQ(refused->topLevelItem(0)->text(1), "this version does not know it");
     const auto before = runtime.call([this] { return store->kept.rows; });
@@ -202,7 +202,7 @@ TEST_F(Window, ImportsTheSettingsThatAreTicked)
     accept(dialog);
     EXPECT_EQ(runtime.call([this] { return store->kept.rows; }),
               (QVariantHash{
-                  {"mfps", 1}, {"blackScreenMute", 1}, {"language", "zh_cn"}, {"osc", "1|16"}}));
+                  {"mfps", 1}, {"blackScreenMute", 1}, {"language", "zh_CN"}, {"osc", "1|16"}}));
     EXPECT_EQ(peripherals.osc().info().port, 16) << "the service follows";
     EXPECT_EQ(window.menuBar()->actions().at(0)->text(), hostText("Project"));
     EXPECT_EQ(window.findChild<QComboBox*>("languages")->currentData(), "zh_cn");
@@ -342,10 +342,24 @@ TEST_F(Window, HasEveryTextInTheLanguageThatIsChosen)
     translator.setMissingTextHandler(nullptr);
     EXPECT_EQ(missing, QStringList());
     EXPECT_EQ(runtime.call([this] { return store->getLanguage(); }), "zh_cn");
+    runtime.call([this] { store->kept.fails = true; });
+    chooseItem(languages, 0);
+    EXPECT_EQ(languages->currentData(), "zh_cn") << "as is kept";
     EXPECT_EQ(window.findChild<QLabel*>("playing")->text(), "正在播放：Doors open");
     for (QTreeWidgetItemIterator item(window.findChild<QTreeWidget*>("programs")); *item; ++item) {
         EXPECT_EQ((*item)->font(0).bold(), (*item)->text(0) == "Doors open");
         EXPECT_EQ((*item)->toolTip(0).contains("淡入"), (*item)->parent() != nullptr);
+    }
+    for (const char* language : {"fr", ""}) {
+        chooseItem(languages, 1);
+        runtime.call([&] {
+            store->kept.fails = false;
+            store->setLanguage(language);
+        });
+        emit window.transfer().imported();
+        EXPECT_EQ(languages->currentData(), systemLanguage());
+        EXPECT_EQ(window.findChild<QLabel*>("hostTitle")->text(), hostText("Title"));
+        EXPECT_EQ(runtime.call([this] { return store->getLanguage(); }), language);
     }
 }
 

@@ -334,8 +334,8 @@ int run(const QCommandLineParser& arguments)
     if (command.isGiven) {
         code = runSettingsCommand(arguments, runtime, *store);
     } else {
-        const QString kept = runtime.call([&store] { return store->getLanguage(); });
-        const QString language = kept.isEmpty() ? systemLanguage() : kept;
+        const QString language =
+            languageOf(runtime.call([&store] { return store->getLanguage(); }));
         switchTexts(language); // before what may fail, and tell of it
         ProjectFile project(runtime, *store);
         Peripherals peripherals(runtime, *store);

@@ -6,6 +6,7 @@
 #include <mivostyle/style.h>
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QFileInfo>
 #include <QtCore/QLocale>
 #include <QtCore/QPointer>
 #include <QtCore/QTranslator>
@@ -32,6 +33,18 @@ QString systemLanguage()
 {
     return QLocale::system().language() == QLocale::Chinese ? QStringLiteral("zh_cn")
                                                             : QStringLiteral("en");
+}
+
+QString languageOf(const QString& name)
+{
+    const QString wanted = name.toLower().replace('-', '_');
+    for (const QString& file : mivo::style::languageFiles()) {
+        const QString language = QFileInfo(file).completeBaseName().section('_', 1);
+        if (language == wanted) {
+            return language;
+        }
+    }
+    return systemLanguage();
 }
 
 void switchTexts(const QString& language)

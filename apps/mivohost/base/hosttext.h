@@ -10,6 +10,10 @@ void loadLanguages();
 /// English, unless the system's is Chinese.
 QString systemLanguage();
 
+/// The language that this name of it stands for, whatever the case of its letters; the system's
+/// where there is none such.
+QString languageOf(const QString& name);
+
 /// Puts all texts into this language: the host's, those of Qt's own dialogs, and the reasons why
 /// something failed. What is shown already keeps its texts. GUI thread.
 void switchTexts(const QString& language);

@@ -132,7 +132,10 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
     connect(&m_project, &ProjectFile::told, this, tell);
     connect(&m_transfer, &SettingsTransfer::failed, this, &MainWindow::showNotice);
     connect(&m_transfer, &SettingsTransfer::told, this, tell);
-    connect(&m_transfer, &SettingsTransfer::imported, this, &MainWindow::followImport);
+    connect(&m_transfer, &SettingsTransfer::imported, this, [this] { // which no page follows
+        m_peripherals.reload();
+        followLanguage();
+    });
     connect(&m_project, &ProjectFile::unsavedFound, this, &MainWindow::offerUnsaved);
     connect(&m_project, &ProjectFile::fadeTimesApplied, this, [this](int programs) {
         post(velorn::msgcenter::MsgInformation, hostText("FadeTimesApplied").arg(programs));
@@ -178,13 +181,9 @@ void MainWindow::addMenu()
     connect(m_projectMenu, &QMenu::aboutToShow, &m_project, &ProjectFile::checkRecentFiles);
 }
 
-void MainWindow::followImport()
+void MainWindow::followLanguage()
 {
-    m_peripherals.reload();
-    const QString language = m_runtime.call([this] { return m_store.getLanguage(); });
-    if (!language.isEmpty()) {
-        switchLanguage(language);
-    }
+    switchLanguage(languageOf(m_runtime.call([this] { return m_store.getLanguage(); })));
 }
 
 void MainWindow::fillRecentMenu()
@@ -306,7 +305,7 @@ void MainWindow::chooseLanguage(int index)
 {
     const QString language = m_language->itemData(index).toString();
     m_runtime.call([this, &language] { m_store.setLanguage(language); });
-    switchLanguage(language);
+    followLanguage();
 }
 
 void MainWindow::setTexts()

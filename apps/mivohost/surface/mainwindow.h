@@ -83,8 +83,8 @@ protected:
 private:
     void addMenu();
     void fillRecentMenu();
-    /// Takes over what the pages do not follow.
-    void followImport();
+    /// Shows all in the language that the store holds.
+    void followLanguage();
     void post(velorn::msgcenter::EnumMsgKind kind, const QString& text);
     void chooseLanguage(int index);
     void setTexts();
