@@ -64,10 +64,11 @@ TEST(Autostart, FollowsWhatTheStoreKeeps)
     QStringList failures;
     std::optional<TestStore> store;
     std::optional<Autostart> autostart;
-    const auto start = [&](QVariantHash rows, bool allowed = false, bool fromCopy = false) {
+    const auto start = [&](QVariantHash rows, bool allowed = false,
+                           Autostart::Settings settings = Autostart::Settings::own) {
         autostart.reset();
         store.emplace(rows); // these may be the rows of the store before
-        autostart.emplace(runtime, *store, "/opt/mivohost", allowed, fromCopy,
+        autostart.emplace(runtime, *store, "/opt/mivohost", allowed, settings,
                           [&](const QString& why) { failures.append(why); });
     };
     const auto command = [] {
@@ -91,11 +92,20 @@ TEST(Autostart, FollowsWhatTheStoreKeeps)
     start({}); // a store that was lost
     runtime.call([&] { store->setAutoStartDelayTime(10); });
     EXPECT_EQ(command(), withRight + R"("300")");
-    start({{"autoStart", 0}}, false, true);
+    start({{"autoStart", 0}}, false, Autostart::Settings::copy);
     EXPECT_EQ(command(), withRight + R"("300")") << "an older copy of the settings";
     start({{"autoStart", 7}});
     EXPECT_EQ(command(), withRight + R"("300")") << "a value that it cannot be";
 
+    EXPECT_EQ(failures, QStringList());
+    start({{"autoStart", 0}}, false, Autostart::Settings::others);
+    EXPECT_EQ(failures, QStringList());
+    runtime.call([&] { store->setAutoStart(true); });
+    EXPECT_EQ(failures, QStringList("it goes by the settings without --store"));
+    EXPECT_EQ(command(), withRight + R"("300")");
+    failures.clear();
+
+    start({});
     runtime.call([&] { store->setAutoStart(true); });
     runtime.call([&] { store->setAutoStart(false); });
     runtime.call([&] { store->setAutoStartDelayTime(0); });
@@ -103,18 +113,28 @@ TEST(Autostart, FollowsWhatTheStoreKeeps)
     runtime.call([&] { store->setAutoStart(true); });
     EXPECT_EQ(command(), program + R"("--start-delay" "0")") << "off and on takes the right away";
 
+    // Switched off as each system does it.
 #ifdef Q_OS_WIN
     const BYTE off[12] = {3}; // as the system's list of such programs puts it
     RegSetKeyValueW(HKEY_CURRENT_USER,
                     LR"(Software\Microsoft\Windows\CurrentVersion\Explorer\StartupApproved\Run)",
                     QCoreApplication::applicationName().toStdWString().c_str(), REG_BINARY, off,
                     sizeof off);
+#else
+    const QByteArray off = Autostart::entry().toUtf8() + "X-GNOME-Autostart-enabled = false\n";
+    writeFile(path, off);
+    start(store->kept.rows);
+    EXPECT_EQ(readFile(path), off);
+    failures.clear();
+    writeFile(path, "[Desktop Entry]\nHidden=true\n");
+#endif
     runtime.call([&] { store->setAutoStartDelayTime(1); });
     runtime.call([&] { store->setAutoStart(false); });
     runtime.call([&] { store->setAutoStart(true); });
     EXPECT_EQ(failures, QStringList("switched off in the system's list of startup apps"))
         << "until somebody switches it off and on here";
-#endif
+    EXPECT_EQ(command(), program + R"("--start-delay" "1")");
+    failures.clear();
 
     autostart.reset();
     store->setAutoStart(false);
@@ -130,7 +150,7 @@ TEST(Autostart, FollowsWhatTheStoreKeeps)
     }
     EXPECT_EQ(failures.size(), 1);
     EXPECT_TRUE(failures.value(0).startsWith(path + ": ")) << failures.value(0);
-    EXPECT_EQ(command(), program + R"("--start-delay" "0")") << "the old one stays";
+    EXPECT_EQ(command(), program + R"("--start-delay" "1")") << "the old one stays";
 }
 
 } // namespace autostarttest

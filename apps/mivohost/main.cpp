@@ -111,13 +111,11 @@ int runWindow(MainWindow& window, ProjectFile& project, RuntimeThread& runtime,
         };
     };
     const bool allowed = arguments.isSet(QStringLiteral("allow-power-actions"));
-    std::optional<Autostart> autostart;
-    if (arguments.isSet(QStringLiteral("store"))) {
-        hostLog()->info("the start at log-on stays as it is: these are other settings");
-    } else {
-        autostart.emplace(runtime, store, QCoreApplication::applicationFilePath(), allowed,
-                          storeIsCopy, notify("AutostartFailed"));
-    }
+    const auto settings = arguments.isSet(QStringLiteral("store")) ? Autostart::Settings::others
+                          : storeIsCopy                            ? Autostart::Settings::copy
+                                                                   : Autostart::Settings::own;
+    const Autostart autostart(runtime, store, QCoreApplication::applicationFilePath(), allowed,
+                              settings, notify("AutostartFailed"));
     const EndRequests ends(window);
     QObject::connect(&ends, &EndRequests::requested, [&project] {
         project.rescue(); // now, as without a display no event is handled any more

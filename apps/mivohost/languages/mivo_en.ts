@@ -2629,5 +2629,45 @@ Open them?</translation>
         <comment>Reason</comment>
         <translation>written by a later version</translation>
     </message>
+    <message>
+        <source>file is not a database</source>
+        <comment>Reason</comment>
+        <translation>it is no settings file, or a damaged one</translation>
+    </message>
+    <message>
+        <source>database disk image is malformed</source>
+        <comment>Reason</comment>
+        <translation>the settings file is damaged</translation>
+    </message>
+    <message>
+        <source>Read-only file system</source>
+        <comment>Reason</comment>
+        <translation>the disk is read-only</translation>
+    </message>
+    <message>
+        <source>no network card has this address</source>
+        <comment>Reason</comment>
+        <translation>no network card has this address</translation>
+    </message>
+    <message>
+        <source>not a project file, or a damaged one</source>
+        <comment>Reason</comment>
+        <translation>not a project file, or a damaged one</translation>
+    </message>
+    <message>
+        <source>it goes by the settings without --store</source>
+        <comment>Reason</comment>
+        <translation>it goes by the settings without --store</translation>
+    </message>
+    <message>
+        <source>the path is too long</source>
+        <comment>Reason</comment>
+        <translation>the path is too long</translation>
+    </message>
+    <message>
+        <source>what was set elsewhere is no value of it</source>
+        <comment>Reason</comment>
+        <translation>what was set elsewhere is no value of it</translation>
+    </message>
 </context>
 </TS>

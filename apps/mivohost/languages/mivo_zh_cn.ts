@@ -2629,6 +2629,46 @@
         <comment>Reason</comment>
         <translation>由更高版本写入</translation>
     </message>
+    <message>
+        <source>file is not a database</source>
+        <comment>Reason</comment>
+        <translation>不是设置文件，或文件已损坏</translation>
+    </message>
+    <message>
+        <source>database disk image is malformed</source>
+        <comment>Reason</comment>
+        <translation>设置文件已损坏</translation>
+    </message>
+    <message>
+        <source>Read-only file system</source>
+        <comment>Reason</comment>
+        <translation>磁盘为只读</translation>
+    </message>
+    <message>
+        <source>no network card has this address</source>
+        <comment>Reason</comment>
+        <translation>没有网卡具有该地址</translation>
+    </message>
+    <message>
+        <source>not a project file, or a damaged one</source>
+        <comment>Reason</comment>
+        <translation>不是项目文件，或文件已损坏</translation>
+    </message>
+    <message>
+        <source>it goes by the settings without --store</source>
+        <comment>Reason</comment>
+        <translation>以不带 --store 启动时的设置为准</translation>
+    </message>
+    <message>
+        <source>the path is too long</source>
+        <comment>Reason</comment>
+        <translation>路径过长</translation>
+    </message>
+    <message>
+        <source>what was set elsewhere is no value of it</source>
+        <comment>Reason</comment>
+        <translation>在别处设置的值对其无效</translation>
+    </message>
 </context>
 <context>
     <name>QAbstractSpinBox</name>

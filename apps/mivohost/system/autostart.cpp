@@ -9,16 +9,16 @@
 namespace mivohost {
 
 Autostart::Autostart(RuntimeThread& runtime, SettingsStore& store, const QString& program,
-                     bool powerActionsAllowed, bool storeIsCopy, FailureHandler failed)
+                     bool powerActionsAllowed, Settings settings, FailureHandler failed)
     : m_runtime(runtime), m_store(store), m_program(program),
-      m_powerActionsAllowed(powerActionsAllowed), m_failed(std::move(failed))
+      m_powerActionsAllowed(powerActionsAllowed), m_settings(settings), m_failed(std::move(failed))
 {
-    m_runtime.call([this, storeIsCopy] {
+    m_runtime.call([this] {
         m_connections = {
             m_store.autoStartChanged.connect([this](bool) { apply(); }),
             m_store.autoStartDelayTimeChanged.connect([this](int) { apply(); }),
         };
-        if (!storeIsCopy) {
+        if (m_settings == Settings::own) {
             apply();
         }
     });
@@ -40,7 +40,9 @@ void Autostart::apply()
     }
     const STMivoAutoStartSettings settings = m_store.getAutoStartSettings();
     QString reason;
-    if (settings.autoStart) {
+    if (m_settings == Settings::others) {
+        reason = QStringLiteral("it goes by the settings without --store");
+    } else if (settings.autoStart) {
         const QString allow = QStringLiteral("--allow-power-actions");
         QStringList arguments{QStringLiteral("--start-delay"),
                               QString::number(settings.autoStartDelayTime)};

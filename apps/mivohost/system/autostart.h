@@ -30,15 +30,22 @@ QByteArray autostartEntry(const QString& name, const QString& program,
 class Autostart
 {
 public:
+    enum class Settings {
+        own,
+        copy,  ///< an older copy of the own ones
+        others ///< not those with which an entry starts the program
+    };
+
     using FailureHandler = std::function<void(const QString& reason)>;
 
-    /// Brings the entry in line with the store at each change, and at once unless the store is an
-    /// older copy of the settings (`storeIsCopy`), whose word may be out of date. The option
+    /// Brings the entry in line with the store at each change, and at once unless the store holds
+    /// an older copy, whose word may be out of date. With others the entry stays, and each change
+    /// fails. The option
     /// "--allow-power-actions" is in it when it was given to this start, or stands there already:
     /// switching the start at log-on off and on again takes it away. `failed` is called on the
     /// runtime thread, also from here.
     Autostart(RuntimeThread& runtime, SettingsStore& store, const QString& program,
-              bool powerActionsAllowed, bool storeIsCopy, FailureHandler failed);
+              bool powerActionsAllowed, Settings settings, FailureHandler failed);
     ~Autostart();
 
     Autostart(const Autostart&) = delete;
@@ -61,6 +68,7 @@ private:
     SettingsStore& m_store;
     QString m_program;
     bool m_powerActionsAllowed;
+    Settings m_settings;
     FailureHandler m_failed;
     std::vector<sigslot::connection> m_connections; // runtime thread
 };

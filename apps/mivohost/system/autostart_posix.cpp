@@ -38,6 +38,14 @@ QString escaped(QString value)
         .replace('\r', QLatin1String("\\r"));
 }
 
+/// Whether the user has switched it off in the desktop, which keeps the entry.
+bool isSwitchedOff(const QString& entry)
+{
+    const QStringList lines = QString(entry).remove(' ').split('\n');
+    return lines.contains(QLatin1String("Hidden=true"))
+           || lines.contains(QLatin1String("X-GNOME-Autostart-enabled=false"));
+}
+
 } // namespace
 
 QByteArray autostartEntry(const QString& name, const QString& program, const QStringList& arguments)
@@ -65,6 +73,9 @@ QString Autostart::entry()
 
 QString Autostart::setEntry(const QString& program, const QStringList& arguments)
 {
+    if (isSwitchedOff(entry())) {
+        return QStringLiteral("switched off in the system's list of startup apps");
+    }
     const QString path = entryPath();
     const QString folder = QFileInfo(path).absolutePath();
     QDir().mkpath(folder);
