@@ -136,6 +136,8 @@ TEST_F(Window, ShowsAFailureUntilItIsDismissedAndKeepsEachMessage)
     });
     EXPECT_TRUE(QTest::qWaitFor([&] { return notice->isVisible(); }));
     EXPECT_TRUE(notice->text().contains("disk full"));
+    runtime.call([this] { store->change("undoStep", 9000); });
+    EXPECT_TRUE(says("Undo steps: what was set elsewhere is no value of it (9000)"));
 
     BindingSheet& sheet = window.actions().tools().sheet();
     sheet.openWindow();
@@ -296,6 +298,8 @@ TEST_F(Window, HasEveryTextInTheLanguageThatIsChosen)
             all[key] = runtime.call([&] { return store->held(name); });
         }
     }
+    window.showNotice("SettingNotSaved",
+                      "/a (b): unable to open database file (Permission denied)");
     auto* languages = window.findChild<QComboBox*>("languages");
     for (const int index : {1, 0, 1}) {
         chooseItem(languages, index);
@@ -341,6 +345,12 @@ TEST_F(Window, HasEveryTextInTheLanguageThatIsChosen)
     }
     translator.setMissingTextHandler(nullptr);
     EXPECT_EQ(missing, QStringList());
+    EXPECT_TRUE(says("/a (b): the settings file cannot be opened (no permission)"));
+    bool isToldInChinese = false;
+    for (const auto* label : window.findChildren<QLabel*>()) {
+        isToldInChinese |= label->text().contains("/a (b): 无法打开设置文件 (没有权限)");
+    }
+    EXPECT_TRUE(isToldInChinese);
     EXPECT_EQ(runtime.call([this] { return store->getLanguage(); }), "zh_cn");
     runtime.call([this] { store->kept.fails = true; });
     chooseItem(languages, 0);

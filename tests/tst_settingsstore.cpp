@@ -180,7 +180,7 @@ TEST_F(Store, FollowsChangesFromElsewhere)
         store->change("undoStep", step);
     }
     EXPECT_EQ(announced, std::vector{90});
-    EXPECT_EQ(told, QStringList("undoStep cannot be 9000, as it was set elsewhere"));
+    EXPECT_EQ(told, QStringList("undoStep: what was set elsewhere is no value of it (9000)"));
     EXPECT_TRUE(store->kept.writes.empty());
     EXPECT_EQ(store->unusable(), QStringList("undoStep"));
     store->setUndoStep(90);

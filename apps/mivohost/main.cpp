@@ -264,9 +264,10 @@ int run(const QCommandLineParser& arguments)
             }
             return refuse(storeInUse, hostText("DataInUse").arg(data.path()), true);
         case FileLock::Result::failed:
-            return refuse(storeFailed,
-                          hostText("DataFailed").arg(lock, QString::fromStdString(alone.error())),
-                          true);
+            return refuse(
+                storeFailed,
+                hostText("DataFailed").arg(lock, reasonText(QString::fromStdString(alone.error()))),
+                true);
         }
         for (const QString& folder :
              {data.path(), QFileInfo(mivo::settings::shortCutFilePath()).path()}) {

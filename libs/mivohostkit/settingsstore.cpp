@@ -84,8 +84,9 @@ SettingsStore::SettingsStore(std::unique_ptr<SettingsPersistence> persistence,
         }
         const auto accepted = setting->accept(changed);
         if (!accepted) {
-            const QString problem = QStringLiteral("%1 cannot be %2, as it was set elsewhere")
-                                        .arg(name, QString::fromStdString(logged(changed)));
+            const QString problem =
+                QStringLiteral("%1: what was set elsewhere is no value of it (%2)")
+                    .arg(name, QString::fromStdString(logged(changed)));
             hostLog()->warn("setting {}", problem.toStdString());
             m_unusable.insert(setting->key); // so that what is set next replaces it
             if (m_failure) {

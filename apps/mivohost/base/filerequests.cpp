@@ -1,7 +1,5 @@
 #include "base/filerequests.h"
 
-#include "base/hosttext.h"
-
 #include <zrcutils/nocachefile.h>
 
 #include <QtCore/QDir>
@@ -54,7 +52,7 @@ QString saveFile(const QString& path, const std::string& content)
 
 QString fileProblem(const QString& path, const QString& reason)
 {
-    return QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(path), reasonText(reason));
+    return QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(path), reason);
 }
 
 FileRequests::FileRequests(PathObserver observer) : m_observer(std::move(observer)) {}

@@ -33,7 +33,7 @@ FileContent readFile(const QString& path, std::size_t mostBytes);
 /// Writes a file of the user's; empty, or why it is as it was. Threads as above.
 QString saveFile(const QString& path, const std::string& content);
 
-/// Which file it was and why, as a failure is told. GUI thread.
+/// Which file it was and why, for reasonText(). Any thread.
 QString fileProblem(const QString& path, const QString& reason);
 
 /// Work on files that the operator chose, which may lie on a drive that does not answer: it runs on

@@ -16,6 +16,30 @@
 
 namespace mivohost {
 
+namespace {
+
+QString knownReason(const QString& reason)
+{
+    // Not by hostText(): a reason of the system's has no text, and that is no mistake.
+    return QCoreApplication::translate("MivoHost", reason.toUtf8().constData(), "Reason");
+}
+
+/// As knownReason(), also with a closer reason in brackets behind it.
+QString knownWithDetail(const QString& reason)
+{
+    const QString whole = knownReason(reason);
+    if (whole != reason || !reason.endsWith(')')) {
+        return whole;
+    }
+    const int bracket = reason.indexOf(QLatin1String(" ("));
+    const QString detail = reason.mid(bracket + 2).chopped(1);
+    return bracket < 0 ? reason
+                       : QStringLiteral("%1 (%2)").arg(knownReason(reason.left(bracket)),
+                                                       knownReason(detail));
+}
+
+} // namespace
+
 void loadLanguages()
 {
     auto& translator = SettingWdigetTranslateManager::instance().translator();
@@ -78,8 +102,17 @@ QString searchText(const QString& text)
 
 QString reasonText(const QString& reason)
 {
-    // Not by hostText(): a reason of the system's has no text, and that is no mistake.
-    return QCoreApplication::translate("MivoHost", reason.toUtf8().constData(), "Reason");
+    const QLatin1String colon(": ");
+    for (int start = 0; start >= 0;) {
+        const QString rest = reason.mid(start);
+        const QString text = knownWithDetail(rest);
+        if (text != rest) {
+            return reason.left(start) + text;
+        }
+        const int next = reason.indexOf(colon, start);
+        start = next < 0 ? -1 : next + colon.size();
+    }
+    return reason;
 }
 
 } // namespace mivohost

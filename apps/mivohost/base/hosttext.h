@@ -28,8 +28,9 @@ inline QString hostText(const char* key)
 /// A text as it is looked for: without case and accents. Any thread.
 QString searchText(const QString& text);
 
-/// Why something failed, as it is to be shown: in the language in force if the host knows the text,
-/// else as it is. GUI thread.
+/// Why something failed, as it is to be shown: in the language in force as far as the host knows
+/// the text, else as it is. It may stand behind what failed, "/a/b: the reason", and before a
+/// closer one in brackets. GUI thread.
 QString reasonText(const QString& reason);
 
 } // namespace mivohost

@@ -1031,11 +1031,6 @@ Without an answer the copy is used in %4 seconds.</translation>
         <translation>Show “%1”: connected to %2</translation>
     </message>
     <message>
-        <source>NoCardWithAddress</source>
-        <comment>MainWindow</comment>
-        <translation>no network card has the address %1</translation>
-    </message>
-    <message>
         <source>ShowReason</source>
         <comment>MainWindow</comment>
         <translation> (%1: %2)</translation>

@@ -1031,11 +1031,6 @@
         <translation>演出“%1”：已连接到 %2</translation>
     </message>
     <message>
-        <source>NoCardWithAddress</source>
-        <comment>MainWindow</comment>
-        <translation>没有网卡具有地址 %1</translation>
-    </message>
-    <message>
         <source>ShowReason</source>
         <comment>MainWindow</comment>
         <translation>（%1：%2）</translation>
@@ -3071,6 +3066,13 @@ Do you want to delete it anyway?</source>
     <message>
         <source>Scroll down</source>
         <translation>向下滚动</translation>
+    </message>
+</context>
+<context>
+    <name>QShortcut</name>
+    <message>
+        <source>Space</source>
+        <translation>空格</translation>
     </message>
 </context>
 <context>

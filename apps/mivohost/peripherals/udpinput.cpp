@@ -1,7 +1,6 @@
 #include "peripherals/udpinput.h"
 
 #include "base/hostlog.h"
-#include "base/hosttext.h"
 
 #include <QtNetwork/QNetworkInterface>
 
@@ -73,7 +72,7 @@ bool UdpInput::tryToOpen()
     } else if (!m_socket.bind(m_address.isNull() || isFiltered ? QHostAddress(QHostAddress::AnyIPv4)
                                                                : m_address,
                               m_port, mode)) {
-        problem = reasonText(m_socket.errorString());
+        problem = m_socket.errorString();
         m_socket.close();
     } else if (isFiltered) {
         m_look.start();
@@ -90,7 +89,7 @@ void UdpInput::lookForCard()
 
 QString UdpInput::noCardText() const
 {
-    return hostText("NoCardWithAddress").arg(m_address.toString());
+    return m_address.toString() + QStringLiteral(": no network card has this address");
 }
 
 void UdpInput::setProblem(const QString& problem)

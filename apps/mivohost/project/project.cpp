@@ -100,7 +100,7 @@ std::optional<Project> projectFromJson(const QByteArray& content, QString& error
     QJsonParseError parseError;
     const QJsonObject root = QJsonDocument::fromJson(content, &parseError).object();
     if (parseError.error != QJsonParseError::NoError) {
-        error = parseError.errorString();
+        error = QStringLiteral("not a project file, or a damaged one");
         return std::nullopt;
     }
     if (root.value(formatKey).toInt() != formatVersion) {

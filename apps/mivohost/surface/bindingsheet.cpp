@@ -132,7 +132,7 @@ void BindingSheet::saveTo(const QString& path)
     const QString shown = QDir::toNativeSeparators(path);
     const auto fail = [this, path](const QString& reason) {
         const QString problem = fileProblem(path, reason);
-        showState(hostText("ShortcutsNotExported").arg(problem));
+        showState(hostText("ShortcutsNotExported").arg(reasonText(problem)));
         emit failed(QStringLiteral("ShortcutsNotExported"), problem);
     };
     m_requests.start(

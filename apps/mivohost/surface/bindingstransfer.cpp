@@ -1,6 +1,5 @@
 #include "surface/bindingstransfer.h"
 
-#include "base/hosttext.h"
 #include "peripherals/bindingsfile.h"
 
 namespace mivohost {
@@ -37,7 +36,7 @@ void BindingsTransfer::exportTo(const QString& path)
 void BindingsTransfer::importFrom(const QString& path)
 {
     const auto fail = [this](const QString& reason) {
-        emit failed(QStringLiteral("ShortcutsNotImported"), reasonText(reason));
+        emit failed(QStringLiteral("ShortcutsNotImported"), reason);
     };
     m_requests.start(
         {path, QStringLiteral("OpeningProject"), fail},

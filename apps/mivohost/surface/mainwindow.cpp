@@ -10,6 +10,7 @@
 #include "surface/askforfile.h"
 #include "surface/messagepanel.h"
 #include "surface/programlist.h"
+#include "surface/settingstexts.h"
 #include "surface/waitingline.h"
 #include "system/tray.h"
 
@@ -143,7 +144,10 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
     m_runtime.call([this] {
         m_store.setFailureHandler([this](const QString& reason) {
             QMetaObject::invokeMethod(
-                this, [this, reason] { showNotice(QStringLiteral("SettingNotSaved"), reason); },
+                this,
+                [this, reason] {
+                    showNotice(QStringLiteral("SettingNotSaved"), storeProblem(reason));
+                },
                 Qt::QueuedConnection);
         });
     });

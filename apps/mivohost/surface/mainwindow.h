@@ -66,7 +66,8 @@ public:
     void switchLanguage(const QString& language);
 
     /// Tells of a failure until it is dismissed or there is another one, and posts it to
-    /// messages(). The text is made again in each language.
+    /// messages(). The text is made again in each language, with what reasonText() knows of the
+    /// argument; names and values stay as they were told.
     void showNotice(const QString& key, const QString& argument);
 
     /// Where messages for the operator are posted, which the window shows.

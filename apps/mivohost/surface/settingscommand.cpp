@@ -65,7 +65,8 @@ ExitCode exportSettings(const QCommandLineParser& arguments, RuntimeThread& runt
         path, runtime.call([&] { return SettingsFile::write(store, sectionsOf(arguments)); }));
     return error.isEmpty()
                ? finished
-               : fail(notWritten, hostText("SettingsNotExported").arg(fileProblem(path, error)));
+               : fail(notWritten,
+                      hostText("SettingsNotExported").arg(reasonText(fileProblem(path, error))));
 }
 
 ExitCode importSettings(const QCommandLineParser& arguments, RuntimeThread& runtime,

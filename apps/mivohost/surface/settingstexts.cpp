@@ -241,6 +241,12 @@ QString valueText(Key key, const QVariant& value)
                            : parts.join(QStringLiteral(", "));
 }
 
+QString storeProblem(const QString& reason)
+{
+    const QString name = reason.section(QLatin1String(": "), 0, 0);
+    return settingText(name) + reason.mid(name.size());
+}
+
 QString refusedText(const SettingsFile::Refused& refused)
 {
     using Problem = SettingsFile::Problem;

@@ -142,7 +142,9 @@ void SettingsTransfer::keepAll(
                              QDateTime::currentDateTime(),
                              QStringLiteral("'/keptsettings/settings-'yyyyMMdd-hhmmsszzz'.json'"));
     const QString shown = QDir::toNativeSeparators(path);
-    const auto fail = [kept, path](const QString& reason) { kept({}, fileProblem(path, reason)); };
+    const auto fail = [kept, path](const QString& reason) {
+        kept({}, reasonText(fileProblem(path, reason)));
+    };
     m_requests.start(
         {path, QStringLiteral("SavingProject"), fail}, [path, content = m_runtime.call([&] {
             const auto all = SettingsFile::sections();
@@ -168,7 +170,7 @@ void SettingsTransfer::chooseImport()
 void SettingsTransfer::importFrom(const QString& path)
 {
     const auto fail = [this](const QString& reason) {
-        emit failed(QStringLiteral("SettingsNotImported"), reasonText(reason));
+        emit failed(QStringLiteral("SettingsNotImported"), reason);
     };
     struct Read
     {
@@ -206,7 +208,7 @@ void SettingsTransfer::offer(const SettingsFile& file)
         const auto chosen = dialog->chosen();
         const QString problem = m_runtime.call([&] { return m_store.setAll(chosen); });
         if (!problem.isEmpty()) {
-            emit failed(QStringLiteral("SettingsNotImported"), reasonText(problem));
+            emit failed(QStringLiteral("SettingsNotImported"), problem);
             return;
         }
         emit imported();

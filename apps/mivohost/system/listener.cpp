@@ -60,14 +60,13 @@ bool Listener::apply(ListeningPorts::Port port)
     QString failure;
     if (requested.open && requested.port == 0) {
         // The system would choose one that nobody knows.
-        failure = reasonText(QStringLiteral("0 is no port"));
+        failure = QStringLiteral("0 is no port");
     } else if (requested.open && isTcp) {
-        const QString reason = listenAlone(m_tcp, requested.port);
-        failure = reason.isEmpty() ? QString() : reasonText(reason);
+        failure = listenAlone(m_tcp, requested.port);
     } else if (requested.open
                && !m_udp.bind(QHostAddress::Any, requested.port,
                               QAbstractSocket::DontShareAddress)) {
-        failure = reasonText(m_udp.errorString());
+        failure = m_udp.errorString();
         m_udp.close();
     }
     const bool isOpen = requested.open && failure.isEmpty();
@@ -82,9 +81,10 @@ bool Listener::apply(ListeningPorts::Port port)
     if (isOpen) {
         hostLog()->info("{} port {} is open", isTcp ? "TCP" : "UDP", requested.port);
     }
-    m_runtime.post([this, port, result = STPortInfo{isOpen, requested.port},
-                    text = failure.toStdString()] { m_store.ports().report(port, result, text); },
-                   __FILE__, __LINE__, "apply");
+    m_runtime.post(
+        [this, port, result = STPortInfo{isOpen, requested.port},
+         text = reasonText(failure).toStdString()] { m_store.ports().report(port, result, text); },
+        __FILE__, __LINE__, "apply");
     return failure.isEmpty() || requested.port == 0;
 }
 
