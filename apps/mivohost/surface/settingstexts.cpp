@@ -258,7 +258,9 @@ QString refusedText(const SettingsFile::Refused& refused)
     case Problem::wrongType:
         return hostText("SettingWrongType");
     case Problem::outOfRange:
-        return hostText("SettingOutOfRange").arg(refused.lowest).arg(refused.highest);
+        return hostText("SettingOutOfRange")
+            .arg(refused.lowest, 0, 'g', 12) // durations are as long as a day in milliseconds
+            .arg(refused.highest, 0, 'g', 12);
     case Problem::invalid:
         break;
     }
