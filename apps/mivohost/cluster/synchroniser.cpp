@@ -36,7 +36,6 @@ Synchroniser::Synchroniser(RuntimeThread& runtime, SharedSettings& settings,
       m_link(new ShowLink(setup.servers, prefixOf(setup.show), setup.machine))
 {
     m_self.name = setup.name;
-    m_self.address = ownAddress();
     m_self.version = QCoreApplication::applicationVersion();
     m_state.server = setup.servers.hosts.front();
     m_state.since = QDateTime::currentDateTimeUtc();
@@ -114,6 +113,9 @@ void Synchroniser::connectLink()
                         m_state.isConnected = isConnected;
                         m_state.server = server;
                         m_state.reason = reason;
+                        if (isConnected) {
+                            describe();
+                        }
                         emit stateChanged();
                     });
                 });
@@ -142,6 +144,12 @@ QByteArray Synchroniser::prefixOf(const QString& show)
 void Synchroniser::setSoundCards(const std::vector<mivo::settings::STSoundCardInfo>& cards)
 {
     m_self.cards = cards;
+    describe();
+}
+
+void Synchroniser::describe()
+{
+    m_self.address = ownAddress(); // which changes while the program runs
     QMetaObject::invokeMethod(
         m_link, [link = m_link, record = m_self.toJson()] { link->describe(record); },
         Qt::QueuedConnection);

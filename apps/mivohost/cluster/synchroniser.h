@@ -87,6 +87,8 @@ private:
         QMetaObject::invokeMethod(this, std::move(work), Qt::QueuedConnection);
     }
     void connectLink();
+    /// Has the others know what this machine is now.
+    void describe();
     void takeMachines(const SharedSettings::Page& page, bool isAll);
     void tellCards(const std::map<QString, Machine>& before);
 
