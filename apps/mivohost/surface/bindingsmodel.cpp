@@ -184,7 +184,7 @@ QString bindingsHtml(const QAbstractItemModel& model)
                        "</head>\n<body style=\"font-family: sans-serif\"><h2>%1</h2>\n<p>%2</p>\n"
                        "<table border=\"1\" cellspacing=\"0\" cellpadding=\"3\">\n<thead><tr>")
             .arg(title, QLocale()
-                            .toString(QDateTime::currentDateTime(), QLocale::LongFormat)
+                            .toString(QDateTime::currentDateTime(), QLocale::ShortFormat)
                             .toHtmlEscaped());
     for (int column = 0; column < model.columnCount(); ++column) {
         html += "<th align=\"left\">"
