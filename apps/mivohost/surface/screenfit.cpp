@@ -3,6 +3,7 @@
 #include <QtCore/QEvent>
 #include <QtCore/QTimer>
 #include <QtCore/QVariant>
+#include <QtGui/QRegion>
 #include <QtGui/QScreen>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QWidget>
@@ -23,12 +24,11 @@ bool hasFixedSize(const QWidget& window)
 
 bool isOnScreens(const QRect& frame)
 {
-    int area = 0;
+    QRegion outside = frame;
     for (const QScreen* screen : QGuiApplication::screens()) {
-        const QRect part = frame & screen->availableGeometry();
-        area += part.width() * part.height();
+        outside -= screen->availableGeometry();
     }
-    return area >= frame.width() * frame.height();
+    return outside.isEmpty();
 }
 
 void fit(QWidget& window)
