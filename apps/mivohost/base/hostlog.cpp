@@ -116,9 +116,10 @@ void startLog(const QString& file)
                 QFile::setPermissions(file, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
                 keepFromChildren(stream);
             };
-            sinks().all->add_sink(std::make_shared<spdlog::sinks::rotating_file_sink_mt>(
-                name, 1 << 20, 5, false, handlers));
-            logger->set_pattern("%H:%M:%S.%e %l %v");
+            const auto kept = std::make_shared<spdlog::sinks::rotating_file_sink_mt>(
+                name, 1 << 20, 5, false, handlers);
+            kept->set_pattern("%Y-%m-%d %H:%M:%S.%e %l %v");
+            sinks().all->add_sink(kept);
         } catch (const spdlog::spdlog_ex& error) {
             logger->warn("no log file: {}", error.what());
         }
