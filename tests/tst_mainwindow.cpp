@@ -319,6 +319,8 @@ TEST_F(Window, HasEveryTextInTheLanguageThatIsChosen)
               "a setting is there twice", "too deeply nested"}) {
             EXPECT_EQ(reasonText(reason) == reason, index == 0) << reason;
         }
+        EXPECT_EQ(QKeySequence(Qt::Key_Space).toString(QKeySequence::NativeText) == "Space",
+                  index == 0);
         for (const char* key : {"DataInUse", "KeyHint", "MidiHint", "MidiNoDevice", "MidiOff",
                                 "DmxHint", "DmxOff", "OscHint", "OscOff", "ShortcutFiles",
                                 "ClearShortcutsQuestion", "ImportShortcutsQuestion"}) {
