@@ -301,7 +301,7 @@ TEST_F(Window, HasEveryTextInTheLanguageThatIsChosen)
         chooseItem(languages, index);
         for (const char* key :
              {"ProjectNotOpened", "ProjectNotSaved", "AutomaticSaveFailed", "AutostartFailed",
-              "PowerActionFailed", "SettingNotSaved", "ShortcutsNotExported",
+              "KeysClash", "PowerActionFailed", "SettingNotSaved", "ShortcutsNotExported",
               "ShortcutsNotImported", "SettingsExportedLate", "TimedActionCalledOff"}) {
             EXPECT_TRUE(hostText(key).contains("%1")) << key;
         }

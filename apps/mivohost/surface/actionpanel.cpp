@@ -28,7 +28,6 @@
 #include <QtWidgets/QScrollArea>
 
 #include <algorithm>
-#include <iterator>
 
 namespace mivohost {
 
@@ -371,14 +370,7 @@ void ActionPanel::setLocked(bool locked)
 void ActionPanel::setBindings(const STLinkShortCutInfo& info)
 {
     m_hasKeys = !info.shortCutInfoList.empty();
-    std::vector<STShortCutItem> bindings;
-    std::copy_if(info.shortCutInfoList.begin(), info.shortCutInfoList.end(),
-                 std::back_inserter(bindings), [this](const STShortCutItem& item) {
-                     return actionOf(item.type) != nullptr
-                            && !mivo::settings::isReservedKeySequence(
-                                QString::fromStdString(item.shortCutStr));
-                 });
-    m_keys.setBindings(bindings);
+    m_keys.setBindings(info.shortCutInfoList);
     showState();
 }
 
