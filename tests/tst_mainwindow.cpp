@@ -259,7 +259,8 @@ TEST_F(Window, KeepsAllSettingsInAFileBeforeASectionIsPutBack)
         return runtime.call([this] { return store->getUndoStep(); });
     };
     runtime.call([this] { store->setUndoStep(81); });
-    dialog.show();
+    QTest::keySequence(&window, QKeySequence("Ctrl+,"));
+    EXPECT_TRUE(QTest::qWaitFor([&dialog] { return dialog.isVisible(); }));
     QDir().mkpath(QFileInfo(kept.path()).path());
     writeFile(kept.path()); // a file in place of the folder
     EXPECT_EQ(putBack(), 81);

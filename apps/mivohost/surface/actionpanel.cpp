@@ -7,6 +7,7 @@
 #include "surface/actiontext.h"
 #include "surface/actiontools.h"
 #include "surface/askforfile.h"
+#include "surface/buttontext.h"
 #include "surface/inputhint.h"
 #include "surface/listenaddressbox.h"
 
@@ -254,10 +255,7 @@ void ActionPanel::setTexts()
     m_heading->setText(hostText("Actions"));
     m_kind->setItemText(PeripheralKeyboard, hostText("Keys"));
     m_kind->setAccessibleName(hostText("ShortcutKind"));
-    const QKeySequence keys = m_edit->shortcut(); // which a new text clears
-    m_edit->setText(hostText("EditShortcuts"));
-    m_edit->setShortcut(keys);
-    m_edit->setToolTip(keys.toString(QKeySequence::NativeText));
+    setButtonText(*m_edit, hostText("EditShortcuts"));
     m_clear->setText(hostText("ClearShortcuts"));
     m_export->setText(hostText("ExportShortcuts"));
     m_import->setText(hostText("ImportShortcuts"));

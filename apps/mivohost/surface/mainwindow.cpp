@@ -8,6 +8,7 @@
 #include "project/projectfile.h"
 #include "surface/actionpanel.h"
 #include "surface/askforfile.h"
+#include "surface/buttontext.h"
 #include "surface/messagepanel.h"
 #include "surface/programlist.h"
 #include "surface/waitingline.h"
@@ -315,7 +316,7 @@ void MainWindow::setTexts()
         action->setText(hostText(key));
     }
     m_title->setText(hostText("Title"));
-    m_settingsButton->setText(hostText("Settings"));
+    setButtonText(*m_settingsButton, hostText("Settings"));
     m_dismiss->setText(hostText("Dismiss"));
     for (WaitingLine* line : m_waiting) {
         line->setTexts();
