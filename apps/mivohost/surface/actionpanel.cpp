@@ -48,7 +48,7 @@ ActionPanel::ActionPanel(Peripherals& peripherals)
       m_kind(new mivo::widgets::ComboBox), m_clear(new QPushButton), m_export(new QPushButton),
       m_import(new QPushButton), m_lock(new QPushButton), m_hint(new mivo::widgets::AlertLabel),
       m_addressLabel(new QLabel), m_address(new ListenAddressBox(peripherals)),
-      m_fileRetry(m_manager), m_transfer(m_manager, peripherals),
+      m_transfer(m_manager, peripherals), m_fileRetry(m_manager),
       m_tools(new ActionTools(m_manager, peripherals))
 {
     m_heading->setObjectName(QStringLiteral("sectionHeading"));

@@ -106,8 +106,8 @@ private:
     ActionLog m_log;
     KeyTriggers m_keys;
     mivo::settings::ShortCutMgr m_manager; // knows covers and services, and goes before them
-    ShortcutFileRetry m_fileRetry;
     BindingsTransfer m_transfer;
+    ShortcutFileRetry m_fileRetry; // its end may save the keys, which the panel follows
     ActionTools* m_tools;
 };
 
