@@ -317,6 +317,13 @@ TEST_F(Panel, WhatCannotBeReadSavedOrOpenedIsToldAndTriedAgain)
               "KeysNotWritten " + QDir::toNativeSeparators(shortCutFilePath()) + "|KeysWritten");
     EXPECT_EQ(kept().size(), 2U);
 
+    hideKeysFolder(true);
+    bindKey(mute, Qt::Key_F7);
+    hideKeysFolder(false);
+    window.reset();
+    EXPECT_EQ(kept().back().shortCutStr, "F7") << "at the end at the latest";
+    start();
+
     told.clear();
     QUdpSocket taken;
     ASSERT_TRUE(taken.bind(QHostAddress::AnyIPv4, 0, QUdpSocket::DontShareAddress));

@@ -24,10 +24,11 @@ class FindAction : public ::testing::Test
 protected:
     FindAction()
     {
-        // Two actions hold F6, as a file can have it that somebody wrote.
+        // Several actions hold F6, as where another machine of the show has bound it meanwhile.
         QDir().mkpath(QFileInfo(mivo::settings::shortCutFilePath()).path());
         writeFile(mivo::settings::shortCutFilePath(),
                   R"({"shortCutInfoList":[{"type":210,"path":"","shortCutStr":"Ctrl + F5"},
+                  {"type":9999,"path":"","shortCutStr":"F6"},
                   {"type":189,"path":"","shortCutStr":"F6"},{"type":186,"path":"","shortCutStr":"F6"},
                   {"type":188,"path":"","shortCutStr":"Ctrl + S"}]})");
         peripherals.midi().table().bind({189, "/Peripherals/Global/MuteSwitch", control});
@@ -113,6 +114,7 @@ TEST_F(FindAction, FindsByPressingAndTriggersNothing)
     };
     const std::vector<std::pair<std::function<void()>, QString>> rows{
         {[&] { press(Qt::Key_F5, Qt::ControlModifier); }, "Ctrl + F5 – Stage: Take"},
+        {[&] { press(Qt::Key_F6); }, "F6 – Global: Fade to black"},
         {[&] { press(Qt::Key_F7); }, "F7 is free"},
         {[&] { press(Qt::Key_E, Qt::ControlModifier); }, "Ctrl + E is free"},
         {[&] { press(Qt::Key_S, Qt::ControlModifier); }, "Ctrl + S belongs to the program itself"},
@@ -131,9 +133,10 @@ TEST_F(FindAction, FindsByPressingAndTriggersNothing)
     EXPECT_FALSE(panel->tools().search().isFinding());
     EXPECT_EQ(log.count("|action "), 0) << "nothing was triggered";
     EXPECT_EQ(peripherals.midi().table().text(), bindings);
-    press(Qt::Key_F5, Qt::ControlModifier);
+    press(Qt::Key_F6);
     send(QByteArray("/Peripherals/Stage/Cut\0\0", 24));
     EXPECT_TRUE(QTest::qWaitFor([&] { return log.count("|action ") == 2; })) << "now they do again";
+    EXPECT_EQ(log.count("|action Global/FTBSwitch by F6"), 1) << "as found";
     EXPECT_EQ(peripherals.midi().table().use(control, true, true).first,
               BindingTable::Outcome::triggered);
 }
@@ -185,7 +188,7 @@ TEST_F(FindAction, ASheetHasEveryKindAndMarksConflicts)
           "<td>Ctrl + S<br><b>Ctrl + S belongs to the program itself</b></td>"}) {
         EXPECT_TRUE(html.contains(part)) << part;
     }
-    EXPECT_EQ(html.count("<b>"), 3);
+    EXPECT_EQ(html.count("<b>"), 4);
     EXPECT_TRUE(save("sheet.pdf").startsWith("%PDF-"));
     QSignalSpy failed(panel.get(), &ActionPanel::failed);
     save("missing/sheet.pdf");

@@ -372,8 +372,12 @@ TEST_F(Cluster, KeysOfActionsAreSharedEachForItself)
     const auto inEtcd = [&servers](const QString& name) {
         return servers.ctl({"get", "--print-value-only", "/mivo/1/Show-1/show/shortcut:" + name});
     };
-    a.start({servers.hosts(), false, {}, {}, {}},
-            [&] { new SharedShortcuts(manager, a.synchroniser()); });
+    QList<QMap<QString, QStringList>> clashes;
+    a.start({servers.hosts(), false, {}, {}, {}}, [&] {
+        new SharedShortcuts(manager, a.synchroniser());
+        QObject::connect(&a.synchroniser(), &Synchroniser::keysClash,
+                         [&](const auto& actions) { clashes.append(actions); });
+    });
     ASSERT_TRUE(a.isConnected());
     EXPECT_TRUE(a.becomes([&] { return inEtcd("5:").contains("Ctrl + K"); }));
     EXPECT_TRUE(inEtcd("211:a%2Fb%3Ac").contains("Ctrl + L"));
@@ -384,6 +388,9 @@ TEST_F(Cluster, KeysOfActionsAreSharedEachForItself)
     EXPECT_TRUE(a.becomes([&] {
         return keys() == QStringList{"211 a/b:c=Ctrl + M", "211 new=Ctrl + M", "5 =Ctrl + K"};
     })) << keys().join(';');
+    const QStringList both{"shortcut:211:a%2Fb%3Ac", "shortcut:211:new"};
+    EXPECT_TRUE(a.becomes([&] { return !clashes.isEmpty(); }));
+    EXPECT_EQ(clashes, (QList<QMap<QString, QStringList>>{{{"Ctrl + M", both}}}));
     info = manager.linkShortCutInfo();
     info.indexShortCutList.clear();
     manager.shortCutInfoSave(info);
@@ -398,6 +405,7 @@ TEST_F(Cluster, KeysOfActionsAreSharedEachForItself)
     EXPECT_TRUE(a.becomes([&] { return keys().size() == 2 && a.lost.size() == 1; }));
     EXPECT_EQ(a.lost.at(0).mine, "");
     EXPECT_EQ(a.lost.at(0).theirs, "Ctrl + M");
+    EXPECT_EQ(clashes.size(), 1) << "own changes are no news";
 }
 
 TEST_F(Cluster, ProgramsShareAShowAndAMachineIsReplaced)
@@ -461,6 +469,10 @@ TEST_F(Cluster, TheWindowTellsHowItStandsAndSetsAgainWhatWasLost)
     EXPECT_TRUE(shows("lostChange", "“a/b” is now Ctrl + L"));
     window.switchLanguage("zh_cn");
     EXPECT_FALSE(shows("lostChange", "faster"));
+    emit a.synchroniser().keysClash({{"F5", {"shortcut:210:", "shortcut:211:a%2Fb"}}});
+    EXPECT_TRUE(a.becomes([&window] {
+        return window.messages().messages().back().text.find("F5 (") != std::string::npos;
+    }));
     bar.findChild<QPushButton*>("leaveLost")->click();
     EXPECT_FALSE(bar.findChild<QLabel*>("lostChange")->isVisible());
     EXPECT_EQ(a.state().waiting, 1);

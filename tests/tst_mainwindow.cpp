@@ -262,7 +262,8 @@ TEST_F(Window, KeepsAllSettingsInAFileBeforeASectionIsPutBack)
         return runtime.call([this] { return store->getUndoStep(); });
     };
     runtime.call([this] { store->setUndoStep(81); });
-    dialog.show();
+    QTest::keySequence(&window, QKeySequence("Ctrl+,"));
+    EXPECT_TRUE(QTest::qWaitFor([&dialog] { return dialog.isVisible(); }));
     QDir().mkpath(QFileInfo(kept.path()).path());
     writeFile(kept.path()); // a file in place of the folder
     EXPECT_EQ(putBack(), 81);
@@ -306,7 +307,7 @@ TEST_F(Window, HasEveryTextInTheLanguageThatIsChosen)
         chooseItem(languages, index);
         for (const char* key :
              {"ProjectNotOpened", "ProjectNotSaved", "AutomaticSaveFailed", "AutostartFailed",
-              "PowerActionFailed", "SettingNotSaved", "ShortcutsNotExported",
+              "KeysClash", "PowerActionFailed", "SettingNotSaved", "ShortcutsNotExported",
               "ShortcutsNotImported", "SettingsExportedLate", "TimedActionCalledOff"}) {
             EXPECT_TRUE(hostText(key).contains("%1")) << key;
         }

@@ -99,18 +99,32 @@ TEST(MidiMessages, NameEveryControlByATextThatIsReadBack)
 
 TEST(MidiMessages, TriggerOnceAndTeachOnlyWhatMoved)
 {
-    const std::tuple<M, bool, bool> steps[]{
-        {{M::controller, 1, 7, 63}, false, true},   {{M::controller, 1, 7, 63}, false, false},
-        {{M::controller, 1, 7, 64}, true, true},    {{M::controller, 1, 7, 127}, false, true},
-        {{M::controller, 1, 7, 64}, false, true},   {{M::controller, 1, 7, 0}, false, true},
-        {{M::controller, 2, 7, 127}, true, true},   {{M::controller, 1, 8, 127}, true, true},
-        {{M::controller, 1, 8, 127}, false, false}, {{M::note, 1, 60, 1}, true, true},
-        {{M::note, 1, 60, 1}, true, true},          {{M::note, 1, 60, 0}, false, false},
-        {{M::program, 1, 5, 127}, true, true},      {{M::program, 1, 5, 127}, true, true},
+    const std::tuple<double, M, bool, bool> steps[]{
+        {0, {M::controller, 1, 7, 63}, false, true},
+        {0, {M::controller, 1, 7, 63}, false, false},
+        {0, {M::controller, 1, 7, 64}, true, true},
+        {0, {M::controller, 1, 7, 127}, false, true},
+        {0, {M::controller, 1, 7, 64}, false, true},
+        {0, {M::controller, 2, 7, 127}, true, true},
+        {0, {M::note, 1, 60, 1}, true, true},
+        {0, {M::note, 1, 60, 1}, true, true},
+        {0, {M::note, 1, 60, 0}, false, false},
+        {0, {M::program, 1, 5, 127}, true, true},
+        {0, {M::program, 1, 5, 127}, true, true},
+        // A fader of 14 bits, and controls of one's own at the same numbers.
+        {1, {M::controller, 1, 31, 20}, false, true},
+        {0.001, {M::controller, 1, 63, 90}, true, false},
+        {5, {M::controller, 1, 63, 91}, false, false},
+        {1, {M::controller, 1, 62, 1}, false, true},
+        {1, {M::controller, 2, 63, 1}, false, true},
+        {0.001, {M::controller, 1, 64, 1}, false, true},
+        {1, {M::controller, 1, 31, 21}, false, true},
+        {0.2, {M::controller, 1, 63, 92}, false, true},
     };
     MidiControls controls;
-    for (const auto& [message, triggers, teaches] : steps) {
-        const auto use = controls.take(message);
+    double now = 0;
+    for (const auto& [pause, message, triggers, teaches] : steps) {
+        const auto use = controls.take(message, now += pause);
         EXPECT_EQ(std::pair(use.triggers, use.teaches), std::pair(triggers, teaches))
             << midiControlText(message, "X") << " at " << message.value;
     }

@@ -269,6 +269,13 @@ TEST_F(ShortCuts, AKeyThatAnotherActionHoldsMovesOnlyWhenThatIsConfirmed)
 TEST_F(ShortCuts, AKeyIsKnownToBeHeldThroughEveryChangeOfTheEntries)
 {
     std::mt19937 random(7);
+    std::map<std::pair<int, std::string>, std::string> told;
+    int tellings = 0;
+    QObject::connect(&manager, &ShortCutMgr::signalShortCutStrChanged,
+                     [&](int type, const std::string& of, const std::string& keys) {
+                         ++tellings;
+                         told[{type, of}] = keys;
+                     });
     const auto below = [&random](unsigned end) { return static_cast<int>(random() % end); };
     for (int step = 0; step < 120; ++step) {
         const bool isOfPath = below(2) == 0;
@@ -276,11 +283,16 @@ TEST_F(ShortCuts, AKeyIsKnownToBeHeldThroughEveryChangeOfTheEntries)
         const auto module = isOfPath ? ShortCutModulePath : ShortCutModuleIndex;
         const std::string of = "/Peripherals/group/" + std::to_string(below(4));
         const auto change = below(8);
+        tellings = 0;
         if (change == 0) {
             manager.loadShortCutInfoList();
         } else if (change == 1) {
             STLinkShortCutInfo info = manager.linkShortCutInfo();
             std::reverse(info.indexShortCutList.begin(), info.indexShortCutList.end());
+            if (!info.pathShortCutList.empty()) {
+                info.pathShortCutList[0].shortCutStr += '0';
+                info.pathShortCutList.resize(info.pathShortCutList.size() / 2 + 1);
+            }
             manager.shortCutInfoSave(info);
         } else if (change < 4) {
             emit group->signalDelShortCutsItem(type, of, module);
@@ -291,6 +303,13 @@ TEST_F(ShortCuts, AKeyIsKnownToBeHeldThroughEveryChangeOfTheEntries)
         Row all = info.indexShortCutList;
         all.insert(all.end(), info.pathShortCutList.begin(), info.pathShortCutList.end());
         EXPECT_EQ(info.shortCutInfoList, all) << step << ": what the file holds";
+        const auto bound = std::count_if(told.begin(), told.end(),
+                                         [](const auto& each) { return !each.second.empty(); });
+        EXPECT_EQ(static_cast<std::size_t>(bound), all.size()) << step << ": what is told";
+        for (const STShortCutItem& entry : all) {
+            EXPECT_EQ((told[{entry.type, entry.path}]), entry.shortCutStr) << step;
+        }
+        EXPECT_LE(tellings, 2) << step << ": what stays is not told";
         for (int key = 0; key < 5; ++key) {
             const std::string keys = "F" + std::to_string(key);
             const auto first = std::find_if(all.begin(), all.end(), [&keys](const auto& entry) {

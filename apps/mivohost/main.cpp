@@ -49,6 +49,7 @@
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QMessageBox>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <map>
@@ -197,18 +198,21 @@ int runWindow(MainWindow& window, ProjectFile& project, RuntimeThread& runtime,
 
 int run(const QCommandLineParser& arguments)
 {
+    const QStringList& commands = commandOptions();
+    const auto given =
+        std::count_if(commands.begin(), commands.end(),
+                      [&arguments](const QString& option) { return arguments.isSet(option); });
+    if (given > 1) {
+        return refuse(badArgument,
+                      QStringLiteral("only one of --%1").arg(commands.join(QLatin1String(", --"))),
+                      false);
+    }
+    const bool withWindow = given == 0;
     const SettingsCommand command(arguments);
     if (!command.problem.isEmpty()) {
         return refuse(badArgument, command.problem, false);
     }
     const bool drawing = arguments.isSet(QStringLiteral("pictures"));
-    if (int(command.isGiven) + int(drawing) + ShowSetup::commandCount(arguments) > 1) {
-        return refuse(badArgument,
-                      QStringLiteral("only one of --pictures, --adopt, --forget and the commands "
-                                     "for settings"),
-                      false);
-    }
-    const bool withWindow = !command.isGiven && !drawing && ShowSetup::commandCount(arguments) == 0;
     const QDir data(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation));
     const QString ownPath = data.filePath(QStringLiteral("settings.sqlite"));
     QString path = ownPath;

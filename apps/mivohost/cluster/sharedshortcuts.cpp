@@ -1,11 +1,14 @@
 #include "cluster/sharedshortcuts.h"
 
+#include "base/keyholders.h"
 #include "cluster/synchroniser.h"
 
 #include <mivosettingswidgets/shortcutmgr.h>
 
 #include <QtCore/QUrl>
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 #include <vector>
 
@@ -15,6 +18,8 @@ namespace {
 
 const QLatin1String prefix = SharedSettings::shortcutPrefix;
 constexpr int pause = 100; // ms; each time the manager writes its whole file
+// ms; a key that moves to another action may come in two parts, each with what else was changed.
+constexpr int settledAfter = 1000;
 
 } // namespace
 
@@ -45,6 +50,9 @@ SharedShortcuts::SharedShortcuts(mivo::settings::ShortCutMgr& manager, Synchroni
     m_pause.setSingleShot(true);
     m_pause.setInterval(pause);
     connect(&m_pause, &QTimer::timeout, this, &SharedShortcuts::apply);
+    m_settled.setSingleShot(true);
+    m_settled.setInterval(settledAfter);
+    connect(&m_settled, &QTimer::timeout, this, &SharedShortcuts::tellClashes);
     take(shared);
     connect(&manager, &mivo::settings::ShortCutMgr::signalShortCutSave, this,
             &SharedShortcuts::share);
@@ -122,6 +130,9 @@ void SharedShortcuts::apply()
     if (left.isEmpty()) {
         return;
     }
+    for (const QString& keys : std::as_const(left)) {
+        m_bound.insert(keys);
+    }
     STLinkShortCutInfo info = m_manager.linkShortCutInfo();
     for (auto* list : {&info.indexShortCutList, &info.pathShortCutList}) {
         std::vector<STShortCutItem> kept;
@@ -149,6 +160,22 @@ void SharedShortcuts::apply()
     m_isApplying = false;
     m_held = held();
     m_pause.start();
+    m_settled.start();
+}
+
+void SharedShortcuts::tellClashes()
+{
+    const auto holders = keyHolders(m_manager.linkShortCutInfo().shortCutInfoList);
+    QMap<QString, QStringList> clashes;
+    for (const QString& keys : std::exchange(m_bound, {})) {
+        const auto all = holders.value(keys);
+        if (all.size() > 1) {
+            std::transform(all.begin(), all.end(), std::back_inserter(clashes[keys]), nameOf);
+        }
+    }
+    if (!clashes.isEmpty()) {
+        emit m_synchroniser.keysClash(clashes);
+    }
 }
 
 } // namespace mivohost

@@ -4,6 +4,7 @@
 #include "mivohostapi/shortcuttypes.h"
 
 #include <QtCore/QObject>
+#include <QtCore/QSet>
 #include <QtCore/QString>
 #include <QtCore/QTimer>
 
@@ -40,12 +41,16 @@ private:
     void share();
     void take(const Table& changes);
     void apply();
+    /// Of what others have bound since the last call.
+    void tellClashes();
 
     mivo::settings::ShortCutMgr& m_manager;
     Synchroniser& m_synchroniser;
     Table m_held;    // as the manager saved it last
     Table m_changes; // of others, for the manager
     QTimer m_pause;
+    QSet<QString> m_bound; // sequences that others have bound
+    QTimer m_settled;
     bool m_isApplying = false;
 };
 

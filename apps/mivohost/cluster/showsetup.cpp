@@ -83,12 +83,6 @@ void ShowSetup::addOptions(QCommandLineParser& arguments)
     });
 }
 
-int ShowSetup::commandCount(const QCommandLineParser& arguments)
-{
-    return int(arguments.isSet(QStringLiteral("adopt")))
-           + int(arguments.isSet(QStringLiteral("forget")));
-}
-
 std::optional<ShowSetup> ShowSetup::read(const QCommandLineParser& arguments, const QDir& data,
                                          QString& error)
 {

@@ -27,9 +27,6 @@ struct ShowSetup
     /// Its options of the command line.
     static void addOptions(QCommandLineParser& arguments);
 
-    /// How many commands there are, which open no window.
-    static int commandCount(const QCommandLineParser& arguments);
-
     /// From the command line and the environment, whose user and password it removes in any case.
     /// Files that it names are read, for ten seconds at most. Nothing without a show, and where
     /// `error` says why.

@@ -77,6 +77,9 @@ signals:
     void lost(const mivohost::LostChange& change);
     void replaced(const QStringList& names); ///< see SharedSettings::Listener
     void tooLong(const QString& name);       ///< the same
+    /// Keys that another machine has bound are bound to several actions here: the names of these by
+    /// the sequence, in the order of keyHolders().
+    void keysClash(const QMap<QString, QStringList>& actions);
     /// What another machine has changed could not be kept here; it is tried again.
     void failed(const QString& reason);
 

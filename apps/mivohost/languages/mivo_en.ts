@@ -1036,6 +1036,11 @@ Without an answer the copy is used in %4 seconds.</translation>
         <translation> (%1: %2)</translation>
     </message>
     <message>
+        <source>KeysClash</source>
+        <comment>MainWindow</comment>
+        <translation>Since another machine of the show has changed its keys, some are bound to several actions, of which they trigger the first: %1</translation>
+    </message>
+    <message>
         <source>ShowReplaced</source>
         <comment>MainWindow</comment>
         <translation>The show has these settings otherwise than this machine had, and they hold here now: %1</translation>

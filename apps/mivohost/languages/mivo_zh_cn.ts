@@ -1036,6 +1036,11 @@
         <translation>（%1：%2）</translation>
     </message>
     <message>
+        <source>KeysClash</source>
+        <comment>MainWindow</comment>
+        <translation>演出中的另一台机器更改按键后，以下按键绑定到多个操作，只触发其中的第一个：%1</translation>
+    </message>
+    <message>
         <source>ShowReplaced</source>
         <comment>MainWindow</comment>
         <translation>演出中的以下设置与本机原有的不同，本机现采用演出的设置：%1</translation>

@@ -10,6 +10,7 @@ namespace mivohost {
 namespace {
 
 constexpr int middle = 64;
+constexpr double atOnce = 0.01;       // seconds; nobody goes from one control to another so fast
 constexpr int firstChannelMode = 120; // these controllers are commands to a whole channel
 
 constexpr std::array<std::string_view, 12> noteNames{"C",  "C#", "D",  "D#", "E",  "F",
@@ -133,7 +134,23 @@ MidiControls::MidiControls()
     }
 }
 
-MidiControls::Use MidiControls::take(const MidiMessage& message)
+bool MidiControls::isFineHalf(const MidiMessage& controller, double seconds)
+{
+    auto& faders = m_faders[static_cast<std::size_t>(controller.channel - 1)];
+    const auto number = static_cast<std::size_t>(controller.number);
+    if (number < faders.size()) {
+        faders[number] = {seconds, false};
+        return false;
+    }
+    if (number >= 2 * faders.size()) {
+        return false;
+    }
+    Fader& fader = faders[number - faders.size()];
+    fader.isFine = fader.isFine || seconds - fader.movedAt <= atOnce;
+    return fader.isFine;
+}
+
+MidiControls::Use MidiControls::take(const MidiMessage& message, double seconds)
 {
     const auto channel = static_cast<std::size_t>(message.channel - 1);
     const auto number = static_cast<std::size_t>(message.number);
@@ -146,7 +163,8 @@ MidiControls::Use MidiControls::take(const MidiMessage& message)
     // Some controllers repeat their position all the time.
     const int before =
         std::exchange(m_values[channel][number], static_cast<std::int8_t>(message.value));
-    return {before < middle && message.value >= middle, before != message.value};
+    const bool isFine = isFineHalf(message, seconds);
+    return {before < middle && message.value >= middle, before != message.value && !isFine};
 }
 
 } // namespace mivohost

@@ -52,17 +52,32 @@ public:
     struct Use
     {
         bool triggers; ///< a note or program begins, or a controller goes up through its middle
-        bool teaches;  ///< the same, but of a controller every move
+        bool teaches;  ///< the same, but of a controller every move, without that of a fine half
     };
 
     MidiControls();
 
-    /// A controller counts as being at 0 before its first message.
-    Use take(const MidiMessage& message);
+    /// A controller counts as being at 0 before its first message. `seconds` are since
+    /// any moment.
+    ///
+    /// A fader of 14 bits sends its coarse half as controller 0 to 31 and at once its fine half as
+    /// the one 32 above, or that one alone. Where the coarse half was last followed so, the other
+    /// is a fine half; else it is a control for itself.
+    Use take(const MidiMessage& message, double seconds);
 
 private:
+    struct Fader
+    {
+        double movedAt = -1; // its coarse half
+        bool isFine = false; // it has a fine half
+    };
+
+    /// Notes both halves.
+    bool isFineHalf(const MidiMessage& controller, double seconds);
+
     /// The last values of controllers, by channel and number; -1 before the first.
     std::array<std::array<std::int8_t, 128>, 16> m_values;
+    std::array<std::array<Fader, 32>, 16> m_faders; // by channel and number of the coarse half
 };
 
 } // namespace mivohost

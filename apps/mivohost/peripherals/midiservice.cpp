@@ -156,9 +156,11 @@ public:
         : api(place.api), id(std::move(portId)), device(std::move(deviceName)), m_service(service),
           m_midi(place.api, service.m_clientName)
     {
-        m_midi.setCallback([](double /*seconds*/, std::vector<unsigned char>* bytes,
-                              void* input) { static_cast<Input*>(input)->receive(*bytes); },
-                           this);
+        m_midi.setCallback(
+            [](double seconds, std::vector<unsigned char>* bytes, void* input) {
+                static_cast<Input*>(input)->receive(*bytes, seconds);
+            },
+            this);
         m_midi.openPort(place.number, device);
         m_midi.setErrorCallback(
             [](RtMidiError::Type /*type*/, const std::string& reason, void* input) {
@@ -172,16 +174,17 @@ public:
     const std::string device;
 
 private:
-    /// On the device's thread.
-    void receive(const std::vector<unsigned char>& bytes)
+    /// On the device's thread; `seconds` after the message before.
+    void receive(const std::vector<unsigned char>& bytes, double seconds)
     {
+        m_seconds += seconds;
         if (m_service.m_tap != nullptr && m_service.m_tap->isOpen()) {
             m_service.m_tap->put(
                 PeripheralMidi, QString::fromStdString(device),
                 {reinterpret_cast<const char*>(bytes.data()), static_cast<int>(bytes.size())});
         }
         if (const auto message = parseMidi(bytes.data(), bytes.size())) {
-            const MidiControls::Use use = m_controls.take(*message);
+            const MidiControls::Use use = m_controls.take(*message, m_seconds);
             if (use.triggers || use.teaches) {
                 m_service.use(midiControlText(*message, device), use.triggers, use.teaches);
             }
@@ -190,7 +193,8 @@ private:
 
     MidiService& m_service;
     MidiControls m_controls;
-    RtMidiIn m_midi; // the last one: its thread uses the others
+    double m_seconds = 0; // since the first message
+    RtMidiIn m_midi;      // the last one: its thread uses the others
 };
 
 MidiService::MidiService(BindingTable::Setup setup, std::string clientName)

@@ -4,14 +4,15 @@
 #include "base/hosttext.h"
 #include "peripherals/peripherals.h"
 #include "surface/actionbutton.h"
+#include "surface/actiongrid.h"
 #include "surface/actiontext.h"
 #include "surface/actiontools.h"
 #include "surface/askforfile.h"
+#include "surface/buttontext.h"
 #include "surface/inputhint.h"
 #include "surface/listenaddressbox.h"
 
 #include <mivosettingswidgets/shortcutfile.h>
-#include <mivosettingswidgets/shortcuttable.h>
 #include <mivowidgets/alertlabel.h>
 #include <mivowidgets/combobox.h>
 #include <mivowidgets/shortcutcover.h>
@@ -22,23 +23,19 @@
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
 #include <QtWidgets/QComboBox>
-#include <QtWidgets/QGridLayout>
+#include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QPushButton>
-#include <QtWidgets/QScrollArea>
 
 #include <algorithm>
-#include <iterator>
 
 namespace mivohost {
 
-using mivo::settings::peripheralActions;
 using mivo::widgets::ShortCutCover;
 using mivo::widgets::TipDialog;
 
 namespace {
 
-constexpr int columns = 8;
 constexpr int lockScreen = 208; // its type
 
 } // namespace
@@ -48,7 +45,7 @@ ActionPanel::ActionPanel(Peripherals& peripherals)
       m_kind(new mivo::widgets::ComboBox), m_clear(new QPushButton), m_export(new QPushButton),
       m_import(new QPushButton), m_lock(new QPushButton), m_hint(new mivo::widgets::AlertLabel),
       m_addressLabel(new QLabel), m_address(new ListenAddressBox(peripherals)),
-      m_fileRetry(m_manager), m_transfer(m_manager, peripherals),
+      m_grid(new ActionGrid), m_transfer(m_manager, peripherals), m_fileRetry(m_manager),
       m_tools(new ActionTools(m_manager, peripherals))
 {
     m_heading->setObjectName(QStringLiteral("sectionHeading"));
@@ -79,25 +76,13 @@ ActionPanel::ActionPanel(Peripherals& peripherals)
          std::initializer_list<QWidget*>{m_edit, m_kind, m_clear, m_export, m_import, m_lock}) {
         row->addWidget(control);
     }
-    auto* grid = new QGridLayout;
-    grid->setContentsMargins(10, 8, 10, 8);
-    grid->setHorizontalSpacing(6);
-    grid->setVerticalSpacing(6);
-    addActions(*grid);
-    auto* content = new QWidget;
-    content->setProperty("style", QStringLiteral("BG4"));
-    content->setLayout(grid);
-    auto* scroll = new QScrollArea;
-    scroll->setWidgetResizable(true);
-    scroll->setFocusPolicy(Qt::NoFocus);
-    scroll->setWidget(content);
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(6);
     column->addLayout(row);
     column->addWidget(m_tools);
     column->addLayout(hintRow);
-    column->addWidget(scroll);
+    column->addWidget(m_grid);
 
     addConnections();
 
@@ -107,7 +92,7 @@ ActionPanel::ActionPanel(Peripherals& peripherals)
     }
     m_manager.loadShortCutInfoList();
     QList<ShortCutCover*> covers;
-    for (const ActionButton* action : m_actions) {
+    for (const ActionButton* action : m_grid->actions()) {
         covers.append(action->cover());
     }
     m_manager.setBindShortCutAndCover(covers);
@@ -119,38 +104,11 @@ ActionPanel::ActionPanel(Peripherals& peripherals)
 
 ActionPanel::~ActionPanel() = default;
 
-void ActionPanel::addActions(QGridLayout& grid)
-{
-    int row = -1;
-    int column = columns;
-    std::string group;
-    for (const auto& [type, path] : peripheralActions) {
-        auto* action = new ActionButton(type, std::string(path));
-        const std::string& key = action->textKey();
-        const std::string groupKey = key.substr(0, key.find('/') + 1); // the first word of the path
-        if (std::exchange(group, groupKey) != groupKey) {
-            auto* label = new QLabel;
-            grid.addWidget(label, ++row, 0);
-            m_groups.emplace_back(group, label);
-            column = 1;
-        } else if (column == columns) {
-            ++row;
-            column = 1;
-        }
-        grid.addWidget(action, row, column++);
-        connect(action, &QPushButton::clicked, this,
-                [this, action] { trigger(action->type(), action->path(), {}); });
-        m_actions.push_back(action);
-    }
-    for (int i = 1; i < columns; ++i) {
-        grid.setColumnStretch(i, 1);
-    }
-    grid.setRowStretch(row + 1, 1);
-}
-
 void ActionPanel::addConnections()
 {
     using mivo::settings::ShortCutMgr;
+    connect(m_grid, &ActionGrid::clicked, this,
+            [this](int type, const std::string& path) { trigger(type, path, {}); });
     connect(m_edit, &QPushButton::toggled, this, &ActionPanel::setEditing);
     connect(m_kind, qOverload<int>(&QComboBox::activated), this, &ActionPanel::setKind);
     connect(m_clear, &QPushButton::clicked, this, &ActionPanel::clearAll);
@@ -255,10 +213,7 @@ void ActionPanel::setTexts()
     m_heading->setText(hostText("Actions"));
     m_kind->setItemText(PeripheralKeyboard, hostText("Keys"));
     m_kind->setAccessibleName(hostText("ShortcutKind"));
-    const QKeySequence keys = m_edit->shortcut(); // which a new text clears
-    m_edit->setText(hostText("EditShortcuts"));
-    m_edit->setShortcut(keys);
-    m_edit->setToolTip(keys.toString(QKeySequence::NativeText));
+    setButtonText(*m_edit, hostText("EditShortcuts"));
     m_clear->setText(hostText("ClearShortcuts"));
     m_export->setText(hostText("ExportShortcuts"));
     m_import->setText(hostText("ImportShortcuts"));
@@ -266,25 +221,20 @@ void ActionPanel::setTexts()
     m_tools->setTexts();
     m_addressLabel->setText(hostText("ListenAddress"));
     m_address->refill();
-    for (const auto& [key, label] : m_groups) {
-        label->setText(hostText(QString::fromStdString(key)));
-    }
-    for (ActionButton* action : m_actions) {
-        action->setTexts();
-    }
+    m_grid->setTexts();
     showHint();
 }
 
 void ActionPanel::showMatches()
 {
-    for (ActionButton* action : m_actions) {
+    for (ActionButton* action : m_grid->actions()) {
         action->setVisible(m_tools->search().matches(action->textKey()));
     }
 }
 
 void ActionPanel::showFound(int type)
 {
-    for (ActionButton* action : m_actions) {
+    for (ActionButton* action : m_grid->actions()) {
         action->setFound(action->type() == type);
     }
 }
@@ -308,7 +258,7 @@ void ActionPanel::showState()
     for (QPushButton* transfer : {m_export, m_import}) {
         transfer->setEnabled(!m_locked && !m_editing && !m_transfer.requests().isWaiting());
     }
-    for (ActionButton* action : m_actions) {
+    for (ActionButton* action : m_grid->actions()) {
         action->setEnabled(!m_locked);
     }
 }
@@ -325,16 +275,17 @@ void ActionPanel::setEditing(bool on)
     m_edit->setChecked(on);
     m_address->refill();
     showHint();
-    for (ActionButton* action : m_actions) {
+    for (ActionButton* action : m_grid->actions()) {
         action->setEditing(on);
     }
     m_manager.slotShowAllShortCutCover(on, kind());
     showState();
     if (on) {
-        const auto shown = std::find_if(m_actions.begin(), m_actions.end(), [this](auto* action) {
+        const auto& actions = m_grid->actions();
+        const auto shown = std::find_if(actions.begin(), actions.end(), [this](auto* action) {
             return m_tools->search().matches(action->textKey());
         });
-        if (shown != m_actions.end()) {
+        if (shown != actions.end()) {
             (*shown)->cover()->setFocus(); // Qt would give it to one that nobody sees as well
         }
         hostLog()->info("editing shortcuts: {}", m_kind->currentText().toStdString());
@@ -371,14 +322,7 @@ void ActionPanel::setLocked(bool locked)
 void ActionPanel::setBindings(const STLinkShortCutInfo& info)
 {
     m_hasKeys = !info.shortCutInfoList.empty();
-    std::vector<STShortCutItem> bindings;
-    std::copy_if(info.shortCutInfoList.begin(), info.shortCutInfoList.end(),
-                 std::back_inserter(bindings), [this](const STShortCutItem& item) {
-                     return actionOf(item.type) != nullptr
-                            && !mivo::settings::isReservedKeySequence(
-                                QString::fromStdString(item.shortCutStr));
-                 });
-    m_keys.setBindings(bindings);
+    m_keys.setBindings(info.shortCutInfoList);
     showState();
 }
 
@@ -387,7 +331,7 @@ void ActionPanel::trigger(int type, const std::string& path, const std::string& 
     if (m_locked || m_editing) {
         return; // also for what was on its way before
     }
-    ActionButton* action = actionOf(type);
+    ActionButton* action = m_grid->actionOf(type);
     if (action == nullptr) {
         m_log.add("no action", path);
         return;
@@ -398,14 +342,6 @@ void ActionPanel::trigger(int type, const std::string& path, const std::string& 
         setLocked(true);
         emit told(QStringLiteral("LockedByControl"));
     }
-}
-
-ActionButton* ActionPanel::actionOf(int type) const
-{
-    const auto found =
-        std::find_if(m_actions.begin(), m_actions.end(),
-                     [type](const ActionButton* each) { return each->type() == type; });
-    return found == m_actions.end() ? nullptr : *found;
 }
 
 bool ActionPanel::confirm(const char* question, const char* button)

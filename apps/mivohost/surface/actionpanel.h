@@ -14,11 +14,9 @@
 #include <QtWidgets/QWidget>
 
 #include <string>
-#include <utility>
 #include <vector>
 
 class QComboBox;
-class QGridLayout;
 class QLabel;
 class QPushButton;
 
@@ -28,7 +26,7 @@ class AlertLabel;
 
 namespace mivohost {
 
-class ActionButton;
+class ActionGrid;
 class ActionTools;
 class ListenAddressBox;
 class Peripherals;
@@ -66,7 +64,6 @@ signals:
     void told(const QString& key);
 
 private:
-    void addActions(QGridLayout& grid);
     void addConnections();
     EnumPeripheralShortCutType kind() const;
     bool hasBindings() const;
@@ -82,8 +79,6 @@ private:
     void importAll();
     QString askForBindings(bool saving);
     bool confirm(const char* question, const char* button);
-    /// Null for a type that is not in the table of actions.
-    ActionButton* actionOf(int type) const;
 
     Peripherals& m_peripherals;
     bool m_editing = false;
@@ -100,14 +95,13 @@ private:
     mivo::widgets::AlertLabel* m_hint;
     QLabel* m_addressLabel;
     ListenAddressBox* m_address;
-    std::vector<std::pair<std::string, QLabel*>> m_groups; // with the keys of their texts
-    std::vector<ActionButton*> m_actions;
+    ActionGrid* m_grid;
     std::vector<sigslot::scoped_connection> m_connections;
     ActionLog m_log;
     KeyTriggers m_keys;
     mivo::settings::ShortCutMgr m_manager; // knows covers and services, and goes before them
-    ShortcutFileRetry m_fileRetry;
     BindingsTransfer m_transfer;
+    ShortcutFileRetry m_fileRetry; // its end may save the keys, which the panel follows
     ActionTools* m_tools;
 };
 

@@ -1,6 +1,7 @@
 #include "surface/actionsearch.h"
 
 #include "base/hosttext.h"
+#include "base/keyholders.h"
 #include "peripherals/peripherals.h"
 #include "surface/actiontext.h"
 
@@ -181,14 +182,12 @@ void ActionSearch::findKeys(const QString& keys)
         emit found(0);
         return;
     }
-    const auto items = m_manager.linkShortCutInfo().shortCutInfoList;
-    const auto item = std::find_if(items.begin(), items.end(), [&keys](const STShortCutItem& each) {
-        return QString::fromStdString(each.shortCutStr) == keys;
-    });
-    if (item == items.end()) {
+    const auto holders = keyHolders(m_manager.linkShortCutInfo().shortCutInfoList);
+    const auto held = holders.find(keys);
+    if (held == holders.end()) {
         showFound(0, {}, keys);
     } else {
-        showFound(item->type, item->path, keys);
+        showFound(held->front().type, held->front().path, keys);
     }
 }
 

@@ -2,15 +2,13 @@
 
 #include "base/hosttext.h"
 #include "surface/bindingsheet.h"
+#include "surface/buttontext.h"
 #include "surface/inputmonitor.h"
 
 #include <mivosettingswidgets/shortcutmgr.h>
 
-#include <QtGui/QKeySequence>
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QPushButton>
-
-#include <utility>
 
 namespace mivohost {
 
@@ -47,13 +45,8 @@ void ActionTools::showInputs(EnumPeripheralShortCutType kind)
 
 void ActionTools::setTexts()
 {
-    for (const auto& [button, key] :
-         {std::pair(m_sheetButton, "BindingSheet"), std::pair(m_monitorButton, "InputMonitor")}) {
-        const QKeySequence keys = button->shortcut(); // which a new text clears
-        button->setText(hostText(key));
-        button->setShortcut(keys);
-        button->setToolTip(keys.toString(QKeySequence::NativeText));
-    }
+    setButtonText(*m_sheetButton, hostText("BindingSheet"));
+    setButtonText(*m_monitorButton, hostText("InputMonitor"));
     m_search->setTexts();
     m_sheet->setTexts();
     m_monitor->setTexts();

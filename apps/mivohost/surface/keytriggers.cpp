@@ -1,5 +1,7 @@
 #include "surface/keytriggers.h"
 
+#include "base/keyholders.h"
+
 #include <mivowidgets/shortcutcover.h>
 
 #include <QtGui/QKeyEvent>
@@ -46,10 +48,10 @@ KeyTriggers::KeyTriggers()
 void KeyTriggers::setBindings(const std::vector<STShortCutItem>& bindings)
 {
     m_bindings.clear();
-    for (const STShortCutItem& item : bindings) {
-        const QString keys = QString::fromStdString(item.shortCutStr);
-        if (!m_bindings.contains(keys)) {
-            m_bindings.insert(keys, item);
+    const auto holders = keyHolders(bindings);
+    for (auto keys = holders.begin(); keys != holders.end(); ++keys) {
+        if (isAction(keys->front().type)) {
+            m_bindings.insert(keys.key(), keys->front());
         }
     }
 }

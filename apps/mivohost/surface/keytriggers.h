@@ -16,7 +16,7 @@ namespace mivohost {
 ///
 /// A bound sequence goes before menus and buttons. It does nothing while a dialog waits for an
 /// answer, and where text is being entered only with Ctrl, Alt or as a function key. A key that is
-/// held down counts once. Of several actions with one sequence the first has it.
+/// held down counts once. Of several actions with one sequence keyHolders() tells which has it.
 class KeyTriggers : public QObject
 {
     Q_OBJECT
@@ -24,6 +24,7 @@ class KeyTriggers : public QObject
 public:
     KeyTriggers();
 
+    /// Those of actions that this version has.
     void setBindings(const std::vector<STShortCutItem>& bindings);
     /// Off at first.
     void setEnabled(bool on) { m_enabled = on; }

@@ -7,7 +7,7 @@
 #include "peripherals/peripherals.h"
 #include "project/projectfile.h"
 #include "surface/actionpanel.h"
-#include "surface/askforfile.h"
+#include "surface/buttontext.h"
 #include "surface/messagepanel.h"
 #include "surface/programlist.h"
 #include "surface/settingstexts.h"
@@ -19,14 +19,10 @@
 #include <mivowidgets/alertlabel.h>
 #include <mivowidgets/pushbutton.h>
 
-#include <QtCore/QDir>
-#include <QtCore/QFileInfo>
 #include <QtGui/QCloseEvent>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QLabel>
-#include <QtWidgets/QMenuBar>
-#include <QtWidgets/QMessageBox>
 #include <QtWidgets/QPlainTextEdit>
 #include <QtWidgets/QVBoxLayout>
 
@@ -77,7 +73,6 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
     m_log->setTabChangesFocus(true);
     m_log->setMaximumBlockCount(1000);
     m_logLabel->setBuddy(m_log);
-    addMenu();
 
     auto* row = new QHBoxLayout;
     row->addWidget(m_settingsButton);
@@ -125,7 +120,6 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
             [this](const QString& key) { post(velorn::msgcenter::MsgInformation, hostText(key)); });
     connect(m_programs, &ProgramList::chosen, &m_project, &ProjectFile::play);
     connect(&m_project, &ProjectFile::changed, this, &MainWindow::showProject);
-    connect(&m_project, &ProjectFile::recentFilesChecked, this, &MainWindow::fillRecentMenu);
     connect(&m_project, &ProjectFile::failed, this, &MainWindow::showNotice);
     const auto tell = [this](const QString& key, const QString& argument) {
         post(velorn::msgcenter::MsgInformation, hostText(key).arg(argument));
@@ -137,7 +131,7 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
         m_peripherals.reload();
         followLanguage();
     });
-    connect(&m_project, &ProjectFile::unsavedFound, this, &MainWindow::offerUnsaved);
+    connect(&m_menu, &ProjectMenu::quitChosen, this, &MainWindow::quit);
     connect(&m_project, &ProjectFile::fadeTimesApplied, this, [this](int programs) {
         post(velorn::msgcenter::MsgInformation, hostText("FadeTimesApplied").arg(programs));
     });
@@ -160,48 +154,9 @@ MainWindow::~MainWindow()
     m_runtime.call([this] { m_store.setFailureHandler(nullptr); });
 }
 
-void MainWindow::addMenu()
-{
-    m_projectMenu = menuBar()->addMenu(QString());
-    const auto add = [this](const char* key, const QKeySequence& keys, auto slot) {
-        QAction* action = m_projectMenu->addAction(QString());
-        action->setShortcut(keys);
-        connect(action, &QAction::triggered, this, slot);
-        m_actions.emplace_back(action, key);
-    };
-    add("NewProject", QKeySequence::New, [this] { leaveProject([this] { m_project.create(); }); });
-    add("OpenProject", QKeySequence::Open, &MainWindow::openProject);
-    m_recentMenu = m_projectMenu->addMenu(QString());
-    m_actions.emplace_back(m_recentMenu->menuAction(), "RecentProjects");
-    add("SaveProject", QKeySequence::Save, [this] { saveProject(); });
-    add("SaveProjectAs", QKeySequence(QStringLiteral("Ctrl+Shift+S")), [this] { saveProjectAs(); });
-    m_projectMenu->addSeparator();
-    add("ExportSettings", {}, [this] { m_transfer.chooseExport(); });
-    add("ImportSettings", {}, [this] { m_transfer.chooseImport(); });
-    m_projectMenu->addSeparator();
-    add("Quit", QKeySequence(QStringLiteral("Ctrl+Q")), &MainWindow::quit);
-    m_actions.emplace_back(m_projectMenu->menuAction(), "Project");
-    connect(m_projectMenu, &QMenu::aboutToShow, this, &MainWindow::fillRecentMenu);
-    connect(m_projectMenu, &QMenu::aboutToShow, &m_project, &ProjectFile::checkRecentFiles);
-}
-
 void MainWindow::followLanguage()
 {
     switchLanguage(languageOf(m_runtime.call([this] { return m_store.getLanguage(); })));
-}
-
-void MainWindow::fillRecentMenu()
-{
-    m_recentMenu->clear();
-    int number = 0;
-    for (const QString& file : m_project.recentFiles()) {
-        const QString path = QDir::toNativeSeparators(file).replace('&', QLatin1String("&&"));
-        const QAction* action =
-            m_recentMenu->addAction(QStringLiteral("&%1  ").arg(++number) + path);
-        connect(action, &QAction::triggered, this,
-                [this, file] { leaveProject([this, file] { m_project.open(file); }); });
-    }
-    m_recentMenu->setEnabled(number > 0);
 }
 
 SettingsView& MainWindow::settings()
@@ -282,7 +237,7 @@ void MainWindow::closeEvent(QCloseEvent* event)
     const bool hides = !m_quitting && start.closeSoftWareMinimize && m_tray && m_tray->isThere();
     if (!hides && !files.notPromptForSave && !std::exchange(m_projectLeft, false)) {
         event->ignore();
-        leaveProject([this] {
+        m_menu.leaveProject([this] {
             m_project.discardChanges();
             m_projectLeft = true;
             QMetaObject::invokeMethod(this, &MainWindow::quit, Qt::QueuedConnection);
@@ -314,11 +269,9 @@ void MainWindow::chooseLanguage(int index)
 
 void MainWindow::setTexts()
 {
-    for (const auto& [action, key] : m_actions) {
-        action->setText(hostText(key));
-    }
+    m_menu.setTexts();
     m_title->setText(hostText("Title"));
-    m_settingsButton->setText(hostText("Settings"));
+    setButtonText(*m_settingsButton, hostText("Settings"));
     m_dismiss->setText(hostText("Dismiss"));
     for (WaitingLine* line : m_waiting) {
         line->setTexts();
@@ -346,105 +299,13 @@ void MainWindow::showNoticeText()
 void MainWindow::showProject()
 {
     const ProgramDispatch::State& state = m_project.state();
-    setWindowTitle(projectName().replace(QLatin1String("[*]"), QLatin1String("[*][*]"))
+    setWindowTitle(m_menu.projectName().replace(QLatin1String("[*]"), QLatin1String("[*][*]"))
                    + QStringLiteral("[*] – mivohost"));
     setWindowModified(state.modified);
     m_programs->showPrograms(state);
     const Project::Program* playing = state.project.find(state.playing);
     m_playing->setText(playing == nullptr ? hostText("NothingPlaying")
                                           : hostText("Playing").arg(playing->name));
-}
-
-void MainWindow::openProject()
-{
-    leaveProject([this] {
-        const QString file = askForProject(false);
-        if (!file.isEmpty()) {
-            m_project.open(file);
-        }
-    });
-}
-
-void MainWindow::saveProject(const std::function<void(bool)>& done)
-{
-    if (m_project.state().file.isEmpty()) {
-        saveProjectAs(done);
-    } else {
-        m_project.save(done);
-    }
-}
-
-void MainWindow::saveProjectAs(const std::function<void(bool)>& done)
-{
-    const QString file = askForProject(true);
-    if (!file.isEmpty()) {
-        m_project.saveAs(file, done);
-    }
-}
-
-QString MainWindow::askForProject(bool saving)
-{
-    const QString suffix = QStringLiteral("mivo");
-    const QString& file = m_project.state().file;
-    return askForFile(this, saving ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen,
-                      hostText(saving ? "SaveProjectTitle" : "OpenProjectTitle"),
-                      hostText("ProjectFiles"), suffix,
-                      file.isEmpty() ? QString() : QFileInfo(file).absolutePath(),
-                      saving ? projectName() + '.' + suffix : QString());
-}
-
-void MainWindow::leaveProject(const std::function<void()>& then)
-{
-    m_project.refresh();
-    if (!m_project.state().modified) {
-        then();
-        return;
-    }
-    QMessageBox question(QMessageBox::Question, QStringLiteral("mivohost"),
-                         hostText("SaveQuestion").arg(projectName()), QMessageBox::NoButton, this);
-    question.setTextFormat(Qt::PlainText);
-    QPushButton* save = question.addButton(hostText("Save"), QMessageBox::AcceptRole);
-    const QAbstractButton* drop =
-        question.addButton(hostText("DoNotSave"), QMessageBox::DestructiveRole);
-    QPushButton* cancel = question.addButton(hostText("Cancel"), QMessageBox::RejectRole);
-    question.setDefaultButton(save);
-    question.setEscapeButton(cancel);
-    question.exec();
-    if (question.clickedButton() == save) {
-        saveProject([this, then](bool saved) {
-            if (saved && !m_project.state().modified) {
-                then();
-            }
-        });
-    } else if (question.clickedButton() == drop) {
-        then();
-    }
-}
-
-void MainWindow::offerUnsaved(const QString& file)
-{
-    auto* question = new QMessageBox(QMessageBox::Question, QStringLiteral("mivohost"),
-                                     hostText("UnsavedFound").arg(QDir::toNativeSeparators(file)),
-                                     QMessageBox::NoButton, this);
-    question->setObjectName(QStringLiteral("unsavedFound"));
-    question->setAttribute(Qt::WA_DeleteOnClose);
-    question->setTextFormat(Qt::PlainText);
-    QPushButton* open = question->addButton(hostText("OpenUnsaved"), QMessageBox::AcceptRole);
-    QPushButton* leave =
-        question->addButton(hostText("LeaveUnsaved"), QMessageBox::DestructiveRole);
-    question->setDefaultButton(open);
-    // As Escape and the window's close button: decides nothing.
-    question->setEscapeButton(
-        question->addButton(hostText("LaterUnsaved"), QMessageBox::RejectRole));
-    connect(open, &QPushButton::clicked, &m_project, &ProjectFile::openUnsaved);
-    connect(leave, &QPushButton::clicked, &m_project, &ProjectFile::forgetUnsaved);
-    question->open(); // modal for this window, without blocking the event loop here
-}
-
-QString MainWindow::projectName() const
-{
-    const QString& file = m_project.state().file;
-    return file.isEmpty() ? hostText("UnnamedProject") : QFileInfo(file).completeBaseName();
 }
 
 } // namespace mivohost

@@ -2,19 +2,17 @@
 
 #include "project/project.h"
 #include "surface/messagecentre.h"
+#include "surface/projectmenu.h"
 #include "surface/settingstransfer.h"
 #include "surface/settingsview.h"
 
 #include <QtWidgets/QMainWindow>
 
-#include <functional>
 #include <memory>
 #include <vector>
 
-class QAction;
 class QComboBox;
 class QLabel;
-class QMenu;
 class QPlainTextEdit;
 class QPushButton;
 
@@ -82,8 +80,6 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
-    void addMenu();
-    void fillRecentMenu();
     /// Shows all in the language that the store holds.
     void followLanguage();
     void post(velorn::msgcenter::EnumMsgKind kind, const QString& text);
@@ -92,27 +88,13 @@ private:
     void showNoticeText();
     void showProject();
 
-    void openProject();
-    /// Saves, asking for a file where the project has none; `done` is told how it ended.
-    void saveProject(const std::function<void(bool)>& done = {});
-    void saveProjectAs(const std::function<void(bool)>& done = {});
-    /// The path that the user chose; empty when none. `saving` says for which of the two.
-    QString askForProject(bool saving);
-    /// Asks whether to save what is not saved, and calls `then` unless the user wants to stay: at
-    /// once, or when the project has been saved.
-    void leaveProject(const std::function<void()>& then);
-    void offerUnsaved(const QString& file);
-    QString projectName() const;
-
     RuntimeThread& m_runtime;
     SettingsStore& m_store;
     ProjectFile& m_project;
     Peripherals& m_peripherals;
     SettingsServices m_services;
     SettingsTransfer m_transfer{m_runtime, m_store, this};
-    QMenu* m_projectMenu = nullptr;
-    QMenu* m_recentMenu = nullptr;
-    std::vector<std::pair<QAction*, const char*>> m_actions; // with the keys of their texts
+    ProjectMenu m_menu{m_project, m_transfer, *this};
     QLabel* m_title;
     mivo::widgets::AlertLabel* m_notice;
     QPushButton* m_dismiss;

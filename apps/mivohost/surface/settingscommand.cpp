@@ -135,16 +135,13 @@ SettingsCommand::SettingsCommand(const QCommandLineParser& arguments)
 {
     const bool exports = arguments.isSet(exportOption);
     const bool imports = arguments.isSet(importOption);
-    const int commands = int(exports) + int(imports) + int(arguments.isSet(printOption));
-    isGiven = commands > 0;
+    isGiven = exports || imports || arguments.isSet(printOption);
     changesSettings = imports && !arguments.isSet(dryRunOption);
     QStringList unknown = arguments.value(sectionsOption).split(',', Qt::SkipEmptyParts);
     for (const QString& name : sectionNames()) {
         unknown.removeAll(name);
     }
-    if (commands > 1) {
-        problem = QStringLiteral("only one of --print-settings, --export and --import");
-    } else if (!imports && (arguments.isSet(dryRunOption) || arguments.isSet(machineOption))) {
+    if (!imports && (arguments.isSet(dryRunOption) || arguments.isSet(machineOption))) {
         problem = QStringLiteral("--dry-run and --with-machine-settings go with --import");
     } else if (!imports && !exports && arguments.isSet(sectionsOption)) {
         problem = QStringLiteral("--sections goes with --export and --import");

@@ -20,7 +20,7 @@ struct SettingsCommand
 {
     explicit SettingsCommand(const QCommandLineParser& arguments);
 
-    bool isGiven = false; ///< else the program runs with its window
+    bool isGiven = false;
     bool changesSettings = false;
     QString problem; ///< why the options do not go together; else empty
 };

@@ -41,6 +41,19 @@ QString nameText(const QString& name)
                                          : settingText(name);
 }
 
+/// At most some of the names, as a person reads them.
+template <typename ToText>
+QString listText(const QStringList& names, ToText toText)
+{
+    QStringList texts;
+    const QStringList first = names.mid(0, mostNames);
+    std::transform(first.begin(), first.end(), std::back_inserter(texts), toText);
+    if (first.size() < names.size()) {
+        texts.append(QStringLiteral("…"));
+    }
+    return texts.join(QStringLiteral(", "));
+}
+
 QString timeText(const QDateTime& time)
 {
     const QDateTime local = time.toLocalTime();
@@ -94,13 +107,13 @@ ShowBar::ShowBar(Synchroniser& synchroniser, MainWindow& window)
             [this] { m_state->setText(stateText()); });
     connect(&synchroniser, &Synchroniser::lost, this, &ShowBar::add);
     connect(&synchroniser, &Synchroniser::replaced, this, [this](const QStringList& names) {
-        QStringList texts;
-        const QStringList first = names.mid(0, mostNames);
-        std::transform(first.begin(), first.end(), std::back_inserter(texts), nameText);
-        if (first.size() < names.size()) {
-            texts.append(QStringLiteral("…"));
-        }
-        m_window.showNotice(QStringLiteral("ShowReplaced"), texts.join(QStringLiteral(", ")));
+        m_window.showNotice(QStringLiteral("ShowReplaced"), listText(names, nameText));
+    });
+    connect(&synchroniser, &Synchroniser::keysClash, this, [this](const auto& actions) {
+        m_window.showNotice(
+            QStringLiteral("KeysClash"), listText(actions.keys(), [&actions](const QString& keys) {
+                return QStringLiteral("%1 (%2)").arg(keys, listText(actions.value(keys), nameText));
+            }));
     });
     connect(&synchroniser, &Synchroniser::tooLong, this, [this](const QString& name) {
         m_window.showNotice(QStringLiteral("SettingTooLong"), nameText(name));

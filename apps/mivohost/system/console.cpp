@@ -3,7 +3,6 @@
 #include "base/exitcode.h"
 #include "devices/clustersimulator.h"
 
-#include <QtCore/QByteArrayList>
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QCoreApplication>
 
@@ -23,16 +22,23 @@ void printQtMessage(QtMsgType type, const QMessageLogContext& context, const QSt
     }
 }
 
-[[maybe_unused]] bool opensNoWindow(const QByteArray& argument)
+[[maybe_unused]] bool opensNoWindow(const QString& argument)
 {
-    static const QByteArrayList options = {"h",        "help",           "help-all", "v",
-                                           "version",  "print-settings", "export",   "import",
-                                           "pictures", "adopt",          "forget"};
-    const int dashes = argument.startsWith("--") ? 2 : 1;
-    return argument.startsWith('-') && options.contains(argument.mid(dashes).split('=').first());
+    static const QStringList answers{"h", "help", "help-all", "v", "version"};
+    const int dashes = argument.startsWith(QLatin1String("--")) ? 2 : 1;
+    const QString option = argument.mid(dashes).section('=', 0, 0);
+    return argument.startsWith('-')
+           && (answers.contains(option) || commandOptions().contains(option));
 }
 
 } // namespace
+
+const QStringList& commandOptions()
+{
+    static const QStringList options{"print-settings", "export", "import",
+                                     "pictures",       "adopt",  "forget"};
+    return options;
+}
 
 void dropIdleMessages()
 {

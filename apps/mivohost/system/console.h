@@ -1,11 +1,10 @@
 #pragma once
 
-#include <QtCore/QtGlobal>
+#include <QtCore/QStringList>
 
 #include <optional>
 
 class QCommandLineParser;
-class QString;
 
 namespace mivohost {
 
@@ -28,6 +27,9 @@ inline void useNoSystemBoxes() {}
 /// From now on Qt's messages on what a screen without a window manager cannot do are not printed:
 /// they come for each window, and nobody can do anything about it.
 void dropIdleMessages();
+
+/// The options that let the program do something without a window, then end. One at a time.
+const QStringList& commandOptions();
 
 /// On Linux, lets a command that opens no window do without a display. Before the QApplication.
 void useNoDisplayForCommands(int argc, char** argv);

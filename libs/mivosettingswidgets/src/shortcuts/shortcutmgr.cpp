@@ -5,7 +5,6 @@
 
 #include <mivowidgets/shortcutcover.h>
 
-#include <QtCore/QPointer>
 #include <QtCore/QSysInfo>
 
 #include <memory>
@@ -45,20 +44,15 @@ void ShortCutMgr::shortCutInfoSave(const STLinkShortCutInfo& info)
 {
     STLinkShortCutInfo wanted = info; // a copy: it may refer to the lists that are cleared now
     // As slotClearShortCut(), but without writing a file without keys meanwhile.
-    m_impl->clearKeys(Impl::Write::no);
+    const auto before = m_impl->takeKeys();
+    emit signalClearShortCutState(true);
     m_impl->keys.exchange(std::move(wanted));
     m_impl->save();
     if (m_impl->keys.isWritten()) { // else the file holds the table before
         m_impl->keys.load();
     }
     setAllShortCutStr();
-    const STLinkShortCutInfo held = linkShortCutInfo();
-    const QPointer<ShortCutMgr> self(this); // a slot may end it
-    for (const STShortCutItem& item : held.shortCutInfoList) {
-        if (self) {
-            emit signalShortCutStrChanged(item.type, item.path, item.shortCutStr);
-        }
-    }
+    m_impl->tellChanges(before, linkShortCutInfo().shortCutInfoList);
 }
 
 void ShortCutMgr::setAllShortCutStr()
@@ -148,7 +142,7 @@ void ShortCutMgr::slotClearShortCut(bool clear, EnumPeripheralShortCutType kind)
         return;
     }
     if (kind == PeripheralKeyboard) {
-        m_impl->clearKeys(Impl::Write::yes);
+        m_impl->clearKeys();
     } else {
         m_impl->clearPeripheral(kind);
     }

@@ -9,6 +9,8 @@
 #include <QtCore/QPointer>
 #include <QtWidgets/QApplication>
 
+#include <map>
+#include <string_view>
 #include <utility>
 
 namespace mivo::settings {
@@ -16,6 +18,22 @@ namespace mivo::settings {
 using mivo::peripheralcontrol::SDeviceBindInfo;
 using mivo::widgets::ShortCutCover;
 using mivo::widgets::TipDialog;
+
+namespace {
+
+/// The keys of actions, which type and path tell apart. Borrowed from the entries.
+using KeyTexts = std::map<std::pair<EnumShortCutType, std::string_view>, std::string_view>;
+
+KeyTexts keyTextsOf(const std::vector<STShortCutItem>& items)
+{
+    KeyTexts texts;
+    for (const STShortCutItem& item : items) {
+        texts[{item.type, item.path}] = item.shortCutStr;
+    }
+    return texts;
+}
+
+} // namespace
 
 ShortCutMgr::Impl::Impl(ShortCutMgr* manager)
     : devices(this, [this](const ControlMessage& message) { emitMessage(message); }),
@@ -127,17 +145,39 @@ bool ShortCutMgr::Impl::systemShortCutRepeat(const QString& text)
     return true;
 }
 
-void ShortCutMgr::Impl::clearKeys(Write write)
+std::vector<STShortCutItem> ShortCutMgr::Impl::takeKeys()
 {
-    const auto before = keys.exchange({}).shortCutInfoList;
+    auto before = keys.exchange({}).shortCutInfoList;
     covers.forEach([](ShortCutCover& cover) { cover.shortCutStrChanged(QString()); });
-    if (write == Write::yes) {
-        save();
-    }
-    for (const STShortCutItem& item : before) {
-        emit m_manager->signalShortCutStrChanged(item.type, item.path, std::string());
-    }
+    return before;
+}
+
+void ShortCutMgr::Impl::clearKeys()
+{
+    const auto before = takeKeys();
+    save();
     emit m_manager->signalClearShortCutState(true);
+    tellChanges(before, {});
+}
+
+void ShortCutMgr::Impl::tellChanges(const std::vector<STShortCutItem>& before,
+                                    const std::vector<STShortCutItem>& after)
+{
+    const KeyTexts old = keyTextsOf(before);
+    const KeyTexts now = keyTextsOf(after);
+    const QPointer<Impl> self(this); // a slot may end it
+    for (const auto& [action, keys] : old) {
+        if (self && now.count(action) == 0) {
+            emit m_manager->signalShortCutStrChanged(action.first, std::string(action.second), {});
+        }
+    }
+    for (const auto& [action, keys] : now) {
+        const auto other = old.find(action);
+        if (self && (other == old.end() || other->second != keys)) {
+            emit m_manager->signalShortCutStrChanged(action.first, std::string(action.second),
+                                                     std::string(keys));
+        }
+    }
 }
 
 // --- Covers ---

@@ -7,6 +7,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace mivo::settings {
 
@@ -32,8 +33,12 @@ public:
     void pushTexts() { covers.pushTexts(keys.lists(), keys.state()); }
     /// What takeTexts() of the covers does.
     void takeTexts();
-    enum class Write { no, yes };
-    void clearKeys(Write write);
+    /// Empties the table and the covers, and returns what the table held.
+    std::vector<STShortCutItem> takeKeys();
+    void clearKeys();
+    /// Tells of each action that has other keys now.
+    void tellChanges(const std::vector<STShortCutItem>& before,
+                     const std::vector<STShortCutItem>& after);
     void clearPeripheral(EnumPeripheralShortCutType kind);
     void rebind(EnumPeripheralShortCutType kind, const SDeviceBindInfo& info);
     void showPendingTexts() const;
