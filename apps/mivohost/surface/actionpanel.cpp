@@ -225,6 +225,10 @@ void ActionPanel::addConnections()
     const auto show = [this](const auto& /*state*/) { this->showHint(); };
     m_connections.emplace_back(m_peripherals.midi().enabledChanged.connect(show));
     m_connections.emplace_back(m_peripherals.dmx().infoChanged.connect(show));
+    m_connections.emplace_back(m_peripherals.bindingsReplaced.connect([this] {
+        m_peripherals.giveTo(m_manager);
+        showState();
+    }));
     connect(&m_manager, &ShortCutMgr::signalUpdateOscUrl, this, [this](const std::string& url) {
         m_oscUrl = url;
         showHint();
@@ -240,9 +244,9 @@ bool ActionPanel::hasBindings() const
 {
     switch (kind()) {
     case PeripheralMidi:
-        return !m_peripherals.midi().bindings().empty();
+        return !m_peripherals.midi().table().isEmpty();
     case PeripheralDmx:
-        return !m_peripherals.dmx().bindings().empty();
+        return !m_peripherals.dmx().table().isEmpty();
     case PeripheralOsc:
         return false; // addresses are bound for good
     default:

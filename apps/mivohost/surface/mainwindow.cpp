@@ -37,11 +37,10 @@ using mivo::widgets::AlertLabel;
 
 MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile& project,
                        Peripherals& peripherals, const SettingsServices& services)
-    : m_runtime(runtime), m_store(store), m_project(project), m_peripherals(peripherals),
-      m_services(services), m_title(new QLabel), m_notice(new AlertLabel),
-      m_dismiss(new QPushButton), m_settingsButton(new mivo::widgets::PushButton),
-      m_languageLabel(new QLabel), m_language(new QComboBox),
-      m_actionPanel(new ActionPanel(peripherals)),
+    : m_runtime(runtime), m_store(store), m_project(project), m_services(services),
+      m_title(new QLabel), m_notice(new AlertLabel), m_dismiss(new QPushButton),
+      m_settingsButton(new mivo::widgets::PushButton), m_languageLabel(new QLabel),
+      m_language(new QComboBox), m_actionPanel(new ActionPanel(peripherals)),
       m_waiting({new WaitingLine(project.requests()),
                  new WaitingLine(m_actionPanel->transfer().requests()),
                  new WaitingLine(m_transfer.requests())}),
@@ -180,7 +179,6 @@ void MainWindow::addMenu()
 
 void MainWindow::followImport()
 {
-    m_peripherals.reload();
     const QString language = m_runtime.call([this] { return m_store.getLanguage(); });
     if (!language.isEmpty()) {
         switchLanguage(language);
