@@ -334,14 +334,27 @@ TEST_F(Panel, WhatCannotBeReadSavedOrOpenedIsToldAndTriedAgain)
     peripherals->osc().setInfo({true, taken.localPort()});
     ASSERT_EQ(told.size(), 1);
     EXPECT_TRUE(told[0].startsWith(QString("OscFailed UDP %1: ").arg(taken.localPort())));
+    const auto hint = [this] { return control<QLabel>("shortcutHint")->text(); };
+    chooseItem(control<QComboBox>("shortcutKind"), PeripheralOsc);
+    panel->setEditing(true);
+    const QString failure = hint();
+    EXPECT_TRUE(failure.contains(QString::number(taken.localPort()))) << failure;
     taken.close();
     EXPECT_TRUE(QTest::qWaitFor([this] { return told.size() > 1; }, 10000));
     EXPECT_EQ(told.last(), "OscReceives");
+    EXPECT_NE(hint(), failure);
     auto* address = control<QComboBox>("listenAddress");
     chooseItem(address, address->findText("127.0.0.1"));
-    EXPECT_EQ(peripherals->listenAddress(), "127.0.0.1");
-    runtime.call(
-        [this] { store.change("dmxBindings", R"([{"control":"DMX 4","path":"","type":210}])"); });
+    EXPECT_TRUE(hint().contains("osc.udp://127.0.0.1:")) << hint();
+    runtime.call([this] { store.kept.fails = true; });
+    chooseItem(address, 0);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return address->currentText() == "127.0.0.1"; }))
+        << "what is kept";
+    EXPECT_TRUE(hint().contains("osc.udp://127.0.0.1:")) << hint();
+    runtime.call([this] {
+        store.kept.fails = false;
+        store.change("dmxBindings", R"([{"control":"DMX 4","path":"","type":210}])");
+    });
     EXPECT_TRUE(QTest::qWaitFor([this] { return cover(take)->keyText(PeripheralDmx) == "DMX 4"; }))
         << "as another machine has set it";
 

@@ -22,15 +22,11 @@ class QGridLayout;
 class QLabel;
 class QPushButton;
 
-namespace mivo::widgets {
-class AlertLabel;
-}
-
 namespace mivohost {
 
 class ActionButton;
 class ActionTools;
-class ListenAddressBox;
+class HintRow;
 class Peripherals;
 
 /// A button for each action that keys and controllers can trigger, and the editing of what triggers
@@ -71,7 +67,6 @@ private:
     EnumPeripheralShortCutType kind() const;
     bool hasBindings() const;
     void showState();
-    void showHint();
     void showMatches();
     void showFound(int type);
     void setKind();
@@ -89,7 +84,6 @@ private:
     bool m_editing = false;
     bool m_locked = false;
     bool m_hasKeys = false; // any is bound
-    std::string m_oscUrl;
     QLabel* m_heading;
     QPushButton* m_edit;
     QComboBox* m_kind;
@@ -97,9 +91,7 @@ private:
     QPushButton* m_export;
     QPushButton* m_import;
     QPushButton* m_lock;
-    mivo::widgets::AlertLabel* m_hint;
-    QLabel* m_addressLabel;
-    ListenAddressBox* m_address;
+    HintRow* m_hint;
     std::vector<std::pair<std::string, QLabel*>> m_groups; // with the keys of their texts
     std::vector<ActionButton*> m_actions;
     std::vector<sigslot::scoped_connection> m_connections;
