@@ -118,7 +118,7 @@ protected:
         QApplication::processEvents(); // what is told of the file of the keys comes later
         return told.join('|');
     }
-    QString toldOfImport(const char* json)
+    QString toldOfImport(const QByteArray& json)
     {
         writeFile(folder.filePath("import.json"), json);
         return toldOf(&BindingsTransfer::importFrom, folder.filePath("import.json"));
@@ -275,6 +275,17 @@ TEST_F(Panel, AllBindingsGoOutIntoAFileAndComeBack)
     goToWindow();
     press(Qt::Key_F7, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_EQ(triggered(), "Stage/Take by Ctrl + Shift + F7");
+
+    const QByteArray refused =
+        R"({"type":189,"path":"","shortCutStr":")" + QByteArray(999, 'x') + R"("})";
+    EXPECT_EQ(
+        toldOfImport("{\"shortCutInfoList\":[" + (refused + ',').repeated(99) + refused + "]}"),
+        "");
+    const auto lines = log.take();
+    EXPECT_LT(lines.size(), 20U);
+    for (const std::string& line : lines) {
+        EXPECT_LT(line.size(), 200U) << line;
+    }
 }
 
 TEST_F(Panel, AFileThatDoesNotAnswerIsNotWaitedFor)
@@ -330,12 +341,29 @@ TEST_F(Panel, WhatCannotBeReadSavedOrOpenedIsToldAndTriedAgain)
     peripherals->osc().setInfo({true, taken.localPort()});
     ASSERT_EQ(told.size(), 1);
     EXPECT_TRUE(told[0].startsWith(QString("OscFailed UDP %1: ").arg(taken.localPort())));
+    const auto hint = [this] { return control<QLabel>("shortcutHint")->text(); };
+    chooseItem(control<QComboBox>("shortcutKind"), PeripheralOsc);
+    panel->setEditing(true);
+    const QString failure = hint();
+    EXPECT_TRUE(failure.contains(QString::number(taken.localPort()))) << failure;
     taken.close();
     EXPECT_TRUE(QTest::qWaitFor([this] { return told.size() > 1; }, 10000));
     EXPECT_EQ(told.last(), "OscReceives");
+    EXPECT_NE(hint(), failure);
     auto* address = control<QComboBox>("listenAddress");
     chooseItem(address, address->findText("127.0.0.1"));
-    EXPECT_EQ(peripherals->listenAddress(), "127.0.0.1");
+    EXPECT_TRUE(hint().contains("osc.udp://127.0.0.1:")) << hint();
+    runtime.call([this] { store.kept.fails = true; });
+    chooseItem(address, 0);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return address->currentText() == "127.0.0.1"; }))
+        << "what is kept";
+    EXPECT_TRUE(hint().contains("osc.udp://127.0.0.1:")) << hint();
+    runtime.call([this] {
+        store.kept.fails = false;
+        store.change("dmxBindings", R"([{"control":"DMX 4","path":"","type":210}])");
+    });
+    EXPECT_TRUE(QTest::qWaitFor([this] { return cover(take)->keyText(PeripheralDmx) == "DMX 4"; }))
+        << "as another machine has set it";
 
     writeFile(shortCutFilePath(), "{");
     told.clear();

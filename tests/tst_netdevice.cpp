@@ -68,6 +68,13 @@ TEST_F(Network, APortIsOpenedAndClosedByItsButtonsAndSaysWhyItIsNot)
         control<PushButton>(2 * row + 1)->click();
         EXPECT_EQ(store.held(key), "0|7001");
         EXPECT_FALSE(failure(row)->isVisible()) << "an earlier attempt's";
+        announce([&] { // what was on its way at the click, and then what came of the click
+            (row == tcp ? store.tcpPortFailed : store.udpPortFailed)(std::string("taken"));
+            (row == tcp ? store.tcpPortChanged : store.udpPortChanged)(STPortInfo{false, 7001});
+        });
+        EXPECT_FALSE(failure(row)->isVisible()) << "nobody wants it open";
+        typeInto(port, "7002");
+        EXPECT_EQ(store.held(key), "0|7002");
     }
 }
 

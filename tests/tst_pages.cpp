@@ -184,7 +184,8 @@ TEST_P(Pages, LogAStoreOrARuntimeThatIsMissing)
         EXPECT_EQ(shown(control), control.edited);
         const char* byQt = GetParam().qtWarning;
         EXPECT_EQ(warned(log) + QtLog::take(),
-                  byQt != nullptr ? byQt : "sharedSettings is nullptr!|" + control.writeSlot);
+                  byQt != nullptr ? byQt + control.writeSlot + "()"
+                                  : "sharedSettings is nullptr!|" + control.writeSlot);
     }
     page->unsetSettings();
     EXPECT_EQ(warned(log), missing.unsetWithoutStore);

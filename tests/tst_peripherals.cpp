@@ -159,19 +159,15 @@ TEST_F(Bindings, AreChangedAndSavedOnlyWhenAControlIsFreeOrMoved)
 
 TEST_F(Bindings, SurviveARestartAndWhatCannotBeReadIsLogged)
 {
-    {
-        auto table = make();
-        const BindingTable::DeferredSave deferred(table);
-        table.bind({211, "/Peripherals/组/\"1\"", "knob é"});
-        table.bind({187, "", "knob 1"});
-        EXPECT_EQ(saves, 0);
-    }
+    make("[]").setAll({{211, "/Peripherals/组/\"1\"", "knob é"},
+                       {2, "none", "lever"},
+                       {2, "before", "knob 1"},
+                       {187, "", "knob 1"}});
     EXPECT_EQ(saves, 1);
     EXPECT_EQ(make(saved).bindings(),
               (Infos{{187, "", "knob 1"}, {211, "/Peripherals/组/\"1\"", "knob é"}}));
     const Infos last{{2, "b", "knob 1"}};
     for (const auto& [kept, bindings] : {
-             std::pair("[", Infos()),
              std::pair(R"([{"type":1,"path":"a","control":"lever"}])", Infos()),
              std::pair(R"([7,{"type":1,"path":"a","control":"knob 1"},)"
                        R"({"type":2,"path":"b","control":"knob 1"}])",
@@ -355,6 +351,53 @@ TEST(PeripheralsOfHost, WriteWhatChangesAndReadItBackOnTheNextStart)
               (Infos{{187, "a", "CC 7 ch 1 (X)"}, {189, "c", "CC 8 ch 1 (X)"}}))
         << "the last one was tried again";
     EXPECT_EQ(peripherals.dmx().bindings(), (Infos{{188, "b", "DMX 12"}}));
+}
+
+TEST(PeripheralsOfHost, TakeOverWhatIsChangedElsewhereAndLearnOnTopOfIt)
+{
+    const SDeviceBindInfo theirs{188, "theirs", "CC 2 ch 1 (X)"};
+    const SDeviceBindInfo mine{189, "mine", "CC 3 ch 1 (X)"};
+    const auto kept = [](const SDeviceBindInfo& info) {
+        BindingTable table({[](const std::string&) { return true; }, {}, [](const auto&) {}});
+        table.bind(info);
+        return QString::fromStdString(table.text());
+    };
+    TestStore store({{"midiBindings", R"(["not read"])"}});
+    TestRuntime runtime;
+    const auto change = [&](const char* key, const QVariant& value) {
+        runtime.call([&] { store.change(key, value); });
+    };
+    {
+        Peripherals peripherals(runtime, store);
+        int replaced = 0;
+        QString address;
+        peripherals.bindingsReplaced.connect([&replaced] { ++replaced; });
+        peripherals.listenAddressChanged.connect([&address](const QString& at) { address = at; });
+        peripherals.midi().bind(mine);
+        peripherals.midi().bind(mine); // which the store has already
+        EXPECT_TRUE(peripherals.areBindingsStored());
+        EXPECT_TRUE(store.held("midiBindings").toString().contains("not read"));
+        change("midiBindings", kept(theirs));
+        EXPECT_EQ(peripherals.midi().table().text(), kept(theirs).toStdString());
+        peripherals.midi().bind(mine);
+        change("dmxBindings", kept({190, "too", "DMX 7"}));
+        change("osc", "0|9003");
+        change("listenAddress", "127.0.0.1");
+        EXPECT_TRUE(QTest::qWaitFor([&] { return address == "127.0.0.1"; }));
+        EXPECT_EQ(peripherals.osc().info(), (SAddOSCInfo{false, 9003}));
+        EXPECT_EQ(replaced, 2) << "not for what is learned here";
+        runtime.call([&] { store.kept.fails = true; });
+        peripherals.dmx().bind({191, "unsaved", "DMX 8"});
+        change("dmxBindings", kept({190, "later", "DMX 9"}));
+        runtime.call([&] { store.kept.fails = false; });
+        EXPECT_EQ(peripherals.dmx().bindings().size(), 2U);
+        QCoreApplication::processEvents(); // it is to be tried again
+    }
+    Peripherals peripherals(runtime, store);
+    EXPECT_EQ(peripherals.midi().bindings(), (Infos{theirs, mine}));
+    EXPECT_EQ(peripherals.dmx().bindings(),
+              (Infos{{190, "too", "DMX 7"}, {191, "unsaved", "DMX 8"}}))
+        << "what is still to be saved is newer";
 }
 
 } // namespace peripheralstest

@@ -68,7 +68,7 @@ TEST(SettingsFiles, TakeEverySettingAlongAsTheSchemaSays)
 {
     const TestStore source(otherRows());
     EXPECT_EQ(source.unusable(), QStringList());
-    TestStore target({{"midiBindings", "its own"}, {"recentProjectFiles", "too"}});
+    TestStore target({{"midiBindings", "[7]"}, {"recentProjectFiles", "too"}});
     const std::string json = exported(source);
     const SettingsFile file = SettingsFile::read(json);
     ASSERT_EQ(file.error(), "") << json;

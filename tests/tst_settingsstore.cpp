@@ -110,6 +110,7 @@ TEST_F(Store, LeavesUnusableRowsUntilTheyAreSet)
         {"dmx", {"1|512|15|15|"}, {"1|513|0|0|a", "1|0|16|0|a", "1|0|0|16|a", "1|0|0|0"}},
         {"listenAddress", {"127.0.0.1"}, {"1.2.3.256"}},
         {"soundCardMappings", {}, {"["}},
+        {"midiBindings", {"[7]"}, {"{}", "["}},
     };
     for (const auto& [key, usable, unusable] : cases) {
         for (const QVariant& row : usable + unusable) {

@@ -227,7 +227,7 @@ public:
     /// The new value, after each change of it.
     sigslot::signal<const STPortInfo&> tcpPortChanged;
     sigslot::signal<const STPortInfo&> udpPortChanged;
-    sigslot::signal<const std::string&> tcpPortFailed; ///< why it stays closed
+    sigslot::signal<const std::string&> tcpPortFailed; ///< why it stays closed; behind its change
     sigslot::signal<const std::string&> udpPortFailed;
     /// @}
 

@@ -3,6 +3,7 @@
 #include "mivohostapi/peripherals.h"
 #include "mivohostapi/pptresolutions.h"
 
+#include <QtCore/QJsonDocument>
 #include <QtCore/QRegularExpression>
 
 #include <algorithm>
@@ -79,6 +80,12 @@ bool isListenAddress(const QString& text)
     static const QRegularExpression ipv4(QRegularExpression::anchoredPattern(QStringLiteral(
         R"((\d{1,2}|1\d\d|2[0-4]\d|25[0-5])(\.(\d{1,2}|1\d\d|2[0-4]\d|25[0-5])){3})")));
     return text.isEmpty() || ipv4.match(text).hasMatch();
+}
+
+/// A JSON array, or empty: no control was ever bound.
+bool isBindings(const QString& text)
+{
+    return text.isEmpty() || QJsonDocument::fromJson(text.toUtf8()).isArray();
 }
 
 bool isDisplayTechnologyStandard(const QString& name)
@@ -223,9 +230,11 @@ const std::vector<Setting>& settingsTable()
         row(Key::recentProjectFiles, "recentProjectFiles", Section::host, machine, QString()),
         row(Key::unsavedProject, "unsavedProject", Section::host, machine, QString()),
         row(Key::midiEnabled, "midiEnabled", Section::network, machine, false),
-        row(Key::midiBindings, "midiBindings", Section::network, machine, QString()),
+        row(Key::midiBindings, "midiBindings", Section::network, machine, QString(), nullptr,
+            isBindings),
         recordRow(Key::dmx, "dmx", Section::network, machine, SAddDMXInfo()),
-        row(Key::dmxBindings, "dmxBindings", Section::network, machine, QString()),
+        row(Key::dmxBindings, "dmxBindings", Section::network, machine, QString(), nullptr,
+            isBindings),
         recordRow(Key::osc, "osc", Section::network, machine, SAddOSCInfo{false, 9000}),
         row(Key::listenAddress, "listenAddress", Section::network, machine, QString(), nullptr,
             isListenAddress),

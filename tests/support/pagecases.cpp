@@ -155,7 +155,7 @@ const std::vector<PageCase>& pageCases()
         pageCase<DeviceSettingWidget>(
             true, {}, 2, 4,
             {port("tcpPort", 0, "onTcpPortChanged"), port("udpPort", 1, "onUdpPortChanged")},
-            "_settings is null"),
+            "_settings is null|void mivo::settings::DeviceSettingWidget::Impl::"),
         pageCase<DisplayControlSettingBox>(
             false,
             {"sharedSettings is nullptr!|setSettings", "shareSettings is nullptr!|unsetSettings",

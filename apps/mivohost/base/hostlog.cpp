@@ -139,4 +139,11 @@ void detachLogView()
     sinks().view.reset();
 }
 
+std::string shortened(const std::string& text)
+{
+    constexpr int longest = 60; // characters
+    const QString whole = QString::fromStdString(text);
+    return whole.size() <= longest ? text : whole.left(longest).toStdString() + "...";
+}
+
 } // namespace mivohost

@@ -4,6 +4,8 @@
 
 #include <QtCore/QString>
 
+#include <string>
+
 class QObject;
 
 namespace mivohost {
@@ -17,5 +19,8 @@ void startLog(const QString& file);
 /// Undone by detachLogView() before `view` goes.
 void attachLogView(QObject* view);
 void detachLogView();
+
+/// A text from outside, as it stands in a line that is to stay one that can be read.
+std::string shortened(const std::string& text);
 
 } // namespace mivohost

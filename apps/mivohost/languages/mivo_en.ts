@@ -1236,6 +1236,16 @@ Without an answer the copy is used in %4 seconds.</translation>
         <translation>Resolution: height</translation>
     </message>
     <message>
+        <source>SettingMidiBindings</source>
+        <comment>MainWindow</comment>
+        <translation>MIDI shortcuts</translation>
+    </message>
+    <message>
+        <source>SettingDmxBindings</source>
+        <comment>MainWindow</comment>
+        <translation>DMX shortcuts</translation>
+    </message>
+    <message>
         <source>SettingSdr</source>
         <comment>MainWindow</comment>
         <translation>SDR</translation>

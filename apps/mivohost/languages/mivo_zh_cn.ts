@@ -1236,6 +1236,16 @@
         <translation>分辨率：高</translation>
     </message>
     <message>
+        <source>SettingMidiBindings</source>
+        <comment>MainWindow</comment>
+        <translation>MIDI 快捷键</translation>
+    </message>
+    <message>
+        <source>SettingDmxBindings</source>
+        <comment>MainWindow</comment>
+        <translation>DMX 快捷键</translation>
+    </message>
+    <message>
         <source>SettingSdr</source>
         <comment>MainWindow</comment>
         <translation>SDR</translation>

@@ -25,7 +25,9 @@ using mivo::settings::ShortCutMgr;
 
 namespace {
 
-using Infos = std::vector<SDeviceBindInfo>;
+using Infos = Peripherals::Bindings;
+
+constexpr int mostLogged = 10; // of the bindings of a file that are left out
 
 struct Bindings
 {
@@ -52,6 +54,7 @@ std::string bindableKeys(const std::string& text)
 Bindings bindingsOf(const std::string& json)
 {
     Bindings bindings;
+    int leftOut = 0;
     std::set<std::string> sequences;
     std::set<std::tuple<const Infos*, int, std::string>> actions; // of keys, MIDI or DMX each
     for (STShortCutItem& item : mivo::settings::parseShortCuts(json)) {
@@ -68,13 +71,20 @@ Bindings bindingsOf(const std::string& json)
             device == nullptr ? bindableKeys(item.shortCutStr) : item.shortCutStr;
         const std::tuple identity(device, static_cast<int>(item.type), item.path);
         if (sequence.empty() || sequences.count(sequence) > 0 || actions.count(identity) > 0) {
-            hostLog()->warn("\"{}\" cannot be bound to {}", item.shortCutStr, item.path);
+            if (++leftOut <= mostLogged) {
+                hostLog()->warn("\"{}\" cannot be bound to {}", shortened(item.shortCutStr),
+                                shortened(item.path));
+            }
             continue;
         }
         sequences.insert(sequence);
         actions.insert(identity);
         if (device != nullptr) {
-            device->push_back({item.type, item.path, sequence});
+            // Under the name that the manager of the shortcuts gives it.
+            device->push_back(
+                {item.type,
+                 item.type == ShortCutOfPath ? mivo::settings::reportedPath(item.path) : item.path,
+                 sequence});
             continue;
         }
         item.shortCutStr = sequence;
@@ -82,21 +92,10 @@ Bindings bindingsOf(const std::string& json)
                                      : bindings.keys.indexShortCutList)
             .push_back(item);
     }
-    return bindings;
-}
-
-void bindDevices(const Infos& midi, const Infos& dmx, ShortCutMgr& manager,
-                 Peripherals& peripherals)
-{
-    const BindingTable::DeferredSave midiSave(peripherals.midi().table());
-    const BindingTable::DeferredSave dmxSave(peripherals.dmx().table());
-    for (const auto& [kind, infos] :
-         {std::pair(PeripheralMidi, &midi), std::pair(PeripheralDmx, &dmx)}) {
-        manager.slotClearShortCut(true, kind);
-        for (const SDeviceBindInfo& info : *infos) {
-            manager.rebindPeripheral(kind, info.type, info.oprKey, info.keyValue);
-        }
+    if (leftOut > mostLogged) {
+        hostLog()->warn("{} more bindings of the file are left out", leftOut - mostLogged);
     }
+    return bindings;
 }
 
 } // namespace
@@ -134,9 +133,9 @@ QString importBindings(const std::string& json, ShortCutMgr& manager, Peripheral
     }
     const auto midi = peripherals.midi().bindings();
     const auto dmx = peripherals.dmx().bindings();
-    bindDevices(wanted.midi, wanted.dmx, manager, peripherals);
+    peripherals.setBindings(wanted.midi, wanted.dmx);
     if (!peripherals.areBindingsStored() || !file.commit(problem)) {
-        bindDevices(midi, dmx, manager, peripherals);
+        peripherals.setBindings(midi, dmx);
         return hostText("BindingsNotSaved");
     }
     manager.shortCutInfoSave(wanted.keys);

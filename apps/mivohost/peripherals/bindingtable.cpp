@@ -60,6 +60,43 @@ std::vector<BindingTable::BindInfo> BindingTable::bindings() const
     return all;
 }
 
+bool BindingTable::isEmpty() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_controls.empty();
+}
+
+void BindingTable::setAll(const std::vector<BindInfo>& infos)
+{
+    const std::lock_guard lock(m_mutex);
+    const std::string before = textOfAll();
+    m_actions.clear();
+    m_controls.clear();
+    for (const BindInfo& info : infos) {
+        if (m_setup.isControl(info.keyValue)) {
+            put({info.type, info.oprKey}, info.keyValue);
+        }
+    }
+    if (textOfAll() != before) {
+        save();
+    }
+}
+
+bool BindingTable::follow(const std::string& kept)
+{
+    const std::lock_guard lock(m_mutex);
+    const bool isSameText = isSame(kept, textOfAll());
+    if (isSameText || !m_isKept) {
+        m_isKept = isSameText;
+        return false;
+    }
+    m_actions.clear();
+    m_controls.clear();
+    m_unread = {};
+    restore(kept);
+    return true;
+}
+
 BindingTable::BindInfo BindingTable::boundTo(const std::string& control) const
 {
     const std::lock_guard lock(m_mutex);
@@ -150,22 +187,10 @@ void BindingTable::restore(const std::string& kept)
             m_unread.append(value);
         }
     }
-    if (!m_unread.isEmpty() || !document.isArray()) {
-        hostLog()->warn("bindings of controls could not be read: {}", kept);
-    }
-}
-
-BindingTable::DeferredSave::DeferredSave(BindingTable& table) : m_table(table)
-{
-    const std::lock_guard lock(m_table.m_mutex);
-    ++m_table.m_deferredSaves;
-}
-
-BindingTable::DeferredSave::~DeferredSave()
-{
-    const std::lock_guard lock(m_table.m_mutex);
-    if (--m_table.m_deferredSaves == 0 && m_table.m_isUnsaved) {
-        m_table.save();
+    if (!m_unread.isEmpty()) {
+        hostLog()->warn(
+            "{} bindings of controls could not be read: {}", m_unread.size(),
+            shortened(QJsonDocument(m_unread).toJson(QJsonDocument::Compact).toStdString()));
     }
 }
 
@@ -173,6 +198,16 @@ std::string BindingTable::text() const
 {
     const std::lock_guard lock(m_mutex);
     return textOfAll();
+}
+
+bool BindingTable::isKeptAs(const std::string& kept) const
+{
+    return isSame(kept, text());
+}
+
+bool BindingTable::isSame(const std::string& kept, const std::string& text)
+{
+    return kept == text || (kept.empty() && text == "[]");
 }
 
 std::string BindingTable::textOfAll() const
@@ -191,10 +226,8 @@ std::string BindingTable::textOfAll() const
 
 void BindingTable::save()
 {
-    m_isUnsaved = m_deferredSaves > 0;
-    if (!m_isUnsaved) {
-        m_setup.save(textOfAll());
-    }
+    m_isKept = false;
+    m_setup.save(textOfAll());
 }
 
 } // namespace mivohost

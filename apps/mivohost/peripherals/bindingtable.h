@@ -27,8 +27,8 @@ public:
     {
         /// Whether a text names a control of this kind; a binding to another text is refused.
         bool (*isControl)(const std::string& text) = nullptr;
-        /// What was last saved, or empty. What is not understood of it, as of a later version, is
-        /// logged, and saved again as it is.
+        /// What was last saved, a JSON array, or empty. Entries that are not understood, as of a
+        /// later version, are logged, and saved again as they are.
         std::string kept;
         /// Keeps all bindings as one text. Called after each change, on the thread that made it, in
         /// the order of the changes; it must not call the table.
@@ -42,6 +42,13 @@ public:
     void bind(const BindInfo& info);
     void unbind(int type, const std::string& path);
     std::vector<BindInfo> bindings() const;
+    bool isEmpty() const;
+    /// Replaces all bindings by these, and saves once. Others with the same action or control go
+    /// before, and what binds no control is left out.
+    void setAll(const std::vector<BindInfo>& infos);
+    /// Takes over what is kept from now on; but not while a change that is newer has yet to be
+    /// kept. Returns whether the bindings are read anew.
+    bool follow(const std::string& kept);
     /// What a control is bound to; of type 0 when that is nothing.
     BindInfo boundTo(const std::string& control) const;
     /// While it is on, nothing is triggered or learned: a use that teaches is kept for takeFound().
@@ -50,19 +57,9 @@ public:
     std::optional<BindInfo> takeFound();
     /// All bindings as the text that Setup::save is given.
     std::string text() const;
+    /// Whether `kept` says the same as text(): a table that never had a binding is kept as nothing.
+    bool isKeptAs(const std::string& kept) const;
     void setLocked(bool locked) { m_locked = locked; }
-
-    /// While it lives, nothing is saved. What changed meanwhile is saved once, at its end.
-    class DeferredSave
-    {
-    public:
-        explicit DeferredSave(BindingTable& table);
-        ~DeferredSave();
-        Q_DISABLE_COPY_MOVE(DeferredSave)
-
-    private:
-        BindingTable& m_table;
-    };
 
     enum class Outcome {
         nothing,
@@ -84,6 +81,7 @@ private:
     BindInfo infoOf(const std::string& control) const;
     void restore(const std::string& kept);
     std::string textOfAll() const;
+    static bool isSame(const std::string& kept, const std::string& text);
     void save();
 
     const Setup m_setup;
@@ -95,8 +93,7 @@ private:
     QJsonArray m_unread; // kept for who understands them
     bool m_finding = false;
     std::optional<BindInfo> m_found;
-    int m_deferredSaves = 0; // objects of DeferredSave
-    bool m_isUnsaved = false;
+    bool m_isKept = true; // as far as follow() has said
 };
 
 /// Implements the operations of a service that concern its bindings. `Base` is the interface.

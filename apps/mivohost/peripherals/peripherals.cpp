@@ -5,6 +5,7 @@
 #include "mivosettingswidgets/shortcutmgr.h"
 
 #include <map>
+#include <utility>
 
 namespace mivohost {
 
@@ -25,17 +26,13 @@ struct Peripherals::Kept
         return {store.getMidiEnabled(), store.getMidiBindings(), store.getOscInfo(),
                 store.getDmxInfo(),     store.getDmxBindings(),  store.getListenAddress()};
     }
+
+    bool hasSettingsOf(const Kept& other) const
+    {
+        return midiEnabled == other.midiEnabled && osc == other.osc && dmx == other.dmx
+               && listenAddress == other.listenAddress;
+    }
 };
-
-namespace {
-
-/// A table that never had a binding has no text in the store.
-bool isStored(const BindingTable& table, const std::string& text)
-{
-    return table.text() == text || (text.empty() && table.bindings().empty());
-}
-
-} // namespace
 
 /// A function that has the store keep a value, from any thread.
 template <typename Value, typename Held>
@@ -48,6 +45,8 @@ auto Peripherals::writing(void (SettingsStore::*set)(Value), Held (SettingsStore
             if (!((m_store.*get)() == value)) {
                 QMetaObject::invokeMethod(
                     &m_retry, [this, onFailure] { (this->*onFailure)(); }, Qt::QueuedConnection);
+            } else if (m_changes) {
+                followBindings(); // the store tells nothing if it had the value
             }
         };
         m_runtime.post(write, __FILE__, __LINE__, "Peripherals");
@@ -59,7 +58,7 @@ Peripherals::Peripherals(RuntimeThread& runtime, SettingsStore& store)
 {}
 
 Peripherals::Peripherals(RuntimeThread& runtime, SettingsStore& store, const Kept& kept)
-    : m_runtime(runtime), m_store(store),
+    : m_runtime(runtime), m_store(store), m_seen(std::make_unique<Kept>(kept)),
       m_midi({MidiService::isControl, kept.midiBindings,
               writing(&SettingsStore::setMidiBindings, &SettingsStore::getMidiBindings,
                       &Peripherals::retryLater)}),
@@ -73,6 +72,10 @@ Peripherals::Peripherals(RuntimeThread& runtime, SettingsStore& store, const Kep
         m_runtime.post([this] { keepBindings(); }, __FILE__, __LINE__, "Peripherals");
     };
     QObject::connect(&m_retry, &QTimer::timeout, &m_retry, retry);
+    m_runtime.call([this] {
+        m_changes.emplace(m_store.anySettingChanged.connect([this] { followStore(); }));
+        followStore(); // what has changed since it was read
+    });
     m_midi.setTap(m_tap);
     m_osc.setTap(m_tap);
     m_dmx.setTap(m_tap);
@@ -87,11 +90,12 @@ Peripherals::Peripherals(RuntimeThread& runtime, SettingsStore& store, const Kep
 
 Peripherals::~Peripherals()
 {
-    if (m_retry.isActive()) {
-        flush([this] { keepBindings(); });
-    } else {
-        flush([] {}); // it may be at it
-    }
+    flush([this, isDue = m_retry.isActive()] { // behind what it may be at
+        m_changes.reset();
+        if (isDue) {
+            keepBindings();
+        }
+    });
 }
 
 Peripherals::Flush::~Flush()
@@ -113,7 +117,7 @@ void Peripherals::keepBindings()
     std::map<SettingsStore::Key, QVariant> missing;
     const auto add = [&](SettingsStore::Key key, const BindingTable& table,
                          const std::string& kept) {
-        if (!isStored(table, kept)) {
+        if (!table.isKeptAs(kept)) {
             missing[key] = QString::fromStdString(table.text());
         }
     };
@@ -140,6 +144,30 @@ void Peripherals::apply(const Kept& kept)
     }
 }
 
+void Peripherals::followStore()
+{
+    const Kept before = std::exchange(*m_seen, Kept::of(m_store));
+    if (m_seen->midiBindings != before.midiBindings || m_seen->dmxBindings != before.dmxBindings) {
+        followBindings();
+    }
+    if (!m_seen->hasSettingsOf(before)) {
+        // What is set here meanwhile is newer, and is in the store when it is read once more.
+        QMetaObject::invokeMethod(
+            &m_retry, [this] { reload(); }, Qt::QueuedConnection);
+    }
+}
+
+/// At once, so that a control that is learned next is added to them.
+void Peripherals::followBindings()
+{
+    const bool isMidiRead = m_midi.table().follow(m_store.getMidiBindings());
+    const bool isDmxRead = m_dmx.table().follow(m_store.getDmxBindings());
+    if (isMidiRead || isDmxRead) {
+        QMetaObject::invokeMethod(
+            &m_retry, [this] { bindingsReplaced(); }, Qt::QueuedConnection);
+    }
+}
+
 void Peripherals::reload()
 {
     apply(m_runtime.call([this] { return Kept::of(m_store); }));
@@ -156,6 +184,7 @@ void Peripherals::listenAt(const QString& address)
     m_listenAddress = address;
     m_osc.setAddress(QHostAddress(address));
     m_dmx.setAddress(QHostAddress(address));
+    listenAddressChanged(m_listenAddress);
 }
 
 void Peripherals::setListenAddress(const QString& address)
@@ -169,7 +198,14 @@ bool Peripherals::areBindingsStored() const
 {
     const auto [midi, dmx] = m_runtime.call(
         [this] { return std::pair(m_store.getMidiBindings(), m_store.getDmxBindings()); });
-    return isStored(m_midi.table(), midi) && isStored(m_dmx.table(), dmx);
+    return m_midi.table().isKeptAs(midi) && m_dmx.table().isKeptAs(dmx);
+}
+
+void Peripherals::setBindings(const Bindings& midi, const Bindings& dmx)
+{
+    m_midi.table().setAll(midi);
+    m_dmx.table().setAll(dmx);
+    bindingsReplaced();
 }
 
 void Peripherals::giveTo(mivo::settings::ShortCutMgr& manager)

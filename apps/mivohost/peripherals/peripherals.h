@@ -5,7 +5,13 @@
 #include "peripherals/midiservice.h"
 #include "peripherals/oscservice.h"
 
+#include <sigslot/signal.hpp>
+
 #include <QtCore/QTimer>
+
+#include <memory>
+#include <optional>
+#include <vector>
 
 namespace mivo::settings {
 class ShortCutMgr;
@@ -21,16 +27,13 @@ class SettingsStore;
 class Peripherals
 {
 public:
-    /// Reads the store and opens what is enabled. What changes from now on is written to the store.
-    /// Bindings that it cannot keep are tried again until it does; anything else goes back to what
-    /// it keeps.
+    /// Reads the store and opens what is enabled. What changes from now on is written to the store,
+    /// and what somebody else changes there is taken over. Bindings that the store cannot keep are
+    /// tried again until it does; anything else goes back to what it keeps.
     Peripherals(RuntimeThread& runtime, SettingsStore& store);
     /// Tries once more where that is due.
     ~Peripherals();
     Q_DISABLE_COPY_MOVE(Peripherals)
-
-    /// Takes over what the store holds, but for the bindings, after somebody else has changed it.
-    void reload();
 
     /// The manager must go first, or is told by the services that they go.
     void giveTo(mivo::settings::ShortCutMgr& manager);
@@ -41,6 +44,13 @@ public:
     /// The address of this machine at which OSC and DMX listen; empty for all.
     const QString& listenAddress() const { return m_listenAddress; }
     void setListenAddress(const QString& address);
+    sigslot::signal<const QString&> listenAddressChanged;
+
+    using Bindings = std::vector<mivo::peripheralcontrol::SDeviceBindInfo>;
+    /// Replaces all bindings of MIDI and DMX.
+    void setBindings(const Bindings& midi, const Bindings& dmx);
+    /// All bindings of MIDI or DMX may be others: a manager is to be given them anew.
+    sigslot::signal<> bindingsReplaced;
 
     /// Whether the store holds the bindings as they are now. Waits until what was posted is
     /// written.
@@ -63,6 +73,9 @@ private:
 
     Peripherals(RuntimeThread& runtime, SettingsStore& store, const Kept& kept);
     void apply(const Kept& kept);
+    void reload();
+    void followStore();    // runtime thread
+    void followBindings(); // runtime thread
     void listenAt(const QString& address);
     template <typename Value, typename Held>
     auto writing(void (SettingsStore::*set)(Value), Held (SettingsStore::*get)() const,
@@ -75,7 +88,9 @@ private:
     RuntimeThread& m_runtime;
     SettingsStore& m_store;
     QString m_listenAddress;
-    QTimer m_retry; // runs while the store lacks bindings
+    std::unique_ptr<Kept> m_seen;                        // by followStore()
+    std::optional<sigslot::scoped_connection> m_changes; // null once the services may have gone
+    QTimer m_retry;                                      // runs while the store lacks bindings
     Flush m_flush{*this};
     InputTap m_tap;
     MidiService m_midi;

@@ -2,8 +2,6 @@
 
 #include "base/hostlog.h"
 
-#include <QtCore/QString>
-
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -18,13 +16,6 @@ constexpr int pause = 100;             // ms
 constexpr double mostLines = 50;       // without a pause
 constexpr double linesPerMs = 1 / 3e3; // regained with time
 constexpr std::size_t mostNames = 4;   // in a line of several actions
-constexpr int longest = 60;            // characters of a control
-
-std::string shortened(const std::string& text)
-{
-    const QString whole = QString::fromStdString(text);
-    return whole.size() <= longest ? text : whole.left(longest).toStdString() + "...";
-}
 
 std::string times(int count)
 {

@@ -9,11 +9,9 @@
 #include "surface/actiontools.h"
 #include "surface/askforfile.h"
 #include "surface/buttontext.h"
-#include "surface/inputhint.h"
-#include "surface/listenaddressbox.h"
+#include "surface/hintrow.h"
 
 #include <mivosettingswidgets/shortcutfile.h>
-#include <mivowidgets/alertlabel.h>
 #include <mivowidgets/combobox.h>
 #include <mivowidgets/shortcutcover.h>
 #include <mivowidgets/tipdialog.h>
@@ -43,8 +41,7 @@ constexpr int lockScreen = 208; // its type
 ActionPanel::ActionPanel(Peripherals& peripherals)
     : m_peripherals(peripherals), m_heading(new QLabel), m_edit(new QPushButton),
       m_kind(new mivo::widgets::ComboBox), m_clear(new QPushButton), m_export(new QPushButton),
-      m_import(new QPushButton), m_lock(new QPushButton), m_hint(new mivo::widgets::AlertLabel),
-      m_addressLabel(new QLabel), m_address(new ListenAddressBox(peripherals)),
+      m_import(new QPushButton), m_lock(new QPushButton), m_hint(new HintRow(peripherals)),
       m_grid(new ActionGrid), m_transfer(m_manager, peripherals), m_fileRetry(m_manager),
       m_tools(new ActionTools(m_manager, peripherals))
 {
@@ -59,14 +56,6 @@ ActionPanel::ActionPanel(Peripherals& peripherals)
     m_import->setObjectName(QStringLiteral("importShortcuts"));
     m_lock->setObjectName(QStringLiteral("lockScreen"));
     m_lock->setCheckable(true);
-    m_hint->setObjectName(QStringLiteral("shortcutHint"));
-    m_hint->setWordWrap(true);
-    m_hint->setTextFormat(Qt::PlainText);
-    m_addressLabel->setBuddy(m_address);
-    auto* hintRow = new QHBoxLayout;
-    hintRow->addWidget(m_hint, 1);
-    hintRow->addWidget(m_addressLabel);
-    hintRow->addWidget(m_address);
 
     auto* row = new QHBoxLayout;
     row->setSpacing(8);
@@ -81,7 +70,7 @@ ActionPanel::ActionPanel(Peripherals& peripherals)
     column->setSpacing(6);
     column->addLayout(row);
     column->addWidget(m_tools);
-    column->addLayout(hintRow);
+    column->addWidget(m_hint);
     column->addWidget(m_grid);
 
     addConnections();
@@ -115,7 +104,6 @@ void ActionPanel::addConnections()
     connect(m_export, &QPushButton::clicked, this, &ActionPanel::exportAll);
     connect(m_import, &QPushButton::clicked, this, &ActionPanel::importAll);
     connect(m_lock, &QPushButton::toggled, this, &ActionPanel::setLocked);
-    connect(m_address, &ListenAddressBox::chosen, this, &ActionPanel::showHint);
     connect(&m_keys, &KeyTriggers::triggered, this, &ActionPanel::trigger);
     connect(&m_manager, &ShortCutMgr::signalPeripheralsControl, this, &ActionPanel::trigger);
     connect(&m_manager, &ShortCutMgr::signalCloseShortByEsc, this, [this] {
@@ -152,11 +140,9 @@ void ActionPanel::addConnections()
                 showState();
                 hostLog()->info("keys of {}: {}", path, keys.empty() ? "none" : keys);
             });
-    connect(&m_manager, &ShortCutMgr::signalShowMonitorWidget, this, &ActionPanel::showHint);
     connect(&m_tools->search(), &ActionSearch::changed, this, &ActionPanel::showMatches);
     connect(&m_tools->search(), &ActionSearch::found, this, &ActionPanel::showFound);
     connect(m_tools, &ActionTools::failed, this, &ActionPanel::failed);
-    connect(&m_manager, &ShortCutMgr::signalUpdateDeviceStatus, this, &ActionPanel::showHint);
     // Queued, so that failures at the start are told as well: nobody is connected yet.
     QMetaObject::invokeMethod(
         this,
@@ -180,13 +166,12 @@ void ActionPanel::addConnections()
             follow(m_peripherals.dmx(), "Dmx");
         },
         Qt::QueuedConnection);
-    const auto show = [this](const auto& /*state*/) { this->showHint(); };
-    m_connections.emplace_back(m_peripherals.midi().enabledChanged.connect(show));
-    m_connections.emplace_back(m_peripherals.dmx().infoChanged.connect(show));
-    connect(&m_manager, &ShortCutMgr::signalUpdateOscUrl, this, [this](const std::string& url) {
-        m_oscUrl = url;
-        showHint();
-    });
+    m_connections.emplace_back(m_peripherals.bindingsReplaced.connect([this] {
+        m_peripherals.giveTo(m_manager);
+        showState();
+    }));
+    connect(&m_manager, &ShortCutMgr::signalUpdateOscUrl, this,
+            [this](const std::string& url) { m_hint->setOscUrl(url); });
 }
 
 EnumPeripheralShortCutType ActionPanel::kind() const
@@ -198,9 +183,9 @@ bool ActionPanel::hasBindings() const
 {
     switch (kind()) {
     case PeripheralMidi:
-        return !m_peripherals.midi().bindings().empty();
+        return !m_peripherals.midi().table().isEmpty();
     case PeripheralDmx:
-        return !m_peripherals.dmx().bindings().empty();
+        return !m_peripherals.dmx().table().isEmpty();
     case PeripheralOsc:
         return false; // addresses are bound for good
     default:
@@ -219,10 +204,8 @@ void ActionPanel::setTexts()
     m_import->setText(hostText("ImportShortcuts"));
     m_lock->setText(hostText("LockScreen"));
     m_tools->setTexts();
-    m_addressLabel->setText(hostText("ListenAddress"));
-    m_address->refill();
+    m_hint->setTexts();
     m_grid->setTexts();
-    showHint();
 }
 
 void ActionPanel::showMatches()
@@ -237,16 +220,6 @@ void ActionPanel::showFound(int type)
     for (ActionButton* action : m_grid->actions()) {
         action->setFound(action->type() == type);
     }
-}
-
-void ActionPanel::showHint()
-{
-    m_hint->setText(m_locked ? hostText("LockedHint")
-                             : bindingHint(m_peripherals, kind(), m_oscUrl));
-    m_hint->setVisible(m_editing || m_locked);
-    const bool hasAddress = kind() == PeripheralDmx || kind() == PeripheralOsc;
-    m_addressLabel->setVisible(m_editing && hasAddress);
-    m_address->setVisible(m_editing && hasAddress);
 }
 
 void ActionPanel::showState()
@@ -273,8 +246,7 @@ void ActionPanel::setEditing(bool on)
     m_editing = on;
     m_keys.setEnabled(!on && !m_locked);
     m_edit->setChecked(on);
-    m_address->refill();
-    showHint();
+    m_hint->setState(kind(), m_editing, m_locked);
     for (ActionButton* action : m_grid->actions()) {
         action->setEditing(on);
     }
@@ -300,7 +272,7 @@ void ActionPanel::setKind()
         m_manager.slotShowAllShortCutCover(true, kind());
     }
     showState();
-    showHint();
+    m_hint->setState(kind(), m_editing, m_locked);
 }
 
 void ActionPanel::setLocked(bool locked)
@@ -315,7 +287,7 @@ void ActionPanel::setLocked(bool locked)
     m_keys.setEnabled(!locked);
     m_manager.slotLockScreenChanged(locked);
     showState();
-    showHint();
+    m_hint->setState(kind(), m_editing, m_locked);
     hostLog()->info(locked ? "screen locked" : "screen unlocked");
 }
 

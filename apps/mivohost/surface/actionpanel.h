@@ -20,15 +20,11 @@ class QComboBox;
 class QLabel;
 class QPushButton;
 
-namespace mivo::widgets {
-class AlertLabel;
-}
-
 namespace mivohost {
 
 class ActionGrid;
 class ActionTools;
-class ListenAddressBox;
+class HintRow;
 class Peripherals;
 
 /// A button for each action that keys and controllers can trigger, and the editing of what triggers
@@ -68,7 +64,6 @@ private:
     EnumPeripheralShortCutType kind() const;
     bool hasBindings() const;
     void showState();
-    void showHint();
     void showMatches();
     void showFound(int type);
     void setKind();
@@ -84,7 +79,6 @@ private:
     bool m_editing = false;
     bool m_locked = false;
     bool m_hasKeys = false; // any is bound
-    std::string m_oscUrl;
     QLabel* m_heading;
     QPushButton* m_edit;
     QComboBox* m_kind;
@@ -92,9 +86,7 @@ private:
     QPushButton* m_export;
     QPushButton* m_import;
     QPushButton* m_lock;
-    mivo::widgets::AlertLabel* m_hint;
-    QLabel* m_addressLabel;
-    ListenAddressBox* m_address;
+    HintRow* m_hint;
     ActionGrid* m_grid;
     std::vector<sigslot::scoped_connection> m_connections;
     ActionLog m_log;

@@ -7,13 +7,13 @@
 
 namespace mivohost {
 
-ListenAddressBox::ListenAddressBox(Peripherals& peripherals) : m_peripherals(peripherals)
+ListenAddressBox::ListenAddressBox(Peripherals& peripherals)
+    : m_peripherals(peripherals), m_changes(peripherals.listenAddressChanged.connect(
+                                      [this](const auto& /*address*/) { refill(); }))
 {
     setObjectName(QStringLiteral("listenAddress"));
-    connect(this, qOverload<int>(&QComboBox::activated), this, [this](int index) {
-        m_peripherals.setListenAddress(itemData(index).toString());
-        emit chosen();
-    });
+    connect(this, qOverload<int>(&QComboBox::activated), this,
+            [this](int index) { m_peripherals.setListenAddress(itemData(index).toString()); });
 }
 
 void ListenAddressBox::refill()

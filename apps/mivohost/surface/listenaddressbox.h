@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sigslot/signal.hpp>
+
 #include <QtWidgets/QComboBox>
 
 namespace mivohost {
@@ -10,19 +12,15 @@ class Peripherals;
 /// outlive it.
 class ListenAddressBox : public QComboBox
 {
-    Q_OBJECT
-
 public:
     explicit ListenAddressBox(Peripherals& peripherals);
 
     /// Shows the addresses that there are now, in the language in force.
     void refill();
 
-signals:
-    void chosen();
-
 private:
     Peripherals& m_peripherals;
+    sigslot::scoped_connection m_changes;
 };
 
 } // namespace mivohost

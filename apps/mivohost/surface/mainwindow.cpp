@@ -34,11 +34,10 @@ using mivo::widgets::AlertLabel;
 
 MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile& project,
                        Peripherals& peripherals, const SettingsServices& services)
-    : m_runtime(runtime), m_store(store), m_project(project), m_peripherals(peripherals),
-      m_services(services), m_title(new QLabel), m_notice(new AlertLabel),
-      m_dismiss(new QPushButton), m_settingsButton(new mivo::widgets::PushButton),
-      m_languageLabel(new QLabel), m_language(new QComboBox),
-      m_actionPanel(new ActionPanel(peripherals)),
+    : m_runtime(runtime), m_store(store), m_project(project), m_services(services),
+      m_title(new QLabel), m_notice(new AlertLabel), m_dismiss(new QPushButton),
+      m_settingsButton(new mivo::widgets::PushButton), m_languageLabel(new QLabel),
+      m_language(new QComboBox), m_actionPanel(new ActionPanel(peripherals)),
       m_waiting({new WaitingLine(project.requests()),
                  new WaitingLine(m_actionPanel->transfer().requests()),
                  new WaitingLine(m_transfer.requests())}),
@@ -127,10 +126,8 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
     connect(&m_project, &ProjectFile::told, this, tell);
     connect(&m_transfer, &SettingsTransfer::failed, this, &MainWindow::showNotice);
     connect(&m_transfer, &SettingsTransfer::told, this, tell);
-    connect(&m_transfer, &SettingsTransfer::imported, this, [this] { // which no page follows
-        m_peripherals.reload();
-        followLanguage();
-    });
+    connect(&m_transfer, &SettingsTransfer::imported, this,
+            [this] { followLanguage(); }); // which no page follows
     connect(&m_menu, &ProjectMenu::quitChosen, this, &MainWindow::quit);
     connect(&m_project, &ProjectFile::fadeTimesApplied, this, [this](int programs) {
         post(velorn::msgcenter::MsgInformation, hostText("FadeTimesApplied").arg(programs));

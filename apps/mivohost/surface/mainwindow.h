@@ -91,7 +91,6 @@ private:
     RuntimeThread& m_runtime;
     SettingsStore& m_store;
     ProjectFile& m_project;
-    Peripherals& m_peripherals;
     SettingsServices m_services;
     SettingsTransfer m_transfer{m_runtime, m_store, this};
     ProjectMenu m_menu{m_project, m_transfer, *this};

@@ -75,7 +75,9 @@ const std::map<Key, const char*> settingTexts{
     {Key::canvasColor, "CanvesSetting"},
     {Key::outputColor, "TextColor"},
     {Key::midiEnabled, "UseMIDI"},
+    {Key::midiBindings, ".SettingMidiBindings"},
     {Key::dmx, "useDMX"},
+    {Key::dmxBindings, ".SettingDmxBindings"},
     {Key::osc, "UseOSC"},
     {Key::listenAddress, ".ListenAddress"},
 };

@@ -386,9 +386,10 @@ void GeneralSettingBox::Impl::showTimedShutdownCount(int seconds)
         return;
     }
     m_shutdownActive = false;
-    const bool isRestartDue =
-        std::exchange(m_restartPending, false) && !m_shutdownPrompt.isMissed();
-    if (isRestartDue && *result != TipDialog::accepted) {
+    const bool isRestartDue = std::exchange(m_restartPending, false);
+    if (isRestartDue && m_shutdownPrompt.isMissed()) {
+        report(&IMivoSettings::executeTimedAutomaticRestart, false); // so that the host tells it
+    } else if (isRestartDue && *result != TipDialog::accepted) {
         const QPointer<Impl> self(this);
         // The constant has nothing to do with the store's seconds; kept on purpose.
         showTimedAutomaticRestartCount(10000 - static_cast<int>(elapsed.elapsed() / 1000));

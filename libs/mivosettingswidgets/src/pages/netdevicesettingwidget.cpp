@@ -71,8 +71,8 @@ public slots:
     void setOscData(SAddOSCInfo info) { showValue(m_oscPort, info.port); }
     void setOscEnable(bool on) { showValue(m_useOsc, on); }
     void setOscFailure(const std::string& reason) { m_oscFailure->setReason(reason); }
-    void onTcpPortChanged() { submitPort(m_tcp, &IMivoSettings::setTcpPort); }
-    void onUdpPortChanged() { submitPort(m_udp, &IMivoSettings::setUdpPort); }
+    void onTcpPortChanged() { submitPort(m_tcp, &IMivoSettings::setTcpPort, Q_FUNC_INFO); }
+    void onUdpPortChanged() { submitPort(m_udp, &IMivoSettings::setUdpPort, Q_FUNC_INFO); }
     void onAddDmx();
     void onAddOsc();
 
@@ -86,8 +86,9 @@ private:
     QWidget* layOutOsc();
     void addTexts();
     void connectRow(PortRow& row, void (Impl::*changed)());
+    /// `signature`: the caller's, in full.
     void submitPort(const PortRow& row, void (IMivoSettings::*set)(const STPortInfo&),
-                    const CallSite& site = {});
+                    const char* signature, const CallSite& site = {});
 
     // Store to slot, on the runtime thread.
     void onTcpChanged(const STPortInfo& info) { queue("getTCPPortInfo", info.open, info.port); }
@@ -304,10 +305,10 @@ void DeviceSettingWidget::Impl::initSettings()
 
 void DeviceSettingWidget::Impl::submitPort(const PortRow& row,
                                            void (IMivoSettings::*set)(const STPortInfo&),
-                                           const CallSite& site)
+                                           const char* signature, const CallSite& site)
 {
     if (sharedSettings == nullptr) {
-        QMessageLogger(site.file, site.line, site.function).warning("_settings is null");
+        QMessageLogger(site.file, site.line, signature).warning("_settings is null");
         return;
     }
     submit(set, STPortInfo{row.isRequested, static_cast<std::uint16_t>(row.port->value())}, site);

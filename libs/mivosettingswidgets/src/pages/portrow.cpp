@@ -45,9 +45,7 @@ void PortRow::show(bool isOpen, int number)
     open->setEnabled(!isOpen);
     port->setEnabled(!isOpen);
     status->setVisible(isOpen);
-    if (isOpen) {
-        failure->hide();
-    }
+    failure->setReason({}); // one that lasts is reported behind the change
 }
 
 void PortRow::showFailure(const std::string& reason)
