@@ -223,10 +223,6 @@ void VirtualMappingWidget::Impl::showColumn(SoundCardColumn* column, bool visibl
 
 void VirtualMappingWidget::Impl::resetOffers(const STSoundCardMappingsInfo& known, bool withColumns)
 {
-    withColumns |= m_columns.empty();
-    if (withColumns) {
-        resetColumns(known);
-    }
     bool isOther = false; // what is chosen
     for (const auto& mapping : known.mappings) {
         if (mapping.id == m_info.id) {
@@ -236,6 +232,10 @@ void VirtualMappingWidget::Impl::resetOffers(const STSoundCardMappingsInfo& know
                 showName(); // renamed while the page had no store
             }
         }
+    }
+    withColumns |= m_columns.empty();
+    if (withColumns) {
+        resetColumns(known); // which depend on what is chosen
     }
     static const STDeviceSoundCards none;
     const auto& devices = compareDevices(std::exchange(m_known, known).devices, known.devices);
@@ -251,7 +251,7 @@ void VirtualMappingWidget::Impl::resetOffers(const STSoundCardMappingsInfo& know
         }
     }
     placeColumns();
-    m_isReset = withColumns && !isOther; // the columns depend on what is chosen
+    m_isReset = withColumns;
 }
 
 void VirtualMappingWidget::Impl::placeColumns()
@@ -331,6 +331,8 @@ void VirtualMappingWidget::Impl::setChosen(const STChosenSoundCard& soundCard)
         if (column->isEmpty()) {
             deleteColumns({soundCard.device});
         }
+    } else if (!soundCard.id.empty()) {
+        m_owner->resetSoundCardWidget(); // the device has a column from now on
     }
 }
 
