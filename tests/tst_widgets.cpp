@@ -21,6 +21,29 @@ TEST(SpinEditBox, TheWheelIsThePagesUntilTheBoxHasTheFocus)
     }
 }
 
+TEST(TimeEditBox, AFocusByTheWheelCountsAfterAClickOrAKey)
+{
+    QWidget page;
+    auto* edit = new TimeEditBox(&page);
+    auto* other = new TimeEditBox(&page);
+    edit->setFocusPolicy(Qt::WheelFocus);
+    const QTime before(10, 30);
+    activateWindow(&page);
+    for (const bool isClicked : {true, false}) {
+        edit->setTime(before);
+        other->setFocus();
+        for (int turn = 0; turn < 2; ++turn) {
+            EXPECT_FALSE(turnWheel(edit));
+            EXPECT_TRUE(edit->hasFocus());
+            QCoreApplication::processEvents();
+        }
+        isClicked ? QTest::mouseClick(edit->findChild<QLineEdit*>(), Qt::LeftButton)
+                  : QTest::keyClick(edit, Qt::Key_Home);
+        EXPECT_TRUE(turnWheel(edit));
+        EXPECT_NE(edit->time(), before);
+    }
+}
+
 TEST(TipDialog, ReturnsThePressedButtonAndReturnAloneDoesNoHarm)
 {
     for (const auto& [withCancel, key, result] :
