@@ -7,29 +7,20 @@ namespace widgetstest {
 
 using namespace mivo::widgets;
 
-TEST(SpinEditBox, TheWheelIsThePagesUntilTheBoxHasTheFocus)
-{
-    QWidget page;
-    auto* edit = new SpinEditBox(&page);
-    auto* other = new SpinEditBox(&page);
-    edit->setValue(50);
-    activateWindow(&page);
-    for (QWidget* focused : {other, edit}) {
-        focused->setFocus();
-        EXPECT_EQ(turnWheel(edit), focused == edit);
-        EXPECT_EQ(edit->value(), focused == edit ? 51 : 50);
-    }
-}
-
-TEST(TimeEditBox, AFocusByTheWheelCountsAfterAClickOrAKey)
+TEST(WheelOnFocus, TheWheelIsThePagesUntilSomethingElseGivesTheFocusOrUsesTheBox)
 {
     QWidget page;
     auto* edit = new TimeEditBox(&page);
-    auto* other = new TimeEditBox(&page);
+    auto* other = new SpinEditBox(&page);
     edit->setFocusPolicy(Qt::WheelFocus);
     const QTime before(10, 30);
     activateWindow(&page);
-    for (const bool isClicked : {true, false}) {
+    const std::function<void()> uses[]{
+        [&] { other->setFocus(), edit->setFocus(); },
+        [&] { QTest::mouseClick(edit->findChild<QLineEdit*>(), Qt::LeftButton); },
+        [&] { QTest::keyClick(edit, Qt::Key_Home); },
+    };
+    for (const auto& use : uses) {
         edit->setTime(before);
         other->setFocus();
         for (int turn = 0; turn < 2; ++turn) {
@@ -37,9 +28,8 @@ TEST(TimeEditBox, AFocusByTheWheelCountsAfterAClickOrAKey)
             EXPECT_TRUE(edit->hasFocus());
             QCoreApplication::processEvents();
         }
-        isClicked ? QTest::mouseClick(edit->findChild<QLineEdit*>(), Qt::LeftButton)
-                  : QTest::keyClick(edit, Qt::Key_Home);
-        EXPECT_TRUE(turnWheel(edit));
+        use();
+        EXPECT_TRUE(turnWheel(edit)) << &use - uses;
         EXPECT_NE(edit->time(), before);
     }
 }
