@@ -11,6 +11,7 @@ ROOMS = {
     HOST: ["base", "store", "cluster", "devices", "peripherals", "project", "system", "surface"],
 }
 LIBRARIES = ["mivohostapi", "mivowidgets", "mivosettingswidgets", "mivohostkit"]
+STYLE = "mivostyle"  # knows none of these, and none of them knows it
 INCLUDE = re.compile(r'^#include [<"](\w+)/(\w+)\.h[">]', re.MULTILINE)
 
 # A public header of the product belongs to the room of its source; one without is the kit's.
@@ -41,11 +42,14 @@ for file in (PRODUCT / "include").glob("*/*.h"):
     for included, stem in INCLUDE.findall(file.read_text(encoding="utf-8")):
         if included == "mivosettingswidgets":
             check(file, public_rooms[file.stem], order, public_rooms.get(stem, order[0]))
-for position, library in enumerate(LIBRARIES):
-    for file in pathlib.Path("libs", library).rglob("*.*"):
+for folder, own, order in [
+    *((pathlib.Path("libs", library), library, [*LIBRARIES, STYLE]) for library in LIBRARIES),
+    (HOST / "style", STYLE, [STYLE, *LIBRARIES]),
+]:
+    for file in folder.rglob("*.*"):
         if file.suffix in (".h", ".cpp"):
             for included, _ in INCLUDE.findall(file.read_text(encoding="utf-8")):
-                check(file, library, LIBRARIES, included)
+                check(file, own, order, included)
 
 print("\n".join(errors), end="\n" if errors else "")
 sys.exit(1 if errors else 0)

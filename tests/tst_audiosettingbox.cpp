@@ -271,6 +271,36 @@ TEST_F(Audio, AMismatchIsToldInTheLanguageOfThePageAndAHiddenDeviceLogged)
               "//audiosettingbox.cpp:setDeviceSoundCardVisible()");
 }
 
+TEST_F(Audio, AChoiceOnADisconnectedDeviceIsShownWhereItMovesTo)
+{
+    bindAndAdd(2);
+    setCards("d", {{"x", "X", 2}});
+    QVariantList texts;
+    for (const int chooser : {0, 1}) {
+        choose(combosOf(editors()[chooser])[1], "X");
+        texts.append(runtime.call([&] { return store.held("soundCardMappings"); }));
+        if (chooser == 0) {
+            choose(combosOf(editors()[chooser])[1], "None");
+        }
+    }
+    announce([&] { known.removeDevice("d"); });
+    const auto moveTo = [&](int chooser) {
+        announce([&] { store.change("soundCardMappings", texts[chooser]); });
+    };
+    const auto expectAt = [&](int chooser) {
+        EXPECT_EQ(columnsOf(editors()[chooser]).back(),
+                  "d: [None, X (not connected)] = X (not connected) ");
+        EXPECT_EQ(columnsOf(editors()[1 - chooser]).size(), 1U);
+    };
+    moveTo(0);
+    expectAt(0);
+    page->setSettings(nullptr);
+    moveTo(1);
+    page->setSettings(&store);
+    announce([&] { known.announceMappings(true); });
+    expectAt(1);
+}
+
 TEST_F(Audio, WithoutAStoreItLogsAndGoesOn)
 {
     bindAndAdd(1);
@@ -328,16 +358,16 @@ TEST_F(Audio, ShowsWhatTheStoreHoldsWhateverHappens)
     QPointer<QWidget> focused;
     const auto compare = [this, &focused](TestStore& bound) {
         const auto all = runtime.call([&bound] { return bound.getSoundCardMappings(); });
-        std::vector<Lines> expected;
-        std::vector<Lines> shown;
+        std::multimap<std::string, Lines> expected;
+        std::multimap<std::string, Lines> shown;
         for (const auto& mapping : all.mappings) {
-            expected.push_back(expectedOf(all, mapping));
+            expected.emplace(mapping.name, expectedOf(all, mapping));
         }
         EXPECT_TRUE(QTest::qWaitFor([&] { // an initial set takes several turns
             settleEvents();
             shown.clear();
-            for (const QWidget* editor : editors()) {
-                shown.push_back(columnsOf(editor));
+            for (int editor = 0; editor < editors().size(); ++editor) {
+                shown.emplace(name(editor)->text().toStdString(), columnsOf(editors()[editor]));
             }
             return shown == expected;
         }));
@@ -366,8 +396,13 @@ TEST_F(Audio, ShowsWhatTheStoreHoldsWhateverHappens)
             }
         }
     };
+    std::deque<QVariant> before{"", "", ""}; // the last texts
     const auto hostStep = [&](const std::string& device, int what) {
-        if (what == 7) {
+        if (what >= 8) { // an undo, or an import
+            runtime.call([&] {
+                store.change("soundCardMappings", before[static_cast<std::size_t>(random(3))]);
+            });
+        } else if (what == 7) {
             runtime.call([&] { known.removeDevice(device); });
         } else if (what == 6) {
             runtime.call([&] { known.setDeviceVisible(device, random(2) == 0); });
@@ -383,12 +418,14 @@ TEST_F(Audio, ShowsWhatTheStoreHoldsWhateverHappens)
     open(store);
     for (int step = 0; step < 600 && !HasFailure(); ++step) {
         SCOPED_TRACE(step);
+        before.pop_front();
+        before.push_back(runtime.call([&] { return store.held("soundCardMappings"); }));
         if (random(3) == 0) {
             compare(store);
             userStep();
             compare(store);
         } else {
-            hostStep(random(2) == 0 ? "" : "d" + std::to_string(random(3)), random(8));
+            hostStep(random(2) == 0 ? "" : "d" + std::to_string(random(3)), random(12));
         }
     }
     TestStore after(store.kept.rows); // a restart, with no card there yet

@@ -146,6 +146,7 @@ TEST_F(Mappings, TextsThatTheyCannotBeAreResetAndLogged)
              {mapping(1, "A", card) + ',' + mapping(2, "B"), 2},
              {mapping(0, "A"), 0},
              {R"({"id":1e300,"name":"A","soundCards":[]})", 0},
+             {R"({"id":8999999999999998,"name":"A","soundCards":[]})", 0}, // no id for another one
              {mapping(2, "A") + ',' + mapping(1, "B"), 0},
              {mapping(1, "A") + ',' + mapping(2, "A"), 0},
              {mapping(1, ""), 0},
@@ -189,19 +190,36 @@ TEST_F(Mappings, AChangeFromElsewhereIsAnnouncedPieceByPiece)
     EXPECT_EQ(mappings()[0].id, 4U);
 }
 
-TEST_F(Mappings, AnImportedChoiceShowsItsDeviceAndHasTheCardsChannels)
+TEST_F(Mappings, AnImportedChoiceShowsItsDeviceAndIsOfTheCardAsItIsNow)
 {
     open();
     add();
     cards->setDeviceSoundCards("d", "Hall", {{"a", "A", 8}});
+    const auto textWith = [](const char* absent, int channels) {
+        return QStringLiteral(
+                   R"({"nextId":2,"mappings":[{"id":1,"name":"A","soundCards":[)"
+                   R"({"device":"d","id":"a","caption":"old","channels":2,"channelPairs":13},)"
+                   R"({"device":"e","id":"b","caption":"%1","channels":%2,"channelPairs":1}]}]})")
+            .arg(absent)
+            .arg(channels);
+    };
     takeTold();
-    store->change("soundCardMappings",
-                  R"({"nextId":2,"mappings":[{"id":1,"name":"A","soundCards":[)"
-                  R"({"device":"d","id":"a","caption":"A","channels":2,"channelPairs":1},)"
-                  R"({"device":"e","id":"b","caption":"B","channels":2,"channelPairs":1}]}]})");
+    store->change("soundCardMappings", textWith("B", 2));
     EXPECT_EQ(takeTold().front(), "cluster") << "a device that nobody has set";
-    change(1, SoundCardChangeChannels, {"d", "a", {}, 0, 9});
-    EXPECT_EQ(mappings()[0].soundCards[0], (STChosenSoundCard{"d", "a", "A", 8, 9}));
+    const STChosenSoundCard present{"d", "a", "A", 8, 13};
+    EXPECT_EQ(mappings()[0].soundCards[0], present);
+    store->change("soundCardMappings", textWith("C", 4));
+    EXPECT_EQ(takeTold(), Lines{"changed1; 4; ; e; b; C; 4; 1; ; "});
+    cards->setDeviceSoundCards("d", "Hall", {});
+    const auto before = mappings();
+    EXPECT_EQ(before[0].soundCards[0], present);
+    open(store->kept.rows);
+    EXPECT_EQ(mappings(), before) << "as they were saved";
+
+    cards->setDeviceSoundCards("d", "Hall", {{"a", "A", 6}});
+    store->kept.fails = true;
+    store->change("soundCardMappings", textWith("C", 4));
+    EXPECT_EQ(mappings()[0].soundCards[0], (STChosenSoundCard{"d", "a", "A", 6, 5}));
 }
 
 TEST_F(Mappings, CardsThatComeAndGoAreAnnounced)

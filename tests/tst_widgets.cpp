@@ -7,17 +7,30 @@ namespace widgetstest {
 
 using namespace mivo::widgets;
 
-TEST(SpinEditBox, TheWheelIsThePagesUntilTheBoxHasTheFocus)
+TEST(WheelOnFocus, TheWheelIsThePagesUntilSomethingElseGivesTheFocusOrUsesTheBox)
 {
     QWidget page;
-    auto* edit = new SpinEditBox(&page);
+    auto* edit = new TimeEditBox(&page);
     auto* other = new SpinEditBox(&page);
-    edit->setValue(50);
+    edit->setFocusPolicy(Qt::WheelFocus);
+    const QTime before(10, 30);
     activateWindow(&page);
-    for (QWidget* focused : {other, edit}) {
-        focused->setFocus();
-        EXPECT_EQ(turnWheel(edit), focused == edit);
-        EXPECT_EQ(edit->value(), focused == edit ? 51 : 50);
+    const std::function<void()> uses[]{
+        [&] { other->setFocus(), edit->setFocus(); },
+        [&] { QTest::mouseClick(edit->findChild<QLineEdit*>(), Qt::LeftButton); },
+        [&] { QTest::keyClick(edit, Qt::Key_Home); },
+    };
+    for (const auto& use : uses) {
+        edit->setTime(before);
+        other->setFocus();
+        for (int turn = 0; turn < 2; ++turn) {
+            EXPECT_FALSE(turnWheel(edit));
+            EXPECT_TRUE(edit->hasFocus());
+            QCoreApplication::processEvents();
+        }
+        use();
+        EXPECT_TRUE(turnWheel(edit)) << &use - uses;
+        EXPECT_NE(edit->time(), before);
     }
 }
 

@@ -27,7 +27,8 @@ public:
     virtual bool write(const QVariantHash& settings) = 0;
     virtual QString lastError() const = 0; ///< for a person to read
 
-    /// From now on reports changes that someone else makes, on the runtime thread.
+    /// From now on reports changes that someone else makes, on the runtime thread. The store may
+    /// write() before `handler` returns.
     virtual void watch(ChangeHandler handler) = 0;
 };
 

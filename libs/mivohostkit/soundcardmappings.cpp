@@ -92,10 +92,9 @@ std::vector<STSoundCardChangeInfo> changesBetween(const STSoundCardMappingInfo& 
     }
     for (const auto& card : next.soundCards) {
         const auto* old = chosenOn(before, card.device);
-        if (old == nullptr || old->id != card.id) {
-            changes.push_back(cardChange(next, card.device));
-        } else if (old->channelPairs != card.channelPairs) {
-            changes.push_back(cardChange(next, card.device, true));
+        const bool isSameCard = old != nullptr && old->id == card.id;
+        if (!isSameCard || !(*old == card)) {
+            changes.push_back(cardChange(next, card.device, isSameCard));
         }
     }
     return changes;
@@ -149,7 +148,7 @@ void SoundCardMappings::setDeviceSoundCards(const std::string& device, const std
                             || held.soundCards.empty() != now.soundCards.empty();
     held = std::move(now);
     m_all.reset();
-    renewChosen(held);
+    take(m_kept);
     if (rowsChange) {
         m_store.clusterNodeSoundCardsChanged(); // makes pages read everything again
         return;
@@ -249,16 +248,23 @@ bool SoundCardMappings::isValid(const QString& text)
 
 void SoundCardMappings::adopt(const QString& text)
 {
-    auto next = parsed(text);
-    if (!next) {
+    if (auto next = parsed(text)) {
+        next->nextId = std::max(next->nextId, m_kept.nextId); // an older text may give ids again
+        take(std::move(*next));
+    }
+}
+
+void SoundCardMappings::take(Kept next)
+{
+    const bool isRenewed = renewChosen(next.mappings);
+    if (next == m_kept) {
         return;
     }
-    next->nextId = std::max(next->nextId, m_kept.nextId); // an older text may give ids again
-    const auto before = shown(std::exchange(m_kept, *next).mappings);
+    const auto before = shown(std::exchange(m_kept, next).mappings);
     m_all.reset();
     // Devices that the host has not set, as at the start, have no cards but the chosen one.
     bool isNew = false;
-    for (const auto& mapping : m_kept.mappings) {
+    for (const auto& mapping : next.mappings) {
         for (const auto& card : mapping.soundCards) {
             if (m_devices.try_emplace(card.device, STDeviceSoundCards{card.device, {}, {}})
                     .second) {
@@ -273,11 +279,11 @@ void SoundCardMappings::adopt(const QString& text)
         m_store.clusterNodeSoundCardsChanged();
     }
     for (const auto& mapping : before) {
-        if (findBy(next->mappings, &STSoundCardMappingInfo::id, mapping.id) == nullptr) {
+        if (findBy(next.mappings, &STSoundCardMappingInfo::id, mapping.id) == nullptr) {
             m_store.soundCardMappingDeleted(mapping);
         }
     }
-    for (const auto& mapping : shown(next->mappings)) {
+    for (const auto& mapping : shown(next.mappings)) {
         const auto* old = findBy(before, &STSoundCardMappingInfo::id, mapping.id);
         if (old == nullptr) {
             m_store.soundCardMappingAdded(mapping);
@@ -291,6 +297,9 @@ void SoundCardMappings::adopt(const QString& text)
         }
     }
     forgetUnused();
+    if (isRenewed) {
+        m_keep(written(m_kept));
+    }
 }
 
 void SoundCardMappings::onAddRequested(const STSoundCardMappingInfo& request)
@@ -345,10 +354,6 @@ void SoundCardMappings::onChangeRequested(const STSoundCardChangeInfo& request)
         break;
     case mivo::SoundCardChangeChannels:
         if (chosen != nullptr && chosen->id == request.soundCard.id) {
-            if (const auto* card = findCard(device, chosen->id)) {
-                chosen->caption = card->caption;
-                chosen->channels = card->channels; // an imported text may say others
-            }
             const std::uint32_t pairs = pairsOf(chosen->channels);
             chosen->channelPairs =
                 (chosen->channelPairs & ~pairs) | (request.soundCard.channelPairs & pairs);
@@ -392,20 +397,21 @@ const STSoundCardInfo* SoundCardMappings::findCard(const std::string& device,
                                     : findBy(known->second.soundCards, &STSoundCardInfo::id, id);
 }
 
-void SoundCardMappings::renewChosen(const STDeviceSoundCards& device)
+bool SoundCardMappings::renewChosen(SoundCardMappingList& mappings) const
 {
-    Kept next = m_kept;
-    for (auto& mapping : next.mappings) {
-        auto* chosen = chosenOn(mapping, device.device);
-        const auto* card = chosen == nullptr ? nullptr : findCard(device.device, chosen->id);
-        if (card != nullptr) {
-            *chosen = {device.device, card->id, card->caption, card->channels,
-                       chosen->channelPairs};
+    bool isOther = false;
+    for (auto& mapping : mappings) {
+        for (auto& chosen : mapping.soundCards) {
+            const auto* card = findCard(chosen.device, chosen.id);
+            if (card != nullptr
+                && (chosen.caption != card->caption || chosen.channels != card->channels)) {
+                chosen.caption = card->caption;
+                chosen.channels = card->channels;
+                isOther = true;
+            }
         }
     }
-    if (!(next == m_kept)) {
-        m_keep(written(next));
-    }
+    return isOther;
 }
 
 } // namespace mivohost

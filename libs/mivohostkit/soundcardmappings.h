@@ -53,7 +53,8 @@ public:
     /// Whether a text is one of those that were given to `keep`. The empty one is no mapping.
     static bool isValid(const QString& text);
 
-    /// Takes over what a valid text says, and announces what differs.
+    /// Takes over what a valid text says, and announces what differs. Where it says another caption
+    /// of a card that is there, or other channels, what the card has now is saved.
     void adopt(const QString& text);
 
 private:
@@ -78,9 +79,11 @@ private:
     /// Drops the devices that have left and on which no card is chosen any more.
     void forgetUnused();
 
-    /// Takes over what the chosen cards of a device are called now, and how many channels they
-    /// have.
-    void renewChosen(const mivo::settings::STDeviceSoundCards& device);
+    /// Takes over `next`, and announces what differs.
+    void take(Kept next);
+    /// Sets what the chosen cards that are there are called now, and how many channels they have.
+    /// Whether that changed anything.
+    bool renewChosen(std::vector<velorn::mediadispatch::STSoundCardMappingInfo>& mappings) const;
 
     IMivoSettings& m_store;
     Keep m_keep;

@@ -16,6 +16,9 @@ using velorn::mediadispatch::STSoundCardMappingInfo;
 
 namespace {
 
+/// No host gives so many; above 2^53, where numbers stop being exact in JSON, none could be added.
+constexpr std::uint64_t highestNextId = std::uint64_t(1) << 52;
+
 QJsonObject toJson(const STSoundCardMappingInfo& mapping)
 {
     QJsonArray cards;
@@ -134,7 +137,10 @@ std::optional<SoundCardMappings::Kept> SoundCardMappings::parsed(const QString& 
         const QJsonObject root = QJsonDocument::fromJson(text.toUtf8()).object();
         if (auto mappings = mappingsIn(root)) {
             const std::uint64_t highest = mappings->empty() ? 0 : mappings->back().id;
-            last = Kept{std::move(*mappings), std::max(numberIn(root, "nextId"), highest + 1)};
+            const std::uint64_t nextId = std::max(numberIn(root, "nextId"), highest + 1);
+            if (nextId <= highestNextId) {
+                last = Kept{std::move(*mappings), nextId};
+            }
         }
     }
     return last;

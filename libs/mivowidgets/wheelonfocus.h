@@ -6,7 +6,8 @@ namespace mivo::widgets {
 
 /// A control whose value the wheel changes only while it has the focus; else the wheel scrolls the
 /// page. `Control` would let the wheel take the focus first and change the value then. Where a
-/// focus policy lets the wheel give the focus, that focus does not count until a key is pressed.
+/// focus policy lets the wheel give the focus, that focus does not count until a key is pressed or
+/// the control is clicked.
 template <typename Control>
 class WheelOnFocus : public Control
 {
@@ -15,6 +16,18 @@ public:
     explicit WheelOnFocus(QWidget* parent) : Control(parent)
     {
         this->setFocusPolicy(Qt::StrongFocus);
+        this->installEventFilter(this);
+        for (QObject* part : this->children()) {
+            part->installEventFilter(this); // as the text of a spin box, which takes a click itself
+        }
+    }
+
+    bool eventFilter(QObject* part, QEvent* event) override
+    {
+        if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::KeyPress) {
+            m_justFocused = m_byWheel = false;
+        }
+        return Control::eventFilter(part, event);
     }
 
 protected:
@@ -36,12 +49,6 @@ protected:
         QMetaObject::invokeMethod(
             this, [this] { m_justFocused = false; }, Qt::QueuedConnection);
         Control::focusInEvent(event);
-    }
-
-    void keyPressEvent(QKeyEvent* event) override
-    {
-        m_byWheel = false;
-        Control::keyPressEvent(event);
     }
 
 private:

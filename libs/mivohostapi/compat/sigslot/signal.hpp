@@ -23,15 +23,7 @@ public:
     connection() = default;
     explicit connection(boost::signals2::connection impl) : m_impl(std::move(impl)) {}
 
-    bool connected() const noexcept { return m_impl.connected(); }
-
-    /// True when the slot was still connected.
-    bool disconnect()
-    {
-        const bool was = m_impl.connected();
-        m_impl.disconnect();
-        return was;
-    }
+    void disconnect() { m_impl.disconnect(); }
 
 private:
     boost::signals2::connection m_impl;

@@ -95,6 +95,9 @@ protected:
     void disconnectFollowed();
     /// @}
 
+    /// A function of the page's own file.
+    CallSite siteOf(const char* function) const { return {function, m_site.file, m_site.line}; }
+
     /// False, and the null-store warning under the function of `site`, for a null pointer.
     static bool isStore(const void* settings, const CallSite& site = {});
 
@@ -268,6 +271,27 @@ class SettingPageImpl : public StorePageImpl<MivoSettings>
 {
 public:
     using StorePageImpl::StorePageImpl;
+};
+
+/// The same for a page that warns, and does nothing, where it is bound to no store or unset without
+/// one.
+class CheckingPageImpl : public SettingPageImpl
+{
+public:
+    using SettingPageImpl::SettingPageImpl;
+
+    void setSettings(MivoSettings* settings) override
+    {
+        if (isStore(settings, siteOf("setSettings"))) {
+            SettingPageImpl::setSettings(settings);
+        }
+    }
+    void unsetSettings() override
+    {
+        if (hasStore(siteOf("unsetSettings"))) {
+            SettingPageImpl::unsetSettings();
+        }
+    }
 };
 
 } // namespace mivo::settings

@@ -44,7 +44,8 @@ public:
     void resetSoundCardWidget(const STSoundCardMappingsInfo& known);
     /// @}
 
-    /// Shows one change of this mapping.
+    /// Shows one change of this mapping; as resetSoundCardWidget() where a card of a device without
+    /// a column is chosen.
     void refreshMappingInfo(const mivo::STSoundCardChangeInfo& change);
 
     /// @{

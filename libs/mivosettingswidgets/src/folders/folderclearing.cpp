@@ -7,12 +7,11 @@ namespace mivo::settings {
 using qutils::FileTask;
 
 FolderClearing::FolderClearing(const QString& folder, QWidget* page, const Clear& clear)
+    : m_folder(folder), m_page(page)
 {
-    connect(&m_task, &FileTask::slow, this, [this, folder, page = QPointer<QWidget>(page)] {
-        if (page && page->isVisible()) {
-            m_progress = showFolderProgress(page, "ClearingFolder", folder);
-            connect(m_progress, &QProgressDialog::canceled, this, [this] { *m_cancelled = true; });
-        }
+    connect(&m_task, &FileTask::slow, this, [this] {
+        m_isSlow = true;
+        showProgress();
     });
     m_task.start(
         [folder, clear, cancelled = m_cancelled] {
@@ -28,6 +27,14 @@ FolderClearing::~FolderClearing()
 {
     *m_cancelled = true;
     delete m_progress;
+}
+
+void FolderClearing::showProgress()
+{
+    if (m_isSlow && !m_progress && m_page && m_page->isVisible()) {
+        m_progress = showFolderProgress(m_page, "ClearingFolder", m_folder);
+        connect(m_progress, &QProgressDialog::canceled, this, [this] { *m_cancelled = true; });
+    }
 }
 
 } // namespace mivo::settings

@@ -171,8 +171,11 @@ void FolderRow::showSpace()
 void FolderRow::startClearing()
 {
     const QString folder = path();
-    const bool isClearing = m_clearing && m_clearing->isRunning() && !m_clearing->isCancelled();
-    if (isClearing || !confirmClearing(m_page, folder)) {
+    if (m_clearing && m_clearing->isRunning() && !m_clearing->isCancelled()) {
+        m_clearing->showProgress();
+        return;
+    }
+    if (!confirmClearing(m_page, folder)) {
         return;
     }
     m_clearing = std::make_unique<FolderClearing>(folder, m_page, m_dependencies.clear);

@@ -239,6 +239,9 @@ void AudioSettingBox::Impl::onMappingAdded(const STSoundCardMappingInfo& info)
     if (info.state != velorn::mediadispatch::SoundCardMappingRefused) {
         m_toBeFocused = isAnswer ? info.id : m_toBeFocused;
         m_editors.add({info}, "onMappingAdded");
+        if (!info.soundCards.empty()) { // from elsewhere: they are not free any more
+            resetEditors(resetOffers, "onMappingAdded");
+        }
         setAddedMappingBtnState();
     }
 }

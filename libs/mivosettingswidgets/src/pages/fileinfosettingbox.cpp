@@ -18,25 +18,12 @@ namespace mivo::settings {
 using mivo::widgets::ComboBox;
 using mivo::widgets::PushButton;
 
-class FileInfoSettingBox::Impl : public SettingPageImpl
+class FileInfoSettingBox::Impl : public CheckingPageImpl
 {
     Q_OBJECT
 
 public:
     explicit Impl(FileInfoSettingBox* page);
-
-    void setSettings(MivoSettings* settings) override
-    {
-        if (isStore(settings)) {
-            SettingPageImpl::setSettings(settings);
-        }
-    }
-    void unsetSettings() override
-    {
-        if (hasStore()) {
-            SettingPageImpl::unsetSettings();
-        }
-    }
 
     // Runtime thread.
     void onStoredTimeTypeChanged(int type) { queue("setPlayLogStorageTimeType", type); }
@@ -94,7 +81,7 @@ constexpr int captionWidth = 120;
 
 } // namespace
 
-FileInfoSettingBox::Impl::Impl(FileInfoSettingBox* page) : SettingPageImpl(page, "GeneralSettings")
+FileInfoSettingBox::Impl::Impl(FileInfoSettingBox* page) : CheckingPageImpl(page, "GeneralSettings")
 {
     page->setObjectName(QStringLiteral("FileInfoSettingGroupBox"));
     setUsualWidth(m_timeTypeLabel, captionWidth);

@@ -39,7 +39,7 @@ const std::map<int, int (IMivoSettings::*)()>& durationGetters()
 
 } // namespace
 
-class ResPlayControlSettingBox::Impl : public SettingPageImpl
+class ResPlayControlSettingBox::Impl : public CheckingPageImpl
 {
     Q_OBJECT
 
@@ -49,19 +49,6 @@ public:
     void onResourceSettingsChanged(const STResourceSettingsInfo& info)
     {
         queue("setResourceSettings", info);
-    }
-
-    void setSettings(MivoSettings* settings) override
-    {
-        if (isStore(settings)) {
-            SettingPageImpl::setSettings(settings);
-        }
-    }
-    void unsetSettings() override
-    {
-        if (hasStore()) {
-            SettingPageImpl::unsetSettings();
-        }
     }
 
 public slots:
@@ -87,7 +74,7 @@ private:
 };
 
 ResPlayControlSettingBox::Impl::Impl(ResPlayControlSettingBox* page)
-    : SettingPageImpl(page, "DisplaySettings")
+    : CheckingPageImpl(page, "DisplaySettings")
 {
     m_kind->addItem(QString(), ResourcePicture);
     m_kind->addItem(QString(), ResourcePowerPoint);

@@ -76,7 +76,7 @@ PushButton* swatch(const QString& objectName, QWidget* parent = nullptr)
 
 } // namespace
 
-class StageSettingBox::Impl : public SettingPageImpl
+class StageSettingBox::Impl : public CheckingPageImpl
 {
     Q_OBJECT
 
@@ -87,12 +87,6 @@ public:
     {
         if (isStore(settings) && hasRuntime("StageSettingBox::setSettings zrRuntime is nullptr!")) {
             SettingPageImpl::setSettings(settings);
-        }
-    }
-    void unsetSettings() override
-    {
-        if (hasStore()) {
-            SettingPageImpl::unsetSettings();
         }
     }
 
@@ -194,7 +188,7 @@ private:
         {&Impl::onTextRedChanged, &Impl::onTextGreenChanged, &Impl::onTextBlueChanged}};
 };
 
-StageSettingBox::Impl::Impl(StageSettingBox* page) : SettingPageImpl(page, "GeneralSettings")
+StageSettingBox::Impl::Impl(StageSettingBox* page) : CheckingPageImpl(page, "GeneralSettings")
 {
     owner->setObjectName(QStringLiteral("StageSettingGroupBox"));
     auto* column = new QVBoxLayout(owner);

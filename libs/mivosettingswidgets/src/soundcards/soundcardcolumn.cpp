@@ -2,18 +2,16 @@
 
 #include "mivosettingswidgets/controls.h"
 #include "mivosettingswidgets/texts.h"
+#include "soundcards/cardbox.h"
 
 #include <mivowidgets/alertlabel.h>
 #include <mivowidgets/checkbox.h>
-#include <mivowidgets/combobox.h>
 
 #include <QtCore/QEvent>
 #include <QtCore/QStringListModel>
-#include <QtWidgets/QAbstractItemView>
 #include <QtWidgets/QLabel>
 
 #include <algorithm>
-#include <functional>
 #include <utility>
 
 namespace mivo::settings {
@@ -29,51 +27,6 @@ constexpr int columnWidth = 240;
 constexpr int labelHeight = 20; // for every script, so that the boxes of a row are level
 constexpr int comboHeight = 26;
 constexpr int mostMarksInRow = 3;
-
-/// A combo box that creates its list when it is first opened: there may be hundreds of these boxes.
-/// `listShown` is called when the list has opened, and after it was closed and a click in it has
-/// been handled.
-class CardBox : public ComboBox
-{
-public:
-    CardBox(QWidget* parent, std::function<void(bool isOpen)> listShown)
-        : ComboBox(parent), m_listShown(std::move(listShown))
-    {}
-
-    void showPopup() override
-    {
-        if (!std::exchange(m_hasList, true)) {
-            view()->installEventFilter(this);
-        }
-        view()->setFont(font());
-        ComboBox::showPopup();
-        m_listShown(view()->isVisible());
-    }
-
-    bool eventFilter(QObject* watched, QEvent* event) override
-    {
-        if (event->type() == QEvent::Hide) {
-            QMetaObject::invokeMethod(
-                this, [this] { m_listShown(view()->isVisible()); }, Qt::QueuedConnection);
-        }
-        return ComboBox::eventFilter(watched, event);
-    }
-
-protected:
-    void changeEvent(QEvent* event) override
-    {
-        // The base class would create the list, only to pass the font on to it.
-        if (m_hasList || event->type() != QEvent::FontChange) {
-            ComboBox::changeEvent(event);
-        } else {
-            QWidget::changeEvent(event);
-        }
-    }
-
-private:
-    std::function<void(bool isOpen)> m_listShown;
-    bool m_hasList = false;
-};
 
 /// Assigns `next` to `value`; returns whether that changed it.
 template <typename Value>

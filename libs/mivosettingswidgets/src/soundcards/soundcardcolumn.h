@@ -4,7 +4,6 @@
 
 #include <QtWidgets/QWidget>
 
-#include <algorithm>
 #include <optional>
 #include <string>
 #include <vector>
@@ -103,21 +102,5 @@ private:
     std::vector<mivo::widgets::CheckBox*> m_marks; // of the channel pairs
     QLabel* m_hint = nullptr; // exists only while no channel pair of the chosen card is marked
 };
-
-inline bool areAsSet(const std::vector<SoundCardColumn*>& columns)
-{
-    return std::all_of(columns.begin(), columns.end(),
-                       [](const SoundCardColumn* column) { return column->isAsSet(); });
-}
-
-/// The one for that device, or null.
-inline SoundCardColumn* findColumn(const std::vector<SoundCardColumn*>& columns,
-                                   const std::string& device)
-{
-    const auto found =
-        std::find_if(columns.begin(), columns.end(),
-                     [&](const SoundCardColumn* column) { return column->device == device; });
-    return found == columns.end() ? nullptr : *found;
-}
 
 } // namespace mivo::settings

@@ -4,8 +4,8 @@
 #include "mivosettingswidgets/controls.h"
 #include "mivosettingswidgets/storeaccess.h"
 #include "mivosettingswidgets/texts.h"
+#include "soundcards/devicecolumns.h"
 #include "soundcards/knowndevices.h"
-#include "soundcards/layoutspause.h"
 #include "soundcards/soundcardcolumn.h"
 
 #include <mivowidgets/alertlabel.h>
@@ -31,8 +31,6 @@ using mivo::widgets::TipDialog;
 using velorn::mediadispatch::STChosenSoundCard;
 using velorn::mediadispatch::STSoundCardMappingInfo;
 
-constexpr int columnsInRow = 3;
-
 class VirtualMappingWidget::Impl : public QObject
 {
     Q_OBJECT
@@ -48,10 +46,9 @@ public:
     void resetAll(const STSoundCardMappingsInfo& known);
     void resetOffers(const STSoundCardMappingsInfo& known, bool withColumns = false);
     void deleteColumns(const std::vector<std::string>& devices);
-    void placeColumns();
-    void showColumn(SoundCardColumn* column, bool visible);
+    void showColumn(const std::string& device, bool visible);
     void translate();
-    auto* columnOf(const std::string& device) const { return findColumn(m_columns, device); }
+    auto* columnOf(const std::string& device) const { return m_columns.find(device); }
     void refresh(const STSoundCardChangeInfo& change);
 
     MivoSettings* sharedSettings;
@@ -63,13 +60,6 @@ public slots:
 
 private:
     void resetColumns(const STSoundCardMappingsInfo& known);
-    SoundCardColumn* makeColumn(const std::string& device);
-    void retire(SoundCardColumn* column);
-    /// For a widget that is about to disappear: Qt would pass its focus on to the next device's
-    /// box, where the next key press would change the chosen card.
-    void moveFocusToNameFrom(const QWidget* leaving);
-    /// Puts the column's tab stops after those of the column before it.
-    void orderTabStops(const SoundCardColumn* column);
     void showName();
     const STChosenSoundCard* chosenOn(const std::string& device) const;
     void setChosen(const STChosenSoundCard& soundCard);
@@ -80,10 +70,8 @@ private:
     EditBox* m_name;
     QLabel* m_nameTip;
     PushButton* m_delete;
-    QGridLayout* m_grid;
-    std::vector<SoundCardColumn*> m_columns; // this machine first
-    std::vector<SoundCardColumn*> m_placed;  // the visible ones, as they stand in the grid
-    STSoundCardMappingsInfo m_known;         // of the last reset
+    DeviceColumns m_columns;
+    STSoundCardMappingsInfo m_known; // of the last reset
     bool m_isReset = false; // with its columns, and nothing but these themselves changed since
 };
 
@@ -93,7 +81,7 @@ VirtualMappingWidget::Impl::Impl(VirtualMappingWidget* editor,
     : sharedSettings(settings), zrRuntime(runtime), m_owner(editor), m_info(mapping),
       m_nameLabel(new QLabel(editor)), m_name(new EditBox(editor)),
       m_nameTip(new mivo::widgets::AlertLabel(editor)), m_delete(new PushButton(editor)),
-      m_grid(new QGridLayout)
+      m_columns(editor, m_delete, m_name)
 {
     m_nameLabel->setBuddy(m_name);
     m_name->setObjectName(QStringLiteral("mappingName"));
@@ -109,19 +97,23 @@ VirtualMappingWidget::Impl::Impl(VirtualMappingWidget* editor,
     auto* row = rowOf({m_nameLabel, m_name, m_nameTip});
     row->setSpacing(8);
     row->addWidget(m_delete);
-    m_grid->setSpacing(12);
-    m_grid->setColumnStretch(columnsInRow, 1);
     auto* column = new QVBoxLayout(editor);
     column->setContentsMargins(12, 12, 12, 12);
     column->setSpacing(12);
     column->addLayout(row);
-    column->addLayout(m_grid);
+    column->addLayout(m_columns.grid());
     editor->setFocusProxy(m_name);
     translate();
     showName();
     connect(m_name, &EditBox::editingFinished, this, &Impl::slotNameEdited);
     connect(m_name, &EditBox::textEdited, m_nameTip, &QLabel::hide);
     connect(m_delete, &PushButton::clicked, this, &Impl::slotDelete);
+    connect(&m_columns, &DeviceColumns::changeRequested, this,
+            [this](mivo::EnumSoundCardChange kind, const STChosenSoundCard& soundCard) {
+                emit m_owner->sigMappingInfoChanged({m_info.id, kind, {}, soundCard});
+            });
+    connect(&m_columns, &DeviceColumns::outdated, m_owner,
+            [this] { m_owner->resetSoundCardWidget(); });
 }
 
 const STChosenSoundCard* VirtualMappingWidget::Impl::chosenOn(const std::string& device) const
@@ -132,101 +124,43 @@ const STChosenSoundCard* VirtualMappingWidget::Impl::chosenOn(const std::string&
     return found == m_info.soundCards.end() ? nullptr : &*found;
 }
 
-SoundCardColumn* VirtualMappingWidget::Impl::makeColumn(const std::string& device)
-{
-    auto* column = new SoundCardColumn(device, m_owner);
-    column->setMappingName(QString::fromStdString(m_info.name));
-    connect(column, &SoundCardColumn::changeRequested, this,
-            [this](mivo::EnumSoundCardChange kind, const STChosenSoundCard& soundCard) {
-                emit m_owner->sigMappingInfoChanged({m_info.id, kind, {}, soundCard});
-            });
-    connect(column, &SoundCardColumn::tabStopsChanged, this,
-            [this, column] { orderTabStops(column); });
-    connect(column, &SoundCardColumn::focusedMarkRemoved, this, [this] { m_name->setFocus(); });
-    connect(column, &SoundCardColumn::outdated, m_owner,
-            [this] { m_owner->resetSoundCardWidget(); });
-    column->move(0, m_owner->height()); // out of sight until the layout has placed it
-    showColumn(column, true);
-    return column;
-}
-
 void VirtualMappingWidget::Impl::resetAll(const STSoundCardMappingsInfo& known)
 {
     if (!m_isReset || !m_known.mappings.isSharedWith(known.mappings)
-        || !m_known.devices.isSharedWith(known.devices) || !areAsSet(m_columns)) {
+        || !m_known.devices.isSharedWith(known.devices) || !m_columns.areAsSet()) {
         resetOffers(known, true);
     }
 }
 
 void VirtualMappingWidget::Impl::resetColumns(const STSoundCardMappingsInfo& known)
 {
-    const auto before = std::exchange(m_columns, {});
-    const auto add = [&](const std::string& device) {
-        SoundCardColumn* same = findColumn(before, device);
-        m_columns.push_back(same != nullptr ? same : makeColumn(device));
-        if (same == nullptr) {
-            orderTabStops(m_columns.back());
-        }
-    };
-    add(std::string());
+    std::vector<std::string_view> devices{""}; // this machine first
     for (const auto& device : known.devices) {
         const bool isShown = !device.soundCards.empty() || chosenOn(device.device) != nullptr;
         if (!device.device.empty() && isShown) {
-            add(device.device);
+            devices.push_back(device.device);
         }
     }
-    for (SoundCardColumn* column : before) {
-        if (columnOf(column->device) != column) {
-            retire(column);
-        }
-    }
+    m_columns.reset(devices);
 }
 
 void VirtualMappingWidget::Impl::deleteColumns(const std::vector<std::string>& devices)
 {
-    const auto gone =
-        std::stable_partition(m_columns.begin(), m_columns.end(), [&](const auto* column) {
-            return column->device.empty()
-                   || std::find(devices.begin(), devices.end(), column->device) == devices.end();
-        });
-    std::for_each(gone, m_columns.end(), [this](auto* column) { retire(column); });
-    m_columns.erase(gone, m_columns.end());
-    placeColumns();
+    m_isReset = false;
+    m_columns.remove(devices);
 }
 
-void VirtualMappingWidget::Impl::retire(SoundCardColumn* column)
+void VirtualMappingWidget::Impl::showColumn(const std::string& device, bool visible)
 {
-    moveFocusToNameFrom(column);
-    column->disconnect(this);
-    column->disconnect(m_owner);
-    column->hide();
-    column->deleteLater(); // its list may be open
-}
-
-void VirtualMappingWidget::Impl::moveFocusToNameFrom(const QWidget* leaving)
-{
-    if (leaving->isAncestorOf(m_owner->window()->focusWidget())) {
-        m_name->setFocus();
-    }
-}
-
-void VirtualMappingWidget::Impl::showColumn(SoundCardColumn* column, bool visible)
-{
-    if (visible && column->isHidden()) {
-        const LayoutsPause pause(m_owner);
-        column->show();
-    } else if (!visible && !column->isHidden()) {
-        moveFocusToNameFrom(column);
-        column->hide();
+    if (SoundCardColumn* column = columnOf(device)) {
+        m_isReset = false;
+        m_columns.show(column, visible);
+        m_columns.place();
     }
 }
 
 void VirtualMappingWidget::Impl::resetOffers(const STSoundCardMappingsInfo& known, bool withColumns)
 {
-    withColumns |= m_columns.empty();
-    if (withColumns) {
-        resetColumns(known);
-    }
     bool isOther = false; // what is chosen
     for (const auto& mapping : known.mappings) {
         if (mapping.id == m_info.id) {
@@ -237,9 +171,13 @@ void VirtualMappingWidget::Impl::resetOffers(const STSoundCardMappingsInfo& know
             }
         }
     }
+    withColumns |= m_columns.all().empty();
+    if (withColumns) {
+        resetColumns(known); // which depend on what is chosen
+    }
     static const STDeviceSoundCards none;
     const auto& devices = compareDevices(std::exchange(m_known, known).devices, known.devices);
-    for (SoundCardColumn* column : m_columns) {
+    for (SoundCardColumn* column : m_columns.all()) {
         const auto found = devices.find(column->device);
         const auto* device = found == devices.end() ? nullptr : &found->second;
         if (isOther || device == nullptr || device->isOther || !column->isAsSet()) {
@@ -247,41 +185,11 @@ void VirtualMappingWidget::Impl::resetOffers(const STSoundCardMappingsInfo& know
                              chosenOn(column->device));
         }
         if (device != nullptr) {
-            showColumn(column, device->cards->visible);
+            m_columns.show(column, device->cards->visible);
         }
     }
-    placeColumns();
-    m_isReset = withColumns && !isOther; // the columns depend on what is chosen
-}
-
-void VirtualMappingWidget::Impl::placeColumns()
-{
-    m_isReset = false;
-    std::vector<SoundCardColumn*> shown;
-    std::copy_if(m_columns.begin(), m_columns.end(), std::back_inserter(shown),
-                 [](const SoundCardColumn* column) { return !column->isHidden(); });
-    const auto first = std::mismatch(m_placed.begin(), m_placed.end(), shown.begin(), shown.end());
-    for (auto column = first.first; column != m_placed.end(); ++column) {
-        delete m_grid->takeAt(m_grid->count() - 1);
-    }
-    for (auto column = first.second; column != shown.end(); ++column) {
-        const int place = m_grid->count();
-        // addWidget() would look for it in all layouts of the editor, which takes long.
-        m_grid->addItem(new QWidgetItem(*column), place / columnsInRow, place % columnsInRow, 1, 1,
-                        Qt::AlignTop);
-    }
-    m_placed = std::move(shown);
-}
-
-void VirtualMappingWidget::Impl::orderTabStops(const SoundCardColumn* column)
-{
-    const auto place = std::find(m_columns.begin(), m_columns.end(), column);
-    QWidget* previous =
-        place == m_columns.begin() ? m_delete : (*std::prev(place))->tabStops().back();
-    for (QWidget* stop : column->tabStops()) {
-        QWidget::setTabOrder(previous, stop);
-        previous = stop;
-    }
+    m_columns.place();
+    m_isReset = withColumns;
 }
 
 void VirtualMappingWidget::Impl::translate()
@@ -290,7 +198,7 @@ void VirtualMappingWidget::Impl::translate()
     m_name->setAccessibleName(m_nameLabel->text());
     m_nameTip->setText(text(QStringLiteral("MappingNameInUse")));
     m_delete->setText(text(QStringLiteral("DeleteMapping")));
-    for (SoundCardColumn* column : m_columns) {
+    for (SoundCardColumn* column : m_columns.all()) {
         column->translate();
     }
 }
@@ -301,9 +209,7 @@ void VirtualMappingWidget::Impl::showName()
     const QSignalBlocker blocker(m_name);
     m_name->setText(name);
     m_delete->setAccessibleDescription(name); // which of the buttons of that text
-    for (SoundCardColumn* column : m_columns) {
-        column->setMappingName(name);
-    }
+    m_columns.setMappingName(name);
 }
 
 void VirtualMappingWidget::Impl::refresh(const STSoundCardChangeInfo& change)
@@ -331,6 +237,8 @@ void VirtualMappingWidget::Impl::setChosen(const STChosenSoundCard& soundCard)
         if (column->isEmpty()) {
             deleteColumns({soundCard.device});
         }
+    } else if (!soundCard.id.empty()) {
+        m_owner->resetSoundCardWidget(); // the device has a column from now on
     }
 }
 
@@ -431,10 +339,7 @@ void VirtualMappingWidget::deleteClusterDeviceSoundCard(const std::vector<std::s
 
 void VirtualMappingWidget::setDeviceSoundCardVisible(const std::string& device, bool visible)
 {
-    if (SoundCardColumn* column = m_impl->columnOf(device)) {
-        m_impl->showColumn(column, visible);
-        m_impl->placeColumns();
-    }
+    m_impl->showColumn(device, visible);
 }
 
 void VirtualMappingWidget::translateLangauge()
