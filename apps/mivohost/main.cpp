@@ -1,4 +1,5 @@
 #include "base/exitcode.h"
+#include "base/filerequests.h"
 #include "base/hostlog.h"
 #include "base/hosttext.h"
 #include "cluster/sharedshortcuts.h"
@@ -50,6 +51,7 @@
 #include <QtWidgets/QMessageBox>
 
 #include <atomic>
+#include <chrono>
 #include <cstdio>
 #include <map>
 #include <memory>
@@ -119,11 +121,15 @@ int runWindow(MainWindow& window, ProjectFile& project, RuntimeThread& runtime,
                           storeIsCopy, notify("AutostartFailed"));
     }
     const EndRequests ends(window);
-    QObject::connect(&ends, &EndRequests::requested, [&project] {
-        project.rescue(); // now, as without a display no event is handled any more
+    const auto saveAll = [&project] {
+        project.rescue();
+        FileRequests::finishSaves(std::chrono::seconds(5));
+    };
+    QObject::connect(&ends, &EndRequests::requested, [saveAll] {
+        saveAll(); // now, as without a display no event is handled any more
         QApplication::quit();
     });
-    QObject::connect(&ends, &EndRequests::sessionEnds, &project, &ProjectFile::rescue);
+    QObject::connect(&ends, &EndRequests::sessionEnds, saveAll);
     QObject::connect(&ends, &EndRequests::sessionGoesOn, &project, &ProjectFile::goOn);
     const SleepWatch sleep(window);
     QObject::connect(&sleep, &SleepWatch::goingToSleep, &project, &ProjectFile::rescue);

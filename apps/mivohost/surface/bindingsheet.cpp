@@ -136,8 +136,7 @@ void BindingSheet::saveTo(const QString& path)
         emit failed(QStringLiteral("ShortcutsNotExported"), problem);
     };
     m_requests.start(
-        {path, QStringLiteral("SavingProject"), fail},
-        [path, text = content.toStdString()] { return saveFile(path, text); },
+        {path, true, fail}, [path, text = content.toStdString()] { return saveFile(path, text); },
         [this, fail, shown](const QString& error, bool isWaitedFor) {
             if (error.isEmpty()) {
                 showState(hostText("SheetSaved").arg(shown));

@@ -31,6 +31,7 @@ public:
     /// Writes what is shown to a file that the user chose, as HTML or else as PDF. It may lie on a
     /// drive that does not answer: what is not waited for any more is told as a failure.
     void saveTo(const QString& path);
+    FileRequests& requests() { return m_requests; }
 
 signals:
     /// A text's key and what is put into it, as MainWindow::showNotice().

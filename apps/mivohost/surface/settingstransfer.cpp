@@ -120,7 +120,7 @@ void SettingsTransfer::exportTo(const QString& path, const std::set<Section>& se
         emit failed(QStringLiteral("SettingsNotExported"), fileProblem(path, reason));
     };
     m_requests.start(
-        {path, QStringLiteral("SavingProject"), fail}, [path, content = m_runtime.call([&] {
+        {path, true, fail}, [path, content = m_runtime.call([&] {
             return SettingsFile::write(m_store, sections);
         })] { return saveFile(path, content); },
         [this, shown, fail](const QString& error, bool isWaitedFor) {
@@ -144,7 +144,7 @@ void SettingsTransfer::keepAll(
     const QString shown = QDir::toNativeSeparators(path);
     const auto fail = [kept, path](const QString& reason) { kept({}, fileProblem(path, reason)); };
     m_requests.start(
-        {path, QStringLiteral("SavingProject"), fail}, [path, content = m_runtime.call([&] {
+        {path, true, fail}, [path, content = m_runtime.call([&] {
             const auto all = SettingsFile::sections();
             return SettingsFile::write(m_store, {all.begin(), all.end()});
         })] { return keep(path, content); },
@@ -176,7 +176,7 @@ void SettingsTransfer::importFrom(const QString& path)
         SettingsFile file;
     };
     m_requests.start(
-        {path, QStringLiteral("OpeningProject"), fail},
+        {path, false, fail},
         [path] {
             const FileContent content = readFile(path, SettingsFile::mostBytes);
             return content.error.isEmpty() ? Read{{}, SettingsFile::read(content.bytes)}
