@@ -5,6 +5,8 @@
 
 #include <QtWidgets/QDialog>
 
+#include <memory>
+
 class QLabel;
 class QLineEdit;
 class QPushButton;
@@ -23,6 +25,7 @@ class BindingSheet : public QDialog
 public:
     BindingSheet(const mivo::settings::ShortCutMgr& manager, Peripherals& peripherals,
                  QWidget* parent = nullptr);
+    ~BindingSheet() override;
 
     /// Shows the window, or brings it to the front.
     void openWindow();
@@ -38,6 +41,8 @@ signals:
     void failed(const QString& key, const QString& argument);
 
 private:
+    struct Layout;
+
     void refill();
     void askAndSave(const QString& suffix);
     void showState(const QString& state);
@@ -47,6 +52,7 @@ private:
     BindingsModel m_model;
     BindingsFilter m_filter;
     FileRequests m_requests;
+    std::shared_ptr<Layout> m_layout; // the threads that make a PDF have it, too
     QTableView* m_view;
     QLineEdit* m_text;
     QPushButton* m_pdf;
