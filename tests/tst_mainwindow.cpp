@@ -263,18 +263,26 @@ TEST_F(Window, ImportsTheSettingsThatAreTicked)
 TEST_F(Window, ExportsTheSectionsThatAreTicked)
 {
     const QString path = this->path("settings.json");
-    whenModal<QDialog>([&](QDialog& sections) {
-        for (auto* box : sections.findChildren<QCheckBox*>()) {
-            box->setChecked(box->objectName() == "undo");
-        }
-        whenModal<QFileDialog>([&](QFileDialog& chooser) { chooseFolder(chooser, path); });
-        sections.accept();
-    });
-    window.transfer().chooseExport();
+    const auto exportUndo = [this](const std::function<void(QFileDialog&)>& choose) {
+        whenModal<QDialog>([&choose](QDialog& sections) {
+            for (auto* box : sections.findChildren<QCheckBox*>()) {
+                box->setChecked(box->objectName() == "undo");
+            }
+            whenModal(choose);
+            sections.accept();
+        });
+        window.transfer().chooseExport();
+    };
+    exportUndo([&](QFileDialog& chooser) { chooseFolder(chooser, path); });
     EXPECT_TRUE(
         says("The settings have been exported to " + QDir::toNativeSeparators(path).toStdString()));
     EXPECT_TRUE(readFile(path).contains("\"settings\": {\n        \"undoStep\": 50\n    }"))
         << readFile(path).constData();
+    const QFileDialog other(nullptr, {}, QDir::rootPath()); // whose folder Qt remembers
+    exportUndo([&](QFileDialog& chooser) {
+        EXPECT_EQ(chooser.directory().path(), folder.path());
+        chooser.reject();
+    });
     window.transfer().exportTo(folder.path(), {SettingsFile::Section::undo});
     EXPECT_TRUE(says("The settings were not exported: "
                      + QDir::toNativeSeparators(folder.path()).toStdString()));
