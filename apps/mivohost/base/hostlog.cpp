@@ -4,15 +4,20 @@
 #include <QtCore/QMetaObject>
 #include <QtCore/QObject>
 
+#include <spdlog/async.h>
 #include <spdlog/sinks/base_sink.h>
 #include <spdlog/sinks/dist_sink.h>
 #include <spdlog/sinks/rotating_file_sink.h>
 #include <spdlog/sinks/stdout_sinks.h>
 
+#include <atomic>
+#include <chrono>
 #include <cstdio>
 #include <memory>
 #include <mutex>
 #include <string>
+#include <thread>
+#include <utility>
 
 #ifdef Q_OS_UNIX
 #include <fcntl.h>
@@ -48,21 +53,69 @@ private:
     QObject* m_view;
 };
 
-/// Where nobody reads any more, which some systems tell, the other sinks go on.
-class ConsoleSink : public spdlog::sinks::stderr_sink_mt
+/// What writes to the console, on a thread of its own.
+class StandardError : public spdlog::sinks::stderr_sink_mt
 {
 public:
+    void flush() override
+    {
+        spdlog::sinks::stderr_sink_mt::flush();
+        isFlushed = true;
+    }
+
+    std::atomic<bool> isFlushed{false};
+};
+
+/// A console that is stopped, by Ctrl+S or a selection in it, takes nothing until it goes on, and
+/// nobody waits for it: of what comes meanwhile the oldest lines are dropped. Where nobody reads
+/// any more the other sinks go on.
+class ConsoleSink : public spdlog::sinks::sink
+{
+public:
+    ConsoleSink()
+    {
+        m_writer->set_error_handler([](const std::string& /*error*/) {});
+    }
+    ~ConsoleSink() override { finish(); }
+
     void log(const spdlog::details::log_msg& message) override
     {
-        try {
-            spdlog::sinks::stderr_sink_mt::log(message);
-        } catch (const spdlog::spdlog_ex&) {
+        m_writer->log(message.time, message.source, message.level, message.payload);
+    }
+    void flush() override {} // each line is
+    void set_pattern(const std::string& pattern) override { m_writer->set_pattern(pattern); }
+    void set_formatter(std::unique_ptr<spdlog::formatter> formatter) override
+    {
+        m_writer->set_formatter(std::move(formatter));
+    }
+
+    /// Waits until all is written, but not for a console that is stopped.
+    void finish()
+    {
+        m_output->isFlushed = false;
+        m_writer->flush();
+        for (int waited = 0; !m_output->isFlushed && waited < 1000; waited += 10) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
         }
     }
+
+private:
+    /// Never destroyed, as that waits for the console.
+    static std::shared_ptr<spdlog::details::thread_pool>& pool()
+    {
+        static auto& only =
+            *new std::shared_ptr(std::make_shared<spdlog::details::thread_pool>(1000, 1));
+        return only;
+    }
+
+    std::shared_ptr<StandardError> m_output = std::make_shared<StandardError>();
+    std::shared_ptr<spdlog::async_logger> m_writer = std::make_shared<spdlog::async_logger>(
+        "mivohost", m_output, pool(), spdlog::async_overflow_policy::overrun_oldest);
 };
 
 struct Sinks
 {
+    std::shared_ptr<ConsoleSink> console;
     std::shared_ptr<spdlog::sinks::dist_sink_mt> all =
         std::make_shared<spdlog::sinks::dist_sink_mt>();
     std::shared_ptr<ViewSink> view;
@@ -101,6 +154,7 @@ void keepFromChildren(std::FILE* stream)
 void startLog(const QString& file)
 {
     const auto console = std::make_shared<ConsoleSink>();
+    sinks().console = console;
     console->set_level(file.isEmpty() ? spdlog::level::warn : spdlog::level::info);
     sinks().all->add_sink(console);
     auto logger = std::make_shared<spdlog::logger>("mivohost", sinks().all);
@@ -123,6 +177,12 @@ void startLog(const QString& file)
             logger->warn("no log file: {}", error.what());
         }
     }
+}
+
+void finishLog()
+{
+    hostLog()->flush();
+    sinks().console->finish();
 }
 
 void attachLogView(QObject* view)

@@ -8,6 +8,7 @@
 #include <QtCore/QCoreApplication>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
 
 namespace mivohost {
@@ -33,6 +34,13 @@ void printQtMessage(QtMsgType type, const QMessageLogContext& context, const QSt
 }
 
 } // namespace
+
+#ifdef Q_OS_UNIX
+void useConsole()
+{
+    std::signal(SIGPIPE, SIG_IGN);
+}
+#endif
 
 void dropIdleMessages()
 {

@@ -10,12 +10,9 @@ class QString;
 namespace mivohost {
 
 /// A program with windows gets no console on Windows: what it prints is to be seen in the one from
-/// which it was started, if any, unless it goes elsewhere. At the start of the program.
-#ifdef Q_OS_WIN
+/// which it was started, if any, unless it goes elsewhere. Elsewhere, a reader of what it prints
+/// that goes does not end the program. At the start of the program.
 void useConsole();
-#else
-inline void useConsole() {}
-#endif
 
 /// On Windows, no box of the system asks for a disk that is not in its drive, over all windows,
 /// while who looked for a file waits: that just fails. Before all else.
