@@ -410,7 +410,7 @@ int main(int argc, char** argv)
     if (argc > 1 && qstrcmp(argv[1], listGraphicsCardsOption) == 0) {
         return listGraphicsCards();
     }
-    dropIdleMessages();
+    takeQtMessages();
     useNoDisplayForCommands(argc, argv);
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);

@@ -8,7 +8,6 @@
 #include <spdlog/sinks/base_sink.h>
 #include <spdlog/sinks/dist_sink.h>
 #include <spdlog/sinks/rotating_file_sink.h>
-#include <spdlog/sinks/stdout_sinks.h>
 
 #include <atomic>
 #include <chrono>
@@ -21,6 +20,7 @@
 
 #ifdef Q_OS_UNIX
 #include <fcntl.h>
+#include <unistd.h>
 #else
 #include <QtCore/qt_windows.h>
 
@@ -53,34 +53,54 @@ private:
     QObject* m_view;
 };
 
-/// What writes to the console, on a thread of its own.
-class StandardError : public spdlog::sinks::stderr_sink_mt
+/// Writes to the console, on a thread of its own; not by stdio, for whose locks exit() waits.
+class StandardError : public spdlog::sinks::base_sink<std::mutex>
 {
 public:
-    void flush() override
+    std::atomic<bool> isFlushed{false};
+
+protected:
+    void sink_it_(const spdlog::details::log_msg& message) override
     {
-        spdlog::sinks::stderr_sink_mt::flush();
-        isFlushed = true;
+        spdlog::memory_buf_t line;
+        formatter_->format(message, line);
+#ifdef Q_OS_UNIX
+        [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, line.data(), line.size());
+#else
+        DWORD written = 0;
+        WriteFile(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stderr))), line.data(),
+                  static_cast<DWORD>(line.size()), &written, nullptr);
+#endif
     }
 
-    std::atomic<bool> isFlushed{false};
+    void flush_() override
+    {
+        isFlushed = true;
+    }
 };
 
 /// A console that is stopped, by Ctrl+S or a selection in it, takes nothing until it goes on, and
-/// nobody waits for it: of what comes meanwhile the oldest lines are dropped. Where nobody reads
-/// any more the other sinks go on.
+/// nobody waits for it: of what comes meanwhile the oldest lines are dropped.
 class ConsoleSink : public spdlog::sinks::sink
 {
 public:
-    ConsoleSink()
+    ~ConsoleSink() override
     {
-        m_writer->set_error_handler([](const std::string& /*error*/) {});
+        s_inForce = nullptr;
+        finish();
     }
-    ~ConsoleSink() override { finish(); }
+
+    /// Null before there is one, and at the end.
+    static ConsoleSink* inForce() { return s_inForce; }
+    void putInForce() { s_inForce = this; }
 
     void log(const spdlog::details::log_msg& message) override
     {
         m_writer->log(message.time, message.source, message.level, message.payload);
+    }
+    void log(spdlog::level::level_enum level, const std::string& line)
+    {
+        m_writer->log(level, line);
     }
     void flush() override {} // each line is
     void set_pattern(const std::string& pattern) override { m_writer->set_pattern(pattern); }
@@ -108,6 +128,8 @@ private:
         return only;
     }
 
+    static inline std::atomic<ConsoleSink*> s_inForce{nullptr};
+
     std::shared_ptr<StandardError> m_output = std::make_shared<StandardError>();
     std::shared_ptr<spdlog::async_logger> m_writer = std::make_shared<spdlog::async_logger>(
         "mivohost", m_output, pool(), spdlog::async_overflow_policy::overrun_oldest);
@@ -115,7 +137,6 @@ private:
 
 struct Sinks
 {
-    std::shared_ptr<ConsoleSink> console;
     std::shared_ptr<spdlog::sinks::dist_sink_mt> all =
         std::make_shared<spdlog::sinks::dist_sink_mt>();
     std::shared_ptr<ViewSink> view;
@@ -154,12 +175,12 @@ void keepFromChildren(std::FILE* stream)
 void startLog(const QString& file)
 {
     const auto console = std::make_shared<ConsoleSink>();
-    sinks().console = console;
     console->set_level(file.isEmpty() ? spdlog::level::warn : spdlog::level::info);
     sinks().all->add_sink(console);
     auto logger = std::make_shared<spdlog::logger>("mivohost", sinks().all);
     logger->set_pattern("%H:%M:%S.%e %l %v");
     logger->flush_on(spdlog::level::info);
+    console->putInForce();
     QV::SpdlogApplication::instance().setLogger(logger);
     if (!file.isEmpty()) {
         try {
@@ -182,7 +203,18 @@ void startLog(const QString& file)
 void finishLog()
 {
     hostLog()->flush();
-    sinks().console->finish();
+    if (auto* console = ConsoleSink::inForce()) {
+        console->finish();
+    }
+}
+
+bool logToConsole(spdlog::level::level_enum level, const QString& line)
+{
+    auto* console = ConsoleSink::inForce();
+    if (console != nullptr) {
+        console->log(level, line.toStdString());
+    }
+    return console != nullptr;
 }
 
 void attachLogView(QObject* view)

@@ -16,6 +16,9 @@ void startLog(const QString& file);
 /// Before an end without exit(), which does so itself: waits up to a second until all is written.
 void finishLog();
 
+/// A line for the standard error alone. False before startLog(), and behind the end of main().
+bool logToConsole(spdlog::level::level_enum level, const QString& line);
+
 /// Shows every further log line in `view` as well, through its slot `appendPlainText(QString)`.
 /// Undone by detachLogView() before `view` goes.
 void attachLogView(QObject* view);

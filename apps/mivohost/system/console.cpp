@@ -1,6 +1,7 @@
 #include "system/console.h"
 
 #include "base/exitcode.h"
+#include "base/hostlog.h"
 #include "devices/clustersimulator.h"
 
 #include <QtCore/QByteArrayList>
@@ -19,7 +20,14 @@ QtMessageHandler defaultHandler = nullptr;
 
 void printQtMessage(QtMsgType type, const QMessageLogContext& context, const QString& text)
 {
-    if (!text.startsWith(QLatin1String("This plugin does not support "))) {
+    if (text.startsWith(QLatin1String("This plugin does not support "))) {
+        return;
+    }
+    const auto level = type == QtDebugMsg || type == QtInfoMsg ? spdlog::level::info
+                       : type == QtWarningMsg                  ? spdlog::level::warn
+                                                               : spdlog::level::err;
+    // After a fatal one the program ends without further ado.
+    if (type == QtFatalMsg || !logToConsole(level, qFormatLogMessage(type, context, text))) {
         defaultHandler(type, context, text);
     }
 }
@@ -42,7 +50,7 @@ void useConsole()
 }
 #endif
 
-void dropIdleMessages()
+void takeQtMessages()
 {
     defaultHandler = qInstallMessageHandler(printQtMessage);
 }

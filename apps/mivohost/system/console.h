@@ -22,9 +22,10 @@ void useNoSystemBoxes();
 inline void useNoSystemBoxes() {}
 #endif
 
-/// From now on Qt's messages on what a screen without a window manager cannot do are not printed:
-/// they come for each window, and nobody can do anything about it.
-void dropIdleMessages();
+/// From now on Qt's messages go the way of the log's lines for the console, without those on what a
+/// screen without a window manager cannot do: these come for each window, and nobody can do
+/// anything about it.
+void takeQtMessages();
 
 /// On Linux, lets a command that opens no window do without a display. Before the QApplication.
 void useNoDisplayForCommands(int argc, char** argv);
