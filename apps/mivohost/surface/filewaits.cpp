@@ -14,13 +14,16 @@ FileWaits::FileWaits(const std::vector<FileRequests*>& files) : m_files(files)
     for (FileRequests* requests : files) {
         m_lines.push_back(new WaitingLine(*requests));
         addWidget(m_lines.back());
-        // Queued: how it ended is told next, perhaps by a dialog, and that may call the close off.
+        // Queued: how it ended is told next. Where that calls the close off, or is told by a
+        // dialog, the operator is to see it.
         connect(
             requests, &FileRequests::waitingChanged, this,
             [this] {
-                if (m_sinceClose.isValid() && !isSaving() && !QApplication::activeModalWidget()) {
+                if (m_sinceClose.isValid() && !isSaving()) {
                     callOffClose();
-                    emit saved();
+                    if (!QApplication::activeModalWidget()) {
+                        emit saved();
+                    }
                 }
             },
             Qt::QueuedConnection);
