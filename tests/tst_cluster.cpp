@@ -406,6 +406,12 @@ TEST_F(Cluster, KeysOfActionsAreSharedEachForItself)
     EXPECT_EQ(a.lost.at(0).mine, "");
     EXPECT_EQ(a.lost.at(0).theirs, "Ctrl + M");
     EXPECT_EQ(clashes.size(), 1) << "own changes are no news";
+    for (const char* later : {"Ctrl + P", "Ctrl + Q"}) { // the second one waits a moment
+        emit a.synchroniser().shortcutsChanged({{"shortcut:211:new", later}});
+    }
+    a.stop();
+    EXPECT_EQ(keys().first(), "211 a/b:c=Ctrl + M");
+    EXPECT_EQ(keys().last(), "211 new=Ctrl + Q") << "taken at the end";
 }
 
 TEST_F(Cluster, ProgramsShareAShowAndAMachineIsReplaced)

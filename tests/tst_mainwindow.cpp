@@ -93,6 +93,50 @@ TEST_F(Window, AsksBeforeChangesAreLost)
     EXPECT_EQ(closed.size(), 2) << "without a question, and there is no tray to hide to";
 }
 
+TEST_F(Window, ClosesOnceAllThatIsBeingSavedIsSaved)
+{
+    const std::pair<QString, std::function<void(const QString&)>> cases[]{
+        {"hangs.mivo", [this](const QString& file) { this->file->saveAs(file); }},
+        {"keys.json", [this](const QString& file) { window.actions().transfer().exportTo(file); }},
+        {"settings.json",
+         [this](const QString& file) {
+             window.transfer().exportTo(file, {SettingsFile::Section::undo});
+         }},
+        {"sheet.html",
+         [this](const QString& file) { window.actions().tools().sheet().saveTo(file); }},
+    };
+    runtime.call([this] { store->setNotPromptForSave(true); });
+    for (const auto& [name, save] : cases) {
+        window.show();
+        file->play(3); // and is modified
+        save(path(name));
+        window.close();
+        window.close(); // by a double click
+        EXPECT_TRUE(window.isVisible() && closed.isEmpty()) << name;
+        QTimer::singleShot(20, [this] { hanging.answer(); });
+        EXPECT_TRUE(closed.wait()) << name;
+        EXPECT_TRUE(QFile::exists(path(name))) << name;
+        closed.clear();
+    }
+    window.show();
+    file->saveAs(path("missing/show.mivo"));
+    window.close();
+    EXPECT_TRUE(says("missing"));
+    QApplication::processEvents();
+    EXPECT_TRUE(window.isVisible()) << "a failure is seen";
+}
+
+TEST_F(Window, IsClosedWithoutWhatIsNotWaitedForAnyMore)
+{
+    file->saveAs(path("hangs.mivo"));
+    window.close();
+    const QWidget* waiting = window.findChild<QLabel*>("waiting");
+    QTest::qWait(600);
+    EXPECT_TRUE(waiting->isVisible() && closed.isEmpty());
+    window.close();
+    EXPECT_TRUE(QTest::qWaitFor([this] { return closed.size() == 1; }));
+}
+
 TEST_F(Window, OffersWhatIsUnsavedUntilSomebodyDecides)
 {
     const QString save = path("unnamed-1.mivo");
@@ -222,18 +266,26 @@ TEST_F(Window, ImportsTheSettingsThatAreTicked)
 TEST_F(Window, ExportsTheSectionsThatAreTicked)
 {
     const QString path = this->path("settings.json");
-    whenModal<QDialog>([&](QDialog& sections) {
-        for (auto* box : sections.findChildren<QCheckBox*>()) {
-            box->setChecked(box->objectName() == "undo");
-        }
-        whenModal<QFileDialog>([&](QFileDialog& chooser) { chooseFolder(chooser, path); });
-        sections.accept();
-    });
-    window.transfer().chooseExport();
+    const auto exportUndo = [this](const std::function<void(QFileDialog&)>& choose) {
+        whenModal<QDialog>([&choose](QDialog& sections) {
+            for (auto* box : sections.findChildren<QCheckBox*>()) {
+                box->setChecked(box->objectName() == "undo");
+            }
+            whenModal(choose);
+            sections.accept();
+        });
+        window.transfer().chooseExport();
+    };
+    exportUndo([&](QFileDialog& chooser) { chooseFolder(chooser, path); });
     EXPECT_TRUE(
         says("The settings have been exported to " + QDir::toNativeSeparators(path).toStdString()));
     EXPECT_TRUE(readFile(path).contains("\"settings\": {\n        \"undoStep\": 50\n    }"))
         << readFile(path).constData();
+    const QFileDialog other(nullptr, {}, QDir::rootPath()); // whose folder Qt remembers
+    exportUndo([&](QFileDialog& chooser) {
+        EXPECT_EQ(chooser.directory().path(), folder.path());
+        chooser.reject();
+    });
     window.transfer().exportTo(folder.path(), {SettingsFile::Section::undo});
     EXPECT_TRUE(says("The settings were not exported: "
                      + QDir::toNativeSeparators(folder.path()).toStdString()));

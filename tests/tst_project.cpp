@@ -126,6 +126,8 @@ TEST_F(ProjectTest, AFileThatHangsHoldsUpNothingElse)
     EXPECT_TRUE(QTest::qWaitFor([&] { return results == std::vector{false}; }));
     EXPECT_EQ(slow.last()[0], "");
     EXPECT_FALSE(saveAs(path("hangs.mivo"))) << "the older content could replace the newer one";
+    EXPECT_FALSE(FileRequests::finishSaves(std::chrono::milliseconds(1)))
+        << "though not waited for";
 
     EXPECT_TRUE(saveAs(path("here.mivo")));
     file->checkRecentFiles();
@@ -133,6 +135,8 @@ TEST_F(ProjectTest, AFileThatHangsHoldsUpNothingElse)
     file->play(5);
     ASSERT_TRUE(saveAs(path("other.mivo")));
     hanging.answer();
+    EXPECT_TRUE(FileRequests::finishSaves(std::chrono::seconds(10)));
+    EXPECT_TRUE(QFile::exists(path("hangs.mivo")));
     EXPECT_TRUE(QTest::qWaitFor([&] { return told.size() == 1; }));
     EXPECT_EQ(told[0], (QVariantList{"ProjectSavedLate", path("hangs.mivo")}));
     EXPECT_EQ(file->state().file, path("other.mivo"));

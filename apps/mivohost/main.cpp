@@ -1,4 +1,5 @@
 #include "base/exitcode.h"
+#include "base/filerequests.h"
 #include "base/hostlog.h"
 #include "base/hosttext.h"
 #include "cluster/sharedshortcuts.h"
@@ -51,6 +52,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <cstdio>
 #include <map>
 #include <memory>
@@ -118,11 +120,15 @@ int runWindow(MainWindow& window, ProjectFile& project, RuntimeThread& runtime,
     const Autostart autostart(runtime, store, QCoreApplication::applicationFilePath(), allowed,
                               settings, notify("AutostartFailed"));
     const EndRequests ends(window);
-    QObject::connect(&ends, &EndRequests::requested, [&project] {
-        project.rescue(); // now, as without a display no event is handled any more
+    const auto saveAll = [&project] {
+        project.rescue();
+        FileRequests::finishSaves(std::chrono::seconds(5));
+    };
+    QObject::connect(&ends, &EndRequests::requested, [saveAll] {
+        saveAll(); // now, as without a display no event is handled any more
         QApplication::quit();
     });
-    QObject::connect(&ends, &EndRequests::sessionEnds, &project, &ProjectFile::rescue);
+    QObject::connect(&ends, &EndRequests::sessionEnds, saveAll);
     QObject::connect(&ends, &EndRequests::sessionGoesOn, &project, &ProjectFile::goOn);
     const SleepWatch sleep(window);
     QObject::connect(&sleep, &SleepWatch::goingToSleep, &project, &ProjectFile::rescue);
@@ -407,7 +413,7 @@ int main(int argc, char** argv)
     if (argc > 1 && qstrcmp(argv[1], listGraphicsCardsOption) == 0) {
         return listGraphicsCards();
     }
-    dropIdleMessages();
+    takeQtMessages();
     useNoDisplayForCommands(argc, argv);
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);

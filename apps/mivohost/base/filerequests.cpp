@@ -7,6 +7,8 @@
 #include <QtCore/QFileInfo>
 
 #include <algorithm>
+#include <condition_variable>
+#include <mutex>
 #include <system_error>
 
 namespace mivohost {
@@ -55,6 +57,24 @@ QString fileProblem(const QString& path, const QString& reason)
     return QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(path), reason);
 }
 
+namespace {
+
+struct Saves
+{
+    std::mutex mutex;
+    std::condition_variable finished;
+    int unfinished = 0;
+};
+
+/// Never destroyed: a thread that hangs may outlive everything.
+Saves& saves()
+{
+    static auto& all = *new Saves;
+    return all;
+}
+
+} // namespace
+
 FileRequests::FileRequests(PathObserver observer) : m_observer(std::move(observer)) {}
 
 FileRequests::~FileRequests() = default;
@@ -72,7 +92,8 @@ FileTask* FileRequests::begin(Request request)
     auto* task = new FileTask(std::chrono::seconds(30), this);
     connect(task, &FileTask::slow, this, [this, task] {
         if (task == m_waited) {
-            emit slow(m_request.waitingKey, m_request.path);
+            emit slow(QLatin1String(m_request.saves ? "SavingProject" : "OpeningProject"),
+                      m_request.path);
         }
     });
     connect(task, &FileTask::overdue, this, [this, task] {
@@ -113,6 +134,23 @@ void FileRequests::cancel()
         stopWaiting();
         fail(QStringLiteral("no answer"));
     }
+}
+
+std::shared_ptr<void> FileRequests::unfinishedSave()
+{
+    const std::lock_guard lock(saves().mutex);
+    ++saves().unfinished;
+    return {&saves(), [](Saves* all) {
+                const std::lock_guard ending(all->mutex);
+                --all->unfinished;
+                all->finished.notify_all();
+            }};
+}
+
+bool FileRequests::finishSaves(std::chrono::milliseconds timeout)
+{
+    std::unique_lock lock(saves().mutex);
+    return saves().finished.wait_for(lock, timeout, [] { return saves().unfinished == 0; });
 }
 
 } // namespace mivohost

@@ -5,7 +5,9 @@
 #include <QtCore/QObject>
 #include <QtCore/QString>
 
+#include <chrono>
 #include <functional>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -53,8 +55,7 @@ public:
     struct Request
     {
         QString path;
-        QString
-            waitingKey; ///< a text of the host's that tells of the wait, with a place for the path
+        bool saves = false; ///< else it only reads
         /// Takes the reason why nobody waits: the file is in use, or did not answer.
         std::function<void(const QString& reason)> fail;
     };
@@ -67,7 +68,8 @@ public:
         const QString path = request.path;
         if (mivo::qutils::FileTask* task = begin(std::move(request))) {
             task->start(
-                [work = std::move(work), path, observer = m_observer] {
+                [work = std::move(work), path, observer = m_observer,
+                 save = m_request.saves ? unfinishedSave() : nullptr] {
                     if (observer) {
                         observer(path);
                     }
@@ -81,21 +83,27 @@ public:
     }
 
     bool isWaiting() const { return m_waited != nullptr; }
+    bool isSaving() const { return isWaiting() && m_request.saves; } ///< for what is written
 
     /// Nobody waits any longer, as after 30 s.
     void cancel();
 
+    /// For an end of the program that cannot be put off: blocks until all that any of them writes
+    /// is written, waited for or not. False after `timeout`.
+    static bool finishSaves(std::chrono::milliseconds timeout);
+
 signals:
     /// Whether one is waited for has changed.
     void waitingChanged();
-    /// It has taken half a second: the operator is to see for what he waits. Both empty when nobody
-    /// waits any more.
+    /// It has taken half a second: the operator is to see for what he waits. `key` is a text of the
+    /// host's with a place for the path; both are empty when nobody waits any more.
     void slow(const QString& key, const QString& path);
 
 private:
     mivo::qutils::FileTask* begin(Request request);
     bool end(mivo::qutils::FileTask* task);
     void stopWaiting();
+    static std::shared_ptr<void> unfinishedSave(); // as long as it is held
 
     PathObserver m_observer;
     Request m_request;                          // the last one

@@ -4,18 +4,23 @@
 #include <QtCore/QMetaObject>
 #include <QtCore/QObject>
 
+#include <spdlog/async.h>
 #include <spdlog/sinks/base_sink.h>
 #include <spdlog/sinks/dist_sink.h>
 #include <spdlog/sinks/rotating_file_sink.h>
-#include <spdlog/sinks/stdout_sinks.h>
 
+#include <atomic>
+#include <chrono>
 #include <cstdio>
 #include <memory>
 #include <mutex>
 #include <string>
+#include <thread>
+#include <utility>
 
 #ifdef Q_OS_UNIX
 #include <fcntl.h>
+#include <unistd.h>
 #else
 #include <QtCore/qt_windows.h>
 
@@ -48,17 +53,86 @@ private:
     QObject* m_view;
 };
 
-/// Where nobody reads any more, which some systems tell, the other sinks go on.
-class ConsoleSink : public spdlog::sinks::stderr_sink_mt
+/// Writes to the console, on a thread of its own; not by stdio, for whose locks exit() waits.
+class StandardError : public spdlog::sinks::base_sink<std::mutex>
 {
 public:
+    std::atomic<bool> isFlushed{false};
+
+protected:
+    void sink_it_(const spdlog::details::log_msg& message) override
+    {
+        spdlog::memory_buf_t line;
+        formatter_->format(message, line);
+#ifdef Q_OS_UNIX
+        [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, line.data(), line.size());
+#else
+        DWORD written = 0;
+        WriteFile(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stderr))), line.data(),
+                  static_cast<DWORD>(line.size()), &written, nullptr);
+#endif
+    }
+
+    void flush_() override
+    {
+        isFlushed = true;
+    }
+};
+
+/// A console that is stopped, by Ctrl+S or a selection in it, takes nothing until it goes on, and
+/// nobody waits for it: of what comes meanwhile the oldest lines are dropped.
+class ConsoleSink : public spdlog::sinks::sink
+{
+public:
+    ~ConsoleSink() override
+    {
+        s_inForce = nullptr;
+        finish();
+    }
+
+    /// Null before there is one, and at the end.
+    static ConsoleSink* inForce() { return s_inForce; }
+    void putInForce() { s_inForce = this; }
+
     void log(const spdlog::details::log_msg& message) override
     {
-        try {
-            spdlog::sinks::stderr_sink_mt::log(message);
-        } catch (const spdlog::spdlog_ex&) {
+        m_writer->log(message.time, message.source, message.level, message.payload);
+    }
+    void log(spdlog::level::level_enum level, const std::string& line)
+    {
+        m_writer->log(level, line);
+    }
+    void flush() override {} // each line is
+    void set_pattern(const std::string& pattern) override { m_writer->set_pattern(pattern); }
+    void set_formatter(std::unique_ptr<spdlog::formatter> formatter) override
+    {
+        m_writer->set_formatter(std::move(formatter));
+    }
+
+    /// Waits until all is written, but not for a console that is stopped.
+    void finish()
+    {
+        m_output->isFlushed = false;
+        m_writer->flush();
+        for (int waited = 0; !m_output->isFlushed && waited < 1000; waited += 10) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
         }
     }
+
+private:
+    /// Never destroyed, as that waits for the console.
+    static std::shared_ptr<spdlog::details::thread_pool>& pool()
+    {
+        static auto& only =
+            *new std::shared_ptr(std::make_shared<spdlog::details::thread_pool>(1000, 1));
+        return only;
+    }
+
+    static inline std::atomic<ConsoleSink*> s_inForce{nullptr};
+
+    std::shared_ptr<StandardError> m_output = std::make_shared<StandardError>();
+    std::shared_ptr<spdlog::async_logger> m_writer = std::make_shared<spdlog::async_logger>(
+        "mivohost", m_output, pool(), spdlog::async_overflow_policy::overrun_oldest);
 };
 
 struct Sinks
@@ -106,6 +180,7 @@ void startLog(const QString& file)
     auto logger = std::make_shared<spdlog::logger>("mivohost", sinks().all);
     logger->set_pattern("%H:%M:%S.%e %l %v");
     logger->flush_on(spdlog::level::info);
+    console->putInForce();
     QV::SpdlogApplication::instance().setLogger(logger);
     if (!file.isEmpty()) {
         try {
@@ -124,6 +199,23 @@ void startLog(const QString& file)
             logger->warn("no log file: {}", error.what());
         }
     }
+}
+
+void finishLog()
+{
+    hostLog()->flush();
+    if (auto* console = ConsoleSink::inForce()) {
+        console->finish();
+    }
+}
+
+bool logToConsole(spdlog::level::level_enum level, const QString& line)
+{
+    auto* console = ConsoleSink::inForce();
+    if (console != nullptr) {
+        console->log(level, line.toStdString());
+    }
+    return console != nullptr;
 }
 
 void attachLogView(QObject* view)

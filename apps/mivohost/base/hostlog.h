@@ -12,8 +12,14 @@ namespace mivohost {
 
 /// Sends the process's log to the standard error, and to `file` (up to 1 MiB, and five older ones)
 /// unless it cannot be written. With an empty `file` there are only warnings and errors, on the
-/// standard error.
+/// standard error. A console that is stopped holds up nothing, and misses lines.
 void startLog(const QString& file);
+
+/// Before an end without exit(), which does so itself: waits up to a second until all is written.
+void finishLog();
+
+/// A line for the standard error alone. False before startLog(), and behind the end of main().
+bool logToConsole(spdlog::level::level_enum level, const QString& line);
 
 /// Shows every further log line in `view` as well, through its slot `appendPlainText(QString)`.
 /// Undone by detachLogView() before `view` goes.

@@ -56,13 +56,14 @@ std::optional<Machine> Machine::fromJson(const QByteArray& json)
     return machine;
 }
 
-std::vector<etcd::KeyValue> Machines::ownOf(const std::vector<etcd::KeyValue>& values) const
+std::vector<etcd::KeyValue> Machines::ownOf(const QByteArray& prefix,
+                                            const std::vector<etcd::KeyValue>& values)
 {
     std::vector<etcd::KeyValue> own;
-    std::copy_if(values.begin(), values.end(), std::back_inserter(own), [this](const auto& value) {
-        return value.key.startsWith(recordKey(m_prefix, {}))
-               || value.key.startsWith(liveKey(m_prefix, {}));
-    });
+    std::copy_if(values.begin(), values.end(), std::back_inserter(own),
+                 [record = recordKey(prefix, {}), live = liveKey(prefix, {})](const auto& value) {
+                     return value.key.startsWith(record) || value.key.startsWith(live);
+                 });
     return own;
 }
 

@@ -49,8 +49,9 @@ public:
         return prefix + "live/" + id.toUtf8();
     }
 
-    /// Of the keys of a show those that tell of machines.
-    std::vector<etcd::KeyValue> ownOf(const std::vector<etcd::KeyValue>& values) const;
+    /// Of the keys of a show those that tell of machines. Any thread.
+    static std::vector<etcd::KeyValue> ownOf(const QByteArray& prefix,
+                                             const std::vector<etcd::KeyValue>& values);
 
     /// Begins anew: what follows up to endReading() is all there is.
     void beginReading();

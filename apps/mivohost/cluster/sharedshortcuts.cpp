@@ -59,6 +59,12 @@ SharedShortcuts::SharedShortcuts(mivo::settings::ShortCutMgr& manager, Synchroni
     connect(&synchroniser, &Synchroniser::shortcutsChanged, this, &SharedShortcuts::take);
 }
 
+SharedShortcuts::~SharedShortcuts()
+{
+    // Else it is taken at the next start for what this machine changed.
+    apply();
+}
+
 bool SharedShortcuts::isName(const QString& name)
 {
     return name.startsWith(prefix);

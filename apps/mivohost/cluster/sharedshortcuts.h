@@ -27,6 +27,7 @@ public:
     /// `manager` has read its file. Where that differs from what this machine shared last, the
     /// latter holds, and the other is told as lost.
     SharedShortcuts(mivo::settings::ShortCutMgr& manager, Synchroniser& synchroniser);
+    ~SharedShortcuts() override;
 
     /// Keys by the names under which they are shared; empty for an action without one.
     using Table = SharedSettings::Texts;

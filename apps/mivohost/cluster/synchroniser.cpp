@@ -33,16 +33,16 @@ Synchroniser::Synchroniser(RuntimeThread& runtime, SharedSettings& settings,
                            SoundCardMappings& cards, const ShowSetup& setup)
     : m_runtime(runtime), m_settings(settings), m_cards(cards), m_show(setup.show),
       m_machine(setup.machine), m_machines(prefixOf(setup.show)),
-      m_link(new ShowLink(setup.servers, prefixOf(setup.show), setup.machine))
+      m_link(new ShowLink(setup.servers, prefixOf(setup.show), setup.machine)),
+      m_toLink(new WorkQueue(m_link))
 {
     m_self.name = setup.name;
     m_self.version = QCoreApplication::applicationVersion();
     m_state.server = setup.servers.hosts.front();
     m_state.since = QDateTime::currentDateTimeUtc();
     SharedSettings::Listener listener;
-    listener.send = [link = m_link](const std::vector<SentChange>& batch) {
-        QMetaObject::invokeMethod(
-            link, [link, batch] { link->send(batch); }, Qt::QueuedConnection);
+    listener.send = [this](const std::vector<SentChange>& batch) {
+        toLink([link = m_link, batch] { link->send(batch); });
     };
     listener.waiting = [this](int changes) {
         toGui([this, changes] {
@@ -60,9 +60,8 @@ Synchroniser::Synchroniser(RuntimeThread& runtime, SharedSettings& settings,
     listener.shortcutsChanged = [this](const SharedSettings::Texts& changes) {
         toGui([this, changes] { emit shortcutsChanged(changes); });
     };
-    listener.failed = [this, link = m_link](const QString& reason) {
-        QMetaObject::invokeMethod(
-            link, [link, reason] { link->readAgain(reason); }, Qt::QueuedConnection);
+    listener.failed = [this](const QString& reason) {
+        toLink([link = m_link, reason] { link->readAgain(reason); });
         toGui([this, reason] { emit failed(reason); });
     };
     m_runtime.call([this, &listener] { m_settings.setListener(std::move(listener)); });
@@ -74,21 +73,22 @@ Synchroniser::Synchroniser(RuntimeThread& runtime, SharedSettings& settings,
 /// order.
 void Synchroniser::connectLink()
 {
+    const QByteArray prefix = prefixOf(m_show);
     const auto toRuntime = [this](auto work) {
         m_runtime.post(std::move(work), __FILE__, __LINE__, "Synchroniser");
     };
     m_link->moveToThread(&m_thread);
     connect(&m_thread, &QThread::started, m_link, &ShowLink::start);
     connect(&m_thread, &QThread::finished, m_link, &QObject::deleteLater);
-    connect(m_link, &ShowLink::pageRead, m_link, [this, toRuntime](const auto& page) {
+    connect(m_link, &ShowLink::pageRead, m_link, [this, toRuntime, prefix](const auto& page) {
         toRuntime([this, page] { m_settings.takePage(page); });
-        const SharedSettings::Page ofMachines{m_machines.ownOf(page.values), page.isFirst,
+        const SharedSettings::Page ofMachines{Machines::ownOf(prefix, page.values), page.isFirst,
                                               page.isLast};
         toGui([this, ofMachines] { takeMachines(ofMachines, true); });
     });
-    connect(m_link, &ShowLink::changed, m_link, [this, toRuntime](const auto& values) {
+    connect(m_link, &ShowLink::changed, m_link, [this, toRuntime, prefix](const auto& values) {
         toRuntime([this, values] { m_settings.takeChanges(values); });
-        const SharedSettings::Page ofMachines{m_machines.ownOf(values)};
+        const SharedSettings::Page ofMachines{Machines::ownOf(prefix, values)};
         if (!ofMachines.values.empty()) {
             toGui([this, ofMachines] { takeMachines(ofMachines, false); });
         }
@@ -133,7 +133,7 @@ Synchroniser::~Synchroniser()
 
 void Synchroniser::reconnect()
 {
-    QMetaObject::invokeMethod(m_link, &ShowLink::reconnect, Qt::QueuedConnection);
+    toLink([link = m_link] { link->reconnect(); });
 }
 
 QByteArray Synchroniser::prefixOf(const QString& show)
@@ -150,9 +150,7 @@ void Synchroniser::setSoundCards(const std::vector<mivo::settings::STSoundCardIn
 void Synchroniser::describe()
 {
     m_self.address = ownAddress(); // which changes while the program runs
-    QMetaObject::invokeMethod(
-        m_link, [link = m_link, record = m_self.toJson()] { link->describe(record); },
-        Qt::QueuedConnection);
+    toLink([link = m_link, record = m_self.toJson()] { link->describe(record); });
 }
 
 void Synchroniser::takeMachines(const SharedSettings::Page& page, bool isAll)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/workqueue.h"
 #include "cluster/etcdclient.h"
 #include "cluster/machines.h"
 #include "cluster/sharedsettings.h"
@@ -8,6 +9,7 @@
 #include <QtCore/QObject>
 #include <QtCore/QThread>
 
+#include <functional>
 #include <utility>
 
 namespace mivohost {
@@ -84,11 +86,8 @@ signals:
     void failed(const QString& reason);
 
 private:
-    template <typename Work>
-    void toGui(Work work)
-    {
-        QMetaObject::invokeMethod(this, std::move(work), Qt::QueuedConnection);
-    }
+    void toGui(std::function<void()> work) { m_toGui.post(std::move(work)); }
+    void toLink(std::function<void()> work) { m_toLink->post(std::move(work)); }
     void connectLink();
     /// Has the others know what this machine is now.
     void describe();
@@ -105,7 +104,9 @@ private:
     std::map<QString, Machine> m_told; // as the mappings know them
     State m_state;
     QThread m_thread;
-    ShowLink* m_link; // lives on m_thread, and goes with it
+    ShowLink* m_link;    // lives on m_thread, and goes with it
+    WorkQueue* m_toLink; // goes with the link
+    WorkQueue m_toGui;
 };
 
 } // namespace mivohost

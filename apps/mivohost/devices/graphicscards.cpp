@@ -1,6 +1,7 @@
 #include "devices/graphicscards.h"
 
 #include "base/hostlog.h"
+#include "devices/listerprocess.h"
 #include "mivohostkit/runtimethread.h"
 
 #include <QtCore/QJsonArray>
@@ -14,8 +15,7 @@
 #include <vulkan/vulkan.h>
 
 #include <algorithm>
-#include <cstddef>
-#include <cstdio>
+#include <memory>
 #include <utility>
 
 namespace mivohost {
@@ -122,40 +122,36 @@ int listGraphicsCards()
         names.append(QString::fromStdString(name));
     }
     const QJsonObject cards{{namesKey, names}, {inUseKey, QString::fromStdString(list.inUse)}};
-    const QByteArray line = QJsonDocument(cards).toJson(QJsonDocument::Compact) + '\n';
-    const auto size = static_cast<std::size_t>(line.size());
-    return std::fwrite(line.constData(), 1, size, stdout) == size && std::fflush(stdout) == 0 ? 0
-                                                                                              : 1;
+    return writeLine(QJsonDocument(cards).toJson(QJsonDocument::Compact) + '\n');
 }
 
 GraphicsCardList listedGraphicsCards(const QString& program, const QStringList& arguments,
                                      const std::atomic<bool>& isWanted, int longest)
 {
     constexpr int look = 100; // milliseconds
-    QProcess process;
-    process.setStandardInputFile(QProcess::nullDevice());
-    process.setStandardErrorFile(QProcess::nullDevice()); // drivers are talkative
-    process.start(program, arguments, QIODevice::ReadOnly);
-    for (int waited = 0; isWanted && waited < longest && !process.waitForFinished(look);
+    auto process = std::make_unique<QProcess>();
+    process->setStandardInputFile(QProcess::nullDevice());
+    process->setStandardErrorFile(QProcess::nullDevice()); // drivers are talkative
+    process->start(program, arguments, QIODevice::ReadOnly);
+    for (int waited = 0; isWanted && waited < longest && !process->waitForFinished(look);
          waited += look) {
-        if (process.state() == QProcess::NotRunning) {
+        if (process->state() == QProcess::NotRunning) {
             break; // it could not be started
         }
     }
-    if (process.state() != QProcess::NotRunning) {
-        process.kill();
-        process.waitForFinished(look);
-    }
+    const QByteArray listed = process->readAllStandardOutput();
+    const std::string failure = process->errorString().toStdString();
+    endLister(process);
     if (!isWanted) {
         return {};
     }
-    const QJsonObject cards = QJsonDocument::fromJson(process.readAllStandardOutput()).object();
+    const QJsonObject cards = QJsonDocument::fromJson(listed).object();
     GraphicsCardList list;
     for (const auto& name : cards.value(namesKey).toArray()) {
         list.names.push_back(name.toString().toStdString());
     }
     if (list.names.empty()) {
-        hostLog()->warn("no list of graphics cards: {}", process.errorString().toStdString());
+        hostLog()->warn("no list of graphics cards: {}", failure);
         return systemGraphicsCards();
     }
     list.inUse = cards.value(inUseKey).toString().toStdString();

@@ -41,7 +41,7 @@ int listGraphicsCards();
 
 /// What such a process lists, or the system where that fails, lists nothing or takes longer than
 /// `longest` milliseconds. Nothing once `isWanted` is no longer set. Any thread; waits for the
-/// process.
+/// process, and up to a second for its end.
 GraphicsCardList listedGraphicsCards(const QString& program, const QStringList& arguments,
                                      const std::atomic<bool>& isWanted, int longest = 20000);
 

@@ -1,5 +1,7 @@
 #include "devices/soundcardlister.h"
 
+#include "devices/listerprocess.h"
+
 #include <QtCore/QByteArray>
 #include <QtCore/QCoreApplication>
 #include <QtCore/QJsonArray>
@@ -9,7 +11,6 @@
 #include <QtMultimedia/QAudioDeviceInfo>
 
 #include <algorithm>
-#include <cstdio>
 #include <functional>
 #include <iterator>
 
@@ -95,12 +96,9 @@ int listSoundCards(int looks, int interval)
 {
     QTimer timer;
     QObject::connect(&timer, &QTimer::timeout, [&timer, &looks, interval] {
-        const QByteArray line = toLine(look());
-        const bool isWritten =
-            std::fwrite(line.constData(), static_cast<std::size_t>(line.size()), 1, stdout) == 1
-            && std::fflush(stdout) == 0;
-        if (!isWritten || --looks <= 0) {
-            QCoreApplication::exit(isWritten ? 0 : 1);
+        const int code = writeLine(toLine(look()));
+        if (code != 0 || --looks <= 0) {
+            QCoreApplication::exit(code);
         }
         timer.setInterval(interval);
     });

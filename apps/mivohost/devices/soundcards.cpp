@@ -1,6 +1,7 @@
 #include "devices/soundcards.h"
 
 #include "base/hostlog.h"
+#include "devices/listerprocess.h"
 #include "devices/soundcardlister.h"
 
 #include <algorithm>
@@ -55,44 +56,43 @@ std::string soundCardCaption(const std::string& name)
 
 SoundCards::SoundCards(Lister lister) : m_lister(std::move(lister))
 {
-    m_process.setStandardInputFile(QProcess::nullDevice());
-    m_process.setStandardErrorFile(QProcess::nullDevice()); // ALSA is talkative
+    m_process->setStandardInputFile(QProcess::nullDevice());
+    m_process->setStandardErrorFile(QProcess::nullDevice()); // ALSA is talkative
     m_timer.setSingleShot(true);
-    connect(&m_process, &QProcess::readyReadStandardOutput, this, &SoundCards::read);
-    connect(&m_process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this,
+    connect(m_process.get(), &QProcess::readyReadStandardOutput, this, &SoundCards::read);
+    connect(m_process.get(), qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this,
             [this](int code, QProcess::ExitStatus status) {
                 read();
                 restart(code != 0 || status != QProcess::NormalExit || !m_hasReported,
                         QStringLiteral("exit code %1").arg(code));
             });
-    connect(&m_process, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
+    connect(m_process.get(), &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
         if (error == QProcess::FailedToStart) {
-            restart(true, m_process.errorString());
+            restart(true, m_process->errorString());
         }
     });
     connect(&m_timer, &QTimer::timeout, this,
-            [this] { m_process.state() == QProcess::NotRunning ? start() : m_process.kill(); });
+            [this] { m_process->state() == QProcess::NotRunning ? start() : m_process->kill(); });
     m_timer.start(0); // behind the first frame, with which it would share the processor
 }
 
 SoundCards::~SoundCards()
 {
-    m_process.disconnect(this);
-    m_process.kill();
-    m_process.waitForFinished();
+    m_process->disconnect(this);
+    endLister(m_process);
 }
 
 void SoundCards::start()
 {
     m_hasReported = false;
     m_timer.start(m_lister.longestSilence);
-    m_process.start(m_lister.program, m_lister.arguments, QIODevice::ReadOnly);
+    m_process->start(m_lister.program, m_lister.arguments, QIODevice::ReadOnly);
 }
 
 void SoundCards::read()
 {
-    while (m_process.canReadLine()) {
-        if (auto listed = fromLine(m_process.readLine())) {
+    while (m_process->canReadLine()) {
+        if (auto listed = fromLine(m_process->readLine())) {
             m_hasReported = true;
             m_isWarned = false;
             m_timer.start(m_lister.longestSilence);

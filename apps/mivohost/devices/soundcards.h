@@ -8,6 +8,7 @@
 #include <QtCore/QStringList>
 #include <QtCore/QTimer>
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -21,7 +22,7 @@ std::string soundCardCaption(const std::string& name);
 /// The sound cards of this machine, as a separate process lists them at intervals: see
 /// listSoundCards(). The process is started again when it ends, fails or is silent for too long;
 /// until it reports something else, the cards stay as they were. GUI thread; only the destructor
-/// blocks, until the process, which it kills, has ended.
+/// blocks, up to a second, until the process, which it kills, has ended.
 ///
 /// A card that is plugged in or out is noticed within some three seconds. When the sound server is
 /// restarted, its cards stay if it is back within that time; else they disappear, and come back,
@@ -55,7 +56,7 @@ private:
     void take(std::vector<ListedCard> listed);
 
     const Lister m_lister;
-    QProcess m_process;
+    std::unique_ptr<QProcess> m_process = std::make_unique<QProcess>();
     QTimer m_timer; // ends a process that is silent too long, and the pause before the next start
     bool m_hasReported = false;
     bool m_isWarned = false;

@@ -26,7 +26,7 @@ ProjectFile::ProjectFile(RuntimeThread& runtime, SettingsStore& store, PathObser
                 QMetaObject::invokeMethod(
                     this,
                     [this] {
-                        if (!m_state.file.isEmpty() && !(m_requests.isWaiting() && m_isSaving)) {
+                        if (!m_state.file.isEmpty() && !m_requests.isSaving()) {
                             save();
                         }
                     },
@@ -121,10 +121,7 @@ void ProjectFile::run(const QString& path, bool saves, const Done& done, Work wo
                 this, [done] { done(false); }, Qt::QueuedConnection);
         }
     };
-    if (!m_requests.isWaiting()) {
-        m_isSaving = saves;
-    }
-    m_requests.start({path, saves ? "SavingProject" : "OpeningProject", giveUp}, std::move(work),
+    m_requests.start({path, saves, giveUp}, std::move(work),
                      [done, finish](auto result, bool isWaitedFor) {
                          const bool isDone = finish(std::move(result), isWaitedFor);
                          if (isWaitedFor && done) {

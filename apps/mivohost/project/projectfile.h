@@ -136,7 +136,6 @@ private:
     SettingsStore& m_store;
     PathObserver m_observer;
     FileRequests m_requests{m_observer};
-    bool m_isSaving = false; // while a file is waited for: whether it is being saved
     std::shared_ptr<ProgramDispatch> m_dispatch;
     ProgramDispatch::State m_state;
     std::unique_ptr<AutoSave> m_autoSave;

@@ -6,7 +6,8 @@
 namespace mivohost {
 
 /// Asks for one file to be opened or written, of a kind of files that has this suffix; empty when
-/// none is chosen. The texts are shown as they are. GUI thread.
+/// none is chosen. Begins in `folder`, or else in that of the last file that was chosen. The texts
+/// are shown as they are. GUI thread.
 QString askForFile(QWidget* parent, QFileDialog::AcceptMode mode, const QString& title,
                    const QString& kind, const QString& suffix, const QString& folder = {},
                    const QString& name = {});

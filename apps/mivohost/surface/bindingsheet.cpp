@@ -17,6 +17,8 @@
 #include <QtWidgets/QTableView>
 #include <QtWidgets/QVBoxLayout>
 
+#include <mutex>
+
 namespace mivohost {
 
 using mivo::settings::ShortCutMgr;
@@ -28,10 +30,17 @@ const QString pdfSuffix = QStringLiteral("pdf");
 
 } // namespace
 
+struct BindingSheet::Layout
+{
+    std::mutex mutex; // held while something is laid out
+    bool isOver = false;
+};
+
 BindingSheet::BindingSheet(const ShortCutMgr& manager, Peripherals& peripherals, QWidget* parent)
-    : QDialog(parent), m_manager(manager), m_peripherals(peripherals), m_view(new QTableView),
-      m_text(new QLineEdit), m_pdf(new QPushButton), m_html(new QPushButton),
-      m_waiting(new WaitingLine(m_requests)), m_state(new QLabel)
+    : QDialog(parent), m_manager(manager), m_peripherals(peripherals),
+      m_layout(std::make_shared<Layout>()), m_view(new QTableView), m_text(new QLineEdit),
+      m_pdf(new QPushButton), m_html(new QPushButton), m_waiting(new WaitingLine(m_requests)),
+      m_state(new QLabel)
 {
     setObjectName(QStringLiteral("bindingSheet"));
     m_filter.setSourceModel(&m_model);
@@ -74,6 +83,13 @@ BindingSheet::BindingSheet(const ShortCutMgr& manager, Peripherals& peripherals,
     connect(m_html, &QPushButton::clicked, this, [this] { askAndSave(htmlSuffix); });
     connect(&manager, &ShortCutMgr::signalShortCutSave, this, &BindingSheet::refill);
     connect(&manager, &ShortCutMgr::signalUpdateClearPeripheralsState, this, &BindingSheet::refill);
+}
+
+BindingSheet::~BindingSheet()
+{
+    // A layout is waited for: it uses fonts, which go with the application. The file is not.
+    const std::lock_guard lock(m_layout->mutex);
+    m_layout->isOver = true;
 }
 
 void BindingSheet::openWindow()
@@ -128,7 +144,6 @@ void BindingSheet::saveTo(const QString& path)
     const QString html = bindingsHtml(m_filter);
     const bool isHtml =
         QFileInfo(path).suffix().startsWith(QLatin1String("htm"), Qt::CaseInsensitive);
-    const QByteArray content = isHtml ? html.toUtf8() : pdfOf(html);
     const QString shown = QDir::toNativeSeparators(path);
     const auto fail = [this, path](const QString& reason) {
         const QString problem = fileProblem(path, reason);
@@ -136,8 +151,19 @@ void BindingSheet::saveTo(const QString& path)
         emit failed(QStringLiteral("ShortcutsNotExported"), problem);
     };
     m_requests.start(
-        {path, QStringLiteral("SavingProject"), fail},
-        [path, text = content.toStdString()] { return saveFile(path, text); },
+        {path, true, fail},
+        [path, html, isHtml, title = hostText("BindingSheet"), layout = m_layout] {
+            if (isHtml) {
+                return saveFile(path, html.toStdString());
+            }
+            std::unique_lock lock(layout->mutex);
+            if (layout->isOver) {
+                return QStringLiteral("no answer");
+            }
+            const std::string pdf = pdfOf(html, title).toStdString();
+            lock.unlock();
+            return saveFile(path, pdf);
+        },
         [this, fail, shown](const QString& error, bool isWaitedFor) {
             if (error.isEmpty()) {
                 showState(hostText("SheetSaved").arg(shown));

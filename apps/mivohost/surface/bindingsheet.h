@@ -5,6 +5,8 @@
 
 #include <QtWidgets/QDialog>
 
+#include <memory>
+
 class QLabel;
 class QLineEdit;
 class QPushButton;
@@ -23,6 +25,7 @@ class BindingSheet : public QDialog
 public:
     BindingSheet(const mivo::settings::ShortCutMgr& manager, Peripherals& peripherals,
                  QWidget* parent = nullptr);
+    ~BindingSheet() override;
 
     /// Shows the window, or brings it to the front.
     void openWindow();
@@ -31,12 +34,15 @@ public:
     /// Writes what is shown to a file that the user chose, as HTML or else as PDF. It may lie on a
     /// drive that does not answer: what is not waited for any more is told as a failure.
     void saveTo(const QString& path);
+    FileRequests& requests() { return m_requests; }
 
 signals:
     /// A text's key and what is put into it, as MainWindow::showNotice().
     void failed(const QString& key, const QString& argument);
 
 private:
+    struct Layout;
+
     void refill();
     void askAndSave(const QString& suffix);
     void showState(const QString& state);
@@ -46,6 +52,7 @@ private:
     BindingsModel m_model;
     BindingsFilter m_filter;
     FileRequests m_requests;
+    std::shared_ptr<Layout> m_layout; // the threads that make a PDF have it, too
     QTableView* m_view;
     QLineEdit* m_text;
     QPushButton* m_pdf;

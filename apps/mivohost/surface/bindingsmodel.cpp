@@ -9,6 +9,7 @@
 
 #include <QtCore/QBuffer>
 #include <QtCore/QDateTime>
+#include <QtCore/QEventLoop>
 #include <QtCore/QLocale>
 #include <QtCore/QStringList>
 #include <QtGui/QIcon>
@@ -207,15 +208,16 @@ QString bindingsHtml(const QAbstractItemModel& model)
     return html + QStringLiteral("</table></body></html>\n");
 }
 
-QByteArray pdfOf(const QString& html)
+QByteArray pdfOf(const QString& html, const QString& title)
 {
+    const QEventLoop timers; // which a layout starts, on any thread
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
     {
         QPdfWriter writer(&buffer);
         writer.setPageLayout(QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Portrait,
                                          QMarginsF(12, 12, 12, 12), QPageLayout::Millimeter));
-        writer.setTitle(hostText("BindingSheet"));
+        writer.setTitle(title);
         QTextDocument document;
         document.setDefaultFont(QFont(QStringLiteral("Noto Sans"), 8));
         document.setHtml(html);

@@ -82,7 +82,7 @@ private:
 /// A page with the rows of such a model, as it is sorted and filtered.
 QString bindingsHtml(const QAbstractItemModel& model);
 
-/// A page as PDF, on A4.
-QByteArray pdfOf(const QString& html);
+/// A page as PDF, on A4. Any thread, while there is the application.
+QByteArray pdfOf(const QString& html, const QString& title);
 
 } // namespace mivohost

@@ -20,7 +20,7 @@ void BindingsTransfer::exportTo(const QString& path)
         emit failed(QStringLiteral("ShortcutsNotExported"), fileProblem(path, reason));
     };
     m_requests.start(
-        {path, QStringLiteral("SavingProject"), fail},
+        {path, true, fail},
         [path, content = exportedBindings(m_manager, m_peripherals)] {
             return saveFile(path, content);
         },
@@ -39,8 +39,7 @@ void BindingsTransfer::importFrom(const QString& path)
         emit failed(QStringLiteral("ShortcutsNotImported"), reason);
     };
     m_requests.start(
-        {path, QStringLiteral("OpeningProject"), fail},
-        [path] { return readFile(path, mostBytes); },
+        {path, false, fail}, [path] { return readFile(path, mostBytes); },
         [this, fail](const FileContent& file, bool isWaitedFor) {
             if (!isWaitedFor) {
                 return;

@@ -7,11 +7,13 @@
 #include "peripherals/peripherals.h"
 #include "project/projectfile.h"
 #include "surface/actionpanel.h"
+#include "surface/actiontools.h"
+#include "surface/bindingsheet.h"
 #include "surface/buttontext.h"
+#include "surface/filewaits.h"
 #include "surface/messagepanel.h"
 #include "surface/programlist.h"
 #include "surface/settingstexts.h"
-#include "surface/waitingline.h"
 #include "system/tray.h"
 
 #include <mivosettingswidgets/settingsdialog.h>
@@ -38,9 +40,8 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
       m_title(new QLabel), m_notice(new AlertLabel), m_dismiss(new QPushButton),
       m_settingsButton(new mivo::widgets::PushButton), m_languageLabel(new QLabel),
       m_language(new QComboBox), m_actionPanel(new ActionPanel(peripherals)),
-      m_waiting({new WaitingLine(project.requests()),
-                 new WaitingLine(m_actionPanel->transfer().requests()),
-                 new WaitingLine(m_transfer.requests())}),
+      m_waits(new FileWaits({&project.requests(), &m_actionPanel->transfer().requests(),
+                             &m_transfer.requests(), &m_actionPanel->tools().sheet().requests()})),
       m_programsLabel(new QLabel), m_programs(new ProgramList), m_playing(new QLabel),
       m_logLabel(new QLabel), m_log(new QPlainTextEdit),
       m_messagePanel(new MessagePanel(m_messages))
@@ -96,9 +97,7 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
     noticeRow->addWidget(m_notice, 1);
     noticeRow->addWidget(m_dismiss);
     column->addLayout(noticeRow);
-    for (WaitingLine* line : m_waiting) {
-        column->addWidget(line);
-    }
+    column->addLayout(m_waits);
     column->addLayout(row);
     columns->addWidget(m_messagePanel, 0, 2, 3, 1);
     columns->setColumnStretch(2, 3);
@@ -114,6 +113,7 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
     connect(m_dismiss, &QPushButton::clicked, m_dismiss, &QWidget::hide);
     connect(m_settingsButton, &QPushButton::clicked, this, &MainWindow::openSettings);
     connect(m_language, qOverload<int>(&QComboBox::activated), this, &MainWindow::chooseLanguage);
+    connect(m_waits, &FileWaits::saved, this, &MainWindow::quit);
     connect(m_actionPanel, &ActionPanel::failed, this, &MainWindow::showNotice);
     connect(m_actionPanel, &ActionPanel::told, this,
             [this](const QString& key) { post(velorn::msgcenter::MsgInformation, hostText(key)); });
@@ -213,6 +213,7 @@ void MainWindow::switchLanguage(const QString& language)
 
 void MainWindow::showNotice(const QString& key, const QString& argument)
 {
+    m_waits->callOffClose();
     m_noticeKey = key;
     m_noticeArgument = argument;
     showNoticeText();
@@ -232,11 +233,16 @@ void MainWindow::closeEvent(QCloseEvent* event)
         return std::pair(m_store.getAutoStartSettings(), m_store.getProjectFileSettings());
     });
     const bool hides = !m_quitting && start.closeSoftWareMinimize && m_tray && m_tray->isThere();
+    event->ignore();
+    if (!hides && m_waits->holdUpClose()) {
+        bringToFront(); // where the wait is shown
+        return;
+    }
     if (!hides && !files.notPromptForSave && !std::exchange(m_projectLeft, false)) {
-        event->ignore();
         m_menu.leaveProject([this] {
             m_project.discardChanges();
             m_projectLeft = true;
+            m_waits->callOffClose(); // it comes now
             QMetaObject::invokeMethod(this, &MainWindow::quit, Qt::QueuedConnection);
         });
         return;
@@ -248,7 +254,6 @@ void MainWindow::closeEvent(QCloseEvent* event)
         m_settings->dialog().close();
     }
     if (hides) {
-        event->ignore();
         hide();
         hostLog()->info("main window hidden to the tray");
         return;
@@ -270,9 +275,7 @@ void MainWindow::setTexts()
     m_title->setText(hostText("Title"));
     setButtonText(*m_settingsButton, hostText("Settings"));
     m_dismiss->setText(hostText("Dismiss"));
-    for (WaitingLine* line : m_waiting) {
-        line->setTexts();
-    }
+    m_waits->setTexts();
     m_languageLabel->setText(hostText("Language"));
     m_actionPanel->setTexts();
     m_programsLabel->setText(hostText("Programs"));

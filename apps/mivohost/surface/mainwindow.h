@@ -23,6 +23,7 @@ class AlertLabel;
 namespace mivohost {
 
 class ActionPanel;
+class FileWaits;
 class MessagePanel;
 class Peripherals;
 class ProgramList;
@@ -30,7 +31,6 @@ class ProjectFile;
 class RuntimeThread;
 class SettingsStore;
 class Tray;
-class WaitingLine;
 
 /// The host's main window: the project and its programs, the settings, the language, the log. GUI
 /// thread; all that it is given must outlive it.
@@ -57,7 +57,8 @@ public:
     /// From now on with an icon in the system's tray, to which closing may hide the window.
     void showTray();
 
-    /// Closes the window for good, unless the user wants to save first and does not.
+    /// Closes the window for good, unless the user wants to save first and does not. While a file
+    /// is being saved, once that is done; not when it fails, which the operator is to see.
     void quit();
 
     /// Switches every text of the program.
@@ -101,7 +102,7 @@ private:
     QLabel* m_languageLabel;
     QComboBox* m_language;
     ActionPanel* m_actionPanel;
-    std::vector<WaitingLine*> m_waiting; // for files
+    FileWaits* m_waits;
     QLabel* m_programsLabel;
     ProgramList* m_programs;
     QLabel* m_playing;

@@ -120,7 +120,7 @@ void SettingsTransfer::exportTo(const QString& path, const std::set<Section>& se
         emit failed(QStringLiteral("SettingsNotExported"), fileProblem(path, reason));
     };
     m_requests.start(
-        {path, QStringLiteral("SavingProject"), fail}, [path, content = m_runtime.call([&] {
+        {path, true, fail}, [path, content = m_runtime.call([&] {
             return SettingsFile::write(m_store, sections);
         })] { return saveFile(path, content); },
         [this, shown, fail](const QString& error, bool isWaitedFor) {
@@ -146,7 +146,7 @@ void SettingsTransfer::keepAll(
         kept({}, reasonText(fileProblem(path, reason)));
     };
     m_requests.start(
-        {path, QStringLiteral("SavingProject"), fail}, [path, content = m_runtime.call([&] {
+        {path, true, fail}, [path, content = m_runtime.call([&] {
             const auto all = SettingsFile::sections();
             return SettingsFile::write(m_store, {all.begin(), all.end()});
         })] { return keep(path, content); },
@@ -178,7 +178,7 @@ void SettingsTransfer::importFrom(const QString& path)
         SettingsFile file;
     };
     m_requests.start(
-        {path, QStringLiteral("OpeningProject"), fail},
+        {path, false, fail},
         [path] {
             const FileContent content = readFile(path, SettingsFile::mostBytes);
             return content.error.isEmpty() ? Read{{}, SettingsFile::read(content.bytes)}

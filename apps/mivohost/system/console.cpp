@@ -1,12 +1,14 @@
 #include "system/console.h"
 
 #include "base/exitcode.h"
+#include "base/hostlog.h"
 #include "devices/clustersimulator.h"
 
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QCoreApplication>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
 
 namespace mivohost {
@@ -17,7 +19,14 @@ QtMessageHandler defaultHandler = nullptr;
 
 void printQtMessage(QtMsgType type, const QMessageLogContext& context, const QString& text)
 {
-    if (!text.startsWith(QLatin1String("This plugin does not support "))) {
+    if (text.startsWith(QLatin1String("This plugin does not support "))) {
+        return;
+    }
+    const auto level = type == QtDebugMsg || type == QtInfoMsg ? spdlog::level::info
+                       : type == QtWarningMsg                  ? spdlog::level::warn
+                                                               : spdlog::level::err;
+    // After a fatal one the program ends without further ado.
+    if (type == QtFatalMsg || !logToConsole(level, qFormatLogMessage(type, context, text))) {
         defaultHandler(type, context, text);
     }
 }
@@ -40,7 +49,14 @@ const QStringList& commandOptions()
     return options;
 }
 
-void dropIdleMessages()
+#ifdef Q_OS_UNIX
+void useConsole()
+{
+    std::signal(SIGPIPE, SIG_IGN);
+}
+#endif
+
+void takeQtMessages()
 {
     defaultHandler = qInstallMessageHandler(printQtMessage);
 }

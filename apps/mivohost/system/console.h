@@ -9,12 +9,9 @@ class QCommandLineParser;
 namespace mivohost {
 
 /// A program with windows gets no console on Windows: what it prints is to be seen in the one from
-/// which it was started, if any, unless it goes elsewhere. At the start of the program.
-#ifdef Q_OS_WIN
+/// which it was started, if any, unless it goes elsewhere. Elsewhere, a reader of what it prints
+/// that goes does not end the program. At the start of the program.
 void useConsole();
-#else
-inline void useConsole() {}
-#endif
 
 /// On Windows, no box of the system asks for a disk that is not in its drive, over all windows,
 /// while who looked for a file waits: that just fails. Before all else.
@@ -24,9 +21,10 @@ void useNoSystemBoxes();
 inline void useNoSystemBoxes() {}
 #endif
 
-/// From now on Qt's messages on what a screen without a window manager cannot do are not printed:
-/// they come for each window, and nobody can do anything about it.
-void dropIdleMessages();
+/// From now on Qt's messages go the way of the log's lines for the console, without those on what a
+/// screen without a window manager cannot do: these come for each window, and nobody can do
+/// anything about it.
+void takeQtMessages();
 
 /// The options that let the program do something without a window, then end. One at a time.
 const QStringList& commandOptions();

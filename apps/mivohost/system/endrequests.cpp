@@ -19,7 +19,7 @@ void atExit()
 {
     if (alive != nullptr) {
         emit alive->requested();
-        hostLog()->flush();
+        finishLog();
         std::_Exit(EXIT_FAILURE); // other threads still use what exit() destroys next
     }
 }

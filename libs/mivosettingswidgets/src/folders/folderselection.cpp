@@ -46,11 +46,9 @@ QString textOf(const char* key)
 }
 
 /// Closes the dialog when the page is destroyed.
-void closeWith(const QPointer<QWidget>& page, QDialog& dialog)
+void closeWith(const QWidget* page, QDialog& dialog)
 {
-    if (page) {
-        QObject::connect(page, &QObject::destroyed, &dialog, &QDialog::reject);
-    }
+    QObject::connect(page, &QObject::destroyed, &dialog, &QDialog::reject);
 }
 
 } // namespace
@@ -169,6 +167,9 @@ bool FolderSelection::mayBeUsed(const QString& folder) const
 void showTip(const QPointer<QWidget>& page, const QString& text, int kind,
              const QString& assistText)
 {
+    if (!page) {
+        return;
+    }
     TipDialog dialog;
     dialog.setTipKind(kind);
     dialog.setTipText(text);

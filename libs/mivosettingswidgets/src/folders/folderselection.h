@@ -63,7 +63,7 @@ private:
 };
 
 /// Shows a modal tip: an information (0) or a warning (2), with a smaller text below. It is closed
-/// when the page is destroyed; a null page counts as destroyed.
+/// when the page is destroyed, and not shown where it has been.
 void showTip(const QPointer<QWidget>& page, const QString& text, int kind,
              const QString& assistText = {});
 
