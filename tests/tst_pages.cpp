@@ -28,9 +28,8 @@ std::pair<int, int> limitsOf(QWidget* control)
     return {control->property("minimum").toInt(), control->property("maximum").toInt()};
 }
 
-class Pages : public PageTest<SettingPage>, public ::testing::WithParamInterface<PageCase>
+struct Pages : PageTest<SettingPage>, ::testing::WithParamInterface<PageCase>
 {
-protected:
     Pages() : PageTest(make())
     {
         for (const ControlCase& control : controls) {
@@ -374,7 +373,7 @@ TEST_P(Pages, HaveRoomForTheirTextsWithoutAStyleSheetInAnyFont)
     }
 }
 
-TEST_P(Pages, TheWheelOverAControlWithoutFocusChangesNothing)
+TEST_P(Pages, TheWheelOverAControlIsThePagesUntilThatHasTheFocus)
 {
     show();
     bind();
@@ -383,10 +382,16 @@ TEST_P(Pages, TheWheelOverAControlWithoutFocusChangesNothing)
         runtime.takePosted();
         const QVariant before = shownBy(control);
         turnWheel(control); // which may give it the focus, for the next turn
-        turnWheel(control);
+        const bool isUsed = turnWheel(control);
         EXPECT_EQ(shownBy(control), before) << control->metaObject()->className();
         EXPECT_EQ(control->hasFocus(), control->focusPolicy() == Qt::WheelFocus);
         EXPECT_TRUE(runtime.takePosted().empty());
+        auto* box = qobject_cast<mivo::widgets::SpinEditBox*>(control);
+        if (box != nullptr && box->isEnabled() && box->value() < box->maximum()) {
+            box->setFocus();
+            EXPECT_TRUE(!isUsed && turnWheel(box));
+            EXPECT_GT(box->value(), before.toDouble());
+        }
     }
 }
 

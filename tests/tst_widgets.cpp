@@ -7,20 +7,6 @@ namespace widgetstest {
 
 using namespace mivo::widgets;
 
-TEST(SpinEditBox, TheWheelIsThePagesUntilTheBoxHasTheFocus)
-{
-    QWidget page;
-    auto* edit = new SpinEditBox(&page);
-    auto* other = new SpinEditBox(&page);
-    edit->setValue(50);
-    activateWindow(&page);
-    for (QWidget* focused : {other, edit}) {
-        focused->setFocus();
-        EXPECT_EQ(turnWheel(edit), focused == edit);
-        EXPECT_EQ(edit->value(), focused == edit ? 51 : 50);
-    }
-}
-
 TEST(TipDialog, ReturnsThePressedButtonAndReturnAloneDoesNoHarm)
 {
     for (const auto& [withCancel, key, result] :
