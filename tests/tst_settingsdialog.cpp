@@ -161,9 +161,10 @@ TEST_F(BoundDialog, IsWalkedThroughByKeyboardAlone)
                        && (stops.empty() || stops.back() != stop)) {
                 EXPECT_EQ(button, navigation.size() - 1) << "behind the buttons";
                 EXPECT_FALSE(stop->visibleRegion().isEmpty()) << "not scrolled to";
+                const QString name = stop->accessibleName() + stop->property("text").toString();
+                EXPECT_NE(name, "");
                 const QPoint place(stop->mapTo(section->widget(), stop->rect().center()));
-                EXPECT_TRUE(place.y() > last.y() + 12 || place.x() > last.x())
-                    << stop->accessibleName();
+                EXPECT_TRUE(place.y() > last.y() + 12 || place.x() > last.x()) << name;
                 last = place;
                 stops.push_back(stop); // once: a time has several parts
             }

@@ -130,6 +130,22 @@ TEST_F(Store, LeavesUnusableRowsUntilTheyAreSet)
     EXPECT_EQ(store->unusable(), QStringList("autoStart"));
 }
 
+TEST_F(Store, SaysWhichSettingsAreThisMachinesOwn)
+{
+    QStringList own;
+    for (const auto& setting : make()->all()) {
+        if (setting.scope == SettingsStore::Scope::machine) {
+            own.append(setting.name);
+        }
+    }
+    own.sort();
+    EXPECT_EQ(own.join(' '),
+              "autoSavePath autoStart autoStartDelayTime cachePath closeSoftWareMinimize dmx "
+              "dmxBindings graphicsCard language listenAddress midiBindings midiEnabled osc "
+              "playLogPath recentProjectFiles sharePath soundCardMappings tcpPort "
+              "timedAutomaticRestart timedShutdown udpPort unsavedProject");
+}
+
 TEST_F(Store, APortThatFailedCanBeRequestedAgain)
 {
     auto store = make();
