@@ -7,9 +7,8 @@ namespace folderselectiontest {
 
 using namespace mivo::settings;
 
-class FolderChoice : public ::testing::TestWithParam<const FolderRules*>
+struct FolderChoice : ::testing::TestWithParam<const FolderRules*>
 {
-protected:
     FolderChoice()
     {
         for (const char* name : {"current", "chosen", "mobile", "taken", "目录 с пробелом"}) {
@@ -53,34 +52,28 @@ protected:
 
 TEST_P(FolderChoice, EndsAtTheFirstCheckThatFailsWithItsLineAndItsTip)
 {
-    const struct
-    {
-        std::optional<QStringList> selected;
-        const char* projectLine;
-        const char* fileInfoLine; // null: the same
-        const char* projectTip;
-        const char* fileInfoTip;
-    } cases[]{
-        {std::nullopt, "", "", "", ""},
-        {QStringList(), "--ProjectSetting--browse folder is empty!", nullptr, "", ""},
-        {QStringList(path("file")), "--ProjectSetting-- compare last time path is true!",
-         "--ProjectSetting--The selected folder is not a folder!", "", ""},
-        {QStringList(path("current")), "", "--FileInfoSetting-- compare last time path is true!",
-         "", ""},
-        {QStringList(path("mobile")),
-         "--ProjectSetting--The current folder belongs to a mobile device!", nullptr,
-         "MoblieTip||2", "MoblieTips||2"},
-        {QStringList("/proc"), "--ProjectSetting--have no permission to write file!", nullptr,
-         "NoAuthorized||2", "NoPermission||2"},
-        {QStringList(path("taken")), "--ProjectSetting--make next level dir failure!", nullptr,
-         "MakeDirTips||0", "MakeDirTips||0"},
-    };
-    for (const auto& test : cases) {
-        SCOPED_TRACE(test.selected.value_or(QStringList()).join(' ').toStdString());
-        EXPECT_FALSE(select(test.selected));
-        const bool isSame = isProject() || test.fileInfoLine == nullptr;
-        EXPECT_EQ(log.take(), isSame ? test.projectLine : test.fileInfoLine);
-        EXPECT_EQ(watch.tips.join('\n'), isProject() ? test.projectTip : test.fileInfoTip);
+    // What the dialog gives; the lines of the two pages, where the second is null the first; tips.
+    const std::tuple<std::optional<QStringList>, const char*, const char*, const char*, const char*>
+        cases[]{
+            {std::nullopt, "", "", "", ""},
+            {QStringList(), "--ProjectSetting--browse folder is empty!", nullptr, "", ""},
+            {QStringList(path("file")), "--ProjectSetting-- compare last time path is true!",
+             "--ProjectSetting--The selected folder is not a folder!", "", ""},
+            {QStringList(path("current")), "",
+             "--FileInfoSetting-- compare last time path is true!", "", ""},
+            {QStringList(path("mobile")),
+             "--ProjectSetting--The current folder belongs to a mobile device!", nullptr,
+             "MoblieTip||2", "MoblieTips||2"},
+            {QStringList("/proc"), "--ProjectSetting--have no permission to write file!", nullptr,
+             "NoAuthorized||2", "NoPermission||2"},
+            {QStringList(path("taken")), "--ProjectSetting--make next level dir failure!", nullptr,
+             "MakeDirTips||0", "MakeDirTips||0"},
+        };
+    for (const auto& [selected, projectLine, fileInfoLine, projectTip, fileInfoTip] : cases) {
+        SCOPED_TRACE(selected.value_or(QStringList()).join(' ').toStdString());
+        EXPECT_FALSE(select(selected));
+        EXPECT_EQ(log.take(), isProject() || !fileInfoLine ? projectLine : fileInfoLine);
+        EXPECT_EQ(watch.tips.join('\n'), isProject() ? projectTip : fileInfoTip);
     }
     folder = path("mobile");
     EXPECT_FALSE(select(QStringList(folder)));

@@ -10,11 +10,9 @@
 #include "surface/mainwindow.h"
 #include "surface/settingsview.h"
 
-#include "support/hostlanguage.h"
 #include "support/test.h"
 #include "support/uselook.h"
 
-#include <mivosettingswidgets/isettingbox.h>
 #include <mivosettingswidgets/settingsdialog.h>
 #include <mivowidgets/alertlabel.h>
 #include <mivowidgets/colordialog.h>
@@ -44,15 +42,27 @@ double contrast(QRgb one, QRgb other)
     return (lighter + 0.05) / (darker + 0.05);
 }
 
-constexpr QPalette::ColorRole textRoles[]{QPalette::WindowText, QPalette::Text,
-                                          QPalette::ButtonText, QPalette::PlaceholderText,
-                                          QPalette::HighlightedText};
-
-class Contrast : public ::testing::TestWithParam<Look>
+/// The palette with its colours of texts transparent: all, or those that it was given.
+QPalette withoutTexts(QPalette palette, bool all)
 {
-protected:
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText,
+                            QPalette::PlaceholderText, QPalette::HighlightedText}) {
+        if (all || palette.resolve() & (1U << role)) {
+            palette.setColor(role, Qt::transparent);
+        }
+    }
+    return palette;
+}
+
+/// Takes the look away again.
+struct LooksTest : ::testing::Test
+{
+    ~LooksTest() override { useLook(std::nullopt); }
+};
+
+struct Contrast : LooksTest, ::testing::WithParamInterface<Look>
+{
     Contrast() { QApplication::setCursorFlashTime(0); }
-    ~Contrast() override { useLook(std::nullopt); }
 
     /// Shows all that has texts, one after the other, and hands each to look().
     void showAll()
@@ -90,8 +100,7 @@ protected:
         dialog.findChild<QPushButton*>("addMapping")->click();
         const auto buttons = dialog.findChildren<QPushButton*>("putBackSection");
         EXPECT_TRUE(QTest::qWaitFor([&buttons] {
-            return std::any_of(buttons.begin(), buttons.end(),
-                               [](const auto* button) { return !button->isHidden(); });
+            return !std::all_of(buttons.begin(), buttons.end(), std::mem_fn(&QWidget::isHidden));
         })) << "the controls that differ are marked";
         QTest::qWait(500); // free space comes late where there are drives, and moves what is below
         for (auto* label : dialog.findChildren<mivo::widgets::AlertLabel*>()) {
@@ -124,15 +133,8 @@ protected:
     void look(QWidget& window)
     {
         if (isBehind) {
-            const auto widgets = window.findChildren<QWidget*>();
-            for (QWidget* widget : widgets) { // the colours of texts that the look gives them
-                QPalette palette = widget->palette();
-                for (const auto role : textRoles) {
-                    if (palette.resolve() & (1U << role)) {
-                        palette.setColor(role, Qt::transparent);
-                    }
-                }
-                widget->setPalette(palette);
+            for (QWidget* widget : window.findChildren<QWidget*>()) {
+                widget->setPalette(withoutTexts(widget->palette(), false));
             }
         }
         QImage picture;
@@ -197,11 +199,8 @@ TEST_P(Contrast, LetsEveryTextBeRead)
     for (const char* type : {"QDialog", "QMainWindow", "QScrollArea"}) {
         palettes.emplace_back(type, QApplication::palette(type));
     }
-    for (auto& [type, palette] : palettes) {
-        for (const auto role : textRoles) {
-            palette.setColor(role, Qt::transparent);
-        }
-        QApplication::setPalette(palette, type);
+    for (const auto& [type, palette] : palettes) {
+        QApplication::setPalette(withoutTexts(palette, true), type);
     }
     showAll();
     EXPECT_GT(measured, 250);
@@ -216,7 +215,7 @@ QColor pixelOf(QWidget& widget, int x, int y)
     return widget.grab().toImage().pixelColor(x, y);
 }
 
-TEST(Looks, LeaveWhatTheHostSays)
+TEST_F(LooksTest, LeaveWhatTheHostSays)
 {
     useLook(Look::light);
     const QColor wanted("#804020");
@@ -227,18 +226,16 @@ TEST(Looks, LeaveWhatTheHostSays)
     QWidget surface;
     surface.setProperty("style", "BG4");
     QTreeWidget tree; // whose header has rules, which the other sheet does not have
-    for (QWidget* widget :
-         {static_cast<QWidget*>(&label), &surface, static_cast<QWidget*>(&tree)}) {
+    for (QWidget* widget : std::initializer_list<QWidget*>{&label, &surface, &tree}) {
         widget->resize(120, 80);
         widget->show();
     }
     mivo::style::apply(Look::dark, "QWidget[style=\"BG4\"] { background: #804020; }");
     EXPECT_EQ(pixelOf(surface, 5, 5), wanted);
     EXPECT_EQ(label.palette().color(QPalette::WindowText), wanted);
-    useLook(std::nullopt);
 }
 
-TEST(Looks, FollowThePaletteAndTheDirectionUnlessOneIsChosen)
+TEST_F(LooksTest, FollowThePaletteAndTheDirectionUnlessOneIsChosen)
 {
     useLook(std::nullopt);
     QPushButton button("Section");
@@ -287,7 +284,7 @@ TEST(Looks, FollowThePaletteAndTheDirectionUnlessOneIsChosen)
               QApplication::palette().color(QPalette::WindowText));
 }
 
-TEST(Looks, GiveRulesWhenTheyAreNeeded)
+TEST_F(LooksTest, GiveRulesWhenTheyAreNeeded)
 {
     useLook(Look::dark);
     QWidget window;
@@ -306,10 +303,9 @@ TEST(Looks, GiveRulesWhenTheyAreNeeded)
         QTest::qWait(20);
         EXPECT_TRUE(edit->styleSheet().contains("#15181c"));
     }
-    useLook(std::nullopt);
 }
 
-TEST(Looks, LeaveSheetsOfOtherMakersTheLastWord)
+TEST_F(LooksTest, LeaveSheetsOfOtherMakersTheLastWord)
 {
     QWidget page;
     page.setStyleSheet("QPushButton, QPushButton[style=\"assist\"] { background: #804020; }"
@@ -339,7 +335,6 @@ TEST(Looks, LeaveSheetsOfOtherMakersTheLastWord)
         EXPECT_EQ(list.palette().color(QPalette::Base).name(),
                   look == Look::dark ? "#15181c" : "#ffffff");
     }
-    useLook(std::nullopt);
 }
 
 } // namespace lookstest

@@ -1,7 +1,6 @@
 #include "surface/messagecentre.h"
 #include "surface/messagepanel.h"
 
-#include "support/hostlanguage.h"
 #include "support/test.h"
 
 namespace messagecentretest {
@@ -9,9 +8,8 @@ namespace messagecentretest {
 using namespace mivohost;
 using namespace velorn::msgcenter;
 
-class Messages : public ::testing::Test
+struct Messages : ::testing::Test
 {
-protected:
     const InEnglish english;
 
     Messages() { panel.show(); }

@@ -16,9 +16,8 @@ namespace fs = std::filesystem;
 using namespace mivo::qutils;
 
 /// A folder to work on, and one beside it that nothing may touch.
-class Folders : public ::testing::Test
+struct Folders : ::testing::Test
 {
-protected:
     Folders()
     {
         fs::create_directories(work);

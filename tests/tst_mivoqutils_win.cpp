@@ -10,9 +10,8 @@ namespace mivoqutilstest {
 using namespace mivo::qutils;
 
 /// A folder to work on, and one beside it that nothing may touch.
-class Folders : public ::testing::Test
+struct Folders : ::testing::Test
 {
-protected:
     Folders()
     {
         QDir().mkpath(work);

@@ -28,9 +28,8 @@ std::pair<int, int> limitsOf(QWidget* control)
     return {control->property("minimum").toInt(), control->property("maximum").toInt()};
 }
 
-class Pages : public PageTest<SettingPage>, public ::testing::WithParamInterface<PageCase>
+struct Pages : PageTest<SettingPage>, ::testing::WithParamInterface<PageCase>
 {
-protected:
     Pages() : PageTest(make())
     {
         for (const ControlCase& control : controls) {
@@ -110,7 +109,7 @@ TEST_P(Pages, ShowWhatTheStoreHoldsReadOnceEachOnTheRuntimeThread)
     }
 }
 
-TEST_P(Pages, WriteAnEditOnceOnTheRuntimeThread)
+TEST_P(Pages, WriteAnEditOnceOnTheRuntimeThreadAsAnAssistiveProgramDoes)
 {
     show();
     bind();
@@ -127,14 +126,9 @@ TEST_P(Pages, WriteAnEditOnceOnTheRuntimeThread)
         const auto posted = runtime.takePosted();
         ASSERT_EQ(posted.size(), control.hops);
         EXPECT_EQ(posted.back().function, control.writeSlot);
-    }
-}
-
-TEST_P(Pages, WriteWhatAnAssistiveProgramChanges)
-{
-    show();
-    bind();
-    for (const ControlCase& control : controls) {
+        // And by an assistive program.
+        announce(control, control.initial);
+        settleEvents();
         QWidget* changed = find(control);
         changed->clearFocus(); // with it, a number is written when the focus leaves
         auto* seen = QAccessible::queryAccessibleInterface(changed);
@@ -143,7 +137,7 @@ TEST_P(Pages, WriteWhatAnAssistiveProgramChanges)
         } else if (seen->state().checkable) {
             seen->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
         } else {
-            continue;
+            edit(control);
         }
         settleEvents();
         EXPECT_EQ(store.held(control.setting), control.kept(control.edited)) << control.setting;
@@ -375,7 +369,7 @@ TEST_P(Pages, HaveRoomForTheirTextsWithoutAStyleSheetInAnyFont)
     }
 }
 
-TEST_P(Pages, TheWheelOverAControlWithoutFocusChangesNothing)
+TEST_P(Pages, TheWheelOverAControlIsThePagesUntilThatHasTheFocus)
 {
     show();
     bind();
@@ -384,10 +378,16 @@ TEST_P(Pages, TheWheelOverAControlWithoutFocusChangesNothing)
         runtime.takePosted();
         const QVariant before = shownBy(control);
         turnWheel(control); // which may give it the focus, for the next turn
-        turnWheel(control);
+        const bool isUsed = turnWheel(control);
         EXPECT_EQ(shownBy(control), before) << control->metaObject()->className();
         EXPECT_EQ(control->hasFocus(), control->focusPolicy() == Qt::WheelFocus);
         EXPECT_TRUE(runtime.takePosted().empty());
+        auto* box = qobject_cast<mivo::widgets::SpinEditBox*>(control);
+        if (box != nullptr && box->isEnabled() && box->value() < box->maximum()) {
+            box->setFocus();
+            EXPECT_TRUE(!isUsed && turnWheel(box));
+            EXPECT_GT(box->value(), before.toDouble());
+        }
     }
 }
 

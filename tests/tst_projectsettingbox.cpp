@@ -57,9 +57,8 @@ QString entriesOf(const QMenu& menu)
     return texts.join(' ');
 }
 
-class Project : public PageTest<ProjectSettingBox>
+struct Project : PageTest<ProjectSettingBox>
 {
-protected:
     Project()
     {
         useHostLanguage({});

@@ -1,10 +1,8 @@
 #include "surface/putback.h"
 
-#include "support/hostlanguage.h"
 #include "support/test.h"
 #include "surface/settingsview.h"
 
-#include <mivosettingswidgets/isettingbox.h>
 #include <mivosettingswidgets/settingsdialog.h>
 #include <mivosettingswidgets/undosettingbox.h>
 
@@ -12,9 +10,8 @@ namespace putbacktest {
 
 using mivo::widgets::TipDialog;
 
-class PutBackTest : public ::testing::Test
+struct PutBackTest : ::testing::Test
 {
-protected:
     /// The dialog on settings of which these differ from their defaults.
     void open(const QVariantHash& rows)
     {

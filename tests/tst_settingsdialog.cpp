@@ -13,9 +13,8 @@ namespace settingsdialogtest {
 
 using namespace mivo::settings;
 
-class Dialog : public ::testing::Test
+struct Dialog : ::testing::Test
 {
-protected:
     Dialog() { dialog.switchLanguage(QString()); }
 
     PlainPage* insert(const QString& title, int priorityIndex = -1)
@@ -89,11 +88,6 @@ TEST_F(Dialog, LogsWhatItCannotDo)
               "The 1nd widget in the stackedWidget is nullputr!|addSettingsBox");
 }
 
-std::string describe(const QWidget* control)
-{
-    return (control->accessibleName() + control->property("text").toString()).toStdString();
-}
-
 /// Whether Tab, which stopped at `stops`, leads to the control: of the radio buttons of a group to
 /// one, from which the arrow keys lead to the others.
 bool isReached(QWidget* control, const std::vector<QWidget*>& stops)
@@ -108,9 +102,8 @@ bool isReached(QWidget* control, const std::vector<QWidget*>& stops)
 }
 
 /// The host's own dialog over a fake store, with an edit that is not finished.
-class BoundDialog : public ::testing::Test
+struct BoundDialog : ::testing::Test
 {
-protected:
     BoundDialog() { open(); }
 
     void open()
@@ -168,9 +161,10 @@ TEST_F(BoundDialog, IsWalkedThroughByKeyboardAlone)
                        && (stops.empty() || stops.back() != stop)) {
                 EXPECT_EQ(button, navigation.size() - 1) << "behind the buttons";
                 EXPECT_FALSE(stop->visibleRegion().isEmpty()) << "not scrolled to";
-                EXPECT_NE(describe(stop), "");
+                const QString name = stop->accessibleName() + stop->property("text").toString();
+                EXPECT_NE(name, "");
                 const QPoint place(stop->mapTo(section->widget(), stop->rect().center()));
-                EXPECT_TRUE(place.y() > last.y() + 12 || place.x() > last.x()) << describe(stop);
+                EXPECT_TRUE(place.y() > last.y() + 12 || place.x() > last.x()) << name;
                 last = place;
                 stops.push_back(stop); // once: a time has several parts
             }
@@ -180,7 +174,7 @@ TEST_F(BoundDialog, IsWalkedThroughByKeyboardAlone)
                 for (QWidget* control : controlsIn(page)) {
                     EXPECT_TRUE(isReached(control, stops) || !control->isVisible()
                                 || !control->isEnabled())
-                        << describe(control);
+                        << control->accessibleName();
                 }
             }
         }

@@ -161,24 +161,14 @@ TEST(SettingsFiles, AreTakenAsFarAsThisVersionKnowsThem)
 
 TEST(SettingsFiles, ThatAreNoneOrHostileAreRefused)
 {
-    const auto nested = [](const char* open, int times) {
-        std::string text;
-        for (int i = 0; i < times; ++i) {
-            text += open;
-        }
-        return text;
+    const auto nested = [](const QByteArray& open, int times) {
+        return open.repeated(times).toStdString();
     };
     std::string many;
     for (int i = 0; i < 1001; ++i) {
         many += (i > 0 ? ",\"" : "\"") + std::to_string(i) + "\":0";
     }
-    const struct
-    {
-        const char* label;
-        std::string json;
-        const char* error;
-        int line;
-    } cases[]{
+    const std::tuple<const char*, std::string, const char*, int> cases[]{
         {"empty", "", "not a settings file", 1},
         {"binary", std::string(1000, '\0'), "not a settings file", 1},
         {"array", "[]", "not a settings file", 1},
@@ -203,11 +193,11 @@ TEST(SettingsFiles, ThatAreNoneOrHostileAreRefused)
         {"large", fileOf("\"a\":\"" + std::string(SettingsFile::mostBytes, 'a') + '"'),
          "the file is too large", 0},
     };
-    for (const auto& test : cases) {
-        const auto file = SettingsFile::read(test.json);
-        EXPECT_EQ(file.error(), test.error) << test.label;
-        EXPECT_EQ(file.errorLine(), test.line) << test.label;
-        EXPECT_TRUE(file.plan(TestStore()).changes.empty()) << test.label;
+    for (const auto& [label, json, error, line] : cases) {
+        const auto file = SettingsFile::read(json);
+        EXPECT_EQ(file.error(), error) << label;
+        EXPECT_EQ(file.errorLine(), line) << label;
+        EXPECT_TRUE(file.plan(TestStore()).changes.empty()) << label;
     }
 }
 
@@ -215,11 +205,11 @@ TEST(SettingsFiles, AreImportedWholeOrNotAtAll)
 {
     const QTemporaryDir folder;
     const LogCapture log;
-    std::string texts;
+    std::string texts = R"("undoStep":81,"mfps":true)";
     for (const char* name : {"autoSavePath", "playLogPath", "cachePath", "sharePath"}) {
-        texts += '"' + std::string(name) + "\":\"" + std::string(4000, 'x') + "\",";
+        texts += ",\"" + std::string(name) + "\":\"" + std::string(4000, 'x') + '"';
     }
-    const auto file = SettingsFile::read(fileOf(texts + R"("undoStep":81,"mfps":true)"));
+    const auto file = SettingsFile::read(fileOf(texts));
     const auto open = [&] {
         auto opened = SqlitePersistence::open(folder.filePath("settings.sqlite"));
         return std::make_unique<SettingsStore>(std::move(opened.persistence));

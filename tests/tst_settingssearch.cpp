@@ -1,31 +1,20 @@
 #include <mivosettingswidgets/settingsdialog.h>
 
-#include "support/hostlanguage.h"
 #include "support/plainpage.h"
 #include "support/test.h"
 #include "surface/settingsview.h"
-
-#include <mivosettingswidgets/undosettingbox.h>
 
 namespace settingssearchtest {
 
 using namespace mivo::settings;
 
-class Search : public ::testing::Test
+struct Search : ::testing::Test
 {
-protected:
     Search()
     {
         dialog.enableSearch();
         line = dialog.findChild<QLineEdit*>("settingsSearch");
         status = dialog.findChild<QLabel*>("settingsSearchStatus");
-    }
-
-    void open()
-    {
-        dialog.show();
-        dialog.activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
     }
 
     PlainPage* insert(const QString& section, QWidget* control)
@@ -68,8 +57,6 @@ protected:
 
 TEST_F(Search, FindsEveryKindOfTextHoweverItIsWritten)
 {
-    auto* form = new QWidget;
-    auto* rows = new QFormLayout(form);
     auto* combo = new QComboBox;
     combo->addItems({"Permanent", "Zw\u00f6lf Monate"});
     auto* list = new QListWidget;
@@ -90,12 +77,13 @@ TEST_F(Search, FindsEveryKindOfTextHoweverItIsWritten)
     tabs->addTab(new QLabel("first"), "Inputs");
     tabs->addTab(new QLabel("on the second tab"), "Outputs");
     auto* hidden = new QLabel("not for this machine");
+    auto* page = insert("Display Settings", hidden);
+    page->setTitle("Picture");
     for (QWidget* control :
-         std::initializer_list<QWidget*>{combo, list, spin, edit, menu, icon, tip, tabs, hidden}) {
-        rows->addRow(control);
+         std::initializer_list<QWidget*>{combo, list, spin, edit, menu, icon, tip, tabs}) {
+        page->layout()->addWidget(control);
     }
     hidden->hide();
-    insert("Display Settings", form)->setTitle("Picture");
     for (const char* wanted :
          {"PERMA", "zwolf", "ZWO\u0308LF", "abc studio", "about", "Frames", "strasse", "play NOW",
           "last pro", "from the screen", "needs a", "cle usb", "outputs", "second tab",
@@ -124,7 +112,7 @@ TEST_F(Search, LeadsFromHitToHitAcrossSectionsAndIntoTheControl)
     insert("Display", low)->layout()->addWidget(number);
     insert("Audio", other);
     auto* stack = dialog.findChild<QStackedWidget*>();
-    open();
+    activateWindow(&dialog);
     EXPECT_EQ(QApplication::focusWidget(), dialog.findChild<QButtonGroup*>()->button(0));
     dialog.findChild<QButtonGroup*>()->button(1)->click(); // begins there
     QTest::keySequence(&dialog, QKeySequence::Find);
@@ -143,9 +131,9 @@ TEST_F(Search, LeadsFromHitToHitAcrossSectionsAndIntoTheControl)
     EXPECT_EQ(press(Qt::Key_Enter), Place(1, "3 of 4"));
     EXPECT_FALSE(low->visibleRegion().isEmpty()) << "scrolled to";
     EXPECT_TRUE(isMarked(low) && !isMarked(number));
-    EXPECT_EQ(press(Qt::Key_Return, Qt::ShiftModifier), Place(1, "2 of 4"));
-    EXPECT_EQ(press(Qt::Key_Return, Qt::ShiftModifier), Place(0, "1 of 4"));
-    EXPECT_EQ(press(Qt::Key_Return, Qt::ShiftModifier), Place(2, "4 of 4"));
+    for (const Place& before : {Place(1, "2 of 4"), {0, "1 of 4"}, {2, "4 of 4"}}) {
+        EXPECT_EQ(press(Qt::Key_Return, Qt::ShiftModifier), before);
+    }
     EXPECT_EQ(press(Qt::Key_Return), Place(0, "1 of 4"));
     press(Qt::Key_Return);
     press(Qt::Key_Return);
@@ -164,7 +152,7 @@ TEST_F(Search, FollowsWhatChangesWhileItIsShown)
     auto* combo = new QComboBox;
     combo->addItem("Permanent");
     auto* page = insert("Display", combo);
-    open();
+    activateWindow(&dialog);
     EXPECT_EQ(found("month"), "Nothing found");
     combo->addItem("One month");
     EXPECT_TRUE(QTest::qWaitFor([&] { return status->text() == "Found: 1"; }));

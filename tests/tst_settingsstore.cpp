@@ -18,17 +18,18 @@ auto records(TestStore& store)
                       store.getResourceSettings(), store.getDmxInfo(), store.getOscInfo());
 }
 
-class Store : public ::testing::Test
+struct Store : ::testing::Test
 {
-protected:
     std::unique_ptr<TestStore> make(const QVariantHash& rows = {})
     {
         auto store = std::make_unique<TestStore>(rows);
         store->undoStepChanged.connect([this](int step) { announced.push_back(step); });
+        store->setFailureHandler([this](const QString& reason) { told.append(reason); });
         return store;
     }
 
     std::vector<int> announced;
+    QStringList told;
     LogCapture log;
 };
 
@@ -161,8 +162,6 @@ TEST_F(Store, APortThatFailedCanBeRequestedAgain)
 TEST_F(Store, AWriteThatFailsChangesNothingAndTellsEverybody)
 {
     auto store = make({{"undoStep", 70}});
-    QStringList told;
-    store->setFailureHandler([&told](const QString& reason) { told.append(reason); });
     store->kept.fails = true;
     store->setUndoStep(80);
     EXPECT_EQ(store->getUndoStep(), 70);
@@ -175,8 +174,6 @@ TEST_F(Store, AWriteThatFailsChangesNothingAndTellsEverybody)
 TEST_F(Store, FollowsChangesFromElsewhere)
 {
     auto store = make({{"undoStep", 0}});
-    QStringList told;
-    store->setFailureHandler([&told](const QString& reason) { told.append(reason); });
     for (const int step : {90, 90, 9000}) {
         store->change("undoStep", step);
     }

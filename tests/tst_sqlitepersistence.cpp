@@ -14,9 +14,8 @@ namespace sqlitepersistencetest {
 using mivohost::SqlitePersistence;
 using Status = SqlitePersistence::Status;
 
-class StoreFile : public ::testing::Test
+struct StoreFile : ::testing::Test
 {
-protected:
     QString path() const { return folder.filePath("settings.sqlite"); }
 
     /// What belongs to the store, with its content.
@@ -42,9 +41,8 @@ TEST_F(StoreFile, IsMadeWithItsFolderAndReadAgain)
     {
         auto opened = SqlitePersistence::open(deep);
         ASSERT_EQ(opened.status, Status::opened) << opened.error;
-        EXPECT_TRUE(opened.persistence->write({{"undoStep", 80}}));
-        EXPECT_TRUE(opened.persistence->write({{"undoStep", 81}}));
-        EXPECT_TRUE(opened.persistence->write({{"language", "zh_cn"}, {"fadeInTime", 0.1 + 0.2}}));
+        EXPECT_TRUE(opened.persistence->write({{"undoStep", 80}, {"language", "zh_cn"}}));
+        EXPECT_TRUE(opened.persistence->write({{"undoStep", 81}, {"fadeInTime", 0.1 + 0.2}}));
     }
     auto again = SqlitePersistence::open(deep);
     ASSERT_EQ(again.status, Status::opened);
@@ -141,16 +139,18 @@ TEST_F(StoreFile, ThatIsDamagedIsRecoveredFromItsNewestGoodCopyAndKept)
             if (status == Status::failed) {
                 EXPECT_EQ(opened.status, status);
                 EXPECT_EQ(files(), before);
-            } else {
-                ASSERT_TRUE(opened.persistence) << opened.error;
-                const int held = opened.persistence->loadAll().value("undoStep").toInt();
-                EXPECT_EQ(held, status == Status::opened ? 81 : hasCopy ? 80 : 0);
-                EXPECT_TRUE(opened.persistence->write({{"undoStep", 82}}));
-                for (const QByteArray& content : before) {
-                    EXPECT_TRUE(status == Status::opened || files().values().contains(content));
-                }
-                EXPECT_EQ(opened.aside.isEmpty(), status == Status::opened || before.isEmpty());
+                continue;
             }
+            ASSERT_TRUE(opened.persistence) << opened.error;
+            EXPECT_EQ(opened.persistence->loadAll().value("undoStep").toInt(),
+                      status == Status::opened ? 81
+                      : hasCopy                ? 80
+                                               : 0);
+            EXPECT_TRUE(opened.persistence->write({{"undoStep", 82}}));
+            for (const QByteArray& content : before) {
+                EXPECT_TRUE(status == Status::opened || files().values().contains(content));
+            }
+            EXPECT_EQ(opened.aside.isEmpty(), status == Status::opened || before.isEmpty());
         }
     }
 }

@@ -9,10 +9,8 @@ namespace stagetest {
 using namespace mivo::widgets;
 
 /// Driven by each of the two colours.
-class Stage : public PageTest<mivo::settings::StageSettingBox>,
-              public ::testing::WithParamInterface<int>
+struct Stage : PageTest<mivo::settings::StageSettingBox>, ::testing::WithParamInterface<int>
 {
-protected:
     Stage()
     {
         store.change(key, "#224466");

@@ -62,9 +62,8 @@ TEST(DeadlineWatch, FindsADeadlineOnceWhateverTheClockDoes)
     }
 }
 
-class Timed : public ::testing::Test
+struct Timed : ::testing::Test
 {
-protected:
     Timed()
     {
         store.timedShutdownCount.connect([this](int seconds) {

@@ -40,11 +40,8 @@ TEST(Faults, OfAFileAreToldAndHarmNoOther)
         const auto before = home.files();
         for (const QString& name : files.split(' ')) {
             QFile::remove(home.data(name));
-            if (content != folderInstead) {
-                writeFile(home.data(name), content);
-            } else {
-                QDir().mkpath(home.data(name));
-            }
+            content != folderInstead ? writeFile(home.data(name), content)
+                                     : void(QDir().mkpath(home.data(name)));
         }
         const auto damaged = home.files();
         {

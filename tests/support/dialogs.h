@@ -13,24 +13,17 @@
 
 /// Calls `act` once a modal window of that type is open; a test fails when none opens in 10 s.
 template <typename Window>
-void whenModal(std::function<void(Window&)> act)
+void whenModal(const std::function<void(Window&)>& act, int left = 1000)
 {
-    auto* timer = new QTimer(qApp);
-    QObject::connect(timer, &QTimer::timeout, timer,
-                     [timer, act = std::move(act), left = 1000]() mutable {
-                         auto* window = qobject_cast<Window*>(QApplication::activeModalWidget());
-                         if (window == nullptr && --left > 0) {
-                             return;
-                         }
-                         timer->stop(); // before another event loop runs in the window
-                         timer->deleteLater();
-                         if (window == nullptr) {
-                             ADD_FAILURE() << "no such window opened";
-                         } else {
-                             act(*window);
-                         }
-                     });
-    timer->start(10);
+    QTimer::singleShot(10, qApp, [act, left] {
+        if (auto* window = qobject_cast<Window*>(QApplication::activeModalWidget())) {
+            act(*window);
+        } else if (left > 0) {
+            whenModal(act, left - 1);
+        } else {
+            ADD_FAILURE() << "no such window opened";
+        }
+    });
 }
 
 /// Types over what a field holds, or deletes it, and leaves the field.

@@ -61,13 +61,11 @@ public:
             } else if (what.startsWith("kill") && runs) {
                 process.kill();
                 process.waitForFinished();
-            } else if (what.startsWith("hang") && runs) {
-                ::kill(id, SIGSTOP);
-            } else if (what.startsWith("continue") && runs) {
-                ::kill(id, SIGCONT);
             } else if (what.startsWith("fill") && runs) {
                 const rlimit none{0, RLIM_INFINITY};
                 ::prlimit(id, RLIMIT_FSIZE, &none, nullptr);
+            } else if (runs && !what.startsWith("start")) {
+                ::kill(id, what.startsWith("hang") ? SIGSTOP : SIGCONT);
             }
         }
     }

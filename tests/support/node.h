@@ -38,7 +38,10 @@ public:
         }
         m_synchroniser->start();
     }
-    void start(const QStringList& hosts) { start(mivohost::EtcdServers{hosts, false, {}, {}, {}}); }
+    void start(const QStringList& hosts, const std::function<void()>& prepare = {})
+    {
+        start(mivohost::EtcdServers{hosts, false, {}, {}, {}}, prepare);
+    }
     mivohost::ShowSetup setupWith(const mivohost::EtcdServers& servers) const
     {
         return {"Show-1", servers, "id-" + m_name, m_name};

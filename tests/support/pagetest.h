@@ -1,6 +1,5 @@
 #pragma once
 
-#include "support/hostlanguage.h"
 #include "support/test.h"
 
 #include <regex>
@@ -29,9 +28,8 @@ inline void settleEvents()
 
 /// A page, which a test may delete, and a store that bind() gives it.
 template <typename Page>
-class PageTest : public ::testing::Test
+struct PageTest : ::testing::Test
 {
-protected:
     explicit PageTest(Page* made = new Page) : page(made) { page->setZRRuntime(&runtime); }
     ~PageTest() override { delete page; }
 

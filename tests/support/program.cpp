@@ -1,35 +1,8 @@
 #include "support/program.h"
 
-#include "support/test.h"
-
-#include "surface/settingsview.h"
-
-#include <mivosettingswidgets/settingsdialog.h>
-#include <mivosettingswidgets/undosettingbox.h>
+#include <QtCore/QElapsedTimer>
 
 #include <csignal>
-
-namespace {
-
-/// The Tab keys from the dialog's first focus to the undo steps, found in a dialog of this process.
-int tabsToUndoSteps()
-{
-    TestRuntime runtime;
-    // With folders, as the host has them: some buttons are disabled without.
-    TestStore store(
-        {{"autoSavePath", "/a"}, {"playLogPath", "/b"}, {"cachePath", "/c"}, {"sharePath", "/d"}});
-    mivohost::SettingsView view(runtime, store, nullptr);
-    activateWindow(&view.dialog());
-    const auto* page = view.dialog().findChild<mivo::settings::UndoSettingBox*>();
-    int tabs = 1;
-    while (!page->isAncestorOf(pressKey(&view.dialog(), Qt::Key_Tab)) && tabs < 200) {
-        ++tabs;
-    }
-    EXPECT_LT(tabs, 200);
-    return tabs;
-}
-
-} // namespace
 
 QProcessEnvironment environmentOf(const QString& home, const QString& platform)
 {
@@ -73,12 +46,6 @@ void Program::press(const QString& keys) const
     xdotool(QStringList{"windowfocus", windows.mid(windows.lastIndexOf('\n') + 1), "key", "--delay",
                         "20"}
             + keys.split(' '));
-}
-
-void Program::reachUndoSteps()
-{
-    static const int tabs = tabsToUndoSteps();
-    press(QStringList(QVector<QString>(tabs, "Tab").toList()).join(' '));
 }
 
 testing::AssertionResult Program::hasSaid(const QByteArray& text, int most)

@@ -20,8 +20,8 @@ public:
     /// Presses keys one after the other, named as X11 does: "Down Return", "ctrl+s".
     void press(const QString& keys) const;
 
-    /// From the settings dialog's first focus to the undo steps.
-    void reachUndoSteps();
+    /// In the settings dialog; the focus is in the undo steps then.
+    void reachUndoSteps() const { press("ctrl+f u n d o space s t e p s Return Down"); }
 
     /// Waits until the program has said `text`, from where the last call left off; `most` in ms.
     /// Else a test shows what it said.

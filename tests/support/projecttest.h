@@ -50,9 +50,8 @@ private:
     std::shared_future<void> m_future = m_promise.get_future().share();
 };
 
-class ProjectTest : public ::testing::Test
+struct ProjectTest : ::testing::Test
 {
-protected:
     ProjectTest() { start(); }
 
     /// A store with these rows, and the project file over it.

@@ -3,6 +3,7 @@
 // What nearly every test includes.
 
 #include "support/dialogs.h"
+#include "support/hostlanguage.h"
 #include "support/logcapture.h"
 #include "support/testruntime.h"
 #include "support/teststore.h"

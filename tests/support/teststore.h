@@ -39,36 +39,6 @@ public:
 /// thread, or before and after.
 class TestStore : public mivohost::SettingsStore
 {
-    template <typename Store, typename Take>
-    static auto withSignals(Store& store, Take take)
-    {
-        return take(
-            store.undoStepChanged, store.autoSyncResourcesChanged, store.resourceSettingsChanged,
-            store.autoStartChanged, store.closeSoftWareMinimizeChanged,
-            store.autoStartDelayTimeChanged, store.autoStartSettingsChanged,
-            store.timedShutdownSettingsLoaded, store.timedShutdownSettingsChanged,
-            store.timedShutdownEnabledChanged, store.timedAutomaticRestartSettingsLoaded,
-            store.timedAutomaticRestartSettingsChanged, store.timedShutdownCount,
-            store.timedAutomaticRestartCount, store.linkShutdown, store.linkRestart,
-            store.openRecentFilesChanged, store.openProjectFileDefaultPlayChanged,
-            store.autoSaveProjectFilesChanged, store.autoSaveProjectFilesIntervalChanged,
-            store.autoSaveProjectFilesMaxNumChanged, store.autoSavePathChanged,
-            store.notPromptForSaveChanged, store.newProjResetOutputChanged, store.tcpPortChanged,
-            store.udpPortChanged, store.tcpPortFailed, store.udpPortFailed,
-            store.playLogStorageTimeTypeChanged, store.playLogPathChanged, store.cachePathChanged,
-            store.sharePathChanged, store.pptAutoplayChanged, store.pptAutoplayIntervalChanged,
-            store.pptPlayModeChanged, store.pptPresetsResolutionTypeChanged,
-            store.pptResolutionWidthChanged, store.pptResolutionHeightChanged,
-            store.canvasColorChanged, store.outputColorChanged, store.blackScreenMuteChanged,
-            store.mfpsChanged, store.efpsChanged, store.fadeInTimeChanged, store.fadeOutTimeChanged,
-            store.imageHierarchyChanged, store.graphicsCardChanged,
-            store.displayTechnologyStandardChanged, store.dynamicRangeConfigChanged,
-            store.soundCardMappingsInit, store.soundCardMappingAdded, store.soundCardMappingChanged,
-            store.soundCardMappingDeleted, store.soundCardEnabled, store.soundCardDisabled,
-            store.clusterNodeSoundCardsChanged, store.deviceSoundCardVisibleChanged,
-            store.soundCardMismatch, store.clusterDeviceSoundCardsDeleted);
-    }
-
 public:
     explicit TestStore(const QVariantHash& rows = {}) : TestStore(new MemoryPersistence(rows)) {}
 
@@ -91,17 +61,36 @@ public:
     }
 
     /// Slots that are connected to any signal that pages follow.
-    std::size_t connections() const
+    std::size_t connections()
     {
-        return withSignals(*this,
-                           [](const auto&... signal) { return (signal.slot_count() + ...); });
+        std::size_t count = 0;
+        visitSignals([&count](const auto& signal) { count += signal.slot_count(); });
+        return count;
     }
 
     /// Calls `visit` with each signal that pages follow.
     template <typename Visit>
     void visitSignals(Visit visit)
     {
-        withSignals(*this, [&](auto&... signal) { (visit(signal), ...); });
+        const auto all = [&visit](auto&... signal) { (visit(signal), ...); };
+        all(undoStepChanged, autoSyncResourcesChanged, resourceSettingsChanged, autoStartChanged,
+            closeSoftWareMinimizeChanged, autoStartDelayTimeChanged, autoStartSettingsChanged,
+            timedShutdownSettingsLoaded, timedShutdownSettingsChanged, timedShutdownEnabledChanged,
+            timedAutomaticRestartSettingsLoaded, timedAutomaticRestartSettingsChanged,
+            timedShutdownCount, timedAutomaticRestartCount, linkShutdown, linkRestart,
+            openRecentFilesChanged, openProjectFileDefaultPlayChanged, autoSaveProjectFilesChanged,
+            autoSaveProjectFilesIntervalChanged, autoSaveProjectFilesMaxNumChanged,
+            autoSavePathChanged, notPromptForSaveChanged, newProjResetOutputChanged, tcpPortChanged,
+            udpPortChanged, tcpPortFailed, udpPortFailed, playLogStorageTimeTypeChanged,
+            playLogPathChanged, cachePathChanged, sharePathChanged, pptAutoplayChanged,
+            pptAutoplayIntervalChanged, pptPlayModeChanged, pptPresetsResolutionTypeChanged,
+            pptResolutionWidthChanged, pptResolutionHeightChanged, canvasColorChanged,
+            outputColorChanged, blackScreenMuteChanged, mfpsChanged, efpsChanged, fadeInTimeChanged,
+            fadeOutTimeChanged, imageHierarchyChanged, graphicsCardChanged,
+            displayTechnologyStandardChanged, dynamicRangeConfigChanged, soundCardMappingsInit,
+            soundCardMappingAdded, soundCardMappingChanged, soundCardMappingDeleted,
+            soundCardEnabled, soundCardDisabled, clusterNodeSoundCardsChanged,
+            deviceSoundCardVisibleChanged, soundCardMismatch, clusterDeviceSoundCardsDeleted);
     }
 
 private:
