@@ -152,6 +152,9 @@ TEST_F(Audio, TheButtonAddsUpToTwentyMappings)
     EXPECT_NE(addButton()->toolTip(), "") << "why not";
     remove(4);
     EXPECT_TRUE(addButton()->isEnabled());
+    page->hide();
+    settleEvents();
+    EXPECT_TRUE(page->findChildren<QAbstractItemView*>().isEmpty()) << "lists that nobody opened";
 }
 
 TEST_F(Audio, AnOpenListKeepsItsItemsAndWhatIsClickedIsChosen)

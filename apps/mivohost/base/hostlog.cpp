@@ -84,15 +84,9 @@ protected:
 class ConsoleSink : public spdlog::sinks::sink
 {
 public:
-    ~ConsoleSink() override
-    {
-        s_inForce = nullptr;
-        finish();
-    }
-
     /// Null before there is one, and at the end.
     static ConsoleSink* inForce() { return s_inForce; }
-    void putInForce() { s_inForce = this; }
+    static void putInForce(ConsoleSink* console) { s_inForce = console; }
 
     void log(const spdlog::details::log_msg& message) override
     {
@@ -137,6 +131,17 @@ private:
 
 struct Sinks
 {
+    Sinks() = default;
+    /// Where threads still run: on Windows they have ended when the libraries' objects go.
+    ~Sinks()
+    {
+        if (auto* console = ConsoleSink::inForce()) {
+            ConsoleSink::putInForce(nullptr);
+            console->finish();
+        }
+    }
+    Q_DISABLE_COPY_MOVE(Sinks)
+
     std::shared_ptr<spdlog::sinks::dist_sink_mt> all =
         std::make_shared<spdlog::sinks::dist_sink_mt>();
     std::shared_ptr<ViewSink> view;
@@ -180,7 +185,7 @@ void startLog(const QString& file)
     auto logger = std::make_shared<spdlog::logger>("mivohost", sinks().all);
     logger->set_pattern("%H:%M:%S.%e %l %v");
     logger->flush_on(spdlog::level::info);
-    console->putInForce();
+    ConsoleSink::putInForce(console.get());
     QV::SpdlogApplication::instance().setLogger(logger);
     if (!file.isEmpty()) {
         try {

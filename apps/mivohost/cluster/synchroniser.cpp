@@ -126,6 +126,7 @@ Synchroniser::~Synchroniser()
 {
     // From now on nothing is handed to the link, and what is set waits in the outbox.
     m_runtime.call([this] { m_settings.setListener({}); });
+    QCoreApplication::sendPostedEvents(&m_toGui); // keys that the store has already taken over
     m_thread.quit();
     m_thread.wait();
     m_runtime.call([] {}); // what the link has posted is done

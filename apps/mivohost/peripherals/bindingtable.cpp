@@ -69,7 +69,6 @@ bool BindingTable::isEmpty() const
 void BindingTable::setAll(const std::vector<BindInfo>& infos)
 {
     const std::lock_guard lock(m_mutex);
-    const std::string before = textOfAll();
     m_actions.clear();
     m_controls.clear();
     for (const BindInfo& info : infos) {
@@ -77,15 +76,13 @@ void BindingTable::setAll(const std::vector<BindInfo>& infos)
             put({info.type, info.oprKey}, info.keyValue);
         }
     }
-    if (textOfAll() != before) {
-        save();
-    }
+    save();
 }
 
 bool BindingTable::follow(const std::string& kept)
 {
     const std::lock_guard lock(m_mutex);
-    const bool isSameText = isSame(kept, textOfAll());
+    const bool isSameText = kept == m_read || isSame(kept, textOfAll());
     if (isSameText || !m_isKept) {
         m_isKept = isSameText;
         return false;
@@ -174,6 +171,7 @@ bool BindingTable::remove(const Action& action)
 
 void BindingTable::restore(const std::string& kept)
 {
+    m_read = kept;
     if (kept.empty()) {
         return;
     }
@@ -227,6 +225,7 @@ std::string BindingTable::textOfAll() const
 void BindingTable::save()
 {
     m_isKept = false;
+    m_read.reset();
     m_setup.save(textOfAll());
 }
 

@@ -93,7 +93,8 @@ private:
     QJsonArray m_unread; // kept for who understands them
     bool m_finding = false;
     std::optional<BindInfo> m_found;
-    bool m_isKept = true; // as far as follow() has said
+    bool m_isKept = true;              // as far as follow() has said
+    std::optional<std::string> m_read; // what the bindings are as they were kept
 };
 
 /// Implements the operations of a service that concern its bindings. `Base` is the interface.

@@ -1,6 +1,7 @@
 #include "peripherals/udpinput.h"
 
 #include "base/hostlog.h"
+#include "base/hosttext.h"
 
 #include <QtNetwork/QNetworkInterface>
 
@@ -94,8 +95,9 @@ QString UdpInput::noCardText() const
 
 void UdpInput::setProblem(const QString& problem)
 {
-    setFailure(problem.isEmpty() ? std::string()
-                                 : fmt::format("UDP {}: {}", m_port, problem.toStdString()));
+    setFailure(problem.isEmpty()
+                   ? std::string()
+                   : fmt::format("UDP {}: {}", m_port, reasonText(problem).toStdString()));
 }
 
 void UdpInput::setFailure(const std::string& failure)

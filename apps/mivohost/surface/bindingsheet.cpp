@@ -40,7 +40,7 @@ BindingSheet::BindingSheet(const ShortCutMgr& manager, Peripherals& peripherals,
     : QDialog(parent), m_manager(manager), m_peripherals(peripherals),
       m_layout(std::make_shared<Layout>()), m_view(new QTableView), m_text(new QLineEdit),
       m_pdf(new QPushButton), m_html(new QPushButton), m_waiting(new WaitingLine(m_requests)),
-      m_state(new QLabel)
+      m_state(new QLabel), m_replaced(peripherals.bindingsReplaced.connect([this] { refill(); }))
 {
     setObjectName(QStringLiteral("bindingSheet"));
     m_filter.setSourceModel(&m_model);

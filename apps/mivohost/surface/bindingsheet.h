@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/filerequests.h"
+#include "mivohostapi/signals.h"
 #include "surface/bindingsmodel.h"
 
 #include <QtWidgets/QDialog>
@@ -59,6 +60,7 @@ private:
     QPushButton* m_html;
     WaitingLine* m_waiting;
     QLabel* m_state;
+    const sigslot::scoped_connection m_replaced;
 };
 
 } // namespace mivohost

@@ -11,7 +11,7 @@ class FileRequests;
 class WaitingLine;
 
 /// Shows for which files the operator waits, and has a close of the window wait for those that are
-/// being saved. GUI thread; the requests outlive it.
+/// being saved. GUI thread; it only borrows the requests.
 class FileWaits : public QVBoxLayout
 {
     Q_OBJECT

@@ -235,7 +235,8 @@ void MainWindow::closeEvent(QCloseEvent* event)
     const bool hides = !m_quitting && start.closeSoftWareMinimize && m_tray && m_tray->isThere();
     event->ignore();
     if (!hides && m_waits->holdUpClose()) {
-        bringToFront(); // where the wait is shown
+        m_projectLeft = false; // it may be changed meanwhile
+        bringToFront();        // where the wait is shown
         return;
     }
     if (!hides && !files.notPromptForSave && !std::exchange(m_projectLeft, false)) {
