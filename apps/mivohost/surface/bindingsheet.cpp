@@ -1,6 +1,7 @@
 #include "surface/bindingsheet.h"
 
 #include "base/hosttext.h"
+#include "peripherals/peripherals.h"
 #include "surface/askforfile.h"
 #include "surface/plaintable.h"
 #include "surface/waitingline.h"
