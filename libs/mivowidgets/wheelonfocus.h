@@ -16,7 +16,6 @@ public:
     explicit WheelOnFocus(QWidget* parent) : Control(parent)
     {
         this->setFocusPolicy(Qt::StrongFocus);
-        this->installEventFilter(this);
         for (QObject* part : this->children()) {
             part->installEventFilter(this); // as the text of a spin box, which takes a click itself
         }
@@ -24,13 +23,25 @@ public:
 
     bool eventFilter(QObject* part, QEvent* event) override
     {
-        if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::KeyPress) {
+        if (event->type() == QEvent::MouseButtonPress) {
             m_justFocused = m_byWheel = false;
         }
         return Control::eventFilter(part, event);
     }
 
 protected:
+    void mousePressEvent(QMouseEvent* event) override
+    {
+        m_justFocused = m_byWheel = false;
+        Control::mousePressEvent(event);
+    }
+
+    void keyPressEvent(QKeyEvent* event) override
+    {
+        m_justFocused = m_byWheel = false;
+        Control::keyPressEvent(event);
+    }
+
     void wheelEvent(QWheelEvent* event) override
     {
         // The event that gives the focus follows it at once.

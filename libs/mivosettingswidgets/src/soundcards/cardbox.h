@@ -32,7 +32,7 @@ public:
 
     bool eventFilter(QObject* watched, QEvent* event) override
     {
-        if (watched != this && event->type() == QEvent::Hide) { // the box may have no list yet
+        if (event->type() == QEvent::Hide) {
             QMetaObject::invokeMethod(
                 this, [this] { m_listShown(view()->isVisible()); }, Qt::QueuedConnection);
         }
