@@ -39,8 +39,13 @@ protected:
         const QRect area =
             style()->subElementRect(QStyle::SE_LineEditContents, &option, this) - textMargins();
         const QRect line = area.adjusted(margin, 0, -margin, 0);
-        const QString elided = fontMetrics().elidedText(text(), Qt::ElideLeft, line.width());
-        if (hasFocus() || elided == text()) {
+        if (m_whole != text() || m_font != font() || m_width != line.width()) { // it takes long
+            m_whole = text();
+            m_font = font();
+            m_width = line.width();
+            m_elided = fontMetrics().elidedText(m_whole, Qt::ElideLeft, m_width);
+        }
+        if (hasFocus() || m_elided == m_whole) {
             EditBox::paintEvent(event);
             return;
         }
@@ -49,8 +54,14 @@ protected:
         painter.setPen(palette().color(QPalette::Text));
         painter.drawText(
             line, static_cast<int>(alignment() | Qt::AlignVCenter) | Qt::TextForceLeftToRight,
-            elided);
+            m_elided);
     }
+
+private:
+    QString m_elided; // of the following
+    QString m_whole;
+    QFont m_font;
+    int m_width = 0;
 };
 
 } // namespace
@@ -60,9 +71,10 @@ FolderRow::Dependencies::Dependencies()
 {}
 
 FolderRow::FolderRow(QWidget* page, QWidget* tip, Dependencies dependencies)
-    : caption(new QLabel), edit(new PathEdit), browse(new PushButton), clear(new PushButton),
-      space(new QLabel), layout(rowOf({caption, edit, browse, clear, space, tip})), m_page(page),
-      m_tip(tip), m_dependencies(std::move(dependencies))
+    : caption(new QLabel(page)), edit(new PathEdit(page)), browse(new PushButton(page)),
+      clear(new PushButton(page)), space(new QLabel(page)),
+      layout(rowOf({caption, edit, browse, clear, space, tip})), m_page(page), m_tip(tip),
+      m_dependencies(std::move(dependencies))
 {
     edit->setReadOnly(true);
     edit->setLayoutDirection(Qt::LeftToRight); // as paths read in every language

@@ -2,12 +2,18 @@
 
 #include "mivosettingswidgets/controls.h"
 
+#include <QtCore/QCoreApplication>
+#include <QtCore/QEvent>
+#include <QtCore/QHash>
+#include <QtCore/QPointer>
 #include <QtWidgets/QLayout>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QStyleOption>
 
 #include <algorithm>
+#include <cmath>
+#include <vector>
 
 namespace mivo::settings {
 
@@ -66,11 +72,107 @@ QStringList textsOf(const QWidget* control)
     return {control->property("text").toString()}; // as edits and buttons have
 }
 
+/// How large texts are, by font: the same ones are measured at each fit, and that takes longer than
+/// all else of it.
+class TextSizes : public QObject
+{
+public:
+    static TextSizes& instance()
+    {
+        static QPointer<TextSizes> sizes; // goes with the application
+        if (sizes == nullptr) {
+            sizes = new TextSizes;
+        }
+        return *sizes;
+    }
+
+    int widthOf(const QString& line, const QWidget* widget)
+    {
+        return find(&OfFont::widths, line, widget, [&line](const QFontMetrics& metrics) {
+            return static_cast<int>(std::ceil(QFontMetricsF(metrics).horizontalAdvance(line)));
+        });
+    }
+
+    /// That of its letters: another script than the font's own may be higher.
+    int heightOf(const QString& text, const QWidget* widget)
+    {
+        return find(&OfFont::heights, text, widget, [&text](const QFontMetrics& metrics) {
+            return metrics.size(0, text).height();
+        });
+    }
+
+private:
+    using Sizes = QHash<QString, int>;
+
+    struct OfFont
+    {
+        QFont font;
+        int dotsPerInch = 0;
+        Sizes widths{};
+        Sizes heights{};
+    };
+
+    static constexpr std::size_t mostFonts = 8;
+    static constexpr int mostTexts = 1000;
+
+    TextSizes() : QObject(QCoreApplication::instance()) {}
+
+    OfFont& of(const QFont& font, int dotsPerInch)
+    {
+        for (OfFont& sizes : m_fonts) {
+            if (sizes.dotsPerInch == dotsPerInch && sizes.font == font) {
+                return sizes;
+            }
+        }
+        if (m_fonts.size() == mostFonts) {
+            m_fonts.clear();
+        }
+        m_fonts.push_back({font, dotsPerInch});
+        return m_fonts.back();
+    }
+
+    template <typename Measure>
+    int find(Sizes OfFont::*kind, const QString& text, const QWidget* widget, Measure measure)
+    {
+        Sizes& sizes = of(widget->font(), widget->logicalDpiX()).*kind;
+        const auto held = sizes.constFind(text);
+        if (held != sizes.constEnd()) {
+            return *held;
+        }
+        if (sizes.size() == mostTexts) {
+            sizes.clear();
+        }
+        return *sizes.insert(text, measure(widget->fontMetrics()));
+    }
+
+    std::vector<OfFont> m_fonts;
+};
+
+/// The size hint of now: a combo box keeps that of when it was first shown, whatever its items
+/// become.
+QSize hintOf(const QWidget* widget)
+{
+    QSize hint = widget->sizeHint();
+    if (qobject_cast<const QComboBox*>(widget) != nullptr) {
+        int widest = 0;
+        for (const QString& item : textsOf(widget)) {
+            widest = std::max(widest, TextSizes::instance().widthOf(item, widget));
+        }
+        QStyleOptionComboBox option;
+        option.initFrom(widget);
+        const QSize content(widest, widget->fontMetrics().height());
+        hint.setWidth(widget->style()
+                          ->sizeFromContents(QStyle::CT_ComboBox, &option, content, widget)
+                          .width());
+    }
+    return hint;
+}
+
 /// What a widget needs so that its text is not cut; at most its size hint. `usual` says which of
 /// width and height are asked for; texts are measured no further than that needs, as it takes time.
 QSize neededBy(const QWidget* widget, const QSize& usual)
 {
-    const QSize hint = widget->sizeHint();
+    const QSize hint = hintOf(widget);
     const auto suffices = [&](const QSize& size) {
         return (usual.width() == noSize || size.width() >= hint.width())
                && (usual.height() == noSize || size.height() >= hint.height());
@@ -85,16 +187,22 @@ QSize neededBy(const QWidget* widget, const QSize& usual)
     if (!isEdit && qobject_cast<const QPushButton*>(widget) == nullptr) {
         const QString text =
             usual.height() == noSize ? QString() : widget->property("text").toString();
-        return text.isEmpty() ? hint : QSize(hint.width(), metrics.size(0, text).height());
+        return text.isEmpty() ? hint
+                              : QSize(hint.width(), TextSizes::instance().heightOf(text, widget));
     }
     const QRect roomy(0, 0, 1000, 100);
     QSize around = roomy.size() - textArea(widget, roomy).size();
     // A button's text may reach into the padding above and below it.
     around = isEdit ? around + QSize(textMargins, 0) : QSize(around.width(), 0);
     QSize needed = around + QSize(0, metrics.height());
+    const auto measured = [&](const QString& line) {
+        auto& sizes = TextSizes::instance();
+        return QSize(sizes.widthOf(line, widget),
+                     usual.height() != noSize ? sizes.heightOf(line, widget) : 0);
+    };
     const auto texts = textsOf(widget);
     for (auto line = texts.begin(); line != texts.end() && !suffices(needed); ++line) {
-        needed = needed.expandedTo(around + metrics.size(Qt::TextSingleLine, *line));
+        needed = needed.expandedTo(around + measured(*line));
     }
     if (qobject_cast<const QLineEdit*>(widget) != nullptr) {
         needed.setHeight(around.height() + metrics.height()); // as Qt draws every text
@@ -126,8 +234,10 @@ void fitUsualSizes(QWidget* page)
             widget->setFixedHeight(needed.height());
         }
     }
-    if (page->layout() != nullptr) {
+    if (page->layout() != nullptr && page->layout()->isEnabled()) {
         page->layout()->activate(); // before it is painted, or walked through
+        // The sizes that were set have asked for what is done now.
+        QCoreApplication::removePostedEvents(page, QEvent::LayoutRequest);
     }
 }
 
