@@ -45,20 +45,21 @@ public:
         }
     }
 
-    /// A catalogue's context, and those of its keys that had a text; as many as the files have at
-    /// most. In UTF-8, as the files are.
+    /// A catalogue's context, and the texts that were found in it, by language and key; as many as
+    /// the files have at most.
     struct Context
     {
         QString catalogue;
         QString name;
-        QByteArray catalogueBytes = catalogue.toUtf8();
+        QByteArray catalogueBytes = catalogue.toUtf8(); // as the files have it
         QByteArray nameBytes = name.toUtf8();
-        QSet<QByteArray> found{};
+        std::map<const Files*, QHash<QString, QString>> found{};
 
-        QString find(const Files& files, const QByteArray& key) const
+        QString find(const Files& files, const QString& key) const
         {
+            const QByteArray bytes = key.toUtf8();
             for (const auto& texts : files) {
-                QString text = texts->translate(catalogueBytes.constData(), key.constData(),
+                QString text = texts->translate(catalogueBytes.constData(), bytes.constData(),
                                                 nameBytes.constData());
                 if (!text.isEmpty()) {
                     return text;
@@ -102,6 +103,12 @@ bool Translator::load(const QString& file)
     }
     auto& files = m_impl->languages[normalised(texts->language())];
     files.insert(files.begin(), std::move(texts));
+    for (Impl::Context& context : m_impl->contexts) {
+        QHash<QString, QString>& found = context.found[&files];
+        for (auto text = found.begin(); text != found.end(); ++text) {
+            *text = context.find(files, text.key());
+        }
+    }
     m_impl->loaded.insert(file);
     switchLanguage(m_impl->requested);
     return true;
@@ -129,11 +136,14 @@ QString Translator::translate(const QString& catalogue, const QString& context,
     }
     if (m_impl->active) {
         Impl::Context& texts = m_impl->contextOf(catalogue, context);
-        const QByteArray bytes = key.toUtf8();
-        QString text = texts.find(*m_impl->active, bytes);
+        QHash<QString, QString>& found = texts.found[m_impl->active];
+        const auto known = found.constFind(key);
+        if (known != found.constEnd()) {
+            return *known;
+        }
+        QString text = texts.find(*m_impl->active, key);
         if (!text.isEmpty()) {
-            texts.found.insert(bytes);
-            return text;
+            return *found.insert(key, text);
         }
     }
     if (m_impl->missing) {
@@ -149,7 +159,13 @@ QHash<QString, QStringList> Translator::otherTexts() const
         return others;
     }
     for (const Impl::Context& context : m_impl->contexts) {
-        for (const QByteArray& key : context.found) {
+        QSet<QString> keys;
+        for (const auto& [files, found] : context.found) {
+            for (auto text = found.begin(); text != found.end(); ++text) {
+                keys.insert(text.key());
+            }
+        }
+        for (const QString& key : qAsConst(keys)) {
             const QString shown = context.find(*m_impl->active, key);
             for (const auto& [language, files] : m_impl->languages) {
                 const QString text = context.find(files, key);
