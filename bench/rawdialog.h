@@ -39,6 +39,7 @@ struct RawPart
     bool isHidden = false;
     bool isCheckable = false;
     bool isReadOnly = false;
+    bool isWrapping = false;
     int decimals = 0;
     double minimum = 0;
     double maximum = 0;
@@ -103,6 +104,7 @@ inline RawPart partOf(const QWidget* control)
     part.isHidden = control->testAttribute(Qt::WA_WState_ExplicitShowHide) && control->isHidden();
     part.isCheckable = control->property("checkable").toBool();
     part.isReadOnly = control->property("readOnly").toBool();
+    part.isWrapping = control->property("wordWrap").toBool();
     if (const auto* spin = qobject_cast<const QDoubleSpinBox*>(control)) {
         part.decimals = spin->decimals();
         part.minimum = spin->minimum();
@@ -289,6 +291,8 @@ inline void setUp(QWidget* control, const RawPart& part)
         button->setCheckable(part.isCheckable);
     } else if (auto* line = qobject_cast<QLineEdit*>(control); line && part.isReadOnly) {
         line->setReadOnly(true);
+    } else if (auto* label = qobject_cast<QLabel*>(control); label && part.isWrapping) {
+        label->setWordWrap(true);
     }
     if (!part.sheet.isEmpty()) {
         control->setStyleSheet(part.sheet);
@@ -380,9 +384,9 @@ inline QByteArray toLine(const Recipe& recipe)
         stream << p.kind << p.text << p.key << p.row << p.buddy << p.sheet << p.objectName
                << p.style << p.accessibleName << p.accessibleDescription << p.toolTip << p.width
                << p.height << p.isEnabled << p.isHidden << p.isCheckable << p.isReadOnly
-               << p.decimals << p.minimum << p.maximum << p.suffix << p.format << p.value
-               << p.margins.left() << p.margins.top() << p.margins.right() << p.margins.bottom()
-               << p.spacing;
+               << p.isWrapping << p.decimals << p.minimum << p.maximum << p.suffix << p.format
+               << p.value << p.margins.left() << p.margins.top() << p.margins.right()
+               << p.margins.bottom() << p.spacing;
     }
     return bytes.toBase64();
 }
@@ -400,9 +404,9 @@ inline Recipe fromLine(const QByteArray& line)
         int bottom = 0;
         stream >> p.kind >> p.text >> p.key >> p.row >> p.buddy >> p.sheet >> p.objectName
             >> p.style >> p.accessibleName >> p.accessibleDescription >> p.toolTip >> p.width
-            >> p.height >> p.isEnabled >> p.isHidden >> p.isCheckable >> p.isReadOnly >> p.decimals
-            >> p.minimum >> p.maximum >> p.suffix >> p.format >> p.value >> left >> top >> right
-            >> bottom >> p.spacing;
+            >> p.height >> p.isEnabled >> p.isHidden >> p.isCheckable >> p.isReadOnly
+            >> p.isWrapping >> p.decimals >> p.minimum >> p.maximum >> p.suffix >> p.format
+            >> p.value >> left >> top >> right >> bottom >> p.spacing;
         p.margins = QMargins(left, top, right, bottom);
     }
     return recipe;
