@@ -18,6 +18,8 @@ public:
         listAll();
         return m_lists;
     }
+    /// The same for who does not look at shortCutInfoList, which may not have been filled yet.
+    const STLinkShortCutInfo& splitLists() const { return m_lists; }
     /// Another number after each change of the entries.
     unsigned state() const { return m_state; }
 
@@ -26,6 +28,12 @@ public:
     void edit(Change change)
     {
         listAll();
+        editToSave(std::move(change));
+    }
+    /// The same for who saves right after it: what shortCutInfoList held is lost.
+    template <typename Change>
+    void editToSave(Change change)
+    {
         if (change(m_lists)) {
             noteChange();
         }

@@ -59,7 +59,7 @@ void ShortCutMgr::setAllShortCutStr()
 {
     m_impl->pushTexts();
     emit signalClearShortCutState(m_impl->keys.isEmpty());
-    m_impl->takeTexts();
+    m_impl->takeTextsToSave();
     m_impl->save();
 }
 

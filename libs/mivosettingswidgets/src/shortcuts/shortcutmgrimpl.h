@@ -30,9 +30,12 @@ public:
     bool projectFileLoadComplete = false;
 
     void save();
-    void pushTexts() { covers.pushTexts(keys.lists(), keys.state()); }
-    /// What takeTexts() of the covers does.
+    void pushTexts() { covers.pushTexts(keys.splitLists(), keys.state()); }
+    /// @{
+    /// What takeTexts() of the covers does; the second one for who saves right after it.
     void takeTexts();
+    void takeTextsToSave();
+    /// @}
     /// Empties the table and the covers, and returns what the table held.
     std::vector<STShortCutItem> takeKeys();
     void clearKeys();
