@@ -59,7 +59,6 @@ SettingsSearch::SettingsSearch(QWidget* dialog, QVBoxLayout* navigation, QButton
 {
     QWidget* panel = navigation->parentWidget();
     m_line->setObjectName(QStringLiteral("settingsSearch"));
-    m_line->setClearButtonEnabled(true);
     m_line->setMaxLength(200);
     m_line->setGeometry(margin, margin, panel->maximumWidth() - 2 * margin, lineHeight);
     m_status->setObjectName(QStringLiteral("settingsSearchStatus"));
@@ -139,6 +138,7 @@ void SettingsSearch::changed()
     if (m_wanted.isEmpty()) {
         m_watch.stop();
     } else if (!searchedBefore) {
+        m_line->setClearButtonEnabled(true); // now, as loading its icon takes long
         if (m_places.empty()) {
             readTexts(); // else as they were at the focus, until they are followed
         }

@@ -42,8 +42,8 @@ public:
         FolderClearing::Clear clear;
     };
 
-    /// Puts `tip`, hidden, at the end of the row; the page sets its text. The widgets have no
-    /// parent until the layout is set on one.
+    /// Puts `tip`, hidden, at the end of the row; the page sets its text. The widgets are children
+    /// of the page.
     FolderRow(QWidget* page, QWidget* tip, Dependencies dependencies = {});
     ~FolderRow() override;
 

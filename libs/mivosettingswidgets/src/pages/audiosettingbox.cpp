@@ -169,7 +169,7 @@ void AudioSettingBox::Impl::layOut()
     m_add->setObjectName(QStringLiteral("addMapping"));
     m_add->setProperty("style", QStringLiteral("general"));
     setUsualHeight(m_add, 24);
-    auto* icon = new QLabel;
+    auto* icon = new QLabel(owner);
     icon->setObjectName(QStringLiteral("infoIcon"));
     icon->setFixedSize(12, 12);
     m_info->setObjectName(QStringLiteral("info"));

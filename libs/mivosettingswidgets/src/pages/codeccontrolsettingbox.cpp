@@ -114,14 +114,14 @@ private:
     void showBitDepths(std::uint32_t rangeMode);
     std::optional<Cards> fetchCards(const CallSite& site = {});
 
-    QLabel* m_label = new QLabel;
+    QLabel* m_label = new QLabel(owner);
     ComboBox* m_card = new ComboBox(owner);
     ComboBox* m_range = new ComboBox(owner);
     ComboBox* m_bitDepth = new ComboBox(owner);
     std::vector<std::uint32_t> m_shownDepths; // that can be chosen
     ComboBox* m_standard = new ComboBox(owner);
-    QLabel* m_restartIcon = new QLabel;
-    QLabel* m_restartText = new QLabel;
+    QLabel* m_restartIcon = new QLabel(owner);
+    QLabel* m_restartText = new QLabel(owner);
     STOutputConfig m_outputConfig;
 };
 

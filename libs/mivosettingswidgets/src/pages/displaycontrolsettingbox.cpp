@@ -65,17 +65,17 @@ private:
     StoredCheckBox* m_blackScreenMute = new StoredCheckBox(owner);
     StoredCheckBox* m_mfps = new StoredCheckBox(owner);
     StoredCheckBox* m_efps = new StoredCheckBox(owner);
-    QLabel* m_fadeInLabel = new QLabel;
+    QLabel* m_fadeInLabel = new QLabel(owner);
     SpinEditBox* m_fadeIn = new SpinEditBox(owner);
-    QLabel* m_fadeOutLabel = new QLabel;
+    QLabel* m_fadeOutLabel = new QLabel(owner);
     SpinEditBox* m_fadeOut = new SpinEditBox(owner);
     PushButton* m_apply = new PushButton(owner);
-    QLabel* m_hierarchyLabel = new QLabel;
+    QLabel* m_hierarchyLabel = new QLabel(owner);
     QRadioButton* m_programMgr = new QRadioButton(owner);
     QRadioButton* m_timeline = new QRadioButton(owner);
     QButtonGroup* m_hierarchy = new QButtonGroup(this);
-    QLabel* m_restartIcon = new QLabel;
-    QLabel* m_restartText = new QLabel;
+    QLabel* m_restartIcon = new QLabel(owner);
+    QLabel* m_restartText = new QLabel(owner);
 };
 
 DisplayControlSettingBox::Impl::Impl(DisplayControlSettingBox* page)

@@ -67,8 +67,8 @@ private:
     FolderRow* addFolder(const char* captionKey, const char* tipName, const char* subFolder,
                          bool (Impl::*changed)(const QString& path));
 
-    QLabel* m_timeTypeLabel = new QLabel;
-    ComboBox* m_timeType = new ComboBox;
+    QLabel* m_timeTypeLabel = new QLabel(owner);
+    ComboBox* m_timeType = new ComboBox(owner);
     QVBoxLayout* m_column = new QVBoxLayout(owner);
     FolderRow* m_playLog = nullptr;
     FolderRow* m_cache = nullptr;
@@ -116,7 +116,7 @@ FolderRow* FileInfoSettingBox::Impl::addFolder(const char* captionKey, const cha
                                                const char* subFolder,
                                                bool (Impl::*changed)(const QString& path))
 {
-    auto* tip = new mivo::widgets::AlertLabel;
+    auto* tip = new mivo::widgets::AlertLabel(owner);
     tip->setObjectName(QString::fromLatin1(tipName));
     auto* row = new FolderRow(owner, tip);
     row->setParent(this);

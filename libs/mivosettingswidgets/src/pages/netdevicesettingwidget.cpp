@@ -35,9 +35,9 @@ using mivo::widgets::SpinEditBox;
 
 namespace {
 
-SpinEditBox* numberBox(int lowest, int highest)
+SpinEditBox* numberBox(int lowest, int highest, QWidget* parent)
 {
-    auto* box = new SpinEditBox;
+    auto* box = new SpinEditBox(parent);
     box->setRange(lowest, highest);
     setUsualWidth(box, 150);
     return box;
@@ -81,9 +81,9 @@ protected:
 
 private:
     void layOut();
-    QWidget* layOutMidi();
-    QWidget* layOutDmx();
-    QWidget* layOutOsc();
+    void layOutMidi();
+    void layOutDmx();
+    void layOutOsc();
     void addTexts();
     void connectRow(PortRow& row, void (Impl::*changed)());
     /// `signature`: the caller's, in full.
@@ -113,40 +113,41 @@ private:
     template <typename Service>
     static bool use(Borrowed<Service>& borrowed, Service* service, QWidget* section);
 
-    PortRow m_tcp;
-    PortRow m_udp;
-    QGroupBox* m_external = new QGroupBox;
-    CheckBox* m_useMidi = new CheckBox;
-    QLabel* m_devicesLabel = new QLabel;
-    QListWidget* m_devices = new QListWidget;
-    CheckBox* m_useDmx = new CheckBox;
-    QLabel* m_nodeNameLabel = new QLabel;
-    EditBox* m_nodeName = new EditBox;
-    QLabel* m_channelLabel = new QLabel;
-    SpinEditBox* m_channel = numberBox(0, 512);
-    QLabel* m_subnetLabel = new QLabel;
-    SpinEditBox* m_subnet = numberBox(0, 15);
-    QLabel* m_domainLabel = new QLabel;
-    SpinEditBox* m_domain = numberBox(0, 15);
-    PushButton* m_applyDmx = new PushButton;
-    FailureLabel* m_dmxFailure = new FailureLabel;
-    CheckBox* m_useOsc = new CheckBox;
-    QLabel* m_oscPortLabel = new QLabel;
-    SpinEditBox* m_oscPort = numberBox(1, 65535);
-    FailureLabel* m_oscFailure = new FailureLabel;
-    QWidget* m_midiSection;
-    QWidget* m_dmxSection;
-    QWidget* m_oscSection;
+    PortRow m_tcp{owner};
+    PortRow m_udp{owner};
+    QGroupBox* m_external = new QGroupBox(owner);
+    QWidget* m_midiSection = new QWidget(m_external);
+    CheckBox* m_useMidi = new CheckBox(m_midiSection);
+    QLabel* m_devicesLabel = new QLabel(m_midiSection);
+    QListWidget* m_devices = new QListWidget(m_midiSection);
+    QWidget* m_dmxSection = new QWidget(m_external);
+    CheckBox* m_useDmx = new CheckBox(m_dmxSection);
+    QLabel* m_nodeNameLabel = new QLabel(m_dmxSection);
+    EditBox* m_nodeName = new EditBox(m_dmxSection);
+    QLabel* m_channelLabel = new QLabel(m_dmxSection);
+    SpinEditBox* m_channel = numberBox(0, 512, m_dmxSection);
+    QLabel* m_subnetLabel = new QLabel(m_dmxSection);
+    SpinEditBox* m_subnet = numberBox(0, 15, m_dmxSection);
+    QLabel* m_domainLabel = new QLabel(m_dmxSection);
+    SpinEditBox* m_domain = numberBox(0, 15, m_dmxSection);
+    PushButton* m_applyDmx = new PushButton(m_dmxSection);
+    FailureLabel* m_dmxFailure = new FailureLabel(m_dmxSection);
+    QWidget* m_oscSection = new QWidget(m_external);
+    CheckBox* m_useOsc = new CheckBox(m_oscSection);
+    QLabel* m_oscPortLabel = new QLabel(m_oscSection);
+    SpinEditBox* m_oscPort = numberBox(1, 65535, m_oscSection);
+    FailureLabel* m_oscFailure = new FailureLabel(m_oscSection);
 
     Borrowed<MidiPeripheral> m_midi;
     Borrowed<DmxPeripheral> m_dmx;
     Borrowed<OscPeripheral> m_osc;
 };
 
-DeviceSettingWidget::Impl::Impl(DeviceSettingWidget* page)
-    : SettingPageImpl(page, "netSetting"), m_midiSection(layOutMidi()), m_dmxSection(layOutDmx()),
-      m_oscSection(layOutOsc())
+DeviceSettingWidget::Impl::Impl(DeviceSettingWidget* page) : SettingPageImpl(page, "netSetting")
 {
+    layOutMidi();
+    layOutDmx();
+    layOutOsc();
     layOut();
     addTexts();
     for (QWidget* section : {m_midiSection, m_dmxSection, m_oscSection}) {
@@ -193,15 +194,14 @@ QBoxLayout* fieldRow(QLabel* label, int labelWidth, QWidget* field)
     return row;
 }
 
-/// A section of the external controllers: its heading, its check box, and its fields below.
-QWidget* section(const char* heading, CheckBox* use, int spacing,
-                 const std::vector<QBoxLayout*>& rows)
+/// Lays a section of the external controllers out: its heading, its check box, its fields below.
+void layOutSection(QWidget* section, const char* heading, CheckBox* use, int spacing,
+                   const std::vector<QBoxLayout*>& rows)
 {
-    auto* widget = new QWidget;
-    auto* title = new QLabel(QString::fromLatin1(heading));
+    auto* title = new QLabel(QString::fromLatin1(heading), section);
     title->setObjectName(QStringLiteral("sectionHeading"));
     setUsualWidth(use, 150);
-    auto* column = new QVBoxLayout(widget);
+    auto* column = new QVBoxLayout(section);
     column->setSpacing(spacing);
     column->setContentsMargins(10, 15, 0, 15);
     column->addWidget(title, 0, Qt::AlignLeft); // or right: a name has a direction of its own
@@ -209,19 +209,18 @@ QWidget* section(const char* heading, CheckBox* use, int spacing,
     for (QBoxLayout* row : rows) {
         column->addLayout(row);
     }
-    return widget;
 }
 
 } // namespace
 
-QWidget* DeviceSettingWidget::Impl::layOutMidi()
+void DeviceSettingWidget::Impl::layOutMidi()
 {
     m_devices->setFixedHeight(100);
     m_devices->setTabKeyNavigation(false);
-    return section("MIDI", m_useMidi, 12, {fieldRow(m_devicesLabel, 80, m_devices)});
+    layOutSection(m_midiSection, "MIDI", m_useMidi, 12, {fieldRow(m_devicesLabel, 80, m_devices)});
 }
 
-QWidget* DeviceSettingWidget::Impl::layOutDmx()
+void DeviceSettingWidget::Impl::layOutDmx()
 {
     m_nodeName->setFixedWidth(150);
     setUsualHeight(m_nodeName, 20);
@@ -231,18 +230,18 @@ QWidget* DeviceSettingWidget::Impl::layOutDmx()
     setUsualHeight(m_applyDmx, 20);
     auto* apply = rowOf({m_applyDmx}, 110);
     apply->insertWidget(1, m_dmxFailure, 1);
-    return section(
-        "DMX", m_useDmx, 10,
-        {fieldRow(m_nodeNameLabel, 100, m_nodeName), fieldRow(m_channelLabel, 100, m_channel),
-         fieldRow(m_subnetLabel, 100, m_subnet), fieldRow(m_domainLabel, 100, m_domain), apply});
+    layOutSection(m_dmxSection, "DMX", m_useDmx, 10,
+                  {fieldRow(m_nodeNameLabel, 100, m_nodeName),
+                   fieldRow(m_channelLabel, 100, m_channel), fieldRow(m_subnetLabel, 100, m_subnet),
+                   fieldRow(m_domainLabel, 100, m_domain), apply});
 }
 
-QWidget* DeviceSettingWidget::Impl::layOutOsc()
+void DeviceSettingWidget::Impl::layOutOsc()
 {
     setUsualHeight(m_oscPort, 20);
     auto* port = fieldRow(m_oscPortLabel, 80, m_oscPort);
     port->insertWidget(2, m_oscFailure, 1);
-    return section("OSC", m_useOsc, 12, {port});
+    layOutSection(m_oscSection, "OSC", m_useOsc, 12, {port});
 }
 
 void DeviceSettingWidget::Impl::layOut()

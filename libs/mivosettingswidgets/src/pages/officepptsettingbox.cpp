@@ -68,21 +68,21 @@ private:
 
     PushButton* m_tip = new PushButton(owner);
     StoredCheckBox* m_autoplay = new StoredCheckBox(owner);
-    QLabel* m_intervalLabel = new QLabel;
+    QLabel* m_intervalLabel = new QLabel(owner);
     TimeEditBox* m_interval = new TimeEditBox(owner);
-    QLabel* m_modeLabel = new QLabel;
+    QLabel* m_modeLabel = new QLabel(owner);
     QButtonGroup* m_modes = new QButtonGroup(owner);
     QRadioButton* m_animationMode = new QRadioButton(owner);
     QRadioButton* m_imageMode = new QRadioButton(owner);
-    QLabel* m_resolutionLabel = new QLabel;
-    QLabel* m_widthLabel = new QLabel(QStringLiteral("W"));
+    QLabel* m_resolutionLabel = new QLabel(owner);
+    QLabel* m_widthLabel = new QLabel(QStringLiteral("W"), owner);
     SpinEditBox* m_width = new SpinEditBox(owner);
-    QLabel* m_heightLabel = new QLabel(QStringLiteral("H"));
+    QLabel* m_heightLabel = new QLabel(QStringLiteral("H"), owner);
     SpinEditBox* m_height = new SpinEditBox(owner);
     QWidget* m_ownSizeTip = new QWidget(owner);
-    QLabel* m_ownSizeTipIcon = new QLabel;
-    QLabel* m_ownSizeTipText = new QLabel;
-    QLabel* m_presetsLabel = new QLabel;
+    QLabel* m_ownSizeTipIcon = new QLabel(m_ownSizeTip);
+    QLabel* m_ownSizeTipText = new QLabel(m_ownSizeTip);
+    QLabel* m_presetsLabel = new QLabel(owner);
     ComboBox* m_presets = new ComboBox(owner);
     PushButton* m_presetsTip = new PushButton(owner);
 

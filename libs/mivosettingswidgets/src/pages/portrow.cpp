@@ -10,7 +10,7 @@ namespace mivo::settings {
 using mivo::widgets::PushButton;
 using mivo::widgets::SpinEditBox;
 
-FailureLabel::FailureLabel()
+FailureLabel::FailureLabel(QWidget* parent) : AlertLabel(parent)
 {
     setObjectName(QStringLiteral("portFailure"));
     setWordWrap(true);
@@ -24,7 +24,9 @@ void FailureLabel::setReason(const std::string& reason)
     setVisible(!reason.empty());
 }
 
-PortRow::PortRow() : port(new SpinEditBox), open(new PushButton), close(new PushButton)
+PortRow::PortRow(QWidget* page)
+    : label(new QLabel(page)), port(new SpinEditBox(page)), open(new PushButton(page)),
+      close(new PushButton(page)), status(new QLabel(page)), failure(new FailureLabel(page))
 {
     setUsualWidth(label, 64);
     setUsualWidth(port, 80);

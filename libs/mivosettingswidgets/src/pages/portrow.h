@@ -17,25 +17,25 @@ namespace mivo::settings {
 class FailureLabel : public mivo::widgets::AlertLabel
 {
 public:
-    FailureLabel();
+    explicit FailureLabel(QWidget* parent);
     void setReason(const std::string& reason);
 };
 
 /// The controls of one listening port of the network page. GUI thread.
 struct PortRow
 {
-    PortRow();
+    explicit PortRow(QWidget* page);
 
     void show(bool isOpen, int number);
     void showFailure(const std::string& reason);
 
-    QLabel* label = new QLabel;
+    QLabel* label;
     mivo::widgets::SpinEditBox* port;
     mivo::widgets::PushButton* open;
     mivo::widgets::PushButton* close;
-    QLabel* status = new QLabel; ///< shown while it is open
-    FailureLabel* failure = new FailureLabel;
-    QHBoxLayout* layout;      ///< the page's column takes it, and with it the controls
+    QLabel* status; ///< shown while it is open
+    FailureLabel* failure;
+    QHBoxLayout* layout;      ///< the page's column takes it
     bool isRequested = false; ///< to be open
 };
 

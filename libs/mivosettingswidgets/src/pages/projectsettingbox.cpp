@@ -99,22 +99,22 @@ private:
     bool withDispatch(Use use, const CallSite& site = {});
     std::optional<ProgramList> programs(const CallSite& site = {});
 
-    StoredCheckBox* m_openRecent = new StoredCheckBox;
-    StoredCheckBox* m_defaultPlay = new StoredCheckBox;
-    ProgramButton* m_program = new ProgramButton;
-    StoredCheckBox* m_autoSave = new StoredCheckBox;
-    QLabel* m_intervalPrefix = new QLabel;
-    SpinEditBox* m_interval = new SpinEditBox;
-    QLabel* m_intervalSuffix = new QLabel;
-    QLabel* m_maxNumLabel = new QLabel;
-    SpinEditBox* m_maxNum = new SpinEditBox;
-    PushButton* m_spaceTip = new PushButton;
-    PushButton* m_open = new PushButton;
+    StoredCheckBox* m_openRecent = new StoredCheckBox(owner);
+    StoredCheckBox* m_defaultPlay = new StoredCheckBox(owner);
+    ProgramButton* m_program = new ProgramButton(owner);
+    StoredCheckBox* m_autoSave = new StoredCheckBox(owner);
+    QLabel* m_intervalPrefix = new QLabel(owner);
+    SpinEditBox* m_interval = new SpinEditBox(owner);
+    QLabel* m_intervalSuffix = new QLabel(owner);
+    QLabel* m_maxNumLabel = new QLabel(owner);
+    SpinEditBox* m_maxNum = new SpinEditBox(owner);
+    PushButton* m_spaceTip = new PushButton(owner);
+    PushButton* m_open = new PushButton(owner);
     FolderRow* m_folder = new FolderRow(owner, m_spaceTip);
-    StoredCheckBox* m_noPrompt = new StoredCheckBox;
-    StoredCheckBox* m_resetOutput = new StoredCheckBox;
-    QLabel* m_restartIcon = new QLabel;
-    QLabel* m_restartText = new QLabel;
+    StoredCheckBox* m_noPrompt = new StoredCheckBox(owner);
+    StoredCheckBox* m_resetOutput = new StoredCheckBox(owner);
+    QLabel* m_restartIcon = new QLabel(owner);
+    QLabel* m_restartText = new QLabel(owner);
     QPointer<QWidget> m_projectFileWidget;
     QString m_programName; // empty for the one played last
 };
@@ -184,6 +184,8 @@ void ProjectSettingBox::Impl::layOut()
     setUsualHeight(m_open, 24);
     m_open->setEnabled(false);
     m_folder->layout->insertWidget(m_folder->layout->indexOf(m_folder->clear), m_open);
+    QWidget::setTabOrder(m_folder->browse, m_open);
+    QWidget::setTabOrder(m_folder->clear, m_spaceTip);
     auto* resetOutput = new QHBoxLayout;
     resetOutput->addWidget(m_resetOutput);
     addRestartTip(resetOutput, m_restartIcon, m_restartText);

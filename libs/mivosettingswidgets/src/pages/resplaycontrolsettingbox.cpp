@@ -67,7 +67,7 @@ private:
     /// Queues the duration of a kind; it is shown if that kind is still chosen when it arrives.
     void queueDuration(int kind, int milliseconds);
 
-    QLabel* m_label = new QLabel;
+    QLabel* m_label = new QLabel(owner);
     ComboBox* m_kind = new ComboBox(owner);
     TimeEditBox* m_duration = new TimeEditBox(owner);
     std::deque<int> m_queuedKinds; // of the durations on their way, in their order

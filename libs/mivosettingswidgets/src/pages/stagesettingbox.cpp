@@ -66,7 +66,7 @@ private:
     std::function<QString()> m_shown;
 };
 
-PushButton* swatch(const QString& objectName, QWidget* parent = nullptr)
+PushButton* swatch(const QString& objectName, QWidget* parent)
 {
     auto* button = new PushButton(parent);
     button->setObjectName(objectName);
@@ -123,6 +123,7 @@ private:
     /// One of the two colours and its controls; what differs between them stands first.
     struct ColorRow
     {
+        QWidget* page;
         const Presets& presets;
         int headingWidth; // 0: as wide as its text
         const char* headingKey;
@@ -142,13 +143,13 @@ private:
         QString color() const;
         QColor preset(int id) const { return {presets.at(static_cast<std::size_t>(id))}; }
 
-        QLabel* heading = new QLabel;
-        QLabel* presetsLabel = new QLabel;
+        QLabel* heading = new QLabel(page);
+        QLabel* presetsLabel = new QLabel(page);
         QButtonGroup* swatches = nullptr;
-        QLabel* customLabel = new QLabel;
-        PushButton* picker = swatch(QStringLiteral("colorPicker"));
-        PushButton* dialogButton = swatch(QStringLiteral("imageBtn"));
-        EditBox* hexEdit = new EditBox;
+        QLabel* customLabel = new QLabel(page);
+        PushButton* picker = nullptr;
+        PushButton* dialogButton = nullptr;
+        EditBox* hexEdit = nullptr;
         std::array<SpinEditBox*, 3> channels{};
         QList<QWidget*> controls{}; // described by the heading
         QString reported{};         // what the store is known to hold
@@ -167,7 +168,8 @@ private:
     void notifyChangeColor(const QString& color);
     void notifyChangeTextColor(const QString& color);
 
-    ColorRow m_canvas{canvasPresets,
+    ColorRow m_canvas{owner,
+                      canvasPresets,
                       0,
                       "CanvesSetting",
                       "Canvas Color",
@@ -177,6 +179,7 @@ private:
                       &Impl::openColorDialog,
                       {&Impl::onRedChanged, &Impl::onGreenChanged, &Impl::onBlueChanged}};
     ColorRow m_output{
+        owner,
         outputPresets,
         45,
         "TextColor",
@@ -224,7 +227,6 @@ QHBoxLayout* StageSettingBox::Impl::presetsRow(ColorRow& row)
     QList<QWidget*> buttons;
     for (std::size_t id = 0; id < row.presets.size(); ++id) {
         const auto preset = QString::fromLatin1(row.presets[id]);
-        // With its parent from the start: with a style sheet, reparenting is slow.
         PushButton* button = swatch({}, owner);
         button->setCheckable(true);
         // No blank before the border's colour; kept on purpose.
@@ -236,7 +238,7 @@ QHBoxLayout* StageSettingBox::Impl::presetsRow(ColorRow& row)
         row.swatches->addButton(button, static_cast<int>(id));
         buttons.append(button);
     }
-    row.controls = buttons + QList<QWidget*>{row.picker, row.dialogButton, row.hexEdit};
+    row.controls = buttons;
     auto* swatches = rowOf(buttons);
     swatches->setSpacing(0);
     auto* layout = spacedRow({{row.presetsLabel, 10}});
@@ -248,6 +250,11 @@ QHBoxLayout* StageSettingBox::Impl::customRow(ColorRow& row)
 {
     setUsualWidth(row.customLabel, 88);
     row.customLabel->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    // Made in the order of the tab stops.
+    row.picker = swatch(QStringLiteral("colorPicker"), owner);
+    row.dialogButton = swatch(QStringLiteral("imageBtn"), owner);
+    row.hexEdit = new EditBox(owner);
+    row.controls += {row.picker, row.dialogButton, row.hexEdit};
     row.hexEdit->setObjectName(QStringLiteral("lineEdit"));
     row.hexEdit->setProperty("style", QStringLiteral("color"));
     setUsualWidth(row.hexEdit, 72);
@@ -255,8 +262,8 @@ QHBoxLayout* StageSettingBox::Impl::customRow(ColorRow& row)
     auto* layout = spacedRow(
         {{row.customLabel, 0}, {row.picker, 4}, {row.dialogButton, 16}, {row.hexEdit, 0}});
     for (const Channel channel : {red, green, blue}) {
-        auto* label = new QLabel(QString::fromLatin1(channelNames[channel]));
-        auto* box = new SpinEditBox;
+        auto* label = new QLabel(QString::fromLatin1(channelNames[channel]), owner);
+        auto* box = new SpinEditBox(owner);
         setUsualWidth(box, 58);
         box->setAlignment(Qt::AlignLeft);
         box->setRange(0, 255);

@@ -31,10 +31,10 @@ protected:
 private:
     void layOut();
 
-    QLabel* m_stepLabel = new QLabel;
+    QLabel* m_stepLabel = new QLabel(owner);
     SpinEditBox* m_stepEdit = new SpinEditBox(owner);
-    QLabel* m_tipIcon = new QLabel;
-    QLabel* m_tipText = new QLabel;
+    QLabel* m_tipIcon = new QLabel(owner);
+    QLabel* m_tipText = new QLabel(owner);
 };
 
 UndoSettingBox::Impl::Impl(UndoSettingBox* page) : SettingPageImpl(page, "GeneralSettings")
