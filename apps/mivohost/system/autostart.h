@@ -40,10 +40,9 @@ public:
 
     /// Brings the entry in line with the store at each change, and at once unless the store holds
     /// an older copy, whose word may be out of date. With others the entry stays, and each change
-    /// fails. The option
-    /// "--allow-power-actions" is in it when it was given to this start, or stands there already:
-    /// switching the start at log-on off and on again takes it away. `failed` is called on the
-    /// runtime thread, also from here.
+    /// fails. The option "--allow-power-actions" is in it when it was given to this start, or
+    /// stands there already: switching the start at log-on off and on again takes it away. `failed`
+    /// is called on the runtime thread, also from here.
     Autostart(RuntimeThread& runtime, SettingsStore& store, const QString& program,
               bool powerActionsAllowed, Settings settings, FailureHandler failed);
     ~Autostart();
