@@ -359,7 +359,7 @@ inline RawDialog makeRaw(const Recipe& recipe, const QTranslator& texts)
                     page->addLayout(controls);
                     shownRow = part.row;
                 }
-                controls->insertWidget(controls->count() - 1, control);
+                controls->insertWidget(controls->count() - 1, control, part.isWrapping ? 1 : 0);
             }
             setUp(control, part);
             follow(control, dialog);

@@ -132,13 +132,15 @@ bool SettingsSearch::eventFilter(QObject* object, QEvent* event)
 
 void SettingsSearch::changed()
 {
+    if (!m_line->text().isEmpty()) {
+        m_line->setClearButtonEnabled(true); // not before, as loading its icon takes long
+    }
     const bool searchedBefore = !m_wanted.isEmpty();
     m_wanted = searchable(m_line->text());
     m_current = {};
     if (m_wanted.isEmpty()) {
         m_watch.stop();
     } else if (!searchedBefore) {
-        m_line->setClearButtonEnabled(true); // now, as loading its icon takes long
         if (m_places.empty()) {
             readTexts(); // else as they were at the focus, until they are followed
         }

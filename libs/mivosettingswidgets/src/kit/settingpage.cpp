@@ -69,15 +69,12 @@ void SettingPageBase::unsetSettings() const
 
 bool SettingPageBase::event(QEvent* event)
 {
-    // Not while it is hidden: that would apply the style sheet to controls nobody may ever see.
-    if (event->type() == QEvent::LayoutRequest && isVisible()) {
-        fitUsualSizes(this); // before it is laid out, so that this happens once
-    }
     const bool isTaken = ISettingBox::event(event);
     if (event->type() == QEvent::Show || event->type() == QEvent::LayoutDirectionChange) {
         mirrorMargins(this);
     }
-    if (event->type() == QEvent::Show) {
+    // Not while it is hidden: that would apply the style sheet to controls nobody may ever see.
+    if (event->type() == QEvent::Show || (event->type() == QEvent::LayoutRequest && isVisible())) {
         fitUsualSizes(this);
     }
     return isTaken;

@@ -6,6 +6,7 @@
 #include <QtCore/QEvent>
 #include <QtCore/QHash>
 #include <QtCore/QPointer>
+#include <QtWidgets/QApplication>
 #include <QtWidgets/QLayout>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
@@ -115,7 +116,10 @@ private:
     static constexpr std::size_t mostFonts = 8;
     static constexpr int mostTexts = 1000;
 
-    TextSizes() : QObject(QCoreApplication::instance()) {}
+    TextSizes() : QObject(qApp)
+    {
+        connect(qApp, &QGuiApplication::fontDatabaseChanged, this, [this] { m_fonts.clear(); });
+    }
 
     OfFont& of(const QFont& font, int dotsPerInch)
     {
@@ -235,9 +239,9 @@ void fitUsualSizes(QWidget* page)
         }
     }
     if (page->layout() != nullptr && page->layout()->isEnabled()) {
-        page->layout()->activate(); // before it is painted, or walked through
-        // The sizes that were set have asked for what is done now.
+        // The sizes that were set have asked for what is done now; what that asks for stays.
         QCoreApplication::removePostedEvents(page, QEvent::LayoutRequest);
+        page->layout()->activate(); // before it is painted, or walked through
     }
 }
 

@@ -123,7 +123,6 @@ private:
     /// One of the two colours and its controls; what differs between them stands first.
     struct ColorRow
     {
-        QWidget* page;
         const Presets& presets;
         int headingWidth; // 0: as wide as its text
         const char* headingKey;
@@ -143,10 +142,10 @@ private:
         QString color() const;
         QColor preset(int id) const { return {presets.at(static_cast<std::size_t>(id))}; }
 
-        QLabel* heading = new QLabel(page);
-        QLabel* presetsLabel = new QLabel(page);
+        QLabel* heading = nullptr;
+        QLabel* presetsLabel = nullptr;
         QButtonGroup* swatches = nullptr;
-        QLabel* customLabel = new QLabel(page);
+        QLabel* customLabel = nullptr;
         PushButton* picker = nullptr;
         PushButton* dialogButton = nullptr;
         EditBox* hexEdit = nullptr;
@@ -168,8 +167,7 @@ private:
     void notifyChangeColor(const QString& color);
     void notifyChangeTextColor(const QString& color);
 
-    ColorRow m_canvas{owner,
-                      canvasPresets,
+    ColorRow m_canvas{canvasPresets,
                       0,
                       "CanvesSetting",
                       "Canvas Color",
@@ -179,7 +177,6 @@ private:
                       &Impl::openColorDialog,
                       {&Impl::onRedChanged, &Impl::onGreenChanged, &Impl::onBlueChanged}};
     ColorRow m_output{
-        owner,
         outputPresets,
         45,
         "TextColor",
@@ -199,6 +196,7 @@ StageSettingBox::Impl::Impl(StageSettingBox* page) : CheckingPageImpl(page, "Gen
     column->setContentsMargins(30, 20, 0, 16);
     int rowHeights = 0;
     for (ColorRow* row : {&m_canvas, &m_output}) {
+        row->heading = new QLabel(owner);
         column->addWidget(row->heading);
         column->addLayout(presetsRow(*row));
         column->addLayout(customRow(*row));
@@ -222,6 +220,7 @@ QHBoxLayout* StageSettingBox::Impl::presetsRow(ColorRow& row)
         setUsualWidth(row.heading, row.headingWidth);
     }
     row.heading->setObjectName(QStringLiteral("sectionHeading"));
+    row.presetsLabel = new QLabel(owner);
     setUsualWidth(row.presetsLabel, 45);
     row.swatches = new QButtonGroup(owner);
     QList<QWidget*> buttons;
@@ -248,9 +247,9 @@ QHBoxLayout* StageSettingBox::Impl::presetsRow(ColorRow& row)
 
 QHBoxLayout* StageSettingBox::Impl::customRow(ColorRow& row)
 {
+    row.customLabel = new QLabel(owner);
     setUsualWidth(row.customLabel, 88);
     row.customLabel->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    // Made in the order of the tab stops.
     row.picker = swatch(QStringLiteral("colorPicker"), owner);
     row.dialogButton = swatch(QStringLiteral("imageBtn"), owner);
     row.hexEdit = new EditBox(owner);

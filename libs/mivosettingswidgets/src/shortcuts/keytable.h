@@ -23,16 +23,11 @@ public:
     /// Another number after each change of the entries.
     unsigned state() const { return m_state; }
 
-    /// Lets `change` do what it will with the lists; it returns whether it has changed any.
+    /// Lets `change` do what it will with the lists; it returns whether it has changed any. Who
+    /// does not save right after it calls lists() before, as else what shortCutInfoList held is
+    /// lost.
     template <typename Change>
     void edit(Change change)
-    {
-        listAll();
-        editToSave(std::move(change));
-    }
-    /// The same for who saves right after it: what shortCutInfoList held is lost.
-    template <typename Change>
-    void editToSave(Change change)
     {
         if (change(m_lists)) {
             noteChange();
@@ -41,10 +36,9 @@ public:
     /// Replaces the lists, and returns what they were.
     STLinkShortCutInfo exchange(STLinkShortCutInfo lists)
     {
-        edit([&lists](STLinkShortCutInfo& held) {
-            std::swap(held, lists);
-            return true;
-        });
+        listAll();
+        std::swap(m_lists, lists);
+        noteChange();
         return lists;
     }
 

@@ -68,7 +68,7 @@ void ShortCutMgr::Impl::takeTexts()
 void ShortCutMgr::Impl::takeTextsToSave()
 {
     if (!covers.isAsPushed(keys.state())) {
-        keys.editToSave([this](STLinkShortCutInfo& lists) { return covers.takeTexts(lists); });
+        keys.edit([this](STLinkShortCutInfo& lists) { return covers.takeTexts(lists); });
     }
 }
 
