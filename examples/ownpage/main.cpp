@@ -67,7 +67,7 @@ protected:
     }
 
 private:
-    QLabel* m_label = new QLabel;
+    QLabel* m_label = new QLabel(owner);
     mivo::widgets::SpinEditBox* m_rate = new mivo::widgets::SpinEditBox(owner);
 };
 

@@ -45,7 +45,7 @@ public:
         }
     }
 
-    /// A catalogue's context, and the texts that were found in it, by language and key; as many as
+    /// A catalogue's context, and the texts that were found in it, by key and language; as many as
     /// the files have at most.
     struct Context
     {
@@ -53,7 +53,7 @@ public:
         QString name;
         QByteArray catalogueBytes = catalogue.toUtf8(); // as the files have it
         QByteArray nameBytes = name.toUtf8();
-        std::map<const Files*, QHash<QString, QString>> found{};
+        QHash<QString, QHash<const Files*, QString>> found{};
 
         QString find(const Files& files, const QString& key) const
         {
@@ -104,9 +104,8 @@ bool Translator::load(const QString& file)
     auto& files = m_impl->languages[normalised(texts->language())];
     files.insert(files.begin(), std::move(texts));
     for (Impl::Context& context : m_impl->contexts) {
-        QHash<QString, QString>& found = context.found[&files];
-        for (auto text = found.begin(); text != found.end(); ++text) {
-            *text = context.find(files, text.key());
+        for (auto& byLanguage : context.found) {
+            byLanguage.remove(&files); // the new file may have another
         }
     }
     m_impl->loaded.insert(file);
@@ -136,14 +135,14 @@ QString Translator::translate(const QString& catalogue, const QString& context,
     }
     if (m_impl->active) {
         Impl::Context& texts = m_impl->contextOf(catalogue, context);
-        QHash<QString, QString>& found = texts.found[m_impl->active];
-        const auto known = found.constFind(key);
-        if (known != found.constEnd()) {
-            return *known;
-        }
-        QString text = texts.find(*m_impl->active, key);
+        QString text = texts.found.value(key).value(m_impl->active);
         if (!text.isEmpty()) {
-            return *found.insert(key, text);
+            return text;
+        }
+        text = texts.find(*m_impl->active, key);
+        if (!text.isEmpty()) {
+            texts.found[key].insert(m_impl->active, text);
+            return text;
         }
     }
     if (m_impl->missing) {
@@ -159,13 +158,8 @@ QHash<QString, QStringList> Translator::otherTexts() const
         return others;
     }
     for (const Impl::Context& context : m_impl->contexts) {
-        QSet<QString> keys;
-        for (const auto& [files, found] : context.found) {
-            for (auto text = found.begin(); text != found.end(); ++text) {
-                keys.insert(text.key());
-            }
-        }
-        for (const QString& key : qAsConst(keys)) {
+        for (auto found = context.found.begin(); found != context.found.end(); ++found) {
+            const QString& key = found.key();
             const QString shown = context.find(*m_impl->active, key);
             for (const auto& [language, files] : m_impl->languages) {
                 const QString text = context.find(files, key);

@@ -59,12 +59,13 @@ void ShortCutMgr::setAllShortCutStr()
 {
     m_impl->pushTexts();
     emit signalClearShortCutState(m_impl->keys.isEmpty());
-    m_impl->takeTextsToSave();
+    m_impl->takeTexts();
     m_impl->save();
 }
 
 void ShortCutMgr::setProgramShortCutInfo()
 {
+    m_impl->keys.lists(); // nothing is saved here
     m_impl->takeTexts();
 }
 

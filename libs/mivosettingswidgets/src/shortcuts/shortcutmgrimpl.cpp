@@ -61,12 +61,6 @@ void ShortCutMgr::Impl::save()
 
 void ShortCutMgr::Impl::takeTexts()
 {
-    keys.lists(); // what they held before stays in the list of all
-    takeTextsToSave();
-}
-
-void ShortCutMgr::Impl::takeTextsToSave()
-{
     if (!covers.isAsPushed(keys.state())) {
         keys.edit([this](STLinkShortCutInfo& lists) { return covers.takeTexts(lists); });
     }

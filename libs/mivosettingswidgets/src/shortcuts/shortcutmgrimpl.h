@@ -31,11 +31,8 @@ public:
 
     void save();
     void pushTexts() { covers.pushTexts(keys.splitLists(), keys.state()); }
-    /// @{
-    /// What takeTexts() of the covers does; the second one for who saves right after it.
+    /// What takeTexts() of the covers does, by edit() of the keys.
     void takeTexts();
-    void takeTextsToSave();
-    /// @}
     /// Empties the table and the covers, and returns what the table held.
     std::vector<STShortCutItem> takeKeys();
     void clearKeys();
