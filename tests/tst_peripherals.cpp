@@ -219,7 +219,10 @@ TEST_F(Dmx, AChannelIsLearnedAndTriggersOnItsWayUpThroughItsMiddle)
     service.learn(187, "a");
     play({{artDmx(7, 255), {"187 a DMX 7 refused"}},
           {artDmx(0, 0), {}},
-          {artDmx(7, 255), {"188 b DMX 7"}}});
+          {artDmx(7, 255), {"188 b DMX 7"}},
+          {artDmx(0, 0), {}}});
+    service.setAddress({}); // as after a sleep
+    play({{artDmx(7, 255), {}}, {artDmx(0, 0), {}}, {artDmx(7, 255), {"188 b DMX 7"}}});
 }
 
 TEST_F(Dmx, TheInputIsOneUniverseFromItsOffsetAndAnswersThePollOfAConsole)

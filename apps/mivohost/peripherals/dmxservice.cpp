@@ -61,14 +61,25 @@ void DmxService::setInfo(const SAddDMXInfo& info)
     m_info.channelOffset = std::clamp(info.channelOffset, 0, channels);
     m_info.subnet = std::clamp(info.subnet, 0, 15);
     m_info.domain = std::clamp(info.domain, 0, 15);
-    m_senders.clear();
-    m_levels = {};
+    forgetSenders();
     if (m_info.enabled) {
         m_input.open(m_port);
     } else {
         m_input.close();
     }
     infoChanged(m_info);
+}
+
+void DmxService::setAddress(const QHostAddress& address)
+{
+    forgetSenders();
+    m_input.setAddress(address);
+}
+
+void DmxService::forgetSenders()
+{
+    m_senders.clear();
+    m_levels = {};
 }
 
 void DmxService::read()

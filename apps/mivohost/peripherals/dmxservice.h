@@ -37,8 +37,9 @@ public:
     void setInfo(const mivo::peripheralcontrol::SAddDMXInfo& info) override;
     mivo::peripheralcontrol::SAddDMXInfo info() const override { return m_info; }
     std::string failure() const override { return m_input.failure(); }
-    /// See UdpInput. Broadcasts that come by the card with that address are received.
-    void setAddress(const QHostAddress& address) { m_input.setAddress(address); }
+    /// See UdpInput. Broadcasts that come by the card with that address are received. All senders
+    /// are new then, as after a sleep, when their levels may have changed unheard.
+    void setAddress(const QHostAddress& address);
     /// Gets every datagram that comes in from now on; borrowed.
     void setTap(InputTap& tap) { m_tap = &tap; }
 
@@ -58,6 +59,7 @@ private:
         Levels levels{};
     };
 
+    void forgetSenders();
     void read();
     bool isForThis(const ArtNetDatagram& datagram) const;
     bool take(const ArtNetDatagram& datagram, const QHostAddress& sender, std::vector<int>& rising);
