@@ -8,6 +8,7 @@
 #include "surface/importdialog.h"
 #include "surface/inputmonitor.h"
 #include "surface/mainwindow.h"
+#include "surface/screenfit.h"
 #include "surface/settingsview.h"
 
 #include "support/test.h"
@@ -16,6 +17,8 @@
 #include <mivosettingswidgets/settingsdialog.h>
 #include <mivowidgets/alertlabel.h>
 #include <mivowidgets/colordialog.h>
+
+#include <QtGui/QScreen>
 
 #include <cmath>
 #include <deque>
@@ -335,6 +338,33 @@ TEST_F(LooksTest, LeaveSheetsOfOtherMakersTheLastWord)
         EXPECT_EQ(list.palette().color(QPalette::Base).name(),
                   look == Look::dark ? "#15181c" : "#ffffff");
     }
+}
+
+TEST(ScreenFit, BringsWindowsOntoTheirScreen)
+{
+    const ScreenFit screenFit;
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    const auto shown = [&screen](QWidget& window, QPoint position) {
+        window.move(position);
+        window.show();
+        QApplication::processEvents();
+        window.hide();
+        return screen.contains(window.frameGeometry());
+    };
+    QWidget wide;
+    QDialog fixed;
+    wide.resize(5000, 300);
+    fixed.setFixedSize(300, 5000);
+    for (const QPoint& position : {QPoint(0, 0), QPoint(700, -50)}) {
+        EXPECT_TRUE(shown(wide, position));
+        EXPECT_TRUE(shown(fixed, position));
+        EXPECT_EQ(fixed.minimumSize(), fixed.maximumSize());
+    }
+    QDialog small;
+    small.setFixedSize(200, 100);
+    EXPECT_TRUE(shown(small, {50, 60}));
+    EXPECT_EQ(small.pos(), QPoint(50, 60));
+    EXPECT_EQ(small.size(), QSize(200, 100));
 }
 
 } // namespace lookstest

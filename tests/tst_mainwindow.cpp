@@ -6,7 +6,6 @@
 #include "surface/actiontools.h"
 #include "surface/bindingsheet.h"
 #include "surface/importdialog.h"
-#include "surface/screenfit.h"
 #include "surface/settingstexts.h"
 #include "system/tray.h"
 
@@ -14,8 +13,6 @@
 #include "support/projecttest.h"
 
 #include <mivosettingswidgets/settingsdialog.h>
-
-#include <QtGui/QScreen>
 
 namespace projecttest {
 
@@ -265,7 +262,10 @@ TEST_F(Window, ImportsTheSettingsThatAreTicked)
 
 TEST_F(Window, ExportsTheSectionsThatAreTicked)
 {
-    const QString path = this->path("settings.json");
+    const QString path = this->path("settings 1.2.json");
+    const auto type = [this](QFileDialog& chooser) {
+        chooseFolder(chooser, this->path("settings 1.2"));
+    };
     const auto exportUndo = [this](const std::function<void(QFileDialog&)>& choose) {
         whenModal<QDialog>([&choose](QDialog& sections) {
             for (auto* box : sections.findChildren<QCheckBox*>()) {
@@ -276,7 +276,7 @@ TEST_F(Window, ExportsTheSectionsThatAreTicked)
         });
         window.transfer().chooseExport();
     };
-    exportUndo([&](QFileDialog& chooser) { chooseFolder(chooser, path); });
+    exportUndo(type);
     EXPECT_TRUE(
         says("The settings have been exported to " + QDir::toNativeSeparators(path).toStdString()));
     EXPECT_TRUE(readFile(path).contains("\"settings\": {\n        \"undoStep\": 50\n    }"))
@@ -284,8 +284,17 @@ TEST_F(Window, ExportsTheSectionsThatAreTicked)
     const QFileDialog other(nullptr, {}, QDir::rootPath()); // whose folder Qt remembers
     exportUndo([&](QFileDialog& chooser) {
         EXPECT_EQ(chooser.directory().path(), folder.path());
-        chooser.reject();
+        whenModal<QMessageBox>([this](QMessageBox& question) {
+            asked.append(question.text());
+            whenModal<QFileDialog>([](QFileDialog& again) { again.reject(); });
+            question.button(QMessageBox::No)->click();
+        });
+        type(chooser);
     });
+    EXPECT_EQ(asked, QStringList{"settings 1.2.json already exists.\nDo you want to replace it?"});
+    const QString capitals = this->path("OTHER.JSON");
+    exportUndo([&](QFileDialog& chooser) { chooseFolder(chooser, capitals); });
+    EXPECT_TRUE(says("OTHER.JSON") && QFile::exists(capitals));
     window.transfer().exportTo(folder.path(), {SettingsFile::Section::undo});
     EXPECT_TRUE(says("The settings were not exported: "
                      + QDir::toNativeSeparators(folder.path()).toStdString()));
@@ -427,33 +436,6 @@ TEST_F(Window, HasEveryTextInTheLanguageThatIsChosen)
         EXPECT_EQ(window.findChild<QLabel*>("hostTitle")->text(), hostText("Title"));
         EXPECT_EQ(runtime.call([this] { return store->getLanguage(); }), language);
     }
-}
-
-TEST(ScreenFit, BringsWindowsOntoTheirScreen)
-{
-    const mivohost::ScreenFit screenFit;
-    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
-    const auto shown = [&screen](QWidget& window, QPoint position) {
-        window.move(position);
-        window.show();
-        QApplication::processEvents();
-        window.hide();
-        return screen.contains(window.frameGeometry());
-    };
-    QWidget wide;
-    QDialog fixed;
-    wide.resize(5000, 300);
-    fixed.setFixedSize(300, 5000);
-    for (const QPoint& position : {QPoint(0, 0), QPoint(700, -50)}) {
-        EXPECT_TRUE(shown(wide, position));
-        EXPECT_TRUE(shown(fixed, position));
-        EXPECT_EQ(fixed.minimumSize(), fixed.maximumSize());
-    }
-    QDialog small;
-    small.setFixedSize(200, 100);
-    EXPECT_TRUE(shown(small, {50, 60}));
-    EXPECT_EQ(small.pos(), QPoint(50, 60));
-    EXPECT_EQ(small.size(), QSize(200, 100));
 }
 
 } // namespace projecttest

@@ -335,7 +335,7 @@ QString ActionPanel::askForBindings(bool saving)
 {
     return askForFile(this, saving ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen,
                       hostText(saving ? "ExportShortcuts" : "ImportShortcuts"),
-                      hostText("ShortcutFiles"), QStringLiteral("json"));
+                      hostText("ShortcutFiles"), {QStringLiteral("json")});
 }
 
 void ActionPanel::exportAll()

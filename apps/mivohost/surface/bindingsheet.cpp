@@ -24,13 +24,6 @@ namespace mivohost {
 
 using mivo::settings::ShortCutMgr;
 
-namespace {
-
-const QString htmlSuffix = QStringLiteral("html");
-const QString pdfSuffix = QStringLiteral("pdf");
-
-} // namespace
-
 struct BindingSheet::Layout
 {
     std::mutex mutex; // held while something is laid out
@@ -80,8 +73,8 @@ BindingSheet::BindingSheet(const ShortCutMgr& manager, Peripherals& peripherals,
         showState({});
     });
     mivo::widgets::goToByFindKeys(*m_text, *this);
-    connect(m_pdf, &QPushButton::clicked, this, [this] { askAndSave(pdfSuffix); });
-    connect(m_html, &QPushButton::clicked, this, [this] { askAndSave(htmlSuffix); });
+    connect(m_pdf, &QPushButton::clicked, this, [this] { askAndSave({"pdf", "html", "htm"}); });
+    connect(m_html, &QPushButton::clicked, this, [this] { askAndSave({"html", "htm", "pdf"}); });
     connect(&manager, &ShortCutMgr::signalShortCutSave, this, &BindingSheet::refill);
     connect(&manager, &ShortCutMgr::signalUpdateClearPeripheralsState, this, &BindingSheet::refill);
 }
@@ -131,10 +124,10 @@ void BindingSheet::showState(const QString& state)
     m_state->setVisible(!m_state->text().isEmpty());
 }
 
-void BindingSheet::askAndSave(const QString& suffix)
+void BindingSheet::askAndSave(const QStringList& suffixes)
 {
     const QString path = askForFile(this, QFileDialog::AcceptSave, hostText("BindingSheet"),
-                                    hostText("BindingSheet"), suffix);
+                                    hostText("BindingSheet"), suffixes);
     if (!path.isEmpty()) {
         saveTo(path);
     }

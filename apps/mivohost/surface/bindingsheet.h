@@ -45,7 +45,7 @@ private:
     struct Layout;
 
     void refill();
-    void askAndSave(const QString& suffix);
+    void askAndSave(const QStringList& suffixes);
     void showState(const QString& state);
 
     const mivo::settings::ShortCutMgr& m_manager;

@@ -96,7 +96,7 @@ QString ProjectMenu::askForProject(bool saving)
     const QString& file = m_project.state().file;
     return askForFile(&m_window, saving ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen,
                       hostText(saving ? "SaveProjectTitle" : "OpenProjectTitle"),
-                      hostText("ProjectFiles"), suffix,
+                      hostText("ProjectFiles"), {suffix},
                       file.isEmpty() ? QString() : QFileInfo(file).absolutePath(),
                       saving ? projectName() + '.' + suffix : QString());
 }

@@ -100,7 +100,7 @@ QString SettingsTransfer::askForSettings(bool saving)
 {
     return askForFile(m_window, saving ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen,
                       hostText(saving ? "ExportSettingsTitle" : "ImportSettingsTitle"),
-                      hostText("SettingsFiles"), QStringLiteral("json"), {},
+                      hostText("SettingsFiles"), {QStringLiteral("json")}, {},
                       saving ? QStringLiteral("settings.json") : QString());
 }
 
