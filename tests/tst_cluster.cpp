@@ -88,7 +88,6 @@ private:
 TEST_F(Cluster, AChangeReachesTheOtherMachineWhateverHappensToTheServers)
 {
     for (const auto& [members, fault, repair] : {std::tuple(1, "", ""),
-                                                 {1, "kill 0", "start 0"},
                                                  {1, "hang 0", "continue 0"},
                                                  {3, "kill 0", ""},
                                                  {3, "kill leader", ""},
@@ -431,7 +430,8 @@ TEST_F(Cluster, TheWindowTellsHowItStandsAndSetsAgainWhatWasLost)
         return bar.findChild<QLabel*>(name)->text().contains(text);
     };
     EXPECT_TRUE(a.becomes([&] { return shows("showState", "refused"); }));
-    EXPECT_TRUE(shows("showState", "Show “Show-1”: alone since "));
+    const QString today = QLocale::system().toString(QDate::currentDate(), QLocale::ShortFormat);
+    EXPECT_TRUE(shows("showState", "Show “Show-1”: alone since " + today)) << "for days, perhaps";
     window.show();
     emit a.synchroniser().lost({"undoStep", 80, 70, "b"});
     emit a.synchroniser().lost({"shortcut:211:a%2Fb", "Ctrl + K", "Ctrl + L", "b"});
@@ -449,5 +449,4 @@ TEST_F(Cluster, TheWindowTellsHowItStandsAndSetsAgainWhatWasLost)
     }));
     bar.findChild<QPushButton*>("leaveLost")->click();
     EXPECT_FALSE(bar.findChild<QLabel*>("lostChange")->isVisible());
-    EXPECT_EQ(a.state().waiting, 1);
 }

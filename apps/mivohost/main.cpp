@@ -43,7 +43,6 @@
 #include <QtCore/QDir>
 #include <QtCore/QEventLoop>
 #include <QtCore/QFileInfo>
-#include <QtCore/QLocale>
 #include <QtCore/QStandardPaths>
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QTimer>
@@ -75,11 +74,6 @@ ExitCode refuse(ExitCode code, const QString& message, bool withWindow)
         QMessageBox::critical(nullptr, QStringLiteral("mivohost"), message);
     }
     return code;
-}
-
-QString timeText(const QDateTime& time)
-{
-    return QLocale::system().toString(time.toLocalTime(), QLocale::ShortFormat);
 }
 
 /// Folders that the settings start with; each is made when something is to be put there.

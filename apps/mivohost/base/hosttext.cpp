@@ -91,6 +91,11 @@ QString hostText(const QString& key)
                                     QStringLiteral("MivoHost"), QStringLiteral("MainWindow"), key);
 }
 
+QString timeText(const QDateTime& time)
+{
+    return QLocale::system().toString(time.toLocalTime(), QLocale::ShortFormat);
+}
+
 QString searchText(const QString& text)
 {
     const QString folded = text.normalized(QString::NormalizationForm_KD).toCaseFolded();

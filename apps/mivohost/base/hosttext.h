@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QtCore/QDateTime>
 #include <QtCore/QString>
 
 namespace mivohost {
@@ -24,6 +25,9 @@ inline QString hostText(const char* key)
 {
     return hostText(QString::fromLatin1(key));
 }
+
+/// A date and time of day as the system writes them, in this machine's time zone. Any thread.
+QString timeText(const QDateTime& time);
 
 /// A text as it is looked for: without case and accents. Any thread.
 QString searchText(const QString& text);

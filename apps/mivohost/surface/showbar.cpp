@@ -11,7 +11,6 @@
 #include <mivowidgets/alertlabel.h>
 
 #include <QtCore/QCoreApplication>
-#include <QtCore/QLocale>
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QPushButton>
@@ -52,14 +51,6 @@ QString listText(const QStringList& names, ToText toText)
         texts.append(QStringLiteral("…"));
     }
     return texts.join(QStringLiteral(", "));
-}
-
-QString timeText(const QDateTime& time)
-{
-    const QDateTime local = time.toLocalTime();
-    const bool isToday = local.date() == QDate::currentDate();
-    return isToday ? QLocale::system().toString(local.time(), QLocale::ShortFormat)
-                   : QLocale::system().toString(local, QLocale::ShortFormat);
 }
 
 } // namespace
