@@ -163,11 +163,21 @@ TEST_F(Panel, ABoundKeyGoesBeforeMenusButNotBeforeTyping)
     EXPECT_EQ(kept().size(), 3U) << "another version may know them";
 
     bindKey(take, Qt::Key_A);
+    bindKey(187, Qt::Key_1, Qt::ControlModifier | Qt::AltModifier);
     auto* field = new QLineEdit;
     window->layout()->addWidget(field);
     field->setFocus();
     press(Qt::Key_N, Qt::ControlModifier);
     EXPECT_EQ(triggered(), used) << "a command, not a text";
+#ifdef Q_OS_WIN
+    const bool isText = true; // typed with AltGr
+#else
+    const bool isText = false; // X11 gives Ctrl+Alt+1 a text too
+#endif
+    QKeyEvent one(QEvent::KeyPress, Qt::Key_1, Qt::ControlModifier | Qt::AltModifier, "1");
+    QApplication::sendEvent(field, &one);
+    EXPECT_EQ(field->text() == "1", isText);
+    EXPECT_EQ(triggered(), isText ? "" : "Global/OutputSwitch by Ctrl + Alt + 1");
     press(Qt::Key_A);
     whenModal<QDialog>([](QDialog& dialog) {
         press(Qt::Key_N, Qt::ControlModifier);

@@ -33,9 +33,15 @@ bool takesText(const QWidget* widget)
 
 bool isForText(const QKeyEvent& event)
 {
-    const auto commands = Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
-    return !(event.modifiers() & commands)
-           && (event.key() < Qt::Key_F1 || event.key() > Qt::Key_F35);
+    const auto commands =
+        event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier);
+#ifdef Q_OS_WIN // AltGr comes as these two, with a text where the layout has one there
+    const bool isAltGr = commands == (Qt::ControlModifier | Qt::AltModifier)
+                         && !event.text().isEmpty() && event.text().at(0).isPrint();
+#else // a command, though X11 gives it the text of some keys
+    const bool isAltGr = false;
+#endif
+    return (!commands || isAltGr) && (event.key() < Qt::Key_F1 || event.key() > Qt::Key_F35);
 }
 
 } // namespace
