@@ -51,10 +51,18 @@ TEST_F(AutoSaveTest, KeepsTheNewestOfItsOwnAndTouchesNothingElse)
 
     const QStringList foreign{"show-20200101-000000.mivo",    // saved by the user under such a name
                               "show-20200101-000001.mivo",    // of another project of that name
+                              "show-20200101-000002.mivo",    // by another machine
+                              "show-20200101-000003.mivo",    // by an old version, on any machine
                               "show-2-20200101-000000.mivo"}; // of another name
     writeFile(path("saves/" + foreign[0]), projectToJson(smallShow()));
-    writeFile(path("saves/" + foreign[1]), projectToJson(smallShow(), "/elsewhere/show.mivo"));
-    writeFile(path("saves/" + foreign[2]), content);
+    const auto mark = automaticSaveMark(content).value();
+    const QByteArray elsewhere = projectToJson(smallShow(), {{"/elsewhere", mark.machine}});
+    writeFile(path("saves/" + foreign[1]), elsewhere);
+    const QByteArray others = projectToJson(smallShow(), {{mark.project, "another"}});
+    writeFile(path("saves/" + foreign[2]), others);
+    const QByteArray old = projectToJson(smallShow(), {{mark.project, {}}});
+    writeFile(path("saves/" + foreign[3]), old);
+    writeFile(path("saves/" + foreign[4]), content);
     writeFile(path("saves/.show-20260503-100001.mivo.abc123.saving")); // of a killed writer
     for (const char* time : {"10:05", "10:10", "10:15", "10:20"}) {
         saveAt(time);
@@ -78,6 +86,13 @@ TEST_F(AutoSaveTest, KeepsTheNewestOfItsOwnAndTouchesNothingElse)
     runtime.call([this] { store->setAutoSaveProjectFilesMaxNum(1); });
     saveAt("11:00");
     expectBesideForeign({"show-20260504-110000.mivo"});
+
+    const QDir own(ownSavesFolder()); // no other machine's
+    EXPECT_TRUE(own.mkpath("."));
+    writeFile(own.filePath(foreign[3]), old);
+    runtime.call([&] { store->setAutoSavePath(own.path()); });
+    saveAt("12:00");
+    EXPECT_FALSE(own.exists(foreign[3]));
     EXPECT_EQ(failed, QStringList());
 }
 

@@ -331,14 +331,20 @@ TEST_F(Window, KeepsAllSettingsInAFileBeforeASectionIsPutBack)
     EXPECT_TRUE(told.contains(QDir::toNativeSeparators(kept.path() + "/settings-"))) << told;
     QFile::remove(kept.path());
     QDir().mkpath(kept.path());
-    for (int i = 10; i < 22; ++i) {
-        writeFile(kept.filePath(QString("settings-2099%1.json").arg(i)));
+    for (int i = 10; i < 22; ++i) { // from before the clock was set back
+        QFile later(kept.filePath(QString("settings-2099%1.json").arg(i)));
+        EXPECT_TRUE(later.open(QIODevice::WriteOnly)
+                    && later.setFileTime(QDateTime(QDate(2099, 1, i), {}),
+                                         QFileDevice::FileModificationTime));
     }
     EXPECT_EQ(putBack(), 50);
     EXPECT_EQ(kept.entryList(QDir::Files).size(), 10);
-    const QString file = kept.filePath(kept.entryList(QDir::Files, QDir::Time).at(0));
+    const QString file = kept.filePath(kept.entryList(QDir::Files).at(0));
     EXPECT_TRUE(told.contains(QDir::toNativeSeparators(file))) << told;
     EXPECT_TRUE(readFile(file).contains("\"undoStep\": 81"));
+    runtime.call([this] { store->setUndoStep(82); });
+    putBack();
+    EXPECT_TRUE(QFile::exists(file)) << "the next one takes the place of another";
 }
 
 TEST_F(Window, HasEveryTextInTheLanguageThatIsChosen)

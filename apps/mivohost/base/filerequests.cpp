@@ -2,7 +2,6 @@
 
 #include <zrcutils/nocachefile.h>
 
-#include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 
@@ -50,6 +49,17 @@ QString saveFile(const QString& path, const std::string& content)
     std::error_code error;
     NoCacheFile::saveToFile(path.toStdString(), content, error, NoCacheFile::Access::umask);
     return error ? qt_error_string(error.value()) : QString();
+}
+
+void removeOlder(const QDir& folder, QStringList others, const QString& newest, int kept)
+{
+    others.removeAll(newest);
+    std::sort(others.begin(), others.end());
+    std::rotate(others.begin(), std::upper_bound(others.begin(), others.end(), newest),
+                others.end());
+    while (!others.isEmpty() && others.size() >= kept) {
+        QFile::remove(folder.filePath(others.takeFirst()));
+    }
 }
 
 QString fileProblem(const QString& path, const QString& reason)

@@ -2,8 +2,10 @@
 
 #include <mivoqutils/filetask.h>
 
+#include <QtCore/QDir>
 #include <QtCore/QObject>
 #include <QtCore/QString>
+#include <QtCore/QStringList>
 
 #include <chrono>
 #include <functional>
@@ -34,6 +36,11 @@ FileContent readFile(const QString& path, std::size_t mostBytes);
 
 /// Writes a file of the user's; empty, or why it is as it was. Threads as above.
 QString saveFile(const QString& path, const std::string& content);
+
+/// Keeps `newest` and, of `others`, as many as make `kept` together; all are names of one form in
+/// `folder`, with their times in them. By the names, as a copied folder has other file times; where
+/// the clock was set back, what bears a later time than `newest` is the older. Threads as above.
+void removeOlder(const QDir& folder, QStringList others, const QString& newest, int kept);
 
 /// Which file it was and why, for reasonText(). Any thread.
 QString fileProblem(const QString& path, const QString& reason);

@@ -5,8 +5,6 @@
 #include "mivohostkit/settingsstore.h"
 
 #include <QtCore/QDateTime>
-#include <QtCore/QDir>
-#include <QtCore/QStandardPaths>
 
 #include <chrono>
 #include <utility>
@@ -97,9 +95,8 @@ void AutoSave::save(const QDateTime& now)
 QString AutoSave::saveAtTheEnd()
 {
     AutomaticSave save = m_runtime.call([this] { return snapshot(QDateTime::currentDateTime()); });
-    const QDir own(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation));
     AutomaticSaveResult result;
-    for (const QString& folder : {save.folder, own.filePath(QStringLiteral("projectbackups"))}) {
+    for (const QString& folder : {save.folder, ownSavesFolder()}) {
         save.folder = folder;
         FileTask task;
         task.start(

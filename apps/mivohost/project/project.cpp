@@ -18,6 +18,7 @@ constexpr double highestId = 9007199254740992.0; // 2^53: JSON numbers are exact
 
 const QString formatKey = QStringLiteral("mivoProject");
 const QString markKey = QStringLiteral("automaticSaveOf");
+const QString machineKey = QStringLiteral("savedByMachine");
 
 /// A fade time in seconds; the default of a new program for what is no fade time.
 double fadeOf(const QJsonValue& value)
@@ -70,7 +71,7 @@ int Project::setFadeTimes(double fadeIn, double fadeOut)
     return changed;
 }
 
-QByteArray projectToJson(const Project& project, const QString& automaticSaveOf)
+QByteArray projectToJson(const Project& project, const std::optional<AutomaticSaveMark>& mark)
 {
     QJsonArray groups;
     for (const Project::Group& group : project.groups) {
@@ -89,8 +90,9 @@ QByteArray projectToJson(const Project& project, const QString& automaticSaveOf)
                                                  {"programId", project.defaultPlay.programId},
                                                  {"programName", project.defaultPlay.programName}}},
                      {"lastPlayed", project.lastPlayed}};
-    if (!automaticSaveOf.isNull()) {
-        root.insert(markKey, automaticSaveOf);
+    if (mark) {
+        root.insert(markKey, mark->project);
+        root.insert(machineKey, mark->machine);
     }
     return QJsonDocument(root).toJson();
 }
@@ -133,10 +135,13 @@ std::optional<Project> projectFromJson(const QByteArray& content, QString& error
     return project;
 }
 
-QString automaticSaveMark(const QByteArray& content)
+std::optional<AutomaticSaveMark> automaticSaveMark(const QByteArray& content)
 {
-    const QJsonValue mark = QJsonDocument::fromJson(content).object().value(markKey);
-    return mark.isString() ? mark.toString(QLatin1String("")) : QString();
+    const QJsonObject root = QJsonDocument::fromJson(content).object();
+    const QJsonValue project = root.value(markKey);
+    return project.isString() ? std::optional(
+               AutomaticSaveMark{project.toString(), root.value(machineKey).toString()})
+                              : std::nullopt;
 }
 
 Project sampleShow()

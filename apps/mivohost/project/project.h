@@ -52,15 +52,20 @@ struct Project
     int setFadeTimes(double fadeIn, double fadeOut);
 };
 
-/// The content of a project file (JSON). `automaticSaveOf` marks it as an automatic save of that
-/// project, whose path may be empty; null: it is none.
-QByteArray projectToJson(const Project& project, const QString& automaticSaveOf = {});
+/// What tells an automatic save from every other file.
+struct AutomaticSaveMark
+{
+    QString project; ///< whose save it is: the path of its file; empty where it has none
+    QString machine; ///< that saved it; empty: a version that did not note it
+};
+
+/// The content of a project file (JSON).
+QByteArray projectToJson(const Project& project, const std::optional<AutomaticSaveMark>& mark = {});
 
 /// Nothing, and the reason in `error`, for what is no project file.
 std::optional<Project> projectFromJson(const QByteArray& content, QString& error);
 
-/// The mark of an automatic save; null for every other file.
-QString automaticSaveMark(const QByteArray& content);
+std::optional<AutomaticSaveMark> automaticSaveMark(const QByteArray& content);
 
 /// The show that a new project starts with, in the language in force. GUI thread.
 Project sampleShow();

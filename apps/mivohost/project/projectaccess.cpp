@@ -4,10 +4,13 @@
 
 #include <zrcutils/nocachefile.h>
 
+#include <QtCore/QCryptographicHash>
 #include <QtCore/QDateTime>
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
+#include <QtCore/QStandardPaths>
+#include <QtCore/QSysInfo>
 
 #include <algorithm>
 #include <utility>
@@ -52,18 +55,25 @@ QString nameWithRoom(QString name)
     return name;
 }
 
-/// The project's automatic saves in `folder`, the oldest first by their names; empty files are ones
-/// that a full disk left.
+/// The project's automatic saves in `folder`; empty files are ones that a full disk left.
 struct OwnSaves
 {
     QStringList good;
     QStringList empty;
 };
 
-OwnSaves ownSaves(const QDir& folder, const QString& name, const QString& mark)
+/// One of them for machines that were copied from each other, and one for those of one name.
+QString thisMachine()
+{
+    const QByteArray id = QSysInfo::machineUniqueId() + QSysInfo::machineHostName().toUtf8();
+    return QString::fromLatin1(QCryptographicHash::hash(id, QCryptographicHash::Sha1).toHex());
+}
+
+OwnSaves ownSaves(const QDir& folder, const QString& name, const AutomaticSaveMark& mark)
 {
     OwnSaves saves;
-    for (const QString& file : folder.entryList(QDir::Files | QDir::Hidden, QDir::Name)) {
+    const bool noneIsAnothers = isSamePath(folder.path(), ownSavesFolder());
+    for (const QString& file : folder.entryList(QDir::Files | QDir::Hidden)) {
         if (!file.startsWith(name) || !isTimeSuffix(file.mid(name.size()))) {
             continue;
         }
@@ -71,8 +81,10 @@ OwnSaves ownSaves(const QDir& folder, const QString& name, const QString& mark)
         if (input.size() == 0) {
             saves.empty.append(file);
         } else if (input.open(QIODevice::ReadOnly)) {
-            const QString found = automaticSaveMark(input.read(largestFile));
-            if (!found.isNull() && found == mark) {
+            const auto found = automaticSaveMark(input.read(largestFile));
+            if (found && found->project == mark.project
+                && (found->machine == mark.machine
+                    || (found->machine.isEmpty() && noneIsAnothers))) {
                 saves.good.append(file);
             }
         }
@@ -96,7 +108,7 @@ ReadProject readProject(const QString& file)
     }
     const QByteArray content = input.read(largestFile);
     result.project = projectFromJson(content, result.error);
-    result.automaticSaveOf = automaticSaveMark(content);
+    result.automaticSaveOf = automaticSaveMark(content).value_or(AutomaticSaveMark()).project;
     NoCacheFile::removeLeftovers(QFileInfo(file).path().toStdString());
     return result;
 }
@@ -104,6 +116,12 @@ ReadProject readProject(const QString& file)
 QString writeProject(const QString& file, const Project& project)
 {
     return saveFile(file, projectToJson(project).toStdString());
+}
+
+QString ownSavesFolder()
+{
+    return QDir(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation))
+        .filePath(QStringLiteral("projectbackups"));
 }
 
 AutomaticSaveResult saveAutomatically(AutomaticSave save)
@@ -115,7 +133,7 @@ AutomaticSaveResult saveAutomatically(AutomaticSave save)
     const QString name = save.file.isEmpty()
                              ? QStringLiteral("unnamed")
                              : nameWithRoom(QFileInfo(save.file).completeBaseName());
-    const QString mark = save.file.isEmpty() ? QLatin1String("") : save.file;
+    const AutomaticSaveMark mark{save.file, thisMachine()};
     const auto fileName = [&] { return name + timeSuffix(save.now); };
     while (folder.exists(fileName())) {
         save.now = save.now.addSecs(1);
@@ -127,19 +145,12 @@ AutomaticSaveResult saveAutomatically(AutomaticSave save)
     }
     NoCacheFile::removeLeftovers(save.folder.toStdString());
     OwnSaves saves = ownSaves(folder, name, mark);
-    saves.good.removeOne(fileName());
-    // Where the clock was set back, what bears a later time is the older.
-    std::rotate(saves.good.begin(),
-                std::upper_bound(saves.good.begin(), saves.good.end(), fileName()),
-                saves.good.end());
     for (const QString& spared : std::as_const(save.spared)) {
         if (QFileInfo(spared).absoluteDir() == folder) {
             saves.good.removeOne(QFileInfo(spared).fileName());
         }
     }
-    while (saves.good.size() >= save.kept) {
-        QFile::remove(folder.filePath(saves.good.takeFirst()));
-    }
+    removeOlder(folder, saves.good, fileName(), save.kept);
     for (const QString& empty : std::as_const(saves.empty)) {
         QFile::remove(folder.filePath(empty));
     }

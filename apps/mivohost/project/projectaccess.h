@@ -15,7 +15,7 @@ namespace mivohost {
 struct ReadProject
 {
     std::optional<Project> project;
-    QString automaticSaveOf; ///< the project that it is an automatic save of; null: it is none
+    QString automaticSaveOf; ///< the project that it is an automatic save of, where it is one
     QString error;
 };
 ReadProject readProject(const QString& file);
@@ -23,10 +23,13 @@ ReadProject readProject(const QString& file);
 /// Empty, or why the file is as it was.
 QString writeProject(const QString& file, const Project& project);
 
+/// The program's own folder of automatic saves, where no other machine saves.
+QString ownSavesFolder();
+
 struct AutomaticSave
 {
     QString folder;
-    int kept = 1; ///< so many of this project's automatic saves stay, the newest
+    int kept = 1; ///< so many of this project's automatic saves of this machine stay, the newest
     Project project;
     QString file; ///< the project's own; empty where it has none
     QDateTime now;
@@ -38,7 +41,8 @@ struct AutomaticSaveResult
     QString error;
 };
 /// Writes "<project>-yyyyMMdd-hhmmss.mivo", then removes older automatic saves of this project and
-/// empty ones. A file that is not marked as an automatic save of this project is never touched.
+/// empty ones. A file that is not marked as an automatic save of this project by this machine is
+/// never touched; one that names no machine is this one's in ownSavesFolder() alone.
 AutomaticSaveResult saveAutomatically(AutomaticSave save);
 
 /// Those of the files that are not there.

@@ -71,7 +71,7 @@ std::set<Section> askForSections(QWidget* window)
     return dialog.exec() == QDialog::Accepted ? chosen() : std::set<Section>();
 }
 
-/// Writes a new file and leaves the nine newest of the others; empty, or why it is not there.
+/// Writes a new file and leaves nine of the others; empty, or why it is not there.
 QString keep(const QString& path, const std::string& content)
 {
     const QFileInfo file(path);
@@ -80,12 +80,8 @@ QString keep(const QString& path, const std::string& content)
     NoCacheFile::removeLeftovers(folder.path().toStdString());
     QString error = saveFile(path, content);
     if (error.isEmpty()) {
-        auto others =
-            folder.entryList({QStringLiteral("settings-*.json")}, QDir::Files, QDir::Time);
-        others.removeOne(file.fileName());
-        for (const QString& old : others.mid(9)) {
-            folder.remove(old);
-        }
+        removeOlder(folder, folder.entryList({QStringLiteral("settings-*.json")}, QDir::Files),
+                    file.fileName(), 10);
     }
     return error;
 }
