@@ -191,12 +191,12 @@ TEST_F(General, ACountDownThatRunsOutReportsTwice)
 TEST(CountdownPrompt, IsCalledOffWhereTheMachineSleptThroughItsEnd)
 {
     for (const auto& [asleep, isMissed] : {std::pair(10000, false), {10001, true}}) {
-        qint64 now = 0;
+        std::chrono::milliseconds now(0);
         int runOut = 0;
         mivo::settings::CountdownPrompt prompt(
             {"ShutdownCountdownText", "CancelShutdown", "ImmediateShutdown", "ShutdownCancelText"},
             [&] { runOut += prompt.tick(); }, [&now] { return now; });
-        QTimer::singleShot(0, [&now, ms = asleep] { now += ms; });
+        QTimer::singleShot(0, [&now, ms = asleep] { now += std::chrono::milliseconds(ms); });
         EXPECT_EQ(prompt.count(nullptr, 1), TipDialog::dismissed);
         EXPECT_EQ(prompt.isMissed(), isMissed);
         EXPECT_EQ(runOut, isMissed ? 0 : 1);

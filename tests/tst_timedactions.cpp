@@ -37,11 +37,11 @@ TEST(DeadlineWatch, FindsADeadlineOnceWhateverTheClockDoes)
          "asleep over midnight: 2026-05-04 23:59:50; 2026-05-05 00:00:30 -> due"},
         {noon, "set back by two days, the days between have their own: 2026-05-04 11:59:59; "
                "12:00:00 -> due; 2026-05-02 11:59:59; 12:00:00 -> due; 2026-05-03 12:00:00 -> due; "
-               "2026-05-04 12:00:00"},
+               "2026-05-04 12:00:00 -> was due"},
         {daily("02:30:00"), "the hour that is left out: 2026-03-29 00:59:59Z; 01:00:00Z -> due; "
                             "01:30:00Z; 2026-03-30 00:29:59Z; 00:30:00Z -> due"},
         {daily("02:30:00"),
-         "the hour that comes twice: 2026-10-25 00:29:59Z; 00:30:00Z -> due; 01:30:00Z"},
+         "the hour that comes twice: 2026-10-25 00:29:59Z; 00:30:00Z -> due; 01:30:00Z -> was due"},
         {daily("00:00:00", 7), "Sunday is 7: 2026-05-09 23:59:59; 2026-05-10 00:00:00 -> due"},
         {Schedule(STMivoTimedAutomaticRestartSettings{true, 0, 31, "12:00:00"}),
          "day 31 of every month: 2026-04-30 11:59:59; 2026-05-01 "
@@ -56,7 +56,8 @@ TEST(DeadlineWatch, FindsADeadlineOnceWhateverTheClockDoes)
             day = look[4] == '-' ? look.left(11) : day;
             look = look[4] == '-' ? look : day + look;
             const auto found = watch.look(at(look.section(" -> ", 0, 0)), schedule);
-            const QString told = found ? (found->due ? "due" : "missed") : "";
+            const char* const states[]{"due", "missed", "was due"};
+            const QString told = found ? states[found->state] : "";
             EXPECT_EQ(told, look.section(" -> ", 1)) << text << " at " << look;
         }
     }
@@ -90,6 +91,7 @@ struct Timed : ::testing::Test
     mivohost::RuntimeThread runtime;
     TestStore store; // with all below: runtime thread
     QDateTime now = at("2026-05-04 11:59:00");
+    std::chrono::milliseconds uptime{0};
     int looks = 0;
     std::vector<std::string> asked;
     std::string done;
@@ -104,7 +106,8 @@ struct Timed : ::testing::Test
         [this] {
             ++looks;
             return now;
-        });
+        },
+        [this] { return uptime; });
 };
 
 TEST_F(Timed, AsksWhenTheStoresSchedulesAreDue)
@@ -153,14 +156,16 @@ TEST_F(Timed, PromptsThatAreOpenAtOnceMeanOneAction)
         store.setTimedAutomaticRestartSettings({true, 0, 0, "12:00:01"});
     });
     // What the prompts decide: "S" for the shutdown, "s" against it, "R" and "r" for the restart;
-    // "!" is that the action which was carried out last has failed; "z", that the machine slept.
+    // "!" is that the action which was carried out last has failed; "z", that the machine slept;
+    // "c", that the clock is set forward; "w", that some seconds pass.
     for (const auto& [day, decisions, actions, cancelled] :
          {std::tuple("2026-05-10", "SSsS", "S", 0U),
           {"2026-05-11", "sr", "", 2U},
           {"2026-05-12", "rS", "S", 1U},
           {"2026-05-14", "Ss!SR", "SS", 0U},
           {"2026-05-15", "S!Rr", "SR", 0U},
-          {"2026-05-16", "zsrS", "~00~01S", 2U}}) {
+          {"2026-05-16", "zsrS", "~00~01S", 2U},
+          {"2026-05-17", "wcsr", "", 2U}}) {
         for (const char* time : {" 11:59:54", " 12:00:00", " 12:00:01"}) {
             goTo(QString(day) + time);
         }
@@ -169,7 +174,14 @@ TEST_F(Timed, PromptsThatAreOpenAtOnceMeanOneAction)
             if (what == '!') {
                 lastFailed();
             } else if (what == 'z') {
-                runtime.call([this] { now = now.addSecs(40); });
+                runtime.call([this] { uptime += std::chrono::seconds(40); });
+            } else if (what == 'c') {
+                runtime.call([this] {
+                    now = now.addSecs(120);
+                    timed->look();
+                });
+            } else if (what == 'w') {
+                runtime.call([this] { uptime += std::chrono::seconds(4); });
             } else if (what == 'S' || what == 's') {
                 runtime.call([&] { store.executeTimedShutdown(what == 'S'); });
             } else {

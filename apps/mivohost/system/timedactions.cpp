@@ -8,7 +8,6 @@
 #include <QtCore/QPointer>
 
 #include <algorithm>
-#include <cstdlib>
 #include <utility>
 
 namespace mivohost {
@@ -17,8 +16,9 @@ namespace {
 
 constexpr int secondsToDecide = 60;
 constexpr int tickMilliseconds = 1000;
-constexpr int sleepSeconds = 10; // without a tick, at the least: the machine slept
-constexpr int wakeSeconds = 3;   // in which what it slept through is called off; nobody is so quick
+constexpr std::chrono::seconds sleepAtLeast(10); // without a tick: the machine slept
+/// In which what it slept through is called off; nobody is so quick.
+constexpr std::chrono::seconds wakeAtMost(3);
 constexpr int daysLookedBack = 31; // for a deadline that was missed
 
 QTime timeOfDay(const std::string& text)
@@ -86,6 +86,7 @@ std::optional<DeadlineWatch::Deadline> DeadlineWatch::look(const QDateTime& now,
     }
     const QDate first =
         std::max(std::min(lastWall.date(), wall.date()), wall.date().addDays(-daysLookedBack));
+    std::optional<Deadline> again;
     for (QDate date = wall.date(); date >= first; date = date.addDays(-1)) {
         if (!before->isOn(date) || !schedule.isOn(date)) {
             continue;
@@ -96,21 +97,26 @@ std::optional<DeadlineWatch::Deadline> DeadlineWatch::look(const QDateTime& now,
         // passes. By the wall clock: a change to a zone further east skips the deadline.
         const bool passed = (lastInstant < moment && moment <= instant)
                             || (lastWall < deadline && deadline <= wall);
-        if (passed && !m_wereDue.contains(deadline)) {
-            const bool due = instant - moment <= graceSeconds * 1000;
-            if (due) {
+        Deadline found{deadline, (instant - moment) / 1000};
+        if (passed && m_wereDue.contains(deadline)) {
+            found.state = Deadline::wasDue;
+            again = again ? again : found;
+        } else if (passed) {
+            if (instant - moment <= graceSeconds * 1000) {
+                found.state = Deadline::due;
                 m_wereDue.insert(deadline);
             }
-            return Deadline{deadline, (instant - moment) / 1000, due};
+            return found;
         }
     }
-    return std::nullopt;
+    return again;
 }
 
 TimedActions::TimedActions(RuntimeThread& runtime, SettingsStore& store, CarryOut carryOut,
-                           CalledOff calledOff, Clock clock)
+                           CalledOff calledOff, Clock clock, Uptime uptime)
     : m_runtime(runtime), m_store(store), m_carryOut(std::move(carryOut)),
-      m_calledOff(std::move(calledOff)), m_clock(std::move(clock))
+      m_calledOff(std::move(calledOff)), m_clock(std::move(clock)), m_uptime(std::move(uptime)),
+      m_lastLook(m_uptime())
 {
     m_runtime.call([this] {
         // Looked at with every edit, so that a time which has just passed is not due.
@@ -141,19 +147,19 @@ TimedActions::~TimedActions()
     });
 }
 
-QDateTime TimedActions::readClock()
+std::chrono::milliseconds TimedActions::sinceSleep()
 {
-    const QDateTime now = m_clock();
-    const QDateTime before = std::exchange(m_lastRead, now);
-    if (before.isValid() && before.secsTo(now) >= sleepSeconds) {
+    const auto now = m_uptime();
+    if (now - std::exchange(m_lastLook, now) >= sleepAtLeast) {
         m_awake = now;
     }
-    return now;
+    return now - m_awake;
 }
 
 void TimedActions::look()
 {
-    const QDateTime now = readClock();
+    const QDateTime now = m_clock();
+    sinceSleep();
     const Schedule shutdown(m_store.getTimedShutdownSettings());
     const Schedule restart(m_store.getTimedAutomaticRestartSettings());
     const bool ticks = shutdown.enabled || restart.enabled;
@@ -180,15 +186,19 @@ bool TimedActions::isDue(Kind& kind, const QDateTime& now, const Schedule& sched
         QLocale::c().toString(deadline->wall, QStringLiteral("yyyy-MM-dd hh:mm:ss"));
     const std::string wall = time.toStdString();
     const auto logger = hostLog();
-    if (deadline->due) {
+    const bool isDue = deadline->state == DeadlineWatch::Deadline::due;
+    if (isDue) {
         m_isCarriedOut = false;
         kind.due = time;
         logger->info("timed {} of {} is due", kind.name, wall);
+    } else if (deadline->state == DeadlineWatch::Deadline::wasDue) {
+        logger->warn("timed {} of {} was due before the clock was set back, and is skipped",
+                     kind.name, wall);
     } else {
         logger->warn("timed {} of {} was missed by {} s and is skipped", kind.name, wall,
                      deadline->secondsAgo);
     }
-    return deadline->due;
+    return isDue;
 }
 
 void TimedActions::decide(const Kind& kind, bool now)
@@ -205,7 +215,7 @@ void TimedActions::decide(const Kind& kind, bool now)
                                      __LINE__, "carryOut");
             }
         });
-    } else if (std::abs(readClock().secsTo(m_awake)) <= wakeSeconds) {
+    } else if (sinceSleep() <= wakeAtMost) {
         hostLog()->warn("timed {} of {} is called off: the machine slept through its count-down",
                         kind.name, kind.due.toStdString());
         m_calledOff(kind.due);

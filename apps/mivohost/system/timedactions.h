@@ -1,6 +1,7 @@
 #pragma once
 
 #include "mivohostapi/settingsrecords.h"
+#include "zrcutils/uptime.h"
 
 #include <sigslot/signal.hpp>
 
@@ -9,6 +10,7 @@
 #include <QtCore/QSet>
 #include <QtCore/QTimer>
 
+#include <chrono>
 #include <functional>
 #include <optional>
 #include <tuple>
@@ -49,14 +51,14 @@ public:
     {
         QDateTime wall; ///< as a clock on the wall shows it; its time spec has no meaning
         qint64 secondsAgo = 0;
-        bool due = false; ///< otherwise missed
+        enum { due, missed, wasDue } state = missed; ///< wasDue: before the clock was set back
     };
 
     /// What passed between the look before this one and `now`, which is local time: the latest
-    /// deadline, if there is one and it was not due before. The first look, and the first one with
-    /// another time of day, find nothing; after another edit, what both schedules have counts. A
-    /// time that the clock skips on that day passes when it skips; of one that it shows twice the
-    /// first counts.
+    /// deadline, one that was due before only where there is no other. The first look, and the
+    /// first one with another time of day, find nothing; after another edit, what both schedules
+    /// have counts. A time that the clock skips on that day passes when it skips; of one that it
+    /// shows twice the first counts.
     std::optional<Deadline> look(const QDateTime& now, const Schedule& schedule);
 
 private:
@@ -78,6 +80,8 @@ class TimedActions : public QObject
 
 public:
     using Clock = std::function<QDateTime()>; // local time
+    /// Nobody sets it, but it runs while the machine sleeps.
+    using Uptime = std::function<std::chrono::milliseconds()>;
     /// Called on the runtime thread. `failed` is to be called when it did not work, on the GUI
     /// thread and at any time, so that an action can be decided again.
     using CarryOut = std::function<void(PowerAction action, const std::function<void()>& failed)>;
@@ -87,7 +91,8 @@ public:
     using CalledOff = std::function<void(const QString& time)>;
 
     TimedActions(RuntimeThread& runtime, SettingsStore& store, CarryOut carryOut,
-                 CalledOff calledOff, Clock clock = &QDateTime::currentDateTime);
+                 CalledOff calledOff, Clock clock = &QDateTime::currentDateTime,
+                 Uptime uptime = &zrcutils::uptime);
     ~TimedActions() override;
 
     /// Looks at the clock, as each tick does. Runtime thread.
@@ -104,16 +109,17 @@ private:
 
     bool isDue(Kind& kind, const QDateTime& now, const Schedule& schedule);
     void decide(const Kind& kind, bool now);
-    /// The clock, which also tells when the machine slept.
-    QDateTime readClock();
+    /// How long ago the machine was found awake after a sleep.
+    std::chrono::milliseconds sinceSleep();
 
     RuntimeThread& m_runtime;
     SettingsStore& m_store;
     CarryOut m_carryOut;
     CalledOff m_calledOff;
     Clock m_clock;
-    QDateTime m_lastRead;                                  // of the clock
-    QDateTime m_awake = QDateTime::fromMSecsSinceEpoch(0); // when it was first read after a sleep
+    Uptime m_uptime;
+    std::chrono::milliseconds m_lastLook;                       // by m_uptime, as the next one
+    std::chrono::milliseconds m_awake = std::chrono::hours(-1); // long ago: it has not slept
     QTimer m_tick{this};
     Kind m_shutdown{PowerAction::shutdown, "shutdown", {}, {}};
     Kind m_restart{PowerAction::restart, "restart", {}, {}};

@@ -54,9 +54,9 @@ bool CountdownPrompt::tick()
     if (!m_dialog) {
         return false;
     }
-    constexpr int slack = 10; // seconds by which a tick may be late without a sleep
-    const qint64 now = m_clock();
-    m_isMissed = now - std::exchange(m_lastTick, now) > (qint64{m_secondsLeft} + slack) * 1000;
+    constexpr std::chrono::seconds slack(10); // by which a tick may be late without a sleep
+    const auto now = m_clock();
+    m_isMissed = now - std::exchange(m_lastTick, now) > std::chrono::seconds(m_secondsLeft) + slack;
     if (m_isMissed) {
         dismiss();
         return false;

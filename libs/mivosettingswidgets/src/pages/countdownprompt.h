@@ -1,12 +1,13 @@
 #pragma once
 
 #include "mivosettingswidgets/export.h"
+#include "zrcutils/uptime.h"
 
-#include <QtCore/QDateTime>
 #include <QtCore/QPointer>
 #include <QtCore/QString>
 #include <QtCore/QTimer>
 
+#include <chrono>
 #include <functional>
 #include <optional>
 
@@ -31,11 +32,12 @@ struct CountdownKeys
 class MIVOSETTINGSWIDGETS_TEST_EXPORT CountdownPrompt
 {
 public:
-    using Clock = std::function<qint64()>; // milliseconds, also of those that the machine sleeps
+    /// Nobody sets it, but it runs while the machine sleeps.
+    using Clock = std::function<std::chrono::milliseconds()>;
 
     /// `onTick` runs at the start and then each second, and is to call tick().
     CountdownPrompt(const CountdownKeys& keys, std::function<void()> onTick,
-                    Clock clock = &QDateTime::currentMSecsSinceEpoch);
+                    Clock clock = &zrcutils::uptime);
 
     /// Counts `seconds` down to zero and returns how the prompt ended, a TipDialog::Result; a
     /// count-down that ran out dismisses it, and so does one that was missed. Runs an event loop.
@@ -61,7 +63,7 @@ private:
     QPointer<mivo::widgets::TipDialog> m_dialog;
     QTimer m_timer;
     int m_secondsLeft = 0;
-    qint64 m_lastTick = 0; // by m_clock
+    std::chrono::milliseconds m_lastTick{0}; // by m_clock
     bool m_isMissed = false;
 };
 
