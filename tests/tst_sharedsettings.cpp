@@ -368,7 +368,19 @@ TEST(ShowSetup, IsRefusedWhereAFileOfItCannotBeUsed)
     ASSERT_TRUE(setup) << error;
     EXPECT_EQ(setup->servers.user + '/' + setup->servers.password, "ann/se cret");
     EXPECT_EQ(setup->name, "left");
-    EXPECT_EQ(read({"--store=etcd://a/show"})->machine, setup->machine);
+    const QString idFile = folder.filePath("machine-id");
+    const QByteArray id = readFile(idFile);
+    EXPECT_EQ(setup->machine, id);
+    for (const QByteArray& edited : {id, "\xef\xbb\xbf{" + id + "}\r\n"}) {
+        writeFile(idFile, edited);
+        EXPECT_EQ(read({"--store=etcd://a/show"})->machine, setup->machine) << error;
+    }
+    for (const QByteArray& unusable : {QByteArray(), id.left(20)}) {
+        writeFile(idFile, unusable);
+        EXPECT_FALSE(read({"--store=etcd://a/show"})) << "it would be another machine";
+        EXPECT_TRUE(error.startsWith(idFile + ": ")) << error;
+        EXPECT_EQ(readFile(idFile), unusable);
+    }
 }
 
 TEST(ShowSetup, BeginsWithTheOwnSettingsAndNotWithoutThemWhereTheyAreDamaged)

@@ -6,6 +6,7 @@
 #include "mivohostkit/settingsstore.h"
 
 #include <mivoqutils/filetask.h>
+#include <zrcutils/heldfile.h>
 #include <zrcutils/nocachefile.h>
 
 #include <QtCore/QCommandLineParser>
@@ -39,23 +40,31 @@ QByteArray readNamed(const QString& path, QString& error)
     return QByteArray::fromStdString(result.bytes);
 }
 
-/// The machine's id, made when it is first asked for.
+/// The machine's id, made when it is first asked for. A file that is there but of no use is left
+/// alone: with another id the machine would be another one.
 QString machineId(const QDir& data, QString& error)
 {
     QFile file(data.filePath(QStringLiteral("machine-id")));
-    if (file.open(QIODevice::ReadOnly)) {
-        const QUuid id = QUuid::fromString(QString::fromLatin1(file.read(100)).trimmed());
-        if (!id.isNull()) {
-            return id.toString(QUuid::WithoutBraces);
-        }
+    const auto fail = [&](const QString& reason) {
+        error = file.fileName() + QStringLiteral(": ") + reason;
+        return QString();
+    };
+    zrcutils::tryWhileHeld(zrcutils::heldFor,
+                           [&] { return file.open(QIODevice::ReadOnly) || !file.exists(); });
+    if (file.isOpen()) {
+        const QUuid id = QUuid::fromString(QString::fromUtf8(file.read(100)).trimmed());
+        return id.isNull() ? fail(QStringLiteral("no id of a machine is in it"))
+                           : id.toString(QUuid::WithoutBraces);
+    }
+    if (file.exists()) {
+        return fail(file.errorString());
     }
     data.mkpath(QStringLiteral("."));
     const QString id = QUuid::createUuid().toString(QUuid::WithoutBraces);
     std::error_code code;
-    if (!NoCacheFile::saveToFile(file.fileName().toStdString(), id.toStdString(), code)) {
-        error = file.fileName() + QStringLiteral(": ") + qt_error_string(code.value());
-    }
-    return id;
+    return NoCacheFile::saveToFile(file.fileName().toStdString(), id.toStdString(), code)
+               ? id
+               : fail(qt_error_string(code.value()));
 }
 
 } // namespace
