@@ -37,17 +37,21 @@ struct StoreFile : ::testing::Test
 
 TEST_F(StoreFile, IsMadeWithItsFolderAndReadAgain)
 {
+    const QString withNul = QString::fromUtf8("a\0b", 3);
     const QString deep = folder.filePath(QStringLiteral("a/设置/settings.sqlite"));
     {
         auto opened = SqlitePersistence::open(deep);
         ASSERT_EQ(opened.status, Status::opened) << opened.error;
         EXPECT_TRUE(opened.persistence->write({{"undoStep", 80}, {"language", "zh_cn"}}));
-        EXPECT_TRUE(opened.persistence->write({{"undoStep", 81}, {"fadeInTime", 0.1 + 0.2}}));
+        EXPECT_TRUE(opened.persistence->write(
+            {{"undoStep", 81}, {"fadeInTime", 0.1 + 0.2}, {"cachePath", withNul}}));
     }
     auto again = SqlitePersistence::open(deep);
     ASSERT_EQ(again.status, Status::opened);
-    EXPECT_EQ(again.persistence->loadAll(),
-              (QVariantHash{{"undoStep", 81}, {"language", "zh_cn"}, {"fadeInTime", 0.1 + 0.2}}));
+    EXPECT_EQ(again.persistence->loadAll(), (QVariantHash{{"undoStep", 81},
+                                                          {"language", "zh_cn"},
+                                                          {"fadeInTime", 0.1 + 0.2},
+                                                          {"cachePath", withNul}}));
     EXPECT_EQ(QFileInfo(deep + "-wal").size(), 0) << "reading needs no room on the disk";
 }
 

@@ -1,31 +1,12 @@
 #include "store/database.h"
 
-#include <sqlite3.h>
+#include "store/statement.h"
 
 namespace mivohost {
 
 namespace {
 
 constexpr int layoutVersion = 1;
-
-QString text(const char* utf8)
-{
-    return QString::fromUtf8(utf8);
-}
-
-QVariant column(sqlite3_stmt* row, int index)
-{
-    switch (sqlite3_column_type(row, index)) {
-    case SQLITE_INTEGER:
-        return static_cast<qlonglong>(sqlite3_column_int64(row, index));
-    case SQLITE_FLOAT:
-        return sqlite3_column_double(row, index);
-    case SQLITE_NULL:
-        return {};
-    default:
-        return text(reinterpret_cast<const char*>(sqlite3_column_text(row, index)));
-    }
-}
 
 } // namespace
 
@@ -54,25 +35,22 @@ bool Database::run(const char* statements)
     return accept(sqlite3_exec(m_handle, statements, nullptr, nullptr, nullptr));
 }
 
-bool Database::query(const char* statement, const std::function<void(sqlite3_stmt* row)>& take)
+bool Database::query(const char* statement, const std::function<void(const Statement& row)>& take)
 {
-    sqlite3_stmt* rows = nullptr;
-    int code = sqlite3_prepare_v2(m_handle, statement, -1, &rows, nullptr);
-    while (code == SQLITE_OK && sqlite3_step(rows) == SQLITE_ROW) {
+    Statement rows(m_handle, statement);
+    while (rows.step()) {
         take(rows);
     }
-    // Also says what sqlite3_step() met with.
-    return accept(code == SQLITE_OK ? sqlite3_finalize(rows) : code);
+    return accept(rows.isDone() ? SQLITE_OK : sqlite3_errcode(m_handle));
 }
 
 bool Database::check()
 {
     QString result;
     int version = 0;
-    if (!query("PRAGMA quick_check(1)",
-               [&](sqlite3_stmt* row) { result = column(row, 0).toString(); })
+    if (!query("PRAGMA quick_check(1)", [&](const Statement& row) { result = row.text(0); })
         || !query("PRAGMA user_version",
-                  [&](sqlite3_stmt* row) { version = column(row, 0).toInt(); })) {
+                  [&](const Statement& row) { version = row.value(0).toInt(); })) {
         return false;
     }
     if (result != QLatin1String("ok")) {
@@ -95,9 +73,8 @@ bool Database::makeTable()
 
 bool Database::read(QVariantHash& rows)
 {
-    return query("SELECT key, value FROM setting", [&](sqlite3_stmt* row) {
-        rows.insert(column(row, 0).toString(), column(row, 1));
-    });
+    return query("SELECT key, value FROM setting",
+                 [&](const Statement& row) { rows.insert(row.text(0), row.value(1)); });
 }
 
 bool Database::copyFrom(sqlite3* source)
@@ -115,7 +92,7 @@ bool Database::accept(int code)
     if (code == SQLITE_OK) {
         return true;
     }
-    QString reason = text(sqlite3_errmsg(m_handle));
+    QString reason = QString::fromUtf8(sqlite3_errmsg(m_handle));
     const int system = sqlite3_system_errno(m_handle);
     code &= 0xff; // without what SQLite adds to its codes
     if ((code == SQLITE_CANTOPEN || code == SQLITE_IOERR) && system != 0) {

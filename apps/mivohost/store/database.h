@@ -4,9 +4,9 @@
 
 #include <functional>
 
-struct sqlite3_stmt;
-
 namespace mivohost {
+
+class Statement;
 
 /// An SQLite file with one row for each setting. Once something has failed, status() and error()
 /// say what. On any one thread.
@@ -44,7 +44,7 @@ public:
     bool copyFrom(sqlite3* source);
 
 private:
-    bool query(const char* statement, const std::function<void(sqlite3_stmt* row)>& take);
+    bool query(const char* statement, const std::function<void(const Statement& row)>& take);
     bool accept(int code);
     void fail(Status status, const QString& reason);
 

@@ -39,6 +39,20 @@ public:
             sqlite3_column_bytes(m_statement, column));
     }
 
+    QVariant value(int column) const
+    {
+        switch (sqlite3_column_type(m_statement, column)) {
+        case SQLITE_INTEGER:
+            return number(column);
+        case SQLITE_FLOAT:
+            return sqlite3_column_double(m_statement, column);
+        case SQLITE_NULL:
+            return {};
+        default:
+            return text(column);
+        }
+    }
+
 private:
     void bind(int index, qint64 value) { sqlite3_bind_int64(m_statement, index, value); }
     void bind(int index, const QString& utf16)
