@@ -188,6 +188,24 @@ TEST_F(ProjectTest, AnEndThatNobodyWasAskedAboutLosesNothing)
     EXPECT_EQ(restart(), "");
 }
 
+TEST_F(ProjectTest, ASaveThatEndsWithTheProgramLeavesNothingToOffer)
+{
+    start({{"autoSavePath", path("saves")}});
+    ASSERT_TRUE(open(makeFile("show.mivo")));
+    file->play(2);
+    for (const bool isChangedMeanwhile : {false, true}) {
+        file->save();
+        if (isChangedMeanwhile) {
+            file->play(9);
+        }
+        file->rescueAndFinish();
+        file->rescue(); // as at every end
+        EXPECT_EQ(restart().isEmpty(), !isChangedMeanwhile);
+        ASSERT_TRUE(open(path("show.mivo")));
+        file->play(1);
+    }
+}
+
 TEST_F(ProjectTest, WhatEndsHaveLeftStaysUntilSomebodyDecides)
 {
     start({{"autoSavePath", path("saves")}, {"autoSaveProjectFilesMaxNum", 1}});

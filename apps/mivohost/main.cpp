@@ -1,5 +1,4 @@
 #include "base/exitcode.h"
-#include "base/filerequests.h"
 #include "base/hostlog.h"
 #include "base/hosttext.h"
 #include "cluster/sharedshortcuts.h"
@@ -51,7 +50,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <chrono>
 #include <cstdio>
 #include <map>
 #include <memory>
@@ -114,15 +112,11 @@ int runWindow(MainWindow& window, ProjectFile& project, RuntimeThread& runtime,
     const Autostart autostart(runtime, store, QCoreApplication::applicationFilePath(), allowed,
                               settings, notify("AutostartFailed"));
     const EndRequests ends(window);
-    const auto saveAll = [&project] {
-        project.rescue();
-        FileRequests::finishSaves(std::chrono::seconds(5));
-    };
-    QObject::connect(&ends, &EndRequests::requested, [saveAll] {
-        saveAll(); // now, as without a display no event is handled any more
+    QObject::connect(&ends, &EndRequests::requested, [&project] {
+        project.rescueAndFinish(); // now, as without a display no event is handled any more
         QApplication::quit();
     });
-    QObject::connect(&ends, &EndRequests::sessionEnds, saveAll);
+    QObject::connect(&ends, &EndRequests::sessionEnds, &project, &ProjectFile::rescueAndFinish);
     QObject::connect(&ends, &EndRequests::sessionGoesOn, &project, &ProjectFile::goOn);
     const SleepWatch sleep(window);
     QObject::connect(&sleep, &SleepWatch::goingToSleep, &project, &ProjectFile::rescue);

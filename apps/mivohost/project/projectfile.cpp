@@ -184,7 +184,15 @@ void ProjectFile::saveAs(const QString& file, const Done& done)
     refresh();
     const QString path = cleanPath(file);
     run(
-        path, true, done, [path, project = m_state.project] { return writeProject(path, project); },
+        path, true, done,
+        [path, project = m_state.project, revision = m_state.revision,
+         written = path == m_state.file ? m_writtenRevision : nullptr] {
+            QString reason = writeProject(path, project);
+            if (written && reason.isEmpty()) {
+                *written = revision;
+            }
+            return reason;
+        },
         [this, path, revision = m_state.revision](const QString& reason, bool waited) {
             if (!reason.isEmpty()) {
                 hostLog()->error("project {} could not be saved: {}", path.toStdString(),
@@ -303,6 +311,16 @@ void ProjectFile::rescue()
         files.prepend(file);
         setUnsavedProjects(files.mid(0, mostUnsaved));
         m_rescued = file;
+    }
+}
+
+void ProjectFile::rescueAndFinish()
+{
+    rescue();
+    FileRequests::finishSaves(std::chrono::seconds(5));
+    // Without the event loop nobody has been told of the save that has ended.
+    if (*m_writtenRevision == m_settledRevision && !m_rescued.isEmpty()) {
+        dropUnsaved(std::exchange(m_rescued, {}));
     }
 }
 

@@ -10,6 +10,7 @@
 #include <QtCore/QObject>
 #include <QtCore/QStringList>
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -91,6 +92,10 @@ public:
     /// discarded after all.
     void rescue();
 
+    /// As rescue(), and waits, five seconds at most, for all that is being written. What the
+    /// project's own file has taken by then is not offered.
+    void rescueAndFinish();
+
     /// The program goes on after a rescue(), as when the machine has slept: its changes are unsaved
     /// as before, and what rescue() saved is not offered.
     void goOn();
@@ -141,8 +146,10 @@ private:
     std::unique_ptr<AutoSave> m_autoSave;
     mivo::qutils::FileTask m_check;
     QStringList m_missing;
-    int m_settledRevision = -1;                     // its changes are discarded or rescued
-    QString m_rescued;                              // what rescue() of this run has saved
+    int m_settledRevision = -1; // its changes are discarded or rescued
+    QString m_rescued;          // what rescue() of this run has saved
+    /// Of the project in its own file, as it was written last; set on the thread that writes.
+    std::shared_ptr<std::atomic<int>> m_writtenRevision = std::make_shared<std::atomic<int>>(-1);
     QString m_offered;                              // what unsavedFound() told of
     std::vector<sigslot::connection> m_connections; // runtime thread
 };
