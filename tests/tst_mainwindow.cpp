@@ -308,6 +308,7 @@ TEST_F(Window, KeepsAllSettingsInAFileBeforeASectionIsPutBack)
     QString told;
     const auto putBack = [&] {
         told.clear();
+        runtime.call([this] { store->setUndoStep(81); });
         whenModal<TipDialog>([&](TipDialog& question) {
             whenModal<TipDialog>([&](TipDialog& answer) {
                 told = answer.tipText() + ' ' + answer.findChild<QLabel*>("tipAssistText")->text();
@@ -322,7 +323,6 @@ TEST_F(Window, KeepsAllSettingsInAFileBeforeASectionIsPutBack)
         EXPECT_TRUE(QTest::qWaitFor([&] { return !told.isEmpty(); }));
         return runtime.call([this] { return store->getUndoStep(); });
     };
-    runtime.call([this] { store->setUndoStep(81); });
     QTest::keySequence(&window, QKeySequence("Ctrl+,"));
     EXPECT_TRUE(QTest::qWaitFor([&dialog] { return dialog.isVisible(); }));
     QDir().mkpath(QFileInfo(kept.path()).path());
@@ -333,16 +333,14 @@ TEST_F(Window, KeepsAllSettingsInAFileBeforeASectionIsPutBack)
     QDir().mkpath(kept.path());
     for (int i = 10; i < 22; ++i) { // from before the clock was set back
         QFile later(kept.filePath(QString("settings-2099%1.json").arg(i)));
-        EXPECT_TRUE(later.open(QIODevice::WriteOnly)
-                    && later.setFileTime(QDateTime(QDate(2099, 1, i), {}),
-                                         QFileDevice::FileModificationTime));
+        EXPECT_TRUE(later.open(QIODevice::WriteOnly));
+        later.setFileTime(QDateTime(QDate(2099, 1, i), {}), QFileDevice::FileModificationTime);
     }
     EXPECT_EQ(putBack(), 50);
     EXPECT_EQ(kept.entryList(QDir::Files).size(), 10);
     const QString file = kept.filePath(kept.entryList(QDir::Files).at(0));
     EXPECT_TRUE(told.contains(QDir::toNativeSeparators(file))) << told;
     EXPECT_TRUE(readFile(file).contains("\"undoStep\": 81"));
-    runtime.call([this] { store->setUndoStep(82); });
     putBack();
     EXPECT_TRUE(QFile::exists(file)) << "the next one takes the place of another";
 }

@@ -41,7 +41,8 @@ TEST(DeadlineWatch, FindsADeadlineOnceWhateverTheClockDoes)
         {daily("02:30:00"), "the hour that is left out: 2026-03-29 00:59:59Z; 01:00:00Z -> due; "
                             "01:30:00Z; 2026-03-30 00:29:59Z; 00:30:00Z -> due"},
         {daily("02:30:00"),
-         "the hour that comes twice: 2026-10-25 00:29:59Z; 00:30:00Z -> due; 01:30:00Z -> was due"},
+         "the hour that comes twice: 2026-10-25 00:29:59Z; 00:30:00Z -> due; 01:00:00Z; "
+         "01:30:00Z -> was due"},
         {daily("00:00:00", 7), "Sunday is 7: 2026-05-09 23:59:59; 2026-05-10 00:00:00 -> due"},
         {Schedule(STMivoTimedAutomaticRestartSettings{true, 0, 31, "12:00:00"}),
          "day 31 of every month: 2026-04-30 11:59:59; 2026-05-01 "
