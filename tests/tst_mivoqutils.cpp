@@ -1,4 +1,5 @@
 #include "mivoqutils/folders.h"
+#include "mivoqutils/post.h"
 #include "mivoqutils/volumes.h"
 #include "mivoqutils/volumes_p.h"
 
@@ -8,6 +9,7 @@
 #include <fstream>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 namespace mivoqutilstest {
@@ -225,6 +227,27 @@ TEST_F(Folders, AreMobileOnAPortableDevice)
     EXPECT_TRUE(isBelongToMobile(text(work / "gvfs/mtp:host=unplugged/DCIM/not there")));
     EXPECT_TRUE(isBelongToMobile(text(root / "phone/not/there")));
     EXPECT_FALSE(isBelongToMobile({}) || isBelongToMobile("/proc/not/there"));
+}
+
+TEST(Post, IsRunInOrderOrDroppedWithItsReceiver)
+{
+    // Built with ThreadSanitizer, this fails where it does not see what orders the two threads.
+    QObject receiver;
+    auto gone = std::make_unique<QObject>();
+    std::vector<std::string> run;
+    constexpr int count = 20000;
+    std::thread([&] { post(gone.get(), [&run] { run.emplace_back("gone"); }); }).join();
+    gone.reset();
+    std::thread other([&] {
+        for (int i = 0; i < count; ++i) {
+            post(&receiver, [&run, text = std::to_string(i)] { run.push_back(text); });
+        }
+    });
+    EXPECT_TRUE(QTest::qWaitFor([&run] { return run.size() == count; }));
+    other.join();
+    for (int i = 0; i < count; ++i) {
+        ASSERT_EQ(run.at(i), std::to_string(i));
+    }
 }
 
 } // namespace mivoqutilstest

@@ -235,6 +235,11 @@ def try_program():
             if not any("settings dialog open" in line for line in program.stdout):
                 raise Failed(f"the program ended: {program.wait()}")
             return faults_in(wait_for("the program", only_program), announced)
+        except (Failed, GLib.GError) as failure:
+            settle(1)  # one that is ending says why
+            ended = program.poll()
+            program.kill()
+            raise Failed(f"{failure}\n{program.stdout.read()}\nended: {ended}") from failure
         finally:
             program.kill()
 

@@ -35,6 +35,7 @@
 #include "system/timedactions.h"
 #include "zrcutils/nocachefile.h"
 
+#include <mivoqutils/post.h>
 #include <mivosettingswidgets/shortcutfile.h>
 #include <mivostyle/style.h>
 
@@ -100,9 +101,7 @@ int runWindow(MainWindow& window, ProjectFile& project, RuntimeThread& runtime,
 {
     const auto notify = [&window](const char* key) {
         return [&window, key = QString::fromLatin1(key)](const QString& reason) {
-            QMetaObject::invokeMethod(
-                &window, [&window, key, reason] { window.showNotice(key, reason); },
-                Qt::QueuedConnection);
+            mivo::qutils::post(&window, [&window, key, reason] { window.showNotice(key, reason); });
         };
     };
     const bool allowed = arguments.isSet(QStringLiteral("allow-power-actions"));
@@ -137,8 +136,7 @@ int runWindow(MainWindow& window, ProjectFile& project, RuntimeThread& runtime,
                     tell(reason);
                 });
             };
-            QMetaObject::invokeMethod(
-                &window, [&project, act] { project.afterSaves(act); }, Qt::QueuedConnection);
+            mivo::qutils::post(&window, [&project, act] { project.afterSaves(act); });
         },
         notify("TimedActionCalledOff"));
 

@@ -1,5 +1,7 @@
 #include "mivoqutils/filetask.h"
 
+#include "mivoqutils/post.h"
+
 #include <QtCore/QEventLoop>
 #include <QtCore/QPointer>
 
@@ -54,7 +56,7 @@ bool FileTask::run(std::function<Completion()> work)
         const std::lock_guard lock(shared->mutex);
         shared->completion = std::move(completion);
         if (shared->receiver != nullptr) {
-            QMetaObject::invokeMethod(shared->receiver, &FileTask::complete, Qt::QueuedConnection);
+            post(shared->receiver, [task = shared->receiver] { task->complete(); });
         }
         shared->ended.notify_all();
     });

@@ -13,6 +13,8 @@
 
 namespace mivohost {
 
+using mivo::qutils::post;
+
 namespace {
 
 /// The first address at which others may reach this machine.
@@ -33,8 +35,7 @@ Synchroniser::Synchroniser(RuntimeThread& runtime, SharedSettings& settings,
                            SoundCardMappings& cards, const ShowSetup& setup)
     : m_runtime(runtime), m_settings(settings), m_cards(cards), m_show(setup.show),
       m_machine(setup.machine), m_machines(prefixOf(setup.show)),
-      m_link(new ShowLink(setup.servers, prefixOf(setup.show), setup.machine)),
-      m_toLink(new WorkQueue(m_link))
+      m_link(new ShowLink(setup.servers, prefixOf(setup.show), setup.machine))
 {
     m_self.name = setup.name;
     m_self.version = QCoreApplication::applicationVersion();
@@ -42,7 +43,7 @@ Synchroniser::Synchroniser(RuntimeThread& runtime, SharedSettings& settings,
     m_state.since = QDateTime::currentDateTimeUtc();
     SharedSettings::Listener listener;
     listener.send = [this](const std::vector<SentChange>& batch) {
-        toLink([link = m_link, batch] { link->send(batch); });
+        post(m_link, [link = m_link, batch] { link->send(batch); });
     };
     listener.waiting = [this](int changes) {
         toGui([this, changes] {
@@ -61,7 +62,7 @@ Synchroniser::Synchroniser(RuntimeThread& runtime, SharedSettings& settings,
         toGui([this, changes] { emit shortcutsChanged(changes); });
     };
     listener.failed = [this](const QString& reason) {
-        toLink([link = m_link, reason] { link->readAgain(reason); });
+        post(m_link, [link = m_link, reason] { link->readAgain(reason); });
         toGui([this, reason] { emit failed(reason); });
     };
     m_runtime.call([this, &listener] { m_settings.setListener(std::move(listener)); });
@@ -134,7 +135,7 @@ Synchroniser::~Synchroniser()
 
 void Synchroniser::reconnect()
 {
-    toLink([link = m_link] { link->reconnect(); });
+    post(m_link, [link = m_link] { link->reconnect(); });
 }
 
 QByteArray Synchroniser::prefixOf(const QString& show)
@@ -151,7 +152,7 @@ void Synchroniser::setSoundCards(const std::vector<mivo::settings::STSoundCardIn
 void Synchroniser::describe()
 {
     m_self.address = ownAddress(); // which changes while the program runs
-    toLink([link = m_link, record = m_self.toJson()] { link->describe(record); });
+    post(m_link, [link = m_link, record = m_self.toJson()] { link->describe(record); });
 }
 
 void Synchroniser::takeMachines(const SharedSettings::Page& page, bool isAll)

@@ -1,15 +1,15 @@
 #pragma once
 
-#include "base/workqueue.h"
 #include "cluster/etcdclient.h"
 #include "cluster/machines.h"
 #include "cluster/sharedsettings.h"
+
+#include <mivoqutils/post.h>
 
 #include <QtCore/QDateTime>
 #include <QtCore/QObject>
 #include <QtCore/QThread>
 
-#include <functional>
 #include <utility>
 
 namespace mivohost {
@@ -86,8 +86,11 @@ signals:
     void failed(const QString& reason);
 
 private:
-    void toGui(std::function<void()> work) { m_toGui.post(std::move(work)); }
-    void toLink(std::function<void()> work) { m_toLink->post(std::move(work)); }
+    template <typename Work>
+    void toGui(Work work)
+    {
+        mivo::qutils::post(&m_toGui, std::move(work));
+    }
     void connectLink();
     /// Has the others know what this machine is now.
     void describe();
@@ -104,9 +107,8 @@ private:
     std::map<QString, Machine> m_told; // as the mappings know them
     State m_state;
     QThread m_thread;
-    ShowLink* m_link;    // lives on m_thread, and goes with it
-    WorkQueue* m_toLink; // goes with the link
-    WorkQueue m_toGui;
+    ShowLink* m_link; // lives on m_thread, and goes with it
+    QObject m_toGui;  // gets what is posted
 };
 
 } // namespace mivohost

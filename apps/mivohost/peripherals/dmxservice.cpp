@@ -3,6 +3,8 @@
 #include "base/hostlog.h"
 #include "peripherals/inputtap.h"
 
+#include <mivoqutils/post.h>
+
 #include <QtNetwork/QNetworkInterface>
 
 #include <algorithm>
@@ -101,14 +103,11 @@ void DmxService::read()
     }
     if (!rising.empty()) {
         // Queued: an action may open a dialog, and this slot would read nothing until it is closed.
-        QMetaObject::invokeMethod(
-            &m_input.socket(),
-            [this, rising] {
-                for (const int channel : rising) {
-                    use(prefix + std::to_string(channel), true, true);
-                }
-            },
-            Qt::QueuedConnection);
+        mivo::qutils::post(&m_input.socket(), [this, rising] {
+            for (const int channel : rising) {
+                use(prefix + std::to_string(channel), true, true);
+            }
+        });
     }
 }
 

@@ -4,6 +4,8 @@
 #include "peripherals/inputtap.h"
 #include "peripherals/oscmessage.h"
 
+#include <mivoqutils/post.h>
+
 #include <QtCore/QString>
 
 #include <algorithm>
@@ -130,12 +132,10 @@ void OscService::take(const OscMessage& message)
     }
     // Queued: an action may open a dialog, and this slot would read nothing until it is closed.
     const int type = isPath ? static_cast<int>(ShortCutOfPath) : action->second;
-    QMetaObject::invokeMethod(
-        &m_input.socket(),
-        [this, type, address = message.address, value = message.value] {
-            controlMessage(type, address, value);
-        },
-        Qt::QueuedConnection);
+    mivo::qutils::post(&m_input.socket(),
+                       [this, type, address = message.address, value = message.value] {
+                           controlMessage(type, address, value);
+                       });
 }
 
 } // namespace mivohost

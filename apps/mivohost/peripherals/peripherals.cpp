@@ -4,6 +4,8 @@
 #include "mivohostkit/settingsstore.h"
 #include "mivosettingswidgets/shortcutmgr.h"
 
+#include <mivoqutils/post.h>
+
 #include <map>
 #include <utility>
 
@@ -43,8 +45,7 @@ auto Peripherals::writing(void (SettingsStore::*set)(Value), Held (SettingsStore
         const auto write = [this, set, get, onFailure, value] {
             (m_store.*set)(value);
             if (!((m_store.*get)() == value)) {
-                QMetaObject::invokeMethod(
-                    &m_retry, [this, onFailure] { (this->*onFailure)(); }, Qt::QueuedConnection);
+                mivo::qutils::post(&m_retry, [this, onFailure] { (this->*onFailure)(); });
             } else if (m_changes) {
                 followBindings(); // the store tells nothing if it had the value
             }
@@ -124,8 +125,7 @@ void Peripherals::keepBindings()
     add(SettingsStore::Key::midiBindings, m_midi.table(), m_store.getMidiBindings());
     add(SettingsStore::Key::dmxBindings, m_dmx.table(), m_store.getDmxBindings());
     if (!missing.empty() && !m_store.setAll(missing).isEmpty()) { // which has been told
-        QMetaObject::invokeMethod(
-            &m_retry, [this] { retryLater(); }, Qt::QueuedConnection);
+        mivo::qutils::post(&m_retry, [this] { retryLater(); });
     }
 }
 
@@ -152,8 +152,7 @@ void Peripherals::followStore()
     }
     if (!m_seen->hasSettingsOf(before)) {
         // What is set here meanwhile is newer, and is in the store when it is read once more.
-        QMetaObject::invokeMethod(
-            &m_retry, [this] { reload(); }, Qt::QueuedConnection);
+        mivo::qutils::post(&m_retry, [this] { reload(); });
     }
 }
 
@@ -163,8 +162,7 @@ void Peripherals::followBindings()
     const bool isMidiRead = m_midi.table().follow(m_store.getMidiBindings());
     const bool isDmxRead = m_dmx.table().follow(m_store.getDmxBindings());
     if (isMidiRead || isDmxRead) {
-        QMetaObject::invokeMethod(
-            &m_retry, [this] { bindingsReplaced(); }, Qt::QueuedConnection);
+        mivo::qutils::post(&m_retry, [this] { bindingsReplaced(); });
     }
 }
 

@@ -4,6 +4,8 @@
 #include "mivohostkit/runtimethread.h"
 #include "mivohostkit/settingsstore.h"
 
+#include <mivoqutils/post.h>
+
 #include <QtCore/QDateTime>
 
 #include <chrono>
@@ -24,9 +26,7 @@ AutoSave::AutoSave(RuntimeThread& runtime, SettingsStore& store,
     : m_runtime(runtime), m_store(store), m_dispatch(std::move(dispatch)),
       m_observer(std::move(observer))
 {
-    const auto follow = [this](auto) {
-        QMetaObject::invokeMethod(this, &AutoSave::followSettings, Qt::QueuedConnection);
-    };
+    const auto follow = [this](auto) { mivo::qutils::post(this, [this] { followSettings(); }); };
     m_runtime.call([&] {
         m_connections = {m_store.autoSaveProjectFilesChanged.connect(follow),
                          m_store.autoSaveProjectFilesIntervalChanged.connect(follow)};

@@ -5,6 +5,8 @@
 #include "mivohostkit/settingsstore.h"
 #include "project/autosave.h"
 
+#include <mivoqutils/post.h>
+
 #include <QtCore/QDateTime>
 #include <QtCore/QDeadlineTimer>
 
@@ -19,18 +21,14 @@ ProjectFile::ProjectFile(RuntimeThread& runtime, SettingsStore& store, PathObser
 {
     m_runtime.call([this] {
         m_connections = {
-            m_dispatch->stateChanged.connect([this] {
-                QMetaObject::invokeMethod(this, &ProjectFile::refresh, Qt::QueuedConnection);
-            }),
+            m_dispatch->stateChanged.connect(
+                [this] { mivo::qutils::post(this, [this] { refresh(); }); }),
             m_dispatch->saveRequested.connect([this] {
-                QMetaObject::invokeMethod(
-                    this,
-                    [this] {
-                        if (!m_state.file.isEmpty() && !m_requests.isSaving()) {
-                            save();
-                        }
-                    },
-                    Qt::QueuedConnection);
+                mivo::qutils::post(this, [this] {
+                    if (!m_state.file.isEmpty() && !m_requests.isSaving()) {
+                        save();
+                    }
+                });
             }),
             m_store.fadeTimesApplied.connect(&ProjectFile::applyFadeTimes, this),
         };
@@ -76,8 +74,7 @@ void ProjectFile::start()
     if (openLast && !recent.isEmpty()) {
         open(recent.first(), offer);
     } else {
-        QMetaObject::invokeMethod(
-            this, [offer] { offer(true); }, Qt::QueuedConnection);
+        mivo::qutils::post(this, [offer] { offer(true); });
     }
 }
 
@@ -105,8 +102,7 @@ void ProjectFile::applyFadeTimes(double fadeIn, double fadeOut)
     const int programs = m_dispatch->setFadeTimes(fadeIn, fadeOut);
     hostLog()->info("fade in {} s and fade out {} s for all programs: {} changed", fadeIn, fadeOut,
                     programs);
-    QMetaObject::invokeMethod(
-        this, [this, programs] { emit fadeTimesApplied(programs); }, Qt::QueuedConnection);
+    mivo::qutils::post(this, [this, programs] { emit fadeTimesApplied(programs); });
 }
 
 template <typename Work, typename Finish>
@@ -117,8 +113,7 @@ void ProjectFile::run(const QString& path, bool saves, const Done& done, Work wo
                          reason.toStdString());
         fail(saves ? "ProjectNotSaved" : "ProjectNotOpened", path, reason);
         if (done) {
-            QMetaObject::invokeMethod(
-                this, [done] { done(false); }, Qt::QueuedConnection);
+            mivo::qutils::post(this, [done] { done(false); });
         }
     };
     m_requests.start({path, saves, giveUp}, std::move(work),

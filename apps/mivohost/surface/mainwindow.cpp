@@ -16,6 +16,7 @@
 #include "surface/settingstexts.h"
 #include "system/tray.h"
 
+#include <mivoqutils/post.h>
 #include <mivosettingswidgets/settingsdialog.h>
 #include <mivosettingswidgets/settingwdigettranslatemanager.h>
 #include <mivowidgets/alertlabel.h>
@@ -134,12 +135,9 @@ MainWindow::MainWindow(RuntimeThread& runtime, SettingsStore& store, ProjectFile
     });
     m_runtime.call([this] {
         m_store.setFailureHandler([this](const QString& reason) {
-            QMetaObject::invokeMethod(
-                this,
-                [this, reason] {
-                    showNotice(QStringLiteral("SettingNotSaved"), storeProblem(reason));
-                },
-                Qt::QueuedConnection);
+            mivo::qutils::post(this, [this, reason] {
+                showNotice(QStringLiteral("SettingNotSaved"), storeProblem(reason));
+            });
         });
     });
     attachLogView(m_log);
@@ -244,7 +242,7 @@ void MainWindow::closeEvent(QCloseEvent* event)
             m_project.discardChanges();
             m_projectLeft = true;
             m_waits->callOffClose(); // it comes now
-            QMetaObject::invokeMethod(this, &MainWindow::quit, Qt::QueuedConnection);
+            mivo::qutils::post(this, [this] { quit(); });
         });
         return;
     }

@@ -2,6 +2,8 @@
 
 #include "base/hostlog.h"
 
+#include <mivoqutils/post.h>
+
 #include <QtCore/QDateTime>
 
 #include <iterator>
@@ -34,7 +36,7 @@ void MessageCentre::postMessage(const STMsgInfo& message)
     const std::lock_guard lock(m_mutex);
     // One call for all that come until it is carried out: a flood takes no more room than this.
     if (m_posted.empty()) {
-        QMetaObject::invokeMethod(this, &MessageCentre::take, Qt::QueuedConnection);
+        mivo::qutils::post(this, [this] { take(); });
     }
     append(m_posted, {std::move(timed)});
 }

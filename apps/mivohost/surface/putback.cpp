@@ -3,6 +3,7 @@
 #include "base/hosttext.h"
 #include "mivohostkit/runtimethread.h"
 
+#include <mivoqutils/post.h>
 #include <mivosettingswidgets/controls.h>
 #include <mivosettingswidgets/isettingbox.h>
 #include <mivosettingswidgets/settingsdialog.h>
@@ -130,10 +131,8 @@ PutBack::PutBack(mivo::settings::SettingsDialog& dialog, const std::vector<Page>
     }
     dialog.installEventFilter(this);
     m_connection = m_runtime.call([this] {
-        return m_store.anySettingChanged.connect([this] {
-            QMetaObject::invokeMethod(
-                &m_refresh, [this] { m_refresh.start(); }, Qt::QueuedConnection);
-        });
+        return m_store.anySettingChanged.connect(
+            [this] { mivo::qutils::post(&m_refresh, [this] { m_refresh.start(); }); });
     });
     translateLanguage();
 }

@@ -3,6 +3,8 @@
 #include "base/hostlog.h"
 #include "system/windowsmessages.h"
 
+#include <mivoqutils/post.h>
+
 #include <mutex>
 #include <utility>
 
@@ -22,13 +24,10 @@ BOOL WINAPI onControl(DWORD event)
             return FALSE; // the system ends the program
         }
         isAsked = true;
-        QMetaObject::invokeMethod(
-            watching,
-            [event, requests = watching] {
-                hostLog()->info("ending by the console's event {}", event);
-                emit requests->requested();
-            },
-            Qt::QueuedConnection);
+        mivo::qutils::post(watching, [event, requests = watching] {
+            hostLog()->info("ending by the console's event {}", event);
+            emit requests->requested();
+        });
     }
     if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) {
         Sleep(INFINITE); // the program is ended when this returns

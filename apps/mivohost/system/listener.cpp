@@ -5,6 +5,8 @@
 #include "mivohostkit/runtimethread.h"
 #include "peripherals/udpinput.h"
 
+#include <mivoqutils/post.h>
+
 #include <QtNetwork/QNetworkProxy>
 #include <QtNetwork/QTcpSocket>
 
@@ -30,8 +32,7 @@ Listener::Listener(RuntimeThread& runtime, SettingsStore& store)
     });
     m_runtime.call([this] {
         m_store.ports().setHandler([this](ListeningPorts::Port port, const STPortInfo& requested) {
-            QMetaObject::invokeMethod(
-                this, [this, port, requested] { carryOut(port, requested); }, Qt::QueuedConnection);
+            mivo::qutils::post(this, [this, port, requested] { carryOut(port, requested); });
         });
     });
 }

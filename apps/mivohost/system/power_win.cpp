@@ -1,5 +1,7 @@
 #include "system/power.h"
 
+#include <mivoqutils/post.h>
+
 #include <QtCore/QObject>
 #include <QtCore/qt_windows.h>
 
@@ -44,8 +46,7 @@ void askSystem(PowerAction action, QObject* context,
     }
     if (code != ERROR_SUCCESS) {
         const QString reason = qt_error_string(static_cast<int>(code));
-        QMetaObject::invokeMethod(
-            context, [failed, reason] { failed(reason); }, Qt::QueuedConnection);
+        mivo::qutils::post(context, [failed, reason] { failed(reason); });
     }
 }
 

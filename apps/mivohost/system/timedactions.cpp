@@ -4,6 +4,8 @@
 #include "mivohostkit/runtimethread.h"
 #include "mivohostkit/settingsstore.h"
 
+#include <mivoqutils/post.h>
+
 #include <QtCore/QLocale>
 #include <QtCore/QPointer>
 
@@ -164,9 +166,7 @@ void TimedActions::look()
     const Schedule restart(m_store.getTimedAutomaticRestartSettings());
     const bool ticks = shutdown.enabled || restart.enabled;
     if (std::exchange(m_ticks, ticks) != ticks) {
-        QMetaObject::invokeMethod(
-            &m_tick, [this, ticks] { ticks ? m_tick.start() : m_tick.stop(); },
-            Qt::QueuedConnection);
+        mivo::qutils::post(&m_tick, [this, ticks] { ticks ? m_tick.start() : m_tick.stop(); });
     }
     if (isDue(m_shutdown, now, shutdown)) {
         m_store.timedShutdownCount(secondsToDecide);

@@ -4,6 +4,7 @@
 #include "mivohostapi/settingsrecords.h"
 #include "mivohostapi/shortcuttypes.h"
 #include "mivohostapi/soundcardrecords.h"
+#include "mivoqutils/post.h"
 #include "mivosettingswidgets/export.h"
 
 #include <QtCore/QByteArrayList>
@@ -125,17 +126,13 @@ void queueCall(QObject* receiver, const char* slot, const T&... values)
         return;
     }
     // What Qt itself does for a slot by its name, without looking up the slot and its types again.
-    QMetaObject::invokeMethod(
-        receiver,
-        [receiver, index, kept = std::make_tuple(values...)] {
-            const auto call = [receiver, index](const T&... each) {
-                void* arguments[] = {nullptr,
-                                     const_cast<void*>(static_cast<const void*>(&each))...};
-                QMetaObject::metacall(receiver, QMetaObject::InvokeMetaMethod, index, arguments);
-            };
-            std::apply(call, kept);
-        },
-        Qt::QueuedConnection);
+    qutils::post(receiver, [receiver, index, kept = std::make_tuple(values...)] {
+        const auto call = [receiver, index](const T&... each) {
+            void* arguments[] = {nullptr, const_cast<void*>(static_cast<const void*>(&each))...};
+            QMetaObject::metacall(receiver, QMetaObject::InvokeMetaMethod, index, arguments);
+        };
+        std::apply(call, kept);
+    });
 }
 
 } // namespace mivo::settings
