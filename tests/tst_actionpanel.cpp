@@ -215,6 +215,41 @@ TEST_F(Panel, WhileItIsLockedNothingTriggersAnything)
     EXPECT_EQ(triggered(), "Global/MuteSwitch by F5") << "nor while it is edited";
 }
 
+TEST_F(Panel, TheFocusOfWhatIsDisabledGoesWhereNoKeyDoesHarm)
+{
+    auto* lock = control("lockScreen");
+    const QString file = folder.filePath("keys.json");
+    for (const auto& [name, transfer] : {std::pair("exportShortcuts", &BindingsTransfer::exportTo),
+                                         {"importShortcuts", &BindingsTransfer::importFrom}}) {
+        auto* button = control(name);
+        button->setFocus();
+        (panel->transfer().*transfer)(file);
+        ASSERT_FALSE(button->isEnabled());
+        for (const Qt::Key key : {Qt::Key_Space, Qt::Key_Return}) {
+            press(key);
+        }
+        EXPECT_FALSE(lock->isChecked()) << name;
+        EXPECT_TRUE(QTest::qWaitFor([&] { return button->hasFocus(); })) << "when it is enabled";
+    }
+    for (const char* name : {"editShortcuts", "shortcutKind", "findAction", "lockScreen"}) {
+        panel->setEditing(true);
+        control<QWidget>(name)->setFocus();
+        press(Qt::Key_Escape);
+        EXPECT_FALSE(panel->isEditing()) << name;
+        EXPECT_TRUE(control("editShortcuts")->hasFocus());
+    }
+    auto* programs = new QTreeWidget; // as they stand below the panel
+    window->layout()->addWidget(programs);
+    cover(208)->parentWidget()->setFocus();
+    for (int i = 0; i < 2; ++i) {
+        press(Qt::Key_Space);
+        EXPECT_TRUE(lock->isChecked());
+        EXPECT_FALSE(programs->hasFocus());
+    }
+    press(Qt::Key_Tab);
+    EXPECT_TRUE(panel->isAncestorOf(QApplication::focusWidget())) << "and goes on from there";
+}
+
 TEST_F(Panel, AllBindingsGoOutIntoAFileAndComeBack)
 {
     bindKey(mute, Qt::Key_F5, Qt::ControlModifier);

@@ -226,6 +226,14 @@ TEST_F(Monitor, FiltersPausesCopiesAndClosesByKeys)
         monitor.read();
     }
     EXPECT_EQ(rows().size(), int(InputModel::mostInputs));
+    auto* clear = control<QPushButton>("clearInputs");
+    clear->setFocus();
+    press(Qt::Key_Space);
+    EXPECT_EQ(rows(), QStringList());
+    press(Qt::Key_Space);
+    put(PeripheralOsc, take);
+    EXPECT_EQ(rows().size(), 1) << "not paused by the second press";
+    EXPECT_TRUE(clear->hasFocus()) << "again";
     press(Qt::Key_Escape);
     EXPECT_FALSE(monitor.isVisible());
     EXPECT_FALSE(peripherals.tap().isOpen());

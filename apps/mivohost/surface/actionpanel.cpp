@@ -20,6 +20,7 @@
 
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
+#include <QtGui/QKeyEvent>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QLabel>
@@ -106,10 +107,7 @@ void ActionPanel::addConnections()
     connect(m_lock, &QPushButton::toggled, this, &ActionPanel::setLocked);
     connect(&m_keys, &KeyTriggers::triggered, this, &ActionPanel::trigger);
     connect(&m_manager, &ShortCutMgr::signalPeripheralsControl, this, &ActionPanel::trigger);
-    connect(&m_manager, &ShortCutMgr::signalCloseShortByEsc, this, [this] {
-        setEditing(false);
-        m_edit->setFocus();
-    });
+    connect(&m_manager, &ShortCutMgr::signalCloseShortByEsc, this, &ActionPanel::endEditing);
     connect(&m_manager, &ShortCutMgr::signalShortCutSave, this, &ActionPanel::setBindings);
     // Queued: in the constructor nobody is connected yet.
     connect(
@@ -196,6 +194,7 @@ bool ActionPanel::hasBindings() const
 void ActionPanel::setTexts()
 {
     m_heading->setText(hostText("Actions"));
+    setAccessibleName(m_heading->text()); // it may have the focus
     m_kind->setItemText(PeripheralKeyboard, hostText("Keys"));
     m_kind->setAccessibleName(hostText("ShortcutKind"));
     setButtonText(*m_edit, hostText("EditShortcuts"));
@@ -224,16 +223,32 @@ void ActionPanel::showFound(int type)
 
 void ActionPanel::showState()
 {
-    m_tools->search().setEnabled(!m_locked);
-    m_edit->setEnabled(!m_locked);
-    m_kind->setEnabled(!m_locked);
-    m_clear->setEnabled(!m_locked && hasBindings());
+    m_focus.setEnabled(m_tools->search(), !m_locked);
+    m_focus.setEnabled(*m_edit, !m_locked);
+    m_focus.setEnabled(*m_kind, !m_locked);
+    m_focus.setEnabled(*m_clear, !m_locked && hasBindings());
     for (QPushButton* transfer : {m_export, m_import}) {
-        transfer->setEnabled(!m_locked && !m_editing && !m_transfer.requests().isWaiting());
+        m_focus.setEnabled(*transfer,
+                           !m_locked && !m_editing && !m_transfer.requests().isWaiting());
     }
     for (ActionButton* action : m_grid->actions()) {
-        action->setEnabled(!m_locked);
+        m_focus.setEnabled(*action, !m_locked);
     }
+}
+
+void ActionPanel::keyPressEvent(QKeyEvent* event)
+{
+    if (m_editing && event->key() == Qt::Key_Escape && event->modifiers() == Qt::NoModifier) {
+        endEditing(); // also beside the covers
+    } else {
+        QWidget::keyPressEvent(event);
+    }
+}
+
+void ActionPanel::endEditing()
+{
+    setEditing(false);
+    m_edit->setFocus();
 }
 
 void ActionPanel::setEditing(bool on)

@@ -4,6 +4,7 @@
 #include "peripherals/shortcutfileretry.h"
 #include "surface/actionlog.h"
 #include "surface/bindingstransfer.h"
+#include "surface/focusrefuge.h"
 #include "surface/keytriggers.h"
 
 #include <mivosettingswidgets/shortcutmgr.h>
@@ -59,8 +60,12 @@ signals:
     /// The key of a text that the operator is to know.
     void told(const QString& key);
 
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+
 private:
     void addConnections();
+    void endEditing();
     EnumPeripheralShortCutType kind() const;
     bool hasBindings() const;
     void showState();
@@ -88,6 +93,7 @@ private:
     QPushButton* m_lock;
     HintRow* m_hint;
     ActionGrid* m_grid;
+    FocusRefuge m_focus{*this};
     std::vector<sigslot::scoped_connection> m_connections;
     ActionLog m_log;
     KeyTriggers m_keys;

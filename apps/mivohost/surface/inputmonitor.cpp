@@ -253,8 +253,8 @@ void InputMonitor::showState()
                               locale.toString(static_cast<qulonglong>(m_dropped))));
     const bool isEmpty = m_model.rowCount() == 0;
     m_empty->setVisible(isEmpty);
-    m_copy->setEnabled(!isEmpty);
-    m_clear->setEnabled(m_model.hasInputs());
+    m_focus.setEnabled(*m_copy, !isEmpty);
+    m_focus.setEnabled(*m_clear, m_model.hasInputs());
     if (!isEmpty) {
         return;
     }

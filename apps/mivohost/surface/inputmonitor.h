@@ -1,6 +1,7 @@
 #pragma once
 
 #include "peripherals/inputdecoder.h"
+#include "surface/focusrefuge.h"
 #include "surface/inputmodel.h"
 
 #include <QtCore/QElapsedTimer>
@@ -67,6 +68,7 @@ private:
     QPushButton* m_copy;
     QLabel* m_empty;
     QLabel* m_state;
+    FocusRefuge m_focus{*this};
     QTimer m_timer;
     std::vector<InputMessage> m_messages; // used again and again
     std::vector<ReceivedInput> m_inputs;  // that are not in the model yet
