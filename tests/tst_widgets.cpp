@@ -42,8 +42,12 @@ TEST(TipDialog, ReturnsThePressedButtonAndReturnAloneDoesNoHarm)
           std::tuple(true, Qt::Key_Escape, TipDialog::dismissed)}) {
         TipDialog dialog;
         dialog.setCancelButtonVisible(withCancel);
-        QTimer::singleShot(0, &dialog,
-                           [&dialog, key = key] { QTest::keyClick(dialog.focusWidget(), key); });
+        QTimer::singleShot(0, &dialog, [&dialog, key = key] {
+            QKeyEvent held(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, {}, true);
+            QApplication::sendEvent(dialog.focusWidget(), &held);
+            ASSERT_TRUE(dialog.isVisible()) << "the key that has opened it is still down";
+            QTest::keyClick(dialog.focusWidget(), key);
+        });
         EXPECT_EQ(dialog.run(), result) << key;
     }
 }

@@ -31,7 +31,9 @@ void PushButton::focusInEvent(QFocusEvent* event)
 void PushButton::keyPressEvent(QKeyEvent* event)
 {
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
-        click();
+        if (!event->isAutoRepeat()) {
+            click();
+        }
     } else {
         QPushButton::keyPressEvent(event);
     }
