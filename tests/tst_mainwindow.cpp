@@ -225,6 +225,7 @@ TEST_F(Window, ImportsTheSettingsThatAreTicked)
                                "0 Program  \n"
                                "0 Language – zh_CN");
     const auto* refused = dialog->findChild<QTreeWidget*>("importRefused");
+    EXPECT_FALSE(changes->accessibleName().isEmpty() || refused->accessibleName().isEmpty());
     EXPECT_EQ(refused->topLevelItem(0)->text(1), "this version does not know it");
     EXPECT_EQ(refused->topLevelItem(1)->text(1), "not from 3000 to 86399000");
     const auto before = runtime.call([this] { return store->kept.rows; });

@@ -37,6 +37,7 @@ QTreeWidget* list(const char* name, const QStringList& headings, QLabel* heading
     tree->header()->setSectionResizeMode(QHeaderView::Stretch);
     tree->setSelectionMode(QAbstractItemView::SingleSelection);
     heading->setBuddy(tree);
+    tree->setAccessibleName(heading->text()); // Qt relates no views to labels
     return tree;
 }
 
