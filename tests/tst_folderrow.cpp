@@ -1,11 +1,16 @@
 #include "folders/folderrow.h"
 
+#include "folders/folderselection.h"
+
 #include "support/test.h"
+
+#include <mivowidgets/alertlabel.h>
 
 namespace folderrowtest {
 
 using namespace mivo::settings;
 using mivo::qutils::ClearResult;
+using mivo::widgets::PushButton;
 using mivo::widgets::TipDialog;
 
 class Row : public ::testing::Test
@@ -17,7 +22,7 @@ protected:
     {
         delete page;
         page = new QWidget;
-        tip = new QLabel("full");
+        tip = new PushButton("full");
         row = new FolderRow(page, tip, dependencies);
         row->setParent(page);
         page->setLayout(row->layout);
@@ -43,7 +48,7 @@ protected:
     FolderRow::Dependencies dependencies;
     QPointer<QWidget> page;
     QPointer<FolderRow> row;
-    QPointer<QLabel> tip;
+    QPointer<PushButton> tip;
     TipWatch watch;
 };
 
@@ -75,6 +80,8 @@ TEST_F(Row, ShowsPathAndWholeGibibytesAndWarnsBelowOne)
         EXPECT_EQ(checked, (QList<QVariantList>{{usedUp}}));
         EXPECT_EQ(row->space->text(), shown);
         EXPECT_EQ(tip->isVisible(), usedUp);
+        const auto* spoken = tip->findChild<mivo::widgets::AlertLabel*>(); // as it is a button
+        EXPECT_EQ(spoken != nullptr && spoken->isVisible() && spoken->text() == "full", usedUp);
         EXPECT_EQ(asked.join(' '), *shown != '\0' ? QString(path).left(2) : "");
         EXPECT_EQ(row->clear->isEnabled(), *path != '\0');
     }
@@ -197,6 +204,16 @@ TEST_F(Row, ALongClearingIsCancelledByItsUserOrByTheEndOfItsPage)
     whenModal<TipDialog>([this](TipDialog& /*dialog*/) { delete page; });
     QTest::mouseClick(row->clear, Qt::LeftButton);
     EXPECT_TRUE(QTest::qWaitFor([this] { return page.isNull(); }));
+
+    const QTemporaryDir folder;
+    make({});
+    QObject::connect(row, &FolderRow::spaceChecked, page, [this] { delete page; });
+    whenModal<QFileDialog>([&](QFileDialog& dialog) { chooseFolder(dialog, folder.path()); });
+    row->choose(projectFolderRules, "/sub", [](const QString& path) {
+        ADD_FAILURE() << "written for a page that is gone: " << path;
+        return false;
+    });
+    EXPECT_TRUE(page.isNull());
 }
 
 } // namespace folderrowtest

@@ -5,11 +5,13 @@
 #include "mivosettingswidgets/texts.h"
 
 #include <mivoqutils/volumes.h>
+#include <mivowidgets/alertlabel.h>
 #include <mivowidgets/editbox.h>
 #include <mivowidgets/pushbutton.h>
 #include <mivowidgets/tipdialog.h>
 
 #include <QtCore/QDir>
+#include <QtCore/QPointer>
 #include <QtGui/QPainter>
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QLabel>
@@ -17,6 +19,7 @@
 
 namespace mivo::settings {
 
+using mivo::widgets::AlertLabel;
 using mivo::widgets::EditBox;
 using mivo::widgets::PushButton;
 using mivo::widgets::TipDialog;
@@ -129,8 +132,10 @@ void FolderRow::choose(const FolderRules& rules, const char* subFolder,
     const QString before = path();
     QString chosen = before;
     if (FolderSelection(rules, m_page).createSecLevelDir(chosen, subFolder)) {
+        const QPointer<FolderRow> self(this);
         setPath(chosen);
-        if (!write(chosen)) {
+        // The host, which is told of the space, may have taken the page away.
+        if (self && !write(chosen)) {
             setPath(before);
         }
     }
@@ -167,6 +172,15 @@ void FolderRow::applySpace(std::optional<qint64> gibibytes)
     showSpace();
     // Kept on purpose: a limit in mebibytes for a number of whole gibibytes, so less than one.
     const bool usedUp = m_freeGibibytes && *m_freeGibibytes * 1024 < 100;
+    // Another tip, as a button, is not spoken by itself.
+    if (usedUp && qobject_cast<AlertLabel*>(m_tip) == nullptr) {
+        auto* spoken = m_tip->findChild<AlertLabel*>();
+        if (spoken == nullptr) {
+            spoken = new AlertLabel(m_tip);
+            spoken->setFixedSize(0, 0);
+        }
+        spoken->setText(m_tip->property("text").toString());
+    }
     m_tip->setVisible(usedUp);
     emit spaceChecked(usedUp);
 }

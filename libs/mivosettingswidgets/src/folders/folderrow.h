@@ -42,8 +42,8 @@ public:
         FolderClearing::Clear clear;
     };
 
-    /// Puts `tip`, hidden, at the end of the row; the page sets its text. The widgets are children
-    /// of the page.
+    /// Puts `tip`, hidden, at the end of the row; the page sets its text, which is spoken when the
+    /// tip appears. The widgets are children of the page.
     FolderRow(QWidget* page, QWidget* tip, Dependencies dependencies = {});
     ~FolderRow() override;
 

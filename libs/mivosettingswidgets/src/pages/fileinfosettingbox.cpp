@@ -10,6 +10,7 @@
 #include <mivowidgets/editbox.h>
 #include <mivowidgets/pushbutton.h>
 
+#include <QtCore/QPointer>
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QLabel>
 
@@ -143,10 +144,15 @@ void FileInfoSettingBox::Impl::initSettings()
 
 void FileInfoSettingBox::Impl::setFileInfoSettings(const STFileInfoSettings& info)
 {
+    const QPointer<Impl> self(this); // the host is told of the space, and may take the page away
     setPlayLogStorageTimeType(info.playLogStorageTimeType);
-    setPlayLogPathStr(QString::fromStdString(info.playLogPath));
-    setCachePathStr(QString::fromStdString(info.cachePath));
-    setSharePathStr(QString::fromStdString(info.sharePath));
+    for (const auto& [row, path] : {std::pair(m_playLog, info.playLogPath),
+                                    {m_cache, info.cachePath},
+                                    {m_share, info.sharePath}}) {
+        if (self) {
+            row->setPath(QString::fromStdString(path));
+        }
+    }
 }
 
 void FileInfoSettingBox::Impl::onPlayLogStorageTimeComboBoxIndexChanged(int index)
