@@ -109,7 +109,6 @@ protected:
         }
     }
 
-    /// From top to bottom.
     QList<VirtualMappingWidget*> editors() const
     {
         return page->findChildren<VirtualMappingWidget*>(QString(), Qt::FindDirectChildrenOnly);
@@ -155,6 +154,24 @@ TEST_F(Audio, TheButtonAddsUpToTwentyMappings)
     page->hide();
     settleEvents();
     EXPECT_TRUE(page->findChildren<QAbstractItemView*>().isEmpty()) << "lists that nobody opened";
+}
+
+TEST_F(Audio, ANewEditorHasItsPlaceAlsoAfterTheFontHasGrown)
+{
+    page->switchLanguage("zh_cn");
+    QWidget roomy;
+    (new QVBoxLayout(&roomy))->addWidget(page);
+    roomy.resize(1200, 900);
+    activateWindow(&roomy);
+    bind();
+    add();
+    roomy.setFont(QFont(roomy.font().family(), 18));
+    for (const char* language : {"en", "zh_cn"}) {
+        page->switchLanguage(language);
+        settleEvents();
+    }
+    add();
+    EXPECT_EQ(editors().at(1)->width(), editors().at(0)->width());
 }
 
 TEST_F(Audio, AnOpenListKeepsItsItemsAndWhatIsClickedIsChosen)
@@ -238,6 +255,12 @@ TEST_F(Audio, AnEditorShowsWhatTheStoreKeeps)
     EXPECT_EQ(name(0)->text(), "Last");
     choose(combo(0), "Alpha");
     EXPECT_EQ(columnsOf(editors()[0]), before);
+    page->setSettings(nullptr); // without a store it goes on
+    log.clear();
+    add();
+    choose(combo(0), "Alpha");
+    EXPECT_EQ(warned(log), "setting is null|slotAddMapping\n"
+                           "setting is null|slotMappingInfoChanged");
 }
 
 TEST_F(Audio, DeletingAsksFirstAndMayHappenAtAnyMoment)
@@ -287,32 +310,18 @@ TEST_F(Audio, AChoiceOnADisconnectedDeviceIsShownWhereItMovesTo)
         }
     }
     announce([&] { known.removeDevice("d"); });
-    const auto moveTo = [&](int chooser) {
-        announce([&] { store.change("soundCardMappings", texts[chooser]); });
-    };
     const auto expectAt = [&](int chooser) {
         EXPECT_EQ(columnsOf(editors()[chooser]).back(),
                   "d: [None, X (not connected)] = X (not connected) ");
         EXPECT_EQ(columnsOf(editors()[1 - chooser]).size(), 1U);
     };
-    moveTo(0);
+    announce([&] { store.change("soundCardMappings", texts[0]); });
     expectAt(0);
     page->setSettings(nullptr);
-    moveTo(1);
+    announce([&] { store.change("soundCardMappings", texts[1]); });
     page->setSettings(&store);
     announce([&] { known.announceMappings(true); });
     expectAt(1);
-}
-
-TEST_F(Audio, WithoutAStoreItLogsAndGoesOn)
-{
-    bindAndAdd(1);
-    page->setSettings(nullptr);
-    log.clear();
-    add();
-    choose(combo(0), "Alpha");
-    EXPECT_EQ(warned(log), "setting is null|slotAddMapping\n"
-                           "setting is null|slotMappingInfoChanged");
 }
 
 /// What columnsOf() an editor has to be, by what the store holds.
