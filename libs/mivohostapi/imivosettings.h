@@ -174,7 +174,9 @@ public:
     /// @}
 
     /// @{
-    /// The new schedule; `...Loaded` where they became known only now, before the first change.
+    /// The new schedule; `...Loaded` where it became known only now, before the first change: a
+    /// page that was bound while IZRRuntime::isUiSyncEnabled() was false writes no edit of it until
+    /// then.
     sigslot::signal<const STMivoTimedShutdownSettings&> timedShutdownSettingsLoaded;
     sigslot::signal<const STMivoTimedShutdownSettings&> timedShutdownSettingsChanged;
     sigslot::signal<const bool> timedShutdownEnabledChanged; ///< the rest of the schedule stays

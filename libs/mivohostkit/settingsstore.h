@@ -312,7 +312,8 @@ public:
     QStringList unusable() const;
     /// Every setting, each once.
     std::vector<Entry> all() const;
-    /// Sets the setting that is kept under `name` as its own setter does. No such name: nothing.
+    /// Sets the setting that is kept under `name`, and that one alone: no width and height follow a
+    /// preset, and a port that failed is not tried again. No such name: nothing.
     void set(const QString& name, const QVariant& value);
 
     /// Sets these settings, all or none, and announces those that changed. Values have the types

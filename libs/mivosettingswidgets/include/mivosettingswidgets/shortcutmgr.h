@@ -107,7 +107,8 @@ Q_SIGNALS:
     void signalShowMonitorWidget(EnumPeripheralShortCutType kind);
     /// Whether anything is bound of a kind, after a change of it.
     void signalUpdateClearPeripheralsState(EnumPeripheralShortCutType kind, bool anyBound);
-    /// A device of the kind sent a message, or MIDI devices came or went.
+    /// A control was used, of DMX or OSC: always true. Of MIDI: whether there are devices, after
+    /// some came or went.
     void signalUpdateDeviceStatus(EnumPeripheralShortCutType kind, bool online);
     /// Where OSC controllers are to send to.
     void signalUpdateOscUrl(const std::string& url);
