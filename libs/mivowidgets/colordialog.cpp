@@ -1,8 +1,8 @@
 #include "mivowidgets/colordialog.h"
 
 #include "mivowidgets/screenpicker.h"
+#include "mivowidgets/tipdialog.h"
 
-#include <QtWidgets/QApplication>
 #include <QtWidgets/QDialogButtonBox>
 #include <QtWidgets/QPushButton>
 
@@ -28,20 +28,22 @@ ColorDialog::ColorDialog(QWidget* parent)
 }
 
 void ColorDialog::setTexts(const QString& title, const QString& accept, const QString& cancel,
-                           const QString& pickScreen)
+                           const QString& pickScreen, const QString& noPicture)
 {
     setWindowTitle(title);
     auto* buttons = findChild<QDialogButtonBox*>();
     buttons->button(QDialogButtonBox::Ok)->setText(accept);
     buttons->button(QDialogButtonBox::Cancel)->setText(cancel);
     m_pick->setText(pickScreen);
+    m_noPicture = noPicture;
 }
 
 void ColorDialog::pickFromScreen()
 {
     m_before = currentColor();
     if (!m_picker->start()) {
-        QApplication::beep();
+        TipDialog::ask(this, TipDialog::warning, m_noPicture, {},
+                       findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok)->text());
     }
 }
 

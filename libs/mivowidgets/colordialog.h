@@ -18,9 +18,10 @@ class MIVOWIDGETS_EXPORT ColorDialog : public QColorDialog
 public:
     explicit ColorDialog(QWidget* parent = nullptr);
 
-    /// The window's title, and what the buttons say; Qt's own words until then.
+    /// The window's title, what the buttons say, Qt's own words until then, and what is told where
+    /// no screen can be photographed.
     void setTexts(const QString& title, const QString& accept, const QString& cancel,
-                  const QString& pickScreen);
+                  const QString& pickScreen, const QString& noPicture);
 
     /// The picker behind the button; the dialog's own.
     ScreenPicker& screenPicker() { return *m_picker; }
@@ -30,6 +31,7 @@ private:
 
     ScreenPicker* m_picker;
     QPushButton* m_pick;
+    QString m_noPicture;
     QColor m_before; // the colour before picking started
 };
 

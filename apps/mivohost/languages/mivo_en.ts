@@ -734,6 +734,11 @@
         <translation>Pick from the screen</translation>
     </message>
     <message>
+        <source>NoScreenPicture</source>
+        <comment>Widget</comment>
+        <translation>This desktop gives programs no picture of the screen, so that no colour can be picked from it.</translation>
+    </message>
+    <message>
         <source>OfficeSettings</source>
         <comment>Widget</comment>
         <translation>Presentations</translation>

@@ -734,6 +734,11 @@
         <translation>屏幕取色</translation>
     </message>
     <message>
+        <source>NoScreenPicture</source>
+        <comment>Widget</comment>
+        <translation>此桌面环境不向程序提供屏幕图像，因此无法从屏幕取色。</translation>
+    </message>
+    <message>
         <source>OfficeSettings</source>
         <comment>Widget</comment>
         <translation>演示文稿</translation>

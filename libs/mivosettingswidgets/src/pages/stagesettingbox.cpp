@@ -391,10 +391,10 @@ void StageSettingBox::Impl::openDialog(ColorRow& row)
 {
     auto* dialog = new ColorDialog(owner);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->setTexts(settings::text(QStringLiteral("SelectColor")),
-                     settings::text(QStringLiteral("Determine")),
-                     settings::text(QStringLiteral("Cancel")),
-                     settings::text(QStringLiteral("PickScreenColor")));
+    dialog->setTexts(
+        settings::text(QStringLiteral("SelectColor")), settings::text(QStringLiteral("Determine")),
+        settings::text(QStringLiteral("Cancel")), settings::text(QStringLiteral("PickScreenColor")),
+        settings::text(QStringLiteral("NoScreenPicture")));
     dialog->setCurrentColor(QColor(row.color()));
     connect(dialog, &ColorDialog::currentColorChanged, this,
             [&row](const QColor& color) { row.pick(color); });
