@@ -107,10 +107,11 @@ TEST_F(Row, ADriveThatHangsHoldsUpNothing)
     EXPECT_TRUE(QTest::qWaitFor([&] { return checked.size() == 1; }));
     row->setPath("H:/other");
     row->checkSpace();
-    EXPECT_EQ(hanging, 2) << "no thread for each question";
+    EXPECT_TRUE(QTest::qWaitFor([&] { return hanging == 2; }));
     EXPECT_FALSE(tip->isVisible());
     answer.set_value();
     EXPECT_TRUE(QTest::qWaitFor([&] { return checked.size() == 2; }));
+    EXPECT_EQ(hanging, 2) << "no thread for each question";
     EXPECT_TRUE(tip->isVisible());
 }
 
