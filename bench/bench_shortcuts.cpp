@@ -119,7 +119,8 @@ struct Bound
         path = mivo::settings::shortCutFilePath();
         QDir().mkpath(QFileInfo(path).path());
         for (const STShortCutItem& item : items) {
-            covers.append(new ShortCutCover(item.type, item.path, &window));
+            auto* button = new QWidget(&window); // each cover has what it covers
+            covers.append(new ShortCutCover(item.type, item.path, button));
         }
         STLinkShortCutInfo info;
         info.indexShortCutList = items;

@@ -32,6 +32,8 @@ constexpr Modifier modifiersInOrder[]{{Qt::ControlModifier, "Ctrl"},
 
 const QLatin1String deadKey("Dead_"); // the names of keys that only accent the next one
 
+unsigned allGivenTexts = 0;
+
 /// The letter that the US layout has at the place of a key, or 0.
 int usLetterAt(quint32 scanCode)
 {
@@ -175,8 +177,14 @@ void ShortCutCover::updateShortCutCoverKey(EnumPeripheralShortCutType kind, cons
     setText(kind, text);
 }
 
+unsigned ShortCutCover::givenTexts()
+{
+    return allGivenTexts;
+}
+
 void ShortCutCover::setText(EnumPeripheralShortCutType kind, const QString& text)
 {
+    ++allGivenTexts;
     if (text.isEmpty()) {
         m_texts.remove(kind);
     } else {

@@ -44,6 +44,8 @@ public:
 
     /// The key sequence, empty when none is bound.
     QString getShortCutStr() const { return keyText(PeripheralKeyboard); }
+    /// How many texts all covers were given so far: while it is the same, each shows what it did.
+    static unsigned givenTexts();
     /// What is bound of that kind, empty when nothing is.
     QString keyText(EnumPeripheralShortCutType kind) const { return m_texts.value(kind); }
 

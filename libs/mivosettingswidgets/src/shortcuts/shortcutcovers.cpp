@@ -71,9 +71,7 @@ QList<ShortCutCover*> ShortCutCovers::all() const
 {
     QList<Cover*> covers;
     for (const Set* set : {&m_byIndex, &m_byPath}) {
-        for (const Set::Entry& entry : *set) {
-            covers.append(entry.cover);
-        }
+        std::copy(set->begin(), set->end(), std::back_inserter(covers));
     }
     return covers;
 }
@@ -83,18 +81,18 @@ ShortCutCover* ShortCutCovers::of(int type, const std::string& path) const
     const bool isOfPath = type == ShortCutOfPath;
     const std::string name = reportedPath(path);
     const auto& covers = isOfPath ? m_byPath : m_byIndex;
-    const auto found = std::find_if(covers.begin(), covers.end(), [&](const Set::Entry& entry) {
-        return isOfPath ? reportedPath(entry.cover->getPeripheralShortCutPath()) == name
-                        : entry.cover->getShortCutIndex() == type;
+    const auto found = std::find_if(covers.begin(), covers.end(), [&](const Cover* cover) {
+        return isOfPath ? reportedPath(cover->getPeripheralShortCutPath()) == name
+                        : cover->getShortCutIndex() == type;
     });
-    return found == covers.end() ? nullptr : found->cover;
+    return found == covers.end() ? nullptr : *found;
 }
 
 std::unordered_map<std::string, ShortCutCover*> ShortCutCovers::byReportedPath() const
 {
     std::unordered_map<std::string, ShortCutCover*> covers;
-    for (const Set::Entry& entry : m_byPath) {
-        covers[reportedPath(entry.cover->getPeripheralShortCutPath())] = entry.cover;
+    for (Cover* cover : m_byPath) {
+        covers[reportedPath(cover->getPeripheralShortCutPath())] = cover;
     }
     return covers;
 }
@@ -103,11 +101,14 @@ void ShortCutCovers::pushTexts(const STLinkShortCutInfo& table, unsigned state)
 {
     const bool isIndexSame = pushTexts<ByType>(m_byIndex, table.indexShortCutList);
     const bool isPathSame = pushTexts<ByPath>(m_byPath, table.pathShortCutList);
-    m_pushed = isIndexSame && isPathSame ? std::optional(state) : std::nullopt;
+    m_pushed.reset();
+    if (isIndexSame && isPathSame) {
+        m_pushed = {state, Cover::givenTexts()};
+    }
 }
 
 template <typename Key>
-bool ShortCutCovers::pushTexts(Set& covers, const std::vector<STShortCutItem>& items)
+bool ShortCutCovers::pushTexts(const Set& covers, const std::vector<STShortCutItem>& items)
 {
     std::pmr::monotonic_buffer_resource memory; // of all at once: it is thrown away soon
     std::pmr::unordered_map<typename Key::Value, const STShortCutItem*> last(items.size(), &memory);
@@ -115,29 +116,24 @@ bool ShortCutCovers::pushTexts(Set& covers, const std::vector<STShortCutItem>& i
         last[Key::of(item)] = &item;
     }
     bool isSame = last.size() == items.size();
-    for (auto& [cover, pushed] : covers) {
+    for (Cover* cover : covers) {
         const auto found = last.find(Key::of(*cover));
-        if (found == last.end()) {
-            pushed = QString();
-        } else {
+        QString text;
+        if (found != last.end()) {
             const STShortCutItem& item = *found->second;
-            pushed = QString::fromStdString(item.shortCutStr);
+            text = QString::fromStdString(item.shortCutStr);
             isSame &= item.type == cover->getShortCutIndex()
                       && item.path == cover->getShortCutPath()
-                      && isSameAscii(pushed, item.shortCutStr);
+                      && isSameAscii(text, item.shortCutStr);
         }
-        cover->shortCutStrChanged(pushed);
+        cover->shortCutStrChanged(text);
     }
     return isSame;
 }
 
 bool ShortCutCovers::isAsPushed(unsigned state) const
 {
-    const auto isSame = [](const Set::Entry& entry) {
-        return entry.cover->getShortCutStr() == entry.pushed;
-    };
-    return m_pushed == state && std::all_of(m_byIndex.begin(), m_byIndex.end(), isSame)
-           && std::all_of(m_byPath.begin(), m_byPath.end(), isSame);
+    return m_pushed && m_pushed->state == state && m_pushed->texts == Cover::givenTexts();
 }
 
 bool ShortCutCovers::takeTexts(STLinkShortCutInfo& table) const
@@ -163,8 +159,7 @@ bool ShortCutCovers::takeTexts(const Set& covers, std::vector<STShortCutItem>& i
     const bool areAllDifferent = places.size() == items.size();
     bool isOther = !areAllDifferent;
     std::vector<STShortCutItem> added; // not yet to `items`, as keys refer to these
-    for (const Set::Entry& entry : covers) {
-        const ShortCutCover* cover = entry.cover;
+    for (const Cover* cover : covers) {
         const QString shown = cover->getShortCutStr();
         const auto found = places.find(Key::of(*cover));
         if (found != places.end()) {
@@ -230,9 +225,7 @@ void ShortCutCovers::showBindings(EnumPeripheralShortCutType kind,
 
 bool ShortCutCovers::isAnyBound(EnumPeripheralShortCutType kind) const
 {
-    const auto isBound = [kind](const Set::Entry& entry) {
-        return !entry.cover->keyText(kind).isEmpty();
-    };
+    const auto isBound = [kind](const Cover* cover) { return !cover->keyText(kind).isEmpty(); };
     return std::any_of(m_byIndex.begin(), m_byIndex.end(), isBound)
            || std::any_of(m_byPath.begin(), m_byPath.end(), isBound);
 }

@@ -51,9 +51,8 @@ public:
     /// Shows on every cover the keys of its entry; none where it has no entry. `state` is another
     /// one whenever the table is.
     void pushTexts(const STLinkShortCutInfo& table, unsigned state);
-    /// Whether the covers still show what they were made to from that state of the table, so that
-    /// takeTexts() would change nothing. Looks at less memory than that does, whose time goes into
-    /// waiting for it.
+    /// Whether no cover was given a text since they were made to show that state of the table, so
+    /// that takeTexts(), whose time goes into waiting for memory, would change nothing.
     bool isAsPushed(unsigned state) const;
     /// Writes the keys that covers show into the table, with the covers' paths; adds entries where
     /// there are none. False when the table already says all that.
@@ -71,16 +70,10 @@ private:
     class Set
     {
     public:
-        struct Entry
-        {
-            Cover* cover;
-            QString pushed; // what it was made to show last
-        };
-
         void insert(Cover* cover)
         {
             if (!contains(cover)) {
-                m_places.emplace(cover, m_covers.insert(m_covers.end(), {cover, {}}));
+                m_places.emplace(cover, m_covers.insert(m_covers.end(), cover));
             }
         }
         void remove(Cover* cover)
@@ -93,25 +86,28 @@ private:
         }
         bool contains(Cover* cover) const { return m_places.count(cover) != 0; }
         auto begin() const { return m_covers.begin(); }
-        auto begin() { return m_covers.begin(); }
         auto end() const { return m_covers.end(); }
-        auto end() { return m_covers.end(); }
 
     private:
-        std::list<Entry> m_covers;
-        std::unordered_map<Cover*, std::list<Entry>::iterator> m_places;
+        std::list<Cover*> m_covers;
+        std::unordered_map<Cover*, std::list<Cover*>::iterator> m_places;
     };
 
     /// `Key` tells by what covers and entries are matched. Returns whether every cover shows just
     /// what its entry says, path included, and no two entries are for the same cover.
     template <typename Key>
-    static bool pushTexts(Set& covers, const std::vector<STShortCutItem>& items);
+    static bool pushTexts(const Set& covers, const std::vector<STShortCutItem>& items);
     template <typename Key>
     static bool takeTexts(const Set& covers, std::vector<STShortCutItem>& items);
 
     Set m_byIndex;
     Set m_byPath;
-    std::optional<unsigned> m_pushed; // the state in which the table says what the covers show
+    struct Pushed
+    {
+        unsigned state; // in which the table says what the covers show
+        unsigned texts; // given to covers by then
+    };
+    std::optional<Pushed> m_pushed;
 };
 
 } // namespace mivo::settings
