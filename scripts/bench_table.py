@@ -5,6 +5,7 @@ Results are {row: {"unit": ..., "samples": [...], "counters": {name: [...]}}}. A
 """
 
 from math import comb
+from operator import truediv
 from statistics import median
 
 LEAST = 1.03  # a smaller factor is not told
@@ -31,10 +32,9 @@ def median_of(results, row):
 
 
 def ratio_of(results, row):
-    """To its floor, or nothing."""
-    floor = results.get(floor_of(row))
-    at_floor = median(floor["samples"]) if floor else 0
-    return median_of(results, row) / at_floor if at_floor else None
+    """To its floor, or nothing: the median of the runs, in each of which both are disturbed alike."""
+    floors = results.get(floor_of(row), {"samples": [0]})["samples"]
+    return median(map(truediv, results[row]["samples"], floors)) if all(floors) else None
 
 
 def show(results):

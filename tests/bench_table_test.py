@@ -1,5 +1,6 @@
-"""What scripts/bench --against tells of two revisions: each row's samples of this one and of the
-other, and whether it is told as slower, as faster, or not at all."""
+"""What scripts/bench tells of a row beside its floor; and, with --against, of two revisions: each
+row's samples of this one and of the other, and whether it is told as slower, as faster, or not at
+all."""
 
 import contextlib
 import io
@@ -9,6 +10,10 @@ import sys
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "scripts"))
 import bench_table
+
+disturbed = {"open/floor": {"samples": [10, 90, 11]}, "open/ours": {"samples": [12, 99, 30]}}
+assert bench_table.ratio_of(disturbed, "open/ours") == 1.2
+assert bench_table.ratio_of({"start/ours": {"samples": [1]}}, "start/ours") is None
 
 random.seed(1)
 ROWS = {  # row: (factor to the other revision, noise, what is told)
