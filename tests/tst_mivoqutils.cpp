@@ -235,17 +235,17 @@ TEST(Post, IsRunInOrderOrDroppedWithItsReceiver)
     QObject receiver;
     auto gone = std::make_unique<QObject>();
     std::vector<std::string> run;
-    constexpr int count = 20000;
+    constexpr std::size_t count = 20000;
     std::thread([&] { post(gone.get(), [&run] { run.emplace_back("gone"); }); }).join();
     gone.reset();
     std::thread other([&] {
-        for (int i = 0; i < count; ++i) {
+        for (std::size_t i = 0; i < count; ++i) {
             post(&receiver, [&run, text = std::to_string(i)] { run.push_back(text); });
         }
     });
     EXPECT_TRUE(QTest::qWaitFor([&run] { return run.size() == count; }));
     other.join();
-    for (int i = 0; i < count; ++i) {
+    for (std::size_t i = 0; i < count; ++i) {
         ASSERT_EQ(run.at(i), std::to_string(i));
     }
 }
