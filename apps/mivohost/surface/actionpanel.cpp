@@ -11,6 +11,7 @@
 #include "surface/buttontext.h"
 #include "surface/hintrow.h"
 
+#include <mivoqutils/post.h>
 #include <mivosettingswidgets/shortcutfile.h>
 #include <mivowidgets/combobox.h>
 #include <mivowidgets/shortcutcover.h>
@@ -142,28 +143,24 @@ void ActionPanel::addConnections()
     connect(&m_tools->search(), &ActionSearch::found, this, &ActionPanel::showFound);
     connect(m_tools, &ActionTools::failed, this, &ActionPanel::failed);
     // Queued, so that failures at the start are told as well: nobody is connected yet.
-    QMetaObject::invokeMethod(
-        this,
-        [this] {
-            const auto follow = [this](auto& service, const char* name) {
-                const auto tell = [this, &service,
-                                   name = QString::fromLatin1(name)](const std::string& failure) {
-                    if (!failure.empty()) {
-                        emit failed(name + QStringLiteral("Failed"),
-                                    QString::fromStdString(failure));
-                    } else if (service.info().enabled) {
-                        emit told(name + QStringLiteral("Receives"));
-                    }
-                };
-                m_connections.emplace_back(service.failed.connect(tell));
-                if (!service.failure().empty()) {
-                    tell(service.failure());
+    mivo::qutils::post(this, [this] {
+        const auto follow = [this](auto& service, const char* name) {
+            const auto tell = [this, &service,
+                               name = QString::fromLatin1(name)](const std::string& failure) {
+                if (!failure.empty()) {
+                    emit failed(name + QStringLiteral("Failed"), QString::fromStdString(failure));
+                } else if (service.info().enabled) {
+                    emit told(name + QStringLiteral("Receives"));
                 }
             };
-            follow(m_peripherals.osc(), "Osc");
-            follow(m_peripherals.dmx(), "Dmx");
-        },
-        Qt::QueuedConnection);
+            m_connections.emplace_back(service.failed.connect(tell));
+            if (!service.failure().empty()) {
+                tell(service.failure());
+            }
+        };
+        follow(m_peripherals.osc(), "Osc");
+        follow(m_peripherals.dmx(), "Dmx");
+    });
     m_connections.emplace_back(m_peripherals.bindingsReplaced.connect([this] {
         m_peripherals.giveTo(m_manager);
         showState();

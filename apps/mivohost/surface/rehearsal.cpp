@@ -3,6 +3,7 @@
 #include "base/hosttext.h"
 #include "mivohostkit/settingspersistence.h"
 
+#include <mivoqutils/post.h>
 #include <mivosettingswidgets/isettingbox.h>
 
 #include <QtCore/QMetaProperty>
@@ -140,8 +141,7 @@ void Rehearsal::start(const Settings& settings)
     }
     m_step = 0;
     // The copies show a value by a queued call: what is queued behind it sees it.
-    QMetaObject::invokeMethod(
-        this, [this, run = ++m_run] { next(run); }, Qt::QueuedConnection);
+    mivo::qutils::post(this, [this, run = ++m_run] { next(run); });
 }
 
 /// Every setting takes two steps: it is put to its default, and back when the controls are seen.
@@ -164,8 +164,7 @@ void Rehearsal::next(int run)
         m_rows->change(setting.name, setting.value);
     }
     ++m_step;
-    QMetaObject::invokeMethod(
-        this, [this, run] { next(run); }, Qt::QueuedConnection);
+    mivo::qutils::post(this, [this, run] { next(run); });
 }
 
 std::vector<Difference> Rehearsal::differences() const

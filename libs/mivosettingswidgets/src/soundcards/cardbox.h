@@ -1,5 +1,6 @@
 #pragma once
 
+#include <mivoqutils/post.h>
 #include <mivowidgets/combobox.h>
 
 #include <QtCore/QEvent>
@@ -33,8 +34,7 @@ public:
     bool eventFilter(QObject* watched, QEvent* event) override
     {
         if (event->type() == QEvent::Hide) {
-            QMetaObject::invokeMethod(
-                this, [this] { m_listShown(view()->isVisible()); }, Qt::QueuedConnection);
+            qutils::post(this, [this] { m_listShown(view()->isVisible()); });
         }
         return ComboBox::eventFilter(watched, event);
     }
