@@ -118,6 +118,7 @@ void KeyTable::listAll() const
     if (!std::exchange(m_isListDue, false)) {
         return;
     }
+    m_listed = m_state;
     Items& items = m_lists.shortCutInfoList;
     // Assigned one by one, the entries keep the memory of their texts.
     items.resize(m_lists.indexShortCutList.size() + m_lists.pathShortCutList.size());
@@ -128,7 +129,7 @@ void KeyTable::listAll() const
 
 std::string KeyTable::save()
 {
-    m_isListDue = true;
+    m_isListDue |= m_listed != m_state;
     listAll();
     const CallSite site("saveShortCutInfoList");
     std::filesystem::path aside;

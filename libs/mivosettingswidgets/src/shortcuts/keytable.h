@@ -2,6 +2,7 @@
 
 #include "mivohostapi/shortcuttypes.h"
 
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <utility>
@@ -102,6 +103,7 @@ private:
     mutable Holders m_indexHolders;
     mutable Holders m_pathHolders;
     mutable bool m_isListDue = false; // shortCutInfoList is to hold what the other two lists do
+    mutable std::optional<unsigned> m_listed; // the state that shortCutInfoList was filled from
     unsigned m_state = 0;
     bool m_fileIsUnreadable = false;
     bool m_isWritten = false;

@@ -31,6 +31,11 @@ struct Texts
     std::pmr::unordered_map<std::string, const std::string*> byPath{&memory};
 };
 
+bool isAscii(const std::string& bytes)
+{
+    return std::all_of(bytes.begin(), bytes.end(), [](char byte) { return byte >= 0; });
+}
+
 /// False also where both are the same, but not ASCII alone.
 bool isSameAscii(const QString& text, const std::string& bytes)
 {
@@ -116,17 +121,20 @@ bool ShortCutCovers::pushTexts(const Set& covers, const std::vector<STShortCutIt
         last[Key::of(item)] = &item;
     }
     bool isSame = last.size() == items.size();
+    // In a loop of its own, which does not wait for the memory of one cover after the other.
+    std::pmr::vector<std::pair<Cover*, const STShortCutItem*>> shown(&memory);
+    shown.reserve(covers.size());
     for (Cover* cover : covers) {
         const auto found = last.find(Key::of(*cover));
-        QString text;
-        if (found != last.end()) {
-            const STShortCutItem& item = *found->second;
-            text = QString::fromStdString(item.shortCutStr);
-            isSame &= item.type == cover->getShortCutIndex()
-                      && item.path == cover->getShortCutPath()
-                      && isSameAscii(text, item.shortCutStr);
-        }
-        cover->shortCutStrChanged(text);
+        const STShortCutItem* item = found == last.end() ? nullptr : found->second;
+        isSame &= item == nullptr
+                  || (item->type == cover->getShortCutIndex()
+                      && item->path == cover->getShortCutPath() && isAscii(item->shortCutStr));
+        shown.emplace_back(cover, item);
+    }
+    for (const auto& [cover, item] : shown) {
+        cover->shortCutStrChanged(item == nullptr ? QString()
+                                                  : QString::fromStdString(item->shortCutStr));
     }
     return isSame;
 }

@@ -85,6 +85,7 @@ private:
             }
         }
         bool contains(Cover* cover) const { return m_places.count(cover) != 0; }
+        std::size_t size() const { return m_places.size(); }
         auto begin() const { return m_covers.begin(); }
         auto end() const { return m_covers.end(); }
 
