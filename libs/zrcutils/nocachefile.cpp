@@ -8,12 +8,12 @@ namespace {
 
 constexpr std::size_t randomLength = 6;
 constexpr char suffix[] = ".saving";
-constexpr std::size_t longestName = 255; // that file systems take
+constexpr std::size_t longestName = 255; // that file systems take; bytes on many shares, too
 
-/// Whether a character of a name goes on with this unit of it.
-bool goesOn(fs::path::value_type unit)
+/// Whether a character in UTF-8 goes on with this byte.
+bool goesOn(char byte)
 {
-    return sizeof unit == 1 ? (unit & 0xc0) == 0x80 : (unit & 0xfc00) == 0xdc00;
+    return (byte & 0xc0) == 0x80;
 }
 
 bool isTemporary(const fs::path& file)
@@ -34,7 +34,7 @@ fs::path zrcutils::temporaryFor(const fs::path& target)
 {
     static const char characters[] = "abcdefghijklmnopqrstuvwxyz0123456789";
     std::random_device random;
-    auto kept = target.filename().native();
+    std::string kept = target.filename().u8string();
     constexpr std::size_t room = longestName - randomLength - sizeof suffix - 1; // and two dots
     if (kept.size() > room) {
         std::size_t end = room;
@@ -44,7 +44,7 @@ fs::path zrcutils::temporaryFor(const fs::path& target)
         kept.resize(end);
     }
     fs::path name = ".";
-    name += kept;
+    name += fs::u8path(kept);
     name += ".";
     for (std::size_t i = 0; i < randomLength; ++i) {
         name += characters[random() % (sizeof characters - 1)];
