@@ -388,9 +388,10 @@ TEST_F(Window, HasEveryTextInTheLanguageThatIsChosen)
         }
         EXPECT_EQ(QKeySequence(Qt::Key_Space).toString(QKeySequence::NativeText) == "Space",
                   index == 0);
-        for (const char* key : {"DataInUse", "KeyHint", "MidiHint", "MidiNoDevice", "MidiOff",
-                                "DmxHint", "DmxOff", "OscHint", "OscOff", "ShortcutFiles",
-                                "ClearShortcutsQuestion", "ImportShortcutsQuestion"}) {
+        for (const char* key :
+             {"DataInUse", "KeyHint", "MidiHint", "MidiNoDevice", "MidiHangs", "MidiNotOpened",
+              "MidiOff", "DmxHint", "DmxOff", "OscHint", "OscOff", "ShortcutFiles",
+              "ClearShortcutsQuestion", "ImportShortcutsQuestion"}) {
             hostText(key);
         }
         for (const auto& entry : runtime.call([this] { return store->all(); })) {

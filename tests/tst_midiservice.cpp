@@ -1,7 +1,7 @@
 #include "peripherals/midiservice.h"
 
 #include "peripherals/inputtap.h"
-#include "peripherals/midimessage.h"
+#include "peripherals/midihardware.h"
 #include "support/otherprocess.h"
 #include "support/servicetest.h"
 
@@ -39,13 +39,24 @@ int playMidi(const QStringList& arguments)
 
 const bool isRegistered = otherProcesses().emplace("--as-player", playMidi).second;
 
-/// A sound server without hardware, or nothing. QProcess kills it at its end.
-std::unique_ptr<QProcess> soundServer()
+/// Ends the server so that it leaves no memory behind, which keeps later ones from starting.
+struct EndServer
+{
+    void operator()(QProcess* server) const
+    {
+        server->terminate();
+        server->waitForFinished();
+        delete server;
+    }
+};
+
+/// A sound server without hardware, or nothing.
+std::unique_ptr<QProcess, EndServer> soundServer()
 {
     // JACK's library knows one server in the life of a program.
     const QString name = QString("mivotest-%1").arg(QCoreApplication::applicationPid());
     qputenv("JACK_DEFAULT_SERVER", name.toLatin1());
-    auto server = std::make_unique<QProcess>();
+    std::unique_ptr<QProcess, EndServer> server(new QProcess);
     server->setStandardErrorFile(QProcess::nullDevice());
     // Long periods, so that hardly a message is lost on a busy machine.
     server->start("jackd", {"-n", name, "-r", "-T", "-d", "dummy", "-p", "4096"});
@@ -229,4 +240,26 @@ TEST(Midi, RealDevicesAreLearnedAndSurviveAReplugAndALossOfTheServer)
     EXPECT_TRUE(playsUntil(*keys, "903c7f\n", used));
     service.setEnabled(false);
     EXPECT_TRUE(service.devices().empty());
+    told.take();
+    keys->write("903c7f\n");
+    QTest::qWait(300);
+    EXPECT_FALSE(told.has(used));
+
+    const auto signalServer = [&](const char* signal) {
+        QProcess::execute("kill", {signal, QString::number(server->processId())});
+    };
+    const std::string hangs = "warning|MIDI does not answer";
+    signalServer("-STOP");
+    {
+        MidiService brief(setupFor(MidiService::isControl), "mivobrief");
+        brief.setEnabled(true);
+        service.setEnabled(true);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return log.count(hangs) == 2; }, 10000));
+        EXPECT_TRUE(service.isHanging() && service.devices().empty());
+    } // does not wait for the server
+    signalServer("-CONT");
+    ASSERT_TRUE(waitFor({{"keys:out"}, {"pads:out"}}));
+    EXPECT_TRUE(playsUntil(*keys, "903c7f\n", used));
+    EXPECT_EQ(log.count("info|MIDI answers again"), 1);
+    EXPECT_FALSE(service.isHanging());
 }

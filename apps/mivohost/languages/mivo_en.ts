@@ -1835,6 +1835,16 @@ Open them?</translation>
         <translation>No MIDI device is connected.</translation>
     </message>
     <message>
+        <source>MidiHangs</source>
+        <comment>MainWindow</comment>
+        <translation>MIDI does not answer: a driver or a sound server hangs.</translation>
+    </message>
+    <message>
+        <source>MidiNotOpened</source>
+        <comment>MainWindow</comment>
+        <translation>The MIDI device “%1” cannot be opened. Another program may have it. It is tried again.</translation>
+    </message>
+    <message>
         <source>MidiOff</source>
         <comment>MainWindow</comment>
         <translation>MIDI is off. It is switched on in the settings, under Network.</translation>

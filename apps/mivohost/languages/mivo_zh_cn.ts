@@ -1835,6 +1835,16 @@
         <translation>未连接 MIDI 设备。</translation>
     </message>
     <message>
+        <source>MidiHangs</source>
+        <comment>MainWindow</comment>
+        <translation>MIDI 没有响应：驱动程序或音频服务器停住了。</translation>
+    </message>
+    <message>
+        <source>MidiNotOpened</source>
+        <comment>MainWindow</comment>
+        <translation>无法打开 MIDI 设备“%1”，可能被其他程序占用。程序会重试。</translation>
+    </message>
+    <message>
         <source>MidiOff</source>
         <comment>MainWindow</comment>
         <translation>MIDI 已关闭，可在设置的网络页中打开。</translation>

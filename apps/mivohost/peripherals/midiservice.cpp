@@ -2,208 +2,61 @@
 
 #include "base/hostlog.h"
 #include "peripherals/inputtap.h"
-#include "peripherals/midimessage.h"
+#include "peripherals/midihardware.h"
 
-#include <RtMidi.h>
-
-#include <QtCore/QElapsedTimer>
-
-#include <algorithm>
-#include <atomic>
-#include <iostream>
-#include <regex>
-#include <stdexcept>
-
-#ifdef Q_OS_UNIX
-// Weak: JACK's library is loaded only where RtMidi uses it.
-extern "C" __attribute__((weak)) void jack_set_error_function(void (*function)(const char*));
-#endif
+#include <chrono>
+#include <utility>
 
 namespace mivohost {
 
 using mivo::peripheralcontrol::SMIDIDevInfo;
+using mivo::qutils::FileTask;
 
 namespace {
 
-// Milliseconds. A device that is away for less goes unnoticed, and is then not opened again.
-constexpr int lookEvery = 200;
-constexpr int backEndRetry = 2000; // of a back end that is not there
-
-std::atomic<int> jackErrors{0};
-
-/// JACK's library reports the loss of its server through this function only.
-void countJackErrors()
-{
-#ifdef Q_OS_UNIX
-    if (jack_set_error_function != nullptr) {
-        jack_set_error_function([](const char* /*message*/) { ++jackErrors; });
-    }
-#endif
-}
+// A device that is away for less goes unnoticed, and is then not opened again.
+constexpr std::chrono::milliseconds lookEvery(200);
+constexpr std::chrono::milliseconds answerWithin(5000); // else it is said that it hangs
 
 } // namespace
 
-// --- Names ---
-
-ListedDevice alsaMidiInput(const std::string& listed)
-{
-    static const std::regex numbers(" [0-9]+:[0-9]+$");
-    return {listed, std::regex_replace(listed, numbers, "")};
-}
-
-ListedDevice windowsMidiInput(const std::string& listed, unsigned place)
-{
-    // The place is no part of the id: it changes when a device before this one goes.
-    const std::string end = ' ' + std::to_string(place);
-    const bool hasEnd = listed.size() >= end.size()
-                        && listed.compare(listed.size() - end.size(), end.size(), end) == 0;
-    const std::string name = hasEnd ? listed.substr(0, listed.size() - end.size()) : listed;
-    return {name, name};
-}
-
-// --- Devices ---
-
-class MidiService::BackEnd
-{
-public:
-    /// Throws RtMidiError when the system does not offer it.
-    BackEnd(RtMidi::Api backEnd, std::string clientName)
-        : api(backEnd), m_clientName(std::move(clientName))
-    {
-        connect();
-    }
-
-    const RtMidi::Api api;
-
-    /// In the order of their places. Throws std::runtime_error when it is not there or has gone;
-    /// then nothing comes of it until reconnect().
-    std::vector<ListedDevice> ports()
-    {
-        constexpr int mostTimes = 10;
-        std::vector<ListedDevice> found;
-        for (int times = 0; !list(found); ++times) {
-            if (times == mostTimes) {
-                throw std::runtime_error(m_error);
-            }
-        }
-        return found;
-    }
-
-    bool isReported = false; // that it is not there
-    QElapsedTimer failed;    // valid while it is not there
-
-    void connect()
-    {
-        m_watcher.reset();
-        // RtMidi also writes errors to the standard error; they are logged from the callback.
-        struct Silence
-        {
-            Silence() { std::cerr.setstate(std::ios_base::failbit); }
-            ~Silence() { std::cerr.clear(); }
-        };
-        const Silence silence;
-        m_watcher = std::make_unique<RtMidiIn>(api, m_clientName);
-        m_watcher->setErrorCallback([](RtMidiError::Type /*type*/, const std::string& reason,
-                                       void* error) { *static_cast<std::string*>(error) = reason; },
-                                    &m_error);
-        m_jackErrors = jackErrors;
-    }
-
-private:
-    /// False when one has gone meanwhile, which has no name then.
-    bool list(std::vector<ListedDevice>& found)
-    {
-        found.clear();
-        m_error.clear();
-        const unsigned count = m_watcher->getPortCount();
-        if (m_error.empty() && api == RtMidi::UNIX_JACK && jackErrors != m_jackErrors) {
-            m_error = "the server has gone";
-        }
-        if (!m_error.empty()) {
-            throw std::runtime_error(m_error);
-        }
-        for (unsigned place = 0; place < count && m_error.empty(); ++place) {
-            const std::string listed = m_watcher->getPortName(place);
-            ListedDevice port{listed, listed};
-            if (api == RtMidi::LINUX_ALSA) {
-                port = alsaMidiInput(listed);
-            } else if (api == RtMidi::WINDOWS_MM) {
-                port = windowsMidiInput(listed, place);
-            }
-            port.id = RtMidi::getApiName(api) + ' ' + port.id;
-            found.push_back(std::move(port));
-        }
-        return m_error.empty();
-    }
-
-    const std::string m_clientName;
-    std::string m_error;
-    int m_jackErrors = 0; // when it was connected
-    std::unique_ptr<RtMidiIn> m_watcher;
-};
-
-struct MidiService::Place
-{
-    RtMidi::Api api;
-    unsigned number;
-};
-
-class MidiService::Input
-{
-public:
-    /// Throws RtMidiError when it cannot be opened.
-    Input(MidiService& service, const Place& place, std::string portId, std::string deviceName)
-        : api(place.api), id(std::move(portId)), device(std::move(deviceName)), m_service(service),
-          m_midi(place.api, service.m_clientName)
-    {
-        m_midi.setCallback(
-            [](double seconds, std::vector<unsigned char>* bytes, void* input) {
-                static_cast<Input*>(input)->receive(*bytes, seconds);
-            },
-            this);
-        m_midi.openPort(place.number, device);
-        m_midi.setErrorCallback(
-            [](RtMidiError::Type /*type*/, const std::string& reason, void* input) {
-                hostLog()->warn("MIDI input {}: {}", static_cast<Input*>(input)->device, reason);
-            },
-            this);
-    }
-
-    const RtMidi::Api api;
-    const std::string id;
-    const std::string device;
-
-private:
-    /// On the device's thread; `seconds` after the message before.
-    void receive(const std::vector<unsigned char>& bytes, double seconds)
-    {
-        m_seconds += seconds;
-        if (m_service.m_tap != nullptr && m_service.m_tap->isOpen()) {
-            m_service.m_tap->put(
-                PeripheralMidi, QString::fromStdString(device),
-                {reinterpret_cast<const char*>(bytes.data()), static_cast<int>(bytes.size())});
-        }
-        if (const auto message = parseMidi(bytes.data(), bytes.size())) {
-            const MidiControls::Use use = m_controls.take(*message, m_seconds);
-            if (use.triggers || use.teaches) {
-                m_service.use(midiControlText(*message, device), use.triggers, use.teaches);
-            }
-        }
-    }
-
-    MidiService& m_service;
-    MidiControls m_controls;
-    double m_seconds = 0; // since the first message
-    RtMidiIn m_midi;      // the last one: its thread uses the others
-};
-
 MidiService::MidiService(BindingTable::Setup setup, std::string clientName)
-    : BoundPeripheral(std::move(setup)), m_clientName(std::move(clientName))
+    : BoundPeripheral(std::move(setup)), m_clientName(std::move(clientName)), m_task(answerWithin)
 {
-    QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { look(); });
+    QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { run(); });
+    QObject::connect(&m_task, &FileTask::overdue, &m_task, [this] {
+        hostLog()->warn("MIDI does not answer: a driver or a sound server hangs");
+        setTrouble(true, m_unopened);
+    });
 }
 
-MidiService::~MidiService() = default;
+/// On the device's thread.
+void MidiService::receive(const PlayedMidi& played)
+{
+    if (m_tap != nullptr && m_tap->isOpen()) {
+        m_tap->put(PeripheralMidi, QString::fromStdString(played.device),
+                   {reinterpret_cast<const char*>(played.bytes.data()),
+                    static_cast<int>(played.bytes.size())});
+    }
+    if (played.use.triggers || played.use.teaches) {
+        use(midiControlText(*played.message, played.device), played.use.triggers,
+            played.use.teaches);
+    }
+}
+
+MidiService::~MidiService()
+{
+    if (m_hardware == nullptr) {
+        return;
+    }
+    m_hardware->setReceiver(nullptr);
+    m_enabled = false;
+    m_devices.clear();
+    troubleChanged.disconnect_all();
+    request();
+    while (m_task.isRunning() && m_task.waitFor(std::chrono::seconds(1))) {
+    }
+}
 
 bool MidiService::isControl(const std::string& text)
 {
@@ -216,10 +69,17 @@ void MidiService::setEnabled(bool on)
         return;
     }
     m_enabled = on;
+    if (m_hardware == nullptr) {
+        m_hardware = std::make_shared<MidiHardware>(m_clientName);
+    }
+    m_hardware->setReceiver(on ? [this](const PlayedMidi& played) { receive(played); }
+                               : MidiHardware::Receiver());
+    request();
     if (on) {
-        start();
+        m_timer.start(lookEvery);
     } else {
-        stop();
+        m_timer.stop();
+        setDevices({});
     }
     enabledChanged(on);
 }
@@ -227,8 +87,8 @@ void MidiService::setEnabled(bool on)
 void MidiService::reopen()
 {
     if (m_enabled) {
-        m_inputs.clear();
-        look();
+        m_isAnew = true;
+        request();
     }
 }
 
@@ -237,122 +97,53 @@ std::vector<SMIDIDevInfo> MidiService::devices() const
     return m_devices;
 }
 
-void MidiService::start()
+void MidiService::request()
 {
-    countJackErrors();
-    std::vector<RtMidi::Api> apis;
-    RtMidi::getCompiledApi(apis);
-    for (const RtMidi::Api api : apis) {
-        try {
-            m_backEnds.push_back(std::make_unique<BackEnd>(api, m_clientName));
-        } catch (const RtMidiError& error) {
-            hostLog()->warn("no MIDI over {}: {}", RtMidi::getApiDisplayName(api), error.what());
-        }
-    }
-    look();
-    m_timer.start(lookEvery);
+    m_isDue = true;
+    run();
 }
 
-void MidiService::stop()
+void MidiService::run()
 {
-    m_timer.stop();
-    m_inputs.clear();
-    m_backEnds.clear();
-    m_unopened.clear();
-    m_names.update({});
-    if (!m_devices.empty()) {
-        m_devices.clear();
-        devicesChanged(m_devices);
+    if (m_task.isRunning()) {
+        return;
+    }
+    m_isDue = false;
+    m_task.start(
+        [hardware = m_hardware, on = m_enabled, anew = std::exchange(m_isAnew, false)] {
+            if (on) {
+                return hardware->look(anew);
+            }
+            hardware->close();
+            return MidiHardware::Inputs();
+        },
+        [this](const MidiHardware::Inputs& inputs) {
+            if (m_isOverdue) {
+                hostLog()->info("MIDI answers again");
+            }
+            if (m_isDue) {
+                run();
+            } else {
+                setDevices(inputs.open);
+            }
+            setTrouble(false, inputs.unopened);
+        });
+}
+
+void MidiService::setTrouble(bool isHanging, const std::string& unopened)
+{
+    if (isHanging != m_isOverdue || unopened != m_unopened) {
+        m_isOverdue = isHanging;
+        m_unopened = unopened;
+        troubleChanged();
     }
 }
 
-void MidiService::look()
+void MidiService::setDevices(const std::vector<SMIDIDevInfo>& devices)
 {
-    std::vector<ListedDevice> ports;
-    std::vector<Place> places;
-    for (const auto& backEnd : m_backEnds) {
-        unsigned number = 0;
-        for (ListedDevice& port : portsOf(*backEnd)) {
-            ports.push_back(std::move(port));
-            places.push_back({backEnd->api, number++});
-        }
-    }
-
-    // Of devices with the same name nobody knows which one came or went: all are opened again.
-    std::map<std::string, std::size_t> count;
-    for (const ListedDevice& port : ports) {
-        ++count[port.id];
-    }
-    auto before = std::exchange(m_inputs, {});
-    before.erase(std::remove_if(
-                     before.begin(), before.end(),
-                     [&](const auto& input) { return count[input->id] != m_portsOfId[input->id]; }),
-                 before.end());
-    m_portsOfId = std::move(count);
-
-    const auto names = m_names.update(ports);
-    std::vector<SMIDIDevInfo> devices;
-    for (std::size_t i = 0; i < names.size(); ++i) {
-        const auto open =
-            std::find_if(before.begin(), before.end(), [&names, i](const auto& input) {
-                return input != nullptr && input->device == names[i];
-            });
-        auto input =
-            open != before.end() ? std::move(*open) : opened(places[i], ports[i], names[i]);
-        if (input != nullptr) {
-            m_inputs.push_back(std::move(input));
-            devices.push_back({names[i]});
-        }
-    }
-    before.clear();
     if (devices != m_devices) {
-        m_devices = std::move(devices);
+        m_devices = devices;
         devicesChanged(m_devices);
-    }
-}
-
-std::vector<ListedDevice> MidiService::portsOf(BackEnd& backEnd)
-{
-    if (backEnd.failed.isValid() && !backEnd.failed.hasExpired(backEndRetry)) {
-        return {};
-    }
-    const std::string name = RtMidi::getApiDisplayName(backEnd.api);
-    try {
-        if (backEnd.failed.isValid()) {
-            backEnd.connect();
-        }
-        auto ports = backEnd.ports();
-        if (std::exchange(backEnd.isReported, false)) {
-            hostLog()->info("MIDI over {} is there", name);
-        }
-        backEnd.failed.invalidate();
-        return ports;
-    } catch (const std::exception& error) { // RtMidiError or std::runtime_error
-        backEnd.failed.start();
-        if (!std::exchange(backEnd.isReported, true)) {
-            hostLog()->warn("no MIDI over {}: {}", name, error.what());
-            // Inputs of a lost server receive nothing more, even if it comes back at once.
-            m_inputs.erase(
-                std::remove_if(m_inputs.begin(), m_inputs.end(),
-                               [&backEnd](const auto& input) { return input->api == backEnd.api; }),
-                m_inputs.end());
-        }
-        return {};
-    }
-}
-
-std::unique_ptr<MidiService::Input>
-MidiService::opened(const Place& place, const ListedDevice& port, const std::string& name)
-{
-    try {
-        auto input = std::make_unique<Input>(*this, place, port.id, name);
-        m_unopened.erase(name);
-        return input;
-    } catch (const RtMidiError& error) {
-        if (m_unopened.insert(name).second) {
-            hostLog()->warn("MIDI input {} cannot be opened: {}", name, error.what());
-        }
-        return nullptr;
     }
 }
 

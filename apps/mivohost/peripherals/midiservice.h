@@ -1,30 +1,26 @@
 #pragma once
 
-#include "devices/devicenames.h"
+#include "mivoqutils/filetask.h"
 #include "peripherals/bindingtable.h"
 
 #include <QtCore/QTimer>
 
-#include <functional>
-#include <map>
 #include <memory>
-#include <set>
 #include <string>
 #include <vector>
 
 namespace mivohost {
 
 class InputTap;
-
-/// How ALSA and Windows' MIDI list inputs: "name 20:0" with the numbers of client and port, and
-/// "name 3" with its place in the list. Other back ends tell inputs apart by their names.
-ListedDevice alsaMidiInput(const std::string& listed);
-ListedDevice windowsMidiInput(const std::string& listed, unsigned place);
+class MidiHardware;
+struct PlayedMidi;
 
 /// Every MIDI input of the machine. GUI thread; controlMessage and bindResult are emitted on the
 /// device's thread, the other signals on the GUI thread.
 ///
 /// While enabled, all inputs are open, and one that comes or goes is noticed within two seconds.
+/// Drivers and sound servers are called on another thread: one that hangs is logged, what is open
+/// goes on, and the end of the service waits a second for it.
 /// One that cannot be opened is logged once, and tried again all the time. A back end that is not
 /// there or has gone is logged once, counts as having no devices, and is tried again every two
 /// seconds; one that the system does not offer at all, not until the service is enabled again.
@@ -39,37 +35,39 @@ public:
 
     void setEnabled(bool on) override;
     bool isEnabled() const override { return m_enabled; }
-    /// Opens all inputs anew: one that was away unseen is listed as before, but sends nothing.
+    /// Opens all inputs anew, soon: one that was away unseen is listed as before, but sends
+    /// nothing.
     void reopen();
     std::vector<mivo::peripheralcontrol::SMIDIDevInfo> devices() const override;
+    /// Whether a driver or a sound server has not answered for five seconds.
+    bool isHanging() const { return m_isOverdue; }
+    /// The first device that cannot be opened, as where another program holds it; else empty.
+    const std::string& unopened() const { return m_unopened; }
+    /// isHanging() or unopened() has changed. GUI thread.
+    sigslot::signal<> troubleChanged;
 
     /// Gets every message of a device but clock, active sensing and system exclusive; borrowed.
     /// Only while the service is disabled.
     void setTap(InputTap& tap) { m_tap = &tap; }
 
 private:
-    class BackEnd;
-    class Input;
-    struct Place;
-
-    void start();
-    void stop();
-    void look();
-    /// The ports of a back end, as far as it is there.
-    std::vector<ListedDevice> portsOf(BackEnd& backEnd);
-    /// Null, and the reason once in the log, when it cannot be opened.
-    std::unique_ptr<Input> opened(const Place& place, const ListedDevice& port,
-                                  const std::string& name);
+    void receive(const PlayedMidi& played);
+    /// Has the hardware follow what is wanted now, after what it does at the moment.
+    void request();
+    void run();
+    void setDevices(const std::vector<mivo::peripheralcontrol::SMIDIDevInfo>& devices);
+    void setTrouble(bool isHanging, const std::string& unopened);
 
     const std::string m_clientName;
     InputTap* m_tap = nullptr;
     bool m_enabled = false;
     QTimer m_timer;
-    DeviceNames m_names;
-    std::vector<std::unique_ptr<BackEnd>> m_backEnds;
-    std::vector<std::unique_ptr<Input>> m_inputs;
-    std::set<std::string> m_unopened; // the names of those that could not be opened
-    std::map<std::string, std::size_t> m_portsOfId;
+    std::shared_ptr<MidiHardware> m_hardware; // null before it is first enabled
+    mivo::qutils::FileTask m_task;            // looks at the hardware
+    bool m_isDue = false;                     // again after this time
+    bool m_isAnew = false;
+    bool m_isOverdue = false;
+    std::string m_unopened;
     std::vector<mivo::peripheralcontrol::SMIDIDevInfo> m_devices;
 };
 

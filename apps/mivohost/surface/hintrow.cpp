@@ -26,10 +26,12 @@ HintRow::HintRow(Peripherals& peripherals)
     row->addWidget(m_address);
     hide();
     const auto follow = [this](auto& signal) {
-        m_connections.emplace_back(signal.connect([this](const auto& /*state*/) { showHint(); }));
+        m_connections.emplace_back(
+            signal.connect([this](const auto&... /*state*/) { showHint(); }));
     };
     follow(peripherals.midi().enabledChanged);
     follow(peripherals.midi().devicesChanged);
+    follow(peripherals.midi().troubleChanged);
     follow(peripherals.dmx().infoChanged);
     follow(peripherals.dmx().failed);
     follow(peripherals.osc().infoChanged);

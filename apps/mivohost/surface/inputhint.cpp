@@ -17,15 +17,29 @@ QString problemOf(const Service& service, const char* off, const char* failed)
     return failure.isEmpty() ? QString() : hostText(failed).arg(reasonText(failure));
 }
 
+QString midiProblem(const MidiService& midi)
+{
+    if (!midi.isEnabled()) {
+        return hostText("MidiOff");
+    }
+    if (midi.isHanging()) {
+        return hostText("MidiHangs");
+    }
+    if (!midi.devices().empty()) {
+        return {};
+    }
+    return midi.unopened().empty()
+               ? hostText("MidiNoDevice")
+               : hostText("MidiNotOpened").arg(QString::fromStdString(midi.unopened()));
+}
+
 } // namespace
 
 QString inputProblem(Peripherals& peripherals, EnumPeripheralShortCutType kind)
 {
     switch (kind) {
     case PeripheralMidi:
-        return !peripherals.midi().isEnabled()        ? hostText("MidiOff")
-               : peripherals.midi().devices().empty() ? hostText("MidiNoDevice")
-                                                      : QString();
+        return midiProblem(peripherals.midi());
     case PeripheralDmx:
         return problemOf(peripherals.dmx(), "DmxOff", "DmxFailed");
     case PeripheralOsc:
