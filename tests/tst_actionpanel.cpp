@@ -425,13 +425,14 @@ TEST(ActionLogLines, StayFewWhateverIsTriggered)
     ActionLog actions;
     for (int burst = 0; burst < 4; ++burst) {
         for (int action = 0; action < 30; ++action) {
-            actions.add("action " + std::to_string(action), std::string(5000, 'x'));
+            actions.add("action " + std::to_string(action), "\x1b[2J\n" + std::string(5000, 'x'));
         }
         QTest::qWait(130);
     }
     EXPECT_LT(log.lines().size(), 50U);
     for (const std::string& line : log.lines()) {
         EXPECT_LT(line.size(), 500U) << line;
+        EXPECT_EQ(line.find_first_of("\x1b\n"), std::string::npos) << line;
     }
 }
 

@@ -2,6 +2,8 @@
 
 #include "qvspdlog/spdlogapplication.h"
 
+#include <QtCore/QString>
+
 #include <memory>
 
 namespace mivohost {
@@ -10,6 +12,18 @@ namespace mivohost {
 inline std::shared_ptr<spdlog::logger> hostLog()
 {
     return QV::SpdlogApplication::instance().logger();
+}
+
+/// A text from outside as one line: a replacement character stands for what does not print. Any
+/// thread.
+inline QString printable(QString text)
+{
+    for (QChar& each : text) {
+        if (!each.isPrint() && !each.isSurrogate()) {
+            each = QChar::ReplacementCharacter;
+        }
+    }
+    return text;
 }
 
 } // namespace mivohost

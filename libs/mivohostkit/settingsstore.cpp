@@ -41,10 +41,10 @@ std::string logged(const QVariant& value)
 {
     constexpr int longest = 200;
     const QString text = value.toString();
-    const QString line = text.left(longest).replace(QLatin1Char('\n'), QLatin1Char('|'));
+    const QString line = printable(text.left(longest));
     return (text.size() <= longest
                 ? line
-                : QStringLiteral("%1... (%2 characters)").arg(line).arg(text.size()))
+                : QStringLiteral("%1... (%2 characters)").arg(line, QString::number(text.size())))
         .toStdString();
 }
 

@@ -240,7 +240,7 @@ std::string shortened(const std::string& text)
 {
     constexpr int longest = 60; // characters
     const QString whole = QString::fromStdString(text);
-    return whole.size() <= longest ? text : whole.left(longest).toStdString() + "...";
+    return printable(whole.left(longest)).toStdString() + (whole.size() <= longest ? "" : "...");
 }
 
 } // namespace mivohost

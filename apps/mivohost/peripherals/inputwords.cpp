@@ -1,6 +1,7 @@
 #include "peripherals/inputwords.h"
 
 #include "base/hosttext.h"
+#include "mivohostkit/hostlog.h"
 #include "peripherals/artnet.h"
 #include "peripherals/midimessage.h"
 #include "peripherals/oscmessage.h"
@@ -17,17 +18,10 @@ namespace {
 
 constexpr int mostCharacters = 400;
 
-/// On one line, whatever a sender has put into it.
-QString printable(QString text)
+QString cut(const QString& text)
 {
-    const bool isLong = text.size() > mostCharacters;
-    text.truncate(mostCharacters);
-    for (QChar& each : text) {
-        if (!each.isPrint() && !each.isSurrogate()) {
-            each = QChar::ReplacementCharacter;
-        }
-    }
-    return isLong ? text + QChar(0x2026) : text;
+    const QString shown = printable(text.left(mostCharacters));
+    return text.size() > mostCharacters ? shown + QChar(0x2026) : shown;
 }
 
 QString hexText(const QByteArray& bytes)
@@ -130,15 +124,13 @@ QString midiWords(const QByteArray& bytes)
             break;
         }
     }
-    return printable(hexText(bytes));
+    return cut(hexText(bytes));
 }
 
 QString oscWords(const QByteArray& bytes, int size)
 {
     if (size > bytes.size()) {
-        return hostText("OscTooLong")
-            .arg(size)
-            .arg(printable(QString::fromUtf8(bytes.constData())));
+        return hostText("OscTooLong").arg(size).arg(cut(QString::fromUtf8(bytes.constData())));
     }
     const auto arguments =
         oscArguments({bytes.constData(), static_cast<std::size_t>(std::max(size, 0))},
@@ -151,7 +143,7 @@ QString oscWords(const QByteArray& bytes, int size)
         words.append(argumentWords(argument));
     }
     const QString gap = words.isEmpty() ? QString() : QStringLiteral("  ");
-    return printable(QString::fromUtf8(bytes.constData()) + gap + words.join(QStringLiteral(", ")));
+    return cut(QString::fromUtf8(bytes.constData()) + gap + words.join(QStringLiteral(", ")));
 }
 
 QString dmxWords(const QByteArray& bytes, int channel, int others)

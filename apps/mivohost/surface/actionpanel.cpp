@@ -137,7 +137,7 @@ void ActionPanel::addConnections()
     connect(&m_manager, &ShortCutMgr::signalShortCutStrChanged, this,
             [this](EnumShortCutType /*type*/, const std::string& path, const std::string& keys) {
                 showState();
-                hostLog()->info("keys of {}: {}", path, keys.empty() ? "none" : keys);
+                hostLog()->info("keys of {}: {}", shortened(path), keys.empty() ? "none" : keys);
             });
     connect(&m_tools->search(), &ActionSearch::changed, this, &ActionPanel::showMatches);
     connect(&m_tools->search(), &ActionSearch::found, this, &ActionPanel::showFound);

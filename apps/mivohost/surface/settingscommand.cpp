@@ -2,6 +2,7 @@
 
 #include "base/filerequests.h"
 #include "base/hosttext.h"
+#include "mivohostkit/hostlog.h"
 #include "mivohostkit/runtimethread.h"
 #include "mivohostkit/settingsfile.h"
 #include "surface/settingstexts.h"
@@ -97,7 +98,8 @@ ExitCode importSettings(const QCommandLineParser& arguments, RuntimeThread& runt
                              SettingsFile::valueText(change.key, change.after)));
     }
     for (const SettingsFile::Refused& refused : plan.refused) {
-        say(stderr, QStringLiteral("not taken: %1: %2").arg(refused.name, refusedText(refused)));
+        say(stderr,
+            QStringLiteral("not taken: %1: %2").arg(printable(refused.name), refusedText(refused)));
     }
     if (!arguments.isSet(dryRunOption)) {
         const QString problem = runtime.call([&] { return store.setAll(chosen); });
