@@ -206,7 +206,7 @@ TEST_F(Window, ImportsTheSettingsThatAreTicked)
         EXPECT_TRUE(QTest::qWaitFor([&] { return open.isNull(); }));
     };
     writeFile(path, R"({"schema":"mivo-settings","version":1,"machine":"a","settings":{
-        "undoStep":81,"mfps":true,"blackScreenMute":true,"language":"zh_CN","later":1,
+        "undoStep":81,"mfps":true,"blackScreenMute":true,"language":"zh_CN","<b>":1,
         "pictureDuration":1,"osc":{"enabled":true,"port":16}}})");
     auto* dialog = chosen();
     auto* changes = dialog->findChild<QTreeWidget*>("importChanges");
@@ -227,6 +227,7 @@ TEST_F(Window, ImportsTheSettingsThatAreTicked)
     const auto* refused = dialog->findChild<QTreeWidget*>("importRefused");
     EXPECT_FALSE(changes->accessibleName().isEmpty() || refused->accessibleName().isEmpty());
     EXPECT_EQ(refused->topLevelItem(0)->text(1), "this version does not know it");
+    EXPECT_EQ(refused->topLevelItem(0)->toolTip(0), "<p>&lt;b&gt;</p>") << "the name itself";
     EXPECT_EQ(refused->topLevelItem(1)->text(1), "not from 3000 to 86399000");
     const auto before = runtime.call([this] { return store->kept.rows; });
     runtime.call([this] { store->kept.fails = true; });

@@ -4,6 +4,7 @@
 #include "peripherals/peripherals.h"
 #include "surface/actiontext.h"
 
+#include <mivosettingswidgets/controls.h>
 #include <mivosettingswidgets/shortcutmgr.h>
 #include <mivosettingswidgets/shortcuttable.h>
 
@@ -127,6 +128,7 @@ QVariant BindingsModel::data(const QModelIndex& index, int role) const
                    ? QVariant()
                    : QIcon(QStringLiteral(":/mivo/style/icons/warning.svg"));
     case Qt::ToolTipRole:
+        return mivo::settings::tipOf(conflictsOf(index).join('\n'));
     case conflictRole:
         return conflictsOf(index).join('\n');
     default:

@@ -3,6 +3,8 @@
 #include "base/hosttext.h"
 #include "surface/settingstexts.h"
 
+#include <mivosettingswidgets/controls.h>
+
 #include <QtCore/QLocale>
 #include <QtWidgets/QDialogButtonBox>
 #include <QtWidgets/QHeaderView>
@@ -45,7 +47,8 @@ QTreeWidgetItem* row(QTreeWidgetItem* parent, const QStringList& texts)
 {
     auto* item = new QTreeWidgetItem(parent, texts);
     for (int column = 0; column < texts.size(); ++column) {
-        item->setToolTip(column, texts[column]); // it may be longer than its column
+        item->setToolTip(column,
+                         mivo::settings::tipOf(texts[column])); // it may be longer than its column
     }
     return item;
 }

@@ -131,7 +131,8 @@ inline void setUpDuration(QTimeEdit* edit, const QTime& initial)
 /// A tip of just that text, which may look like markup where it is a name that somebody chose.
 inline QString tipOf(const QString& text)
 {
-    return Qt::mightBeRichText(text) ? QStringLiteral("<p>%1</p>").arg(text.toHtmlEscaped()) : text;
+    const QString lines = text.toHtmlEscaped().replace('\n', QLatin1String("<br>"));
+    return Qt::mightBeRichText(text) ? QStringLiteral("<p>%1</p>").arg(lines) : text;
 }
 
 /// Names controls after a label that they share.
