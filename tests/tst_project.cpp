@@ -58,6 +58,9 @@ TEST_F(ProjectTest, WhatCannotBeReadLeavesTheOpenOneAsItIs)
         {"a later version", R"({"mivoProject": 2})"},
         {"the same id twice",
          R"({"mivoProject": 1, "groups": [{"programs": [{"id": 1}, {"id": 1}]}]})"},
+        {"a group that is none", R"({"mivoProject": 1, "groups": [0]})"},
+        {"more than can be shown",
+         R"({"mivoProject": 1, "groups": [{}])" + QByteArray(",{}").repeated(100000) + "]}"},
         {"an id that is none", R"({"mivoProject": 1, "groups": [{"programs": [{"id": 1e99}]}]})"},
     };
     for (const auto& [label, content] : cases) {

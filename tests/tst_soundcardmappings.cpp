@@ -140,6 +140,10 @@ TEST_F(Mappings, TextsThatTheyCannotBeAreResetAndLogged)
     for (int i = 1; i <= 21; ++i) {
         many.append(mapping(i, "M" + QString::number(i)));
     }
+    QStringList devices;
+    for (int i = 0; i <= 1000; ++i) {
+        devices.append(QStringLiteral(R"({"device":"d%1","id":"a","channels":2})").arg(i));
+    }
     for (const auto& [list, usable] : std::vector<std::pair<QString, int>>{
              {many.mid(0, 20).join(','), 20},
              {many.join(','), 0},
@@ -154,6 +158,8 @@ TEST_F(Mappings, TextsThatTheyCannotBeAreResetAndLogged)
              {mapping(1, "A", card + ',' + card), 0},
              {mapping(1, "A", R"({"device":"","id":"","channels":2})"), 0},
              {mapping(1, "A", R"({"device":"","id":"a","channels":0})"), 0},
+             {mapping(1, "A", devices.mid(1).join(',')), 1},
+             {mapping(1, "A", devices.join(',')), 0},
              {"{", 0}}) {
         log.clear();
         open({{"soundCardMappings", "{\"nextId\":40,\"mappings\":[" + list + "]}"}});

@@ -65,6 +65,8 @@ STSoundCardMappingInfo fromJson(const QJsonObject& object)
 /// The cards that mappings have chosen, by their devices and ids.
 using ChosenCards = std::set<std::pair<std::string, std::string>>;
 
+constexpr std::size_t mostDevices = 1000; // of a mapping; a page has a column for each
+
 /// Whether `mapping` can stand behind those that are there; adds its cards to `chosen`.
 bool canFollow(const SoundCardMappingList& mappings, const STSoundCardMappingInfo& mapping,
                ChosenCards& chosen)
@@ -75,7 +77,7 @@ bool canFollow(const SoundCardMappingList& mappings, const STSoundCardMappingInf
             return !card.id.empty() && card.channels > 0 && devices.insert(card.device).second
                    && chosen.emplace(card.device, card.id).second;
         });
-    return cardsFit && mappings.size() < mostSoundCardMappings
+    return cardsFit && devices.size() <= mostDevices && mappings.size() < mostSoundCardMappings
            && mayBeNamed(mappings, mapping, mapping.name)
            && mapping.id > (mappings.empty() ? 0 : mappings.back().id);
 }

@@ -2610,6 +2610,11 @@ Open them?</translation>
         <translation>too many settings, or the name of one is too long</translation>
     </message>
     <message>
+        <source>too many programs or groups</source>
+        <comment>Reason</comment>
+        <translation>too many programs or groups</translation>
+    </message>
+    <message>
         <source>a setting is there twice</source>
         <comment>Reason</comment>
         <translation>a setting is there twice</translation>

@@ -2610,6 +2610,11 @@
         <translation>设置过多或名称过长</translation>
     </message>
     <message>
+        <source>too many programs or groups</source>
+        <comment>Reason</comment>
+        <translation>节目或分组太多</translation>
+    </message>
+    <message>
         <source>a setting is there twice</source>
         <comment>Reason</comment>
         <translation>同一设置出现两次</translation>

@@ -112,7 +112,24 @@ std::optional<Project> projectFromJson(const QByteArray& content, QString& error
     }
     Project project;
     QSet<qint64> ids;
-    for (const QJsonValue group : root.value(QLatin1String("groups")).toArray()) {
+    constexpr std::size_t most = 100000; // of programs, and of groups; all are shown at once
+    const QJsonArray groups = root.value(QLatin1String("groups")).toArray();
+    const auto countOf = [](const QJsonArray& array) {
+        return static_cast<std::size_t>(array.size());
+    };
+    std::size_t programs = 0;
+    for (const QJsonValue group : groups) {
+        programs += countOf(group[QLatin1String("programs")].toArray());
+    }
+    if (countOf(groups) > most || programs > most) {
+        error = QStringLiteral("too many programs or groups");
+        return std::nullopt;
+    }
+    for (const QJsonValue group : groups) {
+        if (!group.isObject()) {
+            error = QStringLiteral("not a project file, or a damaged one");
+            return std::nullopt;
+        }
         Project::Group& added = project.groups.emplace_back();
         added.name = group[QLatin1String("name")].toString();
         for (const QJsonValue program : group[QLatin1String("programs")].toArray()) {

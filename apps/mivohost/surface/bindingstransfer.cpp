@@ -6,7 +6,7 @@ namespace mivohost {
 
 namespace {
 
-constexpr std::size_t mostBytes = 64 * 1024 * 1024; // of a file to be imported
+constexpr std::size_t mostBytes = 8 * 1024 * 1024; // of a file to be imported
 
 } // namespace
 
