@@ -16,7 +16,7 @@ using Status = SqlitePersistence::Status;
 
 struct StoreFile : ::testing::Test
 {
-    QString path() const { return folder.filePath("settings.sqlite"); }
+    QString path() const { return folder.filePath("settings%2F.sqlite"); }
 
     /// What belongs to the store, with its content.
     QMap<QString, QByteArray> files() const
@@ -163,7 +163,7 @@ TEST_F(StoreFile, KeepsItsLastThreeGoodCopiesWhateverTheClockSays)
 {
     auto opened = SqlitePersistence::open(path());
     const auto copies = [this] {
-        return QDir(folder.path()).entryList({"settings.sqlite.copy-*"}, QDir::Files, QDir::Name);
+        return QDir(folder.path()).entryList({"settings*.copy-*"}, QDir::Files, QDir::Name);
     };
     for (int step = 1; step <= 4; ++step) {
         for (int start = 0; start < 2; ++start) { // nothing new at the second one
@@ -171,8 +171,8 @@ TEST_F(StoreFile, KeepsItsLastThreeGoodCopiesWhateverTheClockSays)
             EXPECT_EQ(opened.persistence->keepCopy(), "");
         }
     }
-    EXPECT_EQ(copies(), (QStringList{"settings.sqlite.copy-2", "settings.sqlite.copy-3",
-                                     "settings.sqlite.copy-4"}));
+    EXPECT_EQ(copies(), (QStringList{"settings%2F.sqlite.copy-2", "settings%2F.sqlite.copy-3",
+                                     "settings%2F.sqlite.copy-4"}));
     // A bad one takes no good one's place.
     writeFile(path() + ".copy-4", "garbage");
     ASSERT_TRUE(opened.persistence->write({{"undoStep", 5}}));

@@ -70,9 +70,22 @@ ExitCode refuse(ExitCode code, const QString& message, bool withWindow)
 {
     std::fprintf(stderr, "mivohost: %s\n", message.toUtf8().constData());
     if (withWindow) {
-        QMessageBox::critical(nullptr, QStringLiteral("mivohost"), message);
+        QMessageBox box(QMessageBox::Critical, QStringLiteral("mivohost"), message);
+        box.setTextFormat(Qt::PlainText);
+        box.exec();
     }
     return code;
+}
+
+/// Qt takes relative ones, which would be others in each current folder.
+void forgetRelativeFolders()
+{
+    for (const char* name :
+         {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_RUNTIME_DIR"}) {
+        if (QDir::isRelativePath(qEnvironmentVariable(name))) {
+            qunsetenv(name);
+        }
+    }
 }
 
 /// Folders that the settings start with; each is made when something is to be put there.
@@ -392,6 +405,7 @@ int main(int argc, char** argv)
 {
     useNoSystemBoxes();
     useConsole();
+    forgetRelativeFolders();
     if (argc > 1 && qstrcmp(argv[1], listSoundCardsOption) == 0) {
         const QCoreApplication application(argc, argv);
         return listSoundCards();

@@ -139,7 +139,10 @@ void ProjectFile::openAs(const QString& file, bool unsaved, const Done& done)
             if (!waited) {
                 return false;
             }
-            const QString path = unsaved ? result.automaticSaveOf : cleanPath(file);
+            const bool isSaveOf = QDir::isAbsolutePath(result.automaticSaveOf); // else it is forged
+            const QString path = !unsaved   ? cleanPath(file)
+                                 : isSaveOf ? result.automaticSaveOf
+                                            : QString();
             QString reason = result.error;
             if (result.project) {
                 reason = m_runtime.call([&] {

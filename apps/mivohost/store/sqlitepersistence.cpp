@@ -34,7 +34,7 @@ constexpr auto ownerOnly = QFileDevice::ReadOwner | QFileDevice::WriteOwner;
 /// A copy that was made once, by its number: the clock of a machine may go back.
 QString copyPath(const QString& path, int number)
 {
-    return QStringLiteral("%1.copy-%2").arg(path).arg(number);
+    return QStringLiteral("%1.copy-%2").arg(path, QString::number(number));
 }
 
 /// The numbers of the copies that there are, the newest first.

@@ -13,7 +13,8 @@ bool wantsCopy(const QString& path, const QString& reason, const QString& copyTi
     constexpr int secondsToAnswer = 30;
     QMessageBox question(
         QMessageBox::Warning, QStringLiteral("mivohost"),
-        hostText("StoreDamaged").arg(path, reasonText(reason), copyTime).arg(secondsToAnswer));
+        hostText("StoreDamaged")
+            .arg(path, reasonText(reason), copyTime, QString::number(secondsToAnswer)));
     question.setTextFormat(Qt::PlainText);
     auto* use = question.addButton(hostText("UseCopy"), QMessageBox::AcceptRole);
     question.setEscapeButton(question.addButton(hostText("Quit"), QMessageBox::RejectRole));
