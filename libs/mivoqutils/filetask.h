@@ -13,9 +13,8 @@
 
 namespace mivo::qutils {
 
-/// Work that may hang, as with files on a network drive that is gone, or in the driver of a device.
-/// It runs on a thread of its own, one piece of work at a time; the object's thread never waits for
-/// it longer than it wants to.
+/// Work on files that may hang, as on a network drive that is gone. It runs on a thread of its own,
+/// one piece of work at a time; the object's thread never waits for it longer than it wants to.
 ///
 /// A thread that hangs in the system cannot be ended. When the object is destroyed the thread goes
 /// on alone, and its result is dropped. So `work` must own all that it uses, and `done` may be

@@ -198,6 +198,20 @@ void MidiHardware::setReceiver(Receiver receiver)
     m_receiver = std::move(receiver);
 }
 
+void MidiHardware::setListener(std::function<void(const Inputs& inputs)> listener)
+{
+    const std::lock_guard lock(m_mutex);
+    m_listener = std::move(listener);
+}
+
+void MidiHardware::report(const Inputs& inputs)
+{
+    const std::lock_guard lock(m_mutex);
+    if (m_listener) {
+        m_listener(inputs);
+    }
+}
+
 void MidiHardware::open()
 {
     countJackErrors();

@@ -30,7 +30,7 @@ struct PlayedMidi
 };
 
 /// The MIDI inputs of the machine, of every back end. Its calls, and its end, go to drivers and
-/// sound servers, and each may hang. One thread at a time, but for setReceiver().
+/// sound servers, and each may hang. One thread, but for the setters.
 class MidiHardware
 {
 public:
@@ -50,6 +50,10 @@ public:
         std::string unopened; ///< the first one that cannot be opened; empty where there is none
     };
 
+    /// Who is told by report(); empty: nobody. Any thread.
+    void setListener(std::function<void(const Inputs& inputs)> listener);
+    void report(const Inputs& inputs);
+
     /// Opens what came and closes what went, and returns what there is. `anew`: closes all before.
     Inputs look(bool anew);
     void close();
@@ -67,8 +71,9 @@ private:
                                   const std::string& name);
 
     const std::string m_clientName;
-    std::mutex m_mutex; // for the receiver
+    std::mutex m_mutex; // for the next two
     Receiver m_receiver;
+    std::function<void(const Inputs& inputs)> m_listener;
     bool m_isOpen = false;
     DeviceNames m_names;
     std::vector<std::unique_ptr<BackEnd>> m_backEnds;

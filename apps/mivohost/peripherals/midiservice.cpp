@@ -1,6 +1,7 @@
 #include "peripherals/midiservice.h"
 
 #include "base/hostlog.h"
+#include "mivoqutils/post.h"
 #include "peripherals/inputtap.h"
 #include "peripherals/midihardware.h"
 
@@ -10,7 +11,7 @@
 namespace mivohost {
 
 using mivo::peripheralcontrol::SMIDIDevInfo;
-using mivo::qutils::FileTask;
+using mivo::qutils::post;
 
 namespace {
 
@@ -21,13 +22,28 @@ constexpr std::chrono::milliseconds answerWithin(5000); // else it is said that 
 } // namespace
 
 MidiService::MidiService(BindingTable::Setup setup, std::string clientName)
-    : BoundPeripheral(std::move(setup)), m_clientName(std::move(clientName)), m_task(answerWithin)
+    : BoundPeripheral(std::move(setup)), m_clientName(std::move(clientName))
 {
     QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { run(); });
-    QObject::connect(&m_task, &FileTask::overdue, &m_task, [this] {
+    m_answer.setSingleShot(true);
+    QObject::connect(&m_answer, &QTimer::timeout, &m_answer, [this] {
         hostLog()->warn("MIDI does not answer: a driver or a sound server hangs");
         setTrouble(true, m_unopened);
     });
+}
+
+void MidiService::start()
+{
+    m_hardware = std::make_shared<MidiHardware>(m_clientName);
+    m_hardware->setListener([this](const MidiHardware::Inputs& inputs) {
+        post(&m_answer, [this, inputs] { take(inputs.open, inputs.unopened); });
+    });
+    m_thread = new QThread;
+    m_context = new QObject;
+    m_context->moveToThread(m_thread);
+    QObject::connect(m_thread, &QThread::finished, m_context, &QObject::deleteLater);
+    QObject::connect(m_thread, &QThread::finished, m_thread, &QObject::deleteLater);
+    m_thread->start();
 }
 
 /// On the device's thread.
@@ -50,11 +66,13 @@ MidiService::~MidiService()
         return;
     }
     m_hardware->setReceiver(nullptr);
-    m_enabled = false;
-    m_devices.clear();
-    troubleChanged.disconnect_all();
-    request();
-    while (m_task.isRunning() && m_task.waitFor(std::chrono::seconds(1))) {
+    m_hardware->setListener(nullptr);
+    post(m_context, [hardware = m_hardware, thread = m_thread] {
+        hardware->close();
+        thread->quit();
+    });
+    if (m_thread->wait(1000)) {
+        delete m_thread;
     }
 }
 
@@ -70,7 +88,7 @@ void MidiService::setEnabled(bool on)
     }
     m_enabled = on;
     if (m_hardware == nullptr) {
-        m_hardware = std::make_shared<MidiHardware>(m_clientName);
+        start();
     }
     m_hardware->setReceiver(on ? [this](const PlayedMidi& played) { receive(played); }
                                : MidiHardware::Receiver());
@@ -105,29 +123,35 @@ void MidiService::request()
 
 void MidiService::run()
 {
-    if (m_task.isRunning()) {
+    if (m_isAsked) {
         return;
     }
+    m_isAsked = true;
     m_isDue = false;
-    m_task.start(
-        [hardware = m_hardware, on = m_enabled, anew = std::exchange(m_isAnew, false)] {
-            if (on) {
-                return hardware->look(anew);
-            }
+    m_answer.start(answerWithin);
+    post(m_context, [hardware = m_hardware, on = m_enabled, anew = std::exchange(m_isAnew, false)] {
+        if (on) {
+            hardware->report(hardware->look(anew));
+        } else {
             hardware->close();
-            return MidiHardware::Inputs();
-        },
-        [this](const MidiHardware::Inputs& inputs) {
-            if (m_isOverdue) {
-                hostLog()->info("MIDI answers again");
-            }
-            if (m_isDue) {
-                run();
-            } else {
-                setDevices(inputs.open);
-            }
-            setTrouble(false, inputs.unopened);
-        });
+            hardware->report({});
+        }
+    });
+}
+
+void MidiService::take(const std::vector<SMIDIDevInfo>& devices, const std::string& unopened)
+{
+    m_isAsked = false;
+    m_answer.stop();
+    if (m_isOverdue) {
+        hostLog()->info("MIDI answers again");
+    }
+    if (m_isDue) {
+        run();
+    } else {
+        setDevices(devices);
+    }
+    setTrouble(false, unopened);
 }
 
 void MidiService::setTrouble(bool isHanging, const std::string& unopened)

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "mivoqutils/filetask.h"
 #include "peripherals/bindingtable.h"
 
+#include <QtCore/QThread>
 #include <QtCore/QTimer>
 
 #include <memory>
@@ -51,10 +51,13 @@ public:
     void setTap(InputTap& tap) { m_tap = &tap; }
 
 private:
+    void start();
     void receive(const PlayedMidi& played);
     /// Has the hardware follow what is wanted now, after what it does at the moment.
     void request();
     void run();
+    void take(const std::vector<mivo::peripheralcontrol::SMIDIDevInfo>& devices,
+              const std::string& unopened);
     void setDevices(const std::vector<mivo::peripheralcontrol::SMIDIDevInfo>& devices);
     void setTrouble(bool isHanging, const std::string& unopened);
 
@@ -63,8 +66,11 @@ private:
     bool m_enabled = false;
     QTimer m_timer;
     std::shared_ptr<MidiHardware> m_hardware; // null before it is first enabled
-    mivo::qutils::FileTask m_task;            // looks at the hardware
-    bool m_isDue = false;                     // again after this time
+    QThread* m_thread = nullptr;              // of the hardware; left alone where it hangs
+    QObject* m_context = nullptr;             // lives and goes there
+    QTimer m_answer;                          // runs until one is overdue
+    bool m_isAsked = false;                   // and an answer is to come
+    bool m_isDue = false;                     // to ask again after that
     bool m_isAnew = false;
     bool m_isOverdue = false;
     std::string m_unopened;
