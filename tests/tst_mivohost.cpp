@@ -81,7 +81,10 @@ TEST_F(Host, TakesSettingsAlongToAnotherMachine)
     EXPECT_EQ(on({"--export", folder.filePath("gone/x")}), 4);
     for (const QStringList& wrong : {QStringList{"--import", file, "--export", file},
                                      {"--dry-run", "--export", file},
-                                     {"--export", file, "--sections", "undo,nothing"}}) {
+                                     {"--export", file, "--sections", "undo,nothing"},
+                                     {"--export", file, "--sections", ","},
+                                     {"--export", ""},
+                                     {"--export", file, "show.mivo"}}) {
         EXPECT_EQ(on(wrong), 1) << wrong.join(' ');
     }
 }
