@@ -310,6 +310,9 @@ int run(const QCommandLineParser& arguments)
                         : nullptr;
     if (show && !sharing) {
         return refuse(storeFailed, hostText("StoreFailed").arg(path, reasonText(showError)),
+    if (!withWindow && !copyError.isEmpty()) {
+        hostLog()->warn("no copy of the settings could be kept: {}", copyError.toStdString());
+    }
                       withWindow);
     }
     SharedSettings* const shared = sharing.get(); // belongs to the store
