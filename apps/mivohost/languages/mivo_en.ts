@@ -1680,11 +1680,6 @@ Open them?</translation>
         <translation>The shortcuts were not imported: %1</translation>
     </message>
     <message>
-        <source>BindingsNotSaved</source>
-        <comment>MainWindow</comment>
-        <translation>the bindings could not be saved; the old ones stay</translation>
-    </message>
-    <message>
         <source>FindAction</source>
         <comment>MainWindow</comment>
         <translation>Find an action by its name</translation>
@@ -2593,6 +2588,16 @@ Open them?</translation>
         <source>not a settings file</source>
         <comment>Reason</comment>
         <translation>not a settings file</translation>
+    </message>
+    <message>
+        <source>not a shortcut file</source>
+        <comment>Reason</comment>
+        <translation>not a shortcut file</translation>
+    </message>
+    <message>
+        <source>the bindings could not be saved; the old ones stay</source>
+        <comment>Reason</comment>
+        <translation>the bindings could not be saved; the old ones stay</translation>
     </message>
     <message>
         <source>too many settings, or the name of one is too long</source>

@@ -1680,11 +1680,6 @@
         <translation>快捷键未导入：%1</translation>
     </message>
     <message>
-        <source>BindingsNotSaved</source>
-        <comment>MainWindow</comment>
-        <translation>无法保存绑定，原有绑定保持不变</translation>
-    </message>
-    <message>
         <source>FindAction</source>
         <comment>MainWindow</comment>
         <translation>按名称查找动作</translation>
@@ -2593,6 +2588,16 @@
         <source>not a settings file</source>
         <comment>Reason</comment>
         <translation>不是设置文件</translation>
+    </message>
+    <message>
+        <source>not a shortcut file</source>
+        <comment>Reason</comment>
+        <translation>不是快捷键文件</translation>
+    </message>
+    <message>
+        <source>the bindings could not be saved; the old ones stay</source>
+        <comment>Reason</comment>
+        <translation>无法保存绑定，原有绑定保持不变</translation>
     </message>
     <message>
         <source>too many settings, or the name of one is too long</source>
