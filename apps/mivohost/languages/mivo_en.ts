@@ -2530,6 +2530,136 @@ Open them?</translation>
         <translation>Network unreachable</translation>
     </message>
     <message>
+        <source>Host unreachable</source>
+        <comment>Reason</comment>
+        <translation>Host unreachable</translation>
+    </message>
+    <message>
+        <source>Host not found</source>
+        <comment>Reason</comment>
+        <translation>Host not found</translation>
+    </message>
+    <message>
+        <source>Connection closed</source>
+        <comment>Reason</comment>
+        <translation>Connection closed</translation>
+    </message>
+    <message>
+        <source>Connection timed out</source>
+        <comment>Reason</comment>
+        <translation>no answer in time</translation>
+    </message>
+    <message>
+        <source>Socket operation timed out</source>
+        <comment>Reason</comment>
+        <translation>no answer in time</translation>
+    </message>
+    <message>
+        <source>SSL handshake failed</source>
+        <comment>Reason</comment>
+        <translation>no encrypted connection came about</translation>
+    </message>
+    <message>
+        <source>The issuer certificate could not be found</source>
+        <comment>Reason</comment>
+        <translation>The issuer certificate could not be found</translation>
+    </message>
+    <message>
+        <source>The issuer certificate of a locally looked up certificate could not be found</source>
+        <comment>Reason</comment>
+        <translation>The issuer certificate of a locally looked up certificate could not be found</translation>
+    </message>
+    <message>
+        <source>No certificates could be verified</source>
+        <comment>Reason</comment>
+        <translation>No certificates could be verified</translation>
+    </message>
+    <message>
+        <source>The signature of the certificate is invalid</source>
+        <comment>Reason</comment>
+        <translation>The signature of the certificate is invalid</translation>
+    </message>
+    <message>
+        <source>The certificate is not yet valid</source>
+        <comment>Reason</comment>
+        <translation>The certificate is not yet valid</translation>
+    </message>
+    <message>
+        <source>The certificate has expired</source>
+        <comment>Reason</comment>
+        <translation>The certificate has expired</translation>
+    </message>
+    <message>
+        <source>The certificate is self-signed, and untrusted</source>
+        <comment>Reason</comment>
+        <translation>The certificate is self-signed, and untrusted</translation>
+    </message>
+    <message>
+        <source>The root certificate of the certificate chain is self-signed, and untrusted</source>
+        <comment>Reason</comment>
+        <translation>The root certificate of the certificate chain is self-signed, and untrusted</translation>
+    </message>
+    <message>
+        <source>One of the CA certificates is invalid</source>
+        <comment>Reason</comment>
+        <translation>One of the CA certificates is invalid</translation>
+    </message>
+    <message>
+        <source>The supplied certificate is unsuitable for this purpose</source>
+        <comment>Reason</comment>
+        <translation>The supplied certificate is unsuitable for this purpose</translation>
+    </message>
+    <message>
+        <source>The root CA certificate is not trusted for this purpose</source>
+        <comment>Reason</comment>
+        <translation>The root CA certificate is not trusted for this purpose</translation>
+    </message>
+    <message>
+        <source>The peer did not present any certificate</source>
+        <comment>Reason</comment>
+        <translation>The peer did not present any certificate</translation>
+    </message>
+    <message>
+        <source>The host name did not match any of the valid hosts for this certificate</source>
+        <comment>Reason</comment>
+        <translation>The host name did not match any of the valid hosts for this certificate</translation>
+    </message>
+    <message>
+        <source>etcdserver: permission denied</source>
+        <comment>Reason</comment>
+        <translation>the user of etcd may not do this</translation>
+    </message>
+    <message>
+        <source>etcdserver: authentication failed, invalid user ID or password</source>
+        <comment>Reason</comment>
+        <translation>etcd takes no such user and password</translation>
+    </message>
+    <message>
+        <source>etcdserver: user name is empty</source>
+        <comment>Reason</comment>
+        <translation>etcd demands a user and a password</translation>
+    </message>
+    <message>
+        <source>etcdserver: mvcc: database space exceeded</source>
+        <comment>Reason</comment>
+        <translation>the space of etcd is used up</translation>
+    </message>
+    <message>
+        <source>etcdserver: no leader</source>
+        <comment>Reason</comment>
+        <translation>the servers of etcd have no leader</translation>
+    </message>
+    <message>
+        <source>etcdserver: leader changed</source>
+        <comment>Reason</comment>
+        <translation>the servers of etcd change their leader</translation>
+    </message>
+    <message>
+        <source>etcdserver: request timed out</source>
+        <comment>Reason</comment>
+        <translation>no answer in time</translation>
+    </message>
+    <message>
         <source>0 is no port</source>
         <comment>Reason</comment>
         <translation>0 is no port</translation>
@@ -2663,6 +2793,41 @@ Open them?</translation>
         <source>Read-only file system</source>
         <comment>Reason</comment>
         <translation>the disk is read-only</translation>
+    </message>
+    <message>
+        <source>Is a directory</source>
+        <comment>Reason</comment>
+        <translation>it is a folder</translation>
+    </message>
+    <message>
+        <source>file to open is a directory</source>
+        <comment>Reason</comment>
+        <translation>it is a folder</translation>
+    </message>
+    <message>
+        <source>Not a directory</source>
+        <comment>Reason</comment>
+        <translation>a part of the path is no folder</translation>
+    </message>
+    <message>
+        <source>File name too long</source>
+        <comment>Reason</comment>
+        <translation>the name is too long</translation>
+    </message>
+    <message>
+        <source>Disk quota exceeded</source>
+        <comment>Reason</comment>
+        <translation>the disk quota is used up</translation>
+    </message>
+    <message>
+        <source>Input/output error</source>
+        <comment>Reason</comment>
+        <translation>the disk cannot be read or written</translation>
+    </message>
+    <message>
+        <source>Operation not permitted</source>
+        <comment>Reason</comment>
+        <translation>no permission</translation>
     </message>
     <message>
         <source>no network card has this address</source>

@@ -2530,6 +2530,136 @@
         <translation>网络不可达</translation>
     </message>
     <message>
+        <source>Host unreachable</source>
+        <comment>Reason</comment>
+        <translation>无法连接到主机</translation>
+    </message>
+    <message>
+        <source>Host not found</source>
+        <comment>Reason</comment>
+        <translation>找不到主机</translation>
+    </message>
+    <message>
+        <source>Connection closed</source>
+        <comment>Reason</comment>
+        <translation>连接已关闭</translation>
+    </message>
+    <message>
+        <source>Connection timed out</source>
+        <comment>Reason</comment>
+        <translation>没有及时响应</translation>
+    </message>
+    <message>
+        <source>Socket operation timed out</source>
+        <comment>Reason</comment>
+        <translation>没有及时响应</translation>
+    </message>
+    <message>
+        <source>SSL handshake failed</source>
+        <comment>Reason</comment>
+        <translation>无法建立加密连接</translation>
+    </message>
+    <message>
+        <source>The issuer certificate could not be found</source>
+        <comment>Reason</comment>
+        <translation>找不到证书的颁发者</translation>
+    </message>
+    <message>
+        <source>The issuer certificate of a locally looked up certificate could not be found</source>
+        <comment>Reason</comment>
+        <translation>找不到证书的颁发者</translation>
+    </message>
+    <message>
+        <source>No certificates could be verified</source>
+        <comment>Reason</comment>
+        <translation>无法验证任何证书</translation>
+    </message>
+    <message>
+        <source>The signature of the certificate is invalid</source>
+        <comment>Reason</comment>
+        <translation>证书的签名无效</translation>
+    </message>
+    <message>
+        <source>The certificate is not yet valid</source>
+        <comment>Reason</comment>
+        <translation>证书尚未生效</translation>
+    </message>
+    <message>
+        <source>The certificate has expired</source>
+        <comment>Reason</comment>
+        <translation>证书已过期</translation>
+    </message>
+    <message>
+        <source>The certificate is self-signed, and untrusted</source>
+        <comment>Reason</comment>
+        <translation>证书是自签名证书，不受信任</translation>
+    </message>
+    <message>
+        <source>The root certificate of the certificate chain is self-signed, and untrusted</source>
+        <comment>Reason</comment>
+        <translation>证书链的根证书是自签名证书，不受信任</translation>
+    </message>
+    <message>
+        <source>One of the CA certificates is invalid</source>
+        <comment>Reason</comment>
+        <translation>有一个 CA 证书无效</translation>
+    </message>
+    <message>
+        <source>The supplied certificate is unsuitable for this purpose</source>
+        <comment>Reason</comment>
+        <translation>该证书不能用于此用途</translation>
+    </message>
+    <message>
+        <source>The root CA certificate is not trusted for this purpose</source>
+        <comment>Reason</comment>
+        <translation>根 CA 证书不受信任用于此用途</translation>
+    </message>
+    <message>
+        <source>The peer did not present any certificate</source>
+        <comment>Reason</comment>
+        <translation>对方未提供证书</translation>
+    </message>
+    <message>
+        <source>The host name did not match any of the valid hosts for this certificate</source>
+        <comment>Reason</comment>
+        <translation>主机名与证书不符</translation>
+    </message>
+    <message>
+        <source>etcdserver: permission denied</source>
+        <comment>Reason</comment>
+        <translation>该 etcd 用户没有权限</translation>
+    </message>
+    <message>
+        <source>etcdserver: authentication failed, invalid user ID or password</source>
+        <comment>Reason</comment>
+        <translation>etcd 用户名或密码不正确</translation>
+    </message>
+    <message>
+        <source>etcdserver: user name is empty</source>
+        <comment>Reason</comment>
+        <translation>etcd 要求用户名和密码</translation>
+    </message>
+    <message>
+        <source>etcdserver: mvcc: database space exceeded</source>
+        <comment>Reason</comment>
+        <translation>etcd 的存储空间已用完</translation>
+    </message>
+    <message>
+        <source>etcdserver: no leader</source>
+        <comment>Reason</comment>
+        <translation>etcd 服务器没有主节点</translation>
+    </message>
+    <message>
+        <source>etcdserver: leader changed</source>
+        <comment>Reason</comment>
+        <translation>etcd 服务器正在更换主节点</translation>
+    </message>
+    <message>
+        <source>etcdserver: request timed out</source>
+        <comment>Reason</comment>
+        <translation>没有及时响应</translation>
+    </message>
+    <message>
         <source>0 is no port</source>
         <comment>Reason</comment>
         <translation>0 不是有效端口</translation>
@@ -2663,6 +2793,41 @@
         <source>Read-only file system</source>
         <comment>Reason</comment>
         <translation>磁盘为只读</translation>
+    </message>
+    <message>
+        <source>Is a directory</source>
+        <comment>Reason</comment>
+        <translation>这是一个文件夹</translation>
+    </message>
+    <message>
+        <source>file to open is a directory</source>
+        <comment>Reason</comment>
+        <translation>这是一个文件夹</translation>
+    </message>
+    <message>
+        <source>Not a directory</source>
+        <comment>Reason</comment>
+        <translation>路径中有一部分不是文件夹</translation>
+    </message>
+    <message>
+        <source>File name too long</source>
+        <comment>Reason</comment>
+        <translation>名称过长</translation>
+    </message>
+    <message>
+        <source>Disk quota exceeded</source>
+        <comment>Reason</comment>
+        <translation>磁盘配额已用完</translation>
+    </message>
+    <message>
+        <source>Input/output error</source>
+        <comment>Reason</comment>
+        <translation>磁盘读写错误</translation>
+    </message>
+    <message>
+        <source>Operation not permitted</source>
+        <comment>Reason</comment>
+        <translation>没有权限</translation>
     </message>
     <message>
         <source>no network card has this address</source>
