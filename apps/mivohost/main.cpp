@@ -272,16 +272,17 @@ int run(const QCommandLineParser& arguments)
     }
     startLog(withWindow ? data.filePath(QStringLiteral("mivohost.log")) : QString());
 
-    QString showError;
-    const auto show = ShowSetup::read(arguments, data, showError);
-    if (!showError.isEmpty()) {
-        return refuse(badArgument, showError, withWindow);
+    ShowSetup::Problem problem;
+    const auto show = ShowSetup::read(arguments, data, problem);
+    if (!problem.reason.isEmpty()) {
+        return refuse(problem.code, reasonText(problem.reason), withWindow);
     }
     path = show ? show->path(data) : path;
     if (show && !show->forgotten.isEmpty()) {
         forgetMachine(show->forgotten, *show, showError);
-        return showError.isEmpty() ? finished : refuse(storeFailed, showError, false);
+        return showError.isEmpty() ? finished : refuse(storeFailed, reasonText(showError), false);
     }
+    QString showError;
 
     RuntimeThread runtime;
     auto opened = runtime.call([&] { return SqlitePersistence::open(path); });
@@ -318,7 +319,7 @@ int run(const QCommandLineParser& arguments)
     SharedSettings* const shared = sharing.get(); // belongs to the store
     if (show && !show->adopted.isEmpty()) {
         adoptMachine(show->adopted, *show, runtime, std::move(sharing), showError);
-        return showError.isEmpty() ? finished : refuse(storeFailed, showError, false);
+        return showError.isEmpty() ? finished : refuse(storeFailed, reasonText(showError), false);
     }
     auto store = runtime.call([&] {
         std::unique_ptr<SettingsPersistence> persistence = std::move(sharing);

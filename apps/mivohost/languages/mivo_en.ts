@@ -2725,6 +2725,26 @@ Open them?</translation>
         <translation>not a shortcut file</translation>
     </message>
     <message>
+        <source>no id of a machine is in it</source>
+        <comment>Reason</comment>
+        <translation>no id of a machine is in it</translation>
+    </message>
+    <message>
+        <source>no certificate (PEM) is in it</source>
+        <comment>Reason</comment>
+        <translation>no certificate (PEM) is in it</translation>
+    </message>
+    <message>
+        <source>only with --store etcd://...</source>
+        <comment>Reason</comment>
+        <translation>only with --store etcd://...</translation>
+    </message>
+    <message>
+        <source>--store takes a file, or etcd://HOST[:PORT][,HOST[:PORT]...]/SHOW</source>
+        <comment>Reason</comment>
+        <translation>--store takes a file, or etcd://HOST[:PORT][,HOST[:PORT]...]/SHOW</translation>
+    </message>
+    <message>
         <source>the bindings could not be saved; the old ones stay</source>
         <comment>Reason</comment>
         <translation>the bindings could not be saved; the old ones stay</translation>

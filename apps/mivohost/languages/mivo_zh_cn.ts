@@ -2725,6 +2725,26 @@
         <translation>不是快捷键文件</translation>
     </message>
     <message>
+        <source>no id of a machine is in it</source>
+        <comment>Reason</comment>
+        <translation>其中没有机器标识</translation>
+    </message>
+    <message>
+        <source>no certificate (PEM) is in it</source>
+        <comment>Reason</comment>
+        <translation>其中没有证书 (PEM)</translation>
+    </message>
+    <message>
+        <source>only with --store etcd://...</source>
+        <comment>Reason</comment>
+        <translation>只能与 --store etcd://... 一起使用</translation>
+    </message>
+    <message>
+        <source>--store takes a file, or etcd://HOST[:PORT][,HOST[:PORT]...]/SHOW</source>
+        <comment>Reason</comment>
+        <translation>--store 后应为文件，或 etcd://HOST[:PORT][,HOST[:PORT]...]/SHOW</translation>
+    </message>
+    <message>
         <source>the bindings could not be saved; the old ones stay</source>
         <comment>Reason</comment>
         <translation>无法保存绑定，原有绑定保持不变</translation>
