@@ -258,12 +258,14 @@ int run(const QCommandLineParser& arguments)
             if (!arguments.isSet(QStringLiteral("store")) && RunningInstance::show(data.path())) {
                 return finished;
             }
-            return refuse(storeInUse, hostText("DataInUse").arg(data.path()), true);
+            return refuse(storeInUse,
+                          hostText("DataInUse").arg(QDir::toNativeSeparators(data.path())), true);
         case FileLock::Result::failed:
-            return refuse(
-                storeFailed,
-                hostText("DataFailed").arg(lock, reasonText(QString::fromStdString(alone.error()))),
-                true);
+            return refuse(storeFailed,
+                          hostText("DataFailed")
+                              .arg(QDir::toNativeSeparators(lock),
+                                   reasonText(QString::fromStdString(alone.error()))),
+                          true);
         }
         for (const QString& folder :
              {data.path(), QFileInfo(mivo::settings::shortCutFilePath()).path()}) {
@@ -282,7 +284,7 @@ int run(const QCommandLineParser& arguments)
         forgetMachine(show->forgotten, *show, showError);
         return showError.isEmpty() ? finished : refuse(storeFailed, reasonText(showError), false);
     }
-    QString showError;
+    const QString shownPath = QDir::toNativeSeparators(path);
 
     RuntimeThread runtime;
     auto opened = runtime.call([&] { return SqlitePersistence::open(path); });
@@ -290,16 +292,16 @@ int run(const QCommandLineParser& arguments)
     if (damaged && !command.isGiven) {
         hostLog()->error("the settings file cannot be used: {}", opened.error.toStdString());
         if (opened.copyTime.isValid()
-            && !wantsCopy(path, opened.error, timeText(opened.copyTime))) {
+            && !wantsCopy(shownPath, opened.error, timeText(opened.copyTime))) {
             return storeFailed;
         }
         opened = runtime.call([&] { return SqlitePersistence::recover(path); });
     }
     if (opened.status == SqlitePersistence::Status::inUse) {
-        return refuse(storeInUse, hostText("StoreInUse").arg(path), withWindow);
+        return refuse(storeInUse, hostText("StoreInUse").arg(shownPath), withWindow);
     }
     if (!opened.persistence) {
-        return refuse(storeFailed, hostText("StoreFailed").arg(path, reasonText(opened.error)),
+        return refuse(storeFailed, hostText("StoreFailed").arg(shownPath, reasonText(opened.error)),
                       withWindow);
     }
     const QString copyError = command.isGiven && !command.changesSettings
@@ -310,10 +312,7 @@ int run(const QCommandLineParser& arguments)
     })
                         : nullptr;
     if (show && !sharing) {
-        return refuse(storeFailed, hostText("StoreFailed").arg(path, reasonText(showError)),
-    if (!withWindow && !copyError.isEmpty()) {
-        hostLog()->warn("no copy of the settings could be kept: {}", copyError.toStdString());
-    }
+        return refuse(storeFailed, hostText("StoreFailed").arg(shownPath, reasonText(showError)),
                       withWindow);
     }
     SharedSettings* const shared = sharing.get(); // belongs to the store
