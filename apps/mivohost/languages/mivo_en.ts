@@ -151,7 +151,7 @@
     <message>
         <source>PowerPoint</source>
         <comment>Widget</comment>
-        <translation>Presentation slide</translation>
+        <translation>Presentation</translation>
     </message>
     <message>
         <source>OSD</source>
@@ -451,7 +451,7 @@
     <message>
         <source>NoSpace</source>
         <comment>Widget</comment>
-        <translation>The drive is full</translation>
+        <translation>Too little free space</translation>
     </message>
     <message>
         <source>RemainSpace</source>

@@ -226,7 +226,7 @@
     <message>
         <source>AutomaticRestartCountdownTextPrefix</source>
         <comment>Widget</comment>
-        <translation>电脑将在</translation>
+        <translation>本机将在</translation>
     </message>
     <message>
         <source>AutomaticRestartCountdownTextSuffix</source>
@@ -236,7 +236,7 @@
     <message>
         <source>ShutdownCountdownTextPrefix</source>
         <comment>Widget</comment>
-        <translation>电脑将在</translation>
+        <translation>本机将在</translation>
     </message>
     <message>
         <source>ShutdownCountdownTextSuffix</source>
@@ -666,7 +666,7 @@
     <message>
         <source>Domain</source>
         <comment>Widget</comment>
-        <translation>网域</translation>
+        <translation>网络</translation>
     </message>
     <message>
         <source>ApplyDMX</source>
@@ -686,7 +686,7 @@
     <message>
         <source>ConfirmCoverExistShortCut</source>
         <comment>Widget</comment>
-        <translation>该快捷键已被其他操作使用，是否移到此处？</translation>
+        <translation>该快捷键已被其他动作使用，是否移到此处？</translation>
     </message>
     <message>
         <source>SystemShortCutWithRepeat</source>
@@ -1043,7 +1043,7 @@
     <message>
         <source>KeysClash</source>
         <comment>MainWindow</comment>
-        <translation>演出中的另一台机器更改按键后，以下按键绑定到多个操作，只触发其中的第一个：%1</translation>
+        <translation>演出中的另一台机器更改按键后，以下按键绑定到多个动作，只触发其中的第一个：%1</translation>
     </message>
     <message>
         <source>ShowReplaced</source>
@@ -1193,7 +1193,7 @@
     <message>
         <source>SettingsExportedLate</source>
         <comment>MainWindow</comment>
-        <translation>未等待的设置导出已完成：%1</translation>
+        <translation>先前未等待完成的设置导出现已完成：%1</translation>
     </message>
     <message>
         <source>SettingsImported</source>
@@ -1448,7 +1448,7 @@
     <message>
         <source>ProjectSavedLate</source>
         <comment>MainWindow</comment>
-        <translation>此前不再等待的项目现已保存：%1</translation>
+        <translation>先前未等待完成的项目保存现已完成：%1</translation>
     </message>
     <message>
         <source>OpeningProject</source>
@@ -1497,12 +1497,12 @@
     <message>
         <source>PowerActionFailed</source>
         <comment>MainWindow</comment>
-        <translation>无法关闭或重新启动计算机：%1</translation>
+        <translation>无法关闭或重启本机：%1</translation>
     </message>
     <message>
         <source>TimedActionCalledOff</source>
         <comment>MainWindow</comment>
-        <translation>定时于 %1 的关机或重新启动已取消：计算机在倒计时期间处于睡眠状态。</translation>
+        <translation>定时于 %1 的关机或重启已取消：本机在倒计时期间处于睡眠状态。</translation>
     </message>
     <message>
         <source>FadeTimesApplied</source>
@@ -1672,7 +1672,7 @@
     <message>
         <source>ShortcutsExportedLate</source>
         <comment>MainWindow</comment>
-        <translation>先前未等待完成的快捷键导出现已写入文件。</translation>
+        <translation>先前未等待完成的快捷键导出现已完成。</translation>
     </message>
     <message>
         <source>ShortcutsNotImported</source>
@@ -1802,7 +1802,7 @@
     <message>
         <source>LockedHint</source>
         <comment>MainWindow</comment>
-        <translation>屏幕已锁定：再次按下“锁定”按钮之前，按键和控制器不会触发任何操作。</translation>
+        <translation>屏幕已锁定：再次按下“锁定”按钮之前，按键和控制器不会触发任何动作。</translation>
     </message>
     <message>
         <source>ListenAddress</source>
