@@ -347,7 +347,7 @@ int run(const QCommandLineParser& arguments)
         MainWindow window(runtime, *store, project, peripherals, services);
         window.switchLanguage(language);
         if (damaged) {
-            const QString aside = opened.aside.join(QStringLiteral(", "));
+            const QString aside = listText(opened.aside);
             const bool fromCopy = opened.copyTime.isValid();
             hostLog()->error("the settings file was put aside as {}", aside.toStdString());
             window.showNotice(QLatin1String(fromCopy ? "StoreFromCopy" : "StorePutAside"),

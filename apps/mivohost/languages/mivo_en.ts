@@ -1271,6 +1271,16 @@ Without an answer the copy is used in %4 seconds.</translation>
         <translation>Off</translation>
     </message>
     <message>
+        <source>SecondsOf</source>
+        <comment>MainWindow</comment>
+        <translation>%1 s</translation>
+    </message>
+    <message>
+        <source>ListSeparator</source>
+        <comment>MainWindow</comment>
+        <translation>, </translation>
+    </message>
+    <message>
         <source>Project</source>
         <comment>MainWindow</comment>
         <translation>&amp;Project</translation>

@@ -1271,6 +1271,16 @@
         <translation>关</translation>
     </message>
     <message>
+        <source>SecondsOf</source>
+        <comment>MainWindow</comment>
+        <translation>%1 秒</translation>
+    </message>
+    <message>
+        <source>ListSeparator</source>
+        <comment>MainWindow</comment>
+        <translation>、</translation>
+    </message>
+    <message>
         <source>Project</source>
         <comment>MainWindow</comment>
         <translation>项目(&amp;P)</translation>
