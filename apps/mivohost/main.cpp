@@ -1,4 +1,5 @@
 #include "base/exitcode.h"
+#include "base/filerequests.h"
 #include "base/hostlog.h"
 #include "base/hosttext.h"
 #include "cluster/sharedshortcuts.h"
@@ -272,7 +273,8 @@ int run(const QCommandLineParser& arguments)
             NoCacheFile::removeLeftovers(folder.toStdString());
         }
     }
-    startLog(withWindow ? data.filePath(QStringLiteral("mivohost.log")) : QString());
+    const QString logPath = withWindow ? data.filePath(QStringLiteral("mivohost.log")) : QString();
+    const QString logError = startLog(logPath);
 
     ShowSetup::Problem problem;
     const auto show = ShowSetup::read(arguments, data, problem);
@@ -280,6 +282,7 @@ int run(const QCommandLineParser& arguments)
         return refuse(problem.code, reasonText(problem.reason), withWindow);
     }
     path = show ? show->path(data) : path;
+    QString showError;
     if (show && !show->forgotten.isEmpty()) {
         forgetMachine(show->forgotten, *show, showError);
         return showError.isEmpty() ? finished : refuse(storeFailed, reasonText(showError), false);
@@ -307,6 +310,9 @@ int run(const QCommandLineParser& arguments)
     const QString copyError = command.isGiven && !command.changesSettings
                                   ? QString()
                                   : runtime.call([&] { return opened.persistence->keepCopy(); });
+    if (!withWindow && !copyError.isEmpty()) {
+        hostLog()->warn("no copy of the settings could be kept: {}", copyError.toStdString());
+    }
     auto sharing = show ? runtime.call([&] {
         return show->share(std::move(opened.persistence), ownPath, showError);
     })
@@ -356,6 +362,9 @@ int run(const QCommandLineParser& arguments)
         const QStringList unusable = runtime.call([&store] { return store->unusable(); });
         if (!unusable.isEmpty()) {
             window.showNotice(QStringLiteral("SettingsNotUsed"), settingsText(unusable));
+        }
+        if (!logError.isEmpty()) {
+            window.showNotice(QStringLiteral("LogFailed"), fileProblem(logPath, logError));
         }
         if (!copyError.isEmpty()) {
             window.showNotice(QStringLiteral("StoreCopyFailed"), copyError);

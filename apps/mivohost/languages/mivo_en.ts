@@ -951,6 +951,11 @@ Without an answer the copy is used in %4 seconds.</translation>
         <translation>No safety copy of the settings could be made: %1</translation>
     </message>
     <message>
+        <source>LogFailed</source>
+        <comment>MainWindow</comment>
+        <translation>The log is not kept in a file: %1</translation>
+    </message>
+    <message>
         <source>DataFailed</source>
         <comment>MainWindow</comment>
         <translation>The file “%1” cannot be used: %2</translation>
@@ -2698,6 +2703,11 @@ Open them?</translation>
         <source>no such folder</source>
         <comment>Reason</comment>
         <translation>no such folder</translation>
+    </message>
+    <message>
+        <source>systemctl did not say why</source>
+        <comment>Reason</comment>
+        <translation>systemctl did not say why</translation>
     </message>
     <message>
         <source>no answer</source>

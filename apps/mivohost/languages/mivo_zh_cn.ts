@@ -951,6 +951,11 @@
         <translation>无法保存设置的备份副本：%1</translation>
     </message>
     <message>
+        <source>LogFailed</source>
+        <comment>MainWindow</comment>
+        <translation>日志无法写入文件：%1</translation>
+    </message>
+    <message>
         <source>DataFailed</source>
         <comment>MainWindow</comment>
         <translation>无法使用文件“%1”：%2</translation>
@@ -2698,6 +2703,11 @@
         <source>no such folder</source>
         <comment>Reason</comment>
         <translation>没有此文件夹</translation>
+    </message>
+    <message>
+        <source>systemctl did not say why</source>
+        <comment>Reason</comment>
+        <translation>systemctl 未说明原因</translation>
     </message>
     <message>
         <source>no answer</source>
