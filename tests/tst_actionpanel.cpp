@@ -296,10 +296,10 @@ TEST_F(Panel, AllBindingsGoOutIntoAFileAndComeBack)
     EXPECT_EQ(toldOfImport(half), notSaved);
     runtime.call([this] { store.kept.fails = false; });
     hideKeysFolder(true);
-    EXPECT_EQ(toldOfImport(half), notSaved);
+    EXPECT_TRUE(toldOfImport(half).startsWith(notSaved + " (")) << "with the system's reason";
     hideKeysFolder(false);
-    EXPECT_EQ(toldOfImport("{\"shortCutInfoList\":["),
-              "ShortcutsNotImported error at line :1 col :21 msg:no valid array!");
+    EXPECT_EQ(toldOfImport("{\n\"shortCutInfoList\":["),
+              "ShortcutsNotImported not a shortcut file, line 2");
     EXPECT_NE(toldOf(&BindingsTransfer::importFrom, folder.filePath("gone.json")), "");
     EXPECT_EQ(all(), bound);
 

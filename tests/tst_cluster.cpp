@@ -104,7 +104,7 @@ TEST_F(Cluster, AChangeReachesTheOtherMachineWhateverHappensToTheServers)
         if (*repair != 0) {
             EXPECT_TRUE(a.becomes([&] { return !a.state().isConnected; }));
             EXPECT_EQ(a.state().waiting, 1);
-            EXPECT_FALSE(a.state().reason.isEmpty());
+            EXPECT_TRUE(a.isToldInChinese());
             servers.act(repair);
         }
         EXPECT_TRUE(b.shows(a.undoStep()));
@@ -213,7 +213,7 @@ TEST_F(Cluster, GarbageIsAnErrorAndAnotherServerIsAsked)
         });
         const auto host = QStringLiteral("127.0.0.1:%1").arg(server.serverPort());
         a.start(QStringList{host});
-        EXPECT_TRUE(a.becomes([&] { return !a.state().reason.isEmpty(); }));
+        EXPECT_TRUE(a.becomes([&] { return a.isToldInChinese(); }));
         EXPECT_FALSE(a.state().isConnected);
         a.start(QStringList{host, servers.host(0)});
         EXPECT_TRUE(a.isConnected());
@@ -229,7 +229,7 @@ TEST_F(Cluster, ChangesWaitWhileAServerIsFullOrRefusesTheUserAndNoPasswordIsLogg
         servers.ctl({"put", QStringLiteral("filler%1").arg(i), QString(100000, 'x')});
     }
     a.set(88);
-    EXPECT_TRUE(a.becomes([&] { return a.state().reason.contains("space"); }));
+    EXPECT_TRUE(a.becomes([&] { return a.isToldInChinese("space"); }));
     EXPECT_EQ(a.state().waiting, 1);
     EXPECT_TRUE(a.state().isConnected) << "it still follows";
     servers.ctl({"del", "filler", "--prefix"});
@@ -244,7 +244,7 @@ TEST_F(Cluster, ChangesWaitWhileAServerIsFullOrRefusesTheUserAndNoPasswordIsLogg
     mivohost::EtcdServers login{servers.hosts(), false, {}, "root", "wrong-Secret"};
     a.start(login);
     a.set(89);
-    EXPECT_TRUE(a.becomes([&] { return a.state().reason.contains("password"); }));
+    EXPECT_TRUE(a.becomes([&] { return a.isToldInChinese("password"); }));
     EXPECT_FALSE(a.state().isConnected);
     login.password = "right-Secret";
     a.start(login);
@@ -279,7 +279,7 @@ TEST_F(Cluster, OnlyAServerWithAValidCertificateIsBelieved)
                                   "--key-file", folder.filePath("key.pem")});
         a.start({servers.hosts(), true, authorities, {}, {}});
         EXPECT_TRUE(a.becomes([&, isValid = isValid] {
-            return isValid ? a.state().isConnected : a.state().reason.contains("certificate");
+            return isValid ? a.state().isConnected : a.isToldInChinese("certificate");
         }));
         EXPECT_EQ(a.state().isConnected, isValid);
     }

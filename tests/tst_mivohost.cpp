@@ -69,8 +69,10 @@ TEST_F(Host, TakesSettingsAlongToAnotherMachine)
     const QByteArray osc = R"(osc: {"enabled":false,"port":9000} -> {"enabled":true,"port":16})";
     EXPECT_EQ(output, change + "left: " + osc + '\n');
     EXPECT_EQ(errors, "not taken: later: this version does not know it\n");
+    QDir(another.path()).mkdir("settings.sqlite.new"); // where a copy of the settings is made
     EXPECT_EQ(on({"--import", file, "--sections", "undo"}), 6) << "and the dry run changed nothing";
     EXPECT_EQ(output, "undoStep: 50 -> 81\n");
+    EXPECT_TRUE(errors.contains("no copy of the settings")) << errors.constData();
     EXPECT_EQ(on({"--import", file, "--with-machine-settings"}), 6);
     EXPECT_EQ(on({"--print-settings"}), 0);
     for (const char* row : {"undoStep=81\n", "fadeInTime=0.3\n", "osc=1|16\n"}) {
@@ -81,7 +83,10 @@ TEST_F(Host, TakesSettingsAlongToAnotherMachine)
     EXPECT_EQ(on({"--export", folder.filePath("gone/x")}), 4);
     for (const QStringList& wrong : {QStringList{"--import", file, "--export", file},
                                      {"--dry-run", "--export", file},
-                                     {"--export", file, "--sections", "undo,nothing"}}) {
+                                     {"--export", file, "--sections", "undo,nothing"},
+                                     {"--export", file, "--sections", ","},
+                                     {"--export", ""},
+                                     {"--export", file, "show.mivo"}}) {
         EXPECT_EQ(on(wrong), 1) << wrong.join(' ');
     }
 }

@@ -344,28 +344,28 @@ TEST(ShowSetup, IsRefusedWhereAFileOfItCannotBeUsed)
 {
     const QTemporaryDir folder;
     writeFile(folder.filePath("login"), "ann \r\nse cret\r\n");
-    writeFile(folder.filePath("empty"));
-    QString error;
+    ShowSetup::Problem problem;
     const auto read = [&](const QStringList& options) {
-        error.clear();
+        problem = {};
         QCommandLineParser arguments;
         arguments.addOption({"store", {}, "show"});
         ShowSetup::addOptions(arguments);
         EXPECT_TRUE(arguments.parse(QStringList{"mivohost"} + options));
-        return ShowSetup::read(arguments, folder.path(), error);
+        return ShowSetup::read(arguments, folder.path(), problem);
     };
     const QString login = "--store-login=" + folder.filePath("login");
-    for (const char* authorities : {"absent", "empty", "login", "."}) {
+    for (const char* authorities : {"absent", "login", "."}) {
         const QString file = folder.filePath(authorities);
         EXPECT_FALSE(read({"--store=etcds://a/show", "--store-ca=" + file, login}));
-        EXPECT_TRUE(error.startsWith(file + ": ")) << error;
+        EXPECT_TRUE(problem.reason.startsWith(file + ": ")) << problem.reason;
+        EXPECT_EQ(problem.code, notRead);
     }
     qputenv("MIVO_STORE_PASSWORD", "secret");
     EXPECT_FALSE(read({login})); // no show
-    EXPECT_FALSE(error.isEmpty());
+    EXPECT_EQ(problem.code, badArgument);
     EXPECT_FALSE(qEnvironmentVariableIsSet("MIVO_STORE_PASSWORD")) << "programs would get it";
     const auto setup = read({"--store=etcd://a/show", login, "--machine-name=left"});
-    ASSERT_TRUE(setup) << error;
+    ASSERT_TRUE(setup) << problem.reason;
     EXPECT_EQ(setup->servers.user + '/' + setup->servers.password, "ann/se cret");
     EXPECT_EQ(setup->name, "left");
     const QString idFile = folder.filePath("machine-id");
@@ -373,12 +373,13 @@ TEST(ShowSetup, IsRefusedWhereAFileOfItCannotBeUsed)
     EXPECT_EQ(setup->machine, id);
     for (const QByteArray& edited : {id, "\xef\xbb\xbf{" + id + "}\r\n"}) {
         writeFile(idFile, edited);
-        EXPECT_EQ(read({"--store=etcd://a/show"})->machine, setup->machine) << error;
+        EXPECT_EQ(read({"--store=etcd://a/show"})->machine, setup->machine);
     }
     for (const QByteArray& unusable : {QByteArray(), id.left(20)}) {
         writeFile(idFile, unusable);
         EXPECT_FALSE(read({"--store=etcd://a/show"})) << "it would be another machine";
-        EXPECT_TRUE(error.startsWith(idFile + ": ")) << error;
+        EXPECT_TRUE(problem.reason.startsWith(idFile + ": ")) << problem.reason;
+        EXPECT_EQ(problem.code, storeFailed);
         EXPECT_EQ(readFile(idFile), unusable);
     }
 }

@@ -222,7 +222,9 @@ TEST(Power, GoesToTheSystemOnlyWhenAllowed)
     QFile::setPermissions(program, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     carry(PowerAction::shutdown, true);
     carry(PowerAction::restart, true);
-    EXPECT_EQ(failures, QStringList("denied"));
+    writeFile(program, "#!/bin/sh\nexit 3\n");
+    carry(PowerAction::restart, true);
+    EXPECT_EQ(failures, (QStringList{"denied", "systemctl did not say why (3)"}));
     EXPECT_EQ(readFile(said), "poweroff\nreboot\n");
     qputenv("PATH", path);
 }

@@ -1,4 +1,5 @@
 #include "base/exitcode.h"
+#include "base/filerequests.h"
 #include "base/hostlog.h"
 #include "base/hosttext.h"
 #include "cluster/sharedshortcuts.h"
@@ -271,30 +272,35 @@ int run(const QCommandLineParser& arguments)
             if (!arguments.isSet(QStringLiteral("store")) && RunningInstance::show(data.path())) {
                 return finished;
             }
-            return refuse(storeInUse, hostText("DataInUse").arg(data.path()), true);
+            return refuse(storeInUse,
+                          hostText("DataInUse").arg(QDir::toNativeSeparators(data.path())), true);
         case FileLock::Result::failed:
-            return refuse(
-                storeFailed,
-                hostText("DataFailed").arg(lock, reasonText(QString::fromStdString(alone.error()))),
-                true);
+            return refuse(storeFailed,
+                          hostText("DataFailed")
+                              .arg(QDir::toNativeSeparators(lock),
+                                   reasonText(QString::fromStdString(alone.error()))),
+                          true);
         }
         for (const QString& folder :
              {data.path(), QFileInfo(mivo::settings::shortCutFilePath()).path()}) {
             NoCacheFile::removeLeftovers(folder.toStdString());
         }
     }
-    startLog(withWindow ? data.filePath(QStringLiteral("mivohost.log")) : QString());
+    const QString logPath = withWindow ? data.filePath(QStringLiteral("mivohost.log")) : QString();
+    const QString logError = startLog(logPath);
 
-    QString showError;
-    const auto show = ShowSetup::read(arguments, data, showError);
-    if (!showError.isEmpty()) {
-        return refuse(badArgument, showError, withWindow);
+    ShowSetup::Problem problem;
+    const auto show = ShowSetup::read(arguments, data, problem);
+    if (!problem.reason.isEmpty()) {
+        return refuse(problem.code, reasonText(problem.reason), withWindow);
     }
     path = show ? show->path(data) : path;
+    QString showError;
     if (show && !show->forgotten.isEmpty()) {
         forgetMachine(show->forgotten, *show, showError);
-        return showError.isEmpty() ? finished : refuse(storeFailed, showError, false);
+        return showError.isEmpty() ? finished : refuse(storeFailed, reasonText(showError), false);
     }
+    const QString shownPath = QDir::toNativeSeparators(path);
 
     RuntimeThread runtime;
     auto opened = runtime.call([&] { return SqlitePersistence::open(path); });
@@ -302,33 +308,36 @@ int run(const QCommandLineParser& arguments)
     if (damaged && !command.isGiven) {
         hostLog()->error("the settings file cannot be used: {}", opened.error.toStdString());
         if (opened.copyTime.isValid()
-            && !wantsCopy(path, opened.error, timeText(opened.copyTime))) {
+            && !wantsCopy(shownPath, opened.error, timeText(opened.copyTime))) {
             return storeFailed;
         }
         opened = runtime.call([&] { return SqlitePersistence::recover(path); });
     }
     if (opened.status == SqlitePersistence::Status::inUse) {
-        return refuse(storeInUse, hostText("StoreInUse").arg(path), withWindow);
+        return refuse(storeInUse, hostText("StoreInUse").arg(shownPath), withWindow);
     }
     if (!opened.persistence) {
-        return refuse(storeFailed, hostText("StoreFailed").arg(path, reasonText(opened.error)),
+        return refuse(storeFailed, hostText("StoreFailed").arg(shownPath, reasonText(opened.error)),
                       withWindow);
     }
     const QString copyError = command.isGiven && !command.changesSettings
                                   ? QString()
                                   : runtime.call([&] { return opened.persistence->keepCopy(); });
+    if (!withWindow && !copyError.isEmpty()) {
+        hostLog()->warn("no copy of the settings could be kept: {}", copyError.toStdString());
+    }
     auto sharing = show ? runtime.call([&] {
         return show->share(std::move(opened.persistence), ownPath, showError);
     })
                         : nullptr;
     if (show && !sharing) {
-        return refuse(storeFailed, hostText("StoreFailed").arg(path, reasonText(showError)),
+        return refuse(storeFailed, hostText("StoreFailed").arg(shownPath, reasonText(showError)),
                       withWindow);
     }
     SharedSettings* const shared = sharing.get(); // belongs to the store
     if (show && !show->adopted.isEmpty()) {
         adoptMachine(show->adopted, *show, runtime, std::move(sharing), showError);
-        return showError.isEmpty() ? finished : refuse(storeFailed, showError, false);
+        return showError.isEmpty() ? finished : refuse(storeFailed, reasonText(showError), false);
     }
     auto store = runtime.call([&] {
         std::unique_ptr<SettingsPersistence> persistence = std::move(sharing);
@@ -357,7 +366,7 @@ int run(const QCommandLineParser& arguments)
         MainWindow window(runtime, *store, project, peripherals, services);
         window.switchLanguage(language);
         if (damaged) {
-            const QString aside = opened.aside.join(QStringLiteral(", "));
+            const QString aside = listText(opened.aside);
             const bool fromCopy = opened.copyTime.isValid();
             hostLog()->error("the settings file was put aside as {}", aside.toStdString());
             window.showNotice(QLatin1String(fromCopy ? "StoreFromCopy" : "StorePutAside"),
@@ -366,6 +375,9 @@ int run(const QCommandLineParser& arguments)
         const QStringList unusable = runtime.call([&store] { return store->unusable(); });
         if (!unusable.isEmpty()) {
             window.showNotice(QStringLiteral("SettingsNotUsed"), settingsText(unusable));
+        }
+        if (!logError.isEmpty()) {
+            window.showNotice(QStringLiteral("LogFailed"), fileProblem(logPath, logError));
         }
         if (!copyError.isEmpty()) {
             window.showNotice(QStringLiteral("StoreCopyFailed"), copyError);

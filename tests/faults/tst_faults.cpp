@@ -24,10 +24,10 @@ TEST(Faults, OfAFileAreToldAndHarmNoOther)
          80},
         {"settings.sqlite settings.sqlite.copy-1", "x", starts,
          "message: The settings file could not be read and was put aside as", 0},
-        {"settings.sqlite", folderInstead, refuses, "Is a directory", 0},
+        {"settings.sqlite", folderInstead, refuses, "it is a folder", 0},
         {"settings.sqlite.copy-1", "x", starts, "", 81},
         {"mivohost.lock", "1\nmivohost\nhere\n", starts, "", 81}, // of a process that is gone
-        {"mivohost.log", folderInstead, starts, "no log file", 81},
+        {"mivohost.log", folderInstead, starts, "message: The log is not kept", 81},
         {"../mivohost_Display/shortcut.json", "x", starts,
          "message: The file of the keys could not be read", 81},
         {"../mivohost_Display/show.mivo", "x", starts, "message: The project could not be opened",

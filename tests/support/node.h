@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/hosttext.h"
 #include "cluster/showsetup.h"
 #include "cluster/synchroniser.h"
 
@@ -69,6 +70,16 @@ public:
     }
     void setAgain(const mivohost::LostChange& change) { m_synchroniser->setAgain(change); }
     const mivohost::Synchroniser::State& state() const { return m_synchroniser->state(); }
+
+    /// Whether a reason with this part in it is told of the connection, and a table has its text.
+    bool isToldInChinese(const QString& part = {}) const
+    {
+        const QString& reason = state().reason;
+        mivohost::switchTexts("zh_cn");
+        const bool isKnown = mivohost::reasonText(reason) != reason;
+        mivohost::switchTexts("en");
+        return isKnown && reason.contains(part);
+    }
 
     testing::AssertionResult becomes(const std::function<bool()>& isSo, int most = 30000)
     {

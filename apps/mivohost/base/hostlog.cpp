@@ -177,7 +177,7 @@ void keepFromChildren(std::FILE* stream)
 
 } // namespace
 
-void startLog(const QString& file)
+QString startLog(const QString& file)
 {
     const auto console = std::make_shared<ConsoleSink>();
     console->set_level(file.isEmpty() ? spdlog::level::warn : spdlog::level::info);
@@ -202,8 +202,10 @@ void startLog(const QString& file)
             sinks().all->add_sink(kept);
         } catch (const spdlog::spdlog_ex& error) {
             logger->warn("no log file: {}", error.what());
+            return QString::fromLocal8Bit(error.what()).section(QLatin1String(": "), -1);
         }
     }
+    return {};
 }
 
 void finishLog()

@@ -10,10 +10,11 @@ class QObject;
 
 namespace mivohost {
 
-/// Sends the process's log to the standard error, and to `file` (up to 1 MiB, and five older ones)
-/// unless it cannot be written. With an empty `file` there are only warnings and errors, on the
-/// standard error. A console that is stopped holds up nothing, and misses lines.
-void startLog(const QString& file);
+/// Sends the process's log to the standard error, and to `file` (up to 1 MiB, and five older ones).
+/// Returns why that cannot be written; empty where it can. With an empty `file` there are only
+/// warnings and errors, on the standard error. A console that is stopped holds up nothing, and
+/// misses lines.
+QString startLog(const QString& file);
 
 /// Before an end without exit(), which does so itself: waits up to a second until all is written.
 void finishLog();

@@ -91,6 +91,11 @@ QString hostText(const QString& key)
                                     QStringLiteral("MivoHost"), QStringLiteral("MainWindow"), key);
 }
 
+QString listText(const QStringList& items)
+{
+    return items.join(hostText("ListSeparator"));
+}
+
 QString timeText(const QDateTime& time)
 {
     return QLocale::system().toString(time.toLocalTime(), QLocale::ShortFormat);

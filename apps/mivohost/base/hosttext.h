@@ -2,6 +2,7 @@
 
 #include <QtCore/QDateTime>
 #include <QtCore/QString>
+#include <QtCore/QStringList>
 
 namespace mivohost {
 
@@ -25,6 +26,9 @@ inline QString hostText(const char* key)
 {
     return hostText(QString::fromLatin1(key));
 }
+
+/// These, one after the other. GUI thread.
+QString listText(const QStringList& items);
 
 /// A date and time of day as the system writes them, in this machine's time zone. Any thread.
 QString timeText(const QDateTime& time);

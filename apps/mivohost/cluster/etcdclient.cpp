@@ -26,9 +26,14 @@ QString reasonOf(const QNetworkReply& reply)
     if (const QVariant error = reply.property(certificateError); error.isValid()) {
         return error.toString();
     }
-    return reply.error() == QNetworkReply::OperationCanceledError
-               ? QStringLiteral("no answer in time")
-               : reply.errorString().left(etcd::longestText);
+    switch (reply.error()) {
+    case QNetworkReply::OperationCanceledError:
+        return QStringLiteral("no answer in time");
+    case QNetworkReply::HostNotFoundError: // its name is told with the reason anyway
+        return QStringLiteral("Host not found");
+    default:
+        return reply.errorString().left(etcd::longestText);
+    }
 }
 
 /// Without a further word of it.

@@ -65,7 +65,9 @@ private:
     std::vector<etcd::KeyValue> ask(const etcd::Request& request)
     {
         etcd::Answer result;
+        QString server;
         for (int attempt = 0; m_error.isEmpty() && attempt < m_client.serverCount(); ++attempt) {
+            server = m_client.server();
             QEventLoop loop;
             const auto done = [&](const etcd::Answer& answer) {
                 result = answer;
@@ -80,8 +82,8 @@ private:
             }
             m_client.nextServer();
         }
-        if (m_error.isEmpty()) {
-            m_error = result.error;
+        if (m_error.isEmpty() && !result.error.isEmpty()) {
+            m_error = QStringLiteral("%1: %2").arg(server, result.error);
         }
         return result.values;
     }

@@ -25,9 +25,8 @@ constexpr std::size_t longestFile = 1 << 20;
 constexpr const char* userVariable = "MIVO_STORE_USER";
 constexpr const char* passwordVariable = "MIVO_STORE_PASSWORD";
 
-/// A file that the operator named, and that may lie on a drive which is gone; `error` gets why it
-/// could not be read.
-QByteArray readNamed(const QString& path, QString& error)
+/// A file that the operator named, and that may lie on a drive which is gone.
+QByteArray readNamed(const QString& path, ShowSetup::Problem& problem)
 {
     FileContent result{{}, QStringLiteral("no answer in time")};
     mivo::qutils::FileTask task;
@@ -35,18 +34,18 @@ QByteArray readNamed(const QString& path, QString& error)
                [&result](FileContent&& read) { result = std::move(read); });
     task.waitFor(std::chrono::seconds(10));
     if (!result.error.isEmpty()) {
-        error = path + QStringLiteral(": ") + result.error;
+        problem = {notRead, fileProblem(path, result.error)};
     }
     return QByteArray::fromStdString(result.bytes);
 }
 
 /// The machine's id, made when it is first asked for. A file that is there but of no use is left
 /// alone: with another id the machine would be another one.
-QString machineId(const QDir& data, QString& error)
+QString machineId(const QDir& data, ShowSetup::Problem& problem)
 {
     QFile file(data.filePath(QStringLiteral("machine-id")));
     const auto fail = [&](const QString& reason) {
-        error = file.fileName() + QStringLiteral(": ") + reason;
+        problem = {storeFailed, fileProblem(file.fileName(), reason)};
         return QString();
     };
     zrcutils::tryWhileHeld(zrcutils::heldFor,
@@ -93,7 +92,7 @@ void ShowSetup::addOptions(QCommandLineParser& arguments)
 }
 
 std::optional<ShowSetup> ShowSetup::read(const QCommandLineParser& arguments, const QDir& data,
-                                         QString& error)
+                                         Problem& problem)
 {
     const QString user = qEnvironmentVariable(userVariable);
     const QString password = qEnvironmentVariable(passwordVariable);
@@ -103,14 +102,16 @@ std::optional<ShowSetup> ShowSetup::read(const QCommandLineParser& arguments, co
     if (!ShowAddress::isOne(store)) {
         for (const char* option : {"store-ca", "store-login", "machine-name", "adopt", "forget"}) {
             if (arguments.isSet(QLatin1String(option))) {
-                error = QStringLiteral("--%1 goes with --store etcd://...").arg(option);
+                problem = {badArgument,
+                           QStringLiteral("--%1: only with --store etcd://...").arg(option)};
             }
         }
         return std::nullopt;
     }
     const auto address = ShowAddress::parse(store);
     if (!address) {
-        error = QStringLiteral("--store takes a file, or etcd://HOST[:PORT][,HOST[:PORT]...]/SHOW");
+        problem = {badArgument, QStringLiteral("--store takes a file, or "
+                                               "etcd://HOST[:PORT][,HOST[:PORT]...]/SHOW")};
         return std::nullopt;
     }
     ShowSetup setup;
@@ -119,16 +120,17 @@ std::optional<ShowSetup> ShowSetup::read(const QCommandLineParser& arguments, co
     setup.servers.isEncrypted = address->isEncrypted;
     if (arguments.isSet(QStringLiteral("store-ca"))) {
         const QString path = arguments.value(QStringLiteral("store-ca"));
-        setup.servers.authorities = readNamed(path, error);
-        if (error.isEmpty() && QSslCertificate::fromData(setup.servers.authorities).isEmpty()) {
-            error = path + QStringLiteral(": no certificate (PEM) is in it");
+        setup.servers.authorities = readNamed(path, problem);
+        if (problem.reason.isEmpty()
+            && QSslCertificate::fromData(setup.servers.authorities).isEmpty()) {
+            problem = {notRead, fileProblem(path, QStringLiteral("no certificate (PEM) is in it"))};
         }
     }
     setup.servers.user = user;
     setup.servers.password = password;
     if (arguments.isSet(QStringLiteral("store-login"))) {
         const QStringList lines =
-            QString::fromUtf8(readNamed(arguments.value(QStringLiteral("store-login")), error))
+            QString::fromUtf8(readNamed(arguments.value(QStringLiteral("store-login")), problem))
                 .split('\n');
         setup.servers.user = lines.value(0).trimmed();
         setup.servers.password = lines.value(1).trimmed();
@@ -138,10 +140,10 @@ std::optional<ShowSetup> ShowSetup::read(const QCommandLineParser& arguments, co
     setup.name = arguments.isSet(QStringLiteral("machine-name"))
                      ? arguments.value(QStringLiteral("machine-name"))
                      : QSysInfo::machineHostName();
-    if (error.isEmpty()) {
-        setup.machine = machineId(data, error);
+    if (problem.reason.isEmpty()) {
+        setup.machine = machineId(data, problem);
     }
-    return error.isEmpty() ? std::optional(setup) : std::nullopt;
+    return problem.reason.isEmpty() ? std::optional(setup) : std::nullopt;
 }
 
 QString ShowSetup::path(const QDir& data) const
@@ -156,7 +158,7 @@ std::unique_ptr<SharedSettings> ShowSetup::share(std::unique_ptr<SqlitePersisten
     if (isKept && local->loadAll().isEmpty() && !ownPath.isEmpty()) {
         const auto own = SqlitePersistence::open(ownPath);
         if (!own.persistence) { // a start without the show says more, and puts it right
-            error = QStringLiteral("%1: %2").arg(ownPath, own.error);
+            error = fileProblem(ownPath, own.error);
             return nullptr;
         }
         const QVariantHash rows = own.persistence->loadAll();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/exitcode.h"
 #include "cluster/etcdclient.h"
 #include "cluster/sharedsettings.h"
 
@@ -27,11 +28,18 @@ struct ShowSetup
     /// Its options of the command line.
     static void addOptions(QCommandLineParser& arguments);
 
+    /// Why the program cannot go on with what it is told; without a reason it can.
+    struct Problem
+    {
+        ExitCode code = finished;
+        QString reason; ///< for reasonText()
+    };
+
     /// From the command line and the environment, whose user and password it removes in any case.
     /// Files that it names are read, for ten seconds at most. Nothing without a show, and where
-    /// `error` says why.
+    /// there is a problem.
     static std::optional<ShowSetup> read(const QCommandLineParser& arguments, const QDir& data,
-                                         QString& error);
+                                         Problem& problem);
 
     /// This machine's file for the show.
     QString path(const QDir& data) const;

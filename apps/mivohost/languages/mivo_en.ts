@@ -151,7 +151,7 @@
     <message>
         <source>PowerPoint</source>
         <comment>Widget</comment>
-        <translation>Presentation slide</translation>
+        <translation>Presentation</translation>
     </message>
     <message>
         <source>OSD</source>
@@ -451,7 +451,7 @@
     <message>
         <source>NoSpace</source>
         <comment>Widget</comment>
-        <translation>The drive is full</translation>
+        <translation>Too little free space</translation>
     </message>
     <message>
         <source>RemainSpace</source>
@@ -951,6 +951,11 @@ Without an answer the copy is used in %4 seconds.</translation>
         <translation>No safety copy of the settings could be made: %1</translation>
     </message>
     <message>
+        <source>LogFailed</source>
+        <comment>MainWindow</comment>
+        <translation>The log is not kept in a file: %1</translation>
+    </message>
+    <message>
         <source>DataFailed</source>
         <comment>MainWindow</comment>
         <translation>The file “%1” cannot be used: %2</translation>
@@ -1269,6 +1274,16 @@ Without an answer the copy is used in %4 seconds.</translation>
         <source>Off</source>
         <comment>MainWindow</comment>
         <translation>Off</translation>
+    </message>
+    <message>
+        <source>SecondsOf</source>
+        <comment>MainWindow</comment>
+        <translation>%1 s</translation>
+    </message>
+    <message>
+        <source>ListSeparator</source>
+        <comment>MainWindow</comment>
+        <translation>, </translation>
     </message>
     <message>
         <source>Project</source>
@@ -1678,11 +1693,6 @@ Open them?</translation>
         <source>ShortcutsNotImported</source>
         <comment>MainWindow</comment>
         <translation>The shortcuts were not imported: %1</translation>
-    </message>
-    <message>
-        <source>BindingsNotSaved</source>
-        <comment>MainWindow</comment>
-        <translation>the bindings could not be saved; the old ones stay</translation>
     </message>
     <message>
         <source>FindAction</source>
@@ -2545,6 +2555,136 @@ Open them?</translation>
         <translation>Network unreachable</translation>
     </message>
     <message>
+        <source>Host unreachable</source>
+        <comment>Reason</comment>
+        <translation>Host unreachable</translation>
+    </message>
+    <message>
+        <source>Host not found</source>
+        <comment>Reason</comment>
+        <translation>Host not found</translation>
+    </message>
+    <message>
+        <source>Connection closed</source>
+        <comment>Reason</comment>
+        <translation>Connection closed</translation>
+    </message>
+    <message>
+        <source>Connection timed out</source>
+        <comment>Reason</comment>
+        <translation>no answer in time</translation>
+    </message>
+    <message>
+        <source>Socket operation timed out</source>
+        <comment>Reason</comment>
+        <translation>no answer in time</translation>
+    </message>
+    <message>
+        <source>SSL handshake failed</source>
+        <comment>Reason</comment>
+        <translation>no encrypted connection came about</translation>
+    </message>
+    <message>
+        <source>The issuer certificate could not be found</source>
+        <comment>Reason</comment>
+        <translation>The issuer certificate could not be found</translation>
+    </message>
+    <message>
+        <source>The issuer certificate of a locally looked up certificate could not be found</source>
+        <comment>Reason</comment>
+        <translation>The issuer certificate of a locally looked up certificate could not be found</translation>
+    </message>
+    <message>
+        <source>No certificates could be verified</source>
+        <comment>Reason</comment>
+        <translation>No certificates could be verified</translation>
+    </message>
+    <message>
+        <source>The signature of the certificate is invalid</source>
+        <comment>Reason</comment>
+        <translation>The signature of the certificate is invalid</translation>
+    </message>
+    <message>
+        <source>The certificate is not yet valid</source>
+        <comment>Reason</comment>
+        <translation>The certificate is not yet valid</translation>
+    </message>
+    <message>
+        <source>The certificate has expired</source>
+        <comment>Reason</comment>
+        <translation>The certificate has expired</translation>
+    </message>
+    <message>
+        <source>The certificate is self-signed, and untrusted</source>
+        <comment>Reason</comment>
+        <translation>The certificate is self-signed, and untrusted</translation>
+    </message>
+    <message>
+        <source>The root certificate of the certificate chain is self-signed, and untrusted</source>
+        <comment>Reason</comment>
+        <translation>The root certificate of the certificate chain is self-signed, and untrusted</translation>
+    </message>
+    <message>
+        <source>One of the CA certificates is invalid</source>
+        <comment>Reason</comment>
+        <translation>One of the CA certificates is invalid</translation>
+    </message>
+    <message>
+        <source>The supplied certificate is unsuitable for this purpose</source>
+        <comment>Reason</comment>
+        <translation>The supplied certificate is unsuitable for this purpose</translation>
+    </message>
+    <message>
+        <source>The root CA certificate is not trusted for this purpose</source>
+        <comment>Reason</comment>
+        <translation>The root CA certificate is not trusted for this purpose</translation>
+    </message>
+    <message>
+        <source>The peer did not present any certificate</source>
+        <comment>Reason</comment>
+        <translation>The peer did not present any certificate</translation>
+    </message>
+    <message>
+        <source>The host name did not match any of the valid hosts for this certificate</source>
+        <comment>Reason</comment>
+        <translation>The host name did not match any of the valid hosts for this certificate</translation>
+    </message>
+    <message>
+        <source>etcdserver: permission denied</source>
+        <comment>Reason</comment>
+        <translation>the user of etcd may not do this</translation>
+    </message>
+    <message>
+        <source>etcdserver: authentication failed, invalid user ID or password</source>
+        <comment>Reason</comment>
+        <translation>etcd takes no such user and password</translation>
+    </message>
+    <message>
+        <source>etcdserver: user name is empty</source>
+        <comment>Reason</comment>
+        <translation>etcd demands a user and a password</translation>
+    </message>
+    <message>
+        <source>etcdserver: mvcc: database space exceeded</source>
+        <comment>Reason</comment>
+        <translation>the space of etcd is used up</translation>
+    </message>
+    <message>
+        <source>etcdserver: no leader</source>
+        <comment>Reason</comment>
+        <translation>the servers of etcd have no leader</translation>
+    </message>
+    <message>
+        <source>etcdserver: leader changed</source>
+        <comment>Reason</comment>
+        <translation>the servers of etcd change their leader</translation>
+    </message>
+    <message>
+        <source>etcdserver: request timed out</source>
+        <comment>Reason</comment>
+        <translation>no answer in time</translation>
+    </message>
+    <message>
         <source>0 is no port</source>
         <comment>Reason</comment>
         <translation>0 is no port</translation>
@@ -2575,6 +2715,11 @@ Open them?</translation>
         <translation>no such folder</translation>
     </message>
     <message>
+        <source>systemctl did not say why</source>
+        <comment>Reason</comment>
+        <translation>systemctl did not say why</translation>
+    </message>
+    <message>
         <source>no answer</source>
         <comment>Reason</comment>
         <translation>no answer</translation>
@@ -2603,6 +2748,36 @@ Open them?</translation>
         <source>not a settings file</source>
         <comment>Reason</comment>
         <translation>not a settings file</translation>
+    </message>
+    <message>
+        <source>not a shortcut file</source>
+        <comment>Reason</comment>
+        <translation>not a shortcut file</translation>
+    </message>
+    <message>
+        <source>no id of a machine is in it</source>
+        <comment>Reason</comment>
+        <translation>no id of a machine is in it</translation>
+    </message>
+    <message>
+        <source>no certificate (PEM) is in it</source>
+        <comment>Reason</comment>
+        <translation>no certificate (PEM) is in it</translation>
+    </message>
+    <message>
+        <source>only with --store etcd://...</source>
+        <comment>Reason</comment>
+        <translation>only with --store etcd://...</translation>
+    </message>
+    <message>
+        <source>--store takes a file, or etcd://HOST[:PORT][,HOST[:PORT]...]/SHOW</source>
+        <comment>Reason</comment>
+        <translation>--store takes a file, or etcd://HOST[:PORT][,HOST[:PORT]...]/SHOW</translation>
+    </message>
+    <message>
+        <source>the bindings could not be saved; the old ones stay</source>
+        <comment>Reason</comment>
+        <translation>the bindings could not be saved; the old ones stay</translation>
     </message>
     <message>
         <source>too many settings, or the name of one is too long</source>
@@ -2673,6 +2848,41 @@ Open them?</translation>
         <source>Read-only file system</source>
         <comment>Reason</comment>
         <translation>the disk is read-only</translation>
+    </message>
+    <message>
+        <source>Is a directory</source>
+        <comment>Reason</comment>
+        <translation>it is a folder</translation>
+    </message>
+    <message>
+        <source>file to open is a directory</source>
+        <comment>Reason</comment>
+        <translation>it is a folder</translation>
+    </message>
+    <message>
+        <source>Not a directory</source>
+        <comment>Reason</comment>
+        <translation>a part of the path is no folder</translation>
+    </message>
+    <message>
+        <source>File name too long</source>
+        <comment>Reason</comment>
+        <translation>the name is too long</translation>
+    </message>
+    <message>
+        <source>Disk quota exceeded</source>
+        <comment>Reason</comment>
+        <translation>the disk quota is used up</translation>
+    </message>
+    <message>
+        <source>Input/output error</source>
+        <comment>Reason</comment>
+        <translation>the disk cannot be read or written</translation>
+    </message>
+    <message>
+        <source>Operation not permitted</source>
+        <comment>Reason</comment>
+        <translation>no permission</translation>
     </message>
     <message>
         <source>no network card has this address</source>

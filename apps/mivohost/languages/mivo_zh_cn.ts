@@ -226,7 +226,7 @@
     <message>
         <source>AutomaticRestartCountdownTextPrefix</source>
         <comment>Widget</comment>
-        <translation>电脑将在</translation>
+        <translation>本机将在</translation>
     </message>
     <message>
         <source>AutomaticRestartCountdownTextSuffix</source>
@@ -236,7 +236,7 @@
     <message>
         <source>ShutdownCountdownTextPrefix</source>
         <comment>Widget</comment>
-        <translation>电脑将在</translation>
+        <translation>本机将在</translation>
     </message>
     <message>
         <source>ShutdownCountdownTextSuffix</source>
@@ -666,7 +666,7 @@
     <message>
         <source>Domain</source>
         <comment>Widget</comment>
-        <translation>网域</translation>
+        <translation>网络</translation>
     </message>
     <message>
         <source>ApplyDMX</source>
@@ -686,7 +686,7 @@
     <message>
         <source>ConfirmCoverExistShortCut</source>
         <comment>Widget</comment>
-        <translation>该快捷键已被其他操作使用，是否移到此处？</translation>
+        <translation>该快捷键已被其他动作使用，是否移到此处？</translation>
     </message>
     <message>
         <source>SystemShortCutWithRepeat</source>
@@ -951,6 +951,11 @@
         <translation>无法保存设置的备份副本：%1</translation>
     </message>
     <message>
+        <source>LogFailed</source>
+        <comment>MainWindow</comment>
+        <translation>日志无法写入文件：%1</translation>
+    </message>
+    <message>
         <source>DataFailed</source>
         <comment>MainWindow</comment>
         <translation>无法使用文件“%1”：%2</translation>
@@ -1043,7 +1048,7 @@
     <message>
         <source>KeysClash</source>
         <comment>MainWindow</comment>
-        <translation>演出中的另一台机器更改按键后，以下按键绑定到多个操作，只触发其中的第一个：%1</translation>
+        <translation>演出中的另一台机器更改按键后，以下按键绑定到多个动作，只触发其中的第一个：%1</translation>
     </message>
     <message>
         <source>ShowReplaced</source>
@@ -1193,7 +1198,7 @@
     <message>
         <source>SettingsExportedLate</source>
         <comment>MainWindow</comment>
-        <translation>未等待的设置导出已完成：%1</translation>
+        <translation>先前未等待完成的设置导出现已完成：%1</translation>
     </message>
     <message>
         <source>SettingsImported</source>
@@ -1269,6 +1274,16 @@
         <source>Off</source>
         <comment>MainWindow</comment>
         <translation>关</translation>
+    </message>
+    <message>
+        <source>SecondsOf</source>
+        <comment>MainWindow</comment>
+        <translation>%1 秒</translation>
+    </message>
+    <message>
+        <source>ListSeparator</source>
+        <comment>MainWindow</comment>
+        <translation>、</translation>
     </message>
     <message>
         <source>Project</source>
@@ -1448,7 +1463,7 @@
     <message>
         <source>ProjectSavedLate</source>
         <comment>MainWindow</comment>
-        <translation>此前不再等待的项目现已保存：%1</translation>
+        <translation>先前未等待完成的项目保存现已完成：%1</translation>
     </message>
     <message>
         <source>OpeningProject</source>
@@ -1497,12 +1512,12 @@
     <message>
         <source>PowerActionFailed</source>
         <comment>MainWindow</comment>
-        <translation>无法关闭或重新启动计算机：%1</translation>
+        <translation>无法关闭或重启本机：%1</translation>
     </message>
     <message>
         <source>TimedActionCalledOff</source>
         <comment>MainWindow</comment>
-        <translation>定时于 %1 的关机或重新启动已取消：计算机在倒计时期间处于睡眠状态。</translation>
+        <translation>定时于 %1 的关机或重启已取消：本机在倒计时期间处于睡眠状态。</translation>
     </message>
     <message>
         <source>FadeTimesApplied</source>
@@ -1672,17 +1687,12 @@
     <message>
         <source>ShortcutsExportedLate</source>
         <comment>MainWindow</comment>
-        <translation>先前未等待完成的快捷键导出现已写入文件。</translation>
+        <translation>先前未等待完成的快捷键导出现已完成。</translation>
     </message>
     <message>
         <source>ShortcutsNotImported</source>
         <comment>MainWindow</comment>
         <translation>快捷键未导入：%1</translation>
-    </message>
-    <message>
-        <source>BindingsNotSaved</source>
-        <comment>MainWindow</comment>
-        <translation>无法保存绑定，原有绑定保持不变</translation>
     </message>
     <message>
         <source>FindAction</source>
@@ -1807,7 +1817,7 @@
     <message>
         <source>LockedHint</source>
         <comment>MainWindow</comment>
-        <translation>屏幕已锁定：再次按下“锁定”按钮之前，按键和控制器不会触发任何操作。</translation>
+        <translation>屏幕已锁定：再次按下“锁定”按钮之前，按键和控制器不会触发任何动作。</translation>
     </message>
     <message>
         <source>ListenAddress</source>
@@ -2545,6 +2555,136 @@
         <translation>网络不可达</translation>
     </message>
     <message>
+        <source>Host unreachable</source>
+        <comment>Reason</comment>
+        <translation>无法连接到主机</translation>
+    </message>
+    <message>
+        <source>Host not found</source>
+        <comment>Reason</comment>
+        <translation>找不到主机</translation>
+    </message>
+    <message>
+        <source>Connection closed</source>
+        <comment>Reason</comment>
+        <translation>连接已关闭</translation>
+    </message>
+    <message>
+        <source>Connection timed out</source>
+        <comment>Reason</comment>
+        <translation>没有及时响应</translation>
+    </message>
+    <message>
+        <source>Socket operation timed out</source>
+        <comment>Reason</comment>
+        <translation>没有及时响应</translation>
+    </message>
+    <message>
+        <source>SSL handshake failed</source>
+        <comment>Reason</comment>
+        <translation>无法建立加密连接</translation>
+    </message>
+    <message>
+        <source>The issuer certificate could not be found</source>
+        <comment>Reason</comment>
+        <translation>找不到证书的颁发者</translation>
+    </message>
+    <message>
+        <source>The issuer certificate of a locally looked up certificate could not be found</source>
+        <comment>Reason</comment>
+        <translation>找不到证书的颁发者</translation>
+    </message>
+    <message>
+        <source>No certificates could be verified</source>
+        <comment>Reason</comment>
+        <translation>无法验证任何证书</translation>
+    </message>
+    <message>
+        <source>The signature of the certificate is invalid</source>
+        <comment>Reason</comment>
+        <translation>证书的签名无效</translation>
+    </message>
+    <message>
+        <source>The certificate is not yet valid</source>
+        <comment>Reason</comment>
+        <translation>证书尚未生效</translation>
+    </message>
+    <message>
+        <source>The certificate has expired</source>
+        <comment>Reason</comment>
+        <translation>证书已过期</translation>
+    </message>
+    <message>
+        <source>The certificate is self-signed, and untrusted</source>
+        <comment>Reason</comment>
+        <translation>证书是自签名证书，不受信任</translation>
+    </message>
+    <message>
+        <source>The root certificate of the certificate chain is self-signed, and untrusted</source>
+        <comment>Reason</comment>
+        <translation>证书链的根证书是自签名证书，不受信任</translation>
+    </message>
+    <message>
+        <source>One of the CA certificates is invalid</source>
+        <comment>Reason</comment>
+        <translation>有一个 CA 证书无效</translation>
+    </message>
+    <message>
+        <source>The supplied certificate is unsuitable for this purpose</source>
+        <comment>Reason</comment>
+        <translation>该证书不能用于此用途</translation>
+    </message>
+    <message>
+        <source>The root CA certificate is not trusted for this purpose</source>
+        <comment>Reason</comment>
+        <translation>根 CA 证书不受信任用于此用途</translation>
+    </message>
+    <message>
+        <source>The peer did not present any certificate</source>
+        <comment>Reason</comment>
+        <translation>对方未提供证书</translation>
+    </message>
+    <message>
+        <source>The host name did not match any of the valid hosts for this certificate</source>
+        <comment>Reason</comment>
+        <translation>主机名与证书不符</translation>
+    </message>
+    <message>
+        <source>etcdserver: permission denied</source>
+        <comment>Reason</comment>
+        <translation>该 etcd 用户没有权限</translation>
+    </message>
+    <message>
+        <source>etcdserver: authentication failed, invalid user ID or password</source>
+        <comment>Reason</comment>
+        <translation>etcd 用户名或密码不正确</translation>
+    </message>
+    <message>
+        <source>etcdserver: user name is empty</source>
+        <comment>Reason</comment>
+        <translation>etcd 要求用户名和密码</translation>
+    </message>
+    <message>
+        <source>etcdserver: mvcc: database space exceeded</source>
+        <comment>Reason</comment>
+        <translation>etcd 的存储空间已用完</translation>
+    </message>
+    <message>
+        <source>etcdserver: no leader</source>
+        <comment>Reason</comment>
+        <translation>etcd 服务器没有主节点</translation>
+    </message>
+    <message>
+        <source>etcdserver: leader changed</source>
+        <comment>Reason</comment>
+        <translation>etcd 服务器正在更换主节点</translation>
+    </message>
+    <message>
+        <source>etcdserver: request timed out</source>
+        <comment>Reason</comment>
+        <translation>没有及时响应</translation>
+    </message>
+    <message>
         <source>0 is no port</source>
         <comment>Reason</comment>
         <translation>0 不是有效端口</translation>
@@ -2575,6 +2715,11 @@
         <translation>没有此文件夹</translation>
     </message>
     <message>
+        <source>systemctl did not say why</source>
+        <comment>Reason</comment>
+        <translation>systemctl 未说明原因</translation>
+    </message>
+    <message>
         <source>no answer</source>
         <comment>Reason</comment>
         <translation>没有响应</translation>
@@ -2603,6 +2748,36 @@
         <source>not a settings file</source>
         <comment>Reason</comment>
         <translation>不是设置文件</translation>
+    </message>
+    <message>
+        <source>not a shortcut file</source>
+        <comment>Reason</comment>
+        <translation>不是快捷键文件</translation>
+    </message>
+    <message>
+        <source>no id of a machine is in it</source>
+        <comment>Reason</comment>
+        <translation>其中没有机器标识</translation>
+    </message>
+    <message>
+        <source>no certificate (PEM) is in it</source>
+        <comment>Reason</comment>
+        <translation>其中没有证书 (PEM)</translation>
+    </message>
+    <message>
+        <source>only with --store etcd://...</source>
+        <comment>Reason</comment>
+        <translation>只能与 --store etcd://... 一起使用</translation>
+    </message>
+    <message>
+        <source>--store takes a file, or etcd://HOST[:PORT][,HOST[:PORT]...]/SHOW</source>
+        <comment>Reason</comment>
+        <translation>--store 后应为文件，或 etcd://HOST[:PORT][,HOST[:PORT]...]/SHOW</translation>
+    </message>
+    <message>
+        <source>the bindings could not be saved; the old ones stay</source>
+        <comment>Reason</comment>
+        <translation>无法保存绑定，原有绑定保持不变</translation>
     </message>
     <message>
         <source>too many settings, or the name of one is too long</source>
@@ -2673,6 +2848,41 @@
         <source>Read-only file system</source>
         <comment>Reason</comment>
         <translation>磁盘为只读</translation>
+    </message>
+    <message>
+        <source>Is a directory</source>
+        <comment>Reason</comment>
+        <translation>这是一个文件夹</translation>
+    </message>
+    <message>
+        <source>file to open is a directory</source>
+        <comment>Reason</comment>
+        <translation>这是一个文件夹</translation>
+    </message>
+    <message>
+        <source>Not a directory</source>
+        <comment>Reason</comment>
+        <translation>路径中有一部分不是文件夹</translation>
+    </message>
+    <message>
+        <source>File name too long</source>
+        <comment>Reason</comment>
+        <translation>名称过长</translation>
+    </message>
+    <message>
+        <source>Disk quota exceeded</source>
+        <comment>Reason</comment>
+        <translation>磁盘配额已用完</translation>
+    </message>
+    <message>
+        <source>Input/output error</source>
+        <comment>Reason</comment>
+        <translation>磁盘读写错误</translation>
+    </message>
+    <message>
+        <source>Operation not permitted</source>
+        <comment>Reason</comment>
+        <translation>没有权限</translation>
     </message>
     <message>
         <source>no network card has this address</source>

@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <exception>
 #include <set>
+#include <system_error>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -98,6 +99,13 @@ Bindings bindingsOf(const std::string& json)
     return bindings;
 }
 
+/// Without `cause`, which is empty then, the store has told it already.
+QString notSaved(const std::error_code& cause)
+{
+    const QString reason = QStringLiteral("the bindings could not be saved; the old ones stay");
+    return cause ? QStringLiteral("%1 (%2)").arg(reason, qt_error_string(cause.value())) : reason;
+}
+
 } // namespace
 
 std::string exportedBindings(const ShortCutMgr& manager, Peripherals& peripherals)
@@ -118,7 +126,9 @@ QString importBindings(const std::string& json, ShortCutMgr& manager, Peripheral
     try {
         wanted = bindingsOf(json);
     } catch (const std::exception& error) {
-        return QString::fromUtf8(error.what());
+        hostLog()->warn("no shortcut file: {}", error.what());
+        const QString line = QString::fromUtf8(error.what()).section(':', 1, 1).section(' ', 0, 0);
+        return hostText("InLine").arg(reasonText(QStringLiteral("not a shortcut file")), line);
     }
     auto keys = wanted.keys.indexShortCutList;
     keys.insert(keys.end(), wanted.keys.pathShortCutList.begin(),
@@ -129,14 +139,14 @@ QString importBindings(const std::string& json, ShortCutMgr& manager, Peripheral
     NoCacheFile::Replacement file(mivo::settings::shortCutFilePath().toStdString(),
                                   mivo::settings::formatShortCuts(keys), problem);
     if (problem) {
-        return hostText("BindingsNotSaved");
+        return notSaved(problem);
     }
     const auto midi = peripherals.midi().bindings();
     const auto dmx = peripherals.dmx().bindings();
     peripherals.setBindings(wanted.midi, wanted.dmx);
     if (!peripherals.areBindingsStored() || !file.commit(problem)) {
         peripherals.setBindings(midi, dmx);
-        return hostText("BindingsNotSaved");
+        return notSaved(problem);
     }
     manager.shortCutInfoSave(wanted.keys);
     return {};

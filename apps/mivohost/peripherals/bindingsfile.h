@@ -18,7 +18,7 @@ std::string exportedBindings(const mivo::settings::ShortCutMgr& manager, Periphe
 /// Replaces all bindings by those of `json`, in memory, in the shortcut file and in the store, or
 /// none of them. What cannot be bound, or would be a second binding of an action or of a key, is
 /// left out; the log has the first few, and how many they were. Returns why nothing was imported,
-/// as a text to be shown; empty when it was.
+/// for reasonText(); empty when it was.
 QString importBindings(const std::string& json, mivo::settings::ShortCutMgr& manager,
                        Peripherals& peripherals);
 

@@ -206,7 +206,7 @@ void ProjectFile::saveAs(const QString& file, const Done& done)
                 }
             });
             if (!waited) {
-                emit told(QStringLiteral("ProjectSavedLate"), path);
+                emit told(QStringLiteral("ProjectSavedLate"), QDir::toNativeSeparators(path));
             }
             refresh();
             if (!m_state.modified) {

@@ -1,5 +1,6 @@
 #include "store/sqlitepersistence.h"
 
+#include "base/filerequests.h"
 #include "store/database.h"
 #include "store/statement.h"
 
@@ -187,7 +188,8 @@ std::unique_ptr<SqlitePersistence> SqlitePersistence::openLocked(const QString& 
     if (locked != FileLock::Result::locked) {
         const bool inUse = locked == FileLock::Result::inUse;
         result.status = inUse ? Status::inUse : Status::failed;
-        result.error = QString::fromStdString(lockPath + ": " + persistence->m_lock.error());
+        result.error = fileProblem(QString::fromStdString(lockPath),
+                                   QString::fromStdString(persistence->m_lock.error()));
         return persistence;
     }
     if (QFileInfo(path).isDir()) { // SQLite would say that it cannot be written

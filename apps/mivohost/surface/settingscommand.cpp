@@ -149,6 +149,8 @@ SettingsCommand::SettingsCommand(const QCommandLineParser& arguments)
         problem = QStringLiteral("--sections goes with --export and --import");
     } else if (!unknown.isEmpty()) {
         problem = QStringLiteral("no section is called %1").arg(unknown.first());
+    } else if (sectionsOf(arguments).empty()) {
+        problem = QStringLiteral("--sections names no section");
     }
 }
 

@@ -130,7 +130,7 @@ QString partText(const QString& name, const QVariant& value)
         return hostText(value.toBool() ? "On" : "Off");
     }
     if (value.userType() == QMetaType::Double) {
-        return QLocale().toString(value.toDouble()) + QStringLiteral(" s");
+        return hostText("SecondsOf").arg(QLocale().toString(value.toDouble()));
     }
     if (name == "pptPresetsResolutionType") {
         const QSize size = pptResolution(value.toInt());
@@ -154,7 +154,7 @@ QString mappingNames(const QString& json)
          QJsonDocument::fromJson(json.toUtf8()).object()[QStringLiteral("mappings")].toArray()) {
         names.append(mapping[QStringLiteral("name")].toString());
     }
-    return names.join(QStringLiteral(", "));
+    return listText(names);
 }
 
 std::optional<Key> keyOf(const QString& name)
@@ -207,7 +207,7 @@ QString settingsText(const QStringList& names)
     for (const QString& name : names) {
         texts.append(settingText(name));
     }
-    return texts.join(QStringLiteral(", "));
+    return listText(texts);
 }
 
 QString valueText(const QString& name, const QVariant& kept)
@@ -239,8 +239,7 @@ QString valueText(Key key, const QVariant& value)
     for (const auto& [name, field] : SettingsFile::fieldsOf(key, value)) {
         parts.append(partText(name, field));
     }
-    return parts.isEmpty() ? partText(SettingsFile::nameOf(key), value)
-                           : parts.join(QStringLiteral(", "));
+    return parts.isEmpty() ? partText(SettingsFile::nameOf(key), value) : listText(parts);
 }
 
 QString storeProblem(const QString& reason)

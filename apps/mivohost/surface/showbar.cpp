@@ -50,7 +50,7 @@ QString listText(const QStringList& names, ToText toText)
     if (first.size() < names.size()) {
         texts.append(QStringLiteral("…"));
     }
-    return texts.join(QStringLiteral(", "));
+    return mivohost::listText(texts);
 }
 
 } // namespace

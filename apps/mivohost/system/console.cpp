@@ -40,6 +40,21 @@ void printQtMessage(QtMsgType type, const QMessageLogContext& context, const QSt
            && (answers.contains(option) || commandOptions().contains(option));
 }
 
+/// What is wrong with options that are all known; empty where nothing is.
+QString misuseOf(const QCommandLineParser& arguments)
+{
+    const QStringList surplus = arguments.positionalArguments();
+    if (!surplus.isEmpty()) {
+        return QStringLiteral("nothing is done with %1").arg(surplus.first());
+    }
+    for (const QString& option : arguments.optionNames()) {
+        if (arguments.values(option).contains(QString())) {
+            return QStringLiteral("--%1 takes a value that is not empty").arg(option);
+        }
+    }
+    return {};
+}
+
 } // namespace
 
 const QStringList& commandOptions()
@@ -109,9 +124,12 @@ std::optional<int> parseCommandLine(QCommandLineParser& arguments)
 {
     const QCommandLineOption help = arguments.addHelpOption();
     const QCommandLineOption version = arguments.addVersionOption();
-    if (!arguments.parse(QCoreApplication::arguments())) {
-        std::fprintf(stderr, "mivohost: %s\n", arguments.errorText().toUtf8().constData());
+    const auto refuse = [](const QString& problem) {
+        std::fprintf(stderr, "mivohost: %s\n", problem.toUtf8().constData());
         return badArgument;
+    };
+    if (!arguments.parse(QCoreApplication::arguments())) {
+        return refuse(arguments.errorText());
     }
     if (arguments.isSet(help) || arguments.isSet(QStringLiteral("help-all"))) {
         std::fputs(arguments.helpText().toUtf8().constData(), stdout);
@@ -121,7 +139,8 @@ std::optional<int> parseCommandLine(QCommandLineParser& arguments)
         std::printf("mivohost %s\n", qPrintable(QCoreApplication::applicationVersion()));
         return finished;
     }
-    return std::nullopt;
+    const QString misuse = misuseOf(arguments);
+    return misuse.isEmpty() ? std::nullopt : std::optional<int>(refuse(misuse));
 }
 
 std::optional<int> numberOf(const QCommandLineParser& arguments, const QString& option, int low,

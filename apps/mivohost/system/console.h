@@ -35,9 +35,10 @@ void useNoDisplayForCommands(int argc, char** argv);
 /// What the program is, and its options that no other file adds.
 void addProgramOptions(QCommandLineParser& arguments);
 
-/// Parses the program's command line. Help, version and what is wrong are printed, and the program
-/// ends with the code that is returned. In place of QCommandLineParser::process(), which on Windows
-/// shows them in a box, and waits, where output goes into a file.
+/// Parses the program's command line. Help, version and what is wrong, as an option that is empty
+/// or an argument that is none, are printed, and the program ends with the code that is returned.
+/// In place of QCommandLineParser::process(), which on Windows shows them in a box, and waits,
+/// where output goes into a file.
 std::optional<int> parseCommandLine(QCommandLineParser& arguments);
 
 /// The number that an option has, or 0 without the option. Nothing if it is another than `low` to

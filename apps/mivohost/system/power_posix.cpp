@@ -21,8 +21,11 @@ void askSystem(PowerAction action, QObject* context,
     QObject::connect(process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), context,
                      [process, fail](int code, QProcess::ExitStatus status) {
                          if (code != 0 || status != QProcess::NormalExit) {
-                             fail(
-                                 QString::fromLocal8Bit(process->readAllStandardError()).trimmed());
+                             const QString said =
+                                 QString::fromLocal8Bit(process->readAllStandardError()).trimmed();
+                             fail(said.isEmpty()
+                                      ? QStringLiteral("systemctl did not say why (%1)").arg(code)
+                                      : said);
                          } else {
                              process->deleteLater();
                          }

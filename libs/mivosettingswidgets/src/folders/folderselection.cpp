@@ -191,7 +191,8 @@ void showFolder(QWidget* page, const QString& folder)
     const QPointer<QWidget> guard(page);
     const auto there = askFolder(guard, folder, [folder] { return QFileInfo(folder).isDir(); });
     if (there && !(*there && qutils::openFolder(folder))) {
-        showTip(guard, textOf("OpenFolderFailed"), TipDialog::warning, folder);
+        showTip(guard, textOf("OpenFolderFailed"), TipDialog::warning,
+                QDir::toNativeSeparators(folder));
     }
 }
 
