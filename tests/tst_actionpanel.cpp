@@ -370,8 +370,10 @@ TEST_F(Panel, WhatCannotBeReadSavedOrOpenedIsToldAndTriedAgain)
     EXPECT_EQ(triggered(), "Stage/Take by F6") << "it holds meanwhile";
     hideKeysFolder(false);
     EXPECT_TRUE(QTest::qWaitFor([this] { return told.size() > 1; }, 10000));
-    EXPECT_EQ(told.join('|'),
-              "KeysNotWritten " + QDir::toNativeSeparators(shortCutFilePath()) + "|KeysWritten");
+    EXPECT_TRUE(told[0].startsWith("KeysNotWritten " + fileProblem(shortCutFilePath(), {}))
+                && !told[0].endsWith("replaced"))
+        << told[0];
+    EXPECT_EQ(told[1], "KeysWritten");
     EXPECT_EQ(kept().size(), 2U);
 
     hideKeysFolder(true);

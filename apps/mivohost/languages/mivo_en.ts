@@ -1752,12 +1752,12 @@ Open them?</translation>
     <message>
         <source>KeysPutAside</source>
         <comment>MainWindow</comment>
-        <translation>The file of the keys could not be read and was put aside as “%1”. No keys are bound.</translation>
+        <translation>The file of the keys could not be read and was put aside as “%1”. Its keys are not bound.</translation>
     </message>
     <message>
         <source>KeysNotWritten</source>
         <comment>MainWindow</comment>
-        <translation>The keys could not be saved to “%1”. The changes hold meanwhile, and saving them is tried again.</translation>
+        <translation>The keys could not be saved: %1. The changes hold meanwhile, and saving them is tried again.</translation>
     </message>
     <message>
         <source>KeysWritten</source>
@@ -2686,3 +2686,8 @@ Open them?</translation>
     </message>
 </context>
 </TS>
+    <message>
+        <source>the file that is there cannot be replaced</source>
+        <comment>Reason</comment>
+        <translation>the file that is there cannot be replaced</translation>
+    </message>

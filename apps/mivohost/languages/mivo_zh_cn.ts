@@ -1752,12 +1752,12 @@
     <message>
         <source>KeysPutAside</source>
         <comment>MainWindow</comment>
-        <translation>按键文件无法读取，已另存为“%1”。当前没有绑定任何按键。</translation>
+        <translation>按键文件无法读取，已另存为“%1”。其中的按键未绑定。</translation>
     </message>
     <message>
         <source>KeysNotWritten</source>
         <comment>MainWindow</comment>
-        <translation>无法将按键保存到“%1”。更改暂时有效，程序会重试保存。</translation>
+        <translation>无法保存按键：%1。更改暂时有效，程序会重试保存。</translation>
     </message>
     <message>
         <source>KeysWritten</source>
@@ -2719,6 +2719,11 @@
         <translation>屏幕取色(&amp;P)</translation>
     </message>
     <message>
+    <message>
+        <source>the file that is there cannot be replaced</source>
+        <comment>Reason</comment>
+        <translation>现有的文件无法替换</translation>
+    </message>
         <source>Hu&amp;e:</source>
         <translation>色调(&amp;E)：</translation>
     </message>

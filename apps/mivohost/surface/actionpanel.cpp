@@ -120,9 +120,9 @@ void ActionPanel::addConnections()
         Qt::QueuedConnection);
     connect(
         &m_fileRetry, &ShortcutFileRetry::failed, this,
-        [this] {
+        [this](const QString& reason) {
             emit failed(QStringLiteral("KeysNotWritten"),
-                        QDir::toNativeSeparators(mivo::settings::shortCutFilePath()));
+                        fileProblem(mivo::settings::shortCutFilePath(), reason));
         },
         Qt::QueuedConnection);
     connect(
