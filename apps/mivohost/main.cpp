@@ -94,6 +94,22 @@ void wait(int seconds)
     loop.exec();
 }
 
+/// Of the settings file at `path`, which was unusable or missing.
+void tellReplaced(MainWindow& window, const QString& path, const SqlitePersistence::Opened& opened)
+{
+    const QString aside = opened.aside.join(QStringLiteral(", "));
+    const QString time = timeText(opened.copyTime);
+    const bool isFromCopy = opened.copyTime.isValid();
+    if (aside.isEmpty()) {
+        window.showNotice(QLatin1String(isFromCopy ? "StoreMissingFromCopy" : "StoreMissing"),
+                          isFromCopy ? time : QDir::toNativeSeparators(path));
+        return;
+    }
+    hostLog()->error("the settings file was put aside as {}", aside.toStdString());
+    window.showNotice(QLatin1String(isFromCopy ? "StoreFromCopy" : "StorePutAside"),
+                      isFromCopy ? time : aside);
+}
+
 /// The program with its window, from here to its end.
 int runWindow(MainWindow& window, ProjectFile& project, RuntimeThread& runtime,
               SettingsStore& store, Peripherals& peripherals, Synchroniser* synchroniser,
@@ -285,8 +301,7 @@ int run(const QCommandLineParser& arguments)
 
     RuntimeThread runtime;
     auto opened = runtime.call([&] { return SqlitePersistence::open(path); });
-    const bool damaged = opened.status == SqlitePersistence::Status::damaged;
-    if (damaged && !command.isGiven) {
+    if (opened.status == SqlitePersistence::Status::damaged && !command.isGiven) {
         hostLog()->error("the settings file cannot be used: {}", opened.error.toStdString());
         if (opened.copyTime.isValid()
             && !wantsCopy(path, opened.error, timeText(opened.copyTime))) {
@@ -343,12 +358,8 @@ int run(const QCommandLineParser& arguments)
         services.outputs = std::make_shared<PhysicsOutputs>();
         MainWindow window(runtime, *store, project, peripherals, services);
         window.switchLanguage(language);
-        if (damaged) {
-            const QString aside = opened.aside.join(QStringLiteral(", "));
-            const bool fromCopy = opened.copyTime.isValid();
-            hostLog()->error("the settings file was put aside as {}", aside.toStdString());
-            window.showNotice(QLatin1String(fromCopy ? "StoreFromCopy" : "StorePutAside"),
-                              fromCopy ? timeText(opened.copyTime) : aside);
+        if (opened.isReplaced) {
+            tellReplaced(window, path, opened);
         }
         const QStringList unusable = runtime.call([&store] { return store->unusable(); });
         if (!unusable.isEmpty()) {
@@ -378,7 +389,7 @@ int run(const QCommandLineParser& arguments)
             // As the sound cards, behind the first frame.
             QTimer::singleShot(0, &window, [&cards] { cards.start(); });
             code = runWindow(window, project, runtime, *store, peripherals,
-                             synchroniser ? &*synchroniser : nullptr, damaged, arguments,
+                             synchroniser ? &*synchroniser : nullptr, opened.isReplaced, arguments,
                              *simulatedDevices);
         }
     }

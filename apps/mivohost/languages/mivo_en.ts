@@ -932,6 +932,16 @@
         <translation>The settings file could not be used. The settings are those of %1; what was changed after that is missing. The unusable file was kept under another name.</translation>
     </message>
     <message>
+        <source>StoreMissing</source>
+        <comment>MainWindow</comment>
+        <translation>The settings file “%1” was missing. The settings are back at their defaults.</translation>
+    </message>
+    <message>
+        <source>StoreMissingFromCopy</source>
+        <comment>MainWindow</comment>
+        <translation>The settings file was missing. The settings are those of %1; what was changed after that is missing.</translation>
+    </message>
+    <message>
         <source>StoreDamaged</source>
         <comment>MainWindow</comment>
         <translation>The settings file “%1” cannot be used: %2.

@@ -932,6 +932,16 @@
         <translation>设置文件无法使用。当前为 %1 的设置，此后的更改已丢失。无法使用的文件已另存。</translation>
     </message>
     <message>
+        <source>StoreMissing</source>
+        <comment>MainWindow</comment>
+        <translation>设置文件“%1”丢失。所有设置已恢复为默认值。</translation>
+    </message>
+    <message>
+        <source>StoreMissingFromCopy</source>
+        <comment>MainWindow</comment>
+        <translation>设置文件丢失。当前为 %1 的设置，此后的更改已丢失。</translation>
+    </message>
+    <message>
         <source>StoreDamaged</source>
         <comment>MainWindow</comment>
         <translation>设置文件“%1”无法使用：%2。
