@@ -394,18 +394,21 @@ TEST_F(Panel, WhatCannotBeReadSavedOrOpenedIsToldAndTriedAgain)
     panel->setEditing(true);
     const QString failure = hint();
     EXPECT_TRUE(failure.contains(QString::number(taken.localPort()))) << failure;
-    taken.close();
-    EXPECT_TRUE(QTest::qWaitFor([this] { return told.size() > 1; }, 10000));
     switchTexts("zh_cn");
     EXPECT_TRUE(QTest::qWaitFor(
         [this] { return peripherals->osc().failure().find("占用") != std::string::npos; }, 10000));
     EXPECT_EQ(told.size(), 1) << "in another language it is no news";
     switchTexts("en");
+    taken.close();
+    EXPECT_TRUE(QTest::qWaitFor([this] { return told.size() > 1; }, 10000));
     EXPECT_EQ(told.last(), "OscReceives");
     auto* address = control<QComboBox>("listenAddress");
     chooseItem(address, address->findText("127.0.0.1"));
     EXPECT_TRUE(hint().contains("osc.udp://127.0.0.1:")) << hint();
     runtime.call([this] { store.kept.fails = true; });
+    for (const char* control : {"CC 1 ch 1 (X)", "CC 2 ch 1 (X)"}) {
+        peripherals->midi().bind({take, takePath, control});
+    }
     chooseItem(address, 0);
     EXPECT_TRUE(QTest::qWaitFor([&] { return address->currentText() == "127.0.0.1"; }))
         << "what is kept";
@@ -415,6 +418,9 @@ TEST_F(Panel, WhatCannotBeReadSavedOrOpenedIsToldAndTriedAgain)
     });
     EXPECT_TRUE(QTest::qWaitFor([this] { return cover(take)->keyText(PeripheralDmx) == "DMX 4"; }))
         << "as another machine has set it";
+    EXPECT_EQ(told.count("BindingsNotWritten disk full"), 1);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return told.last() == "BindingsWritten"; }, 10000));
+    EXPECT_TRUE(store.held("midiBindings").toString().contains("CC 2"));
 
     writeFile(shortCutFilePath(), "{");
     told.clear();

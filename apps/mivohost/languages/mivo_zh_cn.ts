@@ -1056,6 +1056,11 @@
         <translation>演出中的另一台机器更改按键后，以下按键绑定到多个操作，只触发其中的第一个：%1</translation>
     </message>
     <message>
+        <source>KeysReplaced</source>
+        <comment>MainWindow</comment>
+        <translation>按键文件中的以下按键与演出的不同，本机现采用演出的按键：%1</translation>
+    </message>
+    <message>
         <source>ShowReplaced</source>
         <comment>MainWindow</comment>
         <translation>演出中的以下设置与本机原有的不同，本机现采用演出的设置：%1</translation>
@@ -1088,7 +1093,27 @@
     <message>
         <source>SettingNotSaved</source>
         <comment>MainWindow</comment>
-        <translation>有一项设置无法保存：%1。仍使用原来的值。</translation>
+        <translation>有一项设置无法保存，仍使用原来的值：%1</translation>
+    </message>
+    <message>
+        <source>BindingsNotWritten</source>
+        <comment>MainWindow</comment>
+        <translation>无法保存设备绑定：%1。新的绑定暂时有效，程序会重试保存。</translation>
+    </message>
+    <message>
+        <source>BindingsWritten</source>
+        <comment>MainWindow</comment>
+        <translation>设备绑定已重新保存。</translation>
+    </message>
+    <message>
+        <source>SharedNotSaved</source>
+        <comment>MainWindow</comment>
+        <translation>以下共享设置已在本机生效，但无法保存到本机：%1。程序会重试保存。</translation>
+    </message>
+    <message>
+        <source>ShowNotSaved</source>
+        <comment>MainWindow</comment>
+        <translation>无法在本机保存演出的状态：%1。程序会重试保存。</translation>
     </message>
     <message>
         <source>ExportSettingsTitle</source>
@@ -2475,6 +2500,11 @@
         <translation>磁盘空间不足</translation>
     </message>
     <message>
+        <source>unless the show takes the change, which was sent to it</source>
+        <comment>Reason</comment>
+        <translation>更改已发送给演出，演出采用后仍会生效</translation>
+    </message>
+    <message>
         <source>attempt to write a readonly database</source>
         <comment>Reason</comment>
         <translation>设置文件为只读</translation>
@@ -2690,6 +2720,11 @@
         <translation>路径过长</translation>
     </message>
     <message>
+        <source>the file that is there cannot be replaced</source>
+        <comment>Reason</comment>
+        <translation>现有的文件无法替换</translation>
+    </message>
+    <message>
         <source>what was set elsewhere is no value of it</source>
         <comment>Reason</comment>
         <translation>在别处设置的值对其无效</translation>
@@ -2729,11 +2764,6 @@
         <translation>屏幕取色(&amp;P)</translation>
     </message>
     <message>
-    <message>
-        <source>the file that is there cannot be replaced</source>
-        <comment>Reason</comment>
-        <translation>现有的文件无法替换</translation>
-    </message>
         <source>Hu&amp;e:</source>
         <translation>色调(&amp;E)：</translation>
     </message>

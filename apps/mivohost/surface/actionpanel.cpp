@@ -164,6 +164,12 @@ void ActionPanel::addConnections()
         follow(m_peripherals.osc(), "Osc");
         follow(m_peripherals.dmx(), "Dmx");
     });
+    m_connections.emplace_back(
+        m_peripherals.bindingsNotWritten.connect([this](const QString& reason) {
+            emit failed(QStringLiteral("BindingsNotWritten"), reason);
+        }));
+    m_connections.emplace_back(m_peripherals.bindingsWritten.connect(
+        [this] { emit told(QStringLiteral("BindingsWritten")); }));
     m_connections.emplace_back(m_peripherals.bindingsReplaced.connect([this] {
         m_peripherals.giveTo(m_manager);
         showState();
