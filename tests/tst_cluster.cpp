@@ -6,8 +6,10 @@
 #include "surface/showbar.h"
 
 #include "support/etcdserver.h"
+#include "support/fulldisk.h"
 #include "support/node.h"
 #include "support/program.h"
+#include "support/proxy.h"
 #include "support/test.h"
 
 #include <mivosettingswidgets/shortcutfile.h>
@@ -45,50 +47,11 @@ struct Cluster : ::testing::Test
     Node b{"b"};
 };
 
-/// Passes on what comes to a server, and on demand nothing of what its watches report.
-class Proxy : public QTcpServer
-{
-public:
-    explicit Proxy(const QString& host) : m_port(host.section(':', 1).toUShort())
-    {
-        listen(QHostAddress::LocalHost);
-        connect(this, &QTcpServer::newConnection, this, &Proxy::accept);
-    }
-    QString host() const { return QStringLiteral("127.0.0.1:%1").arg(serverPort()); }
-
-    bool isSilent = false;
-
-private:
-    void accept()
-    {
-        QTcpSocket* client = nextPendingConnection();
-        auto* server = new QTcpSocket(client);
-        server->connectToHost(QHostAddress::LocalHost, m_port);
-        auto isWatch = std::make_shared<bool>(false);
-        connect(client, &QTcpSocket::readyRead, server, [=] {
-            const QByteArray data = client->readAll();
-            *isWatch = *isWatch || data.contains("/v3/watch");
-            server->write(data);
-        });
-        connect(server, &QTcpSocket::readyRead, client, [=] {
-            const QByteArray data = server->readAll();
-            if (!*isWatch || !isSilent) {
-                client->write(data);
-            }
-        });
-        connect(client, &QTcpSocket::disconnected, client, &QObject::deleteLater);
-        connect(server, &QTcpSocket::disconnected, client, &QTcpSocket::disconnectFromHost);
-    }
-
-    quint16 m_port;
-};
-
 } // namespace
 
 TEST_F(Cluster, AChangeReachesTheOtherMachineWhateverHappensToTheServers)
 {
-    for (const auto& [members, fault, repair] : {std::tuple(1, "", ""),
-                                                 {1, "hang 0", "continue 0"},
+    for (const auto& [members, fault, repair] : {std::tuple(1, "hang 0", "continue 0"),
                                                  {3, "kill 0", ""},
                                                  {3, "kill leader", ""},
                                                  {3, "hang leader", ""},
@@ -254,6 +217,28 @@ TEST_F(Cluster, ChangesWaitWhileAServerIsFullOrRefusesTheUserAndNoPasswordIsLogg
     EXPECT_EQ(log.count("Secret"), 0);
 }
 
+TEST_F(Cluster, WhatTheOwnDiskDoesNotTakeIsToldOnceAndReadAgainUntilItDoes)
+{
+    ::EtcdServers servers(1);
+    QTemporaryDir folder;
+    Node full("full", folder.path());
+    connect({{&full, servers.hosts()}});
+    LogCapture log;
+    {
+        const FullDisk disk;
+        servers.ctl({"put", "/mivo/1/Show-1/show/canvasColor",
+                     R"({"value":"#123456","by":"b","name":"b"})"});
+        EXPECT_TRUE(full.becomes([&] {
+            return full.call([](auto& store) { return store.getCanvasColor() == "#123456"; });
+        }));
+        QTest::qWait(6000); // it is read once more
+    }
+    const QString file = full.setupWith({}).path(QDir(folder.path()));
+    EXPECT_TRUE(full.becomes([&] { return readFile(file).contains("#123456"); }));
+    EXPECT_EQ(log.count("what is shared could not be saved: "), 1);
+    EXPECT_EQ(log.count("not connected"), 0) << "it is no fault of the server";
+}
+
 TEST_F(Cluster, OnlyAServerWithAValidCertificateIsBelieved)
 {
     QTemporaryDir folder;
@@ -335,11 +320,14 @@ TEST_F(Cluster, KeysOfActionsAreSharedEachForItself)
     info.pathShortCutList = {{ShortCutOfPath, "a/b:c", "Ctrl + L"}};
     manager.shortCutInfoSave(info);
     QList<QMap<QString, QStringList>> clashes;
+    QList<QMap<QString, QString>> others;
     const auto start = [&] {
         a.start(servers.hosts(), [&] {
             new SharedShortcuts(manager, a.synchroniser());
             QObject::connect(&a.synchroniser(), &Synchroniser::keysClash,
                              [&](const auto& actions) { clashes.append(actions); });
+            QObject::connect(&a.synchroniser(), &Synchroniser::otherKeys,
+                             [&](const auto& inFile) { others.append(inFile); });
         });
     };
     const auto keys = [&manager] { return manager.linkShortCutInfo().shortCutInfoList; };
@@ -370,10 +358,11 @@ TEST_F(Cluster, KeysOfActionsAreSharedEachForItself)
     a.stop();
     info = manager.linkShortCutInfo();
     info.pathShortCutList.pop_back(); // in a run without the show
+    info.pathShortCutList[0].shortCutStr = "Ctrl + N";
     manager.shortCutInfoSave(info);
     start();
-    EXPECT_TRUE(a.becomes([&] { return keys().size() == 2 && a.lost.size() == 1; }));
-    EXPECT_EQ(std::tuple(a.lost[0].mine, a.lost[0].theirs), std::tuple("", "Ctrl + M"));
+    EXPECT_TRUE(a.becomes([&] { return keys().size() == 2 && !others.isEmpty(); }));
+    EXPECT_EQ(others, (QList<QMap<QString, QString>>{{{both[0], "Ctrl + N"}, {both[1], ""}}}));
     for (const char* later : {"Ctrl + P", "Ctrl + Q"}) { // the second one waits a moment
         emit a.synchroniser().shortcutsChanged({{"shortcut:211:n%2Fw", later}});
     }
@@ -443,10 +432,19 @@ TEST_F(Cluster, TheWindowTellsHowItStandsAndSetsAgainWhatWasLost)
     EXPECT_TRUE(shows("lostChange", "“a/b” is now Ctrl + L"));
     window.switchLanguage("zh_cn");
     EXPECT_FALSE(shows("lostChange", "faster"));
+    const auto tells = [&](const char* text) {
+        return a.becomes([&] {
+            return window.messages().messages().back().text.find(text) != std::string::npos;
+        });
+    };
     emit a.synchroniser().keysClash({{"F5", {"shortcut:210:", "shortcut:211:a%2Fb"}}});
-    EXPECT_TRUE(a.becomes([&window] {
-        return window.messages().messages().back().text.find("F5 (") != std::string::npos;
-    }));
+    EXPECT_TRUE(tells("F5 ("));
+    emit a.synchroniser().otherKeys({{"shortcut:211:a%2Fb", ""}, {"shortcut:211:c", "F6"}});
+    EXPECT_TRUE(tells("a/b (–), c (F6)"));
+    emit a.synchroniser().notKept(
+        {"shortcut:211:c"},
+        "database or disk is full (unless the show takes the change, which was sent to it)");
+    EXPECT_TRUE(tells("c: 磁盘空间不足 (更改已发送给演出"));
     bar.findChild<QPushButton*>("leaveLost")->click();
     EXPECT_FALSE(bar.findChild<QLabel*>("lostChange")->isVisible());
 }

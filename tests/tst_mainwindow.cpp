@@ -374,7 +374,8 @@ TEST_F(Window, HasEveryTextInTheLanguageThatIsChosen)
         chooseItem(languages, index);
         for (const char* key :
              {"ProjectNotOpened", "ProjectNotSaved", "AutomaticSaveFailed", "AutostartFailed",
-              "KeysClash", "PowerActionFailed", "SettingNotSaved", "ShortcutsNotExported",
+              "BindingsNotWritten", "KeysClash", "KeysReplaced", "PowerActionFailed",
+              "SettingNotSaved", "SharedNotSaved", "ShortcutsNotExported", "ShowNotSaved",
               "ShortcutsNotImported", "SettingsExportedLate", "TimedActionCalledOff"}) {
             EXPECT_TRUE(hostText(key).contains("%1")) << key;
         }
@@ -384,7 +385,8 @@ TEST_F(Window, HasEveryTextInTheLanguageThatIsChosen)
               "written by a later version", "no answer", "a file is still being opened or saved",
               "the open project has been changed meanwhile", "the file is too large",
               "not a settings file", "too many settings, or the name of one is too long",
-              "a setting is there twice", "too deeply nested"}) {
+              "a setting is there twice", "too deeply nested",
+              "the file that is there cannot be replaced"}) {
             EXPECT_EQ(reasonText(reason) == reason, index == 0) << reason;
         }
         EXPECT_EQ(QKeySequence(Qt::Key_Space).toString(QKeySequence::NativeText) == "Space",

@@ -167,7 +167,7 @@ TEST_F(Store, AWriteThatFailsChangesNothingAndTellsEverybody)
     EXPECT_EQ(store->getUndoStep(), 70);
     EXPECT_EQ(announced, std::vector{70}) << "the control must go back to what is kept";
     store->setTcpPort({true, 13});
-    EXPECT_EQ(told, (QStringList{"disk full", "disk full"}));
+    EXPECT_EQ(told, (QStringList{"undoStep: disk full", "tcpPort: disk full"}));
     EXPECT_EQ(log.lines().at(0), "error|setting undoStep could not be saved: disk full");
 }
 

@@ -138,8 +138,10 @@ TEST_F(StoreFile, ThatIsDamagedIsRecoveredFromItsNewestGoodCopyAndKept)
             EXPECT_EQ(opened.copyTime.isValid(), hasCopy && status == Status::damaged);
             if (status != Status::opened) {
                 EXPECT_EQ(files(), before) << "nothing was moved";
-                opened = SqlitePersistence::recover(path());
             }
+            opened.persistence.reset();
+            opened = SqlitePersistence::recover(path());
+            EXPECT_EQ(opened.isReplaced, status == Status::damaged);
             if (status == Status::failed) {
                 EXPECT_EQ(opened.status, status);
                 EXPECT_EQ(files(), before);

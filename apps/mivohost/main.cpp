@@ -78,17 +78,6 @@ ExitCode refuse(ExitCode code, const QString& message, bool withWindow)
     return code;
 }
 
-/// Qt takes relative ones, which would be others in each current folder.
-void forgetRelativeFolders()
-{
-    for (const char* name :
-         {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_RUNTIME_DIR"}) {
-        if (QDir::isRelativePath(qEnvironmentVariable(name))) {
-            qunsetenv(name);
-        }
-    }
-}
-
 /// Folders that the settings start with; each is made when something is to be put there.
 std::map<SettingsStore::Key, QVariant> defaultFolders(const QDir& data)
 {
@@ -304,8 +293,7 @@ int run(const QCommandLineParser& arguments)
 
     RuntimeThread runtime;
     auto opened = runtime.call([&] { return SqlitePersistence::open(path); });
-    const bool damaged = opened.status == SqlitePersistence::Status::damaged;
-    if (damaged && !command.isGiven) {
+    if (opened.status == SqlitePersistence::Status::damaged && !command.isGiven) {
         hostLog()->error("the settings file cannot be used: {}", opened.error.toStdString());
         if (opened.copyTime.isValid()
             && !wantsCopy(shownPath, opened.error, timeText(opened.copyTime))) {
@@ -365,12 +353,8 @@ int run(const QCommandLineParser& arguments)
         services.outputs = std::make_shared<PhysicsOutputs>();
         MainWindow window(runtime, *store, project, peripherals, services);
         window.switchLanguage(language);
-        if (damaged) {
-            const QString aside = listText(opened.aside);
-            const bool fromCopy = opened.copyTime.isValid();
-            hostLog()->error("the settings file was put aside as {}", aside.toStdString());
-            window.showNotice(QLatin1String(fromCopy ? "StoreFromCopy" : "StorePutAside"),
-                              fromCopy ? timeText(opened.copyTime) : aside);
+        if (opened.isReplaced) {
+            tellReplaced(window, path, opened);
         }
         const QStringList unusable = runtime.call([&store] { return store->unusable(); });
         if (!unusable.isEmpty()) {
@@ -403,7 +387,7 @@ int run(const QCommandLineParser& arguments)
             // As the sound cards, behind the first frame.
             QTimer::singleShot(0, &window, [&cards] { cards.start(); });
             code = runWindow(window, project, runtime, *store, peripherals,
-                             synchroniser ? &*synchroniser : nullptr, damaged, arguments,
+                             synchroniser ? &*synchroniser : nullptr, opened.isReplaced, arguments,
                              *simulatedDevices);
         }
     }

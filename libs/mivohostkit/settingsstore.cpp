@@ -293,7 +293,7 @@ void SettingsStore::set(Key key, const QVariant& wanted)
     if (corrected != before || replacesUnusable) {
         const QString problem = keep({{key, corrected}});
         if (!problem.isEmpty() && m_failure) {
-            m_failure(problem);
+            m_failure(QStringLiteral("%1: %2").arg(setting.name, problem));
         }
     } else if (corrected == wanted) {
         return; // nothing new, and the control shows it already

@@ -301,8 +301,8 @@ public:
 
     /// Called on the runtime thread when a value could not be kept. The store then goes on with the
     /// old value and announces it, so that no control shows what is not saved. Called too when what
-    /// was set elsewhere is no value of its setting; there the old one holds as well, and the
-    /// reason begins with the setting's name and ": ".
+    /// was set elsewhere is no value of its setting; there the old one holds as well. The reason
+    /// begins with the setting's name and ": ".
     void setFailureHandler(FailureHandler handler);
 
     /// Whether a setting was loaded, or has been set since; else its default holds.

@@ -19,8 +19,11 @@ TEST(Faults, OfAFileAreToldAndHarmNoOther)
     // Files of the program's folder, what is put into each, what the operator is told, and the undo
     // steps that are held afterwards; 0: they cannot be read.
     constexpr const char* folderInstead = nullptr;
+    static constexpr char removed[] = "removed";
     const std::tuple<QString, const char*, Ends, const char*, int> faults[]{
         {"settings.sqlite", "", startsWhenAnswered, "message: The settings file could not be used",
+         80},
+        {"settings.sqlite", removed, startsWhenAnswered, "message: The settings file was missing.",
          80},
         {"settings.sqlite settings.sqlite.copy-1", "x", starts,
          "message: The settings file could not be read and was put aside as", 0},
@@ -40,8 +43,11 @@ TEST(Faults, OfAFileAreToldAndHarmNoOther)
         const auto before = home.files();
         for (const QString& name : files.split(' ')) {
             QFile::remove(home.data(name));
-            content != folderInstead ? writeFile(home.data(name), content)
-                                     : void(QDir().mkpath(home.data(name)));
+            if (content == folderInstead) {
+                QDir().mkpath(home.data(name));
+            } else if (content != removed) {
+                writeFile(home.data(name), content);
+            }
         }
         const auto damaged = home.files();
         {

@@ -33,9 +33,11 @@ QString knownWithDetail(const QString& reason)
     }
     const int bracket = reason.indexOf(QLatin1String(" ("));
     const QString detail = reason.mid(bracket + 2).chopped(1);
-    return bracket < 0 ? reason
-                       : QStringLiteral("%1 (%2)").arg(knownReason(reason.left(bracket)),
-                                                       knownReason(detail));
+    const bool beginsWithWhatFailed = reason.left(bracket).contains(QLatin1String(": "));
+    return bracket < 0 || beginsWithWhatFailed
+               ? reason
+               : QStringLiteral("%1 (%2)").arg(knownReason(reason.left(bracket)),
+                                               knownReason(detail));
 }
 
 } // namespace

@@ -50,6 +50,9 @@ public:
     /// Ends the watch that there was. The new one reports until watchEnded().
     void watch(const QByteArray& prefix, qint64 revision);
 
+    /// Ends the watch, without watchEnded().
+    void endWatch() { endWatch({}); }
+
     /// Asks the next server from now on. The watch ends, and what is asked gets no answer: it may
     /// have been carried out.
     void nextServer();

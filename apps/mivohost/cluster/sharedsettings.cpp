@@ -9,7 +9,6 @@ namespace mivohost {
 
 using Update = SqlitePersistence::Update;
 using Waiting = Outbox::Waiting;
-using Status = etcd::Answer::Status;
 
 namespace {
 
@@ -24,13 +23,17 @@ SharedSettings::SharedSettings(std::unique_ptr<SqlitePersistence> local, Identit
 bool SharedSettings::write(const QVariantHash& settings)
 {
     keepPending();
-    if (settings.size() == 1) {
-        sendAtOnce(settings.begin().key(), settings.begin().value());
-    }
+    const bool isSent =
+        settings.size() == 1 && sendAtOnce(settings.begin().key(), settings.begin().value());
     m_isKept = m_local->write(settings);
+    m_error = m_local->lastError();
     if (!m_isKept) {
+        if (isSent) {
+            m_error += QStringLiteral(" (unless the show takes the change, which was sent to it)");
+        }
         return false;
     }
+    m_isFailureTold = false;
     tellWaiting();
     sendNext();
     return true;
@@ -82,6 +85,7 @@ void SharedSettings::takePage(const Page& page)
     takeOver(updates);
     if (page.isLast) {
         shareShortcuts({}, false);
+        sendNext(); // what was held back as the file took nothing
     }
 }
 
@@ -104,10 +108,7 @@ bool SharedSettings::enterShow(const Page& page)
         return true;
     }
     keepPending();
-    m_isKept = m_local->setShow(id);
-    if (!m_isKept && m_listener.failed) {
-        m_listener.failed(m_local->lastError());
-    }
+    setKept(m_local->setShow(id), {});
     if (before.isEmpty()) { // what is known may be of this show
         return true;
     }
@@ -141,45 +142,6 @@ void SharedSettings::takeChanges(const std::vector<etcd::KeyValue>& values)
         }
     }
     takeOver(updates);
-}
-
-void SharedSettings::takeAnswer(const std::vector<SentChange>& batch, const etcd::Answer& answer)
-{
-    m_isSending = false;
-    if (answer.status == Status::ok) {
-        Updates updates;
-        for (const SentChange& sent : batch) {
-            const auto found = std::find_if(
-                answer.values.begin(), answer.values.end(),
-                [&sent](const etcd::KeyValue& value) { return value.key == sent.write.key; });
-            const etcd::KeyValue written{sent.write.key, sent.write.value, answer.revision};
-            const etcd::KeyValue* there = answer.isWritten               ? &written
-                                          : found == answer.values.end() ? nullptr
-                                                                         : &*found;
-            if (!m_local->outbox().isWaiting(sent.name)) { // it could not be kept here
-                if (there != nullptr) {
-                    compare(sent.name, *there, false, updates);
-                }
-            } else if (answer.isWritten) {
-                const bool isNewest = m_local->outbox().numberOf(sent.name) == sent.number;
-                updates.push_back({sent.name, answer.revision, std::nullopt,
-                                   isNewest ? Waiting::remove : Waiting::keep});
-            } else {
-                settle(sent, there, updates);
-            }
-        }
-        takeOver(updates);
-        Updates held;
-        for (const SentChange& sent : batch) {
-            const auto later = m_held.find(sent.name);
-            if (later != m_held.end() && !m_local->outbox().isWaiting(sent.name)) {
-                compare(sent.name, later->second, false, held);
-                m_held.erase(later);
-            }
-        }
-        takeOver(held);
-    }
-    sendNext();
 }
 
 SharedSettings::Texts SharedSettings::shortcuts() const
@@ -241,8 +203,8 @@ void SharedSettings::setAgain(const LostChange& change)
     if (write({{change.name, change.mine}})) {
         announce({{change.name, 0, change.mine}});
     } else {
-        if (m_listener.failed) {
-            m_listener.failed(lastError());
+        if (m_listener.notSet) {
+            m_listener.notSet(change.name, lastError());
         }
         if (m_listener.lost) { // it still is
             m_listener.lost(change);
@@ -308,33 +270,6 @@ void SharedSettings::compare(const QString& name, const etcd::KeyValue& there, b
     }
 }
 
-/// What follows for a change that was not carried out; `there`: what etcd has, null: nothing.
-void SharedSettings::settle(const SentChange& sent, const etcd::KeyValue* there, Updates& updates)
-{
-    const qint64 revision = there == nullptr ? 0 : there->revision;
-    const auto theirs = there == nullptr ? std::nullopt : SharedValue::fromJson(there->value);
-    const bool isOther = theirs && revision != sent.write.revision;
-    if (isOther && (there->value == sent.write.value || isHere(sent.name, theirs->value))) {
-        // Its own, whose answer was lost, or somebody has set the same.
-        const bool isNewest = m_local->outbox().numberOf(sent.name) == sent.number
-                              || isHere(sent.name, theirs->value);
-        updates.push_back(
-            {sent.name, revision, std::nullopt, isNewest ? Waiting::remove : Waiting::keep});
-    } else if (!isOther || theirs->machine == m_identity.machine) {
-        updates.push_back({sent.name, revision, {}}); // sent again, after an earlier one of its own
-    } else {
-        const QVariant mine = m_local->value(sent.name);
-        hostLog()->warn("setting {} = {} is lost: machine {} was faster and set {}",
-                        sent.name.toStdString(), mine.toString().left(200).toStdString(),
-                        theirs->name.toStdString(),
-                        theirs->value.toString().left(200).toStdString());
-        if (m_listener.lost) {
-            m_listener.lost({sent.name, mine, theirs->value, theirs->name});
-        }
-        updates.push_back({sent.name, revision, theirs->value, Waiting::remove});
-    }
-}
-
 void SharedSettings::takeOver(const Updates& updates)
 {
     if (updates.empty()) {
@@ -351,7 +286,7 @@ void SharedSettings::takeOver(const Updates& updates)
     m_pending = updates;
     announce(updates);
     keepPending();
-    if (!replaced.isEmpty() && m_listener.replaced) {
+    if (!replaced.isEmpty() && m_isKept && m_listener.replaced) { // else it is read again
         m_listener.replaced(replaced);
     }
     tellWaiting();
@@ -364,11 +299,33 @@ void SharedSettings::takeOver(const Updates& updates)
 void SharedSettings::keepPending()
 {
     const Updates updates = std::exchange(m_pending, {});
-    if (!updates.empty()) {
-        m_isKept = m_local->update(updates);
-        if (!m_isKept && m_listener.failed) {
-            m_listener.failed(m_local->lastError());
+    if (updates.empty()) {
+        return;
+    }
+    QStringList names;
+    for (const Update& update : updates) {
+        if (update.value) {
+            names.append(update.key);
         }
+    }
+    setKept(m_local->update(updates), names);
+}
+
+void SharedSettings::setKept(bool isKept, const QStringList& names)
+{
+    m_isKept = isKept;
+    if (isKept) {
+        m_isFailureTold = false;
+        m_toldChanges.clear();
+        return;
+    }
+    if (m_listener.readAgain) {
+        m_listener.readAgain();
+    }
+    if (m_listener.notKept && !std::exchange(m_isFailureTold, true)) {
+        hostLog()->error("what is shared could not be saved: {}",
+                         m_local->lastError().toStdString());
+        m_listener.notKept(names, m_local->lastError());
     }
 }
 
@@ -384,57 +341,6 @@ void SharedSettings::announce(const Updates& updates)
     }
     if (!shortcuts.isEmpty() && m_listener.shortcutsChanged) {
         m_listener.shortcutsChanged(shortcuts);
-    }
-}
-
-/// A change that is about to be written into the file; unless others wait, or the file takes none.
-void SharedSettings::sendAtOnce(const QString& name, const QVariant& value)
-{
-    const Outbox& outbox = m_local->outbox();
-    const QByteArray json = encode(value);
-    if (canSend() && m_isKept && outbox.count() == 0 && json.size() <= longestValue) {
-        m_isSending = true;
-        m_listener.send(
-            {{name, outbox.nextNumber(), {keyOf(name), json, outbox.revisionOf(name)}}});
-    }
-}
-
-void SharedSettings::sendNext()
-{
-    if (!canSend()) {
-        return;
-    }
-    std::vector<SentChange> batch;
-    int bytes = 0;
-    Updates tooLong;
-    for (const Outbox::Change& change : m_local->outbox().oldest(mostInOneBatch)) {
-        if (!isBrought(change.key)) {
-            continue; // a later version has set it, and sends it
-        }
-        const QByteArray value = encode(m_local->value(change.key));
-        if (value.size() > longestValue) {
-            tooLong.push_back({change.key, change.revision, std::nullopt, Waiting::remove});
-            m_listener.tooLong(change.key);
-        } else if ((bytes += value.size()) > mostBytesInOneBatch) {
-            break;
-        } else {
-            batch.push_back(
-                {change.key, change.number, {keyOf(change.key), value, change.revision}});
-        }
-    }
-    m_isSending = !batch.empty();
-    if (m_isSending) {
-        m_listener.send(batch);
-    }
-    takeOver(tooLong);
-}
-
-void SharedSettings::tellWaiting()
-{
-    const int count = m_local->outbox().count();
-    if (count != m_told && m_listener.waiting) {
-        m_told = count;
-        m_listener.waiting(count);
     }
 }
 

@@ -11,6 +11,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <set>
 #include <vector>
 
 namespace mivohost {
@@ -79,8 +80,13 @@ public:
         std::function<void(const QStringList& names)> replaced;
         std::function<void(const QString& name)> tooLong;           ///< it is not shared
         std::function<void(const Texts& changes)> shortcutsChanged; ///< by others
-        /// Something could not be kept in the file; it is to be read from etcd again.
-        std::function<void(const QString& reason)> failed;
+        /// Something could not be kept in the file: all is to be read from etcd again.
+        std::function<void()> readAgain;
+        /// Why, once until the file takes something. Settings of these names hold here all the
+        /// same; without any, it is what is known of the show.
+        std::function<void(const QStringList& names, const QString& reason)> notKept;
+        /// What setAgain() was given could not be kept.
+        std::function<void(const QString& name, const QString& reason)> notSet;
     };
 
     /// `local` keeps an outbox.
@@ -88,7 +94,7 @@ public:
 
     QVariantHash loadAll() override { return m_local->loadAll(); }
     bool write(const QVariantHash& settings) override;
-    QString lastError() const override { return m_local->lastError(); }
+    QString lastError() const override { return m_error; }
     void watch(ChangeHandler handler) override { m_handler = std::move(handler); }
 
     /// Without one, changes wait in the outbox.
@@ -136,9 +142,10 @@ private:
     void settle(const SentChange& sent, const etcd::KeyValue* there, Updates& updates);
     void takeOver(const Updates& updates);
     void keepPending();
+    void setKept(bool isKept, const QStringList& names);
     void announce(const Updates& updates);
     bool canSend() const { return m_isConnected && m_isInShow && !m_isSending && m_listener.send; }
-    void sendAtOnce(const QString& name, const QVariant& value);
+    bool sendAtOnce(const QString& name, const QVariant& value);
     void sendNext();
     void tellWaiting();
 
@@ -150,6 +157,9 @@ private:
     bool m_isInShow = true; // the outbox is that of the show, or nobody has said otherwise
     bool m_isSending = false;
     bool m_isKept = true;                     // what was written last into the file
+    bool m_isFailureTold = false;             // of the file, since it took something
+    std::set<qint64> m_toldChanges;           // numbers of lost and of too long ones since then
+    QString m_error;                          // of write()
     Updates m_pending;                        // what pages are told of, and the file has not yet
     int m_told = -1;                          // how many changes wait
     Texts m_unshared;                         // keys of actions that the file did not take

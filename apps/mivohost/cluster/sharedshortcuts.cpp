@@ -27,24 +27,24 @@ SharedShortcuts::SharedShortcuts(mivo::settings::ShortCutMgr& manager, Synchroni
     : QObject(&synchroniser), m_manager(manager), m_synchroniser(synchroniser), m_held(held())
 {
     const Table shared = synchroniser.shortcuts();
-    const auto tellLost = [&synchroniser](const QString& name, const QString& mine,
-                                          const QString& theirs) {
-        synchroniser.tellLost({name, mine, theirs, synchroniser.show()});
-    };
     Table added;
+    Table others; // as they are in the file
     for (auto key = m_held.begin(); key != m_held.end(); ++key) {
         const auto known = shared.find(key.key());
         if (known == shared.end()) {
             added.insert(key.key(), key.value());
         } else if (*known != key.value()) {
-            tellLost(key.key(), key.value(), *known);
+            others.insert(key.key(), key.value());
         }
     }
     for (auto key = shared.begin(); key != shared.end(); ++key) {
         // A file without any may have been unreadable.
         if (!key->isEmpty() && !m_held.isEmpty() && !m_held.contains(key.key())) {
-            tellLost(key.key(), {}, *key);
+            others.insert(key.key(), {});
         }
+    }
+    if (!others.isEmpty()) {
+        synchroniser.tellOtherKeys(others);
     }
     synchroniser.shareShortcuts(added, shared.isEmpty());
     m_pause.setSingleShot(true);

@@ -25,7 +25,7 @@ class SharedShortcuts : public QObject
 
 public:
     /// `manager` has read its file. Where that differs from what this machine shared last, the
-    /// latter holds, and the other is told as lost.
+    /// latter holds, and the other is told.
     SharedShortcuts(mivo::settings::ShortCutMgr& manager, Synchroniser& synchroniser);
     ~SharedShortcuts() override;
 

@@ -16,9 +16,9 @@ using Status = etcd::Answer::Status;
 namespace {
 
 constexpr int pageSize = 500;
-constexpr int mostKeys = 200000; // of a show
-constexpr int answerTime = 3000; // ms
-constexpr int refusalPause = 5000;
+constexpr int mostKeys = 200000;   // of a show
+constexpr int answerTime = 3000;   // ms
+constexpr int refusalPause = 5000; // also of this machine's disk
 
 /// So that machines which lost the same server do not all come back at once.
 int jittered(int milliseconds)
@@ -34,8 +34,20 @@ ShowLink::ShowLink(EtcdServers servers, QByteArray prefix, QString machine)
 {
     m_pause.setSingleShot(true);
     m_check.setSingleShot(true);
+    m_again.setSingleShot(true);
     connect(&m_pause, &QTimer::timeout, this, &ShowLink::connectToServer);
     connect(&m_check, &QTimer::timeout, this, &ShowLink::checkWatch);
+    connect(&m_again, &QTimer::timeout, this, [this] {
+        if (!m_isConnected || m_revision == 0) { // it is being read, or that is to come
+            readAgain();
+            return;
+        }
+        m_client->endWatch(); // what it reports would be newer than what is read
+        m_check.stop();
+        m_isAsked = false;
+        m_revision = 0;
+        readPage(m_prefix, 0, 0);
+    });
 }
 
 ShowLink::~ShowLink() = default;
@@ -81,11 +93,11 @@ void ShowLink::reconnect()
     fail(QStringLiteral("the machine has slept"));
 }
 
-void ShowLink::readAgain(const QString& reason)
+void ShowLink::readAgain()
 {
-    m_revision = 0;
-    m_failures = std::max(m_failures, m_client->serverCount());
-    fail(reason);
+    if (!m_again.isActive()) {
+        m_again.start(refusalPause);
+    }
 }
 
 void ShowLink::connectToServer()

@@ -35,8 +35,8 @@ public:
     /// dead, and a pause has lasted long enough.
     void reconnect();
 
-    /// Has all be read again, after a pause.
-    void readAgain(const QString& reason);
+    /// Has all be read again, after a pause. The connection stays.
+    void readAgain();
 
 signals:
     /// `reason`: why it is not connected, or why the server does not take changes; else empty.
@@ -66,6 +66,7 @@ private:
     std::unique_ptr<Presence> m_presence; // uses the client
     QTimer m_pause{this};
     QTimer m_check{this};
+    QTimer m_again{this};
     QByteArray m_id;       // of the show that was read; empty: it has none
     qint64 m_revision = 0; // up to which all changes are known; 0: all is to be read
     bool m_isConnected = false;

@@ -61,9 +61,12 @@ Synchroniser::Synchroniser(RuntimeThread& runtime, SharedSettings& settings,
     listener.shortcutsChanged = [this](const SharedSettings::Texts& changes) {
         toGui([this, changes] { emit shortcutsChanged(changes); });
     };
-    listener.failed = [this](const QString& reason) {
-        post(m_link, [link = m_link, reason] { link->readAgain(reason); });
-        toGui([this, reason] { emit failed(reason); });
+    listener.readAgain = [this] { post(m_link, [link = m_link] { link->readAgain(); }); };
+    listener.notKept = [this](const QStringList& names, const QString& reason) {
+        toGui([this, names, reason] { emit notKept(names, reason); });
+    };
+    listener.notSet = [this](const QString& name, const QString& reason) {
+        toGui([this, name, reason] { emit notSet(name, reason); });
     };
     m_runtime.call([this, &listener] { m_settings.setListener(std::move(listener)); });
     connectLink();

@@ -62,9 +62,9 @@ public:
     /// See SharedSettings.
     SharedSettings::Texts shortcuts();
     void shareShortcuts(const SharedSettings::Texts& changes, bool isFirst);
-    void tellLost(const LostChange& change)
+    void tellOtherKeys(const QMap<QString, QString>& keys)
     {
-        toGui([this, change] { emit lost(change); });
+        toGui([this, keys] { emit otherKeys(keys); });
     }
 
     /// Sets what was lost once more.
@@ -82,8 +82,10 @@ signals:
     /// Keys that another machine has bound are bound to several actions here: the names of these by
     /// the sequence, in the order of keyHolders().
     void keysClash(const QMap<QString, QStringList>& actions);
-    /// What another machine has changed could not be kept here; it is tried again.
-    void failed(const QString& reason);
+    /// The shortcut file had these keys, by their names, and the show has others, which hold.
+    void otherKeys(const QMap<QString, QString>& keys);
+    void notKept(const QStringList& names, const QString& reason); ///< see SharedSettings::Listener
+    void notSet(const QString& name, const QString& reason);       ///< the same
 
 private:
     template <typename Work>

@@ -932,6 +932,16 @@
         <translation>The settings file could not be used. The settings are those of %1; what was changed after that is missing. The unusable file was kept under another name.</translation>
     </message>
     <message>
+        <source>StoreMissing</source>
+        <comment>MainWindow</comment>
+        <translation>The settings file “%1” was missing. The settings are back at their defaults.</translation>
+    </message>
+    <message>
+        <source>StoreMissingFromCopy</source>
+        <comment>MainWindow</comment>
+        <translation>The settings file was missing. The settings are those of %1; what was changed after that is missing.</translation>
+    </message>
+    <message>
         <source>StoreDamaged</source>
         <comment>MainWindow</comment>
         <translation>The settings file “%1” cannot be used: %2.
@@ -1051,6 +1061,11 @@ Without an answer the copy is used in %4 seconds.</translation>
         <translation>Since another machine of the show has changed its keys, some are bound to several actions, of which they trigger the first: %1</translation>
     </message>
     <message>
+        <source>KeysReplaced</source>
+        <comment>MainWindow</comment>
+        <translation>The shortcut file had these keys otherwise than the show, whose keys hold here now: %1</translation>
+    </message>
+    <message>
         <source>ShowReplaced</source>
         <comment>MainWindow</comment>
         <translation>The show has these settings otherwise than this machine had, and they hold here now: %1</translation>
@@ -1083,7 +1098,27 @@ Without an answer the copy is used in %4 seconds.</translation>
     <message>
         <source>SettingNotSaved</source>
         <comment>MainWindow</comment>
-        <translation>A setting could not be saved: %1. Its old value stays in force.</translation>
+        <translation>A setting could not be saved, and its old value stays in force: %1</translation>
+    </message>
+    <message>
+        <source>BindingsNotWritten</source>
+        <comment>MainWindow</comment>
+        <translation>The bindings of devices could not be saved: %1. The new ones hold meanwhile, and saving them is tried again.</translation>
+    </message>
+    <message>
+        <source>BindingsWritten</source>
+        <comment>MainWindow</comment>
+        <translation>The bindings of devices are saved again.</translation>
+    </message>
+    <message>
+        <source>SharedNotSaved</source>
+        <comment>MainWindow</comment>
+        <translation>Shared settings hold here, but could not be saved on this machine: %1. Saving them is tried again.</translation>
+    </message>
+    <message>
+        <source>ShowNotSaved</source>
+        <comment>MainWindow</comment>
+        <translation>What this machine knows of the show could not be saved: %1. Saving it is tried again.</translation>
     </message>
     <message>
         <source>ExportSettingsTitle</source>
@@ -1762,12 +1797,12 @@ Open them?</translation>
     <message>
         <source>KeysPutAside</source>
         <comment>MainWindow</comment>
-        <translation>The file of the keys could not be read and was put aside as “%1”. No keys are bound.</translation>
+        <translation>The file of the keys could not be read and was put aside as “%1”. Its keys are not bound.</translation>
     </message>
     <message>
         <source>KeysNotWritten</source>
         <comment>MainWindow</comment>
-        <translation>The keys could not be saved to “%1”. The changes hold meanwhile, and saving them is tried again.</translation>
+        <translation>The keys could not be saved: %1. The changes hold meanwhile, and saving them is tried again.</translation>
     </message>
     <message>
         <source>KeysWritten</source>
@@ -2485,6 +2520,11 @@ Open them?</translation>
         <translation>the disk is full</translation>
     </message>
     <message>
+        <source>unless the show takes the change, which was sent to it</source>
+        <comment>Reason</comment>
+        <translation>unless the show takes the change, which was sent to it</translation>
+    </message>
+    <message>
         <source>attempt to write a readonly database</source>
         <comment>Reason</comment>
         <translation>the settings file is read-only</translation>
@@ -2903,6 +2943,11 @@ Open them?</translation>
         <source>the path is too long</source>
         <comment>Reason</comment>
         <translation>the path is too long</translation>
+    </message>
+    <message>
+        <source>the file that is there cannot be replaced</source>
+        <comment>Reason</comment>
+        <translation>the file that is there cannot be replaced</translation>
     </message>
     <message>
         <source>what was set elsewhere is no value of it</source>

@@ -932,6 +932,16 @@
         <translation>设置文件无法使用。当前为 %1 的设置，此后的更改已丢失。无法使用的文件已另存。</translation>
     </message>
     <message>
+        <source>StoreMissing</source>
+        <comment>MainWindow</comment>
+        <translation>设置文件“%1”丢失。所有设置已恢复为默认值。</translation>
+    </message>
+    <message>
+        <source>StoreMissingFromCopy</source>
+        <comment>MainWindow</comment>
+        <translation>设置文件丢失。当前为 %1 的设置，此后的更改已丢失。</translation>
+    </message>
+    <message>
         <source>StoreDamaged</source>
         <comment>MainWindow</comment>
         <translation>设置文件“%1”无法使用：%2。
@@ -1051,6 +1061,11 @@
         <translation>演出中的另一台机器更改按键后，以下按键绑定到多个动作，只触发其中的第一个：%1</translation>
     </message>
     <message>
+        <source>KeysReplaced</source>
+        <comment>MainWindow</comment>
+        <translation>按键文件中的以下按键与演出的不同，本机现采用演出的按键：%1</translation>
+    </message>
+    <message>
         <source>ShowReplaced</source>
         <comment>MainWindow</comment>
         <translation>演出中的以下设置与本机原有的不同，本机现采用演出的设置：%1</translation>
@@ -1083,7 +1098,27 @@
     <message>
         <source>SettingNotSaved</source>
         <comment>MainWindow</comment>
-        <translation>有一项设置无法保存：%1。仍使用原来的值。</translation>
+        <translation>有一项设置无法保存，仍使用原来的值：%1</translation>
+    </message>
+    <message>
+        <source>BindingsNotWritten</source>
+        <comment>MainWindow</comment>
+        <translation>无法保存设备绑定：%1。新的绑定暂时有效，程序会重试保存。</translation>
+    </message>
+    <message>
+        <source>BindingsWritten</source>
+        <comment>MainWindow</comment>
+        <translation>设备绑定已重新保存。</translation>
+    </message>
+    <message>
+        <source>SharedNotSaved</source>
+        <comment>MainWindow</comment>
+        <translation>以下共享设置已在本机生效，但无法保存到本机：%1。程序会重试保存。</translation>
+    </message>
+    <message>
+        <source>ShowNotSaved</source>
+        <comment>MainWindow</comment>
+        <translation>无法在本机保存演出的状态：%1。程序会重试保存。</translation>
     </message>
     <message>
         <source>ExportSettingsTitle</source>
@@ -1762,12 +1797,12 @@
     <message>
         <source>KeysPutAside</source>
         <comment>MainWindow</comment>
-        <translation>按键文件无法读取，已另存为“%1”。当前没有绑定任何按键。</translation>
+        <translation>按键文件无法读取，已另存为“%1”。其中的按键未绑定。</translation>
     </message>
     <message>
         <source>KeysNotWritten</source>
         <comment>MainWindow</comment>
-        <translation>无法将按键保存到“%1”。更改暂时有效，程序会重试保存。</translation>
+        <translation>无法保存按键：%1。更改暂时有效，程序会重试保存。</translation>
     </message>
     <message>
         <source>KeysWritten</source>
@@ -2485,6 +2520,11 @@
         <translation>磁盘空间不足</translation>
     </message>
     <message>
+        <source>unless the show takes the change, which was sent to it</source>
+        <comment>Reason</comment>
+        <translation>更改已发送给演出，演出采用后仍会生效</translation>
+    </message>
+    <message>
         <source>attempt to write a readonly database</source>
         <comment>Reason</comment>
         <translation>设置文件为只读</translation>
@@ -2903,6 +2943,11 @@
         <source>the path is too long</source>
         <comment>Reason</comment>
         <translation>路径过长</translation>
+    </message>
+    <message>
+        <source>the file that is there cannot be replaced</source>
+        <comment>Reason</comment>
+        <translation>现有的文件无法替换</translation>
     </message>
     <message>
         <source>what was set elsewhere is no value of it</source>

@@ -37,6 +37,7 @@ public:
     void setInfo(const mivo::peripheralcontrol::SAddDMXInfo& info) override;
     mivo::peripheralcontrol::SAddDMXInfo info() const override { return m_info; }
     std::string failure() const override { return m_input.failure(); }
+    const QString& problem() const { return m_input.problem(); } ///< see UdpInput
     /// See UdpInput. Broadcasts that come by the card with that address are received. All senders
     /// are new then, as after a sleep, when their levels may have changed unheard.
     void setAddress(const QHostAddress& address);

@@ -46,6 +46,7 @@ public:
     void setInfo(const mivo::peripheralcontrol::SAddOSCInfo& info) override;
     mivo::peripheralcontrol::SAddOSCInfo info() const override { return m_info; }
     std::string failure() const override { return m_input.failure(); }
+    const QString& problem() const { return m_input.problem(); } ///< see UdpInput
     /// See UdpInput.
     void setAddress(const QHostAddress& address) { m_input.setAddress(address); }
     /// Gets every datagram that comes in from now on; borrowed.

@@ -6,7 +6,6 @@
 
 #include <mivoqutils/post.h>
 
-#include <map>
 #include <utility>
 
 namespace mivohost {
@@ -38,19 +37,27 @@ struct Peripherals::Kept
 
 /// A function that has the store keep a value, from any thread.
 template <typename Value, typename Held>
-auto Peripherals::writing(void (SettingsStore::*set)(Value), Held (SettingsStore::*get)() const,
-                          void (Peripherals::*onFailure)())
+auto Peripherals::writing(void (SettingsStore::*set)(Value), Held (SettingsStore::*get)() const)
 {
-    return [this, set, get, onFailure](const std::decay_t<Value>& value) {
-        const auto write = [this, set, get, onFailure, value] {
+    return [this, set, get](const std::decay_t<Value>& value) {
+        const auto keep = [this, set, get, value] {
             (m_store.*set)(value);
             if (!((m_store.*get)() == value)) {
-                mivo::qutils::post(&m_retry, [this, onFailure] { (this->*onFailure)(); });
-            } else if (m_changes) {
-                followBindings(); // the store tells nothing if it had the value
+                mivo::qutils::post(&m_retry, [this] { reload(); });
             }
         };
-        m_runtime.post(write, __FILE__, __LINE__, "Peripherals");
+        m_runtime.post(keep, __FILE__, __LINE__, "Peripherals");
+    };
+}
+
+/// The same for bindings as one text.
+auto Peripherals::writing(SettingsStore::Key bindings)
+{
+    return [this, bindings](const std::string& text) {
+        const auto keep = [this, bindings, text] {
+            write({{bindings, QString::fromStdString(text)}});
+        };
+        m_runtime.post(keep, __FILE__, __LINE__, "Peripherals");
     };
 }
 
@@ -60,12 +67,9 @@ Peripherals::Peripherals(RuntimeThread& runtime, SettingsStore& store)
 
 Peripherals::Peripherals(RuntimeThread& runtime, SettingsStore& store, const Kept& kept)
     : m_runtime(runtime), m_store(store), m_seen(std::make_unique<Kept>(kept)),
-      m_midi({MidiService::isControl, kept.midiBindings,
-              writing(&SettingsStore::setMidiBindings, &SettingsStore::getMidiBindings,
-                      &Peripherals::retryLater)}),
-      m_dmx({DmxService::isControl, kept.dmxBindings,
-             writing(&SettingsStore::setDmxBindings, &SettingsStore::getDmxBindings,
-                     &Peripherals::retryLater)})
+      m_midi(
+          {MidiService::isControl, kept.midiBindings, writing(SettingsStore::Key::midiBindings)}),
+      m_dmx({DmxService::isControl, kept.dmxBindings, writing(SettingsStore::Key::dmxBindings)})
 {
     m_retry.setSingleShot(true);
     m_retry.setInterval(5000);
@@ -81,12 +85,10 @@ Peripherals::Peripherals(RuntimeThread& runtime, SettingsStore& store, const Kep
     m_osc.setTap(m_tap);
     m_dmx.setTap(m_tap);
     apply(kept);
-    m_midi.enabledChanged.connect(writing(&SettingsStore::setMidiEnabled,
-                                          &SettingsStore::getMidiEnabled, &Peripherals::reload));
-    m_osc.infoChanged.connect(
-        writing(&SettingsStore::setOscInfo, &SettingsStore::getOscInfo, &Peripherals::reload));
-    m_dmx.infoChanged.connect(
-        writing(&SettingsStore::setDmxInfo, &SettingsStore::getDmxInfo, &Peripherals::reload));
+    m_midi.enabledChanged.connect(
+        writing(&SettingsStore::setMidiEnabled, &SettingsStore::getMidiEnabled));
+    m_osc.infoChanged.connect(writing(&SettingsStore::setOscInfo, &SettingsStore::getOscInfo));
+    m_dmx.infoChanged.connect(writing(&SettingsStore::setDmxInfo, &SettingsStore::getDmxInfo));
 }
 
 Peripherals::~Peripherals()
@@ -115,7 +117,7 @@ void Peripherals::flush(Work last)
 
 void Peripherals::keepBindings()
 {
-    std::map<SettingsStore::Key, QVariant> missing;
+    Texts missing;
     const auto add = [&](SettingsStore::Key key, const BindingTable& table,
                          const std::string& kept) {
         if (!table.isKeptAs(kept)) {
@@ -124,9 +126,30 @@ void Peripherals::keepBindings()
     };
     add(SettingsStore::Key::midiBindings, m_midi.table(), m_store.getMidiBindings());
     add(SettingsStore::Key::dmxBindings, m_dmx.table(), m_store.getDmxBindings());
-    if (!missing.empty() && !m_store.setAll(missing).isEmpty()) { // which has been told
-        mivo::qutils::post(&m_retry, [this] { retryLater(); });
+    if (write(missing)) {
+        mivo::qutils::post(&m_retry, [this] {
+            if (std::exchange(m_isFailureTold, false)) {
+                bindingsWritten();
+            }
+        });
     }
+}
+
+/// False where it is to be tried again.
+bool Peripherals::write(const Texts& bindings)
+{
+    const QString problem = m_store.setAll(bindings);
+    if (!problem.isEmpty()) {
+        mivo::qutils::post(&m_retry, [this, problem] {
+            m_retry.start();
+            if (!areBindingsStored() && !std::exchange(m_isFailureTold, true)) {
+                bindingsNotWritten(problem);
+            }
+        });
+    } else if (m_changes) {
+        followBindings(); // the store tells nothing if it had them
+    }
+    return problem.isEmpty();
 }
 
 /// What is as it was stays open.
@@ -188,8 +211,7 @@ void Peripherals::listenAt(const QString& address)
 void Peripherals::setListenAddress(const QString& address)
 {
     listenAt(address);
-    writing(&SettingsStore::setListenAddress, &SettingsStore::getListenAddress,
-            &Peripherals::reload)(address);
+    writing(&SettingsStore::setListenAddress, &SettingsStore::getListenAddress)(address);
 }
 
 bool Peripherals::areBindingsStored() const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "mivohostkit/settingsstore.h"
 #include "peripherals/dmxservice.h"
 #include "peripherals/inputtap.h"
 #include "peripherals/midiservice.h"
@@ -9,6 +10,7 @@
 
 #include <QtCore/QTimer>
 
+#include <map>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -20,7 +22,6 @@ class ShortCutMgr;
 namespace mivohost {
 
 class RuntimeThread;
-class SettingsStore;
 
 /// The host's services for controllers, with the settings and bindings that the store keeps. GUI
 /// thread. Runtime and store are borrowed and must outlive it.
@@ -52,6 +53,11 @@ public:
     /// All bindings of MIDI or DMX may be others: a manager is to be given them anew.
     sigslot::signal<> bindingsReplaced;
 
+    /// The store could not keep bindings, for this reason; once, until it has all of them.
+    sigslot::signal<const QString&> bindingsNotWritten;
+    /// It has all of them again.
+    sigslot::signal<> bindingsWritten;
+
     /// Whether the store holds the bindings as they are now. Waits until what was posted is
     /// written.
     bool areBindingsStored() const;
@@ -78,10 +84,11 @@ private:
     void followBindings(); // runtime thread
     void listenAt(const QString& address);
     template <typename Value, typename Held>
-    auto writing(void (SettingsStore::*set)(Value), Held (SettingsStore::*get)() const,
-                 void (Peripherals::*onFailure)());
-    void retryLater() { m_retry.start(); }
-    void keepBindings(); // runtime thread
+    auto writing(void (SettingsStore::*set)(Value), Held (SettingsStore::*get)() const);
+    auto writing(SettingsStore::Key bindings);
+    using Texts = std::map<SettingsStore::Key, QVariant>;
+    bool write(const Texts& bindings); // runtime thread
+    void keepBindings();               // runtime thread
     template <typename Work>
     void flush(Work last);
 
@@ -91,6 +98,7 @@ private:
     std::unique_ptr<Kept> m_seen;                        // by followStore()
     std::optional<sigslot::scoped_connection> m_changes; // null once the services may have gone
     QTimer m_retry;                                      // runs while the store lacks bindings
+    bool m_isFailureTold = false;                        // of writing bindings
     Flush m_flush{*this};
     InputTap m_tap;
     MidiService m_midi;

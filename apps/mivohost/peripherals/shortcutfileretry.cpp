@@ -2,13 +2,30 @@
 
 #include <mivosettingswidgets/shortcutfile.h>
 #include <mivosettingswidgets/shortcutmgr.h>
+#include <zrcutils/nocachefile.h>
 
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 
+#include <system_error>
+
 namespace mivohost {
 
 using mivo::settings::ShortCutMgr;
+
+namespace {
+
+/// The manager does not tell why it could not write: it is looked for beside the file, which stays
+/// as it is.
+QString reasonOf(const std::string& path, const std::string& content)
+{
+    std::error_code error;
+    const NoCacheFile::Replacement attempt(path, content, error);
+    return error ? qt_error_string(error.value())
+                 : QStringLiteral("the file that is there cannot be replaced");
+}
+
+} // namespace
 
 ShortcutFileRetry::ShortcutFileRetry(ShortCutMgr& manager, std::chrono::milliseconds pause)
     : m_manager(manager)
@@ -28,10 +45,10 @@ ShortcutFileRetry::~ShortcutFileRetry()
 void ShortcutFileRetry::check(const STLinkShortCutInfo& info)
 {
     const QString path = mivo::settings::shortCutFilePath();
+    const std::string content = mivo::settings::formatShortCuts(info.shortCutInfoList);
     QFile file(path);
-    const bool isSaved =
-        QFileInfo(path).isFile() && file.open(QIODevice::ReadOnly)
-        && file.readAll().toStdString() == mivo::settings::formatShortCuts(info.shortCutInfoList);
+    const bool isSaved = QFileInfo(path).isFile() && file.open(QIODevice::ReadOnly)
+                         && file.readAll().toStdString() == content;
     if (isSaved == !m_retry.isActive()) {
         return;
     }
@@ -40,7 +57,7 @@ void ShortcutFileRetry::check(const STLinkShortCutInfo& info)
         emit succeeded();
     } else {
         m_retry.start();
-        emit failed();
+        emit failed(reasonOf(path.toStdString(), content));
     }
 }
 

@@ -27,8 +27,8 @@ public:
     ~ShortcutFileRetry() override;
 
 signals:
-    /// Once, until a save succeeds.
-    void failed();
+    /// Once, until a save succeeds; with the reason.
+    void failed(const QString& reason);
     /// The keys are in the file again.
     void succeeded();
 

@@ -5,8 +5,6 @@
 
 #include <QtNetwork/QNetworkInterface>
 
-#include <fmt/format.h>
-
 #include <utility>
 
 namespace mivohost {
@@ -48,7 +46,7 @@ void UdpInput::close()
     m_look.stop();
     m_retry.stop();
     m_port = 0;
-    setFailure({});
+    setProblem({});
 }
 
 void UdpInput::setAddress(const QHostAddress& address)
@@ -95,21 +93,17 @@ QString UdpInput::noCardText() const
 
 void UdpInput::setProblem(const QString& problem)
 {
-    setFailure(problem.isEmpty()
-                   ? std::string()
-                   : fmt::format("UDP {}: {}", m_port, reasonText(problem).toStdString()));
-}
-
-void UdpInput::setFailure(const std::string& failure)
-{
-    if (failure == m_failure) {
-        return;
+    const QString whole =
+        problem.isEmpty() ? QString() : QStringLiteral("UDP %1: %2").arg(m_port).arg(problem);
+    const std::string failure = reasonText(whole).toStdString();
+    const bool isNew = std::exchange(m_problem, whole) != whole;
+    if (isNew && !whole.isEmpty()) {
+        hostLog()->warn("no {}: {}", m_setup.name, whole.toStdString());
     }
-    m_failure = failure;
-    if (!failure.empty()) {
-        hostLog()->warn("no {}: {}", m_setup.name, failure);
+    if (isNew || failure != m_failure) {
+        m_failure = failure;
+        m_setup.failureChanged();
     }
-    m_setup.failureChanged();
 }
 
 QNetworkDatagram UdpInput::receive()

@@ -29,7 +29,7 @@ public:
         bool isShared = false;
         /// Datagrams wait: it receives up to readAtOnce of them.
         std::function<void()> read;
-        /// failure() has changed.
+        /// failure() has changed, perhaps its language alone.
         std::function<void()> failureChanged;
     };
 
@@ -42,8 +42,10 @@ public:
     /// Only what is sent to this address of the machine is received; a null one stands for all.
     void setAddress(const QHostAddress& address);
 
-    /// Why it is not open although it is to be; empty when all is well.
+    /// Why it is not open although it is to be, as it is to be shown; empty when all is well.
     const std::string& failure() const { return m_failure; }
+    /// The same as reasonText() takes it, whatever the language.
+    const QString& problem() const { return m_problem; }
 
     /// The next datagram; an invalid one when it was not sent to the address.
     QNetworkDatagram receive();
@@ -55,13 +57,13 @@ private:
     void lookForCard();
     QString noCardText() const;
     void setProblem(const QString& problem);
-    void setFailure(const std::string& failure);
 
     const Setup m_setup;
     std::uint16_t m_port = 0; // 0 while it is closed
     QHostAddress m_address;
     int m_card = 0; // the network card that has the address; 0 for all, -1 where none has it now
     QTimer m_look;  // while one card alone is listened to: it may go, and come back as another
+    QString m_problem;
     std::string m_failure;
     QUdpSocket m_socket;
     PortRetry m_retry;

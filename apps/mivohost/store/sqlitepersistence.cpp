@@ -277,6 +277,7 @@ SqlitePersistence::Opened SqlitePersistence::recover(const QString& path)
     }
     persistence.reset(); // gives up the lock, to be taken again
     result = open(path);
+    result.isReplaced = true;
     result.aside = aside;
     result.copyTime = QFileInfo(copy).lastModified();
     return result;

@@ -36,7 +36,8 @@ public:
         std::unique_ptr<SqlitePersistence> persistence; ///< null unless opened
         QString error;                                  ///< why it is not opened
         QDateTime copyTime; ///< of the newest good copy, when damaged or recovered; invalid: none
-        QStringList aside;  ///< names under which recover() has kept what it found
+        bool isReplaced = false; ///< recover() has put another file in its place
+        QStringList aside;       ///< names under which it has kept what it found there
     };
 
     /// Opens the file, or makes it and its folder where neither it nor a copy of it has ever been.
@@ -44,7 +45,7 @@ public:
     static Opened open(const QString& path);
 
     /// Keeps the damaged file and what belongs to it under other names, and opens the newest good
-    /// copy in its place, or an empty file where there is none.
+    /// copy in its place, or an empty file where there is none. One that is whole by now is opened.
     static Opened recover(const QString& path);
 
     ~SqlitePersistence() override;

@@ -120,9 +120,9 @@ void ActionPanel::addConnections()
         Qt::QueuedConnection);
     connect(
         &m_fileRetry, &ShortcutFileRetry::failed, this,
-        [this] {
+        [this](const QString& reason) {
             emit failed(QStringLiteral("KeysNotWritten"),
-                        QDir::toNativeSeparators(mivo::settings::shortCutFilePath()));
+                        fileProblem(mivo::settings::shortCutFilePath(), reason));
         },
         Qt::QueuedConnection);
     connect(
@@ -145,22 +145,31 @@ void ActionPanel::addConnections()
     // Queued, so that failures at the start are told as well: nobody is connected yet.
     mivo::qutils::post(this, [this] {
         const auto follow = [this](auto& service, const char* name) {
-            const auto tell = [this, &service,
-                               name = QString::fromLatin1(name)](const std::string& failure) {
-                if (!failure.empty()) {
-                    emit failed(name + QStringLiteral("Failed"), QString::fromStdString(failure));
+            auto tell = [this, &service, name = QString::fromLatin1(name),
+                         before = QString()](const std::string& /*failure*/) mutable {
+                if (std::exchange(before, service.problem()) == service.problem()) {
+                    return; // only its language is another one
+                }
+                if (!service.problem().isEmpty()) {
+                    emit failed(name + QStringLiteral("Failed"), service.problem());
                 } else if (service.info().enabled) {
                     emit told(name + QStringLiteral("Receives"));
                 }
             };
-            m_connections.emplace_back(service.failed.connect(tell));
-            if (!service.failure().empty()) {
+            if (!service.problem().isEmpty()) {
                 tell(service.failure());
             }
+            m_connections.emplace_back(service.failed.connect(tell));
         };
         follow(m_peripherals.osc(), "Osc");
         follow(m_peripherals.dmx(), "Dmx");
     });
+    m_connections.emplace_back(
+        m_peripherals.bindingsNotWritten.connect([this](const QString& reason) {
+            emit failed(QStringLiteral("BindingsNotWritten"), reason);
+        }));
+    m_connections.emplace_back(m_peripherals.bindingsWritten.connect(
+        [this] { emit told(QStringLiteral("BindingsWritten")); }));
     m_connections.emplace_back(m_peripherals.bindingsReplaced.connect([this] {
         m_peripherals.giveTo(m_manager);
         showState();

@@ -1,7 +1,10 @@
 #include "surface/askforcopy.h"
 
+#include "base/hostlog.h"
 #include "base/hosttext.h"
+#include "surface/mainwindow.h"
 
+#include <QtCore/QDir>
 #include <QtCore/QTimer>
 #include <QtWidgets/QMessageBox>
 #include <QtWidgets/QPushButton>
@@ -22,6 +25,21 @@ bool wantsCopy(const QString& path, const QString& reason, const QString& copyTi
     QTimer::singleShot(secondsToAnswer * 1000, use, &QPushButton::click);
     question.exec();
     return question.clickedButton() == use;
+}
+
+void tellReplaced(MainWindow& window, const QString& path, const SqlitePersistence::Opened& opened)
+{
+    const QString aside = listText(opened.aside);
+    const QString time = timeText(opened.copyTime);
+    const bool isFromCopy = opened.copyTime.isValid();
+    if (aside.isEmpty()) {
+        window.showNotice(QLatin1String(isFromCopy ? "StoreMissingFromCopy" : "StoreMissing"),
+                          isFromCopy ? time : QDir::toNativeSeparators(path));
+        return;
+    }
+    hostLog()->error("the settings file was put aside as {}", aside.toStdString());
+    window.showNotice(QLatin1String(isFromCopy ? "StoreFromCopy" : "StorePutAside"),
+                      isFromCopy ? time : aside);
 }
 
 } // namespace mivohost

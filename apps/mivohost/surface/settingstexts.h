@@ -19,7 +19,7 @@ QString valueText(const QString& name, const QVariant& kept);
 /// The settings of these names, as one text.
 QString settingsText(const QStringList& names);
 
-/// What SettingsStore's failure handler is told, with the setting that it may begin with in words.
+/// What SettingsStore's failure handler is told, with the setting that it begins with in words.
 QString storeProblem(const QString& reason);
 /// Why a setting of a file is not taken.
 QString refusedText(const SettingsFile::Refused& refused);

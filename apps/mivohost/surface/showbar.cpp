@@ -109,9 +109,28 @@ ShowBar::ShowBar(Synchroniser& synchroniser, MainWindow& window)
     connect(&synchroniser, &Synchroniser::tooLong, this, [this](const QString& name) {
         m_window.showNotice(QStringLiteral("SettingTooLong"), nameText(name));
     });
-    connect(&synchroniser, &Synchroniser::failed, this, [this](const QString& reason) {
-        m_window.showNotice(QStringLiteral("SettingNotSaved"), reason);
-    });
+    connect(&synchroniser, &Synchroniser::otherKeys, this,
+            [this](const QMap<QString, QString>& keys) {
+                m_window.showNotice(
+                    QStringLiteral("KeysReplaced"), listText(keys.keys(), [&](const QString& name) {
+                        return QStringLiteral("%1 (%2)").arg(
+                            nameText(name), shortened(valueText(name, keys.value(name))));
+                    }));
+            });
+    connect(&synchroniser, &Synchroniser::notKept, this,
+            [this](const QStringList& names, const QString& reason) {
+                if (names.isEmpty()) {
+                    m_window.showNotice(QStringLiteral("ShowNotSaved"), reason);
+                } else {
+                    m_window.showNotice(QStringLiteral("SharedNotSaved"),
+                                        listText(names, nameText) + QStringLiteral(": ") + reason);
+                }
+            });
+    connect(&synchroniser, &Synchroniser::notSet, this,
+            [this](const QString& name, const QString& reason) {
+                m_window.showNotice(QStringLiteral("SettingNotSaved"),
+                                    nameText(name) + QStringLiteral(": ") + reason);
+            });
     connect(&window, &MainWindow::languageSwitched, this, &ShowBar::setTexts);
     window.centralWidget()->layout()->addWidget(this);
     setTexts();

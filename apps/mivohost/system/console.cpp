@@ -6,6 +6,7 @@
 
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QCoreApplication>
+#include <QtCore/QDir>
 
 #include <algorithm>
 #include <csignal>
@@ -56,6 +57,16 @@ QString misuseOf(const QCommandLineParser& arguments)
 }
 
 } // namespace
+
+void forgetRelativeFolders()
+{
+    for (const char* name :
+         {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_RUNTIME_DIR"}) {
+        if (QDir::isRelativePath(qEnvironmentVariable(name))) {
+            qunsetenv(name);
+        }
+    }
+}
 
 const QStringList& commandOptions()
 {

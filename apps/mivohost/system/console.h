@@ -21,6 +21,10 @@ void useNoSystemBoxes();
 inline void useNoSystemBoxes() {}
 #endif
 
+/// The folders of the environment that are relative, and would be others in each current folder,
+/// are not there, as their standard has it; Qt would take them. Before all that looks for a folder.
+void forgetRelativeFolders();
+
 /// From now on Qt's messages go the way of the log's lines for the console, without those on what a
 /// screen without a window manager cannot do: these come for each window, and nobody can do
 /// anything about it.
