@@ -304,7 +304,8 @@ void SharedSettings::compare(const QString& name, const etcd::KeyValue& there, b
                         value->value.toString().left(200).toStdString(), value->name.toStdString());
         updates.push_back({name, there.revision, value->value});
     } else { // etcd was put back to an older state than this machine has seen
-        updates.push_back({name, there.revision, std::nullopt, Waiting::add});
+        updates.push_back(
+            {name, there.revision, std::nullopt, isBrought(name) ? Waiting::add : Waiting::keep});
     }
 }
 
@@ -407,10 +408,10 @@ void SharedSettings::sendNext()
     std::vector<SentChange> batch;
     int bytes = 0;
     Updates tooLong;
-    for (const Outbox::Change& change : m_local->outbox().oldest(mostInOneBatch)) {
-        if (!isBrought(change.key)) {
-            continue; // a later version has set it, and sends it
-        }
+    // What a later version has set, that one sends.
+    const auto oldest = m_local->outbox().oldest(
+        mostInOneBatch, [this](const QString& name) { return isBrought(name); });
+    for (const Outbox::Change& change : oldest) {
         const QByteArray value = encode(m_local->value(change.key));
         if (value.size() > longestValue) {
             tooLong.push_back({change.key, change.revision, std::nullopt, Waiting::remove});
