@@ -1,6 +1,7 @@
 #include "cluster/etcdclient.h"
 
 #include <QtCore/QJsonDocument>
+#include <QtCore/QTimer>
 #include <QtNetwork/QNetworkProxy>
 #include <QtNetwork/QNetworkReply>
 #include <QtNetwork/QSslCertificate>
@@ -13,6 +14,7 @@ namespace mivohost {
 namespace {
 
 constexpr int answerTimeout = 3000; // ms without a byte of an answer
+constexpr int wholeAnswer = 60000;  // ms; the longest one over some 10 Mbit/s
 constexpr int readAtOnce = 256 << 10;
 
 constexpr const char* certificateError = "certificateError"; // a property of a reply
@@ -76,6 +78,10 @@ void EtcdClient::ask(const etcd::Request& request, const Done& done)
             reply->abort();
         }
     });
+    auto* limit = new QTimer(reply); // each byte of a slow server begins the other one anew
+    limit->setSingleShot(true);
+    connect(limit, &QTimer::timeout, reply, &QNetworkReply::abort);
+    limit->start(wholeAnswer);
     connect(reply, &QNetworkReply::finished, this, [reply, done] {
         reply->deleteLater();
         const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
