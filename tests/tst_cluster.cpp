@@ -8,6 +8,7 @@
 #include "support/etcdserver.h"
 #include "support/node.h"
 #include "support/program.h"
+#include "support/proxy.h"
 #include "support/test.h"
 
 #include <mivosettingswidgets/shortcutfile.h>
@@ -43,44 +44,6 @@ struct Cluster : ::testing::Test
 
     Node a{"a"};
     Node b{"b"};
-};
-
-/// Passes on what comes to a server, and on demand nothing of what its watches report.
-class Proxy : public QTcpServer
-{
-public:
-    explicit Proxy(const QString& host) : m_port(host.section(':', 1).toUShort())
-    {
-        listen(QHostAddress::LocalHost);
-        connect(this, &QTcpServer::newConnection, this, &Proxy::accept);
-    }
-    QString host() const { return QStringLiteral("127.0.0.1:%1").arg(serverPort()); }
-
-    bool isSilent = false;
-
-private:
-    void accept()
-    {
-        QTcpSocket* client = nextPendingConnection();
-        auto* server = new QTcpSocket(client);
-        server->connectToHost(QHostAddress::LocalHost, m_port);
-        auto isWatch = std::make_shared<bool>(false);
-        connect(client, &QTcpSocket::readyRead, server, [=] {
-            const QByteArray data = client->readAll();
-            *isWatch = *isWatch || data.contains("/v3/watch");
-            server->write(data);
-        });
-        connect(server, &QTcpSocket::readyRead, client, [=] {
-            const QByteArray data = server->readAll();
-            if (!*isWatch || !isSilent) {
-                client->write(data);
-            }
-        });
-        connect(client, &QTcpSocket::disconnected, client, &QObject::deleteLater);
-        connect(server, &QTcpSocket::disconnected, client, &QTcpSocket::disconnectFromHost);
-    }
-
-    quint16 m_port;
 };
 
 } // namespace
@@ -218,6 +181,36 @@ TEST_F(Cluster, GarbageIsAnErrorAndAnotherServerIsAsked)
         a.start(QStringList{host, servers.host(0)});
         EXPECT_TRUE(a.isConnected());
     }
+}
+
+TEST_F(Cluster, WhatOthersPutAmongTheKeysOfAShowLocksNoMachineOut)
+{
+    LogCapture log;
+    ::EtcdServers servers(1);
+    connect({{&a, servers.hosts()}});
+    a.stop();
+    EtcdClient client({servers.hosts(), false, {}, {}, {}});
+    const auto put = [&client](const QByteArray& name, int keys, int size) {
+        std::vector<etcd::Write> writes;
+        for (int i = 0; i < keys; ++i) {
+            writes.push_back(
+                {"/mivo/1/Show-1/" + name + QByteArray::number(i), QByteArray(size, 'x'), 0});
+        }
+        QEventLoop loop;
+        client.ask(etcd::writeAll(writes), [&](const etcd::Answer& answer) {
+            EXPECT_TRUE(answer.isWritten) << name.constData();
+            loop.quit();
+        });
+        loop.exec();
+    };
+    for (char name = 'a'; name < 'g'; ++name) { // a whole page before the show's own keys
+        put(QByteArray(1, name), 100, 1);
+    }
+    for (int i = 0; i < 40; ++i) { // together more than an answer may have
+        put("long" + QByteArray::number(i) + '-', 1, 1400000);
+    }
+    connect({{&a, servers.hosts()}});
+    EXPECT_EQ(log.count("another show"), 0);
 }
 
 TEST_F(Cluster, ChangesWaitWhileAServerIsFullOrRefusesTheUserAndNoPasswordIsLogged)

@@ -13,16 +13,23 @@ namespace mivohost {
 
 namespace {
 
+using Status = etcd::Answer::Status;
+
 constexpr int answerTimeout = 3000; // ms without a byte of an answer
 constexpr int wholeAnswer = 60000;  // ms; the longest one over some 10 Mbit/s
 constexpr int readAtOnce = 256 << 10;
 
 constexpr const char* certificateError = "certificateError"; // a property of a reply
 
+bool isTooLong(const QNetworkReply& reply)
+{
+    return reply.bytesAvailable() > etcd::longestAnswer;
+}
+
 /// Why there is no answer, without what was asked.
 QString reasonOf(const QNetworkReply& reply)
 {
-    if (reply.bytesAvailable() > etcd::longestAnswer) {
+    if (isTooLong(reply)) {
         return QStringLiteral("an answer without end");
     }
     if (const QVariant error = reply.property(certificateError); error.isValid()) {
@@ -90,7 +97,7 @@ void EtcdClient::ask(const etcd::Request& request, const Done& done)
             return;
         }
         etcd::Answer answer;
-        answer.status = etcd::Answer::Status::unreachable;
+        answer.status = isTooLong(*reply) ? Status::tooLong : Status::unreachable;
         answer.error = reasonOf(*reply);
         done(answer);
     });
