@@ -300,11 +300,16 @@ TEST_F(Cluster, AMachineIsSeenWithItsCardsUntilItStopsAndIsKnownUntilItIsForgott
     QObject::connect(&b.synchroniser(), &Synchroniser::otherVersion, [&](const Machine& machine) {
         otherVersions.append(machine.name + ' ' + machine.version);
     });
-    for (const char* key : {"live", "machine"}) {
-        servers.ctl({"put", QStringLiteral("/mivo/1/Show-1/%1/id-c").arg(key),
-                     R"({"name":"c","version":"99.1"})"});
+    // The first two are no machine's: not that of no id, which is each one itself, and not a's.
+    for (const char* key : {"machine/", "machine/x/id-a", "live/id-c", "machine/id-c"}) {
+        servers.ctl(
+            {"put", QStringLiteral("/mivo/1/Show-1/") + key, R"({"name":"c","version":"99.1"})"});
     }
-    EXPECT_TRUE(b.becomes([&] { return otherVersions == QStringList{"c 99.1"}; }));
+    servers.ctl({"del", "/mivo/1/Show-1/machine/x/id-a"});
+    EXPECT_TRUE(b.becomes([&] { return b.synchroniser().machines().count("id-c") == 1; }));
+    EXPECT_EQ(otherVersions, QStringList{"c 99.1"});
+    EXPECT_EQ(b.synchroniser().machines().size(), 3U);
+    EXPECT_EQ(cards(), 2);
     const auto forgetting = [&] {
         QString error;
         forgetMachine("a", b.setupWith({servers.hosts(), false, {}, {}, {}}), error);
