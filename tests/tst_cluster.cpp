@@ -347,8 +347,8 @@ TEST_F(Cluster, KeysOfActionsAreSharedEachForItself)
     start();
     EXPECT_TRUE(a.becomes([&] { return inEtcd("5:").contains("Ctrl + K"); }));
     EXPECT_TRUE(inEtcd("211:a%2Fb%3Ac").contains("Ctrl + L"));
-    for (const char* path : {"a%2Fb%3Ac", "n%2Fw"}) {
-        servers.ctl({"put", QStringLiteral("/mivo/1/Show-1/show/shortcut:211:") + path,
+    for (const char* name : {"05:", "211:n%2fw", "211:a%2Fb%3Ac", "211:n%2Fw"}) { // two name none
+        servers.ctl({"put", QStringLiteral("/mivo/1/Show-1/show/shortcut:") + name,
                      R"({"value":"Ctrl + M","by":"b","name":"b"})"});
     }
     const std::vector<STShortCutItem> expected{{EnumShortCutType(5), {}, "Ctrl + K"},
