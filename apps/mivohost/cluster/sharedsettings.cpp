@@ -15,6 +15,11 @@ namespace {
 
 constexpr int longestId = 64;
 
+std::string shortened(const QVariant& value)
+{
+    return mivohost::shortened(value.toString().toStdString());
+}
+
 } // namespace
 
 SharedSettings::SharedSettings(std::unique_ptr<SqlitePersistence> local, Identity identity)
@@ -294,14 +299,14 @@ void SharedSettings::compare(const QString& name, const etcd::KeyValue& there, b
             updates.push_back({name, 0, std::nullopt, Waiting::add});
         }
     } else if (!value) {
-        hostLog()->warn("{} in etcd is no value of a setting", there.key.toStdString());
+        hostLog()->warn("{} in etcd is no value of a setting", shortened(there.key.toStdString()));
     } else if (isHere(name, value->value)) {
         if (there.revision != seen) {
             updates.push_back({name, there.revision, {}});
         }
     } else if (there.revision > seen) {
-        hostLog()->info("setting {} = {} by machine {}", name.toStdString(),
-                        value->value.toString().left(200).toStdString(), value->name.toStdString());
+        hostLog()->info("setting {} = {} by machine {}", shortened(name), shortened(value->value),
+                        value->name.toStdString());
         updates.push_back({name, there.revision, value->value});
     } else { // etcd was put back to an older state than this machine has seen
         updates.push_back(
@@ -326,9 +331,8 @@ void SharedSettings::settle(const SentChange& sent, const etcd::KeyValue* there,
     } else {
         const QVariant mine = m_local->value(sent.name);
         hostLog()->warn("setting {} = {} is lost: machine {} was faster and set {}",
-                        sent.name.toStdString(), mine.toString().left(200).toStdString(),
-                        theirs->name.toStdString(),
-                        theirs->value.toString().left(200).toStdString());
+                        shortened(sent.name), shortened(mine), theirs->name.toStdString(),
+                        shortened(theirs->value));
         if (m_listener.lost) {
             m_listener.lost({sent.name, mine, theirs->value, theirs->name});
         }
