@@ -19,17 +19,14 @@ constexpr int answerTimeout = 3000; // ms without a byte of an answer
 constexpr int wholeAnswer = 60000;  // ms; the longest one over some 10 Mbit/s
 constexpr int readAtOnce = 256 << 10;
 
-constexpr const char* certificateError = "certificateError"; // a property of a reply
-
-bool isTooLong(const QNetworkReply& reply)
-{
-    return reply.bytesAvailable() > etcd::longestAnswer;
-}
+// Properties of a reply.
+constexpr const char* certificateError = "certificateError";
+constexpr const char* tooLong = "tooLong";
 
 /// Why there is no answer, without what was asked.
 QString reasonOf(const QNetworkReply& reply)
 {
-    if (isTooLong(reply)) {
+    if (reply.property(tooLong).toBool()) {
         return QStringLiteral("an answer without end");
     }
     if (const QVariant error = reply.property(certificateError); error.isValid()) {
@@ -80,8 +77,9 @@ void EtcdClient::signIn(const Done& done)
 void EtcdClient::ask(const etcd::Request& request, const Done& done)
 {
     QNetworkReply* reply = send(request, answerTimeout);
-    connect(reply, &QNetworkReply::downloadProgress, this, [reply](qint64 received) {
-        if (received > etcd::longestAnswer) {
+    connect(reply, &QNetworkReply::readyRead, this, [reply] {
+        if (reply->bytesAvailable() > etcd::longestAnswer) {
+            reply->setProperty(tooLong, true); // abort() drops what has come
             reply->abort();
         }
     });
@@ -97,7 +95,7 @@ void EtcdClient::ask(const etcd::Request& request, const Done& done)
             return;
         }
         etcd::Answer answer;
-        answer.status = isTooLong(*reply) ? Status::tooLong : Status::unreachable;
+        answer.status = reply->property(tooLong).toBool() ? Status::tooLong : Status::unreachable;
         answer.error = reasonOf(*reply);
         done(answer);
     });
