@@ -183,6 +183,36 @@ TEST_F(Cluster, GarbageIsAnErrorAndAnotherServerIsAsked)
     }
 }
 
+TEST_F(Cluster, WhatOthersPutAmongTheKeysOfAShowLocksNoMachineOut)
+{
+    LogCapture log;
+    ::EtcdServers servers(1);
+    connect({{&a, servers.hosts()}});
+    a.stop();
+    EtcdClient client({servers.hosts(), false, {}, {}, {}});
+    const auto put = [&client](const QByteArray& name, int keys, int size) {
+        std::vector<etcd::Write> writes;
+        for (int i = 0; i < keys; ++i) {
+            writes.push_back(
+                {"/mivo/1/Show-1/" + name + QByteArray::number(i), QByteArray(size, 'x'), 0});
+        }
+        QEventLoop loop;
+        client.ask(etcd::writeAll(writes), [&](const etcd::Answer& answer) {
+            EXPECT_TRUE(answer.isWritten) << name.constData();
+            loop.quit();
+        });
+        loop.exec();
+    };
+    for (char name = 'a'; name < 'g'; ++name) { // a whole page before the show's own keys
+        put(QByteArray(1, name), 100, 1);
+    }
+    for (int i = 0; i < 40; ++i) { // together more than an answer may have
+        put("long" + QByteArray::number(i) + '-', 1, 1400000);
+    }
+    connect({{&a, servers.hosts()}});
+    EXPECT_EQ(log.count("another show"), 0);
+}
+
 TEST_F(Cluster, ChangesWaitWhileAServerIsFullOrRefusesTheUserAndNoPasswordIsLogged)
 {
     LogCapture log;
@@ -292,11 +322,16 @@ TEST_F(Cluster, AMachineIsSeenWithItsCardsUntilItStopsAndIsKnownUntilItIsForgott
     QObject::connect(&b.synchroniser(), &Synchroniser::otherVersion, [&](const Machine& machine) {
         otherVersions.append(machine.name + ' ' + machine.version);
     });
-    for (const char* key : {"live", "machine"}) {
-        servers.ctl({"put", QStringLiteral("/mivo/1/Show-1/%1/id-c").arg(key),
-                     R"({"name":"c","version":"99.1"})"});
+    // The first two are no machine's: not that of no id, which is each one itself, and not a's.
+    for (const char* key : {"machine/", "machine/x/id-a", "live/id-c", "machine/id-c"}) {
+        servers.ctl(
+            {"put", QStringLiteral("/mivo/1/Show-1/") + key, R"({"name":"c","version":"99.1"})"});
     }
-    EXPECT_TRUE(b.becomes([&] { return otherVersions == QStringList{"c 99.1"}; }));
+    servers.ctl({"del", "/mivo/1/Show-1/machine/x/id-a"});
+    EXPECT_TRUE(b.becomes([&] { return b.synchroniser().machines().count("id-c") == 1; }));
+    EXPECT_EQ(otherVersions, QStringList{"c 99.1"});
+    EXPECT_EQ(b.synchroniser().machines().size(), 3U);
+    EXPECT_EQ(cards(), 2);
     const auto forgetting = [&] {
         QString error;
         forgetMachine("a", b.setupWith({servers.hosts(), false, {}, {}, {}}), error);
@@ -337,8 +372,8 @@ TEST_F(Cluster, KeysOfActionsAreSharedEachForItself)
     start();
     EXPECT_TRUE(a.becomes([&] { return inEtcd("5:").contains("Ctrl + K"); }));
     EXPECT_TRUE(inEtcd("211:a%2Fb%3Ac").contains("Ctrl + L"));
-    for (const char* path : {"a%2Fb%3Ac", "n%2Fw"}) {
-        servers.ctl({"put", QStringLiteral("/mivo/1/Show-1/show/shortcut:211:") + path,
+    for (const char* name : {"05:", "211:n%2fw", "211:a%2Fb%3Ac", "211:n%2Fw"}) { // two name none
+        servers.ctl({"put", QStringLiteral("/mivo/1/Show-1/show/shortcut:") + name,
                      R"({"value":"Ctrl + M","by":"b","name":"b"})"});
     }
     const std::vector<STShortCutItem> expected{{EnumShortCutType(5), {}, "Ctrl + K"},
@@ -445,6 +480,12 @@ TEST_F(Cluster, TheWindowTellsHowItStandsAndSetsAgainWhatWasLost)
         {"shortcut:211:c"},
         "database or disk is full (unless the show takes the change, which was sent to it)");
     EXPECT_TRUE(tells("c: 磁盘空间不足 (更改已发送给演出"));
+    const QString longest(100000, 'x');
+    emit a.synchroniser().keysClash({{longest, {"shortcut:210:", "shortcut:211:" + longest}}});
+    EXPECT_TRUE(a.becomes([&window] {
+        const std::string& text = window.messages().messages().back().text;
+        return text.find("xxx… (") != std::string::npos && text.size() < 1000;
+    }));
     bar.findChild<QPushButton*>("leaveLost")->click();
     EXPECT_FALSE(bar.findChild<QLabel*>("lostChange")->isVisible());
 }

@@ -106,6 +106,7 @@ TEST(MidiMessages, NameEveryControlByATextThatIsReadBack)
             ASSERT_EQ(control->device, "a (b) ch 3 (c");
         }
     }
+    EXPECT_FALSE(midiControlOf("Note C2147483647 ch 1 (X)")); // its octave
 }
 
 TEST(MidiMessages, TriggerOnceAndTeachOnlyWhatMoved)

@@ -2,6 +2,12 @@
 
 #include "support/servicetest.h"
 
+#ifdef Q_OS_LINUX
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+#endif
+
 namespace peripheralstest {
 
 using namespace mivo::peripheralcontrol;
@@ -319,6 +325,33 @@ TEST_F(Osc, MessagesToAnotherAddressThanItsOwnAreNotHeard)
     service.setAddress(QHostAddress(QString(address = "127.0.0.2")));
     play({{message(output), {}},
           {message(output), {"187 " + output + ' '}, "127.0.0.1", "127.0.0.2"}});
+}
+
+TEST_F(Osc, ADatagramThatWasDamagedOnItsWayDoesNotEndTheInput)
+{
+#ifdef Q_OS_LINUX
+    const int raw = ::socket(AF_INET, SOCK_RAW | SOCK_CLOEXEC, IPPROTO_UDP);
+    if (raw < 0) {
+        GTEST_SKIP() << "raw sockets are not permitted";
+    }
+    // Of one this long the system announces that it is there before it looks at the checksum.
+    QByteArray datagram(200, 'x');
+    qToBigEndian(port, datagram.data() + 2);
+    qToBigEndian(static_cast<quint16>(datagram.size()), datagram.data() + 4);
+    sockaddr_in to{};
+    to.sin_family = AF_INET;
+    to.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(::sendto(raw, datagram.constData(), 200, 0, reinterpret_cast<sockaddr*>(&to),
+                           sizeof(to)),
+                  200);
+        QCoreApplication::processEvents();
+        play({{message(output), {"187 " + output + ' '}}});
+    }
+    ::close(raw);
+#else
+    GTEST_SKIP() << "this system has no raw sockets for programs";
+#endif
 }
 
 TEST(PeripheralsOfHost, WriteWhatChangesAndReadItBackOnTheNextStart)

@@ -205,11 +205,16 @@ TEST_F(Shared, AllThatEtcdHasIsComparedWithAllThatIsHere)
         }
     }
     start();
-    settings->write({{"fadeInTime", 0.25}, {"of another later version", 1}});
+    for (int i = 0; i < SharedSettings::mostInOneBatch; ++i) { // set by a later version before
+        settings->write({{QStringLiteral("later %1").arg(i), 1}});
+    }
+    settings->write({{"fadeInTime", 0.25}});
     settings->takePage({{there("efps", "1", 3), there("fadeInTime", "0.75", 4)}, true, false});
     settings->takePage(
-        {{there("undoStep", "70", 5), there("fadeOutTime", "0.75", 6)}, false, true});
-    EXPECT_EQ(shown, (QStringList{"undoStep=70", "fadeOutTime=0.75"}));
+        {{there("undoStep", "70", 5), there("fadeOutTime", "0.75", 6), there("later", "2", 7)},
+         false,
+         true});
+    EXPECT_EQ(shown, (QStringList{"undoStep=70", "fadeOutTime=0.75", "later=2"}));
     EXPECT_EQ(told, QStringList{"replaced undoStep"});
     settings->setConnected(true);
     const auto batch = sent;
@@ -218,14 +223,15 @@ TEST_F(Shared, AllThatEtcdHasIsComparedWithAllThatIsHere)
     // etcd was put back: it has less, and older values, than the machine saw there.
     shown.clear();
     settings->setConnected(false);
-    settings->takePage(
-        {{there("undoStep", "50", 2), there("efps", "1", 2), there("fadeOutTime", "0.5", 6)}});
+    settings->takePage({{there("undoStep", "50", 2), there("efps", "1", 2),
+                         there("fadeOutTime", "0.5", 6), there("later", "1", 2)}});
     settings->setConnected(true);
     EXPECT_TRUE(shown.isEmpty());
     QStringList again = takeSent();
     again.sort();
     EXPECT_EQ(again, (QStringList{"fadeInTime=0.25@0", "fadeOutTime=0.75@6", "mfps=1@0",
                                   "undoStep=70@2"}));
+    EXPECT_EQ(waiting, SharedSettings::mostInOneBatch + again.size());
 }
 
 TEST_F(Shared, WhatIsSetOnAChangeOfAnotherIsBasedOnIt)

@@ -3,6 +3,7 @@
 #include "mivohostkit/hostlog.h"
 
 #include <QtCore/QString>
+#include <QtCore/QVariant>
 
 #include <string>
 
@@ -29,5 +30,9 @@ void detachLogView();
 
 /// A text from outside, as it stands in a line that is to stay one that can be read.
 std::string shortened(const std::string& text);
+inline std::string shortened(const QVariant& value)
+{
+    return shortened(value.toString().toStdString());
+}
 
 } // namespace mivohost

@@ -1,6 +1,7 @@
 #include "cluster/etcdclient.h"
 
 #include <QtCore/QJsonDocument>
+#include <QtCore/QTimer>
 #include <QtNetwork/QNetworkProxy>
 #include <QtNetwork/QNetworkReply>
 #include <QtNetwork/QSslCertificate>
@@ -12,15 +13,20 @@ namespace mivohost {
 
 namespace {
 
+using Status = etcd::Answer::Status;
+
 constexpr int answerTimeout = 3000; // ms without a byte of an answer
+constexpr int wholeAnswer = 60000;  // ms; the longest one over some 10 Mbit/s
 constexpr int readAtOnce = 256 << 10;
 
-constexpr const char* certificateError = "certificateError"; // a property of a reply
+// Properties of a reply.
+constexpr const char* certificateError = "certificateError";
+constexpr const char* tooLong = "tooLong";
 
 /// Why there is no answer, without what was asked.
 QString reasonOf(const QNetworkReply& reply)
 {
-    if (reply.bytesAvailable() > etcd::longestAnswer) {
+    if (reply.property(tooLong).toBool()) {
         return QStringLiteral("an answer without end");
     }
     if (const QVariant error = reply.property(certificateError); error.isValid()) {
@@ -76,11 +82,16 @@ void EtcdClient::signIn(const Done& done)
 void EtcdClient::ask(const etcd::Request& request, const Done& done)
 {
     QNetworkReply* reply = send(request, answerTimeout);
-    connect(reply, &QNetworkReply::downloadProgress, this, [reply](qint64 received) {
-        if (received > etcd::longestAnswer) {
+    connect(reply, &QNetworkReply::readyRead, this, [reply] {
+        if (reply->bytesAvailable() > etcd::longestAnswer) {
+            reply->setProperty(tooLong, true); // abort() drops what has come
             reply->abort();
         }
     });
+    auto* limit = new QTimer(reply); // each byte of a slow server begins the other one anew
+    limit->setSingleShot(true);
+    connect(limit, &QTimer::timeout, reply, &QNetworkReply::abort);
+    limit->start(wholeAnswer);
     connect(reply, &QNetworkReply::finished, this, [reply, done] {
         reply->deleteLater();
         const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
@@ -89,7 +100,7 @@ void EtcdClient::ask(const etcd::Request& request, const Done& done)
             return;
         }
         etcd::Answer answer;
-        answer.status = etcd::Answer::Status::unreachable;
+        answer.status = reply->property(tooLong).toBool() ? Status::tooLong : Status::unreachable;
         answer.error = reasonOf(*reply);
         done(answer);
     });

@@ -25,8 +25,8 @@ struct EtcdServers
 };
 
 /// Asks one of the servers, until nextServer() has it ask another one. Lives on one thread; `done`
-/// and the signals come from its event loop, never from within a call. Certificates are always
-/// verified, and neither password nor token is ever part of an error.
+/// and the signals come from its event loop, never from within a call but for signIn() without a
+/// user. Certificates are always verified, and neither password nor token is ever part of an error.
 class EtcdClient : public QObject
 {
     Q_OBJECT

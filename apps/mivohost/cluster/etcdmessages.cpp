@@ -82,6 +82,9 @@ void readValues(const QJsonArray& list, std::vector<KeyValue>& values, bool& isV
 {
     for (const auto& value : list) {
         isValid = isValid && value.isObject();
+        if (!isValid) {
+            return; // a short text would become many values
+        }
         values.push_back(readValue(value.toObject(), isValid));
     }
 }
@@ -257,6 +260,9 @@ Report readReport(const QByteArray& line)
         report.values.push_back(readValue(value, isValid));
         report.values.back().isDeleted =
             Fields(event, isValid).text("type") == QLatin1String("DELETE");
+        if (!isValid) {
+            break;
+        }
     }
     if (fields.flag("canceled")) {
         const bool isCompacted = fields.number("compact_revision") > 0;

@@ -58,6 +58,7 @@ struct Answer
         ok,
         unreachable, ///< another server may answer
         garbage,     ///< not what etcd answers
+        tooLong,     ///< longer than longestAnswer
         signedOut,   ///< the token of the session is not known any more
         compacted,   ///< so old revisions are not kept
         refused      ///< and `error` says why

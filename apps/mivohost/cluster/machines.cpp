@@ -78,7 +78,11 @@ void Machines::take(const std::vector<etcd::KeyValue>& values)
 {
     for (const etcd::KeyValue& value : values) {
         const QString id = QString::fromUtf8(value.key.mid(value.key.lastIndexOf('/') + 1));
-        if (value.key == liveKey(m_prefix, id)) {
+        const bool isLive = value.key == liveKey(m_prefix, id);
+        if (id.isEmpty() || (!isLive && value.key != recordKey(m_prefix, id))) {
+            continue; // none of this program's
+        }
+        if (isLive) {
             if (value.isDeleted) {
                 m_live.erase(id);
             } else if (m_live.size() < most) {

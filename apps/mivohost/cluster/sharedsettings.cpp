@@ -256,17 +256,18 @@ void SharedSettings::compare(const QString& name, const etcd::KeyValue& there, b
             updates.push_back({name, 0, std::nullopt, Waiting::add});
         }
     } else if (!value) {
-        hostLog()->warn("{} in etcd is no value of a setting", there.key.toStdString());
+        hostLog()->warn("{} in etcd is no value of a setting", shortened(there.key.toStdString()));
     } else if (isHere(name, value->value)) {
         if (there.revision != seen) {
             updates.push_back({name, there.revision, {}});
         }
     } else if (there.revision > seen) {
-        hostLog()->info("setting {} = {} by machine {}", name.toStdString(),
-                        value->value.toString().left(200).toStdString(), value->name.toStdString());
+        hostLog()->info("setting {} = {} by machine {}", shortened(name), shortened(value->value),
+                        value->name.toStdString());
         updates.push_back({name, there.revision, value->value});
     } else { // etcd was put back to an older state than this machine has seen
-        updates.push_back({name, there.revision, std::nullopt, Waiting::add});
+        updates.push_back(
+            {name, there.revision, std::nullopt, isBrought(name) ? Waiting::add : Waiting::keep});
     }
 }
 

@@ -34,10 +34,10 @@ void SharedSettings::sendNext()
     std::vector<SentChange> batch;
     int bytes = 0;
     Updates tooLong;
-    for (const Outbox::Change& change : m_local->outbox().oldest(mostInOneBatch)) {
-        if (!isBrought(change.key)) {
-            continue; // a later version has set it, and sends it
-        }
+    // What a later version has set, that one sends.
+    const auto oldest = m_local->outbox().oldest(
+        mostInOneBatch, [this](const QString& name) { return isBrought(name); });
+    for (const Outbox::Change& change : oldest) {
         const QByteArray value = encode(m_local->value(change.key));
         if (value.size() > longestValue) {
             tooLong.push_back({change.key, change.revision, std::nullopt, Waiting::remove});
@@ -124,9 +124,8 @@ void SharedSettings::settle(const SentChange& sent, const etcd::KeyValue* there,
         const QVariant mine = m_local->value(sent.name);
         if (m_toldChanges.insert(sent.number).second) {
             hostLog()->warn("setting {} = {} is lost: machine {} was faster and set {}",
-                            sent.name.toStdString(), mine.toString().left(200).toStdString(),
-                            theirs->name.toStdString(),
-                            theirs->value.toString().left(200).toStdString());
+                            shortened(sent.name), shortened(mine), theirs->name.toStdString(),
+                            shortened(theirs->value));
             if (m_listener.lost) {
                 m_listener.lost({sent.name, mine, theirs->value, theirs->name});
             }

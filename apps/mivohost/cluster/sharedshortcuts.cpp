@@ -21,12 +21,21 @@ constexpr int pause = 100; // ms; each time the manager writes its whole file
 // ms; a key that moves to another action may come in two parts, each with what else was changed.
 constexpr int settledAfter = 1000;
 
+/// Without what names no action: it would be a new entry of the manager each time.
+SharedShortcuts::Table namesOf(SharedShortcuts::Table table)
+{
+    for (auto key = table.begin(); key != table.end();) {
+        key = SharedShortcuts::isName(key.key()) ? std::next(key) : table.erase(key);
+    }
+    return table;
+}
+
 } // namespace
 
 SharedShortcuts::SharedShortcuts(mivo::settings::ShortCutMgr& manager, Synchroniser& synchroniser)
     : QObject(&synchroniser), m_manager(manager), m_synchroniser(synchroniser), m_held(held())
 {
-    const Table shared = synchroniser.shortcuts();
+    const Table shared = namesOf(synchroniser.shortcuts());
     Table added;
     Table others; // as they are in the file
     for (auto key = m_held.begin(); key != m_held.end(); ++key) {
@@ -67,7 +76,7 @@ SharedShortcuts::~SharedShortcuts()
 
 bool SharedShortcuts::isName(const QString& name)
 {
-    return name.startsWith(prefix);
+    return name.startsWith(prefix) && nameOf(itemOf(name)) == name;
 }
 
 QString SharedShortcuts::nameOf(const STShortCutItem& item)
@@ -80,9 +89,7 @@ STShortCutItem SharedShortcuts::itemOf(const QString& name)
 {
     const int type = name.section(':', 1, 1).toInt();
     const QByteArray path = name.section(':', 2).toLatin1();
-    return {static_cast<EnumShortCutType>(isName(name) ? type : 0),
-            QUrl::fromPercentEncoding(path).toStdString(),
-            {}};
+    return {static_cast<EnumShortCutType>(type), QUrl::fromPercentEncoding(path).toStdString(), {}};
 }
 
 SharedShortcuts::Table SharedShortcuts::held() const
@@ -114,8 +121,9 @@ void SharedShortcuts::share()
     m_synchroniser.shareShortcuts(changes, false);
 }
 
-void SharedShortcuts::take(const Table& changes)
+void SharedShortcuts::take(const Table& shared)
 {
+    const Table changes = namesOf(shared);
     for (auto change = changes.begin(); change != changes.end(); ++change) {
         m_changes.insert(change.key(), change.value());
     }

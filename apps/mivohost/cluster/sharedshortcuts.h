@@ -32,15 +32,16 @@ public:
     /// Keys by the names under which they are shared; empty for an action without one.
     using Table = SharedSettings::Texts;
 
+    /// Whether it is what nameOf() returns for an action.
     static bool isName(const QString& name);
     static QString nameOf(const STShortCutItem& item);
-    /// Type and path of a name; no type for what is none.
+    /// Type and path of a name.
     static STShortCutItem itemOf(const QString& name);
 
 private:
     Table held() const;
     void share();
-    void take(const Table& changes);
+    void take(const Table& shared);
     void apply();
     /// Of what others have bound since the last call.
     void tellClashes();

@@ -15,7 +15,6 @@ using Status = etcd::Answer::Status;
 
 namespace {
 
-constexpr int pageSize = 500;
 constexpr int mostKeys = 200000;   // of a show
 constexpr int answerTime = 3000;   // ms
 constexpr int refusalPause = 5000; // also of this machine's disk
@@ -46,7 +45,7 @@ ShowLink::ShowLink(EtcdServers servers, QByteArray prefix, QString machine)
         m_check.stop();
         m_isAsked = false;
         m_revision = 0;
-        readPage(m_prefix, 0, 0);
+        readPage(SharedSettings::idKey(m_prefix), 0, 0);
     });
 }
 
@@ -126,7 +125,7 @@ void ShowLink::readId()
         if (answer.values.empty()) {
             makeId();
         } else if (m_revision == 0) {
-            readPage(m_prefix, 0, 0);
+            readPage(SharedSettings::idKey(m_prefix), 0, 0);
         } else {
             startWatch();
         }
@@ -141,17 +140,20 @@ void ShowLink::makeId()
     const auto request = etcd::writeAll({{SharedSettings::idKey(m_prefix), id, 0}});
     m_client->ask(request, [this](const etcd::Answer& answer) {
         if (!isFailure(answer)) {
-            readPage(m_prefix, 0, 0);
+            readPage(SharedSettings::idKey(m_prefix), 0, 0);
         }
     });
 }
 
 void ShowLink::readPage(const QByteArray& from, qint64 revision, int before)
 {
-    const auto request = etcd::range(from, etcd::endOf(m_prefix), pageSize, revision);
-    m_client->ask(request, [this, revision, before](const etcd::Answer& answer) {
+    const auto request = etcd::range(from, etcd::endOf(m_prefix), m_pageSize, revision);
+    m_client->ask(request, [this, from, revision, before](const etcd::Answer& answer) {
         const int count = before + static_cast<int>(answer.values.size());
-        if (answer.status != Status::ok) {
+        if (answer.status == Status::tooLong && m_pageSize > 1) { // somebody has put long values
+            m_pageSize /= 2;
+            readPage(from, revision, before);
+        } else if (answer.status != Status::ok) {
             fail(answer.error);
         } else if (count > mostKeys || (answer.hasMore && answer.values.empty())) {
             fail(QStringLiteral("more settings than a show may have"));

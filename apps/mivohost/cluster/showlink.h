@@ -69,6 +69,7 @@ private:
     QTimer m_again{this};
     QByteArray m_id;       // of the show that was read; empty: it has none
     qint64 m_revision = 0; // up to which all changes are known; 0: all is to be read
+    int m_pageSize = 500;  // keys
     bool m_isConnected = false;
     bool m_isAsked = false; // the watch is to report a write of its own machine
     int m_failures = 0;     // since it worked last

@@ -42,9 +42,12 @@ bool takeNote(std::string_view& text, int& note)
         int octave = 0;
         std::string_view rest = text;
         if (take(rest, noteNames[i]) && take(rest, octave)) {
+            if (octave < -1 || octave > 9) {
+                return false;
+            }
             text = rest;
             note = (octave + 1) * 12 + static_cast<int>(i);
-            return octave >= -1 && octave <= 9;
+            return true;
         }
     }
     return false;

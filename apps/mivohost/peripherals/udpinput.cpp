@@ -27,7 +27,14 @@ int cardOf(const QHostAddress& address)
 
 UdpInput::UdpInput(Setup setup) : m_setup(std::move(setup)), m_retry([this] { return tryToOpen(); })
 {
-    QObject::connect(&m_socket, &QUdpSocket::readyRead, &m_socket, [this] { m_setup.read(); });
+    QObject::connect(&m_socket, &QUdpSocket::readyRead, &m_socket, [this] {
+        if (!m_socket.hasPendingDatagrams()) {
+            // The system announced one, and dropped it for its checksum. Qt announces no further
+            // one until it is asked for this one.
+            m_socket.readDatagram(nullptr, 0);
+        }
+        m_setup.read();
+    });
     m_look.setInterval(2000);
     QObject::connect(&m_look, &QTimer::timeout, &m_look, [this] { lookForCard(); });
 }

@@ -78,14 +78,17 @@ bool Outbox::set(const QString& key, qint64 revision, Waiting waiting)
         .run();
 }
 
-std::vector<Outbox::Change> Outbox::oldest(int most) const
+std::vector<Outbox::Change>
+Outbox::oldest(int most, const std::function<bool(const QString& key)>& isTaken) const
 {
     std::vector<Change> changes;
     for (const auto& [number, key] : m_waiting) {
         if (static_cast<int>(changes.size()) == most) {
             break;
         }
-        changes.push_back({key, number, revisionOf(key)});
+        if (isTaken(key)) {
+            changes.push_back({key, number, revisionOf(key)});
+        }
     }
     return changes;
 }

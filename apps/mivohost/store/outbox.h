@@ -3,6 +3,7 @@
 #include <QtCore/QHash>
 #include <QtCore/QString>
 
+#include <functional>
 #include <map>
 #include <vector>
 
@@ -45,8 +46,9 @@ public:
     /// Of the change that set() adds next, unless a transaction fails before.
     qint64 nextNumber() const { return m_next; }
 
-    /// The changes that wait the longest, at most `most` of them, in their order.
-    std::vector<Change> oldest(int most) const;
+    /// Of the changes that are taken those that wait the longest, at most `most`, in their order.
+    std::vector<Change> oldest(int most,
+                               const std::function<bool(const QString& key)>& isTaken) const;
 
 private:
     sqlite3* m_database = nullptr;

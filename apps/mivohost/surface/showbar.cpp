@@ -23,7 +23,8 @@ namespace mivohost {
 
 namespace {
 
-constexpr int mostNames = 20; // in one notice
+constexpr int mostNames = 20;  // in one notice
+constexpr int mostHolders = 4; // of each key in one notice
 
 QString shortened(const QString& text)
 {
@@ -36,16 +37,17 @@ QString shortened(const QString& text)
 QString nameText(const QString& name)
 {
     const STShortCutItem action = SharedShortcuts::itemOf(name);
-    return SharedShortcuts::isName(name) ? actionText(actionPath(action.type, action.path))
-                                         : settingText(name);
+    return shortened(SharedShortcuts::isName(name)
+                         ? actionText(actionPath(action.type, action.path))
+                         : settingText(name));
 }
 
 /// At most some of the names, as a person reads them.
 template <typename ToText>
-QString listText(const QStringList& names, ToText toText)
+QString listText(const QStringList& names, ToText toText, int most = mostNames)
 {
     QStringList texts;
-    const QStringList first = names.mid(0, mostNames);
+    const QStringList first = names.mid(0, most);
     std::transform(first.begin(), first.end(), std::back_inserter(texts), toText);
     if (first.size() < names.size()) {
         texts.append(QStringLiteral("…"));
@@ -103,7 +105,8 @@ ShowBar::ShowBar(Synchroniser& synchroniser, MainWindow& window)
     connect(&synchroniser, &Synchroniser::keysClash, this, [this](const auto& actions) {
         m_window.showNotice(
             QStringLiteral("KeysClash"), listText(actions.keys(), [&actions](const QString& keys) {
-                return QStringLiteral("%1 (%2)").arg(keys, listText(actions.value(keys), nameText));
+                return QStringLiteral("%1 (%2)").arg(
+                    shortened(keys), listText(actions.value(keys), nameText, mostHolders));
             }));
     });
     connect(&synchroniser, &Synchroniser::tooLong, this, [this](const QString& name) {
@@ -176,7 +179,7 @@ QString ShowBar::lostText(const LostChange& change)
         return shortened(valueText(change.name, kept));
     };
     return hostText("ChangeLost")
-        .arg(shortened(nameText(change.name)), value(change.mine), value(change.theirs),
+        .arg(nameText(change.name), value(change.mine), value(change.theirs),
              shortened(change.machine));
 }
 
