@@ -8,7 +8,6 @@
 #include "support/etcdserver.h"
 #include "support/node.h"
 #include "support/program.h"
-#include "support/test.h"
 
 #include <mivosettingswidgets/shortcutfile.h>
 #include <mivosettingswidgets/shortcutmgr.h>
