@@ -2,7 +2,6 @@
 
 #include "peripherals/peripherals.h"
 #include "support/fulldisk.h"
-#include "support/hostlanguage.h"
 #include "support/servicetest.h"
 #include "surface/actiontools.h"
 #include "surface/bindingsheet.h"
@@ -19,9 +18,8 @@ using mivo::widgets::ShortCutCover;
 
 const std::string takePath = "/Peripherals/Stage/Take";
 
-class FindAction : public ::testing::Test
+struct FindAction : ::testing::Test
 {
-protected:
     FindAction()
     {
         // Several actions hold F6, as where another machine of the show has bound it meanwhile.
@@ -37,9 +35,7 @@ protected:
         peripherals.osc().setInfo({true, port});
         panel = std::make_unique<ActionPanel>(peripherals);
         panel->setTexts();
-        panel->show();
-        panel->activateWindow();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(panel.get()));
+        activateWindow(panel.get());
         log.clear();
     }
     ~FindAction() override
@@ -101,15 +97,15 @@ TEST_F(FindAction, FindsByNameInEveryLanguage)
 TEST_F(FindAction, FindsByPressingAndTriggersNothing)
 {
     const auto bindings = peripherals.midi().table().text();
+    const int all = names().size();
+    find<QLineEdit>("findAction")->setText("xyz");
     find<QPushButton>("findByPressing")->click();
-    const auto press = [this](int key, Qt::KeyboardModifiers modifiers = {}) {
-        QTest::keyClick(panel.get(), Qt::Key(key), modifiers);
-    };
+    EXPECT_EQ(names().size(), all) << "any may be found";
     const auto move = [](auto& service, const char* used) {
         EXPECT_EQ(service.table().use(used, true, true).first, BindingTable::Outcome::nothing);
     };
-    const auto send = [this](const QByteArray& address) {
-        const QByteArray datagram = address + QByteArray(",i\0\0\0\0\0\1", 8);
+    const auto send = [this](const QByteArray& address, char value = 1) {
+        const QByteArray datagram = address + QByteArray(",i\0\0\0\0\0", 7) + value;
         QUdpSocket().writeDatagram(datagram, QHostAddress::LocalHost, quint16(port));
     };
     const std::vector<std::pair<std::function<void()>, QString>> rows{
@@ -129,8 +125,22 @@ TEST_F(FindAction, FindsByPressingAndTriggersNothing)
         EXPECT_TRUE(QTest::qWaitFor([&, &wanted = told] { return result() == wanted; }, 2000))
             << result();
     }
-    press(Qt::Key_Escape);
-    EXPECT_FALSE(panel->tools().search().isFinding());
+    peripherals.midi().table().use("CC 9 ch 1 (Desk)", true, false); // repeats its position
+    send(QByteArray("/Peripherals/Stage/Take\0", 24), 0);
+    QTest::qWait(150);
+    EXPECT_EQ(result(), rows.back().second);
+    QWidget other;
+    const std::function<void()> ends[]{[] { press(Qt::Key_Escape); },
+                                       [&other] { activateWindow(&other); },
+                                       [this] { panel->setLocked(true); }};
+    for (const auto& end : ends) {
+        panel->setLocked(false);
+        find<QPushButton>("findByPressing")->setChecked(true);
+        end();
+        EXPECT_FALSE(panel->tools().search().isFinding()) << &end - ends;
+    }
+    panel->setLocked(false);
+    activateWindow(panel.get());
     EXPECT_EQ(log.count("|action "), 0) << "nothing was triggered";
     EXPECT_EQ(peripherals.midi().table().text(), bindings);
     press(Qt::Key_F6);

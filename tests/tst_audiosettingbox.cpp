@@ -53,9 +53,8 @@ Lines columnsOf(const QWidget* editor)
     return columns;
 }
 
-class Audio : public PageTest<AudioSettingBox>, public velorn::msgcenter::IMsgCenterMgr
+struct Audio : PageTest<AudioSettingBox>, velorn::msgcenter::IMsgCenterMgr
 {
-protected:
     const InEnglish english;
 
     Audio()
@@ -197,6 +196,7 @@ TEST_F(Audio, OddAnnouncementsAreTakenAsTheyCome)
     EXPECT_EQ(editors().size(), 1) << "a refresh adds no editor";
     announce([&] { store.soundCardMappingAdded(STSoundCardMappingInfo{1, 0, "Second", {}}); });
     ASSERT_EQ(editors().size(), 2) << "a second one for the id stands there ...";
+    EXPECT_EQ(window.focusWidget(), name(0)) << "and takes no focus";
     request(1, mivo::SoundCardChangeName, "First");
     EXPECT_EQ(name(0)->text(), "First") << "... and the first one stays the one";
     EXPECT_EQ(name(1)->text(), "Output 1");
@@ -273,8 +273,10 @@ TEST_F(Audio, DeletingAsksFirstAndMayHappenAtAnyMoment)
     EXPECT_EQ(editors().size(), 2);
     combo(1)->showPopup();
     settleEvents();
+    combo(1)->setFocus();
     request(3, mivo::SoundCardChangeDeletion);
     EXPECT_EQ(editors().size(), 1);
+    EXPECT_EQ(window.focusWidget(), addButton()) << "where no key changes anything";
     remove(0, [this](auto&) { delete page; });
     EXPECT_EQ(store.connections(), 0U);
 }
@@ -287,8 +289,12 @@ TEST_F(Audio, AMismatchIsToldInTheLanguageOfThePageAndAHiddenDeviceLogged)
     announce([&] { store.soundCardMismatch(STSoundCardMismatchInfo{true, "10.0.0.9", "Line 1"}); });
     announce([&] { store.soundCardMismatch(STSoundCardMismatchInfo{false, "d", "3"}); });
     EXPECT_EQ(columnsOf(editors()[0])[0], "本机: [无, Alpha, Beta, Gamma] = 无 ");
-    EXPECT_EQ(messages, (Lines{"备机 10.0.0.9 与本机的声卡(Line 1)不一致。",
-                               "从机的备机 d 与从机的声卡(3)不一致。"}));
+    page->switchLanguage("en");
+    announce([&] { store.soundCardMismatch(STSoundCardMismatchInfo{true, "d", "4"}); });
+    EXPECT_EQ(
+        messages,
+        (Lines{"备机 10.0.0.9 与本机的声卡(Line 1)不一致。", "从机的备机 d 与从机的声卡(3)不一致。",
+               "The sound cards of the backup d and this machine (4) do not match."}));
     setCards("10.0.0.2", {{"x", "X", 2}});
     QV::SpdlogApplication::instance().logger()->set_level(spdlog::level::debug);
     announce([&] { known.setDeviceVisible("10.0.0.2", false); });

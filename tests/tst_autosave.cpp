@@ -4,9 +4,8 @@
 
 namespace projecttest {
 
-class AutoSaveTest : public ProjectTest
+struct AutoSaveTest : ProjectTest
 {
-protected:
     AutoSaveTest()
     {
         start({{"autoSavePath", path("saves")}, {"autoSaveProjectFilesMaxNum", 3}});
@@ -29,10 +28,6 @@ protected:
         autoSave->save(QDateTime(QDate(2026, 5, 4), QTime::fromString(time, "hh:mm")));
         EXPECT_TRUE(QTest::qWaitFor([this] { return !autoSave->isSaving(); }));
     }
-    QStringList saves() const
-    {
-        return QDir(path("saves")).entryList(QDir::Files | QDir::Hidden, QDir::Name);
-    }
 
     QString error;
     QStringList failed; ///< the folders
@@ -45,7 +40,7 @@ TEST_F(AutoSaveTest, KeepsTheNewestOfItsOwnAndTouchesNothingElse)
     EXPECT_FALSE(QDir(path("saves")).exists()) << "nothing to save, no folder";
     saveAt("10:00");
     saveUnchangedAt("10:01");
-    EXPECT_EQ(saves(), QStringList{"show-20260504-100000.mivo"});
+    EXPECT_EQ(savesOf(), QStringList{"show-20260504-100000.mivo"});
     const QByteArray content = readFile(path("saves/show-20260504-100000.mivo"));
     EXPECT_EQ(projectFromJson(content, error)->lastPlayed, 1);
 
@@ -70,7 +65,7 @@ TEST_F(AutoSaveTest, KeepsTheNewestOfItsOwnAndTouchesNothingElse)
     const auto expectBesideForeign = [&](const QStringList& own) {
         QStringList expected = foreign + own;
         expected.sort();
-        EXPECT_EQ(saves(), expected);
+        EXPECT_EQ(savesOf(), expected);
     };
     expectBesideForeign(
         {"show-20260504-101000.mivo", "show-20260504-101500.mivo", "show-20260504-102000.mivo"});
@@ -104,10 +99,10 @@ TEST_F(AutoSaveTest, TakesNamesOfAnyLengthAndHiddenOnes)
         ASSERT_TRUE(saveAs(path(name + ".mivo")));
         saveAt("10:00");
         saveAt("10:01");
-        ASSERT_EQ(saves().size(), 1) << name;
-        const QString saved = saves().at(0).section('-', 0, -3);
+        ASSERT_EQ(savesOf().size(), 1) << name;
+        const QString saved = savesOf().at(0).section('-', 0, -3);
         EXPECT_TRUE(name.startsWith(saved) && saved.size() > std::min(name.size() - 1, 75));
-        QFile::remove(path("saves/" + saves().at(0)));
+        QFile::remove(path("saves/" + savesOf().at(0)));
     }
     EXPECT_EQ(failed, QStringList());
 }
@@ -115,7 +110,7 @@ TEST_F(AutoSaveTest, TakesNamesOfAnyLengthAndHiddenOnes)
 TEST_F(AutoSaveTest, AFolderThatFailsIsToldEachTimeAndLosesNothing)
 {
     saveAt("09:00");
-    const QStringList good = saves();
+    const QStringList good = savesOf();
     EXPECT_EQ(good.size(), 1);
     runtime.call([this] { store->setAutoSaveProjectFilesMaxNum(1); });
     const auto useFolder = [this](const QString& name) {
@@ -127,7 +122,7 @@ TEST_F(AutoSaveTest, AFolderThatFailsIsToldEachTimeAndLosesNothing)
         saveAt("10:00");
         saveAt("10:01");
     }
-    EXPECT_EQ(saves(), good) << "none is removed before another is there";
+    EXPECT_EQ(savesOf(), good) << "none is removed before another is there";
     const QString nowhere = path("file") + "/saves";
     writeFile(path("file"));
     for (const QString& bad : {nowhere, QString()}) {
@@ -144,7 +139,7 @@ TEST_F(AutoSaveTest, AFolderThatFailsIsToldEachTimeAndLosesNothing)
     EXPECT_TRUE(autoSave->isSaving());
     useFolder(path("saves"));
     saveUnchangedAt("11:01");
-    EXPECT_EQ(saves().last(), "show-20260504-110100.mivo") << "what failed before is made up for";
+    EXPECT_EQ(savesOf().last(), "show-20260504-110100.mivo") << "what failed before is made up for";
     hanging.answer();
     EXPECT_TRUE(
         QTest::qWaitFor([this] { return QDir(path("hangs")).entryList(QDir::Files).size() == 1; }));

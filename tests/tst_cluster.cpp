@@ -10,7 +10,6 @@
 #include "support/node.h"
 #include "support/program.h"
 #include "support/proxy.h"
-#include "support/test.h"
 
 #include <mivosettingswidgets/shortcutfile.h>
 #include <mivosettingswidgets/shortcutmgr.h>

@@ -36,9 +36,8 @@ struct Outputs : mivo::mediaoutput::IPhysicsOutputMgr
     std::tuple<std::string, std::string, int, unsigned> last;
 };
 
-class CodecControl : public PageTest<mivo::settings::CodecControlSettingBox>
+struct CodecControl : PageTest<mivo::settings::CodecControlSettingBox>
 {
-protected:
     CodecControl()
     {
         page->setRenderFacade(&cards);

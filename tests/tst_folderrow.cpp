@@ -13,9 +13,8 @@ using mivo::qutils::ClearResult;
 using mivo::widgets::PushButton;
 using mivo::widgets::TipDialog;
 
-class Row : public ::testing::Test
+struct Row : ::testing::Test
 {
-protected:
     ~Row() override { delete page; }
 
     void make(const QString& path)
@@ -108,7 +107,7 @@ TEST_F(Row, ADriveThatHangsHoldsUpNothing)
     row->setPath("H:/other");
     row->checkSpace();
     EXPECT_TRUE(QTest::qWaitFor([&] { return hanging == 2; }));
-    EXPECT_FALSE(tip->isVisible());
+    EXPECT_TRUE(!tip->isVisible() && row->space->text().isEmpty());
     answer.set_value();
     EXPECT_TRUE(QTest::qWaitFor([&] { return checked.size() == 2; }));
     EXPECT_EQ(hanging, 2) << "no thread for each question";

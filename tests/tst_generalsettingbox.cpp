@@ -28,9 +28,8 @@ struct Host : mivohost::ProgramDispatch, mivo::projectfilemgr::IProjectFileMgr
     Words& happened;
 };
 
-class General : public PageTest<GeneralSettingBox>
+struct General : PageTest<GeneralSettingBox>
 {
-protected:
     const InEnglish english;
 
     General()
@@ -154,6 +153,10 @@ TEST_F(General, TheDaysAreThoseOfTheMonthAndOneThatNeverComesIsSaid)
         EXPECT_EQ(day->count(), days + 1);
         EXPECT_EQ(day->currentIndex(), std::min(chosen, days));
     }
+    for (int i = 1; i <= 12; ++i) {
+        EXPECT_EQ(weekDay->itemText(i), i > 7 ? "" : QLocale::c().dayName(i));
+        EXPECT_EQ(month->itemText(i), QLocale::c().monthName(i));
+    }
     bind();
     const auto* tip = page->findChild<QLabel*>("scheduleTip");
     for (const auto& [schedule, isSaid] :
@@ -190,12 +193,12 @@ TEST_F(General, ACountDownThatRunsOutReportsTwice)
 
 TEST(CountdownPrompt, IsCalledOffWhereTheMachineSleptThroughItsEnd)
 {
-    for (const auto& [asleep, isMissed] : {std::pair(10000, false), {10001, true}}) {
-        std::chrono::milliseconds now(0);
-        int runOut = 0;
-        mivo::settings::CountdownPrompt prompt(
-            {"ShutdownCountdownText", "CancelShutdown", "ImmediateShutdown", "ShutdownCancelText"},
-            [&] { runOut += prompt.tick(); }, [&now] { return now; });
+    std::chrono::milliseconds now(0);
+    int runOut = 0;
+    CountdownPrompt prompt(
+        {"ShutdownCountdownText", "CancelShutdown", "ImmediateShutdown", ""},
+        [&] { runOut += prompt.tick(); }, [&now] { return now; });
+    for (const auto& [asleep, isMissed] : {std::pair(10001, true), {10000, false}}) {
         QTimer::singleShot(0, [&now, ms = asleep] { now += std::chrono::milliseconds(ms); });
         EXPECT_EQ(prompt.count(nullptr, 1), TipDialog::dismissed);
         EXPECT_EQ(prompt.isMissed(), isMissed);

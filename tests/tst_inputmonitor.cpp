@@ -139,22 +139,6 @@ TEST(InputWords, SayWhatCameIn)
               "Asks which nodes there are");
 }
 
-TEST(InputTapTest, GetsAlsoWhatAServiceIgnores)
-{
-    const std::uint16_t port = freeUdpPort();
-    InputTap tap;
-    DmxService service(setupFor(DmxService::isControl), port);
-    service.setTap(tap);
-    service.setInfo({true, "mivo", 0, 0, 0});
-    tap.setOpen(true);
-    QUdpSocket().writeDatagram("other", QHostAddress::LocalHost, port);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return service.ignored() > 0; }));
-    std::vector<InputMessage> messages;
-    tap.take(messages);
-    ASSERT_EQ(messages.size(), 1U);
-    EXPECT_EQ(messages[0].source + ' ' + messages[0].bytes, "127.0.0.1 other");
-}
-
 TEST_F(Monitor, ShowsWhatComesInAndWhatItTriggers)
 {
     peripherals.dmx().setInfo({false, "mivo", 1, 3, 0}); // "DMX 2" is channel 3
@@ -194,9 +178,6 @@ TEST_F(Monitor, FiltersPausesCopiesAndClosesByKeys)
     ASSERT_TRUE(QTest::qWaitForWindowActive(&monitor));
     put(PeripheralMidi, "\xb0\x07\x7f");
     put(PeripheralOsc, {"/caf\xc3\xa9\0\0,\0\0\0", 12});
-    const auto press = [](int key, Qt::KeyboardModifiers modifiers = {}) {
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key(key), modifiers);
-    };
     EXPECT_EQ(rows(3).size(), 2);
     press(Qt::Key_F, Qt::ControlModifier);
     for (const auto& [text, count] :
@@ -211,8 +192,8 @@ TEST_F(Monitor, FiltersPausesCopiesAndClosesByKeys)
     EXPECT_EQ(rows(3), QStringList("/caf\u00e9||bound to nothing"));
     press(Qt::Key_Return);
     press(Qt::Key_C, Qt::ControlModifier);
-    EXPECT_TRUE(
-        QApplication::clipboard()->text().endsWith("\tOSC\tDesk\t/caf\u00e9\t\tbound to nothing"));
+    EXPECT_EQ(QApplication::clipboard()->text().section('\t', 1),
+              "OSC\tDesk\t/caf\u00e9\t\tbound to nothing");
     press(Qt::Key_Space);
     put(PeripheralOsc, take);
     EXPECT_EQ(rows().size(), 1) << "it is paused";

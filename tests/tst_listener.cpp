@@ -6,9 +6,8 @@ namespace listenertest {
 
 using mivohost::Listener;
 
-class Ports : public ::testing::Test
+struct Ports : ::testing::Test
 {
-protected:
     /// What the store holds, once a port is as expected, and what it says of it.
     bool becomes(bool isTcp, const STPortInfo& expected)
     {

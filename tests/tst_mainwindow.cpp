@@ -9,7 +9,6 @@
 #include "surface/settingstexts.h"
 #include "system/tray.h"
 
-#include "support/hostlanguage.h"
 #include "support/projecttest.h"
 
 #include <mivosettingswidgets/settingsdialog.h>
@@ -18,14 +17,12 @@ namespace projecttest {
 
 using mivo::widgets::TipDialog;
 
-class Window : InEnglish, public ProjectTest
+struct Window : InEnglish, ProjectTest
 {
-protected:
     Window()
     {
         window.switchLanguage("en");
-        window.show();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+        activateWindow(&window);
     }
 
     /// Presses the button at that place of the next question; notes the question's text.
@@ -63,8 +60,17 @@ TEST_F(Window, AsksBeforeChangesAreLost)
 
     ASSERT_TRUE(saveAs(path("a&b.mivo")));
     file->play(4);
+    auto* menu = window.menuBar()->actions().at(0)->menu();
+    emit menu->aboutToShow();
+    const auto entries = menu->actions();
+    for (const int entry : {0, 1, 2}) { // new, open, and the first of the recent files
+        const auto* recent = entries.at(entry)->menu();
+        answer(stay);
+        (recent != nullptr ? recent->actions() : entries).at(recent ? 0 : entry)->trigger();
+        EXPECT_EQ(file->state().project.lastPlayed, 4) << entry;
+    }
     answer(drop);
-    window.menuBar()->actions().at(0)->menu()->actions().at(0)->trigger(); // New
+    entries.at(0)->trigger(); // New
     EXPECT_EQ(file->state().file, "");
     EXPECT_FALSE(file->state().modified);
 
@@ -74,7 +80,7 @@ TEST_F(Window, AsksBeforeChangesAreLost)
     answer(keep);
     window.close();
     EXPECT_TRUE(QTest::qWaitFor([this] { return closed.size() == 1; })) << "when it is saved";
-    EXPECT_EQ(asked.size(), 3);
+    EXPECT_EQ(asked.size(), 6);
     ASSERT_TRUE(open(path("a&b.mivo")));
     EXPECT_EQ(file->state().project.lastPlayed, 4);
 
@@ -88,6 +94,8 @@ TEST_F(Window, AsksBeforeChangesAreLost)
     });
     window.close();
     EXPECT_EQ(closed.size(), 2) << "without a question, and there is no tray to hide to";
+    file->rescue();
+    EXPECT_EQ(runtime.call([this] { return store->getUnsavedProject(); }), "") << "as is wished";
 }
 
 TEST_F(Window, ClosesOnceAllThatIsBeingSavedIsSaved)
@@ -355,16 +363,13 @@ TEST_F(Window, HasEveryTextInTheLanguageThatIsChosen)
         [&](const QString&, const QString&, const QString& key) { missing.append(key); });
     window.showTray();
     file->play(1);
-    std::map<int, QVariant> all; // that are taken along, by their keys
-    const std::string exported = runtime.call([this] {
-        const auto sections = SettingsFile::sections();
-        return SettingsFile::write(*store, {sections.begin(), sections.end()});
-    });
-    const auto keys = runtime.call([this] { return static_cast<int>(store->all().size()); });
-    for (int key = 0; key < keys; ++key) {
-        const QString name = SettingsFile::nameOf(static_cast<SettingsFile::Key>(key));
-        if (exported.find('"' + name.toStdString() + "\":") != std::string::npos) {
-            all[key] = runtime.call([&] { return store->held(name); });
+    const QStringList others{"midiBindings", "dmxBindings", "recentProjectFiles", "unsavedProject"};
+    std::map<SettingsFile::Key, QVariant> all; // that an export has, whose texts are shown
+    const auto entries = runtime.call([this] { return store->all(); });
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        const auto key = static_cast<SettingsFile::Key>(i);
+        if (!others.contains(SettingsFile::nameOf(key))) {
+            all[key] = runtime.call([&] { return store->held(SettingsFile::nameOf(key)); });
         }
     }
     window.showNotice("SettingNotSaved",
@@ -397,11 +402,10 @@ TEST_F(Window, HasEveryTextInTheLanguageThatIsChosen)
               "ClearShortcutsQuestion", "ImportShortcutsQuestion"}) {
             hostText(key);
         }
-        for (const auto& entry : runtime.call([this] { return store->all(); })) {
+        for (const auto& entry : entries) {
             sectionText(entry.section);
         }
-        for (const auto& [name, value] : all) {
-            const auto key = static_cast<SettingsFile::Key>(name);
+        for (const auto& [key, value] : all) {
             EXPECT_NE(settingText(key), SettingsFile::nameOf(key));
             for (int number = 0; number <= ResourceOSD; ++number) {
                 valueText(key, value.type() == QVariant::Int ? QVariant(number) : value);

@@ -34,6 +34,7 @@ TEST_F(Messages, ShowKindTextAndTime)
     post(MsgInformation, u8"\u58f0\u5361");
     post(77, "later");
     EXPECT_EQ(shown(0, 0), "12:34:56");
+    EXPECT_GT(centre.messages()[1].time, 1700000000000) << "now";
     EXPECT_EQ(shown(0, 2), "a <b>card</b>");
     EXPECT_TRUE(list->item(0, 2)->toolTip().contains("&lt;b&gt;"));
     EXPECT_EQ((QStringList{shown(0, 1), shown(1, 1), shown(2, 1)}).join(' '),

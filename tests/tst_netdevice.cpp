@@ -12,19 +12,27 @@ using namespace mivo::peripheralcontrol;
 using namespace mivo::widgets;
 using namespace mivohost;
 
-enum Spin { tcp, udp, channel, subnet, domain, oscPort };
+enum Row { tcp, udp };
 enum Check { useMidi, useDmx, useOsc };
 enum Failure { tcpFailure, udpFailure, dmxFailure, oscFailure };
 
-class Network : public PageTest<mivo::settings::DeviceSettingWidget>
+struct Network : PageTest<mivo::settings::DeviceSettingWidget>
 {
-protected:
     Network()
     {
         bind();
         activateWindow(page);
     }
 
+    SpinEditBox* number(const char* name)
+    {
+        const auto boxes = page->findChildren<SpinEditBox*>();
+        const auto found = std::find_if(boxes.begin(), boxes.end(), [name](const auto* box) {
+            return box->accessibleName() == name;
+        });
+        EXPECT_NE(found, boxes.end()) << name;
+        return found != boxes.end() ? *found : boxes.first();
+    }
     QLabel* failure(int index) { return page->findChildren<QLabel*>("portFailure").at(index); }
     std::vector<bool> enabledSections()
     {
@@ -97,15 +105,15 @@ TEST_F(Network, InputsShowWhatTheyAreAndWhyTheyDoNotReceive)
         for (const int label : {dmxFailure, oscFailure}) {
             EXPECT_TRUE(failure(label)->text().contains(QString::number(taken.localPort())));
         }
-        EXPECT_EQ(control<SpinEditBox>(domain)->value(), 3);
-        EXPECT_EQ(control<SpinEditBox>(oscPort)->value(), taken.localPort());
+        EXPECT_EQ(number("Domain")->value(), 3);
+        EXPECT_EQ(number("OSCPort")->value(), taken.localPort());
         EXPECT_TRUE(control<CheckBox>(useDmx)->isChecked());
         EXPECT_TRUE(control<CheckBox>(useOsc)->isChecked());
         taken.close();
         EXPECT_TRUE(QTest::qWaitFor([&] { return failure(dmxFailure)->text().isEmpty(); }, 10000))
             << "tried again until it is free";
 
-        typeInto(control<SpinEditBox>(subnet), "15");
+        typeInto(number("Subnet"), "15");
         control<EditBox>(0)->setText("hall");
         EXPECT_EQ(dmx.info(), (SAddDMXInfo{true, "stage", 1, 2, 3})) << "not applied";
         control<PushButton>(4)->click();
@@ -113,7 +121,7 @@ TEST_F(Network, InputsShowWhatTheyAreAndWhyTheyDoNotReceive)
         control<CheckBox>(useDmx)->click();
         EXPECT_FALSE(dmx.info().enabled);
         control<CheckBox>(useOsc)->click();
-        typeInto(control<SpinEditBox>(oscPort), "9123");
+        typeInto(number("OSCPort"), "9123");
         EXPECT_EQ(osc.info(), (SAddOSCInfo{false, 9123}));
         control<CheckBox>(useMidi)->click();
         EXPECT_TRUE(midi.isEnabled());

@@ -13,9 +13,8 @@ struct OtherStore : TestStore
     STPPTSysSettingsInfo held;
 };
 
-class OfficePPT : public PageTest<mivo::settings::OfficePPTSettingBox>
+struct OfficePPT : PageTest<mivo::settings::OfficePPTSettingBox>
 {
-protected:
     QSize shown() const { return QSizeF(width->value(), height->value()).toSize(); }
 
     mivo::widgets::ComboBox* presets = control<mivo::widgets::ComboBox>();

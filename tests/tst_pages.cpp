@@ -359,19 +359,10 @@ TEST_P(Pages, HaveRoomForTheirTextsWithoutAStyleSheetInAnyFont)
             const bool hasMark = qobject_cast<QCheckBox*>(widget) != nullptr
                                  || qobject_cast<QRadioButton*>(widget) != nullptr;
             const QSize needed = widget->fontMetrics().size(0, text);
-            if (combo != nullptr) {
-                QStyleOptionComboBox option;
-                option.initFrom(combo);
-                const int field = combo->style()
-                                      ->subControlRect(QStyle::CC_ComboBox, &option,
-                                                       QStyle::SC_ComboBoxEditField, combo)
-                                      .width();
-                // Qt keeps the least width of one when the font becomes larger.
-                for (const QString& item : points <= 12 ? itemsOf(combo) : QStringList()) {
-                    EXPECT_GE(field, combo->fontMetrics().horizontalAdvance(item)) << item;
-                }
-            } else {
+            if (combo == nullptr) {
                 EXPECT_GE(widget->width(), needed.width() + (hasMark ? 16 : 0)) << text;
+            } else if (points <= 12) { // Qt keeps its least width when the font becomes larger
+                EXPECT_GE(combo->width(), combo->sizeHint().width()) << text;
             }
             // Fusion makes the field of a spin box a pixel less high than a line.
             const int cut = widget->objectName() == "qt_spinbox_lineedit" ? 1 : 0;

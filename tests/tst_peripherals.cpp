@@ -1,5 +1,6 @@
 #include "peripherals/peripherals.h"
 
+#include "peripherals/inputtap.h"
 #include "support/servicetest.h"
 
 #ifdef Q_OS_LINUX
@@ -15,9 +16,8 @@ using namespace mivohost;
 using Outcome = BindingTable::Outcome;
 using Infos = std::vector<SDeviceBindInfo>;
 
-class Bindings : public ::testing::Test
+struct Bindings : ::testing::Test
 {
-protected:
     BindingTable make(const std::string& kept = {})
     {
         return BindingTable({[](const std::string& text) { return text.rfind("knob ", 0) == 0; },
@@ -104,9 +104,8 @@ QNetworkDatagram heardAt(const char* address)
 
 /// A service that receives datagrams, and what it tells.
 template <typename Service>
-class Input : public ::testing::Test
+struct Input : ::testing::Test
 {
-protected:
     struct Step
     {
         QByteArray datagram;
@@ -146,6 +145,7 @@ TEST_F(Bindings, AreChangedAndSavedOnlyWhenAControlIsFreeOrMoved)
     const SDeviceBindInfo second{188, "b", "knob 2"};
     table.bind(first);
     table.bind(second);
+    table.bind({189, "c", "lever"}); // no control
     table.learn(188, "b");
     EXPECT_EQ(table.use("knob 1", true, false).first, Outcome::triggered) << "a repeat";
     EXPECT_EQ(table.use("knob 1", false, true).first, Outcome::refused);
@@ -207,6 +207,9 @@ TEST_F(Dmx, AChannelIsLearnedAndTriggersOnItsWayUpThroughItsMiddle)
     const QByteArray on = artDmx(12, 255);
     const Names used{"187 a DMX 12"};
     service.bind({187, "a", "DMX 12"});
+    InputTap tap;
+    tap.setOpen(true);
+    service.setTap(tap);
     play({{on, {}}, // what a sender begins with
           {artDmx(12, 127), {}},
           {artDmx(12, 128), used},
@@ -214,9 +217,14 @@ TEST_F(Dmx, AChannelIsLearnedAndTriggersOnItsWayUpThroughItsMiddle)
           {on.left(529), {}}, // one level short
           {artDmx(12, 255, 0, 0, 513), {}},
           {QByteArray(on).replace(9, 1, "\x21"), {}},  // another kind
+          {QByteArray(on).replace(11, 1, "\x0d"), {}}, // an older protocol
           {QByteArray(on).replace(15, 1, "\x80"), {}}, // a net of 8 bits
           {artDmx(12, 200, 0, 0, 12) + "x", used},
           {artDmx(13, 255), {}}});
+    std::vector<InputMessage> messages;
+    tap.take(messages);
+    ASSERT_EQ(messages.size(), 22U) << "also what it ignores";
+    EXPECT_EQ(messages.back().source + ' ' + messages.back().bytes, "127.0.0.1 end");
     service.setLocked(true);
     play({{on, {}}});
     service.setLocked(false);
@@ -234,10 +242,12 @@ TEST_F(Dmx, AChannelIsLearnedAndTriggersOnItsWayUpThroughItsMiddle)
 TEST_F(Dmx, TheInputIsOneUniverseFromItsOffsetAndAnswersThePollOfAConsole)
 {
     SKIP_WITH_ONE_SENDER();
+    play({{artDmx(0, 0), {}}}); // which is another universe then
     service.setInfo({true, "舞台舞台舞台", 10, 2, 3});
     service.bind({187, "a", "DMX 1"});
     service.bind({188, "b", "DMX 502"});
-    play({{artDmx(0, 0, 3, 0x20), {}},
+    play({{artDmx(11, 255, 3, 0x20), {}}, // what a sender begins with
+          {artDmx(0, 0, 3, 0x20), {}},
           {artDmx(11, 255, 0, 0x20), {}},
           {artDmx(11, 255, 3, 0x00), {}},
           {artDmx(11, 255, 3, 0x21), {}},
@@ -420,6 +430,9 @@ TEST(PeripheralsOfHost, TakeOverWhatIsChangedElsewhereAndLearnOnTopOfIt)
         change("osc", "0|9003");
         change("listenAddress", "127.0.0.1");
         EXPECT_TRUE(QTest::qWaitFor([&] { return address == "127.0.0.1"; }));
+        address.clear();
+        peripherals.reopen(); // as after a sleep
+        EXPECT_EQ(address, "127.0.0.1");
         EXPECT_EQ(peripherals.osc().info(), (SAddOSCInfo{false, 9003}));
         EXPECT_EQ(replaced, 2) << "not for what is learned here";
         runtime.call([&] { store.kept.fails = true; });

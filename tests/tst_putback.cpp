@@ -39,6 +39,14 @@ struct PutBackTest : ::testing::Test
         return all;
     }
 
+    /// What a click with the right button opens.
+    static QMenu* menuOf(QWidget* control)
+    {
+        QContextMenuEvent event(QContextMenuEvent::Keyboard, {});
+        QApplication::sendEvent(control, &event);
+        return qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    }
+
     bool marks(std::size_t count) const
     {
         return QTest::qWaitFor([=] { return view->putBack()->differences().size() == count; });
@@ -103,9 +111,7 @@ TEST_F(PutBackTest, TheMenuOfAControlPutsItBack)
     auto* steps = view->dialog()
                       .findChild<mivo::settings::UndoSettingBox*>()
                       ->findChild<mivo::widgets::SpinEditBox*>();
-    QContextMenuEvent event(QContextMenuEvent::Keyboard, {});
-    QApplication::sendEvent(steps, &event);
-    auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    auto* menu = menuOf(steps);
     ASSERT_NE(menu, nullptr);
     EXPECT_EQ(menu->actions().last()->text(), "Put back to 50");
     menu->actions().last()->trigger();
@@ -129,11 +135,16 @@ TEST_F(PutBackTest, TheMenuOfAControlPutsItBack)
 
 TEST_F(PutBackTest, ASectionIsPutBackOnceItsSettingsAreKeptAndCanBeHadAgain)
 {
-    open({{"undoStep", 20}, {"openRecentFiles", 1}, {"fadeInTime", 2.5}});
+    open({{"undoStep", 20}, {"openRecentFiles", 1}, {"fadeInTime", 2.5}, {"midiBindings", "[7]"}});
     ASSERT_TRUE(marks(3));
     auto* stack = view->dialog().findChild<QStackedWidget*>();
     auto* button = stack->widget(0)->findChild<QPushButton*>("putBackSection");
-    EXPECT_TRUE(stack->widget(2)->findChild<QPushButton*>("putBackSection")->isHidden());
+    EXPECT_TRUE(stack->widget(0)->findChild<QWidget*>("differenceMarks")->isVisible());
+    const auto all = view->dialog().findChildren<QPushButton*>("putBackSection");
+    const auto hidden = std::count_if(all.begin(), all.end(), std::mem_fn(&QWidget::isHidden));
+    EXPECT_EQ(all.size() - hidden, 2) << "no page shows the bindings";
+    auto* menu = menuOf(view->dialog().findChild<QButtonGroup*>()->button(0));
+    ASSERT_NE(menu, nullptr);
     QString text;
     const auto putBack = [&](int answer, int undo) {
         whenModal<TipDialog>([=, &text](TipDialog& question) {
@@ -145,7 +156,7 @@ TEST_F(PutBackTest, ASectionIsPutBackOnceItsSettingsAreKeptAndCanBeHadAgain)
             }
             question.done(answer);
         });
-        button->click();
+        answer == TipDialog::dismissed ? menu->actions()[0]->trigger() : button->click();
         return std::pair(held("undoStep").toInt(), held("openRecentFiles").toBool());
     };
     using Values = std::pair<int, bool>;

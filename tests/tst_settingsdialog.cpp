@@ -138,7 +138,6 @@ TEST_F(BoundDialog, IsWalkedThroughByKeyboardAlone)
         mivo::STSoundCardChangeInfo{1, mivo::SoundCardChangeLocalCard, {}, {"", "a", {}, 6, 1}});
     QApplication::processEvents();
 
-    const auto press = [this](Qt::Key key) { return pressKey(&view->dialog(), key); };
     const auto navigation = view->dialog().findChild<QButtonGroup*>()->buttons();
     for (int id = 0; id < navigation.size(); ++id) {
         while (press(Qt::Key_Tab) != navigation[id]) {

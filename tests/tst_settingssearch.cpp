@@ -29,6 +29,7 @@ struct Search : ::testing::Test
     QString found(const QString& wanted)
     {
         line->setText(wanted);
+        EXPECT_EQ(line->accessibleDescription(), status->text());
         return status->text();
     }
 
@@ -95,6 +96,10 @@ TEST_F(Search, FindsEveryKindOfTextHoweverItIsWritten)
         EXPECT_EQ(found(wanted), "Nothing found") << wanted;
         EXPECT_TRUE(isDimmed(0) && isDimmed(1)) << wanted;
     }
+    found("second tab");
+    activateWindow(&dialog);
+    QTest::keyClick(line, Qt::Key_Return);
+    EXPECT_EQ(tabs->currentIndex(), 1);
     EXPECT_EQ(found("  "), "");
     EXPECT_FALSE(isDimmed(0) || isDimmed(1));
 }

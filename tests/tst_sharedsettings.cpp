@@ -342,6 +342,12 @@ TEST_F(Shared, WhatWaitsWhileTheFileTakesNothingGoesOnAfterwards)
     settings->takePage(other);
     EXPECT_EQ(takeSent(), QStringList{"shortcut:5:=Ctrl + K@0"});
     EXPECT_EQ(waiting, 1) << "what is too long stays here";
+    startAnew();
+    for (const char* name : {"canvasColor", "mfps", "efps"}) {
+        settings->write({{name, QString(SharedSettings::longestValue * 9 / 10, 'x')}});
+    }
+    settings->setConnected(true);
+    EXPECT_LT(sent.size(), 3U) << "no more than etcd takes at once";
 }
 
 TEST(ShowAddress, IsTakenApartAndRefusedWhereItIsWrong)
@@ -432,12 +438,13 @@ TEST(EtcdMessages, AreTakenOnlyAsEtcdSendsThem)
         {200, head + R"("kvs":[7]})", Status::garbage},
         {200, head + R"("kvs":[{"key":"*","mod_revision":"7"}]})", Status::garbage},
         {200, head + R"("kvs":[{"key":"YQ==","mod_revision":"many"}]})", Status::garbage},
+        {200, head + R"("kvs":[{"key":"YQ=="}]})", Status::garbage},
         {200, head + R"("succeeded":"yes"})", Status::garbage},
         {200, QByteArray(100000, '['), Status::garbage},
         {502, "{}", Status::garbage},
         {503, R"({"error":"no leader","code":14})", Status::unreachable},
         {400, R"({"error":"required revision has been compacted","code":11})", Status::compacted},
-        {401, R"({"error":"invalid auth token","code":16})", Status::signedOut},
+        {401, R"({"error":"invalid auth token"})", Status::signedOut},
         {400, R"({"error":"space exceeded","code":8})", Status::refused},
         {0, report + R"("canceled":true,"compact_revision":"3"}})", Status::compacted},
         {0, report + R"("events":[{"kv":{}}]}})", Status::garbage},

@@ -13,9 +13,8 @@ using velorn::mediadispatch::STSoundCardMappingInfo;
 using Lines = std::vector<std::string>;
 
 /// The store alone, without a thread; notes what it announces.
-class Mappings : public ::testing::Test
+struct Mappings : ::testing::Test
 {
-protected:
     void open(const QVariantHash& rows = {})
     {
         store = std::make_unique<TestStore>(rows);
@@ -68,11 +67,13 @@ TEST_F(Mappings, SurviveARestartAndTheAbsenceOfTheirCards)
     cards->setDeviceSoundCards("", "", {{"usb \"1\"", "声卡|1", 8}});
     change(2, SoundCardChangeLocalCard, {"", "usb \"1\"", {}, 0, 1});
     change(2, SoundCardChangeChannels, {"", "usb \"1\"", {}, 0, 0x6});
-    change(3, SoundCardChangeName, {}, "舞台");
+    const std::string longest = QString(64, u'台').toStdString();
+    change(3, SoundCardChangeName, {}, longest);
     change(1, SoundCardChangeDeletion);
     const auto before = mappings();
     ASSERT_EQ(before.size(), 2);
     EXPECT_EQ(before[0].soundCards[0], (STChosenSoundCard{"", "usb \"1\"", "声卡|1", 8, 6}));
+    EXPECT_EQ(before[1].name, longest);
     open(store->kept.rows);
     EXPECT_EQ(mappings(), before);
 
@@ -262,6 +263,10 @@ TEST_F(Mappings, CardsThatComeAndGoAreAnnounced)
         change(1, SoundCardChangeClusterCard, {"d", {}, {}, 0, 1});
         EXPECT_EQ(takeTold(), (Lines{"changed1; 8; ; d; ; ; 2; 1; ; ", "left d"}));
     }
+    open(rows);
+    cards->setDeviceSoundCards("d", "Hall", {{"a", "A", 2}}); // and has come now
+    change(1, SoundCardChangeClusterCard, {"d", {}, {}, 0, 1});
+    EXPECT_EQ(takeTold().back(), "changed1; 8; ; d; ; ; 2; 1; ; ") << "and does not leave";
 }
 
 } // namespace soundcardmappingstest

@@ -192,6 +192,7 @@ TEST_F(StoreFile, ThatLacksRightsIsRefusedWithTheReasonAndLeftAlone)
     GTEST_SKIP() << "Qt sets no rights of files on this system";
 #endif
     SqlitePersistence::open(path()).persistence->write({{"undoStep", 80}});
+    EXPECT_EQ(int(QFile::permissions(path())) & 0x0077, 0) << "is the user's own";
     const std::tuple<const char*, int, int, const char*> cases[]{
         {"no right to the file", 0x0000, 0x7777, "Permission denied"},
         {"no right to write it", 0x4444, 0x7777, "no right to write"},

@@ -75,7 +75,8 @@ TEST_P(Stage, AFinishedEditIsReportedOnce)
                                          {"#00FF0A", "#00ff0a"},
                                          {"#12345", ""},
                                          {"red", ""},
-                                         {"##123", ""}}) {
+                                         {"##123", ""},
+                                         {"", ""}}) {
         typeInto(hexEdit, typed);
         color = *becomes != '\0' ? becomes : color;
         EXPECT_EQ(writtenAndShown(), becomes + (' ' + color)) << typed;

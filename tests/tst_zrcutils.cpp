@@ -112,36 +112,6 @@ TEST_F(Utils, AFileKeepsWhoMayOpenIt)
     EXPECT_EQ(rights(DACL_SECURITY_INFORMATION), changed);
 }
 
-TEST_F(Utils, AWriterThatIsKilledLeavesAWholeFile)
-{
-    const QString file = folder.filePath("file");
-    for (int round = 0; round < 8; ++round) {
-        QProcess writer;
-        writer.start(QCoreApplication::applicationFilePath(), {"--as-file-writer", file});
-        ASSERT_TRUE(writer.waitForReadyRead());
-        QTest::qSleep(1 + round * 7); // another moment each time
-        writer.kill();
-        writer.waitForFinished();
-        NoCacheFile::removeLeftovers(root.u8string());
-        const QByteArray content = readFile(file);
-        EXPECT_EQ(content, QByteArray(300000, content.isEmpty() ? '-' : content[0]));
-        EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden), QStringList("file"));
-    }
-}
-
-int writeFiles(const QStringList& arguments)
-{
-    for (char letter = 'a';
-         NoCacheFile::saveToFile(arguments.at(1).toStdString(), std::string(300000, letter));
-         letter = letter == 'z' ? 'a' : static_cast<char>(letter + 1)) {
-        std::puts("saved");
-        std::fflush(stdout);
-    }
-    return -1;
-}
-
-const bool isRegistered = otherProcesses().emplace("--as-file-writer", writeFiles).second;
-
 #else
 
 TEST_F(Utils, AFileIsReplacedAsAWholeOrNotAtAll)
@@ -181,6 +151,36 @@ TEST_F(Utils, AFileIsReplacedAsAWholeOrNotAtAll)
 }
 
 #endif
+
+TEST_F(Utils, AWriterThatIsKilledLeavesAWholeFile)
+{
+    const QString file = folder.filePath("file");
+    for (int round = 0; round < 8; ++round) {
+        QProcess writer;
+        writer.start(QCoreApplication::applicationFilePath(), {"--as-file-writer", file});
+        ASSERT_TRUE(writer.waitForReadyRead());
+        QTest::qSleep(1 + round * 7); // another moment each time
+        writer.kill();
+        writer.waitForFinished();
+        NoCacheFile::removeLeftovers(root.u8string());
+        const QByteArray content = readFile(file);
+        EXPECT_EQ(content, QByteArray(300000, content.isEmpty() ? '-' : content[0]));
+        EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden), QStringList("file"));
+    }
+}
+
+int writeFiles(const QStringList& arguments)
+{
+    for (char letter = 'a';
+         NoCacheFile::saveToFile(arguments.at(1).toStdString(), std::string(300000, letter));
+         letter = letter == 'z' ? 'a' : static_cast<char>(letter + 1)) {
+        std::puts("saved");
+        std::fflush(stdout);
+    }
+    return -1;
+}
+
+const bool isRegistered = otherProcesses().emplace("--as-file-writer", writeFiles).second;
 
 TEST_F(Utils, WhatKilledWritersLeftIsRemovedButNotTheFileOfOneThatLives)
 {

@@ -82,8 +82,7 @@ private:
 /// Whether the program shows its main window and takes keys.
 inline testing::AssertionResult isUp(Program& program)
 {
-    return program.hasScreen() ? program.says("main window open")
-                               : testing::AssertionFailure() << "no screen";
+    return program.hasScreen() ? program.says("main window open") : testing::AssertionFailure();
 }
 
 /// The first word of a field of a process's file, such as "VmRSS:" of "/proc/1/status".

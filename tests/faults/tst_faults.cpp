@@ -169,37 +169,6 @@ TEST(Faults, AProjectThatASignalOrALostScreenEndedIsOfferedAtTheNextStart)
     }
 }
 
-TEST(Faults, AKillInTheMiddleOfAWriteLeavesWhatWasOrWhatIsNew)
-{
-    const std::pair<const char*, const char*> writes[]{
-        {"Down Return", "ctrl+s"}, {"ctrl+e F5", "Escape"}, {"Up", "Return"}};
-    for (const auto& [before, last] : writes) {
-        SCOPED_TRACE(last);
-        const bool isSetting = last == QLatin1String("Return");
-        const QTemporaryDir folder;
-        const Home home(folder.path());
-        for (const int delay : {5, 25, 45}) {
-            const int step = home.undoStep().toInt();
-            const QByteArray keys = readFile(home.shortcuts());
-            Program program(home.path(), isSetting ? QStringList("--settings") : QStringList());
-            ASSERT_TRUE(isUp(program));
-            if (isSetting) {
-                ASSERT_TRUE(program.says("dialog open"));
-                program.reachUndoSteps();
-            }
-            program.press(before);
-            std::thread person([&program, last = last] { program.press(last); });
-            QTest::qWait(delay);
-            program.kill();
-            person.join();
-            EXPECT_GE(home.undoStep().toInt(), step);
-            EXPECT_GE(home.lastPlayed(), -1) << "unreadable";
-            const QByteArray keysNow = readFile(home.shortcuts());
-            EXPECT_TRUE(keysNow == keys || keysNow.contains("F5\"}]}")) << keysNow.data();
-        }
-    }
-}
-
 TEST(Faults, WhatTheProgramHasOpenIsNotHandedToThoseThatItStarts)
 {
     const QTemporaryDir folder;

@@ -46,11 +46,11 @@ inline void activateWindow(QWidget* window)
     ASSERT_TRUE(QTest::qWaitForWindowActive(window));
 }
 
-/// Where the focus is, at first in the window itself; returns where it is then.
-inline QWidget* pressKey(QWidget* window, Qt::Key key)
+/// Where the focus is, else in the active window; returns where it is then.
+inline QWidget* press(Qt::Key key, Qt::KeyboardModifiers modifiers = {})
 {
     QWidget* focused = QApplication::focusWidget();
-    QTest::keyClick(focused != nullptr ? focused : window, key);
+    QTest::keyClick(focused != nullptr ? focused : QApplication::activeWindow(), key, modifiers);
     return QApplication::focusWidget();
 }
 
@@ -107,7 +107,8 @@ protected:
             return;
         }
         m_noted = tip;
-        tips.append(tip->tipText() + '|' + tip->findChild<QLabel*>("tipAssistText")->text() + '|'
+        const auto* assist = tip->findChild<QLabel*>("tipAssistText");
+        tips.append(tip->tipText() + '|' + (assist->isVisible() ? assist->text() : "") + '|'
                     + tip->findChild<QLabel*>("tipIcon")->property("kind").toString());
         if (onTip) {
             onTip();

@@ -19,13 +19,11 @@ public:
         : m_arguments(std::move(arguments)), m_members(static_cast<std::size_t>(members))
     {
         qputenv("ETCDCTL_API", "3");
-        QStringList all;
-        for (Member& member : m_members) {
-            member.client = freePort();
-            member.peer = freePort();
-            all.append(QStringLiteral("m%1=http://127.0.0.1:%1").arg(member.peer));
+        for (const Member& member : m_members) {
+            m_hosts.append(QStringLiteral("127.0.0.1:%1").arg(member.client));
+            m_cluster += QStringLiteral("m%1=http://127.0.0.1:%1,").arg(member.peer);
         }
-        m_cluster = all.join(',');
+        m_cluster.chop(1);
         act("start all");
         const bool isEncrypted = m_arguments.contains("--cert-file");
         const auto answers = [&] { return !ctl({"endpoint", "health"}).isEmpty(); };
@@ -33,15 +31,8 @@ public:
     }
     ~EtcdServers() { act("kill all"); }
 
-    QString host(int i) const { return QStringLiteral("127.0.0.1:%1").arg(at(i).client); }
-    QStringList hosts() const
-    {
-        QStringList all;
-        for (int i = 0; i < static_cast<int>(m_members.size()); ++i) {
-            all.append(host(i));
-        }
-        return all;
-    }
+    QString host(int i) const { return m_hosts.at(i); }
+    const QStringList& hosts() const { return m_hosts; }
 
     /// "start", "kill", "hang", "continue", or "fill" (the disk), and which members: a number,
     /// "leader" or "all".
@@ -49,7 +40,7 @@ public:
     {
         const QString which = what.section(' ', 1);
         const int number = which == "leader" ? leader() : which.toInt();
-        for (int i = 0; i < static_cast<int>(m_members.size()); ++i) {
+        for (int i = 0; i < m_hosts.size(); ++i) {
             if (which != "all" && i != number) {
                 continue;
             }
@@ -115,7 +106,7 @@ private:
     }
     int leader()
     {
-        for (int i = 0; i < static_cast<int>(m_members.size()); ++i) {
+        for (int i = 0; i < m_hosts.size(); ++i) {
             if (field("MemberID", i) == field("Leader", i)) {
                 return i;
             }
@@ -126,14 +117,15 @@ private:
 
     struct Member
     {
-        quint16 client = 0;
-        quint16 peer = 0;
+        quint16 client = freePort();
+        quint16 peer = freePort();
         std::unique_ptr<QProcess> process = std::make_unique<QProcess>();
     };
     const Member& at(int i) const { return m_members[static_cast<std::size_t>(i)]; }
 
     QTemporaryDir m_folder;
     QStringList m_arguments;
+    QStringList m_hosts;
     QString m_cluster;
     std::vector<Member> m_members;
 };

@@ -94,9 +94,9 @@ struct ProjectTest : ::testing::Test
         return ended([&](const ProjectFile::Done& done) { file->saveAs(name, done); });
     }
     qint64 playing() const { return file->state().playing; }
-    QStringList savesOf(const QString& pattern) const
+    QStringList savesOf(const QString& pattern = "*") const
     {
-        return QDir(path("saves")).entryList({pattern}, QDir::Files);
+        return QDir(path("saves")).entryList({pattern}, QDir::Files | QDir::Hidden, QDir::Name);
     }
 
     LogCapture log;
