@@ -62,6 +62,7 @@ TEST(GraphicsCards, AreReadBesideTheRuntimeThreadAndAnnouncedOnIt)
 
 TEST(GraphicsCards, AreListedByAProcessThatMayFailOrHang)
 {
+    LogCapture log;
     const std::atomic<bool> isWanted{true};
     const QTemporaryDir folder;
     const auto listed = [&](const QByteArray& line, int longest) {
@@ -72,6 +73,8 @@ TEST(GraphicsCards, AreListedByAProcessThatMayFailOrHang)
     const auto good = listed(R"({"inUse":"声卡 2","names":["Card","声卡 2"]})", 30000);
     EXPECT_EQ(good.names, (Names{"Card", "声卡 2"}));
     EXPECT_EQ(good.inUse, "声卡 2");
+    EXPECT_TRUE(listed(R"({"inUse":"","names":[]})", 30000).names.empty()) << "has none";
+    EXPECT_EQ(log.lines(), Names{});
     for (const char* line : {"fail", "noise", "hang"}) {
         EXPECT_EQ(listed(line, 1000).names, systemGraphicsCards().names) << line;
     }

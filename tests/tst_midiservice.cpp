@@ -7,6 +7,7 @@
 
 #include <RtMidi.h>
 
+#include <future>
 #include <iostream>
 
 using namespace mivo::peripheralcontrol;
@@ -263,4 +264,37 @@ TEST(Midi, RealDevicesAreLearnedAndSurviveAReplugAndALossOfTheServer)
     EXPECT_TRUE(playsUntil(*keys, "903c7f\n", used));
     EXPECT_EQ(log.count("info|MIDI answers again"), 1);
     EXPECT_FALSE(service.isHanging());
+}
+
+TEST(Midi, TheServerMayGoWhileInputsAreBeingOpened)
+{
+#ifdef __SANITIZE_THREAD__
+    GTEST_SKIP() << "JACK's library cancels threads within calls that ThreadSanitizer ignores";
+#endif
+    auto server = soundServer();
+    if (server == nullptr) {
+        GTEST_SKIP() << "no jackd, or none that can be used here";
+    }
+    const auto keys = device("keys");
+    MidiHardware hardware("mivotest");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return hardware.look(false).open.size() == 1; }, 10000));
+    const auto others = {device("pads"), device("drums"), device("pedals")};
+    const auto signalServer = [&](const char* signal) {
+        QProcess::execute("kill", {signal, QString::number(server->processId())});
+    };
+    signalServer("-STOP");
+    auto looked = std::async(std::launch::async, [&] { return hardware.look(false); });
+    EXPECT_EQ(looked.wait_for(std::chrono::milliseconds(500)), std::future_status::timeout);
+    signalServer("-KILL");
+    EXPECT_EQ(looked.get().open.size(), 1U); // it is not known yet
+    QTest::qWait(200);                       // until what the library says is heard
+    EXPECT_TRUE(hardware.look(false).open.empty());
+    server = soundServer(); // takes the memory of the one before, but for the clients' part
+    EXPECT_NE(server, nullptr);
+    server.reset();
+    QDir memory("/dev/shm");
+    const QStringList left{"jack_*" + QString(qgetenv("JACK_DEFAULT_SERVER")) + "_*"};
+    for (const QString& name : memory.entryList(left, QDir::Files | QDir::System)) {
+        memory.remove(name);
+    }
 }

@@ -146,13 +146,13 @@ GraphicsCardList listedGraphicsCards(const QString& program, const QStringList& 
         return {};
     }
     const QJsonObject cards = QJsonDocument::fromJson(listed).object();
+    if (!cards.contains(namesKey)) {
+        hostLog()->warn("no list of graphics cards: {}", failure);
+        return systemGraphicsCards();
+    }
     GraphicsCardList list;
     for (const auto& name : cards.value(namesKey).toArray()) {
         list.names.push_back(name.toString().toStdString());
-    }
-    if (list.names.empty()) {
-        hostLog()->warn("no list of graphics cards: {}", failure);
-        return systemGraphicsCards();
     }
     list.inUse = cards.value(inUseKey).toString().toStdString();
     return list;

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstring>
 #include <iostream>
 #include <regex>
 #include <stdexcept>
@@ -25,16 +26,43 @@ namespace {
 constexpr int backEndRetry = 2000; // of a back end that is not there
 
 std::atomic<int> jackErrors{0};
+std::atomic<int> jackCleanups{0};
 
 /// JACK's library reports the loss of its server through this function only.
 void countJackErrors()
 {
 #ifdef Q_OS_UNIX
     if (jack_set_error_function != nullptr) {
-        jack_set_error_function([](const char* /*message*/) { ++jackErrors; });
+        jack_set_error_function([](const char* message) {
+            const bool isCleanup = std::strstr(message, "clients are still allocated") != nullptr;
+            jackCleanups += isCleanup ? 1 : 0;
+            ++jackErrors;
+        });
     }
 #endif
 }
+
+/// Where the server goes while others are opened, JACK's library frees those that were open, with
+/// that message. RtMidi would free them again, so that they are left as they are.
+struct EndMidi
+{
+    int cleanups = jackCleanups; // when it was opened
+
+    void operator()(RtMidiIn* midi) const
+    {
+        if (midi->getCurrentApi() == RtMidi::UNIX_JACK && cleanups != jackCleanups) {
+            static std::mutex mutex;
+            static auto& left = *new std::vector<RtMidiIn*>; // found there by checks for leaks
+            const std::lock_guard lock(mutex);
+            left.push_back(midi);
+            midi->cancelCallback();
+        } else {
+            delete midi;
+        }
+    }
+};
+
+using Midi = std::unique_ptr<RtMidiIn, EndMidi>;
 
 } // namespace
 
@@ -97,7 +125,7 @@ public:
             ~Silence() { std::cerr.clear(); }
         };
         const Silence silence;
-        m_watcher = std::make_unique<RtMidiIn>(api, m_clientName);
+        m_watcher = Midi(new RtMidiIn(api, m_clientName));
         m_watcher->setErrorCallback([](RtMidiError::Type /*type*/, const std::string& reason,
                                        void* error) { *static_cast<std::string*>(error) = reason; },
                                     &m_error);
@@ -134,7 +162,7 @@ private:
     const std::string m_clientName;
     std::string m_error;
     int m_jackErrors = 0; // when it was connected
-    std::unique_ptr<RtMidiIn> m_watcher;
+    Midi m_watcher;
 };
 
 struct MidiHardware::Place
@@ -149,15 +177,15 @@ public:
     /// Throws RtMidiError when it cannot be opened.
     Input(MidiHardware& hardware, const Place& place, std::string portId, std::string deviceName)
         : api(place.api), id(std::move(portId)), device(std::move(deviceName)),
-          m_hardware(hardware), m_midi(place.api, hardware.m_clientName)
+          m_hardware(hardware), m_midi(new RtMidiIn(place.api, hardware.m_clientName))
     {
-        m_midi.setCallback(
+        m_midi->setCallback(
             [](double seconds, std::vector<unsigned char>* bytes, void* input) {
                 static_cast<Input*>(input)->receive(*bytes, seconds);
             },
             this);
-        m_midi.openPort(place.number, device);
-        m_midi.setErrorCallback(
+        m_midi->openPort(place.number, device);
+        m_midi->setErrorCallback(
             [](RtMidiError::Type /*type*/, const std::string& reason, void* input) {
                 hostLog()->warn("MIDI input {}: {}", static_cast<Input*>(input)->device, reason);
             },
@@ -185,7 +213,7 @@ private:
     MidiHardware& m_hardware;
     MidiControls m_controls;
     double m_seconds = 0; // since the first message
-    RtMidiIn m_midi;      // the last one: its thread uses the others
+    Midi m_midi;          // the last one: its thread uses the others
 };
 
 MidiHardware::MidiHardware(std::string clientName) : m_clientName(std::move(clientName)) {}
