@@ -474,7 +474,7 @@ TEST_F(Cluster, TheWindowTellsHowItStandsAndSetsAgainWhatWasLost)
     emit a.synchroniser().keysClash({{"F5", {"shortcut:210:", "shortcut:211:a%2Fb"}}});
     EXPECT_TRUE(tells("F5 ("));
     emit a.synchroniser().otherKeys({{"shortcut:211:a%2Fb", ""}, {"shortcut:211:c", "F6"}});
-    EXPECT_TRUE(tells("a/b (–), c (F6)"));
+    EXPECT_TRUE(tells("a/b (–)、c (F6)"));
     emit a.synchroniser().notKept(
         {"shortcut:211:c"},
         "database or disk is full (unless the show takes the change, which was sent to it)");
