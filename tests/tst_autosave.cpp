@@ -96,7 +96,7 @@ TEST_F(AutoSaveTest, TakesNamesOfAnyLengthAndHiddenOnes)
     runtime.call([this] { store->setAutoSaveProjectFilesMaxNum(1); });
     for (const QString& name :
          {QString(".show"), QString(83, u'演'), 'a' + QString::fromUtf8("😀").repeated(60)}) {
-        ASSERT_TRUE(saveAs(path(name + ".mivo")));
+        ASSERT_TRUE(saveAs(path(name + ".mivo"))) << name.toStdString();
         saveAt("10:00");
         saveAt("10:01");
         ASSERT_EQ(savesOf().size(), 1) << name;

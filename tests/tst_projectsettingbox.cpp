@@ -198,7 +198,8 @@ TEST_F(Project, SaysThatAFolderCannotBeOpened)
     TipWatch watch;
     watch.onTip = [this] { delete page; };
     QTest::mouseClick(open, Qt::LeftButton);
-    EXPECT_EQ(watch.tips, QStringList("OpenFolderFailed|/nowhere/projectbackups|2"));
+    EXPECT_EQ(watch.tips, QStringList("OpenFolderFailed|"
+                                      + QDir::toNativeSeparators("/nowhere/projectbackups|2")));
     EXPECT_TRUE(page.isNull());
 }
 

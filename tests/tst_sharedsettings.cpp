@@ -380,7 +380,7 @@ TEST(ShowSetup, IsRefusedWhereAFileOfItCannotBeUsed)
     };
     const QString login = "--store-login=" + folder.filePath("login");
     for (const char* authorities : {"absent", "login", "."}) {
-        const QString file = folder.filePath(authorities);
+        const QString file = QDir::toNativeSeparators(folder.filePath(authorities));
         EXPECT_FALSE(read({"--store=etcds://a/show", "--store-ca=" + file, login}));
         EXPECT_TRUE(problem.reason.startsWith(file + ": ")) << problem.reason;
         EXPECT_EQ(problem.code, notRead);
@@ -403,7 +403,8 @@ TEST(ShowSetup, IsRefusedWhereAFileOfItCannotBeUsed)
     for (const QByteArray& unusable : {QByteArray(), id.left(20)}) {
         writeFile(idFile, unusable);
         EXPECT_FALSE(read({"--store=etcd://a/show"})) << "it would be another machine";
-        EXPECT_TRUE(problem.reason.startsWith(idFile + ": ")) << problem.reason;
+        EXPECT_TRUE(problem.reason.startsWith(QDir::toNativeSeparators(idFile) + ": "))
+            << problem.reason;
         EXPECT_EQ(problem.code, storeFailed);
         EXPECT_EQ(readFile(idFile), unusable);
     }
@@ -417,7 +418,7 @@ TEST(ShowSetup, BeginsWithTheOwnSettingsAndNotWithoutThemWhereTheyAreDamaged)
     QString error;
     EXPECT_FALSE(ShowSetup().share(
         SqlitePersistence::open(folder.filePath("show.sqlite")).persistence, own, error));
-    EXPECT_EQ(error, own + ": the file is missing");
+    EXPECT_EQ(error, QDir::toNativeSeparators(own) + ": the file is missing");
 }
 
 TEST(EtcdMessages, AreTakenOnlyAsEtcdSendsThem)
