@@ -66,14 +66,15 @@ MidiService::~MidiService()
         return;
     }
     m_hardware->setReceiver(nullptr);
-    m_hardware->setListener(nullptr);
     post(m_context, [hardware = m_hardware, thread = m_thread] {
         hardware->close();
+        hardware->report({});
         thread->quit();
     });
     if (m_thread->wait(1000)) {
         delete m_thread;
     }
+    m_hardware->setListener(nullptr); // ordered behind the report by a lock of ours
 }
 
 bool MidiService::isControl(const std::string& text)
