@@ -8,6 +8,7 @@
 #include <RtMidi.h>
 
 #include <future>
+#include <array>
 #include <iostream>
 
 using namespace mivo::peripheralcontrol;
@@ -278,7 +279,7 @@ TEST(Midi, TheServerMayGoWhileInputsAreBeingOpened)
     const auto keys = device("keys");
     MidiHardware hardware("mivotest");
     ASSERT_TRUE(QTest::qWaitFor([&] { return hardware.look(false).open.size() == 1; }, 10000));
-    const auto others = {device("pads"), device("drums"), device("pedals")};
+    const std::array others{device("pads"), device("drums"), device("pedals")};
     const auto signalServer = [&](const char* signal) {
         QProcess::execute("kill", {signal, QString::number(server->processId())});
     };
