@@ -7,8 +7,8 @@
 
 #include <RtMidi.h>
 
-#include <future>
 #include <array>
+#include <future>
 #include <iostream>
 
 using namespace mivo::peripheralcontrol;
