@@ -75,6 +75,27 @@ std::unique_ptr<QProcess> device(const QString& name)
     return player;
 }
 
+/// With a sound server.
+struct Midi : ::testing::Test
+{
+    void SetUp() override
+    {
+#ifdef __SANITIZE_THREAD__
+        GTEST_SKIP() << "JACK's library cancels threads within calls that ThreadSanitizer ignores";
+#endif
+        server = soundServer();
+        if (server == nullptr) {
+            GTEST_SKIP() << "no jackd, or none that can be used here";
+        }
+    }
+    void signalServer(const char* signal) const
+    {
+        QProcess::execute("kill", {signal, QString::number(server->processId())});
+    }
+
+    std::unique_ptr<QProcess, EndServer> server;
+};
+
 } // namespace
 
 TEST(MidiMessages, OnlyThoseOfControlsAreRead)
@@ -167,7 +188,7 @@ TEST(MidiDevices, KeepTheirNamesInWhateverOrderTheyAre)
               (Names{"X", "Y 2", "X #2"}));
 }
 
-TEST(Midi, RealDevicesAreLearnedAndSurviveAReplugAndALossOfTheServer)
+TEST_F(Midi, RealDevicesAreLearnedAndSurviveAReplugAndALossOfTheServer)
 {
     const LogCapture log;
     InputTap tap;
@@ -197,13 +218,6 @@ TEST(Midi, RealDevicesAreLearnedAndSurviveAReplugAndALossOfTheServer)
         return false;
     };
     const std::string loss = "warning|no MIDI over Jack: ";
-#ifdef __SANITIZE_THREAD__
-    GTEST_SKIP() << "JACK's library cancels threads within calls that ThreadSanitizer ignores";
-#endif
-    auto server = soundServer();
-    if (server == nullptr) {
-        GTEST_SKIP() << "no jackd, or none that can be used here";
-    }
     server.reset();
     service.setEnabled(true);
     QTest::qWait(2500);
@@ -248,9 +262,6 @@ TEST(Midi, RealDevicesAreLearnedAndSurviveAReplugAndALossOfTheServer)
     QTest::qWait(300);
     EXPECT_FALSE(told.has(used));
 
-    const auto signalServer = [&](const char* signal) {
-        QProcess::execute("kill", {signal, QString::number(server->processId())});
-    };
     const std::string hangs = "warning|MIDI does not answer";
     signalServer("-STOP");
     {
@@ -267,22 +278,12 @@ TEST(Midi, RealDevicesAreLearnedAndSurviveAReplugAndALossOfTheServer)
     EXPECT_FALSE(service.isHanging());
 }
 
-TEST(Midi, TheServerMayGoWhileInputsAreBeingOpened)
+TEST_F(Midi, TheServerMayGoWhileInputsAreBeingOpened)
 {
-#ifdef __SANITIZE_THREAD__
-    GTEST_SKIP() << "JACK's library cancels threads within calls that ThreadSanitizer ignores";
-#endif
-    auto server = soundServer();
-    if (server == nullptr) {
-        GTEST_SKIP() << "no jackd, or none that can be used here";
-    }
     const auto keys = device("keys");
     MidiHardware hardware("mivotest");
     ASSERT_TRUE(QTest::qWaitFor([&] { return hardware.look(false).open.size() == 1; }, 10000));
     const std::array others{device("pads"), device("drums"), device("pedals")};
-    const auto signalServer = [&](const char* signal) {
-        QProcess::execute("kill", {signal, QString::number(server->processId())});
-    };
     signalServer("-STOP");
     auto looked = std::async(std::launch::async, [&] { return hardware.look(false); });
     EXPECT_EQ(looked.wait_for(std::chrono::milliseconds(500)), std::future_status::timeout);

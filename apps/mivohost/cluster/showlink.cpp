@@ -45,7 +45,7 @@ ShowLink::ShowLink(EtcdServers servers, QByteArray prefix, QString machine)
         m_check.stop();
         m_isAsked = false;
         m_revision = 0;
-        readPage(SharedSettings::idKey(m_prefix), 0, 0);
+        readAll();
     });
 }
 
@@ -125,7 +125,7 @@ void ShowLink::readId()
         if (answer.values.empty()) {
             makeId();
         } else if (m_revision == 0) {
-            readPage(SharedSettings::idKey(m_prefix), 0, 0);
+            readAll();
         } else {
             startWatch();
         }
@@ -140,9 +140,14 @@ void ShowLink::makeId()
     const auto request = etcd::writeAll({{SharedSettings::idKey(m_prefix), id, 0}});
     m_client->ask(request, [this](const etcd::Answer& answer) {
         if (!isFailure(answer)) {
-            readPage(SharedSettings::idKey(m_prefix), 0, 0);
+            readAll();
         }
     });
+}
+
+void ShowLink::readAll()
+{
+    readPage(SharedSettings::idKey(m_prefix), 0, 0);
 }
 
 void ShowLink::readPage(const QByteArray& from, qint64 revision, int before)

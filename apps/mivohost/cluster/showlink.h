@@ -50,6 +50,7 @@ private:
     void connectToServer();
     void readId();
     void makeId();
+    void readAll();
     void readPage(const QByteArray& from, qint64 revision, int before);
     void startWatch();
     void take(const etcd::Report& report);

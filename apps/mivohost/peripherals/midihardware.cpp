@@ -22,8 +22,7 @@ namespace mivohost {
 
 namespace {
 
-// Milliseconds. A device that is away for less goes unnoticed, and is then not opened again.
-constexpr int backEndRetry = 2000; // of a back end that is not there
+constexpr int backEndRetry = 2000; // ms; of a back end that is not there
 
 std::atomic<int> jackErrors{0};
 std::atomic<int> jackCleanups{0};
@@ -99,7 +98,7 @@ public:
     const RtMidi::Api api;
 
     /// In the order of their places. Throws std::runtime_error when it is not there or has gone;
-    /// then nothing comes of it until reconnect().
+    /// then nothing comes of it until connect().
     std::vector<ListedDevice> ports()
     {
         constexpr int mostTimes = 10;
